@@ -1,0 +1,119 @@
+#include "Console/Evaluation.h"
+
+#include <ostream>
+
+#include "Console/Failure.h"
+#include "Console/Table.h"
+#include "Console/Texts.h"
+#include "Console/UnitTexts.h"
+#include "Platform/Base/Text.h"
+
+namespace Vn::Console {
+
+using Expressions::Expression;
+using Units::ComplexUnit;
+using Units::UnitContext;
+using Units::UnitDisplaySettings;
+
+namespace {
+
+// A rebuilt text that is spelled by other settings than the standard ones is read anew.
+bool readsBack(Expression const & expression, std::wstring const & rebuilt) {
+    if (rebuilt == expression.rebuilt()) return expression.rebuiltReadsBack();
+    Expression const again(rebuilt, expression.context());
+    return again && again.value() == expression.value();
+}
+
+std::wstring orNone(std::wstring const & units) { return units.empty() ? L"none" : units; }
+
+// "2.54 cm".
+std::wstring internalText(Evaluation const & e) {
+    return shortestNumber(*e.value) + (e.internalUnits.empty() ? L"" : L" ") + e.internalUnits;
+}
+
+// Both streams may go to one terminal, where they must not overtake one another.
+void tell(std::string const & text, std::ostream & out, std::ostream & err) {
+    out.flush();
+    err << text << std::flush;
+}
+
+} // namespace
+
+Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & settings,
+                    UnitContext const & display) {
+    Evaluation e;
+    e.value = expression.value();
+    ComplexUnit const units = expression.units().value_or(ComplexUnit::none());
+    e.units = unitText(units, settings);
+    e.internalUnits = internalUnitText(units, settings);
+    e.rebuilt = expression.rebuilt(Units::ValueAndUnit, settings);
+    e.readsBack = readsBack(expression, e.rebuilt);
+    e.store = expression.textToStore();
+    ComplexUnit const * const shown = display.expectedUnits();
+    if (!e.value) {
+        e.error = L"no value: " + explainNoValue();
+    } else if (shown && !shown->isDimensionallyEquivalent(&units)) {
+        e.error = L"the value is " + describeUnits(units, settings) +
+                  L" and can't be shown " + describeUnits(*shown, settings);
+    } else {
+        e.formatted = expression.formatted(Units::ValueAndUnit, settings, display);
+    }
+    return e;
+}
+
+bool showEvaluation(Expression const & expression, UnitDisplaySettings const & settings,
+                    UnitContext const & display, std::ostream & out, std::ostream & err) {
+    if (!expression) {
+        tell(failureText(expression), out, err);
+        return false;
+    }
+    Evaluation const e = evaluate(expression, settings, display);
+    Table table;
+    if (!e.formatted.empty()) table.add({L"formatted", e.formatted});
+    if (e.value) table.add({L"internal", internalText(e)});
+    table.add({L"units", orNone(e.units)});
+    table.add({L"rebuilt", e.rebuilt});
+    if (!e.readsBack) {
+        table.add({L"store", printable(e.store)});
+        table.add({L"", L"(the rebuilt text would not read back to the same value)"});
+    }
+    out << table.toUtf8();
+    if (e.error.empty()) return true;
+    tell("vnconsole: " + Text::toUtf8(e.error) + '\n', out, err);
+    return false;
+}
+
+bool showBriefly(Expression const & expression, UnitDisplaySettings const & settings,
+                 UnitContext const & display, std::ostream & out, std::ostream & err) {
+    if (!expression) {
+        tell(failureText(expression), out, err);
+        return false;
+    }
+    Evaluation const e = evaluate(expression, settings, display);
+    if (!e.error.empty()) {
+        tell(Text::toUtf8(e.error) + '\n', out, err);
+        return false;
+    }
+    out << Text::toUtf8(e.formatted + L"\n  internal " + internalText(e) + L", units " +
+                        orNone(e.units) + L", rebuilt " + e.rebuilt + L'\n');
+    if (!e.readsBack) {
+        out << "  the rebuilt text would not read back to the same value; store "
+            << Text::toUtf8(printable(e.store)) << '\n';
+    }
+    return true;
+}
+
+bool readUnitContext(std::wstring const & text, std::string const & what, UnitContext & context,
+                     std::ostream & err) {
+    if (std::optional<UnitContext> read = unitContext(text)) {
+        context = *std::move(read);
+        return true;
+    }
+    err << what << ": " << Text::toUtf8(inQuotes(text)) << " is no unit\n";
+    // A unit is read as the unit of a number.
+    Failure const failure = explainFailure(Expression(L"1 " + text));
+    err << Text::toUtf8(suggestionLine(failure)) << std::flush;
+    return false;
+}
+
+} // namespace Vn::Console

@@ -1,0 +1,47 @@
+// What there is to tell of an expression, and two ways to tell it.
+
+#ifndef VN_CONSOLE_EVALUATION_H
+#define VN_CONSOLE_EVALUATION_H
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+#include "Server/CommonData/Expressions/Expression.h"
+
+namespace Vn::Console {
+
+struct Evaluation {
+    std::optional<double> value;
+    std::wstring formatted;
+    std::wstring units;         // empty for none
+    std::wstring internalUnits; // of the value
+    std::wstring rebuilt;
+    bool readsBack = false; // the rebuilt text, to the same value
+    std::wstring store;
+    std::wstring error; // why there is no value to show; empty if there is
+};
+
+// The expression must have a tree.
+Evaluation evaluate(Expressions::Expression const & expression,
+                    Units::UnitDisplaySettings const & settings,
+                    Units::UnitContext const & display);
+
+// Shows an expression as a table, or why there is none on `err`.  False if it isn't good.
+bool showEvaluation(Expressions::Expression const & expression,
+                    Units::UnitDisplaySettings const & settings,
+                    Units::UnitContext const & display, std::ostream & out, std::ostream & err);
+
+// The same as the value and a line below it.
+bool showBriefly(Expressions::Expression const & expression,
+                 Units::UnitDisplaySettings const & settings, Units::UnitContext const & display,
+                 std::ostream & out, std::ostream & err);
+
+// Makes `context` the one that expects the unit `text`; an empty text stands for a result without
+// units.  False if it is no unit, which is told on `err` behind `what` it was for.
+bool readUnitContext(std::wstring const & text, std::string const & what,
+                     Units::UnitContext & context, std::ostream & err);
+
+} // namespace Vn::Console
+
+#endif

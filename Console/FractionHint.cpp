@@ -1,0 +1,155 @@
+#include "Console/FractionHint.h"
+
+#include <algorithm>
+
+#include "Console/Texts.h"
+#include "Console/Vocabulary.h"
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/Tokenizer.h"
+#include "Server/CommonData/Expressions/Tokens.h"
+
+namespace Vn::Console {
+
+using Expressions::Token;
+
+namespace {
+
+// More than a divisor has, and few enough to be read again at each fraction of a long text.
+constexpr std::size_t c_longestDivisor = 100;
+constexpr std::size_t c_longestHint = 160;
+
+bool isDigits(std::wstring_view text) {
+    return std::all_of(text.begin(), text.end(), [](wchar_t c) {
+        return Text::isDigit(static_cast<char32_t>(c));
+    });
+}
+
+// Writes a text again with every division in it that was read as a fraction in brackets.
+class Rewriter {
+public:
+    explicit Rewriter(std::wstring_view text) : m_text(text) {}
+
+    void run() {
+        Expressions::TokenList tokens;
+        Expressions::TokenizerRegistry::get()->tokenize(m_text, tokens);
+        for (Token const * token = tokens.first()->next; token; token = token->next) {
+            if (token->kind != Expressions::TK_NUMBER || indexOf(*token) < m_done) continue;
+            if (!rewriteFraction(*token)) rewriteMixed(*token);
+        }
+        m_result += m_text.substr(m_done);
+    }
+
+    std::wstring const & result() const { return m_result; }
+    // The first piece written anew, and the sentence that goes in front of what to type.
+    std::wstring const & piece() const { return m_piece; }
+    std::wstring const & reason() const { return m_reason; }
+
+private:
+    // A number lies in the text as it was typed.
+    std::size_t indexOf(Token const & token) const {
+        return static_cast<std::size_t>(token.text.data() - m_text.data());
+    }
+    std::size_t endOf(Token const & token) const { return indexOf(token) + token.text.size(); }
+    bool isInText(Token const & token) const {
+        std::less<wchar_t const *> const before;
+        return !before(token.text.data(), m_text.data()) &&
+               before(token.text.data(), m_text.data() + m_text.size());
+    }
+
+    // "7/2" in front of ".2".
+    bool rewriteFraction(Token const & fraction) {
+        Token const * const next = fraction.next;
+        std::size_t const slash = fraction.text.find(L'/');
+        if (fraction.format.lengthDisplay != Units::LengthFractional ||
+            slash == fraction.text.npos || !next || !isInText(*next) ||
+            indexOf(*next) != endOf(fraction)) {
+            return false;
+        }
+        std::wstring_view const typed = trimmed(fraction.text.substr(slash + 1));
+        std::size_t const begin = endOf(fraction) - typed.size();
+        std::wstring const divisor = numberAt(begin);
+        if (typed.empty() || divisor.size() <= typed.size()) return false;
+
+        std::wstring_view const front = trimmed(fraction.text.substr(0, slash));
+        std::size_t const blank =
+            std::find_if(front.begin(), front.end(),
+                         [](wchar_t c) { return Text::isSpace(static_cast<char32_t>(c)); }) -
+            front.begin();
+        std::wstring const whole(front.substr(0, blank < front.size() ? blank : 0));
+        std::wstring const quotient =
+            std::wstring(trimmed(front.substr(whole.size()))) + L"/(" + divisor + L')';
+        replace(fraction, whole.empty() ? quotient : L'(' + whole + L" + " + quotient + L')',
+                begin + divisor.size(),
+                inQuotes(trimmed(fraction.text)) +
+                    L" was read as a fraction; put the divisor in brackets: ");
+        return true;
+    }
+
+    // "2 1/3", where 1/3 is none of the fractions that can be typed.
+    void rewriteMixed(Token const & whole) {
+        Token const * const numerator = whole.next;
+        Token const * const slash = numerator ? numerator->next : nullptr;
+        Token const * const divisor = slash ? slash->next : nullptr;
+        if (!divisor || numerator->kind != Expressions::TK_NUMBER ||
+            slash->kind != Expressions::TK_DIVIDE || divisor->kind != Expressions::TK_NUMBER ||
+            !isDigits(whole.text) || !isDigits(numerator->text)) {
+            return;
+        }
+        std::wstring const fraction =
+            std::wstring(numerator->text) + L'/' + std::wstring(trimmed(divisor->text));
+        replace(whole, L'(' + std::wstring(whole.text) + L" + " + fraction + L')', endOf(*divisor),
+                L"a fraction has a divisor of 2, 4, 8, 16, 32, 64 or 128; write it in brackets: ");
+    }
+
+    // The number that begins there, read afresh.
+    std::wstring numberAt(std::size_t index) const {
+        std::wstring_view const text = m_text.substr(index, c_longestDivisor);
+        Expressions::TokenList tokens;
+        Expressions::TokenizerRegistry::get()->tokenize(text, tokens);
+        Token const * const first = tokens.first()->next;
+        bool const isNumber = first && first->kind == Expressions::TK_NUMBER;
+        return isNumber ? std::wstring(trimmed(first->text)) : std::wstring();
+    }
+
+    // Writes `text` instead of what stands from `first` up to `end`.
+    void replace(Token const & first, std::wstring text, std::size_t end,
+                 std::wstring const & reason) {
+        // Units stand behind numbers only.
+        Token const * unit = first.next;
+        while (unit && (!isInText(*unit) || indexOf(*unit) < end)) unit = unit->next;
+        if (unit && unit->kind == Expressions::TK_NAME &&
+            Expressions::Tokens::get()->getFunctionToken(unit->text) == Expressions::e_NONE &&
+            Vocabulary::isKnown(unit->text)) {
+            text = L'(' + text + L" * 1 " + std::wstring(unit->text) + L')';
+            end = endOf(*unit);
+        }
+        if (m_piece.empty()) {
+            m_piece = text;
+            m_reason = reason;
+        }
+        std::size_t const begin = indexOf(first);
+        m_result += m_text.substr(m_done, begin - m_done);
+        m_result += text;
+        m_done = end;
+    }
+
+    std::wstring_view const m_text;
+    std::size_t m_done = 0; // as far as this the text stands in the result
+    std::wstring m_result;
+    std::wstring m_piece;
+    std::wstring m_reason;
+};
+
+} // namespace
+
+std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context) {
+    Rewriter rewriter(text);
+    rewriter.run();
+    if (rewriter.piece().empty()) return {};
+    if (!Expressions::Expression(rewriter.result(), context)) return {};
+    bool const isShort = rewriter.result().size() <= c_longestHint;
+    return rewriter.reason() + printable(isShort ? rewriter.result() : rewriter.piece());
+}
+
+} // namespace Vn::Console

@@ -1,0 +1,18 @@
+// The commonest trap of the expression language: "7/2.2" is the fraction 7/2 and then .2.
+
+#ifndef VN_CONSOLE_FRACTIONHINT_H
+#define VN_CONSOLE_FRACTIONHINT_H
+
+#include <string>
+
+#include "Server/CommonData/Units/UnitContext.h"
+
+namespace Vn::Console {
+
+// For a text that doesn't parse: what to do about a fraction in it that something stands right
+// behind, with the text to type instead where that parses.  Empty if there is none.
+std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context);
+
+} // namespace Vn::Console
+
+#endif

@@ -1,0 +1,16 @@
+// A session with whoever types, or with the lines of a file.
+
+#ifndef VN_CONSOLE_INTERACTIVE_H
+#define VN_CONSOLE_INTERACTIVE_H
+
+#include <iosfwd>
+
+namespace Vn::Console {
+
+// Reads lines and does what they say until there are no more.  On a terminal with editing, history
+// and completion; else without prompts, and the status tells whether all lines were good.
+int runInteractive(std::istream & in, std::ostream & out, std::ostream & err);
+
+} // namespace Vn::Console
+
+#endif

@@ -1,0 +1,11 @@
+// For systems without the library of line editing.
+
+#include "Console/LineReader.h"
+
+namespace Vn::Console {
+
+std::unique_ptr<LineReader> makeLineEditor(Completer, std::filesystem::path const &) {
+    return nullptr;
+}
+
+} // namespace Vn::Console

@@ -1,0 +1,33 @@
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <iostream>
+
+#include "Console/CommandLine.h"
+#include "Console/ExitStatus.h"
+#include "Console/Terminal.h"
+
+// The host program: all text in and out is UTF-8.
+int main(int argc, char * argv[]) {
+    using namespace Vn::Console;
+
+    std::ios::sync_with_stdio(false);
+    StandardOutput output;
+    std::ostream out(&output);
+    int status = ExitBadInput;
+    try {
+        status = runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc),
+                                std::cin, out, std::cerr);
+    } catch (std::bad_alloc const &) {
+        std::cerr << "vnconsole: out of memory\n";
+    } catch (std::exception const & exception) {
+        std::cerr << "vnconsole: " << exception.what() << '\n';
+    }
+    out.flush();
+    if (output.error() == 0) return status;
+    // Nobody reads any more: there is nobody to tell.
+    if (output.error() != EPIPE) {
+        std::cerr << "vnconsole: can't write the output: " << std::strerror(output.error()) << '\n';
+    }
+    return ExitBadInput;
+}

@@ -1,0 +1,56 @@
+#include "Platform/Base/Initializer.h"
+
+#include <deque>
+#include <mutex>
+
+#include "Platform/Base/Shared.h"
+
+namespace Vn {
+
+namespace {
+
+struct List {
+    // Held by the thread that runs the functions, which may themselves call runAll.
+    std::recursive_mutex running;
+    // Guards `waiting` for a few instructions.
+    std::mutex mutex;
+    std::deque<Initializer const *> waiting;
+};
+
+constinit Shared<List> s_list;
+
+List & list() {
+    return s_list.get([] { return new List; });
+}
+
+} // namespace
+
+Initializer::Initializer(void (*function)()) : m_function(function) {
+    if (!m_function) return;
+    List & all = list();
+    std::lock_guard const guard(all.mutex);
+    all.waiting.push_back(this);
+}
+
+Initializer::~Initializer() {
+    List & all = list();
+    std::lock_guard const guard(all.mutex);
+    std::erase(all.waiting, this);
+}
+
+void Initializer::runAll() {
+    List & all = list();
+    std::lock_guard const running(all.running);
+    for (;;) {
+        void (*function)() = nullptr;
+        {
+            std::lock_guard const guard(all.mutex);
+            if (all.waiting.empty()) return;
+            function = all.waiting.front()->m_function;
+            all.waiting.pop_front();
+        }
+        function();
+    }
+}
+
+} // namespace Vn

@@ -1,0 +1,72 @@
+#ifndef VN_PLATFORM_BASE_OS_H
+#define VN_PLATFORM_BASE_OS_H
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+
+#include "Platform/Base/Export.h"
+#include "Platform/Base/Status.h"
+
+// The operating system, as far as the system needs it.
+namespace Vn::OS {
+
+// Lets another thread have the processor.
+VN_BASE_API void yield() noexcept;
+
+// Tells the processor that the thread is spinning.
+VN_BASE_API void pause() noexcept;
+
+// Memory straight from the system, zeroed, on a page of its own.  `size` is a multiple of 64 KiB.
+// Null if there is none.
+VN_BASE_API void * allocatePages(std::size_t size) noexcept;
+// Gives it back; `size` as it was allocated.
+VN_BASE_API void releasePages(void * memory, std::size_t size) noexcept;
+// Says that the contents aren't needed any more: the memory stays usable, but the system may take its
+// pages, and then it reads as zeroes, until it is written again.  `memory` lies on a page boundary.
+VN_BASE_API void offerPages(void * memory, std::size_t size) noexcept;
+
+// What the file name of a module ends in: ".so" or ".dll".
+VN_BASE_API std::wstring_view platformModuleExtension() noexcept;
+
+// The directory of the running program; empty if the system doesn't tell.
+VN_BASE_API std::filesystem::path executableDirectory();
+
+// The name of a class as it is written in the source.
+VN_BASE_API std::string className(std::type_info const & type);
+
+// A module loaded at run time.  It is unloaded with the object, unless `keep` was called.
+class VN_BASE_API Module {
+public:
+    // Without a module, or with that of `other`, which is left without one.
+    Module() noexcept = default;
+    Module(Module && other) noexcept;
+    Module & operator=(Module && other) noexcept;
+    ~Module();
+
+    // Loads a module; its static objects are constructed before this returns.  A module that the
+    // object held before is unloaded first.  If it can't be loaded, the status carries the system's
+    // reason, and the object holds none.
+    [[nodiscard]] Status load(std::filesystem::path const & file);
+
+    // The address of an exported name; null if there is none, or no module.
+    void * symbol(char const * name) const noexcept;
+
+    // Unloads the module.  Whatever came from it must be gone.
+    void unload() noexcept;
+
+    // Leaves the module loaded to the end of the process.
+    void keep() noexcept { m_pHandle = nullptr; }
+
+    // Whether there is a module to unload.
+    bool isLoaded() const noexcept { return m_pHandle != nullptr; }
+
+private:
+    void * m_pHandle = nullptr;
+};
+
+} // namespace Vn::OS
+
+#endif

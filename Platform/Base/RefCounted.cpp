@@ -1,0 +1,78 @@
+#include "Platform/Base/RefCounted.h"
+
+namespace Vn {
+
+namespace {
+
+// The count of an object whose last strong reference is gone.  Strong references that its
+// destructor makes for a while count upwards from here, and don't end it again.  Zero, in contrast,
+// is the count of an object that nobody has owned yet.
+constexpr std::uint32_t c_dying = 0x80000000U;
+
+} // namespace
+
+namespace Detail {
+
+void PassiveControl::release() noexcept {
+    if (m_count.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+}
+
+RefCounted * PassiveControl::lockTarget() noexcept {
+    // Whoever releases the last strong reference expires this block before it deletes the target,
+    // so that the target can be read for as long as the lock is held.
+    SpinLockGuard const guard(m_lock);
+    RefCounted * const target = m_pTarget.load(std::memory_order_relaxed);
+    return target && target->addRefIfAlive() ? target : nullptr;
+}
+
+void PassiveControl::expire() noexcept {
+    SpinLockGuard const guard(m_lock);
+    m_pTarget.store(nullptr, std::memory_order_release);
+}
+
+} // namespace Detail
+
+RefCounted::~RefCounted() {
+    if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire)) {
+        control->expire();
+        control->release();
+    }
+}
+
+void RefCounted::release() const noexcept {
+    std::uint32_t count = m_count.load(std::memory_order_relaxed);
+    while (!m_count.compare_exchange_weak(count, count == 1 ? c_dying : count - 1,
+                                          std::memory_order_acq_rel, std::memory_order_relaxed)) {}
+    if (count != 1) return;
+    if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
+        control->expire();
+    delete this;
+}
+
+bool RefCounted::addRefIfAlive() const noexcept {
+    std::uint32_t count = m_count.load(std::memory_order_relaxed);
+    do {
+        if (count & c_dying) return false;
+    } while (!m_count.compare_exchange_weak(count, count + 1, std::memory_order_relaxed));
+    return true;
+}
+
+std::uint32_t RefCounted::refCount() const noexcept {
+    return m_count.load(std::memory_order_relaxed) & ~c_dying;
+}
+
+Detail::PassiveControl * RefCounted::passiveControl() const {
+    Detail::PassiveControl * control = m_pPassive.load(std::memory_order_acquire);
+    if (!control) {
+        auto * const made = new Detail::PassiveControl(const_cast<RefCounted *>(this));
+        if (m_pPassive.compare_exchange_strong(control, made, std::memory_order_acq_rel,
+                                               std::memory_order_acquire))
+            control = made;
+        else
+            made->release();
+    }
+    control->addRef();
+    return control;
+}
+
+} // namespace Vn

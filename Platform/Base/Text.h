@@ -1,0 +1,90 @@
+#ifndef VN_PLATFORM_BASE_TEXT_H
+#define VN_PLATFORM_BASE_TEXT_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "Platform/Base/Export.h"
+
+// Characters and their encodings.
+//
+// The system's text is wide: 16 bits a character on Windows, 32 elsewhere.  What a character is, is
+// the system's own decision and asks no locale, so that the same text is read alike everywhere.
+namespace Vn::Text {
+
+namespace Detail {
+
+enum : std::uint8_t { ClassPunctuation = 1, ClassSpace = 2, ClassDigit = 4 };
+
+constexpr std::array<std::uint8_t, 128> makeAsciiClasses() {
+    std::array<std::uint8_t, 128> classes{};
+    for (std::size_t c = 0; c < classes.size(); ++c) {
+        bool const letter = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+        if (c >= '0' && c <= '9')
+            classes[c] = ClassDigit;
+        else if (c == ' ' || (c >= 9 && c <= 13))
+            classes[c] = ClassSpace;
+        else if (c > ' ' && c < 127 && !letter)
+            classes[c] = ClassPunctuation;
+    }
+    return classes;
+}
+
+inline constexpr std::array<std::uint8_t, 128> c_asciiClasses = makeAsciiClasses();
+
+VN_BASE_API bool isPunctuationBeyondAscii(char32_t character) noexcept;
+VN_BASE_API bool isSpaceBeyondAscii(char32_t character) noexcept;
+
+} // namespace Detail
+
+// ASCII punctuation, U+00A1 to U+00BF, U+00D7, U+00F7, and the general categories P and S up to
+// U+FFFF.
+inline bool isPunctuation(char32_t character) noexcept {
+    if (character < 128) return (Detail::c_asciiClasses[character] & Detail::ClassPunctuation) != 0;
+    return Detail::isPunctuationBeyondAscii(character);
+}
+
+// ASCII white space (U+0009 to U+000D and the blank), U+0085, U+00A0, and the general category Zs
+// up to U+FFFF.
+inline bool isSpace(char32_t character) noexcept {
+    if (character < 128) return (Detail::c_asciiClasses[character] & Detail::ClassSpace) != 0;
+    return Detail::isSpaceBeyondAscii(character);
+}
+
+// 0 to 9, and no other digits.
+constexpr bool isDigit(char32_t character) noexcept {
+    return character >= U'0' && character <= U'9';
+}
+
+// The length in 16-bit characters.  Where wchar_t is wider, a character above U+FFFF counts two.
+VN_BASE_API std::size_t length16(std::wstring_view text) noexcept;
+
+// The text in UTF-8.  What is no character, such as half of a surrogate pair, becomes U+FFFD.
+VN_BASE_API std::string toUtf8(std::wstring_view text);
+
+// Reads UTF-8 strictly.  False for anything that isn't well-formed: broken, overlong or surrogate
+// sequences, or values above U+10FFFF; `text` is then left as it was.
+VN_BASE_API bool fromUtf8(std::string_view utf8, std::wstring & text);
+
+// Reads UTF-8 leniently: each longest broken piece of a sequence becomes one U+FFFD.
+VN_BASE_API std::wstring fromUtf8(std::string_view utf8);
+
+// Makes ASCII wide.  Bytes above 127 become U+FFFD.
+VN_BASE_API std::wstring widen(std::string_view ascii);
+
+// How many columns a character takes in a terminal: 0 for control characters, combining marks and
+// other characters without a width, 2 for East Asian wide and fullwidth ones, 1 for the rest.
+VN_BASE_API int displayWidth(char32_t character) noexcept;
+// The sum over the characters of a text.
+VN_BASE_API int displayWidth(std::wstring_view text) noexcept;
+
+// Whether two texts are equal if the case of ASCII letters doesn't count.
+VN_BASE_API bool foldedEqual(std::wstring_view a, std::wstring_view b) noexcept;
+VN_BASE_API bool foldedEqual(std::string_view a, std::string_view b) noexcept;
+
+} // namespace Vn::Text
+
+#endif

@@ -1,0 +1,66 @@
+#include "Platform/Base/TextCommand.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "Platform/Base/Shared.h"
+#include "Platform/Base/Text.h"
+#include "Platform/Base/TextCommandService.h"
+
+namespace Vn {
+
+namespace {
+
+constinit Shared<std::wstring> s_noText;
+
+}
+
+TextCommandParameters::TextCommandParameters(std::vector<std::wstring> parameters,
+                                             std::vector<std::wstring> flags)
+    : m_parameters(std::move(parameters)), m_flags(std::move(flags)) {}
+
+unsigned TextCommandParameters::parameters() const noexcept {
+    std::size_t const most = std::numeric_limits<unsigned>::max();
+    return static_cast<unsigned>(std::min(m_parameters.size(), most));
+}
+
+std::wstring const & TextCommandParameters::parameter(unsigned index) const noexcept {
+    if (index < m_parameters.size()) return m_parameters[index];
+    return s_noText.get([] { return new std::wstring; });
+}
+
+bool TextCommandParameters::hasFlag(std::wstring_view name) const noexcept {
+    return std::any_of(m_flags.begin(), m_flags.end(), [&](std::wstring const & flag) {
+        return Text::foldedEqual(std::wstring_view(flag), name);
+    });
+}
+
+TextCommandSubjectArea::TextCommandSubjectArea(std::wstring name, std::wstring description,
+                                               bool hidden)
+    : m_name(std::move(name)), m_description(std::move(description)), m_bHidden(hidden) {
+    TextCommandService::get().add(this);
+}
+
+TextCommandSubjectArea::~TextCommandSubjectArea() {
+    TextCommandService::get().remove(this);
+}
+
+TextCommand::TextCommand(std::wstring subjectArea, std::wstring name, std::wstring description,
+                         std::string alias, bool hidden, bool enabled)
+    : m_subjectArea(std::move(subjectArea)), m_name(std::move(name)),
+      m_description(std::move(description)), m_alias(std::move(alias)), m_bHidden(hidden),
+      m_bEnabled(enabled) {
+    TextCommandService::get().add(this);
+}
+
+TextCommand::~TextCommand() {
+    TextCommandService::get().remove(this);
+}
+
+TextCommandResult TextCommand::run(TextCommandParameters const & parameters) {
+    if (!m_bEnabled) return {1, m_subjectArea + L"." + m_name + L" is not enabled"};
+    return onRun(parameters);
+}
+
+} // namespace Vn

@@ -1,0 +1,267 @@
+#include "Platform/Base/TextCommandService.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <exception>
+#include <optional>
+#include <typeinfo>
+#include <utility>
+
+#include "Platform/Base/OS.h"
+#include "Platform/Base/Shared.h"
+#include "Platform/Base/Text.h"
+
+namespace Vn {
+
+namespace {
+
+constinit Shared<TextCommandService> s_service;
+
+// Longer names than this are neither corrected nor shown in full, so that an answer to a line that
+// was never meant as a command stays short and cheap.
+constexpr std::size_t c_longestName = 64;
+
+bool isBlank(wchar_t c) {
+    return Text::isSpace(static_cast<char32_t>(c));
+}
+
+bool isAsciiLetter(wchar_t c) {
+    return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z');
+}
+
+bool isFlag(std::wstring_view word) {
+    return word.size() >= 2 && word[0] == L'/' && isAsciiLetter(word[1]) &&
+           std::all_of(word.begin() + 2, word.end(),
+                       [](wchar_t c) { return isAsciiLetter(c) || (c >= L'0' && c <= L'9'); });
+}
+
+// A line taken apart.  The first word is the command.
+struct Line {
+    std::wstring command;
+    std::vector<std::wstring> parameters;
+    std::vector<std::wstring> flags;
+};
+
+// Nothing if a quote isn't closed.
+std::optional<Line> takeApart(std::wstring_view line) {
+    Line parts;
+    bool first = true;
+    std::size_t i = 0;
+    for (;;) {
+        while (i < line.size() && isBlank(line[i]))
+            ++i;
+        if (i == line.size()) return parts;
+        std::wstring word;
+        bool const quoted = line[i] == L'"';
+        if (quoted) {
+            bool closed = false;
+            for (++i; i < line.size() && !closed; ++i) {
+                bool const last = i + 1 == line.size();
+                if (line[i] == L'\\' && !last && line[i + 1] == L'"')
+                    word += line[++i];
+                else if (line[i] == L'"' && (last || isBlank(line[i + 1])))
+                    closed = true;
+                else
+                    word += line[i];
+            }
+            if (!closed) return std::nullopt;
+        } else {
+            std::size_t const start = i;
+            while (i < line.size() && !isBlank(line[i]))
+                ++i;
+            word = line.substr(start, i - start);
+        }
+        if (std::exchange(first, false))
+            parts.command = std::move(word);
+        else if (!quoted && isFlag(word))
+            parts.flags.push_back(word.substr(1));
+        else
+            parts.parameters.push_back(std::move(word));
+    }
+}
+
+// The number of characters to insert, drop or replace to get from one name to the other, ASCII case
+// not counted.
+std::size_t distance(std::wstring_view a, std::wstring_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    for (std::size_t j = 0; j <= b.size(); ++j)
+        row[j] = j;
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = std::exchange(row[0], i);
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            bool const same = Text::foldedEqual(a.substr(i - 1, 1), b.substr(j - 1, 1));
+            std::size_t const replaced = diagonal + (same ? 0 : 1);
+            diagonal = row[j];
+            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
+        }
+    }
+    return row[b.size()];
+}
+
+// " Did you mean ...?" with the candidate nearest to what was typed, or nothing if none is near.
+std::wstring suggestion(std::wstring_view typed, std::vector<std::wstring> const & candidates) {
+    if (typed.size() > c_longestName) return {};
+    std::wstring const * nearest = nullptr;
+    std::size_t least = std::max<std::size_t>(2, typed.size() / 3) + 1;
+    for (std::wstring const & candidate : candidates) {
+        if (candidate.size() > c_longestName) continue;
+        std::size_t const d = distance(typed, candidate);
+        // A name that shares nothing with what was typed is no correction of it.
+        if (d < least && d < candidate.size()) {
+            least = d;
+            nearest = &candidate;
+        }
+    }
+    return nearest ? L" Did you mean " + *nearest + L"?" : std::wstring();
+}
+
+std::wstring quoted(std::wstring_view name) {
+    std::wstring text = L"\"";
+    text += name.substr(0, c_longestName);
+    if (name.size() > c_longestName) text += L"...";
+    return text + L"\"";
+}
+
+std::wstring listing(std::wstring_view introduction, std::vector<std::wstring> const & names) {
+    if (names.empty()) return {};
+    std::wstring text = L" ";
+    text += introduction;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        text += (i ? L", " : L" ") + names[i];
+    return text + L".";
+}
+
+// Whatever `matches` exactly, or else whatever matches folded.
+template <class Item, class Name>
+std::vector<Item *> select(std::vector<Item *> const & items, std::wstring_view wanted,
+                           Name && nameOf) {
+    std::vector<Item *> found;
+    for (Item * item : items)
+        if (nameOf(*item) == wanted) found.push_back(item);
+    if (!found.empty()) return found;
+    for (Item * item : items)
+        if (Text::foldedEqual(std::wstring_view(nameOf(*item)), wanted)) found.push_back(item);
+    return found;
+}
+
+std::wstring const & subjectOf(TextCommand const & command) {
+    return command.subjectArea();
+}
+std::wstring const & nameOf(TextCommand const & command) {
+    return command.name();
+}
+
+} // namespace
+
+TextCommandService & TextCommandService::get() {
+    return s_service.get([] { return new TextCommandService; });
+}
+
+std::vector<TextCommandSubjectArea *> TextCommandService::subjectAreas() const {
+    std::lock_guard const guard(m_mutex);
+    return m_areas;
+}
+
+std::vector<TextCommand *> TextCommandService::commands(std::wstring_view subject) const {
+    std::lock_guard const guard(m_mutex);
+    return select(m_commands, subject, subjectOf);
+}
+
+TextCommand * TextCommandService::find(std::wstring_view subject, std::wstring_view name) const {
+    std::vector<TextCommand *> found;
+    if (!subject.empty()) {
+        found = select(commands(subject), name, nameOf);
+    } else if (!name.empty()) {
+        std::lock_guard const guard(m_mutex);
+        found = select(m_commands, name,
+                       [](TextCommand const & command) { return Text::widen(command.alias()); });
+    }
+    return found.empty() ? nullptr : found.front();
+}
+
+TextCommandResult TextCommandService::run(std::wstring_view line) {
+    std::optional<Line> parts = takeApart(line);
+    if (!parts)
+        return {1, L"A quote is not closed: it ends with a double quote that a blank or the end of "
+                   L"the line follows"};
+    std::wstring_view const typed = parts->command;
+    std::size_t const stop = typed.find(L'.');
+    TextCommand * const command =
+        stop == typed.npos ? find({}, typed) : find(typed.substr(0, stop), typed.substr(stop + 1));
+    if (!command) return {1, unknownCommand(typed)};
+    try {
+        return command->run(
+            TextCommandParameters(std::move(parts->parameters), std::move(parts->flags)));
+    } catch (std::exception const & exception) {
+        std::wstring text = Text::fromUtf8(exception.what());
+        if (text.empty()) text = Text::fromUtf8(OS::className(typeid(exception)));
+        return {1, std::move(text)};
+    }
+}
+
+std::wstring TextCommandService::unknownCommand(std::wstring_view typed) const {
+    std::vector<std::wstring> areas;
+    for (TextCommandSubjectArea const * area : subjectAreas())
+        if (!area->hidden()) areas.push_back(area->name());
+    std::wstring const allAreas = listing(L"The subject areas are:", areas);
+
+    if (typed.empty())
+        return L"There is no command in this line; one is written as Subject.Name." + allAreas;
+
+    std::size_t const stop = typed.find(L'.');
+    std::wstring_view const subject = typed.substr(0, stop);
+    std::vector<TextCommand *> const ofSubject = commands(subject);
+    if (!subject.empty() && !ofSubject.empty()) {
+        std::vector<std::wstring> names;
+        for (TextCommand const * command : ofSubject)
+            if (!command->hidden())
+                names.push_back(command->subjectArea() + L"." + command->name());
+        std::wstring const all = listing(L"Its commands are:", names);
+        if (stop == typed.npos || stop + 1 == typed.size())
+            return quoted(subject) + L" is a subject area, not a command." + all;
+        return L"The subject area " + quoted(subject) + L" has no command " +
+               quoted(typed.substr(stop + 1)) + L"." + suggestion(typed, names) + all;
+    }
+
+    bool const areaExists = std::any_of(areas.begin(), areas.end(), [&](std::wstring const & area) {
+        return Text::foldedEqual(std::wstring_view(area), subject);
+    });
+    if (areaExists) return L"The subject area " + quoted(subject) + L" has no commands.";
+    if (stop != typed.npos)
+        return L"There is no subject area " + quoted(subject) + L"." + suggestion(subject, areas) +
+               allAreas;
+
+    std::vector<std::wstring> candidates = areas;
+    {
+        std::lock_guard const guard(m_mutex);
+        for (TextCommand const * command : m_commands) {
+            if (command->hidden()) continue;
+            candidates.push_back(command->subjectArea() + L"." + command->name());
+            if (!command->alias().empty()) candidates.push_back(Text::widen(command->alias()));
+        }
+    }
+    return L"There is no command " + quoted(typed) + L"; one is written as Subject.Name." +
+           suggestion(typed, candidates) + allAreas;
+}
+
+void TextCommandService::add(TextCommandSubjectArea * area) {
+    std::lock_guard const guard(m_mutex);
+    m_areas.push_back(area);
+}
+
+void TextCommandService::remove(TextCommandSubjectArea * area) noexcept {
+    std::lock_guard const guard(m_mutex);
+    std::erase(m_areas, area);
+}
+
+void TextCommandService::add(TextCommand * command) {
+    std::lock_guard const guard(m_mutex);
+    m_commands.push_back(command);
+}
+
+void TextCommandService::remove(TextCommand * command) noexcept {
+    std::lock_guard const guard(m_mutex);
+    std::erase(m_commands, command);
+}
+
+} // namespace Vn

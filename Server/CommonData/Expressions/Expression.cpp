@@ -1,0 +1,58 @@
+#include "Server/CommonData/Expressions/Expression.h"
+
+#include "Server/CommonData/Expressions/Node.h"
+
+namespace Vn::Expressions {
+
+using Units::UnitDisplaySettings;
+
+Expression::Expression(std::wstring text, Units::UnitContext const & context)
+    : m_text(std::move(text)), m_context(context),
+      m_node(Interface::get()->parse(m_text, m_context, m_result)) {}
+
+std::optional<double> Expression::value() const {
+    double value = 0.0;
+    if (!m_node || !m_node->evaluate(value)) return std::nullopt;
+    return value;
+}
+
+std::optional<Units::ComplexUnit> Expression::units() const {
+    Units::ComplexUnit units;
+    if (!m_node || !m_node->unitEvaluate(units, m_context)) return std::nullopt;
+    return units;
+}
+
+std::wstring Expression::formatted(Units::EUnitDisplayMode mode) const {
+    return formatted(mode, UnitDisplaySettings::get(), m_context);
+}
+
+std::wstring Expression::formatted(Units::EUnitDisplayMode mode,
+                                   UnitDisplaySettings const & settings,
+                                   Units::UnitContext const & display) const {
+    return m_node ? m_node->formattedValue(mode, settings, display) : std::wstring();
+}
+
+std::wstring Expression::rebuilt() const {
+    return rebuilt(Units::ValueAndUnit, UnitDisplaySettings::standard());
+}
+
+std::wstring Expression::rebuilt(Units::EUnitDisplayMode mode,
+                                 UnitDisplaySettings const & settings) const {
+    return m_node ? m_node->reconstructString(mode, settings, nullptr) : std::wstring();
+}
+
+bool Expression::rebuiltReadsBack() const {
+    if (!m_node) return false;
+    std::wstring const text = rebuilt();
+    Expression const again(text, m_context);
+    if (!again || again.value() != value() || again.rebuilt() != text) return false;
+    std::optional<Units::ComplexUnit> const here = units();
+    std::optional<Units::ComplexUnit> const there = again.units();
+    return here && there && here->isDimensionallyEquivalent(&*there);
+}
+
+std::wstring Expression::textToStore() const { return rebuiltReadsBack() ? rebuilt() : m_text; }
+
+Node * Expression::release() { return m_node.release(); }
+
+} // namespace Vn::Expressions

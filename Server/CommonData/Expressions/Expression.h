@@ -1,0 +1,79 @@
+// An expression that owns its tree.
+//
+//   Vn::Expressions::Expression length(L"2' 6 3/4\"", Vn::Units::UnitContext(L"cm"));
+//   if (length) use(length.value().value_or(0.0), length.formatted());
+//
+// An expression can be moved, not copied, and belongs to one thread at a time.
+
+#ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_EXPRESSION_H
+#define VN_SERVER_COMMONDATA_EXPRESSIONS_EXPRESSION_H
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "Server/CommonData/Export.h"
+#include "Server/CommonData/Expressions/Interface.h"
+
+namespace Vn::Expressions {
+
+class VN_COMMONDATA_API Expression {
+public:
+    // Without a tree; the result is "Unknown Result".
+    Expression() = default;
+    // Parses `text`.  result() tells how that went.
+    explicit Expression(std::wstring text, Units::UnitContext const & context = {});
+
+    Expression(Expression &&) noexcept = default;
+    Expression & operator=(Expression &&) noexcept = default;
+
+    // Whether there is a tree.
+    explicit operator bool() const { return m_node != nullptr; }
+
+    // How the parse went.
+    ParseResult const & result() const { return m_result; }
+    // The text as typed, and the context in which it was read.
+    std::wstring const & text() const { return m_text; }
+    Units::UnitContext const & context() const { return m_context; }
+
+    // The value in internal units; none if there is no tree or it doesn't evaluate.
+    std::optional<double> value() const;
+    // The units of the value; none if there is no tree.
+    std::optional<Units::ComplexUnit> units() const;
+
+    // The value for the user, by default with the user's settings and in the context of the text.
+    // Empty if there is none.
+    std::wstring formatted(Units::EUnitDisplayMode mode = Units::ValueAndUnit) const;
+    std::wstring formatted(Units::EUnitDisplayMode mode, Units::UnitDisplaySettings const & settings,
+                           Units::UnitContext const & display) const;
+
+    // The expression in standard spelling, by default with the factory settings.  Empty if there is no
+    // tree.
+    std::wstring rebuilt() const;
+    std::wstring rebuilt(Units::EUnitDisplayMode mode,
+                         Units::UnitDisplaySettings const & settings) const;
+
+    // Whether the rebuilt text reads back, in the same context, to the same value and units, and
+    // rebuilds to itself.  Rounding in a rebuilt number can prevent that: "1/128" comes back as "1/64".
+    bool rebuiltReadsBack() const;
+
+    // The text to store: the rebuilt text if it reads back, else the text as typed, which always does.
+    std::wstring textToStore() const;
+
+    // Gives the tree to the caller, who ends it with Interface::destroy.
+    Node * release();
+
+private:
+    struct Destroy {
+        void operator()(Node * node) const { Interface::get()->destroy(node); }
+    };
+
+    std::wstring m_text;
+    Units::UnitContext m_context;
+    ParseResult m_result;
+    std::unique_ptr<Node, Destroy> m_node;
+};
+
+} // namespace Vn::Expressions
+
+#endif

@@ -1,0 +1,541 @@
+// Evaluation: values and units.
+
+#include "Server/CommonData/Expressions/Node.h"
+
+#include <chrono>
+#include <cmath>
+#include <functional>
+#include <random>
+#include <thread>
+
+#include <boost/container/small_vector.hpp>
+
+#include "Platform/Base/Numeric.h"
+#include "Server/CommonData/Limits.h"
+#include "Server/CommonData/Units/SimpleUnits.h"
+#include "Server/CommonData/Units/UnitContext.h"
+#include "Server/CommonData/Units/Utils.h"
+
+namespace Vn::Expressions {
+
+using Units::ComplexUnit;
+using Units::UnitContext;
+using Units::Utils::essentiallyZero;
+
+// ---- Node ---------------------------------------------------------------------------------------
+
+Node::Node(Tree & tree, ComplexUnit const * defaultUnits, bool isBinary)
+    : m_pDefaults(&tree.defaults(defaultUnits)), m_bIsBinary(isBinary) {}
+
+bool Node::evaluate(double & value) {
+    if (m_bValueCached) {
+        value = m_cachedValue;
+        return true;
+    }
+    return keepValue(!m_bNoValue && onEvaluate(value), value);
+}
+
+bool Node::keepValue(bool ok, double & value) {
+    if (ok && Units::Utils::isFiniteNumber(value)) {
+        if (!m_bDefaultUnitsActive) {
+            m_cachedValue = value;
+            return m_bValueCached = true;
+        }
+        value = m_pDefaults->units.toInternal(value);
+        if (Units::Utils::isFiniteNumber(value)) {
+            m_cachedValue = value;
+            return m_bValueCached = true;
+        }
+    }
+    value = 1.0;
+    m_bNoValue = true;
+    return false;
+}
+
+ComplexUnit const * Node::units(UnitContext const & context) {
+    if (m_pCachedUnits) return m_pCachedUnits;
+    return keepUnits(m_bDefaultUnitsActive ? &m_pDefaults->units : onUnitEvaluate(context));
+}
+
+ComplexUnit const * Node::keepUnits(ComplexUnit const * units) { return m_pCachedUnits = units; }
+
+bool Node::unitEvaluate(ComplexUnit & out, UnitContext const & context) {
+    ComplexUnit const * const found = units(context);
+    if (!found) return false;
+    out = *found;
+    return true;
+}
+
+void Node::setDefaultUnits(ComplexUnit const & units) {
+    m_pDefaults = &tree().ownDefaults(*tree().keep(units));
+}
+
+void Node::forget() {
+    m_bValueCached = false;
+    m_bNoValue = false;
+    m_pCachedUnits = nullptr;
+}
+
+void Node::useDefaultUnits(bool use) {
+    forget();
+    m_bDefaultUnitsActive = use;
+}
+
+bool Node::adoptUnits(ComplexUnit const & units, UnitContext const & context) {
+    if (!m_pDefaults->given || !m_pDefaults->units.isDimensionallyEquivalent(&units)) {
+        ComplexUnit found;
+        if (!context.findDefault(units, found)) return false;
+        setDefaultUnits(found);
+    }
+    useDefaultUnits(true);
+    return true;
+}
+
+// ---- Numbers ------------------------------------------------------------------------------------
+
+NumericNode::NumericNode(Tree & tree, ComplexUnit const * defaultUnits, double value,
+                         ComplexUnit const * ownUnits)
+    : Node(tree, defaultUnits), m_value(value),
+      m_pOwnUnits(ownUnits ? ownUnits : &ComplexUnit::none()) {}
+
+void NumericNode::value(double value) {
+    m_value = value;
+    forget();
+}
+
+bool NumericNode::onEvaluate(double & value) {
+    value = m_value;
+    return true;
+}
+
+ComplexUnit const * NumericNode::onUnitEvaluate(UnitContext const &) { return m_pOwnUnits; }
+
+namespace {
+
+// Whether a unit of those two would be longer than a unit may be, or one too many for the tree.
+bool tooLong(Tree & tree, ComplexUnit const & a, ComplexUnit const & b) {
+    return a.factors() + b.factors() > Limits::c_unitFactors || tree.unitsExhausted();
+}
+
+// Null if the product would be too long.
+ComplexUnit const * multiplied(Tree & tree, ComplexUnit const & a, ComplexUnit const & b) {
+    if (tooLong(tree, a, b)) return nullptr;
+    if (b.isEmpty()) return &a;
+    if (a.isEmpty()) return &b;
+    ComplexUnit product = a;
+    product.multiplyBy(&b);
+    return tree.keep(product);
+}
+
+ComplexUnit const * divided(Tree & tree, ComplexUnit const & a, ComplexUnit const & b) {
+    if (tooLong(tree, a, b)) return nullptr;
+    if (b.isEmpty()) return &a;
+    ComplexUnit quotient = a;
+    quotient.divideBy(&b);
+    return tree.keep(quotient);
+}
+
+} // namespace
+
+ConstantNode::ConstantNode(Tree & tree, ComplexUnit const * defaultUnits, EToken constant,
+                           ComplexUnit const * attachedUnits)
+    : NumericNode(tree, defaultUnits,
+                  attachedUnits
+                      ? attachedUnits->toInternal(Tokens::get()->getConstantValue(constant))
+                      : Tokens::get()->getConstantValue(constant),
+                  attachedUnits
+                      ? multiplied(tree, Tokens::get()->constantUnits(constant), *attachedUnits)
+                      : &Tokens::get()->constantUnits(constant)),
+      m_constant(constant), m_pAttachedUnits(attachedUnits) {}
+
+ComplexUnit const * ConstantNode::onUnitEvaluate(UnitContext const &) {
+    // Too long a product leaves the constant without units of its own.
+    return m_pAttachedUnits && ownUnits().isEmpty() && !m_pAttachedUnits->isEmpty() ? nullptr
+                                                                                   : &ownUnits();
+}
+
+// ---- One operand --------------------------------------------------------------------------------
+
+UnaryOpNode::UnaryOpNode(Tree & tree, ComplexUnit const * defaultUnits, Node * operand)
+    : Node(tree, defaultUnits), m_rOperand(*operand) {}
+
+bool UnaryOpNode::onEvaluate(double & value) {
+    if (!m_rOperand.evaluate(value)) return false;
+    value = onCalculate(value);
+    return true;
+}
+
+ComplexUnit const * UnaryOpNode::onUnitEvaluate(UnitContext const & context) {
+    return m_rOperand.units(context);
+}
+
+// ---- Two operands -------------------------------------------------------------------------------
+
+BinaryOpNode::BinaryOpNode(Tree & tree, ComplexUnit const * defaultUnits, Node * left, Node * right)
+    : Node(tree, defaultUnits, true), m_rLeft(*left), m_rRight(*right) {}
+
+BinaryOpNode * BinaryOpNode::leftWithoutValue() const {
+    BinaryOpNode * const op = leftOperator();
+    return op && !op->m_bValueCached && !op->m_bNoValue ? op : nullptr;
+}
+
+BinaryOpNode * BinaryOpNode::leftWithoutUnits() const {
+    BinaryOpNode * const op = leftOperator();
+    return op && !op->m_pCachedUnits && !op->m_bDefaultUnitsActive ? op : nullptr;
+}
+
+bool BinaryOpNode::onEvaluate(double & value) {
+    // From the bottom of the chain of left operands up, so that a step finds its left value there.
+    boost::container::small_vector<BinaryOpNode *, 8> chain;
+    for (BinaryOpNode * op = leftWithoutValue(); op; op = op->leftWithoutValue()) {
+        chain.push_back(op);
+    }
+    for (; !chain.empty(); chain.pop_back()) {
+        BinaryOpNode & op = *chain.back();
+        if (!op.keepValue(op.evaluateStep(value), value)) return false;
+    }
+    return evaluateStep(value);
+}
+
+bool BinaryOpNode::evaluateStep(double & value) {
+    double left = 0.0;
+    double right = 0.0;
+    bool ok = m_rLeft.evaluate(left) && m_rRight.evaluate(right);
+    if (ok) value = onCalculate(ok, left, right);
+    return ok;
+}
+
+ComplexUnit const * BinaryOpNode::onUnitEvaluate(UnitContext const & context) {
+    boost::container::small_vector<BinaryOpNode *, 8> chain;
+    for (BinaryOpNode * op = leftWithoutUnits(); op; op = op->leftWithoutUnits()) {
+        chain.push_back(op);
+    }
+    for (; !chain.empty(); chain.pop_back()) {
+        BinaryOpNode & op = *chain.back();
+        if (!op.keepUnits(op.unitEvaluateStep(context))) return nullptr;
+    }
+    return unitEvaluateStep(context);
+}
+
+ComplexUnit const * BinaryOpNode::unitEvaluateStep(UnitContext const & context) {
+    ComplexUnit const * const left = m_rLeft.units(context);
+    ComplexUnit const * const right = left ? m_rRight.units(context) : nullptr;
+    return right ? onCalculateUnits(*left, *right, context) : nullptr;
+}
+
+namespace {
+
+// Lets a bare side take units from the other, and tells whether the two then have one dimension.
+// Returns the units of the left side, or null.
+ComplexUnit const * negotiate(Node & leftNode, Node & rightNode, ComplexUnit const * left,
+                              ComplexUnit const * right, UnitContext const & context) {
+    if (left == right) return left;
+    bool const leftBare = left->isUnitless();
+    bool const rightBare = right->isUnitless();
+    if (leftBare && !rightBare) {
+        leftNode.adoptUnits(*right, context);
+        left = leftNode.units(context);
+    } else if (rightBare && !leftBare) {
+        rightNode.adoptUnits(*left, context);
+        right = rightNode.units(context);
+    }
+    return left && right && left->isDimensionallyEquivalent(right) ? left : nullptr;
+}
+
+// `base` to a whole power; null if the unit would grow beyond the limit.
+ComplexUnit const * raised(Tree & tree, ComplexUnit const & base, double exponent) {
+    if (exponent == 0.0) return &ComplexUnit::none();
+    if (exponent == 1.0) return &base;
+    double const times = std::fabs(exponent);
+    if (!(static_cast<double>(base.factors()) * times <=
+          static_cast<double>(Limits::c_unitFactors))) {
+        return nullptr;
+    }
+    if (tree.unitsExhausted()) return nullptr;
+    ComplexUnit power;
+    for (int i = Numeric::saturate<int>(times); i > 0; --i) power.multiplyBy(&base);
+    if (exponent < 0.0) power.invert();
+    return tree.keep(power);
+}
+
+ComplexUnit const * powerUnits(Tree & tree, Node & exponentNode, ComplexUnit const & base,
+                               ComplexUnit const & exponentUnits) {
+    if (!exponentUnits.isUnitless()) return nullptr;
+    if (base.isUnitless()) return &base;
+    double exponent = 0.0;
+    if (!exponentNode.evaluate(exponent) || exponent != std::floor(exponent)) return nullptr;
+    return raised(tree, base, exponent);
+}
+
+} // namespace
+
+ComplexUnit const * SumOpNode::onCalculateUnits(ComplexUnit const & left, ComplexUnit const & right,
+                                                UnitContext const & context) {
+    return negotiate(this->left(), this->right(), &left, &right, context);
+}
+
+ComplexUnit const * MultOpNode::onCalculateUnits(ComplexUnit const & left,
+                                                 ComplexUnit const & right, UnitContext const &) {
+    return multiplied(tree(), left, right);
+}
+
+double DivOpNode::onCalculate(bool & ok, double left, double right) const {
+    ok = !essentiallyZero(right);
+    return ok ? left / right : 1.0;
+}
+
+ComplexUnit const * DivOpNode::onCalculateUnits(ComplexUnit const & left, ComplexUnit const & right,
+                                                UnitContext const &) {
+    return divided(tree(), left, right);
+}
+
+double ModuloOpNode::onCalculate(bool &, double left, double right) const {
+    return std::fmod(left, right);
+}
+
+ComplexUnit const * ModuloOpNode::onCalculateUnits(ComplexUnit const & left,
+                                                   ComplexUnit const & right,
+                                                   UnitContext const &) {
+    return left.isDimensionallyEquivalent(&right) ? &left : nullptr;
+}
+
+double PowerOpNode::onCalculate(bool &, double left, double right) const {
+    return std::pow(left, right);
+}
+
+ComplexUnit const * PowerOpNode::onCalculateUnits(ComplexUnit const & left,
+                                                  ComplexUnit const & right, UnitContext const &) {
+    return powerUnits(tree(), this->right(), left, right);
+}
+
+// ---- Functions ----------------------------------------------------------------------------------
+
+VarLenOpNode::VarLenOpNode(Tree & tree, ComplexUnit const * defaultUnits)
+    : Node(tree, defaultUnits) {}
+
+void VarLenOpNode::append(Node * operand) {
+    auto * const entry = tree().makePlain<Operand>();
+    entry->node = operand;
+    entry->next = nullptr;
+    (m_pLast ? m_pLast->next : m_pFirst) = entry;
+    m_pLast = entry;
+    ++m_count;
+}
+
+Node & VarLenOpNode::operand(unsigned int index) const {
+    Operand const * entry = m_pFirst;
+    while (index-- > 0) entry = entry->next;
+    return *entry->node;
+}
+
+namespace {
+
+// Where bare numbers in an argument get their unit from.
+enum class Argument : unsigned char {
+    Angle,   // degree, or radian where the context prefers it
+    None,    // they stay pure
+    Inherits // what is expected of the whole expression
+};
+
+// What the result has as default units.
+enum class Result : unsigned char { Radian, None, Inherits };
+
+struct FunctionRow {
+    unsigned char arity;
+    Argument first;
+    Argument second;
+    Result result;
+};
+
+// clang-format off
+constexpr FunctionRow c_functions[] = {
+    /* cos    */ {1, Argument::Angle,    Argument::None,     Result::None},
+    /* acos   */ {1, Argument::None,     Argument::None,     Result::Radian},
+    /* cosh   */ {1, Argument::Angle,    Argument::None,     Result::None},
+    /* sin    */ {1, Argument::Angle,    Argument::None,     Result::None},
+    /* asin   */ {1, Argument::None,     Argument::None,     Result::Radian},
+    /* sinh   */ {1, Argument::Angle,    Argument::None,     Result::None},
+    /* tan    */ {1, Argument::Angle,    Argument::None,     Result::None},
+    /* atan   */ {1, Argument::None,     Argument::None,     Result::Radian},
+    /* tanh   */ {1, Argument::Angle,    Argument::None,     Result::None},
+    /* sqrt   */ {1, Argument::None,     Argument::None,     Result::None},
+    /* exp    */ {1, Argument::None,     Argument::None,     Result::None},
+    /* pow    */ {2, Argument::Inherits, Argument::None,     Result::Inherits},
+    /* ln     */ {1, Argument::None,     Argument::None,     Result::None},
+    /* log    */ {1, Argument::None,     Argument::None,     Result::None},
+    /* floor  */ {1, Argument::Inherits, Argument::Inherits, Result::Inherits},
+    /* ceil   */ {1, Argument::Inherits, Argument::Inherits, Result::Inherits},
+    /* round  */ {1, Argument::Inherits, Argument::Inherits, Result::Inherits},
+    /* abs    */ {1, Argument::Inherits, Argument::Inherits, Result::Inherits},
+    /* sign   */ {1, Argument::Inherits, Argument::Inherits, Result::None},
+    /* max    */ {2, Argument::Inherits, Argument::Inherits, Result::Inherits},
+    /* min    */ {2, Argument::Inherits, Argument::Inherits, Result::Inherits},
+    /* random */ {0, Argument::Inherits, Argument::Inherits, Result::None},
+};
+// clang-format on
+static_assert(std::size(c_functions) == e_RANDOM - e_COS + 1);
+
+// A whole number from 0 to 32767, over 32767.
+double randomValue() {
+    thread_local std::minstd_rand s_generator = [] {
+        auto const now = std::chrono::system_clock::now().time_since_epoch().count();
+        std::seed_seq seed{static_cast<std::size_t>(now),
+                           std::hash<std::thread::id>()(std::this_thread::get_id()),
+                           static_cast<std::size_t>(std::random_device()())};
+        return std::minstd_rand(seed);
+    }();
+    return std::uniform_int_distribution<int>(0, 32767)(s_generator) / 32767.0;
+}
+
+// Halves go away from zero; the result is limited to 32 bits.
+double rounded(double x) {
+    double const t = Numeric::saturate<int>(x);
+    double const f = x - t;
+    return std::fabs(f) < 0.5 ? t : Numeric::saturate<int>(t + 2.0 * f);
+}
+
+} // namespace
+
+unsigned int functionArity(FunctionId function) { return c_functions[function].arity; }
+
+bool functionArgumentTakesDefaultUnit(FunctionId function, unsigned int argument,
+                                      UnitContext const & context, ComplexUnit const *& units) {
+    FunctionRow const & row = c_functions[function];
+    switch (argument == 0 ? row.first : row.second) {
+    case Argument::Angle: {
+        Units::SimpleUnit const * const radian = Units::UnitRadian::get();
+        bool const prefersRadian = context.findDefault(Units::UnitTypeAngle) == radian;
+        units = &(prefersRadian ? radian : Units::UnitDegree::get())->asComplexUnit();
+        return true;
+    }
+    case Argument::None: units = &ComplexUnit::none(); return true;
+    case Argument::Inherits: break;
+    }
+    return false;
+}
+
+bool functionHasFixedResultUnit(FunctionId function, ComplexUnit const *& units) {
+    switch (c_functions[function].result) {
+    case Result::Radian: units = &Units::UnitRadian::get()->asComplexUnit(); return true;
+    case Result::None: units = &ComplexUnit::none(); return true;
+    case Result::Inherits: break;
+    }
+    return false;
+}
+
+namespace {
+
+ComplexUnit const * resultUnits(FunctionId function, ComplexUnit const * inherited) {
+    ComplexUnit const * fixed = nullptr;
+    return functionHasFixedResultUnit(function, fixed) ? fixed : inherited;
+}
+
+} // namespace
+
+FunctionOpNode::FunctionOpNode(Tree & tree, ComplexUnit const * defaultUnits, FunctionId function)
+    : VarLenOpNode(tree, resultUnits(function, defaultUnits)), m_function(function) {}
+
+bool FunctionOpNode::onEvaluate(double & value) {
+    if (m_function == FunctionRandom) {
+        value = randomValue();
+        return true;
+    }
+    if (operands() == 0) return false;
+    double x = 0.0;
+    if (!operand(0).evaluate(x)) return false;
+    constexpr double c_epsilon = 2.220446049250313e-15;
+    switch (m_function) {
+    case FunctionCos: value = std::cos(x); return true;
+    case FunctionSin: value = std::sin(x); return true;
+    case FunctionTan: value = std::tan(x); return true;
+    case FunctionCosh: value = std::cosh(x); return true;
+    case FunctionSinh: value = std::sinh(x); return true;
+    case FunctionTanh: value = std::tanh(x); return true;
+    case FunctionAtan: value = std::atan(x); return true;
+    case FunctionSqrt: value = std::sqrt(x); return true;
+    case FunctionExp: value = std::exp(x); return true;
+    case FunctionLn: value = std::log(x); return true;
+    case FunctionLog: value = std::log10(x); return true;
+    case FunctionAcos:
+    case FunctionAsin:
+        if (x > 1.0 || x < -1.0) return false;
+        value = m_function == FunctionAcos ? std::acos(x) : std::asin(x);
+        return true;
+    case FunctionFloor: value = std::floor(x + c_epsilon); return true;
+    case FunctionCeil: value = std::ceil(x - c_epsilon); return true;
+    case FunctionRound: value = rounded(x); return true;
+    case FunctionAbs: value = std::fabs(x); return true;
+    case FunctionSign: value = x > 0.0 ? 1.0 : 0.0; return true; // deliberately no -1
+    case FunctionPow:
+    case FunctionMax:
+    case FunctionMin: return calculateSecond(x, value);
+    case FunctionRandom: break;
+    }
+    return false;
+}
+
+bool FunctionOpNode::calculateSecond(double first, double & value) {
+    value = first;
+    if (operands() < 2) return true;
+    double second = 0.0;
+    if (!operand(1).evaluate(second)) return false;
+    if (m_function == FunctionPow) {
+        value = std::pow(first, second);
+    } else if (m_function == FunctionMax) {
+        value = second <= first ? first : second;
+    } else {
+        value = first <= second ? first : second;
+    }
+    return true;
+}
+
+ComplexUnit const * FunctionOpNode::onUnitEvaluate(UnitContext const & context) {
+    ComplexUnit const * const none = &ComplexUnit::none();
+    if (m_function == FunctionRandom) return none;
+    if (operands() == 0) return nullptr;
+    Node & argument = operand(0);
+    ComplexUnit const * units = argument.units(context);
+    if (!units) return nullptr;
+    switch (m_function) {
+    case FunctionCos:
+    case FunctionSin:
+    case FunctionTan:
+    case FunctionCosh:
+    case FunctionSinh:
+    case FunctionTanh:
+        if (units->isUnitless()) {
+            argument.useDefaultUnits(true);
+            units = argument.units(context);
+        }
+        return units->isDimensionallyEquivalent(
+                   &Units::AngleUnit::staticInternalBaseUnit()->asComplexUnit())
+                   ? none
+                   : nullptr;
+    case FunctionAcos:
+    case FunctionAsin:
+    case FunctionAtan:
+        return units->isUnitless() ? &Units::UnitRadian::get()->asComplexUnit() : nullptr;
+    case FunctionSqrt:
+    case FunctionExp:
+    case FunctionLn:
+    case FunctionLog: return units->isUnitless() ? none : nullptr;
+    case FunctionFloor:
+    case FunctionCeil:
+    case FunctionRound:
+    case FunctionAbs: return units;
+    case FunctionSign: return none;
+    case FunctionPow:
+    case FunctionMax:
+    case FunctionMin: break;
+    case FunctionRandom: return none;
+    }
+    if (operands() < 2) return units;
+    Node & second = operand(1);
+    ComplexUnit const * const secondUnits = second.units(context);
+    if (!secondUnits) return nullptr;
+    return m_function == FunctionPow
+               ? powerUnits(tree(), second, *units, *secondUnits)
+               : negotiate(argument, second, units, secondUnits, context);
+}
+
+} // namespace Vn::Expressions

@@ -1,0 +1,512 @@
+#include <cmath>
+#include <memory>
+
+#include <boost/container/small_vector.hpp>
+
+#include "Server/CommonData/Expressions/ParserInternal.h"
+#include "Server/CommonData/Expressions/Tokenizer.h"
+#include "Server/CommonData/Limits.h"
+#include "Server/CommonData/Units/SimpleUnits.h"
+#include "Server/CommonData/Units/UnitContext.h"
+
+namespace Vn::Expressions {
+
+using Units::ComplexUnit;
+using Units::SimpleUnit;
+using Units::UnitContext;
+
+namespace {
+
+bool isEnd(Token const * token) { return token && token->kind == TK_END; }
+bool isKind(Token const * token, TokenKind kind) { return token && token->kind == kind; }
+
+struct TreeDeleter {
+    void operator()(Tree * tree) const { Tree::destroy(tree); }
+};
+
+// The units behind a number, while they are read.  A rule that fails gives back what it added.
+class UnitList {
+public:
+    struct Mark {
+        std::size_t numerator;
+        std::size_t denominator;
+    };
+
+    Mark mark() const { return {m_numerator.size(), m_denominator.size()}; }
+    std::size_t factors() const { return m_numerator.size() + m_denominator.size(); }
+    std::size_t factorsSince(Mark mark) const {
+        return factors() - mark.numerator - mark.denominator;
+    }
+
+    void clear() {
+        m_numerator.clear();
+        m_denominator.clear();
+    }
+
+    void add(SimpleUnit const * unit, bool inverted) {
+        (inverted ? m_denominator : m_numerator).push_back(unit);
+    }
+
+    void giveBack(Mark mark) {
+        m_numerator.resize(mark.numerator);
+        m_denominator.resize(mark.denominator);
+    }
+
+    // What was added since `mark`, `times` times more.
+    void repeat(Mark mark, std::size_t times) {
+        repeat(m_numerator, mark.numerator, times);
+        repeat(m_denominator, mark.denominator, times);
+    }
+
+    ComplexUnit const * keepIn(Tree & tree) const {
+        return tree.keep({m_numerator.data(), m_numerator.size()},
+                         {m_denominator.data(), m_denominator.size()});
+    }
+
+private:
+    using List = boost::container::small_vector<SimpleUnit const *, 8>;
+
+    static void repeat(List & list, std::size_t from, std::size_t times) {
+        std::size_t const count = list.size() - from;
+        list.reserve(list.size() + count * times);
+        for (std::size_t i = 0; i < count * times; ++i) list.push_back(list[from + i]);
+    }
+
+    List m_numerator;
+    List m_denominator;
+};
+
+// The rules, with the state of one parse.
+class Rules {
+public:
+    Rules(Tree & tree, UnitContext const & context, TokenStream & tokens, Token * first)
+        : m_rTree(tree), m_rContext(context), m_rTokens(tokens), m_pCurrent(first) {}
+
+    [[gnu::noinline]] Node * parseExpression(Token * lookahead, ComplexUnit const * defaults);
+
+    // The last token consumed; the first of the list before anything was.
+    Token * current() const { return m_pCurrent; }
+    // The token at which nesting went too deep, if it did.
+    Token * tooDeep() const { return m_pTooDeep; }
+    // Whether units conflict in what was parsed.
+    bool conflict() const { return m_conflict; }
+
+private:
+    // Each level of brackets, functions or signs is entered and left.  Entering fails beyond the
+    // limit, and the token that would have entered is remembered.
+    bool enter(Token * token);
+    void leave() { --m_level; }
+
+    // The rules call one another down to the limit of nesting, so none of those on the way may have
+    // big locals, or take in a rule that has.
+    [[gnu::noinline]] Node * parseTerm(Token * lookahead, ComplexUnit const * defaults);
+    [[gnu::noinline]] Node * parseFactor(Token * lookahead, ComplexUnit const * defaults);
+    [[gnu::noinline]] Node * parseMinus(Token * minus, ComplexUnit const * defaults);
+    [[gnu::noinline]] Node * parseParen(Token * bracket, ComplexUnit const * defaults);
+    [[gnu::noinline]] Node * parseNumber(Token * number, ComplexUnit const * defaults);
+    [[gnu::noinline]] Node * parseName(Token * name, ComplexUnit const * defaults);
+    [[gnu::noinline]] Node * parseFunction(Token * name, EToken function, ComplexUnit const * defaults);
+
+    // Works out the units and the value of a new node and returns it.  What is settled here would
+    // be settled to the same end later; but so a long sum is gone through once instead of three
+    // times, and no later evaluation goes deep.  Once units conflict, which ends the parse anyway,
+    // nothing more is tried.
+    [[gnu::noinline]] Node * settled(Node * node);
+
+    [[gnu::noinline]] Node * parseCall(Token * name, FunctionId function,
+                                       ComplexUnit const * defaults);
+
+    // The units that begin at `lookahead`; null, with nothing consumed, if there are none.
+    [[gnu::noinline]] ComplexUnit const * parseUnits(Token * lookahead);
+    [[gnu::noinline]] unsigned int parseUnitExpression(Token * lookahead, bool inverted);
+    [[gnu::noinline]] unsigned int parseUnitTerm(Token * lookahead, bool inverted);
+    [[gnu::noinline]] unsigned int parseUnitPower(Token * lookahead, bool inverted);
+    [[gnu::noinline]] unsigned int parseUnitAtom(Token * lookahead, bool inverted);
+    [[gnu::noinline]] unsigned int parseUnitBracket(Token * bracket, bool inverted);
+
+    [[gnu::noinline]] Node * makeUnary(TokenKind op, ComplexUnit const * defaults, Node * operand);
+    [[gnu::noinline]] Node * makeBinary(TokenKind op, ComplexUnit const * defaults, Node * left,
+                                        Node * right);
+    [[gnu::noinline]] FunctionOpNode * makeFunction(ComplexUnit const * defaults,
+                                                    FunctionId function);
+
+    // Forty degrees below the zero of a scale, not below absolute zero: mirrors a number with such a
+    // unit, if `factor`, whose first token is of that kind, is one.
+    [[gnu::noinline]] bool negatedInPlace(Node & factor, TokenKind first);
+
+    // What bare numbers in the next argument of `function` take.
+    [[gnu::noinline]] ComplexUnit const * argumentDefaults(FunctionOpNode const & function,
+                                                           ComplexUnit const * inherited) const;
+
+    // Behind a bracket that wasn't closed: makes `bracket` the current token and, unless the list
+    // ends there, the token behind it unusable.
+    void rejectBehind(Token * token);
+
+    Token * behind(Token * token) const { return m_rTokens.behind(token); }
+    Token * behind() const { return behind(m_pCurrent); }
+
+    Tree & m_rTree;
+    UnitContext const & m_rContext;
+    TokenStream & m_rTokens;
+    Token * m_pCurrent;
+    Token * m_pTooDeep = nullptr;
+    unsigned int m_level = 0;
+    bool m_conflict = false; // of units, somewhere
+    UnitList m_units;
+};
+
+Node * Rules::parseExpression(Token * lookahead, ComplexUnit const * defaults) {
+    Node * left = parseTerm(lookahead, defaults);
+    if (!left) return nullptr;
+    for (;;) {
+        Token * const op = behind();
+        if (!isKind(op, TK_PLUS) && !isKind(op, TK_MINUS)) return left;
+        Token * const before = m_pCurrent;
+        Node * const right = parseTerm(behind(op), defaults);
+        if (!right) {
+            m_pCurrent = before; // so that the end check reports the operator
+            return left;
+        }
+        left = makeBinary(op->kind, defaults, left, right);
+        // At the outermost level no rule comes back to what lies behind.
+        if (m_level == 0) m_rTokens.discardBefore(m_pCurrent);
+    }
+}
+
+Node * Rules::parseTerm(Token * lookahead, ComplexUnit const * defaults) {
+    Node * left = parseFactor(lookahead, defaults);
+    if (!left) return nullptr;
+    for (;;) {
+        Token * const op = behind();
+        TokenKind const kind = op ? op->kind : TK_END;
+        if (kind != TK_MULTIPLY && kind != TK_DIVIDE && kind != TK_MODULO && kind != TK_POWER) {
+            return left;
+        }
+        // Bare numbers in an exponent are always pure.
+        Token * const before = m_pCurrent;
+        Node * const right =
+            parseFactor(behind(op), kind == TK_POWER ? &ComplexUnit::none() : defaults);
+        if (!right) {
+            m_pCurrent = before;
+            return left;
+        }
+        left = makeBinary(kind, defaults, left, right);
+    }
+}
+
+Node * Rules::makeBinary(TokenKind op, ComplexUnit const * defaults, Node * left, Node * right) {
+    switch (op) {
+    case TK_PLUS: return settled(m_rTree.make<PlusOpNode>(defaults, left, right));
+    case TK_MINUS: return settled(m_rTree.make<BinaryMinusOpNode>(defaults, left, right));
+    case TK_MULTIPLY: return settled(m_rTree.make<MultOpNode>(defaults, left, right));
+    case TK_DIVIDE: return settled(m_rTree.make<DivOpNode>(defaults, left, right));
+    case TK_MODULO: return settled(m_rTree.make<ModuloOpNode>(defaults, left, right));
+    default: return settled(m_rTree.make<PowerOpNode>(defaults, left, right));
+    }
+}
+
+Node * Rules::makeUnary(TokenKind op, ComplexUnit const * defaults, Node * operand) {
+    if (op == TK_MINUS) return settled(m_rTree.make<UnaryMinusOpNode>(defaults, operand));
+    return settled(m_rTree.make<ParenOpNode>(defaults, operand));
+}
+
+Node * Rules::parseFactor(Token * lookahead, ComplexUnit const * defaults) {
+    if (!lookahead || m_pTooDeep) return nullptr;
+    switch (lookahead->kind) {
+    case TK_NUMBER: return parseNumber(lookahead, defaults);
+    case TK_NAME: return parseName(lookahead, defaults);
+    case TK_LEFT_PAREN: return parseParen(lookahead, defaults);
+    case TK_MINUS: return parseMinus(lookahead, defaults);
+    default: return nullptr;
+    }
+}
+
+bool Rules::enter(Token * token) {
+    if (m_level == Limits::c_nestingLevels && !m_pTooDeep) m_pTooDeep = token;
+    if (m_pTooDeep) return false;
+    ++m_level;
+    return true;
+}
+
+Node * Rules::settled(Node * node) {
+    if (m_conflict) return node;
+    double value = 0.0;
+    m_conflict = node->units(m_rContext) == nullptr;
+    if (!m_conflict) node->evaluate(value);
+    return node;
+}
+
+Node * Rules::parseMinus(Token * minus, ComplexUnit const * defaults) {
+    if (!enter(minus)) return nullptr;
+    m_pCurrent = minus;
+    Node * const factor = parseFactor(behind(minus), defaults);
+    leave();
+    if (!factor || negatedInPlace(*factor, behind(minus)->kind)) return factor;
+    return makeUnary(TK_MINUS, defaults, factor);
+}
+
+bool Rules::negatedInPlace(Node & factor, TokenKind first) {
+    // This holds for a number written with digits, which may have got signs already.
+    NumericNode * const number = first == TK_NUMBER  ? static_cast<NumericNode *>(&factor)
+                                 : first == TK_MINUS ? dynamic_cast<NumericNode *>(&factor)
+                                                     : nullptr;
+    SimpleUnit const * unit = nullptr;
+    if (!number || !number->ownUnits().isSimpleUnit(&unit)) return false;
+    double const offset = unit->internalConversionOffset();
+    if (offset == 0.0) return false;
+    number->value(2.0 * offset - number->value());
+    return true;
+}
+
+void Rules::rejectBehind(Token * token) {
+    m_pCurrent = token;
+    if (isEnd(token)) return;
+    if (Token * const next = behind(token); next && !isEnd(next)) next->kind = TK_UNKNOWN;
+}
+
+Node * Rules::parseParen(Token * bracket, ComplexUnit const * defaults) {
+    if (!enter(bracket)) return nullptr;
+    m_pCurrent = bracket;
+    Node * const inner = parseExpression(behind(bracket), defaults);
+    leave();
+    if (!inner) return nullptr;
+    if (isKind(behind(), TK_RIGHT_PAREN)) {
+        m_pCurrent = behind();
+        return makeUnary(TK_LEFT_PAREN, defaults, inner);
+    }
+    rejectBehind(bracket);
+    return nullptr;
+}
+
+Node * Rules::parseNumber(Token * number, ComplexUnit const * defaults) {
+    m_pCurrent = number;
+    ComplexUnit const * const units = parseUnits(behind(number));
+    NumericNode * const node = m_rTree.make<NumericNode>(
+        defaults, units ? units->toInternal(number->value) : number->value, units);
+    node->format(number->format);
+    return node;
+}
+
+Node * Rules::parseName(Token * name, ComplexUnit const * defaults) {
+    Tokens const & tokens = *Tokens::get();
+    if (EToken const function = tokens.getFunctionToken(name->text); function != e_NONE) {
+        return parseFunction(name, function, defaults);
+    }
+    if (EToken const constant = tokens.getConstantToken(name->text); constant != e_NONE) {
+        name->kind = TK_CONSTANT;
+        m_pCurrent = name;
+        return m_rTree.make<ConstantNode>(defaults, constant, parseUnits(behind(name)));
+    }
+    ComplexUnit const * const units = parseUnits(name);
+    if (!units) return nullptr;
+    NumericNode * const node =
+        m_rTree.make<NumericNode>(defaults, units->toInternal(1.0), units);
+    node->unitOnly(true);
+    return node;
+}
+
+ComplexUnit const * Rules::argumentDefaults(FunctionOpNode const & function,
+                                            ComplexUnit const * inherited) const {
+    functionArgumentTakesDefaultUnit(function.function(), function.operands(), m_rContext,
+                                     inherited);
+    return inherited;
+}
+
+Node * Rules::parseFunction(Token * name, EToken token, ComplexUnit const * defaults) {
+    if (!enter(name)) return nullptr;
+    Node * const node = parseCall(name, static_cast<FunctionId>(token - e_COS), defaults);
+    leave();
+    return node;
+}
+
+FunctionOpNode * Rules::makeFunction(ComplexUnit const * defaults, FunctionId function) {
+    return m_rTree.make<FunctionOpNode>(defaults, function);
+}
+
+Node * Rules::parseCall(Token * name, FunctionId function, ComplexUnit const * defaults) {
+    name->kind = TK_FUNCTION;
+    FunctionOpNode * const node = makeFunction(defaults, function);
+    Token * const bracket = behind(name);
+    if (!isKind(bracket, TK_LEFT_PAREN) || isEnd(behind(bracket))) return nullptr;
+    m_pCurrent = bracket;
+    for (;;) {
+        Node * const argument = parseExpression(behind(), argumentDefaults(*node, defaults));
+        if (!argument) break;
+        node->append(argument);
+        if (!isKind(behind(), TK_SEMICOLON)) break;
+        m_pCurrent = behind();
+    }
+    if (node->operands() != functionArity(function)) return nullptr;
+    // A missing bracket at the end of the text is accepted.
+    if (isKind(behind(), TK_RIGHT_PAREN)) m_pCurrent = behind();
+    return settled(node);
+}
+
+ComplexUnit const * Rules::parseUnits(Token * lookahead) {
+    // Most numbers have nothing behind them that could be a unit.
+    if (!isKind(lookahead, TK_NAME) && !isKind(lookahead, TK_UNIT) &&
+        !isKind(lookahead, TK_LEFT_PAREN)) {
+        return nullptr;
+    }
+    m_units.clear();
+    if (parseUnitExpression(lookahead, false) == 0) return nullptr;
+    // Once units conflict the tree is lost, and what it would have held isn't needed.
+    m_conflict = m_conflict || m_rTree.unitsExhausted();
+    return m_conflict ? &ComplexUnit::none() : m_units.keepIn(m_rTree);
+}
+
+unsigned int Rules::parseUnitExpression(Token * lookahead, bool inverted) {
+    unsigned int count = parseUnitTerm(lookahead, inverted);
+    if (count == 0) return 0;
+    for (;;) {
+        Token * const op = behind();
+        bool const divide = isKind(op, TK_DIVIDE);
+        if (!divide && !isKind(op, TK_MULTIPLY)) return count;
+        unsigned int const taken = parseUnitTerm(behind(op), inverted != divide);
+        if (taken == 0) return count; // the operator is for the enclosing expression
+        count += taken + 1;
+    }
+}
+
+unsigned int Rules::parseUnitTerm(Token * lookahead, bool inverted) {
+    unsigned int count = 0;
+    while (unsigned int const taken = parseUnitPower(lookahead, inverted)) {
+        count += taken;
+        lookahead = behind();
+    }
+    return count;
+}
+
+unsigned int Rules::parseUnitPower(Token * lookahead, bool inverted) {
+    UnitList::Mark const mark = m_units.mark();
+    unsigned int const count = parseUnitAtom(lookahead, inverted);
+    if (count == 0 || !isKind(behind(), TK_POWER)) return count;
+    Token * const power = behind();
+    Token * const number = behind(power);
+    double const exponent = isKind(number, TK_NUMBER) ? number->value : 0.0;
+    double const more = static_cast<double>(m_units.factorsSince(mark)) * (exponent - 1.0);
+    if (exponent > 0.0 && exponent == std::floor(exponent) &&
+        static_cast<double>(m_units.factors()) + more <=
+            static_cast<double>(Limits::c_unitFactors)) {
+        m_units.repeat(mark, static_cast<std::size_t>(exponent) - 1);
+        m_pCurrent = number;
+        return count + 2;
+    }
+    power->kind = TK_UNKNOWN;
+    return count;
+}
+
+unsigned int Rules::parseUnitAtom(Token * lookahead, bool inverted) {
+    if (!lookahead || m_pTooDeep) return 0;
+    if (lookahead->kind == TK_NAME || lookahead->kind == TK_UNIT) {
+        SimpleUnit const * const unit = Tokens::get()->findMatchingUnit(lookahead->text);
+        if (!unit || m_units.factors() >= Limits::c_unitFactors) return 0;
+        lookahead->kind = TK_UNIT;
+        m_units.add(unit, inverted);
+        m_pCurrent = lookahead;
+        return 1;
+    }
+    if (lookahead->kind != TK_LEFT_PAREN) return 0;
+    if (!enter(lookahead)) return 0;
+    unsigned int const count = parseUnitBracket(lookahead, inverted);
+    leave();
+    return count;
+}
+
+unsigned int Rules::parseUnitBracket(Token * bracket, bool inverted) {
+    Token * const before = m_pCurrent;
+    UnitList::Mark const mark = m_units.mark();
+    unsigned int const count = parseUnitExpression(behind(bracket), inverted);
+    if (count == 0) return 0;
+    if (isKind(behind(), TK_RIGHT_PAREN)) {
+        m_pCurrent = behind();
+        return count + 2;
+    }
+    m_units.giveBack(mark);
+    rejectBehind(before);
+    return 0;
+}
+
+// The end check: whether the text was consumed to its end; otherwise says what happened.
+bool consumedAll(Node const * root, Token const * current, Token const * behind,
+                 ParseResult & result) {
+    if (current->kind == TK_END || !behind) {
+        result.abruptTermination();
+        return false;
+    }
+    if (!isEnd(behind)) {
+        result.failedToParse(behind->start);
+        return false;
+    }
+    if (!root) result.abruptTermination();
+    return root != nullptr;
+}
+
+// Works out the units and holds them against what is expected.  Returns whether the tree is good.
+bool settleUnits(Node & root, UnitContext const & context, ComplexUnit const * expected,
+                 ParseResult & result) {
+    ComplexUnit const * units = root.units(context);
+    if (expected && units && !units->isDimensionallyEquivalent(expected) &&
+        !expected->isUnitless() && units->isUnitless()) {
+        // A bare expression takes the expected units as a whole.
+        if (root.defaultUnits().isUnitless()) root.setDefaultUnits(*expected);
+        root.useDefaultUnits(true);
+        units = root.units(context);
+    }
+    if (!units) {
+        result.unitsDontEval();
+        return false;
+    }
+    if (!expected) {
+        result.parsedOk();
+        return true;
+    }
+    if (!units->isDimensionallyEquivalent(expected)) {
+        result.unitMismatch(*expected, *units);
+        return false;
+    }
+    if (context.hasExpectedUnits() && !root.defaultUnits().isIdentical(expected)) {
+        root.setDefaultUnits(*expected);
+    }
+    result.parsedOk();
+    return true;
+}
+
+} // namespace
+
+Parser const * Parser::get() {
+    static constexpr Parser s_parser;
+    return &s_parser;
+}
+
+Node * Parser::parse(std::wstring_view text, UnitContext const & context,
+                     ComplexUnit const * expected, ParseResult & result) const {
+    TokenList list;
+    TokenStream tokens(text, list);
+    Token * const first = tokens.behind(list.first());
+    if (isEnd(first)) {
+        result.expressionIsEmpty();
+        return nullptr;
+    }
+    std::unique_ptr<Tree, TreeDeleter> tree(Tree::make());
+    // The context may end before the tree does.
+    if (expected) expected = tree->keep(*expected);
+    Rules rules(*tree, context, tokens, first);
+    Node * const root = rules.parseExpression(first, expected);
+    if (rules.tooDeep()) {
+        result.failedToParse(rules.tooDeep()->start);
+        return nullptr;
+    }
+    if (!consumedAll(root, rules.current(), tokens.behind(rules.current()), result)) {
+        return nullptr;
+    }
+    if (rules.conflict()) {
+        result.unitsDontEval();
+        return nullptr;
+    }
+    if (!settleUnits(*root, context, expected, result)) return nullptr;
+    tree.release();
+    return root;
+}
+
+} // namespace Vn::Expressions

@@ -1,0 +1,64 @@
+// In which units a result is wanted, and which defaults hold for what a text leaves open: a bare "2"
+// in a field for lengths means centimetres if the context expects `cm`.
+//
+// A context of an empty unit expects a unitless result, which isn't the same as expecting nothing.
+// A context is a value and doesn't change once built; several threads may read one.
+
+#ifndef VN_SERVER_COMMONDATA_UNITS_UNITCONTEXT_H
+#define VN_SERVER_COMMONDATA_UNITS_UNITCONTEXT_H
+
+#include <string>
+
+#include "Platform/Base/RefCounted.h"
+#include "Server/CommonData/Export.h"
+#include "Server/CommonData/Units/ComplexUnit.h"
+#include "Server/CommonData/Units/UnitSystem.h"
+
+namespace Vn::Units {
+
+class VN_COMMONDATA_API UnitContext {
+public:
+    // Expects nothing.
+    UnitContext() = default;
+    UnitContext(UnitContext const & other);
+    UnitContext & operator=(UnitContext const & other);
+    ~UnitContext() = default;
+    // Expects that unit, which must not be null.
+    explicit UnitContext(SimpleUnit const * units);
+    // Expects a copy of that unit, which must not be null.
+    explicit UnitContext(ComplexUnit const * units);
+    // Expects what the text, such as "m / (s s)", parses to; nothing if it doesn't parse.  An empty
+    // text expects a unitless result.
+    explicit UnitContext(std::wstring const & text);
+    // Expects nothing by itself; what a text leaves open is asked of `system`, which may be empty.
+    explicit UnitContext(StrongRef<UnitSystem> const & system);
+
+    // Whether a unit, or a unitless result, is expected.
+    bool hasExpectedUnits() const { return m_bHasExpectedUnits; }
+    // Null if nothing is expected.
+    ComplexUnit const * expectedUnits() const {
+        return m_bHasExpectedUnits ? &m_expectedUnits : nullptr;
+    }
+    // A copy for the caller, who ends it with ComplexUnit::destroy.  To be called only if something
+    // is expected.
+    ComplexUnit * cloneExpectedUnits() const;
+    // The unit, if the expected units are one simple unit; else null.
+    SimpleUnit const * findSimpleExpectedUnits() const;
+
+    // The system that is asked for defaults; null if there is none.
+    StrongRef<UnitSystem> activeUnitSystem() const { return m_rActiveUnitSystem; }
+
+    // The unit in which a value of the dimension of `units` is shown.  False if there is none.
+    bool findDefault(ComplexUnit const & units, ComplexUnit & out) const;
+    // The default simple unit of a kind; null if there is none.
+    SimpleUnit const * findDefault(ESimpleUnitType type) const;
+
+private:
+    StrongRef<UnitSystem> m_rActiveUnitSystem;
+    ComplexUnit m_expectedUnits;
+    bool m_bHasExpectedUnits = false;
+};
+
+} // namespace Vn::Units
+
+#endif

@@ -1,0 +1,99 @@
+#include "Platform/Base/OS.h"
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "Platform/Base/Initializer.h"
+#include "Platform/Base/TextCommandService.h"
+#include "Platform/Base/UnitTest.h"
+
+namespace {
+
+using Vn::OS::Module;
+
+std::filesystem::path const c_module = VN_TEST_MODULE;
+
+TEST(OSTests, ModuleFilesEndInThePlatformsExtension) {
+    EXPECT_EQ(c_module.extension().wstring(), Vn::OS::platformModuleExtension());
+}
+
+TEST(OSTests, ExecutableDirectoryHoldsThisProgram) {
+    std::filesystem::path const directory = Vn::OS::executableDirectory();
+    ASSERT_TRUE(directory.is_absolute());
+    bool found = false;
+    for (auto const & entry : std::filesystem::directory_iterator(directory))
+        found = found || entry.path().stem() == "VnBase10Tests";
+    EXPECT_TRUE(found) << directory;
+}
+
+TEST(OSTests, ClassNamesReadAsInTheSource) {
+    EXPECT_EQ(Vn::OS::className(typeid(Module)), "Vn::OS::Module");
+}
+
+// What a module registers is there once it is loaded, and gone once it is unloaded.
+TEST(OSTests, LoadedModuleRegistersItself) {
+    auto & service = Vn::TextCommandService::get();
+    ASSERT_EQ(service.find(L"TestModule", L"Greet"), nullptr);
+
+    Module module;
+    Vn::Status const status = module.load(c_module);
+    ASSERT_TRUE(status.ok()) << status.toString();
+    ASSERT_TRUE(module.isLoaded());
+    EXPECT_EQ(service.run(L"TestModule.Greet \"the world\"").text, L"Hello the world");
+
+    auto const initialized = reinterpret_cast<int (*)()>(module.symbol("testModuleInitialized"));
+    ASSERT_NE(initialized, nullptr);
+    EXPECT_EQ(initialized(), 0);
+    Vn::Initializer::runAll();
+    EXPECT_EQ(initialized(), 1);
+    auto const reports = Vn::UnitTest::run("TestModule");
+    ASSERT_EQ(reports.size(), 1U);
+    EXPECT_TRUE(reports.front().passed());
+
+    EXPECT_EQ(module.symbol("noSuchName"), nullptr);
+    module.unload();
+    EXPECT_FALSE(module.isLoaded());
+    EXPECT_EQ(service.find(L"TestModule", L"Greet"), nullptr);
+    EXPECT_TRUE(Vn::UnitTest::run("TestModule").empty());
+}
+
+TEST(OSTests, ModuleUnloadedBeforeItsInitializerRanIsForgotten) {
+    {
+        Module module;
+        ASSERT_TRUE(module.load(c_module).ok());
+    }
+    Vn::Initializer::runAll();
+}
+
+TEST(OSTests, MovedModuleStaysLoaded) {
+    Module first;
+    ASSERT_TRUE(first.load(c_module).ok());
+    Module second(std::move(first));
+    EXPECT_NE(second.symbol("testModuleInitialized"), nullptr);
+    first = std::move(second);
+    EXPECT_NE(first.symbol("testModuleInitialized"), nullptr);
+}
+
+TEST(OSTests, MissingModuleIsNotFound) {
+    Module module;
+    Vn::Status const status = module.load(c_module.parent_path() / "noSuchModule.so");
+    EXPECT_EQ(status.code(), Vn::StatusNotFound);
+    EXPECT_NE(status.toString().find("noSuchModule"), std::string::npos);
+    EXPECT_FALSE(module.isLoaded());
+    EXPECT_EQ(module.symbol("testModuleInitialized"), nullptr);
+}
+
+TEST(OSTests, FileThatIsNoModuleFailsWithTheSystemsReason) {
+    auto const file = std::filesystem::path(testing::TempDir()) / "VnBase10TestsNoModule.so";
+    std::ofstream(file) << "not a module";
+    Module module;
+    Vn::Status const status = module.load(file);
+    EXPECT_EQ(status.code(), Vn::StatusFailed);
+    EXPECT_FALSE(status.cause().empty());
+    std::filesystem::remove(file);
+}
+
+} // namespace

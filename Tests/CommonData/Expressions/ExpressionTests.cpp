@@ -1,0 +1,157 @@
+#include "Server/CommonData/Expressions/Expression.h"
+
+#include <type_traits>
+#include <utility>
+
+#include "Server/CommonData/Expressions/Node.h"
+#include "Tests/CommonData/Expressions/ExpressionsTesting.h"
+
+namespace Vn::Expressions {
+
+namespace {
+
+using namespace Testing;
+using Units::UnitContext;
+using Units::UnitDisplaySettings;
+
+TEST(ExpressionTests, MovesButDoesNotCopy) {
+    static_assert(std::is_nothrow_move_constructible_v<Expression>);
+    static_assert(std::is_nothrow_move_assignable_v<Expression>);
+    static_assert(!std::is_copy_constructible_v<Expression>);
+    static_assert(!std::is_copy_assignable_v<Expression>);
+    Expression first(L"2 in", UnitContext(L"cm"));
+    Expression second(std::move(first));
+    EXPECT_EQ(second.rebuilt(), L"2 in");
+    Expression third;
+    third = std::move(second);
+    EXPECT_TRUE(third);
+    EXPECT_EQ(*third.value(), 5.08);
+    EXPECT_EQ(third.text(), L"2 in");
+    third = Expression(L"3 in"); // gives the first tree back
+    EXPECT_EQ(third.rebuilt(), L"3 in");
+}
+
+TEST(ExpressionTests, WithoutATreeThereIsNothing) {
+    Expression const expression;
+    EXPECT_FALSE(expression);
+    EXPECT_EQ(expression.result().toString(), L"Unknown Result");
+    EXPECT_EQ(expression.text(), L"");
+    EXPECT_FALSE(expression.value());
+    EXPECT_FALSE(expression.units());
+    EXPECT_EQ(expression.formatted(), L"");
+    EXPECT_EQ(expression.rebuilt(), L"");
+    EXPECT_FALSE(expression.rebuiltReadsBack());
+    EXPECT_EQ(expression.textToStore(), L"");
+}
+
+TEST(ExpressionTests, FailureKeepsItsText) {
+    Expression const expression(L"2 $$", UnitContext(L"cm"));
+    EXPECT_FALSE(expression);
+    EXPECT_EQ(expression.result().result(), EResult::failedToParse);
+    EXPECT_EQ(expression.result().position(), 2U);
+    EXPECT_EQ(expression.text(), L"2 $$");
+    EXPECT_EQ(expression.textToStore(), L"2 $$");
+    EXPECT_TRUE(expression.context().hasExpectedUnits());
+}
+
+TEST(ExpressionTests, TellsValueUnitsAndTexts) {
+    Expression const length(L"2' 6 3/4\"", UnitContext(L"cm"));
+    ASSERT_TRUE(length);
+    EXPECT_EQ(length.result().result(), EResult::parsedOk);
+    EXPECT_NEAR(*length.value(), 78.105, 1e-12);
+    EXPECT_EQ(length.units()->toString(), L"(foot) / (1)");
+    EXPECT_EQ(
+        length.formatted(Units::ValueAndUnit, UnitDisplaySettings::standard(), length.context()),
+        L"78.105 cm");
+    EXPECT_EQ(
+        length.formatted(Units::ValueAndUnit, UnitDisplaySettings::standard(), UnitContext(L"ft")),
+        L"2.563 ft");
+    EXPECT_EQ(length.rebuilt(), L"2'-6 3/4\"");
+    EXPECT_EQ(length.rebuilt(Units::UnitOnly, UnitDisplaySettings::standard()), L"ft");
+}
+
+TEST(ExpressionTests, FormatsByTheSettingsOfTheUserUnlessToldOtherwise) {
+    Expression const expression(L"2 in", UnitContext(L"cm"));
+    UnitDisplaySettings & user = UnitDisplaySettings::userEditableSettings();
+    UnitDisplaySettings const before = user;
+    user.generalPrecision(1);
+    user.minimumPrecision(0);
+    std::wstring const formatted = expression.formatted();
+    std::wstring const valueOnly = expression.formatted(Units::ValueOnly);
+    user = before;
+    EXPECT_EQ(formatted, L"5.1 cm");
+    EXPECT_EQ(valueOnly, L"5.1");
+}
+
+TEST(ExpressionTests, WhatDoesNotEvaluateHasNoValue) {
+    Expression const expression(L"11 cm/0", UnitContext(L"cm"));
+    EXPECT_TRUE(expression);
+    EXPECT_FALSE(expression.value());
+    EXPECT_TRUE(expression.units());
+    EXPECT_EQ(expression.formatted(), L"");
+    EXPECT_EQ(expression.rebuilt(), L"11 cm / 0");
+}
+
+TEST(ExpressionTests, TreeCanBeTakenOver) {
+    Expression expression(L"2 in");
+    Node * const node = expression.release();
+    ASSERT_NE(node, nullptr);
+    EXPECT_FALSE(expression);
+    EXPECT_EQ(expression.text(), L"2 in");
+    double value = 0.0;
+    EXPECT_TRUE(node->evaluate(value));
+    EXPECT_EQ(value, 5.08);
+    Interface::get()->destroy(node);
+    EXPECT_EQ(expression.release(), nullptr);
+}
+
+// The rebuilt text is stored only if nothing is lost by it.
+TEST(ExpressionTests, TextToStoreLosesNothing) {
+    struct Row {
+        wchar_t const * text;
+        wchar_t const * context;
+        wchar_t const * rebuilt;
+        wchar_t const * stored;
+    };
+    constexpr Row c_rows[] = {
+        {L"2*2", L"cm", L"( 2 * 2 ) * 1 cm", L"( 2 * 2 ) * 1 cm"},
+        {L"02,10000", L"cm", L"2.10000 cm", L"2.10000 cm"},
+        {L"2' 6 3/4\"", L"cm", L"2'-6 3/4\"", L"2'-6 3/4\""},
+        {L"1 minute", L"?", L"1 min", L"1 min"},
+        {L"-40C", L"C", L"-40 C", L"-40 C"},
+        // Rounded in its form.
+        {L"177e3", L"?", L"2E+05", L"177e3"},
+        {L"1/128", L"cm", L"1/64 cm", L"1/128"},
+        {L"1 + 2 cm/in", L"?", L"1 + 1", L"1 + 2 cm/in"},
+        // Not read in the same way again.
+        {L"cm/cm", L"?", L"", L"cm/cm"},
+        {L"2 * cm/cm", L"?", L"2 * ", L"2 * cm/cm"},
+        // Without a value there is none to compare.
+        {L"2 $$", L"?", L"", L"2 $$"},
+    };
+    for (Row const & row : c_rows) {
+        Expression const expression(row.text, contextOf(row.context));
+        EXPECT_EQ(expression.rebuilt(), row.rebuilt) << shown(row.text);
+        EXPECT_EQ(expression.textToStore(), row.stored) << shown(row.text);
+        EXPECT_EQ(expression.rebuiltReadsBack(),
+                  expression && std::wstring_view(row.rebuilt) == row.stored)
+            << shown(row.text);
+    }
+}
+
+TEST(ExpressionTests, StoredTextReadsBackWithItsUnits) {
+    for (wchar_t const * const text :
+         {L"2 cm/cm", L"3 / cm", L"1 1/3 + 1", L"11 cm / 0", L"PI C"}) {
+        Expression const expression(text);
+        Expression const again(expression.textToStore());
+        EXPECT_EQ(static_cast<bool>(again), static_cast<bool>(expression)) << shown(text);
+        EXPECT_EQ(again.value(), expression.value()) << shown(text);
+        if (!expression) continue;
+        std::optional<Units::ComplexUnit> const units = expression.units();
+        EXPECT_TRUE(again.units()->isDimensionallyEquivalent(&*units)) << shown(text);
+    }
+}
+
+} // namespace
+
+} // namespace Vn::Expressions

@@ -1,0 +1,81 @@
+// What the tests of the expression engine share.
+
+#ifndef VN_TESTS_COMMONDATA_EXPRESSIONS_EXPRESSIONSTESTING_H
+#define VN_TESTS_COMMONDATA_EXPRESSIONS_EXPRESSIONSTESTING_H
+
+#include <pthread.h>
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Units/ComplexUnit.h"
+#include "Server/CommonData/Units/UnitContext.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
+
+namespace Vn::Expressions::Testing {
+
+// "?" expects nothing, an empty text expects a unitless result, any other text is a unit string.
+inline Units::UnitContext contextOf(std::wstring_view context) {
+    if (context == L"?") return Units::UnitContext();
+    return Units::UnitContext(std::wstring(context));
+}
+
+// The outcome of a parse in words; it holds the position of a failure.
+inline std::wstring outcome(std::wstring_view text, std::wstring_view context = L"?") {
+    return Expression(std::wstring(text), contextOf(context)).result().toString();
+}
+
+// A change of the factory settings.
+using Change = std::function<void(Units::UnitDisplaySettings & settings)>;
+
+inline Units::UnitDisplaySettings standardBut(Change const & change) {
+    Units::UnitDisplaySettings settings = Units::UnitDisplaySettings::standard();
+    if (change) change(settings);
+    return settings;
+}
+
+// A text for the message of a failed test; long ones are cut.
+inline std::string shown(std::wstring_view text) {
+    constexpr std::size_t c_most = 200;
+    std::string const utf8 = Text::toUtf8(text.substr(0, c_most));
+    return '"' + utf8 + (text.size() > c_most ? "\"..." : "\"");
+}
+
+inline std::wstring repeated(std::wstring_view piece, std::size_t times) {
+    std::wstring text;
+    text.reserve(piece.size() * times);
+    for (std::size_t i = 0; i < times; ++i)
+        text += piece;
+    return text;
+}
+
+// Runs `work` on a thread of its own with a stack of 1 MiB.
+inline void onSmallStack(std::function<void()> const & work) {
+    pthread_attr_t attributes;
+    ASSERT_EQ(pthread_attr_init(&attributes), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{1} << 20), 0);
+    pthread_t thread;
+    int const made = pthread_create(
+        &thread, &attributes,
+        [](void * argument) -> void * {
+            (*static_cast<std::function<void()> const *>(argument))();
+            return nullptr;
+        },
+        const_cast<std::function<void()> *>(&work));
+    pthread_attr_destroy(&attributes);
+    ASSERT_EQ(made, 0);
+    ASSERT_EQ(pthread_join(thread, nullptr), 0);
+}
+
+} // namespace Vn::Expressions::Testing
+
+#endif

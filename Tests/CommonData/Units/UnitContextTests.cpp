@@ -1,0 +1,223 @@
+// In which units a result is wanted.
+
+#include "Server/CommonData/Units/UnitContext.h"
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Tests/CommonData/Units/UnitTestHelpers.h"
+
+namespace Vn::Units {
+
+namespace {
+
+using Expressions::EResult;
+using Expressions::Expression;
+
+struct Destroy {
+    void operator()(ComplexUnit * units) const { ComplexUnit::destroy(units); }
+};
+using OwnedUnits = std::unique_ptr<ComplexUnit, Destroy>;
+
+// A document that shows lengths in miles and every area in acres.
+class MilesAndAcres : public UnitSystem {
+    bool onFindDefault(ComplexUnit const & units, ComplexUnit & out) const override {
+        if (!UnitAcre::get()->asComplexUnit().isDimensionallyEquivalent(&units)) return false;
+        out.assign(UnitAcre::get());
+        return true;
+    }
+    SimpleUnit const * onFindDefault(ESimpleUnitType type) const override {
+        return type == UnitTypeLength ? UnitMile::get() : nullptr;
+    }
+};
+
+TEST(UnitContextTests, DefaultExpectsNothing) {
+    UnitContext const context;
+    EXPECT_FALSE(context.hasExpectedUnits());
+    EXPECT_EQ(context.expectedUnits(), nullptr);
+    EXPECT_EQ(context.findSimpleExpectedUnits(), nullptr);
+    EXPECT_FALSE(context.activeUnitSystem());
+    ComplexUnit out(UnitGram::get(1.0));
+    for (ComplexUnit const & units : {ComplexUnit(), complexUnit({L"cm"}), complexUnit({L"N"})})
+        EXPECT_FALSE(context.findDefault(units, out));
+    EXPECT_EQ(abbreviations(out), L"g");
+    EXPECT_EQ(context.findDefault(UnitTypeLength), nullptr);
+    EXPECT_EQ(shown(L"2 cm", context), L"2.00 cm");
+    EXPECT_EQ(shown(L"2", context), L"2.00");
+}
+
+TEST(UnitContextTests, ExpectsASimpleUnit) {
+    UnitContext const context(UnitInch::get());
+    EXPECT_TRUE(context.hasExpectedUnits());
+    ASSERT_NE(context.expectedUnits(), nullptr);
+    EXPECT_EQ(abbreviations(*context.expectedUnits()), L"in");
+    EXPECT_EQ(context.findSimpleExpectedUnits(), UnitInch::get());
+    EXPECT_FALSE(context.activeUnitSystem());
+}
+
+TEST(UnitContextTests, ExpectsACopyOfAComplexUnit) {
+    ComplexUnit units = complexUnit({L"m"}, {L"s"});
+    UnitContext const context(&units);
+    units.clear();
+    ASSERT_TRUE(context.hasExpectedUnits());
+    EXPECT_NE(context.expectedUnits(), &units);
+    EXPECT_EQ(abbreviations(*context.expectedUnits()), L"m / s");
+    EXPECT_EQ(context.findSimpleExpectedUnits(), nullptr);
+}
+
+TEST(UnitContextTests, ExpectsWhatATextParsesTo) {
+    UnitContext const centimeters(std::wstring(L"cm"));
+    ASSERT_TRUE(centimeters.hasExpectedUnits());
+    EXPECT_EQ(centimeters.findSimpleExpectedUnits(), UnitMeter::get(0.01));
+    UnitContext const acceleration(std::wstring(L"m / (s s)"));
+    ASSERT_TRUE(acceleration.hasExpectedUnits());
+    EXPECT_EQ(abbreviations(*acceleration.expectedUnits()), L"m / s s");
+}
+
+TEST(UnitContextTests, EmptyTextExpectsAUnitlessResult) {
+    UnitContext const context{std::wstring()};
+    ASSERT_TRUE(context.hasExpectedUnits());
+    EXPECT_TRUE(context.expectedUnits()->isEmpty());
+}
+
+TEST(UnitContextTests, TextThatDoesntParseExpectsNothing) {
+    for (wchar_t const * text : {L"nonsense", L"2 cm", L"cm^0.5", L"CM", L"m /", L"("}) {
+        UnitContext const context{std::wstring(text)};
+        EXPECT_FALSE(context.hasExpectedUnits()) << testing::PrintToString(text);
+        EXPECT_EQ(context.expectedUnits(), nullptr);
+    }
+}
+
+TEST(UnitContextTests, CloneIsTheCallers) {
+    UnitContext const context(UnitInch::get());
+    OwnedUnits const clone(context.cloneExpectedUnits());
+    ASSERT_NE(clone, nullptr);
+    EXPECT_NE(clone.get(), context.expectedUnits());
+    EXPECT_TRUE(clone->isIdentical(context.expectedUnits()));
+}
+
+TEST(UnitContextTests, IsCopied) {
+    UnitContext const context(std::wstring(L"N"));
+    UnitContext const copy(context);
+    UnitContext assigned;
+    assigned = copy;
+    ASSERT_TRUE(assigned.hasExpectedUnits());
+    EXPECT_NE(assigned.expectedUnits(), context.expectedUnits());
+    EXPECT_EQ(assigned.findSimpleExpectedUnits(), UnitNewton::get(1.0));
+    assigned = UnitContext();
+    EXPECT_FALSE(assigned.hasExpectedUnits());
+}
+
+// Several threads may read one context, so it must be complete once it is built, however that was.
+TEST(UnitContextTests, IsReadFromManyThreads) {
+    UnitContext const byUnit(UnitInch::get());
+    ComplexUnit const speed = complexUnit({L"m"}, {L"s"});
+    UnitContext const byUnits(&speed);
+    UnitContext const byText(std::wstring(L"m / s"));
+    UnitContext const copy(byText);
+    UnitContext assigned;
+    assigned = byText;
+    for (UnitContext const * const context :
+         {&byUnit, &byUnits, &byText, &copy, static_cast<UnitContext const *>(&assigned)}) {
+        EXPECT_TRUE(context->expectedUnits()->isBaseValid());
+        std::vector<std::jthread> threads;
+        for (int i = 0; i < 4; ++i)
+            threads.emplace_back([context] {
+                ComplexUnit out;
+                EXPECT_TRUE(context->findDefault(ComplexUnit(*context->expectedUnits()), out));
+            });
+    }
+}
+
+TEST(UnitContextTests, DefaultOfADimensionIsWhatIsExpected) {
+    UnitContext const context(UnitInch::get());
+    ComplexUnit out(UnitGram::get(1.0));
+    EXPECT_TRUE(context.findDefault(complexUnit({L"km"}), out));
+    EXPECT_EQ(abbreviations(out), L"in");
+    EXPECT_FALSE(context.findDefault(complexUnit({L"s"}), out));
+    EXPECT_EQ(abbreviations(out), L"in");
+    UnitContext const unitless(&ComplexUnit::none());
+    EXPECT_TRUE(unitless.findDefault(complexUnit({L"cm"}, {L"in"}), out));
+    EXPECT_TRUE(out.isEmpty());
+}
+
+TEST(UnitContextTests, DefaultOfAKindIsTheLoneUnitExpected) {
+    UnitContext const inch(UnitInch::get());
+    EXPECT_EQ(inch.findDefault(UnitTypeLength), UnitInch::get());
+    EXPECT_EQ(inch.findDefault(UnitTypeMass), nullptr);
+    UnitContext const speed(std::wstring(L"m / s"));
+    EXPECT_EQ(speed.findDefault(UnitTypeLength), nullptr);
+    EXPECT_EQ(speed.findDefault(UnitTypeSpeed), nullptr);
+    UnitContext const mph(std::wstring(L"mph"));
+    EXPECT_EQ(mph.findDefault(UnitTypeSpeed), UnitMilesPerHour::get());
+}
+
+TEST(UnitContextTests, UnitSystemIsAskedForWhatIsntExpected) {
+    StrongRef<UnitSystem> const system(new MilesAndAcres);
+    UnitContext const context(system);
+    EXPECT_FALSE(context.hasExpectedUnits());
+    EXPECT_EQ(context.activeUnitSystem(), system);
+    ComplexUnit out(UnitGram::get(1.0));
+    EXPECT_TRUE(context.findDefault(complexUnit({L"in", L"in"}), out));
+    EXPECT_EQ(abbreviations(out), L"acre");
+    out.assign(UnitGram::get(1.0));
+    EXPECT_FALSE(context.findDefault(complexUnit({L"in"}), out));
+    EXPECT_EQ(abbreviations(out), L"g");
+    EXPECT_EQ(context.findDefault(UnitTypeLength), UnitMile::get());
+    EXPECT_EQ(context.findDefault(UnitTypeMass), nullptr);
+    UnitContext const copy = context;
+    EXPECT_EQ(copy.activeUnitSystem(), system);
+}
+
+TEST(UnitContextTests, EmptyUnitSystemIsNone) {
+    UnitContext const context{StrongRef<UnitSystem>()};
+    EXPECT_FALSE(context.hasExpectedUnits());
+    EXPECT_FALSE(context.activeUnitSystem());
+    EXPECT_EQ(context.findDefault(UnitTypeLength), nullptr);
+}
+
+TEST(UnitContextTests, BareNumberTakesTheExpectedUnit) {
+    UnitContext const inches(std::wstring(L"in"));
+    Expression const two(L"2", inches);
+    ASSERT_TRUE(two.value().has_value());
+    EXPECT_NEAR(*two.value(), 5.08, 1e-8);
+    EXPECT_EQ(shown(L"2", inches), L"2.00 in");
+}
+
+TEST(UnitContextTests, OtherDimensionIsRefused) {
+    struct Row {
+        wchar_t const * expression;
+        wchar_t const * context;
+        EResult result;
+    };
+    Row const rows[] = {
+        {L"2in", L"kg", EResult::unitMismatch},
+        {L"2kg", L"cm", EResult::unitMismatch},
+        {L"2 cm", L"", EResult::unitMismatch},
+        {L"1in+1gram", L"", EResult::unitsDontEval},
+        {L"(30 mph / 10) mps", L"", EResult::failedToParse},
+    };
+    for (Row const & row : rows) {
+        Expression const expression(row.expression, UnitContext(std::wstring(row.context)));
+        EXPECT_FALSE(expression) << testing::PrintToString(row.expression);
+        EXPECT_TRUE(expression.result().result() == row.result)
+            << testing::PrintToString(row.expression);
+    }
+}
+
+// An empty unit expects a unitless result, which isn't the same as expecting nothing.
+TEST(UnitContextTests, EmptyUnitExpectsAUnitlessResult) {
+    UnitContext const unitless(&ComplexUnit::none());
+    ASSERT_TRUE(unitless.hasExpectedUnits());
+    EXPECT_EQ(shown(L"30 mph / 10 mps", unitless), L"1.341");
+    EXPECT_EQ(shown(L"cos(60)", unitless), L"0.50");
+    EXPECT_TRUE(Expression(L"2 cm", UnitContext()));
+}
+
+} // namespace
+
+} // namespace Vn::Units

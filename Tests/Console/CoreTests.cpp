@@ -1,0 +1,198 @@
+// The parts of the console that a process doesn't show alone.
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "Console/Excerpt.h"
+#include "Console/SelfTestCommand.h"
+#include "Console/SettingsFields.h"
+#include "Console/Table.h"
+#include "Console/Texts.h"
+#include "Console/Vocabulary.h"
+#include "Platform/Base/Initializer.h"
+#include "Platform/Base/Text.h"
+#include "Platform/Base/UnitTest.h"
+#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+
+namespace Vn::Console::Tests {
+
+namespace {
+
+TEST(ExcerptTests, BothLinesTakeTheSameColumns) {
+    struct Row {
+        wchar_t const * text;
+        std::size_t position;
+        wchar_t const * caret;
+    };
+    Row const rows[] = {
+        {L"abc", 0, L"^"},
+        {L"abc", 2, L"  ^"},
+        {L"abc", 3, L"   ^"},
+        {L"abc", 4000000000, L"   ^"},
+        {L"", 0, L"^"},
+        {L"\u65E5b", 1, L"  ^"},          // wide
+        {L"e\u0301b", 2, L" ^"},          // combining
+        {L"\U0001F4CFb", 2, L"  ^"},      // two 16-bit characters, two columns
+        {L"\tb", 1, L"\t^"},              // a tab for a tab
+        {L"\x01" L"b", 1, L" ^"},         // shown by its picture
+        {L"\uFF11b", 1, L"  ^"},          // fullwidth digit
+    };
+    for (Row const & row : rows) {
+        EXPECT_EQ(excerptAt(row.text, row.position).caret, row.caret) << Text::toUtf8(row.text);
+    }
+}
+
+TEST(ExcerptTests, WindowKeepsThePositionInSight) {
+    std::wstring const text(10000000, L'x');
+    for (std::size_t const position : {std::size_t{0}, std::size_t{5}, text.size() / 2,
+                                       text.size() - 1, text.size()}) {
+        Excerpt const excerpt = excerptAt(text, position);
+        EXPECT_LE(excerpt.text.size(), 82u);
+        EXPECT_LE(excerpt.caret.size() - 1, excerpt.text.size());
+        EXPECT_EQ(excerpt.caret.back(), L'^');
+        EXPECT_EQ(excerpt.text.substr(0, 3) == L"...", position > 43);
+    }
+}
+
+TEST(ExcerptTests, CombiningCharactersWithoutEndAreClippedToo) {
+    Excerpt const excerpt = excerptAt(L"2" + std::wstring(1000000, L'\u0301') + L"3", 500000);
+    EXPECT_LT(excerpt.text.size(), 500u);
+}
+
+TEST(TableTests, ColumnsAreAsWideAsATerminalShowsThem) {
+    Table table;
+    table.add({L"a", L"b", L"c"});
+    table.add({L"\u65E5\u672C", L"e\u0301", L""});
+    table.add({L"x"});
+    EXPECT_EQ(table.toUtf8("> "), "> a     b  c\n> \u65E5\u672C  e\u0301\n> x\n");
+}
+
+TEST(TextsTests, ShortestNumberReadsBack) {
+    struct Row {
+        double value;
+        wchar_t const * text;
+    };
+    Row const rows[] = {{2.0, L"2"},        {0.1, L"0.1"},      {-1.5, L"-1.5"},
+                        {1e300, L"1e+300"}, {5e-324, L"5e-324"},
+                        {0.1 + 0.2, L"0.30000000000000004"}};
+    for (Row const & row : rows) EXPECT_EQ(shortestNumber(row.value), row.text);
+}
+
+TEST(TextsTests, ClippedTextEndsInDots) {
+    EXPECT_EQ(clipped(L"abcdef", 6), L"abcdef");
+    EXPECT_EQ(clipped(L"abcdef", 5), L"abcde...");
+    EXPECT_EQ(inQuotes(L"a\nb"), L"\"a\u240Ab\"");
+}
+
+TEST(TextsTests, CaseOfAsciiLettersDoesNotCount) {
+    EXPECT_TRUE(containsFolded(L"LuminousFlux", L"USf"));
+    EXPECT_TRUE(containsFolded(L"abc", L""));
+    EXPECT_FALSE(containsFolded(L"abc", L"abcd"));
+    EXPECT_FALSE(containsFolded(L"\u00C4", L"\u00E4"));
+}
+
+TEST(SettingsFieldsTests, SixteenFieldsInTheOrderOfTheRecord) {
+    std::vector<std::string> names;
+    for (SettingsField const & field : settingsFields()) names.emplace_back(field.name);
+    EXPECT_EQ(names, (std::vector<std::string>{
+                         "generalUnit", "generalPrecision", "angularPrecision",
+                         "scientificPrecision", "lengthDisplay", "degreeDisplay", "compressUnits",
+                         "scientificNotation", "decimalPointIsFullStop", "displayAbbreviated",
+                         "displaySymbol", "specifiedByNode", "hideTrailingZeroes",
+                         "minimumPrecision", "useScientificNotationAboveThreshold",
+                         "useScientificNotationBelowThreshold"}));
+}
+
+TEST(SettingsFieldsTests, WhatIsSetIsRead) {
+    Units::UnitDisplaySettings const & standard = Units::UnitDisplaySettings::standard();
+    for (SettingsField const & field : settingsFields()) {
+        Units::UnitDisplaySettings settings = standard;
+        double const other = field.get(settings) == 1.0 ? 0.0 : 1.0;
+        EXPECT_EQ(setSettingsField(field, settings, other), "") << field.name;
+        EXPECT_EQ(field.get(settings), other) << field.name;
+        // And no other field moves.
+        for (SettingsField const & untouched : settingsFields()) {
+            if (&untouched == &field) continue;
+            EXPECT_EQ(untouched.get(settings), untouched.get(standard))
+                << field.name << ' ' << untouched.name;
+        }
+    }
+}
+
+TEST(SettingsFieldsTests, WholeNumbersHaveARange) {
+    Units::UnitDisplaySettings settings = Units::UnitDisplaySettings::standard();
+    SettingsField const & field = *findSettingsField("degreeDisplay");
+    for (double const value : {2.0, -1.0, 0.5, 1e300, std::nan("")}) {
+        EXPECT_EQ(setSettingsField(field, settings, value),
+                  "degreeDisplay takes a whole number from 0 to 1");
+    }
+    EXPECT_EQ(field.get(settings), 0.0);
+    EXPECT_EQ(findSettingsField("DegreeDisplay"), nullptr);
+}
+
+TEST(VocabularyTests, EveryWordIsUnderstoodByExpressions) {
+    Initializer::runAll();
+    std::size_t functions = 0;
+    for (Vocabulary::Word const & word : Vocabulary::get().words()) {
+        EXPECT_TRUE(Vocabulary::isKnown(word.text)) << Text::toUtf8(word.text);
+        if (word.kind == Vocabulary::Kind::Function) {
+            ++functions;
+            continue;
+        }
+        // A unit may share its spelling with a function, but not behind a number.
+        bool const isConstant = word.kind == Vocabulary::Kind::Constant;
+        EXPECT_TRUE(Expressions::Expression(isConstant ? word.text : L"1 " + word.text))
+            << Text::toUtf8(word.text);
+    }
+    EXPECT_EQ(functions, 22u);
+}
+
+TEST(VocabularyTests, LookingWordsUpMakesNoUnits) {
+    Initializer::runAll();
+    Vocabulary const & vocabulary = Vocabulary::get();
+    auto const units = [] {
+        std::vector<Units::SimpleUnit const *> all;
+        Units::SimpleUnitRegistry::get().allUnits(all);
+        return all.size();
+    };
+    std::size_t const before = units();
+    EXPECT_TRUE(Vocabulary::isKnown(L"attohenry"));
+    EXPECT_TRUE(Vocabulary::isKnown(L"Es"));
+    vocabulary.nearest(L"ATTOHENRI");
+    EXPECT_EQ(units(), before);
+}
+
+TEST(VocabularyTests, WhatCannotBeTypedIsNotSuggested) {
+    for (Vocabulary::Word const & word : Vocabulary::get().words()) {
+        EXPECT_EQ(word.text.find(L'_'), std::wstring::npos) << Text::toUtf8(word.text);
+        EXPECT_NE(word.text, L"\"");
+    }
+}
+
+TEST(VocabularyTests, LongNamesAreNearNothing) {
+    EXPECT_TRUE(Vocabulary::get().nearest(std::wstring(10000000, L'm')).empty());
+}
+
+void failing(UnitTest & test) {
+    test.Assert(true, L"never told");
+    test.Assert(false, L"the first\nfailure");
+    test.note(L"a note");
+}
+
+TEST(SelfTestCommandTests, FailuresAreToldAndMakeTheStatusBad) {
+    UnitTest const check("ConsoleTests", "failing", &failing);
+    std::ostringstream out;
+    std::ostringstream err;
+    EXPECT_EQ(runSelfTest("ConsoleTests", out, err), 1);
+    EXPECT_EQ(out.str(), "ConsoleTests failing: FAILED, 2 assertions, 1 failure\n"
+                         "  a note\n"
+                         "  failed: the first\u240Afailure\n"
+                         "1 check, 2 assertions, 1 failure\n");
+    EXPECT_EQ(err.str(), "");
+}
+
+} // namespace
+
+} // namespace Vn::Console::Tests

@@ -1,0 +1,470 @@
+// Sessions: from a pipe, and in a real terminal.
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "Console/SessionCompletion.h"
+#include "Platform/Base/Initializer.h"
+#include "Platform/Base/Text.h"
+#include "Tests/Console/Process.h"
+#include "Tests/Console/TerminalSession.h"
+
+namespace Vn::Console::Tests {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class TemporaryDirectory {
+public:
+    TemporaryDirectory() {
+        std::string name = (fs::temp_directory_path() / "vnconsole-test-XXXXXX").string();
+        m_path = ::mkdtemp(name.data());
+    }
+    ~TemporaryDirectory() {
+        std::error_code ignored;
+        fs::permissions(m_path, fs::perms::owner_all, ignored);
+        fs::remove_all(m_path, ignored);
+    }
+    TemporaryDirectory(TemporaryDirectory const &) = delete;
+    TemporaryDirectory & operator=(TemporaryDirectory const &) = delete;
+
+    fs::path const & path() const { return m_path; }
+
+private:
+    fs::path m_path;
+};
+
+// A terminal of somebody who never used the console before.
+class InteractiveTests : public testing::Test {
+protected:
+    std::map<std::string, std::string> environment() const {
+        return {{"HOME", m_home.path().string()}, {"XDG_STATE_HOME", ""}};
+    }
+    fs::path history() const { return m_home.path() / ".local/state/vnconsole/history"; }
+
+    TemporaryDirectory const m_home;
+};
+
+TEST(PipedSessionTests, EveryLineIsDone) {
+    Outcome const outcome =
+        runConsole({}, "1 in + 1 cm\n\n  unit in \r\n2\nunit none\n9.81 m/s^2\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out, "1.394 in\n"
+                           "  internal 3.54 cm, units in, rebuilt 1 in + 1 cm\n"
+                           "expected unit: in (Length)\n"
+                           "2.00 in\n"
+                           "  internal 5.08 cm, units in, rebuilt 2 in\n"
+                           "expected unit: none\n"
+                           "9.81 m / s^2\n"
+                           "  internal 981 cm / s^2, units m / s^2, rebuilt 9.81 m / s^2\n");
+}
+
+TEST(PipedSessionTests, BadLinesAreToldAndTheRestIsDone) {
+    Outcome const outcome = runConsole({}, "2CM\n7/2.2\n1/0\n\xFF\nunit bogus\n2 cm");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "2.00 cm\n  internal 2 cm, units cm, rebuilt 2 cm\n");
+    EXPECT_EQ(outcome.err,
+              "Parse error at character 1: \"CM\" isn't a unit, a function or a constant\n"
+              "  2CM\n"
+              "   ^\n"
+              "  did you mean cm?\n"
+              "Parse error at character 3: a number can't follow the fraction \"7/2\"\n"
+              "  7/2.2\n"
+              "     ^\n"
+              "  \"7/2\" was read as a fraction; put the divisor in brackets: 7/(2.2)\n"
+              "no value: a divisor is nearly zero, a number is too large, or a function isn't "
+              "defined for its argument\n"
+              "the line isn't UTF-8\n"
+              "unit: \"bogus\" is no unit\n");
+}
+
+TEST(PipedSessionTests, UnitAndDisplayAreKept) {
+    Outcome const outcome = runConsole({}, "unit\ndisplay\nunit cm\ndisplay in\n2.54\nunit \"\"\n"
+                                           "display none\n3\nunit m/s\n2\nunit\nunit\tnone\n2\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, "expected unit: none\n"
+                           "display unit: none\n"
+                           "expected unit: cm (Length)\n"
+                           "display unit: in (Length)\n"
+                           "1.00 in\n"
+                           "  internal 2.54 cm, units cm, rebuilt 2.54 cm\n"
+                           "expected unit: no unit\n"
+                           "display unit: none\n"
+                           "3.00\n"
+                           "  internal 3, units none, rebuilt 3\n"
+                           "expected unit: m / s (Speed)\n"
+                           "2.00 m / s\n"
+                           "  internal 200 cm / s, units m / s, rebuilt 2 m / s\n"
+                           "expected unit: m / s (Speed)\n"
+                           "expected unit: none\n"
+                           "2.00\n"
+                           "  internal 2, units none, rebuilt 2\n");
+}
+
+TEST(PipedSessionTests, RoundedRebuiltTextIsNotTheOneToStore) {
+    EXPECT_EQ(runConsole({}, "1/128 in").out,
+              "0.008 in\n"
+              "  internal 0.01984375 cm, units in, rebuilt 1/64\"\n"
+              "  the rebuilt text would not read back to the same value; store 1/128 in\n");
+}
+
+TEST(PipedSessionTests, SettingsAreListedWithTheirMeaning) {
+    Outcome const outcome = runConsole({}, "set\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(
+        outcome.out,
+        "generalUnit                          0      length unit of new documents: 0 mm, 1 cm, "
+        "2 m, 3 in, 4 ft\n"
+        "generalPrecision                     3      decimals of a value\n"
+        "angularPrecision                     1      decimals of a value in degrees\n"
+        "scientificPrecision                  3      decimals before an exponent\n"
+        "lengthDisplay                        0      0 decimal, 1 fractional, 2 feet and inches\n"
+        "degreeDisplay                        0      0 decimal, 1 minutes and seconds\n"
+        "compressUnits                        true   m^3 rather than m m m\n"
+        "scientificNotation                   true   exponents for big and small values\n"
+        "decimalPointIsFullStop               true   1.5 rather than 1,5\n"
+        "displayAbbreviated                   true   cm rather than centimeter\n"
+        "displaySymbol                        false  the symbol of a unit that has one\n"
+        "specifiedByNode                      false  the format comes from a number as it was "
+        "typed\n"
+        "hideTrailingZeroes                   true   4.02 rather than 4.020\n"
+        "minimumPrecision                     2      decimals kept when zeroes are hidden\n"
+        "useScientificNotationAboveThreshold  10000  greater values get an exponent\n"
+        "useScientificNotationBelowThreshold  0.001  smaller values get an exponent\n");
+}
+
+TEST(PipedSessionTests, SettingsChangeWhatIsShownUntilTheStandardComesBack) {
+    Outcome const outcome =
+        runConsole({}, "set generalPrecision 5\nset HIDETRAILINGZEROES off\n2.5 cm\n"
+                       "set displayAbbreviated false\nExpressions.Parse \"2.5 cm\"\n"
+                       "set useScientificNotationAboveThreshold 1e2\nset generalPrecision\n"
+                       "standard\n2.5 cm\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out, "generalPrecision 5\n"
+                           "hideTrailingZeroes false\n"
+                           "2.50000 cm\n"
+                           "  internal 2.5 cm, units cm, rebuilt 2.5 cm\n"
+                           "displayAbbreviated false\n"
+                           "2.5 cm gave a parse result Success!\n"
+                           "Evaluation succeeded with a result of 2.5\n"
+                           "Unit Evaluation succeeded with a result of (centimeter) / (1)\n"
+                           "Formatted value -> 2.50000 centimeter\n"
+                           "String reconstruction produced -> 2.5 centimeter\n"
+                           "useScientificNotationAboveThreshold 100\n"
+                           "generalPrecision 5\n"
+                           "the display settings are the factory's again\n"
+                           "2.50 cm\n"
+                           "  internal 2.5 cm, units cm, rebuilt 2.5 cm\n");
+}
+
+TEST(PipedSessionTests, WrongSettingsAreTold) {
+    Outcome const outcome =
+        runConsole({}, "set generalPrecison 4\nset nothing 1\nset compressUnits maybe\n"
+                       "set generalPrecision many\nset lengthDisplay 3\nset degreeDisplay 1 x\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(outcome.err,
+              "there is no setting \"generalPrecison\"; did you mean generalPrecision?\n"
+              "there is no setting \"nothing\"; \"set\" alone lists them\n"
+              "compressUnits is true or false, not \"maybe\"\n"
+              "generalPrecision is a number, not \"many\"\n"
+              "lengthDisplay takes a whole number from 0 to 2\n"
+              "degreeDisplay is a number, not \"1 x\"\n");
+}
+
+TEST(PipedSessionTests, TextCommandsAreRun) {
+    Outcome const outcome = runConsole({}, "expressions.tokenize \"1' 9\"\"\nUnits.Lisst\n.5 cm\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "1' 9\" parsed as 1' 9foot\n"
+                           "0.50 cm\n"
+                           "  internal 0.5 cm, units cm, rebuilt 0.5 cm\n");
+    EXPECT_EQ(outcome.err.substr(0, 48), "The subject area \"Units\" has no command \"Lisst\".");
+}
+
+TEST(PipedSessionTests, UnitsAreListed) {
+    EXPECT_EQ(runConsole({}, "units pressure\n").out, runConsole({"units", "pressure"}).out);
+    EXPECT_EQ(runConsole({}, "units parsec\n").status, 1);
+}
+
+TEST(PipedSessionTests, HelpKnowsEveryTopicAndCommand) {
+    std::string const help = runConsole({}, "help\n").out;
+    for (char const * const word :
+         {"help [TOPIC]", "unit [UNIT]", "display [UNIT]", "set [FIELD [VALUE]]", "standard",
+          "units [PATTERN]", "language", "quit"}) {
+        EXPECT_NE(help.find(std::string("\n  ") + word), std::string::npos) << word;
+    }
+    for (char const * const topic : {"expressions", "numbers", "functions", "constants",
+                                     "prefixes", "commands", "unit", "set", "quit"}) {
+        Outcome const outcome = runConsole({}, std::string("help ") + topic + "\n");
+        EXPECT_EQ(outcome.status, 0) << topic;
+        EXPECT_NE(outcome.out, "") << topic;
+    }
+    Outcome const unknown = runConsole({}, "help me\n");
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_EQ(unknown.err, "there is no help on \"me\"\n");
+    EXPECT_EQ(runConsole({}, "help constants\n").out,
+              "  PI            3.141592653589793\n"
+              "  E             2.718281828459045\n"
+              "  Gravity       980.665            cm / s^2\n"
+              "  SpeedOfLight  29979245800        cm / s\n");
+}
+
+// Each first column of help on expressions and numbers is an expression, or two.
+TEST(PipedSessionTests, ExamplesOfHelpEvaluate) {
+    for (char const * const topic : {"help expressions\n", "help numbers\n"}) {
+        std::istringstream lines(runConsole({}, topic).out);
+        for (std::string line; std::getline(lines, line);) {
+            std::size_t begin = 2;
+            std::string input;
+            // The last cell is the meaning.
+            for (std::size_t end; (end = line.find("  ", begin)) != line.npos;) {
+                input += line.substr(begin, end - begin) + '\n';
+                begin = line.find_first_not_of(' ', end);
+            }
+            Outcome const outcome = runConsole({}, input);
+            EXPECT_EQ(outcome.status, 0) << line << '\n' << outcome.err;
+            EXPECT_NE(outcome.out, "") << line;
+        }
+    }
+}
+
+TEST(PipedSessionTests, LanguageIsTold) {
+    EXPECT_EQ(runConsole({}, "language\n").out,
+              "language: English; another is chosen by vnconsole --language TAG\n");
+    EXPECT_EQ(runConsole({"--language", "xx"}, "language\n").out,
+              "language: xx; another is chosen by vnconsole --language TAG\n");
+    Outcome const outcome = runConsole({}, "language de\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err,
+              "the language is chosen when the console starts: vnconsole --language de\n");
+}
+
+TEST(PipedSessionTests, QuitEndsAtOnce) {
+    EXPECT_EQ(runConsole({}, "quit\n2\n").out, "");
+    EXPECT_EQ(runConsole({}, "").out, "");
+    EXPECT_EQ(runConsole({}, "").status, 0);
+}
+
+TEST(PipedSessionTests, HugeAndHostileLinesAreAnswered) {
+    std::string const digits(1000000, '1');
+    Outcome const outcome = runConsole(
+        {}, std::string(1000000, '(') + "\n" + std::string(10000000, 'x') + "\n" +
+                std::string("a\0b\n", 4) + "set " + std::string(1000000, 'x') + "\nunit " +
+                std::string(1000000, 'x') + "\nhelp " + std::string(1000000, 'x') + "\n" +
+                std::string(1000000, '.') + "\nUnits." + std::string(1000000, 'x') + "\n2 cm\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "2.00 cm\n  internal 2 cm, units cm, rebuilt 2 cm\n");
+    EXPECT_LT(outcome.err.size(), 5000u);
+}
+
+TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
+    Initializer::runAll();
+    struct Row {
+        wchar_t const * line;
+        std::size_t begun;
+        std::vector<std::wstring> candidates;
+    };
+    Row const rows[] = {
+        {L"2 kilom", 5, {L"kilometer", L"kilomho"}},
+        {L"2kilomet", 7, {L"kilometer"}},
+        {L"2 KILOME", 6, {L"kilometer", L"kiloMetersPerSecond"}},
+        {L"1 + (2 naut", 4, {L"nauticalMile"}},
+        {L"sq", 2, {L"sqrt"}},
+        {L"2 * Spee", 4, {L"SpeedOfLight"}},
+        {L"un", 2, {L"unit", L"units"}},
+        {L"Units.", 6,
+         {L"Units.List", L"Units.MakeForMagnitude", L"Units.ShowComplexUnits",
+          L"Units.DisplayInternalUnit"}},
+        {L"units.l", 7, {L"Units.List"}},
+        {L"set minimum", 7, {L"minimumPrecision"}},
+        {L"set  SCI", 3, {L"scientificPrecision", L"scientificNotation"}},
+        {L"help fun", 3, {L"functions"}},
+        {L"unit inc", 3, {L"inch"}},
+        {L"2 + ", 0, {}},
+        {L"2 qqq", 3, {}},
+        {L"2 + 3", 0, {}},
+    };
+    for (Row const & row : rows) {
+        Completion const completion = completeSessionLine(row.line);
+        std::vector<std::wstring> texts;
+        for (Completion::Candidate const & c : completion.candidates) texts.push_back(c.text);
+        EXPECT_EQ(texts, row.candidates) << Text::toUtf8(row.line);
+        if (!texts.empty()) {
+            EXPECT_EQ(completion.begun, row.begun) << Text::toUtf8(row.line);
+        }
+    }
+}
+
+TEST_F(InteractiveTests, ExpressionIsEvaluatedWhenReturnIsPressed) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("help tells more, quit ends.\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("1 in + 1 cm\r");
+    EXPECT_TRUE(session.waitFor("1.394 in\r\n"
+                                "  internal 3.54 cm, units in, rebuilt 1 in + 1 cm\r\n"))
+        << session.screen();
+    session.type("quit\r");
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
+TEST_F(InteractiveTests, PromptShowsTheExpectedUnit) {
+    TerminalSession session({}, environment());
+    session.type("unit in\r");
+    ASSERT_TRUE(session.waitFor("expected unit: in (Length)\r\n")) << session.screen();
+    EXPECT_TRUE(session.waitFor("in> ")) << session.screen();
+    session.type("2\r");
+    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, FailureIsShownWithCaretAndSuggestion) {
+    TerminalSession session({}, environment());
+    session.type("2CM\r");
+    EXPECT_TRUE(session.waitFor("Parse error at character 1: \"CM\" isn't a unit, a function or a "
+                                "constant\r\n  2CM\r\n   ^\r\n  did you mean cm?\r\n"))
+        << session.screen();
+}
+
+TEST_F(InteractiveTests, TabCompletesTheOnlyWord) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("2 kilomet\t");
+    ASSERT_TRUE(session.waitFor("er")) << session.screen();
+    session.type("\r");
+    EXPECT_TRUE(session.waitFor("2.00 km\r\n")) << session.screen();
+    session.type("sqr\t16)\r");
+    EXPECT_TRUE(session.waitFor("4.00\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, TabAddsWhatAllWordsShare) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("2 kil\t");
+    ASSERT_TRUE(session.waitFor("o")) << session.screen();
+    session.type("gram\r");
+    EXPECT_TRUE(session.waitFor("2.00 kg\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, TabListsWordsThatShareNoMore) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("set scientific\t");
+    EXPECT_TRUE(session.waitFor("scientificPrecision  scientificNotation  \r\n"))
+        << session.screen();
+    session.type("P\t5\r");
+    EXPECT_TRUE(session.waitFor("scientificPrecision 5\r\n")) << session.screen();
+    session.type("Units.Mak\t3\r");
+    EXPECT_TRUE(session.waitFor("simple units and there now are")) << session.screen();
+}
+
+TEST_F(InteractiveTests, ArrowUpBringsLinesBack) {
+    TerminalSession session({}, environment());
+    session.type("2 in\r");
+    ASSERT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    session.type("3 in\r");
+    ASSERT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+    session.type("\x1B[A\x1B[A + 1 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n  internal 7.62 cm, units in, rebuilt 2 in + 1 in\r\n"))
+        << session.screen();
+}
+
+TEST_F(InteractiveTests, HistoryIsKeptForTheNextSession) {
+    {
+        TerminalSession session({}, environment());
+        session.type("5 ft \xC2\xB0\r");
+        session.type("7 in\r");
+        ASSERT_TRUE(session.waitFor("7.00 in\r\n")) << session.screen();
+        session.type("quit\r");
+        ASSERT_EQ(session.waitForEnd(), 0);
+    }
+    EXPECT_TRUE(fs::exists(history()));
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("\x1B[A\x1B[A\r"); // "quit" was the last
+    EXPECT_TRUE(session.waitFor("7.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, StateDirectoryIsTheUsersChoice) {
+    TemporaryDirectory const state;
+    std::map<std::string, std::string> chosen = environment();
+    chosen["XDG_STATE_HOME"] = state.path().string();
+    TerminalSession session({}, chosen);
+    session.type("2 in\r");
+    ASSERT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    session.type("quit\r");
+    EXPECT_EQ(session.waitForEnd(), 0);
+    EXPECT_TRUE(fs::exists(state.path() / "vnconsole/history"));
+    EXPECT_FALSE(fs::exists(history()));
+}
+
+TEST_F(InteractiveTests, WithoutAPlaceForTheHistoryNothingIsSaid) {
+    std::ofstream(m_home.path() / "file") << "not a directory";
+    std::map<std::string, std::string> chosen = environment();
+    chosen["XDG_STATE_HOME"] = (m_home.path() / "file").string();
+    TerminalSession session({}, chosen);
+    session.type("2 in\r");
+    ASSERT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    session.type("\x1B[A\r");
+    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    session.type("quit\r");
+    EXPECT_EQ(session.waitForEnd(), 0);
+    EXPECT_EQ(session.screen().find("file"), std::string::npos) << session.screen();
+}
+
+TEST_F(InteractiveTests, LineCanBeEdited) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("2 ing\x7F\x01" "1\x05 + 0.5 in\r"); // erase, to the beginning, to the end
+    EXPECT_TRUE(session.waitFor("12.50 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, CharactersBeyondAsciiAreTyped) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("90\xC2\xB0\r");
+    EXPECT_TRUE(session.waitFor("90.0 deg\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, ControlDEndsTheSession) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("\x04");
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
+TEST_F(InteractiveTests, ControlCAbandonsTheLine) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("2 bogus\x03" "3 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, BadLinesDoNotMakeTheStatusBad) {
+    TerminalSession session({}, environment());
+    session.type("bogus\rquit\r");
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
+TEST(ProgressTests, LinesAreCountedOnATerminal) {
+    std::string input;
+    for (int i = 0; i < 2500; ++i) input += "{\"text\":\"2\"}\n";
+    TemporaryFile const file(input);
+    TerminalSession session({"batch", file.path()});
+    EXPECT_TRUE(session.waitFor("1000 lines\r"));
+    EXPECT_TRUE(session.waitFor("2000 lines\r"));
+    EXPECT_TRUE(session.waitFor("2500 lines\r\n"));
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
+TEST(ProgressTests, NothingIsCountedElsewhere) {
+    TemporaryFile const file("{\"text\":\"2\"}\n");
+    EXPECT_EQ(runConsole({"batch", file.path()}).err, "");
+}
+
+} // namespace
+
+} // namespace Vn::Console::Tests

@@ -1,0 +1,70 @@
+# How every library, program and test of this project is made.
+
+# Warnings, sanitizers and visibility, the same for every target.
+add_library(VnBuildOptions INTERFACE)
+target_include_directories(VnBuildOptions INTERFACE "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>")
+target_compile_options(VnBuildOptions INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  "$<$<BOOL:${VN_WARNINGS_AS_ERRORS}>:-Werror>")
+# A double is a double: no fused or excess-precision arithmetic on any machine.
+target_compile_options(VnBuildOptions INTERFACE -ffp-contract=off)
+# A library's own calls stay inside it, where they can be inlined.
+target_compile_options(VnBuildOptions INTERFACE
+  "$<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>")
+if(VN_SANITIZE)
+  target_compile_options(VnBuildOptions INTERFACE
+    "-fsanitize=${VN_SANITIZE}" -fno-omit-frame-pointer -fno-sanitize-recover=all)
+  target_link_options(VnBuildOptions INTERFACE "-fsanitize=${VN_SANITIZE}")
+endif()
+
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+
+# Binds the calls of a shared library to its own functions when it is linked.
+function(vn_bind_own_functions name)
+  if(UNIX AND NOT APPLE)
+    target_link_options(${name} PRIVATE -Wl,-Bsymbolic-functions)
+  endif()
+endfunction()
+
+# Where the public headers of a library are, before and after installation; and what they are written in.
+set(VN_INSTALL_HEADERS "${CMAKE_INSTALL_INCLUDEDIR}/VnCommonData10")
+function(vn_offer_headers name)
+  target_include_directories(${name} INTERFACE
+    "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>" "$<INSTALL_INTERFACE:${VN_INSTALL_HEADERS}>")
+  target_compile_features(${name} INTERFACE cxx_std_20)
+endfunction()
+
+# Exports what the map of the linker says.
+function(vn_export_by_map name map)
+  if(UNIX AND NOT APPLE)
+    target_link_options(${name} PRIVATE "-Wl,--version-script=${map}")
+    set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS "${map}")
+  endif()
+endfunction()
+
+# vn_add_library(NAME EXPORT_MACRO sources...): a shared library of the platform.  While it is
+# built, EXPORT_MACRO_BUILD is defined, by which its Export.h tells export from import.
+function(vn_add_library name export_macro)
+  add_library(${name} SHARED ${ARGN})
+  target_compile_definitions(${name} PRIVATE ${export_macro}_BUILD)
+  target_link_libraries(${name} PRIVATE VnBuildOptions)
+  vn_bind_own_functions(${name})
+  vn_offer_headers(${name})
+  vn_export_by_map(${name} "${PROJECT_SOURCE_DIR}/Platform/Platform.map")
+  set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION}
+                        SOVERSION ${PROJECT_VERSION_MAJOR})
+endfunction()
+
+# vn_add_test(NAME LIBRARIES libs... SOURCES sources...): a GoogleTest program run by CTest.
+function(vn_add_test name)
+  cmake_parse_arguments(ARG "" "" "LIBRARIES;SOURCES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE VnBuildOptions ${ARG_LIBRARIES} GTest::gmock_main)
+  include(GoogleTest)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
+endfunction()
