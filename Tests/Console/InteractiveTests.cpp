@@ -303,7 +303,7 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
 TEST_F(InteractiveTests, ExpressionIsEvaluatedWhenReturnIsPressed) {
     TerminalSession session({}, environment());
     ASSERT_TRUE(session.waitFor("help tells more, quit ends.\r\n")) << session.screen();
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("1 in + 1 cm\r");
     EXPECT_TRUE(session.waitFor("1.394 in\r\n"
                                 "  internal 3.54 cm, units in, rebuilt 1 in + 1 cm\r\n"))
@@ -316,7 +316,7 @@ TEST_F(InteractiveTests, PromptShowsTheExpectedUnit) {
     TerminalSession session({}, environment());
     session.type("unit in\r");
     ASSERT_TRUE(session.waitFor("expected unit: in (Length)\r\n")) << session.screen();
-    EXPECT_TRUE(session.waitFor("in> ")) << session.screen();
+    EXPECT_TRUE(session.waitForPrompt("in> ")) << session.screen();
     session.type("2\r");
     EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
 }
@@ -331,18 +331,19 @@ TEST_F(InteractiveTests, FailureIsShownWithCaretAndSuggestion) {
 
 TEST_F(InteractiveTests, TabCompletesTheOnlyWord) {
     TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("2 kilomet\t");
     ASSERT_TRUE(session.waitFor("er")) << session.screen();
     session.type("\r");
     EXPECT_TRUE(session.waitFor("2.00 km\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
     session.type("sqr\t16)\r");
     EXPECT_TRUE(session.waitFor("4.00\r\n")) << session.screen();
 }
 
 TEST_F(InteractiveTests, TabAddsWhatAllWordsShare) {
     TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("2 kil\t");
     ASSERT_TRUE(session.waitFor("o")) << session.screen();
     session.type("gram\r");
@@ -351,12 +352,13 @@ TEST_F(InteractiveTests, TabAddsWhatAllWordsShare) {
 
 TEST_F(InteractiveTests, TabListsWordsThatShareNoMore) {
     TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("set scientific\t");
     EXPECT_TRUE(session.waitFor("scientificPrecision  scientificNotation  \r\n"))
         << session.screen();
     session.type("P\t5\r");
     EXPECT_TRUE(session.waitFor("scientificPrecision 5\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
     session.type("Units.Mak\t3\r");
     EXPECT_TRUE(session.waitFor("simple units and there now are")) << session.screen();
 }
@@ -367,6 +369,7 @@ TEST_F(InteractiveTests, ArrowUpBringsLinesBack) {
     ASSERT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
     session.type("3 in\r");
     ASSERT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
     session.type("\x1B[A\x1B[A + 1 in\r");
     EXPECT_TRUE(session.waitFor("3.00 in\r\n  internal 7.62 cm, units in, rebuilt 2 in + 1 in\r\n"))
         << session.screen();
@@ -383,7 +386,7 @@ TEST_F(InteractiveTests, HistoryIsKeptForTheNextSession) {
     }
     EXPECT_TRUE(fs::exists(history()));
     TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("\x1B[A\x1B[A\r"); // "quit" was the last
     EXPECT_TRUE(session.waitFor("7.00 in\r\n")) << session.screen();
 }
@@ -408,6 +411,7 @@ TEST_F(InteractiveTests, WithoutAPlaceForTheHistoryNothingIsSaid) {
     TerminalSession session({}, chosen);
     session.type("2 in\r");
     ASSERT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
     session.type("\x1B[A\r");
     EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
     session.type("quit\r");
@@ -417,28 +421,28 @@ TEST_F(InteractiveTests, WithoutAPlaceForTheHistoryNothingIsSaid) {
 
 TEST_F(InteractiveTests, LineCanBeEdited) {
     TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("2 ing\x7F\x01" "1\x05 + 0.5 in\r"); // erase, to the beginning, to the end
     EXPECT_TRUE(session.waitFor("12.50 in\r\n")) << session.screen();
 }
 
 TEST_F(InteractiveTests, CharactersBeyondAsciiAreTyped) {
     TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("90\xC2\xB0\r");
     EXPECT_TRUE(session.waitFor("90.0 deg\r\n")) << session.screen();
 }
 
 TEST_F(InteractiveTests, ControlDEndsTheSession) {
     TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("\x04");
     EXPECT_EQ(session.waitForEnd(), 0);
 }
 
 TEST_F(InteractiveTests, ControlCAbandonsTheLine) {
     TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("> "));
+    ASSERT_TRUE(session.waitForPrompt());
     session.type("2 bogus\x03" "3 in\r");
     EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
 }

@@ -7,6 +7,7 @@
 #include <pty.h>
 #include <stdexcept>
 #include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace Vn::Console::Tests {
@@ -15,6 +16,7 @@ namespace {
 
 // Long enough for a busy machine and a build with sanitizers.
 constexpr int c_silence = 30000;
+constexpr int c_step = 5; // both in milliseconds
 
 [[noreturn]] void become(std::vector<std::string> const & arguments,
                          std::map<std::string, std::string> const & environment) {
@@ -76,11 +78,25 @@ bool TerminalSession::waitFor(std::string const & text) {
     }
 }
 
+bool TerminalSession::waitForPrompt(std::string const & prompt) {
+    if (!waitFor(prompt)) return false;
+    for (int waited = 0; waited < c_silence; waited += c_step) {
+        termios settings{};
+        if (::tcgetattr(m_terminal, &settings) == 0 && (settings.c_lflag & ICANON) == 0) return true;
+        ::usleep(c_step * 1000);
+    }
+    return false;
+}
+
 int TerminalSession::waitForEnd() {
     while (readSome()) {
     }
     int status = 0;
-    ::waitpid(m_process, &status, 0);
+    // Its streams may end a moment before the process does; one that fell silent is ended.
+    for (int waited = 0; ::waitpid(m_process, &status, WNOHANG) == 0; waited += c_step) {
+        if (waited >= c_silence) ::kill(m_process, SIGKILL);
+        ::usleep(c_step * 1000);
+    }
     m_process = -1;
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }

@@ -25,6 +25,10 @@ public:
     // falls silent for long, without it.
     bool waitFor(std::string const & text);
 
+    // Waits for the prompt, and until the console takes single keys: what is typed before, the
+    // terminal keeps back for a whole line, and Ctrl-C and Ctrl-D have another meaning.
+    bool waitForPrompt(std::string const & prompt = "> ");
+
     // Waits for the end of the process and returns its exit status, or 128 and the signal.
     int waitForEnd();
 

@@ -45,16 +45,18 @@ std::wstring line(std::wstring const & text, Units::UnitContext const & context)
     return all + L"|" + expression.rebuilt() + L"|" + expression.textToStore();
 }
 
+// Without deca: what its short form means depends on the units that exist already ("dam" is a tenth
+// of an attometre once there is one), and so on the order in which the threads meet them.
 constexpr wchar_t const * c_prefixes[] = {
-    L"exa",  L"E",    L"peta",  L"P",     L"tera",  L"T",    L"giga",  L"G",
-    L"mega", L"M",    L"kilo",  L"k",     L"hecto", L"h",    L"deca",  L"da",
-    L"deci", L"d",    L"centi", L"c",     L"milli", L"m",    L"micro", L"nano",
-    L"n",    L"pico", L"p",     L"femto", L"f",     L"atto", L"a"};
-// Units that take prefixes, and whose names end in no other unit's.
+    L"exa",   L"E",    L"peta",  L"P",    L"tera", L"T",     L"giga",  L"G",    L"mega",  L"M",
+    L"kilo",  L"k",    L"hecto", L"h",    L"deci", L"d",     L"centi", L"c",    L"milli", L"m",
+    L"micro", L"nano", L"n",     L"pico", L"p",    L"femto", L"f",     L"atto", L"a"};
+// Units that take prefixes and have an abbreviation of their own: without one, "exaohm" could be
+// an "ex" of attoohms in the same way.
 constexpr wchar_t const * c_units[] = {L"meter",  L"gram",  L"ampere", L"candela", L"kelvin",
-                                       L"second", L"liter", L"pascal", L"newton",  L"watt",
-                                       L"joule",  L"volt",  L"ohm",    L"coulomb", L"farad",
-                                       L"weber",  L"tesla", L"henry",  L"hertz",   L"poise"};
+                                       L"second", L"liter", L"pascal", L"watt",    L"newton",
+                                       L"joule",  L"volt",  L"weber",  L"tesla",   L"henry",
+                                       L"hertz",  L"lumen", L"lux",    L"siemens", L"steradian"};
 
 std::vector<std::wstring> textsWithPrefixes() {
     std::vector<std::wstring> texts;
