@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Installs, and moves the tree: the other tests use it where it was not installed to.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+fresh "$VN_WORK"
+"$VN_CMAKE" --install "$VN_BUILD" --prefix "$VN_WORK/first" >"$VN_WORK/log"
+mkdir -p "$(dirname "$installed")"
+mv "$VN_WORK/first" "$installed"
+
+# Nothing in it remembers where it was made.
+for place in "$VN_WORK" "$VN_BUILD" "$VN_SOURCES"; do
+  found=$(grep -rlaF -- "$place" "$installed" || true)
+  [ -z "$found" ] || fail "$place is mentioned in $found"
+done
+
+# What isn't for users isn't there.
+found=$(find "$installed" -name '*Internal.h' -o -name 'Node.h' -o -name 'LoadOrder.h' -o -name '*.cpp')
+[ -z "$found" ] || fail "internal: $found"

@@ -1,0 +1,57 @@
+#include "Tests/Translations/TranslationsTesting.h"
+
+#include "Platform/Base/StringTable.h"
+#include "Tests/CommonData/Units/FreshProcess.h"
+
+namespace Vn::Translations {
+
+namespace {
+
+std::string s_language;
+void (*s_check)() = nullptr;
+
+std::vector<Source> makeSources() {
+    std::vector<Source> result;
+#define VN_SIGN(number, name, text)
+#define VN_NO_TEXT(number, name, text)
+#define VN_WORD(number, name, text) result.push_back({"e_" #name, Text::toUtf8(text)});
+#include "Server/CommonData/Expressions/Tokens.inc"
+#define VN_BASE_KIND(number, name, internal) result.push_back({"UnitType" #name, #name});
+#define VN_COMPOSITE_KIND(number, name, numerator, denominator)                                    \
+    result.push_back({"UnitType" #name, #name});
+#include "Server/CommonData/Units/UnitKinds.inc"
+    return result;
+}
+
+} // namespace
+
+std::vector<Source> const & sources() {
+    static std::vector<Source> const s_sources = makeSources();
+    return s_sources;
+}
+
+bool isKeyBetween(std::string_view key, Expressions::EToken low, Expressions::EToken high) {
+#define VN_TOKEN(number, name, text)                                                               \
+    if (key == "e_" #name) return number >= low && number <= high;
+#include "Server/CommonData/Expressions/Tokens.inc"
+    return false;
+}
+
+void LanguageTest::SetUp() {
+    s_language = GetParam();
+}
+
+std::string const & LanguageTest::language() {
+    return s_language;
+}
+
+void LanguageTest::inLanguage(void (*check)()) {
+    s_check = check;
+    Units::expectInFreshProcess([] {
+        StringTable::catalogueDirectory(VN_CATALOGUES);
+        StringTable::language(s_language);
+        s_check();
+    });
+}
+
+} // namespace Vn::Translations

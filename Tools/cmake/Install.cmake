@@ -1,0 +1,55 @@
+# What is installed, and where.  Everything finds its neighbours by their place relative to it, so an
+# installed tree can be moved.
+#
+#   bin/vnconsole                           share/man/man1/vnconsole.1
+#   lib/VnCommonData10.so and the libraries of the platform
+#   share/locale/<language>/LC_MESSAGES/VnCommonData.mo (by Translations/)
+#   include/VnCommonData10/                 the public headers, in the folders of their includes
+#   lib/cmake/VnCommonData10/               for find_package
+#   lib/pkgconfig/VnCommonData10.pc         for pkg-config
+
+include(CMakePackageConfigHelpers)
+
+set(VN_LIBRARIES VnCommonData10 VnTypes10 VnBase10)
+set_target_properties(${VN_LIBRARIES} PROPERTIES INSTALL_RPATH "$ORIGIN")
+file(RELATIVE_PATH VN_BIN_TO_LIB
+     "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+set_target_properties(vnconsole PROPERTIES INSTALL_RPATH "$ORIGIN/${VN_BIN_TO_LIB}")
+
+install(TARGETS ${VN_LIBRARIES} EXPORT VnCommonData10Targets
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development
+  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
+install(TARGETS vnconsole RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
+install(FILES Docs/vnconsole.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+
+# A header is public unless it says "Internal".  The nodes of a tree and the order of loading are of no
+# use without the headers that do.
+install(DIRECTORY Platform Server DESTINATION "${VN_INSTALL_HEADERS}" COMPONENT development
+  FILES_MATCHING PATTERN "*.h"
+  PATTERN "*Internal.h" EXCLUDE
+  PATTERN "Expressions/Node.h" EXCLUDE
+  PATTERN "AddIn" EXCLUDE)
+# Tables that public headers are made of.
+foreach(table IN ITEMS Expressions/Tokens.inc Units/UnitCatalogue.inc Units/UnitKinds.inc)
+  get_filename_component(directory "${table}" DIRECTORY)
+  install(FILES "Server/CommonData/${table}" COMPONENT development
+          DESTINATION "${VN_INSTALL_HEADERS}/Server/CommonData/${directory}")
+endforeach()
+
+set(VN_INSTALL_CMAKE "${CMAKE_INSTALL_LIBDIR}/cmake/VnCommonData10")
+install(EXPORT VnCommonData10Targets NAMESPACE VnCommonData10::
+        DESTINATION "${VN_INSTALL_CMAKE}" COMPONENT development)
+configure_package_config_file(
+  "${CMAKE_CURRENT_LIST_DIR}/VnCommonData10Config.cmake.in"
+  "${PROJECT_BINARY_DIR}/VnCommonData10Config.cmake"
+  INSTALL_DESTINATION "${VN_INSTALL_CMAKE}" NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(
+  "${PROJECT_BINARY_DIR}/VnCommonData10ConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/VnCommonData10Config.cmake"
+              "${PROJECT_BINARY_DIR}/VnCommonData10ConfigVersion.cmake"
+        DESTINATION "${VN_INSTALL_CMAKE}" COMPONENT development)
+
+include(VnPkgConfig)
+install(FILES "${PROJECT_BINARY_DIR}/VnCommonData10.pc"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
