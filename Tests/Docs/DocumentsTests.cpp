@@ -1,0 +1,225 @@
+// What the documents show is what the product does, to the letter.
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <sstream>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+#include "Console/SettingsFields.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Initializer.h"
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/Tokens.h"
+#include "Server/CommonData/Limits.h"
+#include "Tests/Console/Process.h"
+#include "Tests/Docs/Examples.h"
+
+namespace Vn::Docs::Tests {
+
+namespace {
+
+using namespace Expressions;
+using Units::UnitContext;
+using Units::UnitDisplaySettings;
+
+constexpr char c_language[] = "Docs/expression-language.md";
+
+std::string where(Place const & place) {
+    return place.document + ":" + std::to_string(place.line);
+}
+
+std::optional<std::string> cell(Row const & row, char const * head) {
+    auto const found = row.cells.find(head);
+    if (found == row.cells.end()) return std::nullopt;
+    return found->second;
+}
+
+// An empty cell expects nothing, `""` a result without units.
+UnitContext contextOf(std::string const & text) {
+    if (text.empty()) return UnitContext();
+    return UnitContext(text == "\"\"" ? std::wstring() : Text::fromUtf8(text));
+}
+
+// "name = value, name = value"
+UnitDisplaySettings settingsOf(std::string const & text) {
+    UnitDisplaySettings settings = UnitDisplaySettings::standard();
+    std::istringstream words(text);
+    std::string name;
+    std::string equals;
+    std::string value;
+    while (words >> name >> equals >> value) {
+        if (value.back() == ',') value.pop_back();
+        Console::SettingsField const * const field = Console::findSettingsField(name);
+        EXPECT_TRUE(field) << name;
+        EXPECT_EQ(equals, "=");
+        if (!field) continue;
+        double const number = value == "true" ? 1.0 : value == "false" ? 0.0 : std::stod(value);
+        EXPECT_EQ(Console::setSettingsField(*field, settings, number), "");
+    }
+    EXPECT_TRUE(words.eof());
+    return settings;
+}
+
+// What a column says of an expression; null for a column of remarks.
+using Answer = std::string (*)(Expression const &, Row const &);
+
+Answer answerFor(std::string_view head) {
+    static constexpr std::pair<std::string_view, Answer> c_answers[] = {
+        {"Shown",
+         [](Expression const & expression, Row const & row) {
+             auto const display = cell(row, "Display");
+             std::wstring const shown = expression.formatted(
+                 Units::ValueAndUnit, settingsOf(cell(row, "Settings").value_or("")),
+                 display ? contextOf(*display) : expression.context());
+             return expression.value() ? Text::toUtf8(shown) : std::string("no value");
+         }},
+        {"Rebuilt", [](Expression const & expression,
+                       Row const &) { return Text::toUtf8(expression.rebuilt()); }},
+        {"Stored", [](Expression const & expression,
+                      Row const &) { return Text::toUtf8(expression.textToStore()); }},
+        {"Internal",
+         [](Expression const & expression, Row const &) {
+             std::optional<double> const value = expression.value();
+             return value ? Text::toUtf8(Console::shortestNumber(*value)) : std::string("no value");
+         }},
+        {"Outcome", [](Expression const & expression,
+                       Row const &) { return Text::toUtf8(expression.result().toString()); }},
+    };
+    for (auto const & [name, answer] : c_answers) {
+        if (name == head) return answer;
+    }
+    return nullptr;
+}
+
+class DocumentsTests : public testing::Test {
+protected:
+    static void SetUpTestSuite() { Initializer::runAll(); }
+
+    std::vector<Document> const m_documents = readDocuments();
+};
+
+TEST_F(DocumentsTests, EveryRowHolds) {
+    std::size_t checks = 0;
+    for (Document const & document : m_documents) {
+        for (Row const & row : document.rows) {
+            SCOPED_TRACE(where(row.place));
+            Expression const expression(Text::fromUtf8(*cell(row, "Expression")),
+                                        contextOf(cell(row, "Context").value_or("")));
+            if (!cell(row, "Outcome")) {
+                EXPECT_TRUE(expression) << Text::toUtf8(expression.result().toString());
+            }
+            std::size_t answers = 0;
+            for (auto const & [head, expected] : row.cells) {
+                Answer const answer = answerFor(head);
+                if (!answer || (expected.empty() && !expression)) continue;
+                ++answers;
+                EXPECT_EQ(answer(expression, row), expected) << head;
+            }
+            EXPECT_GT(answers, 0u) << "the row claims nothing";
+            checks += answers;
+            if (auto const instead = cell(row, "Write instead"); instead && !instead->empty()) {
+                EXPECT_TRUE(Expression(Text::fromUtf8(*instead), expression.context())) << *instead;
+            }
+        }
+    }
+    EXPECT_GT(checks, 200u) << "the documents have lost their examples";
+}
+
+TEST_F(DocumentsTests, EverySessionPrintsWhatItShows) {
+    std::size_t sessions = 0;
+    for (Document const & document : m_documents) {
+        for (Session const & session : document.sessions) {
+            SCOPED_TRACE(where(session.place) + ": " + session.command);
+            std::string command = session.command;
+            // The script builds the console and hands its arguments on.
+            for (std::size_t at; (at = command.find("./run.sh")) != std::string::npos;) {
+                command.replace(at, std::string_view("./run.sh").size(), "vnconsole");
+            }
+            Console::Tests::Outcome const outcome = Console::Tests::runShell(
+                "vnconsole() { \"$VNCONSOLE\" \"$@\"; }; { " + command + "\n} 2>&1");
+            EXPECT_EQ(outcome.out, session.output);
+            ++sessions;
+        }
+    }
+    EXPECT_GE(sessions, 10u) << "the documents have lost their sessions";
+}
+
+TEST_F(DocumentsTests, EveryBlockIsOfAKindThatIsTested) {
+    constexpr std::array<std::string_view, 4> c_kinds{"console", "cpp", "output", "ebnf"};
+    std::vector<std::string> programs;
+    for (Document const & document : m_documents) {
+        for (Block const & block : document.blocks) {
+            EXPECT_NE(std::find(c_kinds.begin(), c_kinds.end(), block.language), c_kinds.end())
+                << where(block.place) << ": " << block.language;
+            if (block.language == "cpp") programs.push_back(document.name);
+        }
+    }
+    EXPECT_EQ(programs, std::vector<std::string>{"README.md"});
+}
+
+// The build makes VnReadmeExample of the block.
+TEST_F(DocumentsTests, TheProgramOfTheReadmePrintsWhatItShows) {
+    std::string expected;
+    for (Block const & block : readDocument("README.md").blocks) {
+        if (block.language != "output") continue;
+        for (std::string const & line : block.lines)
+            expected += line + '\n';
+    }
+    Console::Tests::Outcome const outcome = Console::Tests::runProgram(VN_README_EXAMPLE, {});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_FALSE(expected.empty());
+    EXPECT_EQ(outcome.out, expected);
+}
+
+TEST_F(DocumentsTests, TheReadmeIsOnePage) {
+    std::string const text = readFile("README.md");
+    EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 100);
+}
+
+TEST_F(DocumentsTests, TheUnitsAreCurrent) {
+    Console::Tests::Outcome const outcome = Console::Tests::runProgram(VN_UNITS_DOCUMENT, {});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, readFile("Docs/units.md"))
+        << "build the target units-document to write it anew";
+}
+
+TEST_F(DocumentsTests, TheGuideNamesEveryWordOfTheLanguage) {
+    std::string const text = readFile(c_language);
+    for (int token = e_PI_CONSTANT; token <= e_RANDOM; ++token) {
+        std::string const word = Text::toUtf8(Tokens::get()->getString(static_cast<EToken>(token)));
+        if (word.empty()) continue;
+        bool const function = token >= e_COS;
+        EXPECT_NE(text.find('`' + word + (function ? "(" : "`")), std::string::npos) << word;
+    }
+}
+
+TEST_F(DocumentsTests, TheGuideNamesEverySettingAndItsDefault) {
+    std::string const text = readFile(c_language);
+    for (Console::SettingsField const & field : Console::settingsFields()) {
+        double const value = field.get(UnitDisplaySettings::standard());
+        std::string const shown = field.kind == Console::SettingsField::Kind::Flag
+                                      ? (value != 0.0 ? "true" : "false")
+                                      : Text::toUtf8(Console::shortestNumber(value));
+        EXPECT_NE(text.find("| `" + std::string(field.name) + "` | `" + shown + "` |"),
+                  std::string::npos)
+            << field.name << ' ' << shown;
+    }
+}
+
+TEST_F(DocumentsTests, TheGuideNamesTheLimits) {
+    std::string const text = readFile(c_language);
+    EXPECT_EQ(Limits::c_nestingLevels, 1000u);
+    EXPECT_EQ(Limits::c_unitFactors, 4096u);
+    EXPECT_EQ(Limits::c_printedField, 511u);
+    for (char const * const limit : {"1,000 levels", "4,096 factors", "511 characters"}) {
+        EXPECT_NE(text.find(limit), std::string::npos) << limit;
+    }
+}
+
+} // namespace
+
+} // namespace Vn::Docs::Tests

@@ -1,0 +1,13 @@
+# Writes the first C++ block of DOCUMENT to PROGRAM.
+file(STRINGS "${DOCUMENT}" fences REGEX "^```cpp$")
+list(LENGTH fences programs)
+if(NOT programs EQUAL 1)
+  message(FATAL_ERROR "${DOCUMENT} has ${programs} C++ blocks instead of one")
+endif()
+file(READ "${DOCUMENT}" text)
+string(FIND "${text}" "\n```cpp\n" begin)
+math(EXPR begin "${begin} + 8")
+string(SUBSTRING "${text}" ${begin} -1 text)
+string(FIND "${text}" "\n```" end)
+string(SUBSTRING "${text}" 0 ${end} text)
+file(WRITE "${PROGRAM}" "${text}\n")
