@@ -45,7 +45,8 @@ END
 try_console() {
   local console=$1/bin/vnconsole
   same "the version" "$("$console" --version)" "vnconsole $VN_VERSION"
-  "$console" eval --standard --unit cm '1 in + 1' | grep -q '^formatted  3\.54 cm$' || fail "1 in + 1"
+  "$console" eval --standard --unit cm '1 in + 1' | grep -q '^formatted  3\.54 cm$' ||
+    fail "1 in + 1"
   "$console" --language de eval 'wurzel(16)' | grep -q '^rebuilt    wurzel(16)$' || fail "German"
   "$console" --language fr eval 'racine(16)' | grep -q '^rebuilt    racine(16)$' || fail "French"
   "$console" --language ja units meter | grep -q '長さ' || fail "Japanese"
@@ -70,6 +71,7 @@ try_pkg_config() {
   same "the version" "$(pkg-config --modversion VnCommonData10)" "$VN_VERSION"
   read -ra flags <<<"$(pkg-config --cflags --libs VnCommonData10)"
   libdir=$(pkg-config --variable=libdir VnCommonData10)
-  "$VN_CXX" -std=c++20 -o "$2/consumer" "$here/Consumer/consumer.cpp" "${flags[@]}" "-Wl,-rpath,$libdir"
+  "$VN_CXX" -std=c++20 -o "$2/consumer" "$here/Consumer/consumer.cpp" "${flags[@]}" \
+    "-Wl,-rpath,$libdir"
   same "the consumer's output" "$("$2/consumer")" "$(consumer_output)"
 }

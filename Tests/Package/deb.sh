@@ -5,7 +5,8 @@ needs dpkg dpkg-deb dpkg-shlibdeps file pkg-config
 
 work=$VN_WORK-deb
 fresh "$work"
-"$VN_CPACK" --config "$VN_BUILD/CPackConfig.cmake" -B "$work" >"$work/log" 2>&1 || { cat "$work/log"; exit 1; }
+"$VN_CPACK" --config "$VN_BUILD/CPackConfig.cmake" -B "$work" >"$work/log" 2>&1 ||
+  { cat "$work/log"; exit 1; }
 
 architecture=$(dpkg --print-architecture)
 runtime=$work/vncommondata10_${VN_VERSION}_$architecture.deb
@@ -16,7 +17,7 @@ for package in "$runtime" "$development"; do
   same "the version" "$(field "$package" Version)" "$VN_VERSION"
 done
 
-# The packages of the system that the programs need are named, and are all that they need.
+# The packages of the system that the programs need are named.
 depends=$(field "$runtime" Depends)
 for package in libc6 libstdc++6 libboost-locale; do
   grep -qF "$package" <<<"$depends" || fail "$package isn't among $depends"
@@ -30,7 +31,7 @@ done
 dpkg -x "$runtime" "$work/run"
 try_console "$work/run/usr"
 if [ -e "$work/run/usr/include" ]; then fail "headers in the package to run"; fi
-missing=$(ldd "$work/run/usr/lib/VnCommonData10.so" "$work/run/usr/bin/vnconsole" | grep 'not found' || true)
+missing=$(ldd "$work"/run/usr/lib/*.so* "$work/run/usr/bin/vnconsole" | grep 'not found' || true)
 [ -z "$missing" ] || fail "$missing"
 
 # To build, it takes both.

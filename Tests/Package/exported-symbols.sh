@@ -6,13 +6,15 @@ needs nm awk
 include=$installed/include/VnCommonData10
 work=$VN_WORK/exported-symbols
 fresh "$work"
-(cd "$include" && find . -name '*.h' | sort | sed 's|^\./\(.*\)|#include "\1"|') >"$work/all.cpp"
+(cd "$include" && find . -name '*.h' | sort | sed 's|^\./\(.*\)|#include "\1"|') \
+  >"$work/all.cpp"
 "$VN_CXX" -std=c++20 -E -I "$include" "$work/all.cpp" |
   awk -v include="$include/" -f "$here/declarations.awk" | sort -u >"$work/declared"
 
 status=0
 for library in VnCommonData10.so libVnTypes10.so libVnBase10.so; do
-  nm -D --defined-only -C "$installed/lib/$library" | sed 's/^[0-9a-f]* *[A-Za-z] //' >"$work/$library"
+  nm -D --defined-only -C "$installed/lib/$library" |
+    sed 's/^[0-9a-f]* *[A-Za-z] //' >"$work/$library"
   [ -s "$work/$library" ] || fail "$library exports nothing"
   # What a symbol belongs to: without what the compiler makes it of, its parameters and its ABI tags.
   awk '
@@ -29,7 +31,7 @@ for library in VnCommonData10.so libVnTypes10.so libVnBase10.so; do
       }
       print
     }' "$work/declared" "$work/$library" >"$work/$library.undocumented"
-  echo "$library: $(wc -l <"$work/$library") symbols exported, in $(wc -l <"$work/declared") declarations"
+  echo "$library exports $(wc -l <"$work/$library") symbols"
   if [ -s "$work/$library.undocumented" ]; then
     echo "FAILED: $library exports what no public header declares:" >&2
     cat "$work/$library.undocumented" >&2

@@ -14,5 +14,5 @@ for place in "$VN_WORK" "$VN_BUILD" "$VN_SOURCES"; do
 done
 
 # What isn't for users isn't there.
-found=$(find "$installed" -name '*Internal.h' -o -name 'Node.h' -o -name 'LoadOrder.h' -o -name '*.cpp')
+found=$(find "$installed" -name '*Internal.h' -o -name Node.h -o -name LoadOrder.h -o -name '*.cpp')
 [ -z "$found" ] || fail "internal: $found"

@@ -48,7 +48,11 @@ bool Expression::rebuiltReadsBack() const {
     if (!again || again.value() != value() || again.rebuilt() != text) return false;
     std::optional<Units::ComplexUnit> const here = units();
     std::optional<Units::ComplexUnit> const there = again.units();
-    return here && there && here->isDimensionallyEquivalent(&*there);
+    if (!here || !there || !here->isDimensionallyEquivalent(&*there)) return false;
+    // Units that cancel aren't written: "5 m * 2 kg/g" would be shown in other units from then on.
+    UnitDisplaySettings const & standard = UnitDisplaySettings::standard();
+    return formatted(Units::ValueAndUnit, standard, m_context) ==
+           again.formatted(Units::ValueAndUnit, standard, m_context);
 }
 
 std::wstring Expression::textToStore() const { return rebuiltReadsBack() ? rebuilt() : m_text; }

@@ -53,8 +53,8 @@ public:
     std::wstring rebuilt(Units::EUnitDisplayMode mode,
                          Units::UnitDisplaySettings const & settings) const;
 
-    // Whether the rebuilt text reads back, in the same context, to the same value and units, and
-    // rebuilds to itself.  Rounding in a rebuilt number can prevent that: 1/128 of an inch comes back as
+    // Whether the rebuilt text reads back, in the same context, to the same value and units, shown
+    // alike, and rebuilds to itself.  Rounding in a rebuilt number can prevent that: 1/128 of an inch comes back as
     // 1/64.
     bool rebuiltReadsBack() const;
 

@@ -123,6 +123,8 @@ TEST(ExpressionTests, TextToStoreLosesNothing) {
         {L"177e3", L"?", L"2E+05", L"177e3"},
         {L"1/128", L"cm", L"1/64 cm", L"1/128"},
         {L"1 + 2 cm/in", L"?", L"1 + 1", L"1 + 2 cm/in"},
+        // Units that cancel aren't written, and what is shown would change with them.
+        {L"5 m * 2 kg/g", L"?", L"5 m * 2000", L"5 m * 2 kg/g"},
         // Not read in the same way again.
         {L"cm/cm", L"?", L"", L"cm/cm"},
         {L"2 * cm/cm", L"?", L"2 * ", L"2 * cm/cm"},
