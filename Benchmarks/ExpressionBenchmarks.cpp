@@ -91,7 +91,8 @@ void evaluate(benchmark::State & state) {
         benchmark::DoNotOptimize(value);
     });
 }
-BENCHMARK(evaluate)->DenseRange(0, 2)->UseManualTime();
+// Parsing works values out on the way, so this is the reading of a value that is there.
+BENCHMARK(evaluate)->DenseRange(0, 2)->UseManualTime()->Iterations(500);
 
 void format(benchmark::State & state) {
     static UnitContext const s_context;
@@ -121,7 +122,7 @@ void rebuild(benchmark::State & state) {
             node, Units::ValueAndUnit, UnitDisplaySettings::standard()));
     });
 }
-BENCHMARK(rebuild)->DenseRange(0, 2)->UseManualTime();
+BENCHMARK(rebuild)->DenseRange(0, 2)->UseManualTime()->Iterations(500);
 
 // What the peers do: from text to value.
 void parseAndEvaluate(benchmark::State & state) {

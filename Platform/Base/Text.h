@@ -85,6 +85,21 @@ VN_BASE_API int displayWidth(std::wstring_view text) noexcept;
 VN_BASE_API bool foldedEqual(std::wstring_view a, std::wstring_view b) noexcept;
 VN_BASE_API bool foldedEqual(std::string_view a, std::string_view b) noexcept;
 
+// The hash of a text (FNV-1a over its characters), for tables that are asked with views of texts.  It
+// is not made to withstand texts chosen to collide, so keys must not come from users.
+struct Hash {
+    // Tells the tables that a view is as good as a string.
+    using is_transparent = void;
+    // The hash of `text`, which may be of any length.
+    std::size_t operator()(std::wstring_view text) const noexcept {
+        std::size_t hash = static_cast<std::size_t>(0xcbf29ce484222325u);
+        for (wchar_t const c : text) {
+            hash = (hash ^ static_cast<std::size_t>(c)) * static_cast<std::size_t>(0x100000001b3u);
+        }
+        return hash ^ (hash >> 29);
+    }
+};
+
 } // namespace Vn::Text
 
 #endif

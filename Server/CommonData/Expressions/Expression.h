@@ -54,8 +54,8 @@ public:
                          Units::UnitDisplaySettings const & settings) const;
 
     // Whether the rebuilt text reads back, in the same context, to the same value and units, shown
-    // alike, and rebuilds to itself.  Rounding in a rebuilt number can prevent that: 1/128 of an inch comes back as
-    // 1/64.
+    // alike, and rebuilds to itself.  Rounding in a rebuilt number can prevent that: 1/128 of an inch
+    // comes back as 1/64.
     bool rebuiltReadsBack() const;
 
     // The text to store: the rebuilt text if it reads back, else the text as typed, which always does.

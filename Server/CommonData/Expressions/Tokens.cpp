@@ -78,12 +78,6 @@ void Tokens::buildReverseMap() {
     }
 }
 
-std::size_t Tokens::TextHash::operator()(std::wstring_view text) const noexcept {
-    std::size_t hash = 0xcbf29ce484222325u;
-    for (wchar_t const c : text) hash = (hash ^ static_cast<std::size_t>(c)) * 0x100000001b3u;
-    return hash ^ (hash >> 29);
-}
-
 void Tokens::tokensFromString(std::wstring_view text, std::vector<EToken> & tokens) const {
     if (auto const found = m_tokens.find(text); found != m_tokens.end()) {
         tokens.insert(tokens.end(), found->second.begin(), found->second.end());

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "Platform/Base/Shared.h"
+#include "Platform/Base/Text.h"
 #include "Server/CommonData/Export.h"
 
 namespace Vn::Units {
@@ -76,11 +77,6 @@ public:
     static void initializeConstantUnits();
 
 private:
-    struct TextHash {
-        using is_transparent = void;
-        std::size_t operator()(std::wstring_view text) const noexcept;
-    };
-
     Tokens();
 
     void initStrings();
@@ -92,7 +88,7 @@ private:
 
     std::array<std::wstring, c_tokens> m_strings;
     // Several tokens may share a text; each list rises.
-    std::unordered_map<std::wstring, std::vector<EToken>, TextHash, std::equal_to<>> m_tokens;
+    std::unordered_map<std::wstring, std::vector<EToken>, Text::Hash, std::equal_to<>> m_tokens;
     std::size_t m_longest = 0;
 };
 

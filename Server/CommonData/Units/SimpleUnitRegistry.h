@@ -25,6 +25,7 @@
 #include <tbb/spin_rw_mutex.h>
 
 #include "Platform/Base/SpinLock.h"
+#include "Platform/Base/Text.h"
 #include "Server/CommonData/Export.h"
 
 namespace Vn::Units {
@@ -69,17 +70,6 @@ private:
         }
     };
 
-    struct TextHash {
-        using is_transparent = void;
-        std::size_t operator()(std::wstring_view text) const noexcept {
-            std::size_t hash = 0xcbf29ce484222325u;
-            for (wchar_t const c : text) {
-                hash = (hash ^ static_cast<std::size_t>(c)) * 0x100000001b3u;
-            }
-            return hash ^ (hash >> 29);
-        }
-    };
-
     using Key = std::pair<std::string const *, double>;
 
     SimpleUnitRegistry() = default;
@@ -89,7 +79,7 @@ private:
     Spelling & spelling(std::wstring const & text);
 
     std::map<Key, SimpleUnit const *> m_units;
-    std::unordered_map<std::wstring, Spelling, TextHash, std::equal_to<>> m_spellings;
+    std::unordered_map<std::wstring, Spelling, Text::Hash, std::equal_to<>> m_spellings;
     std::size_t m_longestSpelling = 0;
     std::vector<SimpleUnit const *> m_pending;
     std::atomic<bool> m_registered = false;
