@@ -1,5 +1,6 @@
 #include "Platform/Base/OS.h"
 
+#include <cerrno>
 #include <cstdlib>
 #include <cxxabi.h>
 #include <memory>
@@ -15,9 +16,12 @@
 #endif
 #include <windows.h>
 #else
+#include <cstdio>
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <sched.h>
 #include <sys/mman.h>
+#include <unistd.h>
 #endif
 
 namespace Vn::OS {
@@ -117,10 +121,39 @@ std::filesystem::path executableDirectory() {
 }
 
 std::string className(std::type_info const & type) {
+    return className(type.name());
+}
+
+std::string className(char const * name) {
     int status = 0;
-    std::unique_ptr<char, void (*)(void *)> const name(
-        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), std::free);
-    return status == 0 && name ? name.get() : type.name();
+    std::unique_ptr<char, void (*)(void *)> const readable(
+        abi::__cxa_demangle(name, nullptr, nullptr, &status), std::free);
+    return status == 0 && readable ? readable.get() : name;
+}
+
+Status renameFile(std::filesystem::path const & from, std::filesystem::path const & to) {
+#ifdef _WIN32
+    if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+        return Status::success();
+    std::error_code const error(static_cast<int>(GetLastError()), std::system_category());
+    return Status::io("rename the file", pathText(from), error.message());
+#else
+    if (std::rename(from.c_str(), to.c_str()) == 0) return Status::success();
+    return Status::fromErrno(errno, "rename the file", pathText(from));
+#endif
+}
+
+Status syncDirectory([[maybe_unused]] std::filesystem::path const & directory) {
+#ifndef _WIN32
+    int const handle = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (handle < 0) return Status::fromErrno(errno, "open the directory", pathText(directory));
+    int const error = fsync(handle) == 0 ? 0 : errno;
+    close(handle);
+    // Some file systems have nothing to wait for and say so.
+    if (error != 0 && error != EINVAL && error != ENOTSUP)
+        return Status::fromErrno(error, "sync the directory", pathText(directory));
+#endif
+    return Status::success();
 }
 
 Module::Module(Module && other) noexcept : m_pHandle(std::exchange(other.m_pHandle, nullptr)) {}

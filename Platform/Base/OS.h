@@ -36,6 +36,22 @@ VN_BASE_API std::filesystem::path executableDirectory();
 
 // The name of a class as it is written in the source.
 VN_BASE_API std::string className(std::type_info const & type);
+// The same from what `name` of its type_info says; a text that no compiler made is given back.
+VN_BASE_API std::string className(char const * name);
+
+// Gives a file another name in the same directory, in place of a file that has it.  Whoever looks sees
+// the one or the other, never neither.
+[[nodiscard]] VN_BASE_API Status renameFile(std::filesystem::path const & from,
+                                            std::filesystem::path const & to);
+// Waits until the names in a directory are on the disk, where the system has such a thing.
+[[nodiscard]] VN_BASE_API Status syncDirectory(std::filesystem::path const & directory);
+
+// Whether `renameFile` takes files that are open.
+#ifdef _WIN32
+inline constexpr bool c_renamesOpenFiles = false;
+#else
+inline constexpr bool c_renamesOpenFiles = true;
+#endif
 
 // A module loaded at run time.  It is unloaded with the object, unless `keep` was called.
 class VN_BASE_API Module {

@@ -18,8 +18,8 @@ void PassiveControl::release() noexcept {
 }
 
 RefCounted * PassiveControl::lockTarget() noexcept {
-    // Whoever releases the last strong reference expires this block before it deletes the target,
-    // so that the target can be read for as long as the lock is held.
+    // Whoever deletes the target behind its last strong reference expires this block first, so
+    // that the target can be read for as long as the lock is held.
     SpinLockGuard const guard(m_lock);
     RefCounted * const target = m_pTarget.load(std::memory_order_relaxed);
     return target && target->addRefIfAlive() ? target : nullptr;
@@ -28,6 +28,11 @@ RefCounted * PassiveControl::lockTarget() noexcept {
 void PassiveControl::expire() noexcept {
     SpinLockGuard const guard(m_lock);
     m_pTarget.store(nullptr, std::memory_order_release);
+}
+
+void PassiveControl::restore(RefCounted * target) noexcept {
+    SpinLockGuard const guard(m_lock);
+    m_pTarget.store(target, std::memory_order_release);
 }
 
 } // namespace Detail
@@ -43,10 +48,26 @@ void RefCounted::release() const noexcept {
     std::uint32_t count = m_count.load(std::memory_order_relaxed);
     while (!m_count.compare_exchange_weak(count, count == 1 ? c_dying : count - 1,
                                           std::memory_order_acq_rel, std::memory_order_relaxed)) {}
-    if (count != 1) return;
+    if (count == 1) const_cast<RefCounted *>(this)->destroy();
+}
+
+void RefCounted::destroy() noexcept {
+    expirePassive();
+    delete this;
+}
+
+void RefCounted::strongCount(std::uint32_t count) noexcept {
+    m_count.store(count, std::memory_order_release);
+}
+
+void RefCounted::expirePassive() noexcept {
     if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
         control->expire();
-    delete this;
+}
+
+void RefCounted::restorePassive() noexcept {
+    if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
+        control->restore(this);
 }
 
 bool RefCounted::addRefIfAlive() const noexcept {

@@ -39,6 +39,9 @@ public:
     // Forgets the target.  No lockTarget reaches for it once this has returned.
     void expire() noexcept;
 
+    // Leads to the target again.
+    void restore(RefCounted * target) noexcept;
+
 private:
     ~PassiveControl() = default;
 
@@ -78,14 +81,27 @@ protected:
     RefCounted(RefCounted const & other) noexcept : Object(other) {}
     RefCounted & operator=(RefCounted const &) noexcept { return *this; }
 
+    // What happens once the last strong reference is gone: the object is deleted.  A class whose
+    // objects may come back overrides it, and uses the three operations below.  Passive references
+    // can't be locked meanwhile.
+    virtual void destroy() noexcept;
+
+    // Sets the number of strong references, for an object that `destroy` kept.
+    void strongCount(std::uint32_t count) noexcept;
+    // Lets passive references test null although the object is still there, and lets them lead to
+    // it again.  Copies of them made in between come back too.
+    void expirePassive() noexcept;
+    void restorePassive() noexcept;
+
 private:
     friend class Detail::PassiveControl;
 
     // Adds a strong reference unless the last one is gone already.
     bool addRefIfAlive() const noexcept;
 
-    mutable std::atomic<std::uint32_t> m_count{0};
     mutable std::atomic<Detail::PassiveControl *> m_pPassive{nullptr};
+    // Last, so that the fields of a derived class may begin right behind it.
+    mutable std::atomic<std::uint32_t> m_count{0};
 };
 
 // An owning reference to a RefCounted object, one pointer wide.  It may be null; `->` and `*` need

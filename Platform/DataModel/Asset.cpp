@@ -1,0 +1,109 @@
+#include "Platform/DataModel/Asset.h"
+
+#include <utility>
+
+#include "Platform/DataModel/AssetAdapter.h"
+#include "Platform/DataModel/EntityTableInternal.h"
+#include "Platform/DataModel/MemberLayoutInternal.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/MigrationHelper.h"
+
+namespace Vn {
+
+MigrationHelper::~MigrationHelper() = default;
+void * MigrationHelper::queryMTInterface(MetaType const *) { return nullptr; }
+
+StrongRefCreator<Asset> Asset::make(AssetType const * type) {
+    return StrongRefCreator<Asset>(new Asset(type));
+}
+
+Asset::Asset(AssetType const * type)
+    : m_pType(type), m_pTable(std::make_unique<DataModel::EntityTable>()), m_history(*this) {
+    Segment::create(this, SegmentTypeMgr::get()->segmentType(SegmentType::DesignSegment), false);
+}
+
+Asset::~Asset() {
+    if (m_pAdapter) m_pAdapter->preDelete();
+    m_history.clear();
+    m_pAdapter.reset();
+    m_bClosing = true;
+    for (auto const & segment : m_segments) {
+        segment->m_roots.clear();
+        segment->m_unowned.clear();
+    }
+
+    // The entities let go of each other first, so that none ends another within its own end, and cycles
+    // are no matter.  Those that somebody else still holds live on without a document.
+    for (Entity * const entity : std::exchange(m_held, {})) entity->m_pSegment = nullptr;
+    std::vector<Entity *> const all = allEntities();
+    for (Entity * const entity : all) {
+        entity->addRef();
+        entity->m_flags |= Entity::FlagDead;
+    }
+    for (Entity * const entity : all) {
+        auto const & layout = entity->metaType()->layout();
+        if (layout.hasStrong())
+            for (auto const & leaf : layout.leaves())
+                if (!leaf.m_bInHelper)
+                    DataModel::dropStrong(leaf, DataModel::field(*entity, leaf));
+    }
+    for (Entity * const entity : all)
+        if (entity->refCount() > 1) {
+            entity->expirePassive();
+            entity->m_pSegment = nullptr;
+        }
+    for (Entity * const entity : all) {
+        if (entity->m_pSegment && entity->refCount() == 1) {
+            entity->expirePassive();
+            delete entity;
+        } else {
+            entity->m_pSegment = nullptr; // somebody took hold of it during the end of another
+            entity->release();
+        }
+    }
+}
+
+Segment * Asset::segment(SegmentType const * type) const noexcept {
+    return type ? segment(type->type()) : nullptr;
+}
+
+Segment * Asset::segment(unsigned type) const noexcept {
+    for (auto const & segment : m_segments)
+        if (segment->segmentType()->type() == type) return segment.get();
+    return nullptr;
+}
+
+void Asset::adapter(std::unique_ptr<AssetAdapter> adapter) { m_pAdapter = std::move(adapter); }
+
+StrongRef<Entity> Asset::entity(unsigned long long id) const {
+    return StrongRef<Entity>(m_pTable->find(id));
+}
+
+std::size_t Asset::entities() const noexcept { return m_pTable->size(); }
+
+std::vector<Entity *> Asset::allEntities() const {
+    std::vector<Entity *> all;
+    all.reserve(m_pTable->size());
+    m_pTable->forEach([&](Entity & entity) { all.push_back(&entity); });
+    return all;
+}
+
+bool Asset::isDirty() const noexcept { return !m_history.isClean(); }
+
+void Asset::enter(Entity & entity) { m_pTable->add(entity.id(), &entity); }
+
+void Asset::leave(Entity & entity) noexcept {
+    m_pTable->remove(entity.id());
+    if (entity.m_flags & Entity::FlagStored) {
+        entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagStored);
+        m_deleted.push_back(entity.id());
+    }
+}
+
+void Asset::markDirty(Entity & entity) {
+    if ((entity.m_flags & Entity::FlagDirty) || entity.m_pSegment->isTransient()) return;
+    m_dirty.push_back(entity.id());
+    entity.m_flags |= Entity::FlagDirty;
+}
+
+} // namespace Vn

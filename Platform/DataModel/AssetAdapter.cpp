@@ -1,0 +1,90 @@
+#include "Platform/DataModel/AssetAdapter.h"
+
+#include "Platform/DataModel/Asset.h"
+#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/Segment.h"
+
+namespace Vn {
+
+namespace {
+
+constinit InterfaceId s_settingsId("Vn::AssetSettings");
+constinit InterfaceId s_adapterId("Vn::AssetAdapter");
+
+class AssetSettingsMetaType : public EntityMetaType {
+public:
+    AssetSettingsMetaType()
+        : EntityMetaType("DataModel", AssetSettings::s_metaTypeId(), "AssetSettingsMetaType", 0,
+                         Entity::s_metaTypeId(), TypeAbstract) {}
+
+private:
+    void onMigratingMemberSet(Entity * entity, unsigned, MemberSet * set) override {
+        set->initialize(entity, "AssetSettings");
+    }
+    StrongRef<Entity> onCreateEntity(Segment *, unsigned long long) override { return nullptr; }
+    std::size_t onInstanceSize() const override { return sizeof(AssetSettings); }
+};
+
+AssetSettingsMetaType s_settingsMetaType;
+
+} // namespace
+
+std::string const & AssetSettings::segmentRootId() {
+    static std::string const s_id = "AssetSettings";
+    return s_id;
+}
+std::string AssetSettings::s_metaTypeId() { return "AssetSettings"; }
+EntityMetaType * AssetSettings::s_metaType() { return &s_settingsMetaType; }
+UniqueString const * AssetSettings::interfaceId() { return s_settingsId.get(); }
+UniqueString const * AssetSettings::getInterfaceId() const { return interfaceId(); }
+void * AssetSettings::queryInterface(UniqueString const * id) const {
+    return id == interfaceId() ? const_cast<AssetSettings *>(this) : Entity::queryInterface(id);
+}
+void * AssetSettings::queryMTInterface(MetaType const * type) {
+    return type == s_metaType() ? this : Entity::queryMTInterface(type);
+}
+
+AssetSettings::AssetSettings(Segment * segment) : Entity(segment) { initializeMemberSetIfNeeded(); }
+AssetSettings::AssetSettings(Segment * segment, unsigned long long id) : Entity(segment, id) {
+    initializeMemberSetIfNeeded();
+}
+
+void AssetSettings::initializeMemberSetIfNeeded() {
+    MemberSet * const set = s_metaType()->memberSet(c_latestVersion);
+    tbb::spin_rw_mutex_v3::scoped_lock lock(set->mutex(), false);
+    if (set->initialized()) return;
+    if (!lock.upgrade_to_writer() && set->initialized()) return;
+    set->initialize(this, "AssetSettings");
+}
+
+AssetAdapter::~AssetAdapter() = default;
+
+StrongRef<AssetSettings> AssetAdapter::assetSettings() const {
+    Segment const * const segment = designSegment();
+    if (!segment) return nullptr;
+    StrongRef<Entity> const root = segment->rootEntity(AssetSettings::segmentRootId());
+    return StrongRef<AssetSettings>(query<AssetSettings>(root.get()));
+}
+
+bool AssetAdapter::isAssetDirty() const { return m_pAsset && m_pAsset->isDirty(); }
+
+UniqueString const * AssetAdapter::interfaceId() { return s_adapterId.get(); }
+UniqueString const * AssetAdapter::getInterfaceId() const { return interfaceId(); }
+void * AssetAdapter::queryInterface(UniqueString const * id) const {
+    return id == interfaceId() ? const_cast<AssetAdapter *>(this) : nullptr;
+}
+
+void AssetAdapter::onInitializeNewAsset() {}
+void AssetAdapter::onInitializeLoadedAsset() {}
+void AssetAdapter::onFullyInitializeLoadedAsset() {}
+void AssetAdapter::onPostAssetSave() {}
+void AssetAdapter::onPreDelete() {}
+Segment * AssetAdapter::onDesignSegment() const {
+    return m_pAsset ? m_pAsset->segment(SegmentType::DesignSegment) : nullptr;
+}
+Segment * AssetAdapter::onTransientSegment() const {
+    return m_pAsset ? m_pAsset->segment(SegmentType::TransientSegment) : nullptr;
+}
+
+} // namespace Vn

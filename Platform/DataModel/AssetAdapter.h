@@ -1,0 +1,84 @@
+// What equips a document for its application.
+
+#ifndef VN_PLATFORM_DATAMODEL_ASSETADAPTER_H
+#define VN_PLATFORM_DATAMODEL_ASSETADAPTER_H
+
+#include "Platform/Base/Object.h"
+#include "Platform/Base/RefCounted.h"
+#include "Platform/Base/UniqueString.h"
+#include "Platform/DataModel/Entity.h"
+#include "Platform/DataModel/Export.h"
+
+namespace Vn {
+
+class Asset;
+class MetaType;
+class Segment;
+
+// The settings of a document, an entity that stands as the root "AssetSettings" of the design segment.
+class VN_DATAMODEL_API AssetSettings : public Entity {
+public:
+    // The key of the root.
+    static std::string const & segmentRootId();
+    static std::string s_metaTypeId();
+    static EntityMetaType * s_metaType();
+    static UniqueString const * interfaceId();
+    UniqueString const * getInterfaceId() const override;
+    void * queryInterface(UniqueString const * id) const override;
+    void * queryMTInterface(MetaType const * type) override;
+
+protected:
+    explicit AssetSettings(Segment * segment);
+    AssetSettings(Segment * segment, unsigned long long id);
+
+private:
+    void initializeMemberSetIfNeeded();
+};
+
+// Told at the stations of a document's life.  The document owns its adapter.
+class VN_DATAMODEL_API AssetAdapter : public Object {
+public:
+    // The asset must outlive the adapter; it isn't told of it here.
+    explicit AssetAdapter(Asset * asset) noexcept : m_pAsset(asset) {}
+    ~AssetAdapter() override;
+    AssetAdapter(AssetAdapter const &) = delete;
+    AssetAdapter & operator=(AssetAdapter const &) = delete;
+
+    Asset * asset() const noexcept { return m_pAsset; }
+    // The root "AssetSettings" of the design segment; null if there is none.
+    StrongRef<AssetSettings> assetSettings() const;
+
+    // The public road to the hooks below.
+    void initializeNewAsset() { onInitializeNewAsset(); }
+    void initializeLoadedAsset() { onInitializeLoadedAsset(); }
+    void fullyInitializeLoadedAsset() { onFullyInitializeLoadedAsset(); }
+    void postAssetSave() { onPostAssetSave(); }
+    void preDelete() { onPreDelete(); }
+    Segment * designSegment() const { return onDesignSegment(); }
+    Segment * transientSegment() const { return onTransientSegment(); }
+
+    // Whether the document has changes to save.
+    virtual bool isAssetDirty() const;
+
+    static UniqueString const * interfaceId();
+    virtual UniqueString const * getInterfaceId() const;
+    virtual void * queryInterface(UniqueString const * id) const;
+
+private:
+    // A document was made, was loaded, is complete with everything that belongs to it, was saved, is
+    // about to be closed.  Nothing by default.
+    virtual void onInitializeNewAsset();
+    virtual void onInitializeLoadedAsset();
+    virtual void onFullyInitializeLoadedAsset();
+    virtual void onPostAssetSave();
+    virtual void onPreDelete();
+    // The segments of these kinds; null if there is none.
+    virtual Segment * onDesignSegment() const;
+    virtual Segment * onTransientSegment() const;
+
+    Asset * const m_pAsset;
+};
+
+} // namespace Vn
+
+#endif

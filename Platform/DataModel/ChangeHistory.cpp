@@ -1,0 +1,797 @@
+#include "Platform/DataModel/ChangeHistory.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "Platform/DataModel/Asset.h"
+#include "Platform/DataModel/ChangeLogInternal.h"
+#include "Platform/DataModel/EntityChange.h"
+#include "Platform/DataModel/EntityTableInternal.h"
+#include "Platform/DataModel/MemberLayoutInternal.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/Segment.h"
+
+namespace Vn {
+
+using DataModel::c_maskedLeaves;
+using DataModel::c_recordWords;
+using DataModel::ChangeLog;
+using DataModel::ERecord;
+using DataModel::Leaf;
+using DataModel::MemberLayout;
+using DataModel::Record;
+using DataModel::WordBuffer;
+
+// One step of the history, or a transaction that is open.
+struct ChangeHistory::Step {
+    Step(std::wstring_view name, std::uint32_t log)
+        : m_name(name), m_pLog(std::make_unique<ChangeLog>(log)) {}
+
+    std::wstring m_name;
+    std::unique_ptr<ChangeLog> m_pLog;
+    std::uint64_t m_state = 0;  // of the document once the step is done
+    std::uint64_t m_before = 0; // and before it
+    ChangeLog * m_pAround = nullptr; // the log that was open when the transaction began
+};
+
+namespace {
+
+bool isRecorded(std::uint64_t leaves, std::size_t leaf) noexcept {
+    return leaf < c_maskedLeaves && (leaves >> leaf & 1);
+}
+
+void note(std::uint64_t & leaves, std::size_t leaf) noexcept {
+    if (leaf < c_maskedLeaves) leaves |= std::uint64_t{1} << leaf;
+}
+
+// The head of a value in a Changed record.
+std::uint64_t entry(std::size_t leaf, std::size_t words) noexcept {
+    return leaf | static_cast<std::uint64_t>(words) << 32;
+}
+std::size_t entryLeaf(std::uint64_t head) noexcept { return head & 0xFFFFFFFFU; }
+
+bool isSaved(Entity const & entity) noexcept { return !entity.segment()->isTransient(); }
+
+} // namespace
+
+ChangeHistory::ChangeHistory(Asset & asset)
+    : m_asset(asset), m_pScratch(std::make_unique<WordBuffer>()) {}
+
+ChangeHistory::~ChangeHistory() = default;
+
+// --- Steps -------------------------------------------------------------------------------------
+
+Status ChangeHistory::move(bool undoing) {
+    char const * const operation = undoing ? "undo" : "redo";
+    if (!m_bUsable)
+        return Status::failed(operation, {}, "memory ran out in an undo or redo before");
+    if (m_bReplaying) return Status::invalidArgument(operation, {}, "an undo or redo is running");
+    if (isInTransaction()) return Status::invalidArgument(operation, {}, "a transaction is open");
+    if (undoing ? m_undo.empty() : m_redo.empty())
+        return Status::notFound(operation, {}, undoing ? "there is nothing to undo"
+                                                       : "there is nothing to redo");
+    std::unique_ptr<Step> step;
+    if (undoing) {
+        step = std::move(m_undo.back());
+        m_undo.pop_back();
+    } else {
+        step = std::move(m_redo.back());
+        m_redo.pop_back();
+    }
+    m_bytes -= step->m_pLog->bytes();
+    auto inverse = std::make_unique<ChangeLog>(nextLogNumber());
+    replay(*step->m_pLog, inverse.get());
+    inverse->words().trim();
+    if (step->m_pLog->isPersistent()) inverse->persistent();
+    drop(std::exchange(step->m_pLog, std::move(inverse)));
+    m_bytes += step->m_pLog->bytes();
+    if (undoing)
+        m_redo.push_back(std::move(step));
+    else
+        m_undo.push_back(std::move(step));
+    if (std::exception_ptr const failure = std::exchange(m_hookFailure, nullptr))
+        std::rethrow_exception(failure);
+    return Status();
+}
+
+Status ChangeHistory::undo() { return move(true); }
+Status ChangeHistory::redo() { return move(false); }
+
+bool ChangeHistory::canUndo() const noexcept {
+    return m_bUsable && !m_bReplaying && m_open.empty() && !m_undo.empty();
+}
+bool ChangeHistory::canRedo() const noexcept {
+    return m_bUsable && !m_bReplaying && m_open.empty() && !m_redo.empty();
+}
+
+std::vector<std::wstring> ChangeHistory::undoNames() const {
+    std::vector<std::wstring> names;
+    for (auto i = m_undo.rbegin(); i != m_undo.rend(); ++i) names.push_back((*i)->m_name);
+    return names;
+}
+
+std::vector<std::wstring> ChangeHistory::redoNames() const {
+    std::vector<std::wstring> names;
+    for (auto i = m_redo.rbegin(); i != m_redo.rend(); ++i) names.push_back((*i)->m_name);
+    return names;
+}
+
+void ChangeHistory::clear() {
+    if (m_bReplaying || isInTransaction() || (m_undo.empty() && m_redo.empty())) return;
+    m_baseState = state();
+    // What a log mentions is kept by that log or by a later one: the earliest go first.
+    while (!m_undo.empty()) {
+        auto const step = std::move(m_undo.front());
+        m_undo.pop_front();
+        m_bytes -= step->m_pLog->bytes();
+        drop(std::move(step->m_pLog));
+    }
+    dropRedo();
+}
+
+void ChangeHistory::dropRedo() noexcept {
+    auto const steps = std::exchange(m_redo, {});
+    // An undone step keeps what had come with it, which steps that are redone later mention: those go first.
+    for (auto const & step : steps) {
+        m_bytes -= step->m_pLog->bytes();
+        drop(std::move(step->m_pLog));
+    }
+}
+
+void ChangeHistory::stepLimit(std::size_t steps) {
+    m_stepLimit = steps;
+    enforceLimits();
+}
+
+void ChangeHistory::byteLimit(std::size_t bytes) {
+    m_byteLimit = bytes;
+    enforceLimits();
+}
+
+std::size_t ChangeHistory::bytes() const noexcept {
+    std::size_t bytes = m_bytes;
+    for (auto const & step : m_open) bytes += step->m_pLog->bytes();
+    return bytes;
+}
+
+void ChangeHistory::enforceLimits() {
+    while (m_undo.size() > 1
+           && ((m_stepLimit && m_undo.size() > m_stepLimit)
+               || (m_byteLimit && m_bytes > m_byteLimit))) {
+        auto const step = std::move(m_undo.front());
+        m_undo.pop_front();
+        m_baseState = step->m_state;
+        m_bytes -= step->m_pLog->bytes();
+        drop(std::move(step->m_pLog));
+    }
+}
+
+std::uint64_t ChangeHistory::state() const noexcept {
+    return m_undo.empty() ? m_baseState : m_undo.back()->m_state;
+}
+
+void ChangeHistory::markClean() noexcept { m_cleanState = state(); }
+
+bool ChangeHistory::isClean() const noexcept {
+    for (auto const & step : m_open)
+        if (step->m_pLog->isPersistent()) return false;
+    return state() == m_cleanState;
+}
+
+std::uint32_t ChangeHistory::nextLogNumber() noexcept {
+    if (++m_lastLog == 0) { // once in four thousand million: no entity may take an old log for a new one
+        m_asset.m_pTable->forEach([](Entity & entity) { entity.m_logNumber = 0; });
+        m_lastLog = 1;
+    }
+    return m_lastLog;
+}
+
+void ChangeHistory::changedUnrecorded() noexcept {
+    if (m_bReplaying || m_bDropping || m_asset.m_bLoading || m_asset.m_bClosing) return;
+    if (isInTransaction()) return;
+    if (!m_undo.empty() || !m_redo.empty()) clear();
+    m_baseState = ++m_lastState;
+}
+
+// --- Transactions ------------------------------------------------------------------------------
+
+bool ChangeHistory::begin(std::wstring_view name) {
+    if (m_bReplaying) return false;
+    m_open.push_back(std::make_unique<Step>(name, nextLogNumber()));
+    m_open.back()->m_pAround = std::exchange(m_pLog, m_open.back()->m_pLog.get());
+    return true;
+}
+
+void ChangeHistory::commit() {
+    std::unique_ptr<Step> step = std::move(m_open.back());
+    m_open.pop_back();
+    m_pLog = step->m_pAround;
+    ChangeLog & log = *step->m_pLog;
+    if (log.empty()) return;
+    if (m_pLog) {
+        // Becomes a part of the log around it, whose number and places its records take.
+        std::size_t const base = m_pLog->end();
+        for (std::size_t end = log.end(); end; end = log.before(end)) {
+            Record & record = log.record(end);
+            if (record.m_previousLog == log.number()) {
+                record.m_previousLog = m_pLog->number();
+                record.m_previous += static_cast<std::uint32_t>(base);
+            }
+            if (record.m_pEntity && record.m_pEntity->m_logNumber == log.number()) {
+                record.m_pEntity->m_logNumber = m_pLog->number();
+                record.m_pEntity->m_logRecord += static_cast<std::uint32_t>(base);
+            }
+        }
+        m_pLog->words().push(log.words().data(), log.words().size());
+        m_pLog->addKeptBytes(log.keptBytes());
+        if (log.isPersistent()) m_pLog->persistent();
+        if (log.isOwning()) m_pLog->owning();
+        return;
+    }
+    dropRedo();
+    log.words().trim();
+    step->m_before = state();
+    step->m_state = log.isPersistent() ? ++m_lastState : step->m_before;
+    m_bytes += log.bytes();
+    m_undo.push_back(std::move(step));
+    enforceLimits();
+}
+
+void ChangeHistory::abort() {
+    std::unique_ptr<Step> step = std::move(m_open.back());
+    m_open.pop_back();
+    m_pLog = nullptr;
+    replay(*step->m_pLog, nullptr);
+    m_pLog = step->m_pAround;
+    drop(std::move(step->m_pLog));
+    // What the replay killed was still mentioned by the log.
+    for (Entity * const entity : std::exchange(m_killed, {})) letGo(*entity);
+    if (std::exception_ptr const failure = std::exchange(m_hookFailure, nullptr))
+        if (!std::uncaught_exceptions()) std::rethrow_exception(failure);
+}
+
+Transaction::Transaction(Asset & asset, std::wstring_view name)
+    : m_pHistory(asset.history().begin(name) ? &asset.history() : nullptr) {}
+
+Transaction::~Transaction() {
+    if (!m_pHistory) return;
+    try {
+        abort();
+    } catch (...) { // what a hook of the replay threw; everything is back in place all the same
+    }
+}
+
+void Transaction::commit() {
+    if (m_pHistory) std::exchange(m_pHistory, nullptr)->commit();
+}
+
+void Transaction::abort() {
+    if (m_pHistory) std::exchange(m_pHistory, nullptr)->abort();
+}
+
+// --- Brackets ----------------------------------------------------------------------------------
+
+int ChangeHistory::leafOf(Entity & entity, void const * member) {
+    MemberLayout const & layout = entity.metaType()->layout();
+    int const leaf = layout.find(entity, member);
+    if (leaf < 0 || leaf >= c_maskedLeaves) return -1;
+    Leaf const & found = layout.leaves()[static_cast<std::size_t>(leaf)];
+    return found.m_kind == EMemberKind::Vector && found.m_bUndoable ? leaf : -1;
+}
+
+bool ChangeHistory::splicesAnnounced(Entity const & entity, int leaf) const noexcept {
+    for (MemberSplices const * i = m_pSplices; i; i = i->m_pEnclosing)
+        if (&i->m_entity == &entity && i->m_leaf == leaf) return true;
+    return false;
+}
+
+EntityChange * ChangeHistory::outermostBracket(Entity const & entity) const noexcept {
+    EntityChange * found = nullptr;
+    for (EntityChange * i = m_pInnermost; i; i = i->m_pEnclosing)
+        if (i->m_pEntity == &entity) found = i;
+    return found;
+}
+
+void ChangeHistory::openBracket(EntityChange & change) {
+    Entity & entity = *change.m_pEntity;
+    if (entity.m_flags & Entity::FlagChanging) {
+        change.m_pOutermost = outermostBracket(entity);
+        change.m_pOutermost->m_told = change.m_type;
+    } else {
+        change.m_pOutermost = &change;
+        change.m_snapshot = m_pScratch->size();
+        ChangeLog const * const log = m_pLog;
+        if (log && change.m_bUndoable && !(entity.m_flags & (Entity::FlagDead | Entity::FlagDying))) {
+            std::uint64_t recorded = 0;
+            bool isNew = false;
+            if (entity.m_logNumber == log->number()) {
+                Record const & last = const_cast<ChangeLog *>(log)->record(entity.m_logRecord);
+                recorded = last.m_leaves;
+                isNew = last.m_bBorn;
+            }
+            change.m_log = log->number();
+            if (!isNew) {
+                auto const & leaves = entity.metaType()->layout().leaves();
+                for (std::size_t i = 0; i < leaves.size(); ++i) {
+                    Leaf const & leaf = leaves[i];
+                    if (!leaf.m_bUndoable || leaf.m_bInHelper || isRecorded(recorded, i)) continue;
+                    if (m_pSplices && leaf.m_kind == EMemberKind::Vector
+                        && splicesAnnounced(entity, static_cast<int>(i)))
+                        continue;
+                    m_pScratch->push(i);
+                    DataModel::keep(leaf, DataModel::field(entity, leaf), &m_asset, *m_pScratch);
+                    note(change.m_leaves, i);
+                }
+            }
+        }
+        entity.m_flags |= Entity::FlagChanging;
+    }
+    change.m_pOutermost->m_types |= change.m_type;
+    change.m_pEnclosing = m_pInnermost;
+    m_pInnermost = &change;
+}
+
+void ChangeHistory::closeBracket(EntityChange & change) {
+    m_pInnermost = change.m_pEnclosing;
+    if (change.m_pOutermost != &change) return;
+    Entity & entity = *change.m_pEntity;
+    entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagChanging);
+    bool const isReplay = DataChange::test(change.m_transact, DataChange::TransactReplay);
+    if (!change.m_bUndoable && !isReplay) return;
+    bool const alive = !(entity.m_flags & (Entity::FlagDead | Entity::FlagDying));
+    if (alive) m_asset.markDirty(entity);
+    if (isReplay) return;
+
+    // Of the members kept, those that differ go into the log.  The scratch is cut down whatever happens.
+    WordBuffer & scratch = *m_pScratch;
+    ChangeLog * log = m_pLog && m_pLog->number() == change.m_log ? m_pLog : nullptr;
+    // Without room for the record nothing of it is written, and the history ends here.
+    if (log && !log->words().reserve(scratch.size() - change.m_snapshot + c_recordWords))
+        log = nullptr;
+    if (!log && alive) changedUnrecorded();
+    Record record;
+    std::size_t begin = 0;
+    if (log) {
+        begin = log->end();
+        if (entity.m_logNumber == log->number()) {
+            Record const & last = log->record(entity.m_logRecord);
+            record.m_leaves = last.m_leaves;
+            record.m_bBorn = last.m_bBorn;
+        }
+        if (isSaved(entity)) log->persistent();
+    }
+    if (scratch.size() > change.m_snapshot) {
+        auto const & leaves = entity.metaType()->layout().leaves();
+        std::uint64_t const * place = scratch.data() + change.m_snapshot;
+        std::uint64_t const * const end = scratch.data() + scratch.size();
+        while (place < end) {
+            std::size_t const i = static_cast<std::size_t>(*place++);
+            Leaf const & leaf = leaves[i];
+            std::uint64_t const * const value = place;
+            bool const same = DataModel::isKept(leaf, DataModel::field(entity, leaf), place);
+            if (same || !log || isRecorded(record.m_leaves, i)) {
+                if (leaf.m_bOwning) {
+                    auto * words = const_cast<std::uint64_t *>(value);
+                    DataModel::release(leaf, words);
+                }
+                continue;
+            }
+            auto const words = static_cast<std::size_t>(place - value);
+            log->words().push(entry(i, words));
+            log->words().push(value, words);
+            note(record.m_leaves, i);
+            if (leaf.m_bOwning) log->owning();
+        }
+        scratch.truncate(change.m_snapshot);
+    }
+    if (!log) return;
+    if (log->end() > begin) {
+        record.m_pEntity = &entity;
+        record.m_kind = ERecord::Changed;
+        record.m_types = static_cast<std::uint8_t>(change.m_types);
+        record.m_previous = entity.m_logRecord;
+        record.m_previousLog = entity.m_logNumber;
+        entity.m_logRecord = static_cast<std::uint32_t>(log->close(begin, record));
+        entity.m_logNumber = log->number();
+    } else if (entity.m_logNumber == log->number())
+        log->record(entity.m_logRecord).m_types |= static_cast<std::uint8_t>(change.m_types);
+}
+
+void ChangeHistory::spliced(MemberSplices const & splices, bool inserted, std::size_t index,
+                            std::size_t count) {
+    ChangeLog * const log = m_pLog;
+    Entity & entity = splices.m_entity;
+    if (!log || !count || (entity.m_flags & (Entity::FlagDead | Entity::FlagDying))) return;
+    std::size_t const leafNumber = static_cast<std::size_t>(splices.m_leaf);
+    unsigned types = 0;
+    if (entity.m_flags & Entity::FlagChanging) {
+        EntityChange const & outermost = *outermostBracket(entity);
+        if (!outermost.m_bUndoable || isRecorded(outermost.m_leaves, leafNumber)) return;
+        types = outermost.m_types;
+    }
+    Record record;
+    if (entity.m_logNumber == log->number()) {
+        Record & last = log->record(entity.m_logRecord);
+        if (last.m_bBorn || isRecorded(last.m_leaves, leafNumber)) return;
+        // What goes on where the record before ended becomes a part of that.
+        std::uint64_t * const payload = log->payload(entity.m_logRecord);
+        if (inserted && last.m_kind == ERecord::Inserted && payload[0] == leafNumber
+            && index >= payload[1] && index <= payload[1] + payload[2]) {
+            payload[2] += count;
+            last.m_types |= static_cast<std::uint8_t>(types);
+            return;
+        }
+        record.m_leaves = last.m_leaves;
+    }
+    if (isSaved(entity)) log->persistent();
+    Leaf const & leaf = entity.metaType()->layout().leaves()[leafNumber];
+    std::size_t const begin = log->end();
+    std::uint64_t * const payload = log->words().append(3);
+    payload[0] = leafNumber;
+    payload[1] = index;
+    payload[2] = count;
+    if (!inserted) {
+        DataModel::keepElements(leaf, DataModel::field(entity, leaf), index, count, &m_asset,
+                                log->words());
+        if (leaf.m_bOwning) log->owning();
+    }
+    record.m_pEntity = &entity;
+    record.m_kind = inserted ? ERecord::Inserted : ERecord::Erased;
+    record.m_types = static_cast<std::uint8_t>(types);
+    record.m_previous = entity.m_logRecord;
+    record.m_previousLog = entity.m_logNumber;
+    entity.m_logRecord = static_cast<std::uint32_t>(log->close(begin, record));
+    entity.m_logNumber = log->number();
+}
+
+void ChangeHistory::rootChanging(Segment & segment, std::string const & key, std::size_t place,
+                                 Entity * old) {
+    ChangeLog * const log = m_bReplaying ? m_pInverse : m_pLog;
+    if (!log) return changedUnrecorded();
+    if (!segment.isTransient()) log->persistent();
+    std::size_t const begin = log->end();
+    std::size_t const keyWords = (key.size() + 7) / 8;
+    std::uint64_t * const payload = log->words().append(3 + keyWords);
+    payload[0] = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&segment));
+    payload[1] = place;
+    payload[2] = key.size();
+    std::memcpy(payload + 3, key.data(), key.size());
+    Record record;
+    record.m_pEntity = nullptr; // the chains of entities don't run through roots
+    record.m_kind = ERecord::Root;
+    record.m_leaves = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(old));
+    log->close(begin, record);
+}
+
+// --- Birth and death ---------------------------------------------------------------------------
+
+void ChangeHistory::born(Entity & entity) {
+    if (m_bReplaying) return;
+    ChangeLog * const log = m_pLog;
+    if (!log) {
+        changedUnrecorded();
+        m_asset.markDirty(entity);
+        return;
+    }
+    if (isSaved(entity)) log->persistent();
+    Record record;
+    record.m_pEntity = &entity;
+    record.m_kind = ERecord::Born;
+    record.m_bBorn = true;
+    entity.m_logRecord = static_cast<std::uint32_t>(log->close(log->end(), record));
+    entity.m_logNumber = log->number();
+    log->owning();
+    m_asset.markDirty(entity);
+}
+
+void ChangeHistory::unborn(Entity & entity) noexcept {
+    m_asset.leave(entity);
+    if (m_pLog && entity.m_logNumber == m_pLog->number()) {
+        // Its records end here: they mention nobody, and nobody mentions them.
+        for (std::size_t end = entity.m_logRecord;;) {
+            Record & record = m_pLog->record(end);
+            record.m_bReplayed = true;
+            record.m_pEntity = nullptr;
+            if (record.m_previousLog != m_pLog->number()) break;
+            end = record.m_previous;
+        }
+    }
+}
+
+void ChangeHistory::orphaned(Entity & entity) noexcept {
+    entity.strongCount(0);
+    if (m_asset.m_bClosing) return; // the asset ends its entities itself
+    if (entity.m_flags & Entity::FlagDead) {
+        if (!(entity.m_flags & (Entity::FlagKept | Entity::FlagDying))) delete &entity;
+        return;
+    }
+    if (entity.m_flags & (Entity::FlagQueued | Entity::FlagDying)) return;
+    entity.m_flags |= Entity::FlagQueued;
+    m_orphans.push_back(&entity);
+    if (!m_bReplaying && !m_bKilling && !m_bDropping) killOrphans(DataChange::TransactDirect);
+}
+
+void ChangeHistory::killOrphans(DataChange::ETransact transact) noexcept {
+    // Outside a transaction what dies, and what its hooks change, belongs to the last step.
+    ChangeLog * continued = nullptr;
+    std::size_t before = 0;
+    if (!m_bReplaying && !m_pLog && !m_asset.m_bLoading) {
+        dropRedo();
+        if (!m_undo.empty()) {
+            continued = m_pLog = m_undo.back()->m_pLog.get();
+            before = continued->bytes();
+        }
+    }
+    m_bKilling = true;
+    // By index: deletions make further orphans.
+    for (std::size_t i = 0; i < m_orphans.size(); ++i) {
+        Entity & entity = *m_orphans[i];
+        entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagQueued);
+        if (entity.refCount() || (entity.m_flags & Entity::FlagDead)) continue;
+        kill(entity, transact);
+    }
+    m_orphans.clear();
+    m_bKilling = false;
+    if (!continued) return;
+    m_pLog = nullptr;
+    m_bytes += continued->bytes() - before;
+    if (continued->isPersistent()) m_undo.back()->m_state = ++m_lastState;
+}
+
+void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) noexcept {
+    entity.m_flags |= Entity::FlagDying;
+    entity.strongCount(entity.refCount() + 1); // so that references made by hooks don't end it again
+    MemberLayout const & layout = entity.metaType()->layout();
+
+    // The members as they are now, before the hooks give them up.
+    bool kept = false;
+    if (ChangeLog * const log = m_bReplaying ? m_pInverse : m_pLog) {
+        std::size_t const begin = log->end();
+        for (Leaf const & leaf : layout.leaves())
+            DataModel::keep(leaf, DataModel::field(entity, leaf), &m_asset, log->words());
+        Record record;
+        record.m_pEntity = &entity;
+        record.m_kind = ERecord::Died;
+        if (entity.m_logNumber == log->number()) {
+            record.m_leaves = log->record(entity.m_logRecord).m_leaves;
+            record.m_bBorn = log->record(entity.m_logRecord).m_bBorn;
+        }
+        record.m_previous = entity.m_logRecord;
+        record.m_previousLog = entity.m_logNumber;
+        std::size_t const bytes = entity.metaType()->instanceSize() + entity.onSizeInBytes();
+        entity.m_logRecord = static_cast<std::uint32_t>(log->close(begin, record));
+        entity.m_logNumber = log->number();
+        log->addKeptBytes(bytes);
+        log->owning();
+        if (isSaved(entity)) log->persistent();
+        kept = true;
+    } else if (m_bReplaying) {
+        m_killed.push_back(&entity);
+        kept = true;
+    } else if (isSaved(entity))
+        changedUnrecorded();
+
+    // A deletion can't be refused: what its hooks throw is dropped, but for a replay, which passes it on.
+    try {
+        entity.segment()->entityEventSource()->tellPreDelete(entity, transact);
+        entity.onPreDeletion(transact);
+    } catch (...) {
+        if (m_bReplaying && !m_hookFailure) m_hookFailure = std::current_exception();
+    }
+    if (layout.hasStrong())
+        for (Leaf const & leaf : layout.leaves())
+            if (!leaf.m_bInHelper) DataModel::dropStrong(leaf, DataModel::field(entity, leaf));
+
+    m_asset.leave(entity);
+    entity.expirePassive();
+    entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDying);
+    entity.m_flags |= Entity::FlagDead;
+    if (kept) entity.m_flags |= Entity::FlagKept;
+    entity.strongCount(entity.refCount() - 1);
+    if (!kept) letGo(entity);
+}
+
+void ChangeHistory::letGo(Entity & entity) noexcept {
+    entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagKept);
+    if (entity.refCount() == 0)
+        delete &entity;
+    else if (!(entity.m_flags & Entity::FlagHeld)) {
+        entity.m_flags |= Entity::FlagHeld;
+        m_asset.m_held.insert(&entity);
+    }
+}
+
+void ChangeHistory::revive(Entity & entity, std::uint64_t const * tomb) {
+    entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDead | Entity::FlagKept);
+    entity.restorePassive();
+    m_asset.enter(entity);
+    m_revived.emplace_back(&entity);
+    for (Leaf const & leaf : entity.metaType()->layout().leaves())
+        if (!leaf.m_bInHelper) DataModel::restore(leaf, DataModel::field(entity, leaf), tomb);
+    m_asset.markDirty(entity);
+    if (!m_pInverse) return;
+    Record record;
+    record.m_pEntity = &entity;
+    record.m_kind = ERecord::Born;
+    record.m_bBorn = false; // members that are restored now are recorded: they changed before it died
+    record.m_previous = 0;
+    record.m_previousLog = 0;
+    entity.m_logRecord = static_cast<std::uint32_t>(m_pInverse->close(m_pInverse->end(), record));
+    entity.m_logNumber = m_pInverse->number();
+    m_pInverse->owning();
+}
+
+// --- Replay ------------------------------------------------------------------------------------
+
+void ChangeHistory::replay(ChangeLog & log, ChangeLog * inverse) {
+    m_bReplaying = true;
+    m_pInverse = inverse;
+    try {
+        // First the dead come back, so that whatever refers to them finds them.
+        for (std::size_t end = log.end(); end; end = log.before(end)) {
+            Record & record = log.record(end);
+            if (record.m_kind != ERecord::Died || record.m_bReplayed) continue;
+            record.m_bReplayed = true;
+            revive(*record.m_pEntity, log.payload(end));
+        }
+        for (std::size_t i = 0; i < m_revived.size(); ++i) {
+            try {
+                m_revived[i]->postCreation(DataChange::TransactReplay);
+            } catch (...) {
+                if (!m_hookFailure) m_hookFailure = std::current_exception();
+            }
+        }
+        for (std::size_t end = log.end(); end; end = log.before(end)) {
+            Record & record = log.record(end);
+            if (record.m_bReplayed) continue;
+            switch (record.m_kind) {
+            case ERecord::Born:
+                record.m_bReplayed = true;
+                if (!(record.m_pEntity->m_flags & Entity::FlagDead))
+                    kill(*record.m_pEntity, DataChange::TransactReplay);
+                break;
+            case ERecord::Root: replayRoot(log, end); break;
+            default: replayEntity(log, end);
+            }
+        }
+        m_revived.clear();
+        killOrphans(DataChange::TransactReplay);
+    } catch (...) { // memory ran out
+        m_revived.clear();
+        m_bUsable = false;
+        m_bReplaying = false;
+        m_pInverse = nullptr;
+        throw;
+    }
+    m_bReplaying = false;
+    m_pInverse = nullptr;
+}
+
+void ChangeHistory::replayEntity(ChangeLog & log, std::size_t last) {
+    Entity & entity = *log.record(last).m_pEntity;
+
+    // The entity's records from this one back, and the kinds of all its changes.
+    unsigned types = 0;
+    for (std::size_t end = last;;) {
+        Record const & record = log.record(end);
+        types |= record.m_types;
+        if (record.m_previousLog != log.number()) break;
+        end = record.m_previous;
+    }
+    auto const & leaves = entity.metaType()->layout().leaves();
+    EntityChange change(&entity, DataChange::TransactReplay,
+                        static_cast<DataChange::EChangeType>(types), DataChange::TimingPreAndPost,
+                        nullptr, true);
+    for (std::size_t end = last;;) {
+        Record & record = log.record(end);
+        if (!record.m_bReplayed && record.m_kind != ERecord::Born) {
+            record.m_bReplayed = true;
+            std::uint64_t const * payload = log.payload(end);
+            std::uint64_t const * const payloadEnd = payload + record.m_words;
+            Record inverse;
+            std::size_t const begin = m_pInverse ? m_pInverse->end() : 0;
+            if (record.m_kind == ERecord::Changed) {
+                inverse.m_kind = ERecord::Changed;
+                while (payload < payloadEnd) {
+                    std::size_t const i = entryLeaf(*payload++);
+                    Leaf const & leaf = leaves[i];
+                    void * const field = DataModel::field(entity, leaf);
+                    if (m_pInverse) {
+                        std::size_t const head = m_pInverse->end();
+                        m_pInverse->words().push(0);
+                        DataModel::keep(leaf, field, &m_asset, m_pInverse->words());
+                        m_pInverse->words()[head] = entry(i, m_pInverse->end() - head - 1);
+                        if (leaf.m_bOwning) m_pInverse->owning();
+                    }
+                    DataModel::restore(leaf, field, payload);
+                }
+            } else {
+                Leaf const & leaf = leaves[static_cast<std::size_t>(payload[0])];
+                void * const field = DataModel::field(entity, leaf);
+                auto const index = static_cast<std::size_t>(payload[1]);
+                auto const count = static_cast<std::size_t>(payload[2]);
+                if (m_pInverse) m_pInverse->words().push(payload, 3);
+                payload += 3;
+                if (record.m_kind == ERecord::Inserted) {
+                    inverse.m_kind = ERecord::Erased;
+                    if (m_pInverse) {
+                        DataModel::keepElements(leaf, field, index, count, &m_asset,
+                                                m_pInverse->words());
+                        if (leaf.m_bOwning) m_pInverse->owning();
+                    }
+                    DataModel::eraseElements(leaf, field, index, count);
+                } else {
+                    inverse.m_kind = ERecord::Inserted;
+                    DataModel::insertElements(leaf, field, index, count, payload);
+                }
+            }
+            if (m_pInverse) {
+                inverse.m_pEntity = &entity;
+                inverse.m_types = record.m_types;
+                inverse.m_previous = entity.m_logRecord;
+                inverse.m_previousLog = entity.m_logNumber;
+                entity.m_logRecord = static_cast<std::uint32_t>(m_pInverse->close(begin, inverse));
+                entity.m_logNumber = m_pInverse->number();
+            } else {
+                entity.m_logRecord = record.m_previous;
+                entity.m_logNumber = record.m_previousLog;
+            }
+        }
+        if (record.m_previousLog != log.number()) break;
+        end = record.m_previous;
+    }
+}
+
+void ChangeHistory::replayRoot(ChangeLog & log, std::size_t end) {
+    Record & record = log.record(end);
+    record.m_bReplayed = true;
+    std::uint64_t const * const payload = log.payload(end);
+    auto & segment = *reinterpret_cast<Segment *>(static_cast<std::uintptr_t>(payload[0]));
+    std::string const key(reinterpret_cast<char const *>(payload + 3),
+                          static_cast<std::size_t>(payload[2]));
+    auto * const old = reinterpret_cast<Entity *>(static_cast<std::uintptr_t>(record.m_leaves));
+    std::size_t const place = segment.rootPlace(key);
+    Entity * const present =
+        place < segment.m_roots.size() ? segment.m_roots[place].second.get() : nullptr;
+    if (m_pInverse)
+        rootChanging(segment, key, present ? place : static_cast<std::size_t>(payload[1]), present);
+    segment.placeRoot(StrongRef<Entity>(old), key, static_cast<std::size_t>(payload[1]));
+}
+
+// --- Giving up logs ----------------------------------------------------------------------------
+
+void ChangeHistory::drop(std::unique_ptr<ChangeLog> log) noexcept {
+    if (!log || !log->isOwning()) return;
+    bool const wasDropping = std::exchange(m_bDropping, true);
+    std::vector<Entity *> kept;
+    for (std::size_t end = log->end(); end; end = log->before(end)) {
+        Record const & record = log->record(end);
+        if (record.m_kind == ERecord::Born || record.m_kind == ERecord::Root
+            || record.m_kind == ERecord::Inserted)
+            continue;
+        auto const & leaves = record.m_pEntity->metaType()->layout().leaves();
+        std::uint64_t * words = log->payload(end);
+        std::uint64_t * const wordsEnd = words + record.m_words;
+        if (record.m_kind == ERecord::Changed)
+            while (words < wordsEnd) {
+                std::size_t const i = entryLeaf(*words++);
+                DataModel::release(leaves[i], words);
+            }
+        else if (record.m_kind == ERecord::Erased) {
+            Leaf const & leaf = leaves[static_cast<std::size_t>(words[0])];
+            auto const count = static_cast<std::size_t>(words[2]);
+            words += 3;
+            DataModel::releaseElements(leaf, count, words);
+        } else {
+            for (Leaf const & leaf : leaves) DataModel::release(leaf, words);
+            if (!record.m_bReplayed) kept.push_back(record.m_pEntity);
+        }
+    }
+    for (Entity * const entity : kept) letGo(*entity);
+    m_bDropping = wasDropping;
+    if (!m_bDropping && !m_bReplaying && !m_bKilling && !m_orphans.empty())
+        killOrphans(DataChange::TransactDirect);
+}
+
+} // namespace Vn

@@ -1,0 +1,103 @@
+// The record of changes from which the state before them can be restored.
+//
+// A log is a row of words of eight bytes, written forwards and read backwards: each record is its
+// payload with a Record behind it.  Payloads:
+//
+//   Born         none; the entity came
+//   Died         a kept value for each leaf of the entity, in order; the log owns its object
+//   Changed      for each leaf: its number and the words of its kept value, in one word, then the value
+//   Inserted     leaf, index, count
+//   Erased       leaf, index, count, then the elements
+//   Root         segment, place, length of the key, key; what was the root stands in m_leaves
+
+#ifndef VN_PLATFORM_DATAMODEL_CHANGELOGINTERNAL_H
+#define VN_PLATFORM_DATAMODEL_CHANGELOGINTERNAL_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "Platform/DataModel/WordBufferInternal.h"
+
+namespace Vn {
+class Entity;
+}
+
+namespace Vn::DataModel {
+
+enum class ERecord : std::uint8_t { Born, Died, Changed, Inserted, Erased, Root };
+
+// What stands behind each payload.
+struct Record {
+    Entity * m_pEntity = nullptr;
+    std::uint32_t m_words = 0;       // of the payload
+    std::uint32_t m_previous = 0;    // the record before about the same entity, and its log
+    std::uint32_t m_previousLog = 0; // 0 if there is none
+    ERecord m_kind = ERecord::Born;
+    std::uint8_t m_types = 0;   // of the changes, combined
+    bool m_bBorn = false;       // this record or one before it in its chain says that the entity came
+    bool m_bReplayed = false;   // has had its turn in the replay that is running
+    // Which of the first 63 leaves stand in Changed records of the chain; of a Root record the entity.
+    std::uint64_t m_leaves = 0;
+};
+
+inline constexpr std::size_t c_recordWords = sizeof(Record) / sizeof(std::uint64_t);
+static_assert(sizeof(Record) % sizeof(std::uint64_t) == 0);
+
+// Leaves with a number from here on aren't looked up in Record::m_leaves.
+inline constexpr int c_maskedLeaves = 63;
+
+class ChangeLog {
+public:
+    explicit ChangeLog(std::uint32_t number) noexcept : m_number(number) {}
+
+    std::uint32_t number() const noexcept { return m_number; }
+    bool empty() const noexcept { return m_words.size() == 0; }
+    // Where the next record will be read from, after it was written; 0 if there is none.
+    std::size_t end() const noexcept { return m_words.size(); }
+    WordBuffer & words() noexcept { return m_words; }
+    WordBuffer const & words() const noexcept { return m_words; }
+
+    // A record by the place behind it.
+    Record & record(std::size_t end) noexcept {
+        return *reinterpret_cast<Record *>(m_words.data() + end - c_recordWords);
+    }
+    std::uint64_t * payload(std::size_t end) noexcept {
+        return m_words.data() + end - c_recordWords - record(end).m_words;
+    }
+    // The place behind the record before.
+    std::size_t before(std::size_t end) noexcept {
+        return end - c_recordWords - record(end).m_words;
+    }
+
+    // Writes the record behind the payload that begins at `begin`; returns the place behind it.
+    std::size_t close(std::size_t begin, Record const & record) {
+        Record written = record;
+        written.m_words = static_cast<std::uint32_t>(m_words.size() - begin);
+        std::memcpy(m_words.append(c_recordWords), &written, sizeof(written));
+        return m_words.size();
+    }
+
+    // The bytes of the log and of the entities that it keeps.
+    std::size_t bytes() const noexcept { return m_words.capacity() * 8 + m_keptBytes; }
+    void addKeptBytes(std::size_t bytes) noexcept { m_keptBytes += bytes; }
+    std::size_t keptBytes() const noexcept { return m_keptBytes; }
+
+    // Whether a record is about something that is saved.
+    bool isPersistent() const noexcept { return m_bPersistent; }
+    void persistent() noexcept { m_bPersistent = true; }
+    // Whether words own what they refer to, or entities are kept, so that giving the log up takes a walk.
+    bool isOwning() const noexcept { return m_bOwning; }
+    void owning() noexcept { m_bOwning = true; }
+
+private:
+    WordBuffer m_words;
+    std::uint32_t const m_number;
+    std::size_t m_keptBytes = 0;
+    bool m_bPersistent = false;
+    bool m_bOwning = false;
+};
+
+} // namespace Vn::DataModel
+
+#endif

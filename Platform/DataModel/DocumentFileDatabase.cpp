@@ -1,0 +1,136 @@
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "Platform/DataModel/DocumentFileDatabaseInternal.h"
+
+namespace Vn::DataModel {
+
+namespace {
+
+constexpr int c_busyMilliseconds = 1000;
+
+EStatus codeOf(int result, int error) {
+    switch (result & 0xFF) {
+    case SQLITE_FULL: return StatusNoSpace;
+    case SQLITE_NOTADB:
+    case SQLITE_CORRUPT:
+    case SQLITE_SCHEMA: return StatusCorrupt;
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED: return StatusBusy;
+    case SQLITE_NOMEM: return StatusOutOfMemory;
+    case SQLITE_PERM:
+    case SQLITE_READONLY:
+    case SQLITE_AUTH: return StatusAccessDenied;
+    case SQLITE_CANTOPEN: return error == ENOENT ? StatusNotFound : StatusAccessDenied;
+    case SQLITE_IOERR:
+        if (result == SQLITE_IOERR_NOMEM) return StatusOutOfMemory;
+        return result == SQLITE_IOERR_CORRUPTFS ? StatusCorrupt : StatusIO;
+    default: return StatusFailed;
+    }
+}
+
+} // namespace
+
+std::string pathText(std::filesystem::path const & path) {
+    std::u8string const text = path.u8string();
+    return std::string(text.begin(), text.end());
+}
+
+Database::Database(std::string operation, std::filesystem::path file, std::string fileSystem)
+    : m_operation(std::move(operation)), m_file(std::move(file)),
+      m_fileSystem(std::move(fileSystem)) {}
+
+void Database::open(bool create) {
+    // An absolute path, since a name that begins with "file:" means something else to the engine.
+    std::error_code error;
+    std::filesystem::path const path = std::filesystem::absolute(m_file, error);
+    if (error) fail(StatusInvalidArgument, error.message());
+    int const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE
+        | (create ? SQLITE_OPEN_CREATE : 0);
+    int const result = sqlite3_open_v2(pathText(path).c_str(), &m_pDatabase, flags,
+                                       m_fileSystem.empty() ? nullptr : m_fileSystem.c_str());
+    if (result != SQLITE_OK) fail(result);
+    sqlite3_busy_timeout(m_pDatabase, c_busyMilliseconds);
+    for (int const option : {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW,
+                             SQLITE_DBCONFIG_TRUSTED_SCHEMA, SQLITE_DBCONFIG_DQS_DDL,
+                             SQLITE_DBCONFIG_DQS_DML})
+        sqlite3_db_config(m_pDatabase, option, 0, nullptr);
+    sqlite3_db_config(m_pDatabase, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    constexpr std::pair<int, int> c_limits[] = {
+        {SQLITE_LIMIT_SQL_LENGTH, 1'000'000}, {SQLITE_LIMIT_EXPR_DEPTH, 16},
+        {SQLITE_LIMIT_COMPOUND_SELECT, 1},    {SQLITE_LIMIT_VDBE_OP, 250'000},
+        {SQLITE_LIMIT_FUNCTION_ARG, 8},       {SQLITE_LIMIT_ATTACHED, 0},
+        {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 8}, {SQLITE_LIMIT_VARIABLE_NUMBER, 2'000},
+        {SQLITE_LIMIT_TRIGGER_DEPTH, 0},      {SQLITE_LIMIT_WORKER_THREADS, 0}};
+    for (auto const & [limit, most] : c_limits) sqlite3_limit(m_pDatabase, limit, most);
+}
+
+void Database::close() noexcept {
+    sqlite3_close_v2(std::exchange(m_pDatabase, nullptr));
+}
+
+void Database::takeEmpty() {
+    sqlite3_file * file = nullptr;
+    sqlite3_file_control(m_pDatabase, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    if (!file || !file->pMethods) fail(SQLITE_CANTOPEN);
+    int result = file->pMethods->xLock(file, SQLITE_LOCK_SHARED);
+    if (result == SQLITE_OK) result = file->pMethods->xLock(file, SQLITE_LOCK_RESERVED);
+    if (result == SQLITE_OK) result = file->pMethods->xLock(file, SQLITE_LOCK_EXCLUSIVE);
+    if (result != SQLITE_OK) fail(result);
+    // Who held the lock before may have given the file its final name meanwhile: then it isn't ours.
+    int moved = 0;
+    sqlite3_file_control(m_pDatabase, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    if (moved) fail(SQLITE_BUSY);
+    result = file->pMethods->xTruncate(file, 0);
+    if (result != SQLITE_OK) fail(result);
+    run("PRAGMA locking_mode=EXCLUSIVE");
+}
+
+bool Database::readHeader(Header & header) const {
+    sqlite3_file * file = nullptr;
+    sqlite3_file_control(m_pDatabase, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    if (!file || !file->pMethods) fail(SQLITE_CANTOPEN);
+    int const result =
+        file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
+    if (result == SQLITE_IOERR_SHORT_READ) return false;
+    if (result != SQLITE_OK) fail(result);
+    return true;
+}
+
+void Database::run(std::string const & sql) const {
+    int const result = sqlite3_exec(m_pDatabase, sql.c_str(), nullptr, nullptr, nullptr);
+    if (result != SQLITE_OK) fail(result);
+}
+
+long long Database::number(std::string const & sql) const {
+    Statement statement(*this, sql);
+    return statement.step() ? statement.integer(0) : 0;
+}
+
+void Database::fail(int result) const {
+    int const error = m_pDatabase ? sqlite3_system_errno(m_pDatabase) : 0;
+    EStatus code = codeOf(result, error);
+    std::string cause = sqlite3_errstr(result & 0xFF);
+    if (m_pDatabase && sqlite3_extended_errcode(m_pDatabase) == result)
+        cause = sqlite3_errmsg(m_pDatabase);
+    if (code == StatusIO && error == ENOSPC) code = StatusNoSpace;
+    bool const fromSystem =
+        code == StatusIO || code == StatusNoSpace || (result & 0xFF) == SQLITE_CANTOPEN;
+    if (fromSystem && error != 0) cause += ": " + std::generic_category().message(error);
+    fail(code, cause);
+}
+
+void Database::fail(EStatus code, std::string_view cause) const {
+    throw FileFailure{Status(code, m_operation, pathText(m_file), cause)};
+}
+
+Statement::Statement(Database const & database, std::string const & sql) : m_pDatabase(&database) {
+    sqlite3_stmt * statement = nullptr;
+    int const result = sqlite3_prepare_v3(database.get(), sql.data(), static_cast<int>(sql.size()),
+                                          SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
+    m_pStatement.reset(statement);
+    if (result != SQLITE_OK) database.fail(result);
+}
+
+} // namespace Vn::DataModel

@@ -1,0 +1,159 @@
+#include "Platform/DataModel/Entity.h"
+
+#include <algorithm>
+
+#include "Platform/DataModel/Asset.h"
+#include "Platform/DataModel/ChangeHistory.h"
+#include "Platform/DataModel/EntityChange.h"
+#include "Platform/DataModel/IEntityObserver.h"
+#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/Segment.h"
+
+namespace Vn {
+
+namespace {
+
+constinit InterfaceId s_entityId("Vn::Entity");
+constinit InterfaceId s_observerId("Vn::IEntityObserver");
+
+} // namespace
+
+std::string Entity::s_metaTypeId() { return "98542EB9-A4F2-4137-A808-DBB5B3CD6159"; }
+
+UniqueString const * Entity::interfaceId() { return s_entityId.get(); }
+UniqueString const * Entity::getInterfaceId() const { return interfaceId(); }
+
+void * Entity::queryInterface(UniqueString const * id) const {
+    return id == interfaceId() ? const_cast<Entity *>(this) : nullptr;
+}
+
+void * Entity::queryMTInterface(MetaType const *) { return nullptr; }
+
+Entity::Entity(Segment * segment) : m_id(segment->asset()->m_nextId++), m_pSegment(segment) {
+    Asset & asset = *segment->asset();
+    asset.enter(*this);
+    asset.history().born(*this);
+}
+
+Entity::Entity(Segment * segment, unsigned long long id)
+    : m_flags(FlagLoaded), m_id(id), m_pSegment(segment) {
+    segment->asset()->enter(*this);
+}
+
+Entity::~Entity() {
+    if (!m_pSegment) return;
+    if (m_flags & (FlagObserved | FlagVersions)) {
+        asset()->m_observers.erase(this);
+        asset()->m_versions.erase(this);
+    }
+    if (m_flags & FlagHeld) asset()->m_held.erase(this);
+    // An object that nobody ever owned leaves here; all others did when they died.
+    if (!(m_flags & FlagDead)) asset()->m_history.unborn(*this);
+}
+
+Asset * Entity::asset() const noexcept { return m_pSegment ? m_pSegment->asset() : nullptr; }
+
+void Entity::destroy() noexcept {
+    if (!m_pSegment) return RefCounted::destroy();
+    asset()->m_history.orphaned(*this);
+}
+
+unsigned Entity::migratingVersion(EntityMetaType const * type) const {
+    if (m_pSegment && (m_flags & FlagVersions)) {
+        auto const i = asset()->m_versions.find(this);
+        if (i != asset()->m_versions.end())
+            for (auto const & entry : i->second)
+                if (entry.first == type) return entry.second;
+    }
+    return type->version();
+}
+
+void Entity::migratingVersion(EntityMetaType const * type, unsigned version) {
+    if (!m_pSegment) return;
+    auto & versions = asset()->m_versions[this];
+    m_flags |= FlagVersions;
+    for (auto & entry : versions)
+        if (entry.first == type) {
+            entry.second = version;
+            return;
+        }
+    versions.emplace_back(type, version);
+}
+
+void Entity::markMigrating() { m_flags |= FlagMigrating; }
+
+void Entity::postCreation(DataChange::ETransact transact) {
+    onPostCreation(transact);
+    if (m_pSegment) m_pSegment->entityEventSource()->tellPostCreate(*this, transact);
+}
+
+EntityChange * Entity::outerChange() const noexcept {
+    return m_flags & FlagChanging ? asset()->m_history.outermostBracket(*this) : nullptr;
+}
+
+void Entity::subscribe(IEntityObserver * observer) {
+    if (!observer || !m_pSegment) return;
+    auto & observers = asset()->m_observers[this];
+    m_flags |= FlagObserved;
+    if (std::find(observers.begin(), observers.end(), observer) == observers.end())
+        observers.push_back(observer);
+}
+
+void Entity::unsubscribe(IEntityObserver * observer) {
+    if (!m_pSegment || !(m_flags & FlagObserved)) return;
+    auto const i = asset()->m_observers.find(this);
+    if (i == asset()->m_observers.end()) return;
+    std::erase(i->second, observer);
+    if (i->second.empty()) {
+        asset()->m_observers.erase(i);
+        m_flags &= ~static_cast<std::uint32_t>(FlagObserved);
+    }
+}
+
+unsigned Entity::version() const { return migratingVersion(onMetaType()); }
+
+template <class Tell>
+void Entity::tellObservers(Tell && tell) {
+    if (!(m_flags & FlagObserved) || !m_pSegment) return;
+    auto const & all = asset()->m_observers;
+    auto const i = all.find(this);
+    if (i == all.end()) return;
+    std::vector<IEntityObserver *> const observers = i->second;
+    for (IEntityObserver * const observer : observers) {
+        auto const now = all.find(this); // one that is told may send others away
+        if (now == all.end()) return;
+        if (std::find(now->second.begin(), now->second.end(), observer) != now->second.end())
+            tell(*observer);
+    }
+}
+
+void Entity::onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,
+                         DataChange * details) {
+    tellObservers([&](IEntityObserver & o) { o.preChange(this, transact, type, details); });
+}
+
+void Entity::onPostChange(DataChange::ETransact transact, DataChange::EChangeType type,
+                          DataChange * details) {
+    tellObservers([&](IEntityObserver & o) { o.postChange(this, transact, type, details); });
+}
+
+void Entity::onPreDeletion(DataChange::ETransact transact) {
+    tellObservers([&](IEntityObserver & o) { o.preDeletion(this, transact); });
+}
+
+void Entity::onPostCreation(DataChange::ETransact) {}
+void Entity::onPostMigrate() {}
+void Entity::doInitializeMigrationHelpers() {}
+void Entity::doUninitializeMigrationHelpers() {}
+std::size_t Entity::onSizeInBytes() const { return 0; }
+std::wstring Entity::onToString() const { return L"Entity " + std::to_wstring(m_id); }
+
+IEntityObserver::~IEntityObserver() = default;
+UniqueString const * IEntityObserver::interfaceId() { return s_observerId.get(); }
+UniqueString const * IEntityObserver::getInterfaceId() const { return interfaceId(); }
+void * IEntityObserver::queryInterface(UniqueString const * id) const {
+    return id == interfaceId() ? const_cast<IEntityObserver *>(this) : nullptr;
+}
+
+} // namespace Vn

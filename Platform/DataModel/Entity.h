@@ -1,0 +1,153 @@
+// The objects of a document.
+
+#ifndef VN_PLATFORM_DATAMODEL_ENTITY_H
+#define VN_PLATFORM_DATAMODEL_ENTITY_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "Platform/Base/RefCounted.h"
+#include "Platform/Base/UniqueString.h"
+#include "Platform/DataModel/DataChange.h"
+#include "Platform/DataModel/Export.h"
+
+namespace Vn {
+
+class Asset;
+class ChangeHistory;
+class EntityChange;
+class EntityMetaType;
+class IEntityObserver;
+class MetaType;
+class Segment;
+
+// What a step of migration leaves behind.
+enum EMigrationStatus : unsigned { MigrationFailed = 0, MigrationDone = 1 };
+
+// An object that lives in a document: created, changed, undone, saved and loaded by it.
+//
+// An entity is alive from its constructor until its last StrongRef goes, or until a replay takes its
+// creation back.  It is then told so by onPreDeletion, leaves its segment, and every PassiveRef to it
+// tests null.  As long as an undo or a redo may bring it back, the object itself is kept; if that
+// happens, it is alive again with the same address, id and fields, and the PassiveRefs lead to it.
+//
+// Every class of entities derives from Entity first, so that the address of the object is that of
+// its Entity.  All of it runs on the thread of the document.
+class VN_DATAMODEL_API Entity : public RefCounted {
+public:
+    ~Entity() override;
+    Entity(Entity const &) = delete;
+    Entity & operator=(Entity const &) = delete;
+
+    // The meta-type id at the end of every chain of meta types.
+    static std::string s_metaTypeId();
+    static UniqueString const * interfaceId();
+    virtual UniqueString const * getInterfaceId() const;
+    // This object as the class or interface with that id, or null if it doesn't offer it.
+    virtual void * queryInterface(UniqueString const * id) const;
+    // This object, or a part of it, as the one that a meta type describes; null if it doesn't.
+    virtual void * queryMTInterface(MetaType const * type);
+
+    // Unique in the document and the same after loading; never used again.
+    unsigned long long id() const noexcept { return m_id; }
+    // The owners; null once the document is closed.
+    Segment * segment() const noexcept { return m_pSegment; }
+    Asset * asset() const noexcept;
+    // The meta type of the most derived class.
+    EntityMetaType * metaType() const { return onMetaType(); }
+
+    // Whether the entity was made by running code and not loaded.
+    bool isCreating() const noexcept { return !(m_flags & FlagLoaded); }
+    // Whether it is in its document at present.
+    bool isAlive() const noexcept { return !(m_flags & FlagDead); }
+
+    // The version that the entity is being migrated from, for one meta type of its chain.  Without
+    // a record of its own it is that of the meta type.
+    unsigned migratingVersion(EntityMetaType const * type) const;
+    void migratingVersion(EntityMetaType const * type, unsigned version);
+    // Has the document run onPostMigrate once everything is loaded.
+    void markMigrating();
+    bool isMarkedMigrating() const noexcept { return (m_flags & FlagMigrating) != 0; }
+
+    // Runs onPostCreation and tells the segment's event source.  Called by `make` of each class, once.
+    void postCreation(DataChange::ETransact transact);
+
+    // The steps of a migration, called by the document while it loads.
+    void postMigrate() { onPostMigrate(); }
+    void initializeMigrationHelpers() { doInitializeMigrationHelpers(); }
+    void uninitializeMigrationHelpers() { doUninitializeMigrationHelpers(); }
+
+    // The outermost bracket that is open on this entity, or null.
+    EntityChange * outerChange() const noexcept;
+
+    // Attaches and detaches an observer, which isn't owned and must detach itself before it ends.
+    // Null is ignored, and so is one that is there already or isn't.
+    void subscribe(IEntityObserver * observer);
+    void unsubscribe(IEntityObserver * observer);
+
+    // The version of the class, or of the file while the entity is migrating.
+    virtual unsigned version() const;
+
+protected:
+    // Enters the object into the segment as a new one, with a new id.
+    explicit Entity(Segment * segment);
+    // The same for one that is being loaded, with its id.
+    Entity(Segment * segment, unsigned long long id);
+
+    // The hooks.  An override calls that of its base first.  Around a change of members; details
+    // may be null:
+    virtual void onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,
+                             DataChange * details);
+    virtual void onPostChange(DataChange::ETransact transact, DataChange::EChangeType type,
+                              DataChange * details);
+    // Before the entity leaves the document.
+    virtual void onPreDeletion(DataChange::ETransact transact);
+    // Once it is complete.
+    virtual void onPostCreation(DataChange::ETransact transact);
+    virtual void onPostMigrate();
+    virtual void doInitializeMigrationHelpers();
+    virtual void doUninitializeMigrationHelpers();
+    virtual EntityMetaType * onMetaType() const = 0;
+    // The bytes of the object beyond its instance size, for the ceiling of the undo history.
+    virtual std::size_t onSizeInBytes() const;
+    std::wstring onToString() const override;
+
+private:
+    friend class Asset;
+    friend class ChangeHistory;
+    friend class DocumentFile;
+    friend class EntityChange;
+    friend class MemberSplices;
+    friend class Segment;
+
+    enum : std::uint32_t {
+        FlagLoaded = 1,    // made by the loading constructor
+        FlagDead = 2,      // out of the document
+        FlagKept = 4,      // dead, and kept by the history
+        FlagDying = 8,     // its onPreDeletion is running or about to
+        FlagChanging = 16, // a bracket is open
+        FlagObserved = 32,
+        FlagMigrating = 64,
+        FlagVersions = 128, // versions are recorded
+        FlagDirty = 256,    // differs from what was last saved
+        FlagStored = 512,   // stands in the file
+        FlagQueued = 1024,  // waits for its deletion
+        FlagHeld = 2048     // dead for good, and still held by somebody
+    };
+
+    void destroy() noexcept override;
+    template <class Tell>
+    void tellObservers(Tell && tell);
+
+    std::uint32_t m_flags = 0;
+    // The last record about this entity in the log with that number.
+    std::uint32_t m_logNumber = 0;
+    std::uint32_t m_logRecord = 0;
+    unsigned long long const m_id;
+    Segment * m_pSegment;
+};
+
+} // namespace Vn
+
+#endif

@@ -1,0 +1,107 @@
+#include "Platform/DataModel/EntityChange.h"
+
+#include "Platform/DataModel/Asset.h"
+#include "Platform/DataModel/ChangeHistory.h"
+#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/DataModel/MetaType.h"
+
+namespace Vn {
+
+namespace {
+
+constinit InterfaceId s_summarizerId("Vn::EntityChangeSummarizer");
+
+ChangeHistory * historyOf(Entity & entity) noexcept {
+    Asset * const asset = entity.asset();
+    return asset ? &asset->history() : nullptr;
+}
+
+} // namespace
+
+EntityChangeSummarizer::~EntityChangeSummarizer() = default;
+UniqueString const * EntityChangeSummarizer::interfaceId() { return s_summarizerId.get(); }
+UniqueString const * EntityChangeSummarizer::getInterfaceId() const { return interfaceId(); }
+void * EntityChangeSummarizer::queryInterface(UniqueString const * id) const {
+    return id == interfaceId() ? const_cast<EntityChangeSummarizer *>(this) : nullptr;
+}
+
+EntityChange::EntityChange(Entity * entity, DataChange::ETransact transact,
+                           DataChange::EChangeType type, DataChange::ETiming timing,
+                           DataChange * details, bool undoable)
+    : m_pEntity(entity), m_pHistory(historyOf(*entity)), m_transact(transact), m_type(type),
+      m_timing(timing), m_pDetails(details), m_exceptions(std::uncaught_exceptions()),
+      m_bUndoable(undoable), m_told(type) {
+    if (m_pHistory) m_pHistory->openBracket(*this);
+    if (!(timing & DataChange::TimingPre)) return;
+    if (!DataChange::test(transact, DataChange::TransactReplay)) {
+        try {
+            entity->onPreChange(transact, type, details);
+        } catch (...) {
+            if (m_pHistory) m_pHistory->closeBracket(*this);
+            throw;
+        }
+        return;
+    }
+    try { // a replay goes on whatever a hook throws
+        entity->onPreChange(transact, type, details);
+    } catch (...) {
+        if (!m_pHistory) throw;
+        if (!m_pHistory->m_hookFailure) m_pHistory->m_hookFailure = std::current_exception();
+    }
+}
+
+EntityChange::~EntityChange() noexcept(false) {
+    std::exception_ptr failure;
+    try {
+        tellPost();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    if (m_pHistory) m_pHistory->closeBracket(*this);
+    if (!failure) return;
+    if (m_pHistory && DataChange::test(m_transact, DataChange::TransactReplay)) {
+        if (!m_pHistory->m_hookFailure) m_pHistory->m_hookFailure = failure;
+    } else if (std::uncaught_exceptions() == m_exceptions)
+        std::rethrow_exception(failure);
+}
+
+void EntityChange::tellPost() {
+    if (m_pOutermost) m_pOutermost->m_told = m_type;
+    if (m_timing & DataChange::TimingPost) m_pEntity->onPostChange(m_transact, m_type, m_pDetails);
+    // By index: one that is told may add another.
+    for (std::size_t i = 0; i < m_summaries.size(); ++i)
+        m_summaries[i].m_pSummarizer->postChange(m_summaries[i].m_type, m_timing);
+}
+
+EntityChangeSummarizer * EntityChange::findSummarizer(UniqueString const * interfaceId) const {
+    for (Summary const & summary : m_summaries)
+        if (summary.m_pSummarizer->queryInterface(interfaceId)) return summary.m_pSummarizer.get();
+    return nullptr;
+}
+
+void EntityChange::add(EntityChangeSummarizer * summarizer) {
+    std::unique_ptr<EntityChangeSummarizer> owned(summarizer);
+    if (owned) m_summaries.push_back({std::move(owned), m_told});
+}
+
+MemberSplices::MemberSplices(Entity & entity, void const * member)
+    : m_entity(entity), m_pMember(member), m_pHistory(historyOf(entity)) {
+    if (!m_pHistory) return;
+    if (m_pHistory->m_pLog) m_leaf = m_pHistory->leafOf(entity, member);
+    m_pEnclosing = m_pHistory->m_pSplices;
+    m_pHistory->m_pSplices = this;
+}
+
+MemberSplices::~MemberSplices() {
+    if (m_pHistory) m_pHistory->m_pSplices = m_pEnclosing;
+}
+
+void MemberSplices::inserted(std::size_t index, std::size_t count) {
+    if (m_pHistory && m_leaf >= 0) m_pHistory->spliced(*this, true, index, count);
+}
+
+void MemberSplices::erasing(std::size_t index, std::size_t count) {
+    if (m_pHistory && m_leaf >= 0) m_pHistory->spliced(*this, false, index, count);
+}
+
+} // namespace Vn

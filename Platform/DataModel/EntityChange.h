@@ -1,0 +1,146 @@
+// The bracket around a change of an entity.
+
+#ifndef VN_PLATFORM_DATAMODEL_ENTITYCHANGE_H
+#define VN_PLATFORM_DATAMODEL_ENTITYCHANGE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "Platform/Base/UniqueString.h"
+#include "Platform/DataModel/DataChange.h"
+#include "Platform/DataModel/Entity.h"
+#include "Platform/DataModel/Export.h"
+
+namespace Vn {
+
+class ChangeHistory;
+class EntityChange;
+
+// Hears of the changes within one bracket, and tells of them once.
+class VN_DATAMODEL_API EntityChangeSummarizer {
+public:
+    EntityChangeSummarizer() = default;
+    EntityChangeSummarizer(EntityChangeSummarizer const &) = delete;
+    EntityChangeSummarizer & operator=(EntityChangeSummarizer const &) = delete;
+    virtual ~EntityChangeSummarizer();
+
+    // Forwards if the bracket's timing has that stage.  The bracket calls postChange when it closes.
+    void preChange(DataChange::EChangeType type, DataChange::ETiming timing) {
+        if (timing & DataChange::TimingPre) onPreChange(type);
+    }
+    void postChange(DataChange::EChangeType type, DataChange::ETiming timing) {
+        if (timing & DataChange::TimingPost) onPostChange(type);
+    }
+
+    static UniqueString const * interfaceId();
+    virtual UniqueString const * getInterfaceId() const;
+    virtual void * queryInterface(UniqueString const * id) const;
+
+private:
+    virtual void onPreChange(DataChange::EChangeType type) = 0;
+    virtual void onPostChange(DataChange::EChangeType type) = 0;
+};
+
+// A local object that stands around every change of persisted members:
+//
+//     EntityChange change(this, DataChange::TransactDirect, DataChange::ChangeValue,
+//                         DataChange::TimingPreAndPost, nullptr, true);
+//     m_name = name;
+//
+// The constructor tells the entity that a change comes, the destructor that it is over.  Brackets
+// nest, on one entity and across entities, and close in the reverse order of opening.  What is
+// recorded for undo is what differs when the outermost bracket of the entity closes.  A bracket
+// that an exception leaves is closed like any other, and what was changed until then is recorded.
+class VN_DATAMODEL_API EntityChange {
+public:
+    // `details` may be null and must outlive the bracket.  Without `undoable` the change can't be
+    // undone, isn't saved by itself, and leaves the history as it is: for what isn't persisted.  If
+    // a hook throws here, there is no bracket.
+    EntityChange(Entity * entity, DataChange::ETransact transact, DataChange::EChangeType type,
+                 DataChange::ETiming timing, DataChange * details, bool undoable);
+    // Closes.  What a hook throws goes on to the caller unless the bracket is left by an exception
+    // already.
+    ~EntityChange() noexcept(false);
+    EntityChange(EntityChange const &) = delete;
+    EntityChange & operator=(EntityChange const &) = delete;
+
+    // What the constructor was given.
+    Entity * entity() const noexcept { return m_pEntity; }
+    DataChange::ETransact transact() const noexcept { return m_transact; }
+    DataChange::EChangeType type() const noexcept { return m_type; }
+    DataChange::ETiming timing() const noexcept { return m_timing; }
+
+    // The summarizer of this bracket that offers an interface; null if there is none.
+    EntityChangeSummarizer * findSummarizer(UniqueString const * interfaceId) const;
+    // Takes a summarizer over, for as long as the bracket is open.
+    void add(EntityChangeSummarizer * summarizer);
+
+private:
+    friend class ChangeHistory;
+    friend class Entity;
+
+    struct Summary {
+        std::unique_ptr<EntityChangeSummarizer> m_pSummarizer;
+        DataChange::EChangeType m_type;
+    };
+
+    void tellPost();
+
+    Entity * const m_pEntity;
+    ChangeHistory * const m_pHistory; // null for an entity without a document
+    DataChange::ETransact const m_transact;
+    DataChange::EChangeType const m_type;
+    DataChange::ETiming const m_timing;
+    DataChange * const m_pDetails;
+    int const m_exceptions;
+    bool const m_bUndoable;
+    EntityChange * m_pOutermost = nullptr; // of this entity
+    EntityChange * m_pEnclosing = nullptr; // the bracket that was innermost before
+    std::uint32_t m_log = 0;               // the log for which members were kept; 0 if none
+    unsigned m_types = 0;                  // of this bracket and those within, combined
+    std::size_t m_snapshot = 0;            // where the members as they were begin
+    std::uint64_t m_leaves = 0;            // which of the first 63 members were kept
+    DataChange::EChangeType m_told;        // the type being told at present
+    std::vector<Summary> m_summaries;
+};
+
+// Says that the brackets that open on an entity within this scope change a vector member only at the
+// places that are told here.  Without it a bracket keeps a copy of the vector, whose cost follows
+// its length; with it the cost follows the change.
+//
+//     MemberSplices splices(*this, &m_children);
+//     EntityChange change(this, ...);
+//     m_children.push_back(child);
+//     splices.inserted(m_children.size() - 1);
+class VN_DATAMODEL_API MemberSplices {
+public:
+    // `member` is the address of the member in the entity.
+    MemberSplices(Entity & entity, void const * member);
+    ~MemberSplices();
+    MemberSplices(MemberSplices const &) = delete;
+    MemberSplices & operator=(MemberSplices const &) = delete;
+
+    // Elements stand now at `index` that weren't there; said right behind the change.
+    void inserted(std::size_t index, std::size_t count = 1);
+    // Elements are about to go; said right before.
+    void erasing(std::size_t index, std::size_t count = 1);
+
+    // The member, and the entity.
+    void const * member() const noexcept { return m_pMember; }
+    Entity & entity() const noexcept { return m_entity; }
+
+private:
+    friend class ChangeHistory;
+
+    Entity & m_entity;
+    void const * const m_pMember;
+    ChangeHistory * const m_pHistory;
+    MemberSplices * m_pEnclosing = nullptr;
+    int m_leaf = -1;
+};
+
+} // namespace Vn
+
+#endif

@@ -1,0 +1,367 @@
+#include <cstring>
+#include <utility>
+
+#include "Platform/DataModel/Entity.h"
+#include "Platform/DataModel/MemberLayoutInternal.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/Types/GlobalizedString.h"
+
+namespace Vn::DataModel {
+
+namespace {
+
+using Words = std::uint64_t const *;
+
+constexpr std::uint64_t c_counted = 1;
+
+static_assert(sizeof(GlobalizedString) == sizeof(std::uint64_t));
+static_assert(sizeof(PassiveRef<Entity>) == sizeof(std::uint64_t));
+
+bool ownsWords(EMemberKind kind) noexcept {
+    return kind == EMemberKind::GlobalizedString || kind == EMemberKind::PassiveRef
+        || kind == EMemberKind::StrongRef;
+}
+
+// The bytes of the kinds that fit a word.
+std::size_t plainBytes(EMemberKind kind) noexcept {
+    switch (kind) {
+    case EMemberKind::Bool: return sizeof(bool);
+    case EMemberKind::Int:
+    case EMemberKind::UnsignedInt: return sizeof(int);
+    case EMemberKind::Float: return sizeof(float);
+    case EMemberKind::Int64:
+    case EMemberKind::UnsignedInt64:
+    case EMemberKind::Double: return 8;
+    default: return 0;
+    }
+}
+
+template <class Text>
+std::size_t textWords(Text const & text) noexcept {
+    return (text.size() * sizeof(text[0]) + 7) / 8;
+}
+
+template <class Text>
+void keepText(void const * field, WordBuffer & words) {
+    Text const & text = *static_cast<Text const *>(field);
+    std::size_t const count = textWords(text);
+    std::uint64_t * const place = words.append(1 + count);
+    place[0] = text.size();
+    if (count) {
+        place[count] = 0; // the padding, so that equal texts have equal words
+        std::memcpy(place + 1, text.data(), text.size() * sizeof(text[0]));
+    }
+}
+
+template <class Text>
+std::size_t keptTextWords(Words words) noexcept {
+    return 1 + (words[0] * sizeof(typename Text::value_type) + 7) / 8;
+}
+
+template <class Text>
+bool isKeptText(void const * field, Words & words) noexcept {
+    Text const & text = *static_cast<Text const *>(field);
+    bool const same = text.size() == words[0]
+        && std::memcmp(text.data(), words + 1, text.size() * sizeof(text[0])) == 0;
+    words += keptTextWords<Text>(words);
+    return same;
+}
+
+template <class Text>
+void restoreText(void * field, Words & words) {
+    using Character = typename Text::value_type;
+    static_cast<Text *>(field)->assign(reinterpret_cast<Character const *>(words + 1),
+                                       static_cast<std::size_t>(words[0]));
+    words += keptTextWords<Text>(words);
+}
+
+// The entity that a StrongRef<T> or a word of one refers to.  Entities stand at the beginning of their
+// objects, so that the reference of any class is one to an Entity.
+StrongRef<Entity> & strong(void * field) noexcept { return *static_cast<StrongRef<Entity> *>(field); }
+Entity * strong(void const * field) noexcept {
+    return static_cast<StrongRef<Entity> const *>(field)->get();
+}
+Entity * strong(std::uint64_t word) noexcept {
+    return reinterpret_cast<Entity *>(static_cast<std::uintptr_t>(word & ~c_counted));
+}
+PassiveRef<Entity> & passive(void * field) noexcept {
+    return *static_cast<PassiveRef<Entity> *>(field);
+}
+
+// One value that is no vector.
+void keepOne(EMemberKind kind, void const * field, Asset const * asset, WordBuffer & words) {
+    switch (kind) {
+    case EMemberKind::String: keepText<std::string>(field, words); return;
+    case EMemberKind::WideString: keepText<std::wstring>(field, words); return;
+    case EMemberKind::GlobalizedString:
+        new (words.append(1)) GlobalizedString(*static_cast<GlobalizedString const *>(field));
+        return;
+    case EMemberKind::StrongRef: {
+        Entity * const entity = strong(field);
+        auto word = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(entity));
+        std::uint64_t * const place = words.append(1);
+        if (entity && entity->asset() != asset) {
+            entity->addRef();
+            word |= c_counted;
+        }
+        *place = word;
+        return;
+    }
+    case EMemberKind::PassiveRef:
+        new (words.append(1)) PassiveRef<Entity>(*static_cast<PassiveRef<Entity> const *>(field));
+        return;
+    default: {
+        std::uint64_t word = 0;
+        std::memcpy(&word, field, plainBytes(kind));
+        words.push(word);
+    }
+    }
+}
+
+bool isKeptOne(EMemberKind kind, void const * field, Words & words) noexcept {
+    switch (kind) {
+    case EMemberKind::String: return isKeptText<std::string>(field, words);
+    case EMemberKind::WideString: return isKeptText<std::wstring>(field, words);
+    case EMemberKind::GlobalizedString:
+        return *static_cast<GlobalizedString const *>(field)
+            == *reinterpret_cast<GlobalizedString const *>(words++);
+    case EMemberKind::StrongRef: return strong(field) == strong(*words++);
+    // The same way to the target, whether that is there at present or not.
+    case EMemberKind::PassiveRef: return std::memcmp(field, words++, 8) == 0;
+    default: return std::memcmp(field, words++, plainBytes(kind)) == 0;
+    }
+}
+
+void restoreOne(EMemberKind kind, void * field, Words & words) {
+    switch (kind) {
+    case EMemberKind::String: restoreText<std::string>(field, words); return;
+    case EMemberKind::WideString: restoreText<std::wstring>(field, words); return;
+    case EMemberKind::GlobalizedString:
+        *static_cast<GlobalizedString *>(field) =
+            *reinterpret_cast<GlobalizedString const *>(words++);
+        return;
+    case EMemberKind::StrongRef: strong(field) = StrongRef<Entity>(strong(*words++)); return;
+    case EMemberKind::PassiveRef:
+        passive(field) = *reinterpret_cast<PassiveRef<Entity> const *>(words++);
+        return;
+    default: std::memcpy(field, words++, plainBytes(kind));
+    }
+}
+
+void skipOne(EMemberKind kind, Words & words) noexcept {
+    switch (kind) {
+    case EMemberKind::String: words += keptTextWords<std::string>(words); return;
+    case EMemberKind::WideString: words += keptTextWords<std::wstring>(words); return;
+    default: ++words;
+    }
+}
+
+void releaseOne(EMemberKind kind, std::uint64_t *& words) noexcept {
+    switch (kind) {
+    case EMemberKind::GlobalizedString:
+        reinterpret_cast<GlobalizedString *>(words++)->~GlobalizedString();
+        return;
+    case EMemberKind::StrongRef:
+        if (*words & c_counted) strong(*words)->release();
+        ++words;
+        return;
+    case EMemberKind::PassiveRef:
+        reinterpret_cast<PassiveRef<Entity> *>(words++)->~PassiveRef();
+        return;
+    default: {
+        Words place = words;
+        skipOne(kind, place);
+        words += place - words;
+    }
+    }
+}
+
+// Calls `visit` with the kind and the field of each piece of an element.
+template <class Visit>
+void visitElement(Leaf const & leaf, char * element, Visit && visit) {
+    if (leaf.m_elementKind != EMemberKind::Value) {
+        visit(leaf.m_elementKind, element);
+        return;
+    }
+    for (Leaf const & part : *leaf.m_pElementLeaves) visit(part.m_kind, element + part.m_offset);
+}
+
+template <class Visit>
+void visitElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
+                   Visit && visit) {
+    if (!count) return;
+    std::size_t const stride = leaf.m_pFunctions->memberBytes(1);
+    auto * element = static_cast<char *>(leaf.m_pFunctions->firstElement(const_cast<void *>(field)))
+        + index * stride;
+    for (std::size_t i = 0; i < count; ++i, element += stride) visitElement(leaf, element, visit);
+}
+
+template <class Visit>
+void visitKinds(Leaf const & leaf, std::size_t count, Visit && visit) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (leaf.m_elementKind != EMemberKind::Value)
+            visit(leaf.m_elementKind);
+        else
+            for (Leaf const & part : *leaf.m_pElementLeaves) visit(part.m_kind);
+    }
+}
+
+bool ownsWords(std::vector<Leaf> const & leaves) noexcept {
+    for (Leaf const & leaf : leaves)
+        if (leaf.m_bOwning) return true;
+    return false;
+}
+
+// The leaves of a kind of values, as parts that begin at the value.  They are worked out once a kind and
+// live to the end of the process.
+std::vector<Leaf> const & leavesOf(ValueMetaType & type) {
+    static std::mutex s_mutex;
+    static auto * const s_leaves = new std::map<ValueMetaType *, std::vector<Leaf> const *>;
+    std::lock_guard const guard(s_mutex);
+    std::vector<Leaf> const *& leaves = (*s_leaves)[&type];
+    if (!leaves) {
+        void * const value = type.construct();
+        MemberSet * const set = type.memberSetOf(value);
+        type.destruct(value);
+        auto made = std::make_unique<std::vector<Leaf>>();
+        appendLeaves(*set, *made);
+        leaves = made.release();
+    }
+    return *leaves;
+}
+
+} // namespace
+
+void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
+    for (unsigned i = 0; i < set.members(); ++i) {
+        Member const & member = set.member(i);
+        Leaf leaf;
+        leaf.m_offset = member.offset();
+        leaf.m_kind = member.type()->kind();
+        leaf.m_bInHelper = member.inHelper();
+        leaf.m_bUndoable = member.test(Member::OptionUndoable);
+        leaf.m_bPersisted = member.test(Member::OptionPersisted);
+        leaf.m_pMember = &member;
+        leaf.m_pSet = &set;
+        leaf.m_pFunctions = member.functions();
+        leaf.m_path = set.className() + '.' + member.name();
+        leaf.m_bOwning = ownsWords(leaf.m_kind);
+        if (leaf.m_kind == EMemberKind::Value) {
+            for (Leaf part : leavesOf(static_cast<ValueMetaType &>(*member.type()))) {
+                part.m_offset += leaf.m_offset;
+                part.m_bInHelper = leaf.m_bInHelper;
+                part.m_bUndoable = leaf.m_bUndoable && part.m_bUndoable;
+                part.m_bPersisted = leaf.m_bPersisted && part.m_bPersisted;
+                part.m_path = leaf.m_path + part.m_path.substr(part.m_path.find('.'));
+                part.m_pMember = leaf.m_pMember;
+                part.m_pSet = leaf.m_pSet;
+                leaves.push_back(std::move(part));
+            }
+            continue;
+        }
+        if (leaf.m_kind == EMemberKind::Vector) {
+            MemberMetaType * const element = leaf.m_pFunctions->elementType();
+            leaf.m_elementKind = element->kind();
+            if (leaf.m_elementKind == EMemberKind::Value) {
+                leaf.m_pElementLeaves = &leavesOf(static_cast<ValueMetaType &>(*element));
+                leaf.m_bOwning = ownsWords(*leaf.m_pElementLeaves);
+            } else
+                leaf.m_bOwning = ownsWords(leaf.m_elementKind);
+        }
+        leaves.push_back(std::move(leaf));
+    }
+}
+
+MemberLayout::MemberLayout(MemberSet const * set) {
+    std::vector<MemberSet const *> chain;
+    for (; set; set = set->base()) chain.push_back(set);
+    for (auto i = chain.rbegin(); i != chain.rend(); ++i) appendLeaves(**i, m_leaves);
+    for (Leaf const & leaf : m_leaves)
+        m_bStrong = m_bStrong || leaf.m_kind == EMemberKind::StrongRef
+            || (leaf.m_kind == EMemberKind::Vector && leaf.m_elementKind == EMemberKind::StrongRef);
+}
+
+int MemberLayout::find(Entity const & entity, void const * field) const noexcept {
+    std::ptrdiff_t const offset =
+        static_cast<char const *>(field) - reinterpret_cast<char const *>(&entity);
+    for (std::size_t i = 0; i < m_leaves.size(); ++i)
+        if (m_leaves[i].m_offset == offset && !m_leaves[i].m_bInHelper) return static_cast<int>(i);
+    return -1;
+}
+
+void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer & words) {
+    if (leaf.m_kind != EMemberKind::Vector) return keepOne(leaf.m_kind, field, asset, words);
+    std::size_t const count = leaf.m_pFunctions->elementCount(field);
+    words.push(count);
+    keepElements(leaf, field, 0, count, asset, words);
+}
+
+bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words) {
+    if (leaf.m_kind != EMemberKind::Vector) return isKeptOne(leaf.m_kind, field, words);
+    std::size_t const kept = static_cast<std::size_t>(*words);
+    if (leaf.m_pFunctions->elementCount(field) != kept) {
+        skip(leaf, words);
+        return false;
+    }
+    ++words;
+    bool same = true;
+    visitElements(leaf, field, 0, kept, [&](EMemberKind kind, char * element) {
+        same = isKeptOne(kind, element, words) && same;
+    });
+    return same;
+}
+
+void restore(Leaf const & leaf, void * field, std::uint64_t const *& words) {
+    if (leaf.m_kind != EMemberKind::Vector) return restoreOne(leaf.m_kind, field, words);
+    std::size_t const count = static_cast<std::size_t>(*words++);
+    std::size_t const present = leaf.m_pFunctions->elementCount(field);
+    if (present > count) leaf.m_pFunctions->eraseElements(field, count, present - count);
+    if (present < count) leaf.m_pFunctions->appendElements(field, count - present);
+    visitElements(leaf, field, 0, count,
+                  [&](EMemberKind kind, char * element) { restoreOne(kind, element, words); });
+}
+
+void skip(Leaf const & leaf, std::uint64_t const *& words) {
+    if (leaf.m_kind != EMemberKind::Vector) return skipOne(leaf.m_kind, words);
+    std::size_t const count = static_cast<std::size_t>(*words++);
+    visitKinds(leaf, count, [&](EMemberKind kind) { skipOne(kind, words); });
+}
+
+void release(Leaf const & leaf, std::uint64_t *& words) noexcept {
+    if (leaf.m_kind != EMemberKind::Vector) return releaseOne(leaf.m_kind, words);
+    std::size_t const count = static_cast<std::size_t>(*words++);
+    releaseElements(leaf, count, words);
+}
+
+void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
+                  Asset const * asset, WordBuffer & words) {
+    visitElements(leaf, field, index, count, [&](EMemberKind kind, char * element) {
+        keepOne(kind, element, asset, words);
+    });
+}
+
+void insertElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count,
+                    std::uint64_t const *& words) {
+    leaf.m_pFunctions->insertElements(field, index, count);
+    visitElements(leaf, field, index, count,
+                  [&](EMemberKind kind, char * element) { restoreOne(kind, element, words); });
+}
+
+void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count) {
+    leaf.m_pFunctions->eraseElements(field, index, count);
+}
+
+void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept {
+    visitKinds(leaf, count, [&](EMemberKind kind) { releaseOne(kind, words); });
+}
+
+void dropStrong(Leaf const & leaf, void * field) noexcept {
+    if (leaf.m_kind == EMemberKind::StrongRef) return strong(field).reset();
+    if (leaf.m_kind != EMemberKind::Vector) return;
+    visitElements(leaf, field, 0, leaf.m_pFunctions->elementCount(field),
+                  [&](EMemberKind kind, char * element) {
+                      if (kind == EMemberKind::StrongRef) strong(element).reset();
+                  });
+}
+
+} // namespace Vn::DataModel

@@ -1,0 +1,102 @@
+// The members of a class in a flat list, and how values of each kind are kept in logs.
+//
+// A value in a log is a row of words of eight bytes:
+//
+//   numbers and bool         one word, whose first bytes are the value
+//   String, WideString       the length in characters, then the characters, padded
+//   GlobalizedString         one word, a GlobalizedString
+//   StrongRef                the entity; the lowest bit set if the word owns a count of it
+//   PassiveRef               one word, a PassiveRef<Entity>
+//   Vector                   the number of elements, then each
+//   Value (in a vector)      its members, one behind the other
+//
+// The words of a GlobalizedString, of a PassiveRef and of a counted StrongRef own what they refer
+// to: they are moved from place to place, and given up by `release`.
+
+#ifndef VN_PLATFORM_DATAMODEL_MEMBERLAYOUTINTERNAL_H
+#define VN_PLATFORM_DATAMODEL_MEMBERLAYOUTINTERNAL_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Platform/DataModel/MemberSet.h"
+#include "Platform/DataModel/WordBufferInternal.h"
+
+namespace Vn {
+class Asset;
+class Entity;
+class EntityMetaType;
+class ValueMetaType;
+}
+
+namespace Vn::DataModel {
+
+// A member that isn't a value, or a part of a value that isn't.
+struct Leaf {
+    std::ptrdiff_t m_offset = 0; // from the entity, or from its helper
+    EMemberKind m_kind = EMemberKind::Bool;
+    EMemberKind m_elementKind = EMemberKind::Bool; // of a vector
+    bool m_bOwning = false; // its words own what they refer to
+    bool m_bInHelper = false;
+    bool m_bUndoable = true;
+    bool m_bPersisted = true;
+    Member const * m_pMember = nullptr;    // the member, or the outermost one that it is a part of
+    MemberSet const * m_pSet = nullptr;    // of which class
+    TemplatizedFunctions * m_pFunctions = nullptr;
+    std::vector<Leaf> const * m_pElementLeaves = nullptr; // of a vector of values
+    std::string m_path; // "Class.member", and ".part" for each value that it is a part of
+};
+
+// The leaves of a member set without those of its base.
+void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves);
+
+// All leaves of a class of entities, base first.
+class MemberLayout {
+public:
+    explicit MemberLayout(MemberSet const * set);
+
+    std::vector<Leaf> const & leaves() const noexcept { return m_leaves; }
+    // The leaf of the field at an address of the entity; -1 if there is none.
+    int find(Entity const & entity, void const * field) const noexcept;
+    // Whether any leaf holds strong references.
+    bool hasStrong() const noexcept { return m_bStrong; }
+
+private:
+    std::vector<Leaf> m_leaves;
+    bool m_bStrong = false;
+};
+
+// The field of a leaf.  Leaves in helpers are found by whoever loads.
+inline void * field(Entity & entity, Leaf const & leaf) noexcept {
+    return reinterpret_cast<char *>(&entity) + leaf.m_offset;
+}
+
+// Appends the value of a field.  References to entities of other documents than `asset` are counted.
+void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer & words);
+// Whether the value in the words is that of the field; `words` goes to the end of the value.
+bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words);
+// Gives the field the value in the words, which stay as they are.
+void restore(Leaf const & leaf, void * field, std::uint64_t const *& words);
+// Steps over a value.
+void skip(Leaf const & leaf, std::uint64_t const *& words);
+// Gives up what the words own, and steps over them.
+void release(Leaf const & leaf, std::uint64_t *& words) noexcept;
+
+// The same for `count` elements of a vector that begin at `index`.
+void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
+                  Asset const * asset, WordBuffer & words);
+// Inserts the elements in the words into a vector, and takes elements out of one.
+void insertElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count,
+                    std::uint64_t const *& words);
+void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count);
+void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept;
+
+// Makes all strong references of a leaf null.
+void dropStrong(Leaf const & leaf, void * field) noexcept;
+
+} // namespace Vn::DataModel
+
+#endif

@@ -1,0 +1,124 @@
+// Which fields of a class are persisted, and where they lie.
+
+#ifndef VN_PLATFORM_DATAMODEL_MEMBERSET_H
+#define VN_PLATFORM_DATAMODEL_MEMBERSET_H
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <tbb/spin_rw_mutex.h>
+
+#include "Platform/DataModel/Export.h"
+#include "Platform/DataModel/MemberMetaType.h"
+
+// The mutex under the name by which member sets have always offered it.
+namespace tbb {
+using spin_rw_mutex_v3 = spin_rw_mutex;
+}
+
+namespace Vn {
+
+class MetaType;
+
+// One persisted field.
+class VN_DATAMODEL_API Member {
+public:
+    // Bits of `options`.
+    enum EOption : std::uint32_t {
+        OptionUndoable = 1,   // recorded by brackets
+        OptionPersisted = 16, // written to the file
+        OptionsDefault = OptionUndoable | OptionPersisted
+    };
+
+    Member(std::string name, std::ptrdiff_t offset, bool inHelper, std::string typeName,
+           MemberMetaType * type, std::unique_ptr<TemplatizedFunctions> functions);
+    ~Member();
+    Member(Member const &) = delete;
+    Member & operator=(Member const &) = delete;
+
+    std::string const & name() const noexcept { return m_name; }
+    // The run-time type name of the field, as the class gave it.
+    std::string const & typeName() const noexcept { return m_typeName; }
+    // The kind of the field; of a vector, that of vectors.
+    MemberMetaType * type() const noexcept { return m_pType; }
+    // How to handle the container; null for a field that is none.
+    TemplatizedFunctions * functions() const noexcept { return m_pFunctions.get(); }
+    // From the object to the field; with `inHelper` from its migration helper.
+    std::ptrdiff_t offset() const noexcept { return m_offset; }
+    bool inHelper() const noexcept { return m_bInHelper; }
+
+    // What is done with the field; all there is unless the class says otherwise.
+    std::uint32_t options() const noexcept { return m_options; }
+    bool test(std::uint32_t options) const noexcept { return (m_options & options) != 0; }
+    Member & set(std::uint32_t options) noexcept {
+        m_options |= options;
+        return *this;
+    }
+    Member & clear(std::uint32_t options) noexcept {
+        m_options &= ~options;
+        return *this;
+    }
+
+private:
+    std::string const m_name;
+    std::string const m_typeName;
+    MemberMetaType * const m_pType;
+    std::unique_ptr<TemplatizedFunctions> const m_pFunctions;
+    std::ptrdiff_t const m_offset;
+    bool const m_bInHelper;
+    std::uint32_t m_options = OptionsDefault;
+};
+
+// The persisted fields of one class in one version, in order, chained to those of its base.  It is
+// filled once, under its mutex, by the first object of the class, and only read afterwards.
+class VN_DATAMODEL_API MemberSet {
+public:
+    // `type` is the class's meta type.
+    explicit MemberSet(MetaType * type);
+    ~MemberSet();
+    MemberSet(MemberSet const &) = delete;
+    MemberSet & operator=(MemberSet const &) = delete;
+
+    // Guards the filling.
+    tbb::spin_rw_mutex_v3 & mutex() noexcept { return m_mutex; }
+    // Whether `initialize` ran.
+    bool initialized() const noexcept { return m_bInitialized; }
+    // Begins the set.  `object` is the instance whose fields are added, from which the offsets are
+    // taken; `className` the name of the class without its namespaces.
+    void initialize(void * object, char const * className);
+    // Appends a member.  `functions`, which is taken over, tells how to handle a container and is
+    // null for other fields.  `extra` may be null; what it points to is set to null.  A field
+    // outside the object is one of its migration helper.
+    Member * addNewMember(std::string const & name, void * fieldAddress, char const * typeName,
+                          MemberMetaType * type, TemplatizedFunctions * functions, void ** extra);
+    // The set of the base class; null at the end.
+    void base(MemberSet * set) noexcept { m_pBase = set; }
+    MemberSet * base() const noexcept { return m_pBase; }
+
+    // The class's meta type and its name.
+    MetaType * metaType() const noexcept { return m_pMetaType; }
+    std::string const & className() const noexcept { return m_className; }
+    // The class's own members.
+    unsigned members() const noexcept { return static_cast<unsigned>(m_members.size()); }
+    Member const & member(unsigned index) const { return m_members[index]; }
+    // A member of this class by its name; null if there is none.
+    Member const * find(std::string_view name) const noexcept;
+
+private:
+    MetaType * const m_pMetaType;
+    tbb::spin_rw_mutex_v3 m_mutex;
+    bool m_bInitialized = false;
+    MemberSet * m_pBase = nullptr;
+    void * m_pObject = nullptr;
+    std::string m_className;
+    std::deque<Member> m_members; // a deque, so that a Member keeps its address
+};
+
+} // namespace Vn
+
+#endif

@@ -1,0 +1,7 @@
+#include "Server/CommonData/Managed/AddInIdentifier.h"
+
+namespace Vn {
+
+std::string CommonDataAddInIdentifier() { return "CommonData"; }
+
+} // namespace Vn

@@ -1,0 +1,180 @@
+#include "Server/CommonData/Managed/ManagedGroupEntityChangeDetails.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <iterator>
+#include <span>
+#include <utility>
+
+#include "Platform/DataModel/InterfaceId.h"
+#include "Server/CommonData/Managed/ManagedEntity.h"
+
+namespace Vn::Managed {
+
+namespace {
+
+using Children = std::vector<ManagedEntity *>;
+using Stretch = std::span<ManagedEntity * const>;
+
+Children targets(std::vector<StrongRef<ManagedEntity>> const & children) {
+    Children raw;
+    raw.reserve(children.size());
+    for (StrongRef<ManagedEntity> const & child : children) raw.push_back(child.get());
+    return raw;
+}
+
+// Two lists, taken apart into what they have in common at both ends and what lies between, since most
+// changes concern a few neighbours in a list that may be long.
+struct Comparison {
+    Comparison(Children const & before, Children const & after) {
+        auto const ends = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+        m_head = Stretch(before.begin(), ends.first);
+        auto const tails =
+            std::mismatch(before.rbegin(), std::make_reverse_iterator(ends.first), after.rbegin(),
+                          std::make_reverse_iterator(ends.second));
+        m_tail = Stretch(tails.first.base(), before.end());
+        m_before = Stretch(ends.first, tails.first.base());
+        m_after = Stretch(ends.second, tails.second.base());
+    }
+
+    Stretch m_head;
+    Stretch m_before;
+    Stretch m_after;
+    Stretch m_tail;
+};
+
+Children sorted(Stretch stretch) {
+    Children all(stretch.begin(), stretch.end());
+    std::sort(all.begin(), all.end(), std::less<>());
+    return all;
+}
+
+// What stands in `a` more often than in `b`, as often as the numbers differ; both are sorted.
+Children difference(Children const & a, Children const & b) {
+    Children rest;
+    std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(rest),
+                        std::less<>());
+    return rest;
+}
+
+bool contains(Children const & all, ManagedEntity * child) {
+    return std::binary_search(all.begin(), all.end(), child, std::less<>());
+}
+
+// The children of a sorted list that stand neither in another nor at the common ends.
+Children missing(Children const & wanted, Children const & other, Comparison const & lists) {
+    Children rest;
+    std::copy_if(wanted.begin(), wanted.end(), std::back_inserter(rest),
+                 [&](ManagedEntity * child) { return !contains(other, child); });
+    rest.erase(std::unique(rest.begin(), rest.end()), rest.end());
+    // A child may be listed more than once.
+    for (Stretch const end : {lists.m_head, lists.m_tail})
+        for (ManagedEntity * const child : end) {
+            if (rest.empty()) return rest;
+            auto const found = std::lower_bound(rest.begin(), rest.end(), child, std::less<>());
+            if (found != rest.end() && *found == child) rest.erase(found);
+        }
+    return rest;
+}
+
+} // namespace
+
+ManagedGroupEntityChangeDetails::ManagedGroupEntityChangeDetails(
+    StrongRef<ManagedEntity> const & managedEntity, EType changeType, unsigned insertionIndex)
+    : m_rManagedEntity(managedEntity), m_changeType(changeType), m_insertionIndex(insertionIndex) {}
+
+ManagedGroupEntityChangeDetails::ManagedGroupEntityChangeDetails(
+    ManagedGroupEntityChangeDetails const & other) = default;
+ManagedGroupEntityChangeDetails &
+ManagedGroupEntityChangeDetails::operator=(ManagedGroupEntityChangeDetails const & other) = default;
+ManagedGroupEntityChangeDetails::~ManagedGroupEntityChangeDetails() = default;
+
+UniqueString const * ManagedGroupEntityChangeDetails::interfaceId() {
+    static constinit InterfaceId s_id("Vn::Managed::ManagedGroupEntityChangeDetails");
+    return s_id.get();
+}
+
+UniqueString const * ManagedGroupEntityChangeDetails::getInterfaceId() const {
+    return interfaceId();
+}
+
+void * ManagedGroupEntityChangeDetails::queryInterface(UniqueString const * id) const {
+    return id == interfaceId() ? const_cast<ManagedGroupEntityChangeDetails *>(this)
+                               : DataChange::queryInterface(id);
+}
+
+DataChange * ManagedGroupEntityChangeDetails::onClone() const {
+    return new ManagedGroupEntityChangeDetails(*this);
+}
+
+std::string ManagedGroupEntityChangeDetails::onToString() const {
+    return "ManagedGroupEntityChangeDetails";
+}
+
+ManagedGroupEntityTransactChangeDetails::ManagedGroupEntityTransactChangeDetails(
+    std::vector<StrongRef<ManagedEntity>> const & children)
+    : m_snapshot(targets(children)) {}
+
+ManagedGroupEntityTransactChangeDetails::ManagedGroupEntityTransactChangeDetails(
+    ManagedGroupEntityTransactChangeDetails const & other) = default;
+ManagedGroupEntityTransactChangeDetails & ManagedGroupEntityTransactChangeDetails::operator=(
+    ManagedGroupEntityTransactChangeDetails const & other) = default;
+ManagedGroupEntityTransactChangeDetails::~ManagedGroupEntityTransactChangeDetails() = default;
+
+UniqueString const * ManagedGroupEntityTransactChangeDetails::interfaceId() {
+    static constinit InterfaceId s_id("Vn::Managed::ManagedGroupEntityTransactChangeDetails");
+    return s_id.get();
+}
+
+UniqueString const * ManagedGroupEntityTransactChangeDetails::getInterfaceId() const {
+    return interfaceId();
+}
+
+void * ManagedGroupEntityTransactChangeDetails::queryInterface(UniqueString const * id) const {
+    return id == interfaceId() ? const_cast<ManagedGroupEntityTransactChangeDetails *>(this)
+                               : DataChange::queryInterface(id);
+}
+
+void ManagedGroupEntityTransactChangeDetails::calculateChildrenDiff(
+    std::vector<StrongRef<ManagedEntity>> const & now) {
+    Children current = targets(now);
+    if (current == m_snapshot) return;
+    Comparison const lists(m_snapshot, current);
+    Children const before = sorted(lists.m_before);
+    Children const after = sorted(lists.m_after);
+    Children const fresh = missing(after, before, lists);
+
+    if (current.size() == m_snapshot.size() && fresh.empty() &&
+        missing(before, after, lists).empty()) {
+        m_added = std::move(current);
+        m_removed = m_snapshot;
+        return;
+    }
+
+    // Of a child that is listed less often than before, the later places count as those that are gone.
+    Children removed;
+    Children gone = difference(before, after);
+    for (auto i = m_snapshot.rbegin(); !gone.empty() && i != m_snapshot.rend(); ++i) {
+        auto const found = std::lower_bound(gone.begin(), gone.end(), *i, std::less<>());
+        if (found == gone.end() || *found != *i) continue;
+        removed.push_back(*i);
+        gone.erase(found);
+    }
+    std::reverse(removed.begin(), removed.end());
+    m_removed = std::move(removed);
+
+    for (ManagedEntity *& child : current)
+        if (!contains(fresh, child)) child = nullptr;
+    m_added = std::move(current);
+}
+
+DataChange * ManagedGroupEntityTransactChangeDetails::onClone() const {
+    return new ManagedGroupEntityTransactChangeDetails(*this);
+}
+
+std::string ManagedGroupEntityTransactChangeDetails::onToString() const {
+    return "ManagedGroupEntityTransactChangeDetails";
+}
+
+} // namespace Vn::Managed

@@ -1,0 +1,265 @@
+// The pattern that every persisted class of this library follows, written once.
+//
+// A class X of entities names itself, its meta type and its members, and has the rest from here:
+//
+//     class Shelf : public Persisted<Shelf, ManagedGroupEntity> {
+//     public:
+//         static constexpr PersistedClass c_class{"Vn::Furniture::Shelf",
+//                                                 "0D3C7A5E-6C1B-4B0A-9D52-0E6B3C7F1A11", 0};
+//         static EntityMetaType * s_metaType();
+//         static StrongRefCreator<Shelf> make(PassiveRef<Entity> const & parent) {
+//             return create(parent);
+//         }
+//
+//     protected:
+//         explicit Shelf(PassiveRef<Entity> const & parent);
+//         Shelf(Segment * segment, unsigned long long id);
+//
+//     private:
+//         friend class PersistedAccess;
+//         void initializeMemberSet(unsigned version, MemberSet * set);
+//
+//         unsigned m_boards = 0;
+//     };
+//
+// Each constructor calls initializeMemberSetIfNeeded() as its last step.  s_metaType() returns the
+// address of the one static object of a class ShelfMetaType, derived from PersistedMetaType<Shelf>.
+//
+// The member set of a class is built by the first object of it, whichever thread makes that; all
+// later objects pay one test under a reader's lock.
+
+#ifndef VN_SERVER_COMMONDATA_MANAGED_PERSISTEDENTITY_H
+#define VN_SERVER_COMMONDATA_MANAGED_PERSISTEDENTITY_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+#include <boost/format.hpp>
+#include <tbb/spin_rw_mutex.h>
+
+#include "Platform/Base/RefCounted.h"
+#include "Platform/Base/ScopedLock.h"
+#include "Platform/Base/UniqueString.h"
+#include "Platform/DataModel/DataChange.h"
+#include "Platform/DataModel/Entity.h"
+#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/DataModel/MemberMetaType.h"
+#include "Platform/DataModel/MemberSet.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/MigrationHelper.h"
+#include "Platform/DataModel/Segment.h"
+#include "Server/CommonData/Export.h"
+#include "Server/CommonData/Managed/AddInIdentifier.h"
+
+namespace Vn::Managed {
+
+// How a class is known: to scripts and other modules by its name, to documents by its id.
+struct PersistedClass {
+    // The full name with the namespaces, which is also the interface id.
+    char const * m_fullName;
+    // The key of the class in documents.  It is never parsed, and never changed.
+    char const * m_metaTypeId;
+    // The version of the members.
+    unsigned m_version;
+
+    // The name without the namespaces.
+    constexpr char const * name() const noexcept {
+        std::string_view const full = m_fullName;
+        std::size_t const colon = full.rfind(':');
+        return colon == full.npos ? m_fullName : m_fullName + colon + 1;
+    }
+};
+
+// Adds a field that is no container to a member set.
+template <class Field>
+Member * addMember(MemberSet * set, char const * name, Field & field, MemberMetaType * kind) {
+    return set->addNewMember(name, &field, typeid(Field).name(), kind, nullptr, nullptr);
+}
+
+// Adds a vector to a member set.
+template <class Element>
+Member * addVector(MemberSet * set, char const * name, std::vector<Element> & field,
+                   MemberMetaType * elementKind) {
+    return set->addNewMember(name, &field, typeid(field).name(), MemberMetaType::find("Vector"),
+                             TemplatizedFunctions::makeVector<Element>(elementKind), nullptr);
+}
+
+// A format for lines that are meant for a person who is looking for a mistake; it asks no locale.
+inline boost::wformat debugFormat(wchar_t const * text) {
+    return boost::wformat(text, std::locale::classic());
+}
+
+// The steps of the pattern that look the same for all classes, and its way to what classes keep to
+// themselves.
+class VN_COMMONDATA_API PersistedAccess {
+private:
+    template <class, class, class...>
+    friend class Persisted;
+    template <class>
+    friend class PersistedMetaType;
+
+    static void markCoreAddIn(EntityMetaType & type);
+    static MemberSet * baseMemberSet(EntityMetaType const & type);
+    // The older version that an object is being loaded from, if that has to be migrated.
+    static std::optional<unsigned> migratesFrom(Entity const & entity, EntityMetaType const & type);
+
+    template <class X>
+    static void initializeMemberSet(X & object, unsigned version, MemberSet * set) {
+        object.initializeMemberSet(version, set);
+    }
+    template <class X, class... Arguments>
+    static X * construct(Arguments &&... arguments) {
+        return new X(std::forward<Arguments>(arguments)...);
+    }
+};
+
+// What a persisted class X has beside its own: derived from its persisted base and from interfaces,
+// each of which may answer queryInterface.  Bases see each other in this order everywhere.
+template <class X, class Base, class... Interfaces>
+class Persisted : public Base, public Interfaces... {
+public:
+    // The class that X persists on top of.
+    using PersistedBase = Base;
+
+    // The id of the meta type, as of X::c_class.
+    static std::string s_metaTypeId() { return X::c_class.m_metaTypeId; }
+    // The members of the latest version; complete as soon as there was an object.
+    MemberSet * memberSet() const { return X::s_metaType()->memberSet(c_latestVersion); }
+
+    // The version of X that the object is being migrated from; the latest if it isn't.
+    unsigned version() const override { return this->migratingVersion(X::s_metaType()); }
+    void version(unsigned version) { this->migratingVersion(X::s_metaType(), version); }
+
+    // The id of X, the same pointer at every call.
+    static UniqueString const * interfaceId() {
+        static constinit InterfaceId s_id(X::c_class.m_fullName);
+        return s_id.get();
+    }
+    UniqueString const * getInterfaceId() const override { return interfaceId(); }
+    // The object as the class or interface with an id: itself, its base, its interfaces, in this
+    // order.  Null if none of them is meant.
+    void * queryInterface(UniqueString const * id) const override {
+        if (id == interfaceId()) return const_cast<X *>(static_cast<X const *>(this));
+        void * found = Base::queryInterface(id);
+        if (!found) static_cast<void>(((found = ask<Interfaces>(id)) || ...));
+        return found;
+    }
+    // The object as what a meta type describes; null if it isn't one of X's chain.
+    void * queryMTInterface(MetaType const * type) override {
+        return type == X::s_metaType() ? static_cast<X *>(this) : Base::queryMTInterface(type);
+    }
+
+    using Base::postMigrate;
+    // What a step of X's own leaves behind; classes without one are done.
+    EMigrationStatus postMigrate(unsigned) { return MigrationDone; }
+    // What reads members that X no longer has.  A class that needs it has these of its own: the helper,
+    // null if there is none; making it; and ending it, false if there was none.
+    MigrationHelper *& migrationHelper() noexcept { return m_pMigrationHelper; }
+    MigrationHelper * createMigrationHelper() { return nullptr; }
+    bool deleteMigrationHelper() { return false; }
+
+protected:
+    using Base::Base;
+
+    // Whether the latest member set has members of X's own that initializeMemberSet adds for version
+    // 0.  A class whose version 0 had others hides this by a constant of its own.
+    static constexpr bool c_addsLatestMembers = true;
+
+    // The one way in which running code makes an object.
+    template <class... Arguments>
+    static StrongRefCreator<X> create(Arguments &&... arguments) {
+        StrongRefCreator<X> made(
+            PersistedAccess::construct<X>(std::forward<Arguments>(arguments)...));
+        made->postCreation(DataChange::TransactDirect);
+        return made;
+    }
+
+    // The last step of each constructor of X.
+    void initializeMemberSetIfNeeded() {
+        EntityMetaType * const type = X::s_metaType();
+        {
+            MemberSet * const set = type->memberSet(c_latestVersion);
+            ScopedLockBase const scope(0, 0);
+            tbb::spin_rw_mutex_v3::scoped_lock lock;
+            if (scope.isLocking()) lock.acquire(set->mutex(), false);
+            if (!set->initialized()) {
+                if (scope.isLocking()) lock.upgrade_to_writer();
+                // The upgrade may have let another thread go first.
+                if (!set->initialized()) fillMemberSet(*type, set);
+            }
+        }
+        m_pMigrationHelper = nullptr;
+        if (!this->isCreating()) beginMigration(*type);
+    }
+
+    // What is still to be migrated is migrated once the base is.
+    void onPostMigrate() override {
+        Base::onPostMigrate();
+        EntityMetaType * const type = X::s_metaType();
+        if (this->migratingVersion(type) < type->version())
+            this->migratingVersion(type, type->version());
+    }
+    void doInitializeMigrationHelpers() override { Base::doInitializeMigrationHelpers(); }
+    void doUninitializeMigrationHelpers() override { Base::doUninitializeMigrationHelpers(); }
+
+private:
+    EntityMetaType * onMetaType() const override { return X::s_metaType(); }
+
+    template <class Interface>
+    void * ask(UniqueString const * id) const {
+        if constexpr (requires { Interface::interfaceId(); })
+            return static_cast<Interface const *>(this)->Interface::queryInterface(id);
+        else
+            return nullptr;
+    }
+
+    void fillMemberSet(EntityMetaType & type, MemberSet * set) {
+        PersistedAccess::markCoreAddIn(type);
+        set->initialize(static_cast<X *>(this), X::c_class.name());
+        if constexpr (X::c_addsLatestMembers)
+            PersistedAccess::initializeMemberSet(static_cast<X &>(*this), 0, set);
+        set->base(PersistedAccess::baseMemberSet(type));
+    }
+
+    void beginMigration(EntityMetaType & type) {
+        std::optional<unsigned> const from = PersistedAccess::migratesFrom(*this, type);
+        if (!from) return;
+        this->migratingVersion(&type, *from);
+        static_cast<X *>(this)->createMigrationHelper();
+        // The most derived meta type so far, since the constructors run base first.
+        this->metaType()->migratingMemberSetIfNeeded(this, *from);
+        this->markMigrating();
+    }
+
+    MigrationHelper * m_pMigrationHelper = nullptr;
+};
+
+// The base of XMetaType, of which there is one static object.
+template <class X>
+class PersistedMetaType : public EntityMetaType {
+public:
+    // `addInIdentifier` is that of the add-in that brings X.
+    explicit PersistedMetaType(std::string addInIdentifier = CommonDataAddInIdentifier())
+        : EntityMetaType(std::move(addInIdentifier), X::s_metaTypeId(),
+                         std::string(X::c_class.name()) + "MetaType", X::c_class.m_version,
+                         X::PersistedBase::s_metaTypeId(), TypeConcrete) {}
+
+private:
+    void onMigratingMemberSet(Entity * entity, unsigned version, MemberSet * set) override {
+        set->initialize(entity, X::c_class.name());
+        PersistedAccess::initializeMemberSet(static_cast<X &>(*entity), version, set);
+    }
+    StrongRef<Entity> onCreateEntity(Segment * segment, unsigned long long id) override {
+        return StrongRef<Entity>(PersistedAccess::construct<X>(segment, id));
+    }
+    std::size_t onInstanceSize() const override { return sizeof(X); }
+};
+
+} // namespace Vn::Managed
+
+#endif
