@@ -80,11 +80,16 @@ Status ChangeHistory::move(bool undoing) {
         m_redo.pop_back();
     }
     m_bytes -= step->m_pLog->bytes();
-    auto inverse = std::make_unique<ChangeLog>(nextLogNumber());
-    replay(*step->m_pLog, inverse.get());
-    inverse->words().trim();
-    if (step->m_pLog->isPersistent()) inverse->persistent();
-    drop(std::exchange(step->m_pLog, std::move(inverse)));
+    // The inverse is written to a spare log.  A small one is then copied to where the log was, which
+    // costs no memory; a large one becomes the step's own.
+    if (!m_pSpare) m_pSpare = std::make_unique<ChangeLog>(0);
+    m_pSpare->reset(nextLogNumber());
+    replay(*step->m_pLog, m_pSpare.get());
+    if (step->m_pLog->isPersistent()) m_pSpare->persistent();
+    if (!step->m_pLog->takeOver(*m_pSpare)) {
+        m_pSpare->words().trim();
+        drop(std::exchange(step->m_pLog, std::exchange(m_pSpare, nullptr)));
+    }
     m_bytes += step->m_pLog->bytes();
     if (undoing)
         m_redo.push_back(std::move(step));

@@ -183,6 +183,7 @@ private:
     Asset & m_asset;
     DataModel::ChangeLog * m_pLog = nullptr;     // of the innermost transaction
     DataModel::ChangeLog * m_pInverse = nullptr; // of the replay
+    std::unique_ptr<DataModel::ChangeLog> m_pSpare;
     EntityChange * m_pInnermost = nullptr;
     MemberSplices * m_pSplices = nullptr;
     std::unique_ptr<DataModel::WordBuffer> m_pScratch; // members as they were when brackets opened

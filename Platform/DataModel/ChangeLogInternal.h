@@ -90,9 +90,31 @@ public:
     bool isOwning() const noexcept { return m_bOwning; }
     void owning() noexcept { m_bOwning = true; }
 
+    // Becomes an empty log with another number.  What the words own must have been given up.
+    void reset(std::uint32_t number) noexcept {
+        m_words.truncate(0);
+        m_number = number;
+        m_keptBytes = 0;
+        m_bPersistent = false;
+        m_bOwning = false;
+    }
+
+    // Becomes a copy of a log that owns nothing, if this doesn't either and has the room for it.
+    bool takeOver(ChangeLog const & other) noexcept {
+        if (m_bOwning || other.m_bOwning || other.m_words.size() > m_words.capacity()
+            || other.m_words.size() > c_copiedWords)
+            return false;
+        reset(other.m_number);
+        if (other.m_words.size()) m_words.push(other.m_words.data(), other.m_words.size());
+        m_bPersistent = other.m_bPersistent;
+        return true;
+    }
+
 private:
+    static constexpr std::size_t c_copiedWords = 512;
+
     WordBuffer m_words;
-    std::uint32_t const m_number;
+    std::uint32_t m_number;
     std::size_t m_keptBytes = 0;
     bool m_bPersistent = false;
     bool m_bOwning = false;

@@ -41,7 +41,7 @@ public:
     // Makes room for `words` more; false if there is no memory.
     bool reserve(std::size_t words) noexcept {
         if (m_capacity - m_size >= words) return true;
-        std::size_t capacity = m_capacity ? m_capacity * 2 : 16;
+        std::size_t capacity = m_capacity ? m_capacity * 2 : 8;
         while (capacity - m_size < words) capacity *= 2;
         return reallocate(capacity);
     }
@@ -49,7 +49,7 @@ public:
     void truncate(std::size_t size) noexcept { m_size = size; }
     // Gives back what isn't used, if that is much.
     void trim() noexcept {
-        if (m_capacity - m_size > m_size / 8 + 2) reallocate(m_size);
+        if (m_capacity - m_size > m_size / 8 + 8) reallocate(m_size);
     }
 
 private:
