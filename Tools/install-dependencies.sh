@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build ccache pkg-config        # the build
   libboost-dev libboost-filesystem-dev libboost-locale-dev gettext
-  libtbb-dev
+  libtbb-dev libeigen3-dev libsqlite3-dev
   libcli11-dev nlohmann-json3-dev libedit-dev    # the console
   libgtest-dev libgmock-dev libbenchmark-dev     # tests and benchmarks
   locales                                        # tests in other locales

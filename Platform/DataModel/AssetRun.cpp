@@ -6,11 +6,21 @@ namespace Vn {
 Status Asset::run(std::unique_ptr<Request> request) {
     if (!request) return Status::invalidArgument("run a request", {}, "there is none");
     Transaction transaction(*this, request->name());
-    Status status = request->execute();
-    if (status.ok()) {
-        request.reset(); // what only it held goes within the step
-        transaction.commit();
+    if (!transaction.isOpen())
+        return Status::invalidArgument("run a request", {}, "an undo or redo is running");
+    Status status;
+    try {
+        status = request->execute();
+    } catch (...) {
+        request->cancel();
+        throw;
     }
+    if (!status.ok()) {
+        request->cancel();
+        return status;
+    }
+    request.reset(); // what only it held goes within the step
+    transaction.commit();
     return status;
 }
 

@@ -1,4 +1,20 @@
 // Documents on disk.  The schema is told in Docs/document-format.md.
+//
+// Invariants.  The test that guards each stands in brackets.
+//
+//   (F1) Whenever a save ends or is cut short, the file opens as the document before or after it, field
+//        for field.  [DocumentFileFaultTests, everyFailingCallLeavesTheOldOrTheNewDocument;
+//        Tools/crash-save]
+//   (F2) A document that couldn't be saved goes on: it can be saved to another file, or to the same one
+//        once the cause is gone.  [DocumentFileFaultTests, the same]
+//   (F3) What was saved is loaded field for field, with the ids.  [DocumentFileTests,
+//        everyKindOfMemberComesBack; the round trip of random documents]
+//   (F4) Saving again writes rows of what changed and no others.  [DocumentFileTests,
+//        savingAgainWritesOnlyWhatChanged]
+//   (F5) No file, whatever its bytes, makes `load` or `check` do more than fail with a reason.
+//        [DocumentFileDamageTests; Tools/fuzz]
+//   (F6) A file that somebody else changed meanwhile isn't written to.  [DocumentFileTests,
+//        aFileThatSomebodyElseChangedIsntWrittenTo]
 
 #ifndef VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
 #define VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
@@ -26,19 +42,25 @@ public:
     // document without a file.
     static Status save(Asset & asset);
     // Writes the whole document to a file, in place of one that is there, and makes that the document's
-    // file.  After a failure the document has the file that it had.
+    // file.  It is written beside its final name, with ".saving" behind it, and given that name once it
+    // is complete and on the disk.  After a failure the document has the file that it had.
     static Status saveAs(Asset & asset, std::filesystem::path const & file);
     // Opens a document.  After a failure `asset` is null.  `type` as in Asset::make.
     static Status load(std::filesystem::path const & file, AssetType const * type,
                        StrongRef<Asset> & asset);
 
     // What is wrong with a file, in lines for a person; empty if nothing is.  It looks at the database, the
-    // schema, and every reference and value.
+    // schema, and every reference and value, and knows nothing of the classes.  The status says whether
+    // the file could be looked at.
     static Status check(std::filesystem::path const & file, std::vector<std::string> & findings);
 
     // Reads and writes through a virtual file system that was registered with the database engine under
     // that name; empty for its own.  For the tests of failing devices.
     static void fileSystem(std::string name);
+
+private:
+    class Reader;
+    class Writer;
 };
 
 } // namespace Vn

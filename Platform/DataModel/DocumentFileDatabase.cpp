@@ -41,14 +41,14 @@ Database::Database(std::string operation, std::filesystem::path file, std::strin
     : m_operation(std::move(operation)), m_file(std::move(file)),
       m_fileSystem(std::move(fileSystem)) {}
 
-void Database::open(bool create) {
+void Database::open(std::filesystem::path const & path, bool create) {
     // An absolute path, since a name that begins with "file:" means something else to the engine.
     std::error_code error;
-    std::filesystem::path const path = std::filesystem::absolute(m_file, error);
+    std::filesystem::path const absolute = std::filesystem::absolute(path, error);
     if (error) fail(StatusInvalidArgument, error.message());
     int const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE
         | (create ? SQLITE_OPEN_CREATE : 0);
-    int const result = sqlite3_open_v2(pathText(path).c_str(), &m_pDatabase, flags,
+    int const result = sqlite3_open_v2(pathText(absolute).c_str(), &m_pDatabase, flags,
                                        m_fileSystem.empty() ? nullptr : m_fileSystem.c_str());
     if (result != SQLITE_OK) fail(result);
     sqlite3_busy_timeout(m_pDatabase, c_busyMilliseconds);

@@ -31,8 +31,8 @@ public:
     // The first bytes of a file, in which the engine keeps what it must know at once.
     using Header = std::array<unsigned char, 100>;
 
-    // `operation` is for messages.  Nothing is opened yet.  `fileSystem` names the virtual file
-    // system; empty stands for the engine's own.
+    // `operation` and `file` are for messages.  Nothing is opened yet.  `fileSystem` names the virtual
+    // file system; empty stands for the engine's own.
     Database(std::string operation, std::filesystem::path file, std::string fileSystem);
     ~Database() { close(); }
     Database(Database const &) = delete;
@@ -42,8 +42,9 @@ public:
     std::filesystem::path const & file() const noexcept { return m_file; }
     sqlite3 * get() const noexcept { return m_pDatabase; }
 
-    // Opens the file, or makes it.  What the file may contain is distrusted from then on.
-    void open(bool create);
+    // Opens a file, which may be another than that of the messages, or makes it if `create` says so.
+    // What it may contain is distrusted from then on.
+    void open(std::filesystem::path const & path, bool create);
     // Leaves a transaction that is open.  All statements must be gone.
     void close() noexcept;
 

@@ -74,6 +74,7 @@ public:
     void erase(unsigned long long entity);
 
 private:
+    Database const & m_database;
     Statement m_insert;
     Statement m_select;
     Statement m_update;

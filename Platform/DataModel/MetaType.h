@@ -14,13 +14,13 @@
 #include <vector>
 
 #include "Platform/Base/RefCounted.h"
+#include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/Export.h"
 #include "Platform/DataModel/MemberMetaType.h"
 #include "Platform/DataModel/MemberSet.h"
 
 namespace Vn {
 
-class Entity;
 class MigrationHelper;
 class Segment;
 

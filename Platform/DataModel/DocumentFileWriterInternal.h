@@ -1,0 +1,80 @@
+#ifndef VN_PLATFORM_DATAMODEL_DOCUMENTFILEWRITERINTERNAL_H
+#define VN_PLATFORM_DATAMODEL_DOCUMENTFILEWRITERINTERNAL_H
+
+#include <cstddef>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "Platform/DataModel/DocumentFile.h"
+#include "Platform/DataModel/DocumentFileDatabaseInternal.h"
+#include "Platform/DataModel/DocumentFileListsInternal.h"
+#include "Platform/DataModel/DocumentFileSchemaInternal.h"
+
+namespace Vn {
+
+// What a document remembers of its file: which document it is, and as which save left it.
+struct DocumentFileStamp {
+    std::string m_id;
+    long long m_generation = 0;
+    std::string m_stamp;
+    // What the file has if a save took effect although it was reported as failed.
+    std::string m_doubtful;
+
+    static DocumentFileStamp parse(std::string const & text);
+    std::string toString() const;
+};
+
+// Writes one document.  Failures are thrown as FileFailure.
+class DocumentFile::Writer {
+public:
+    // `operation` is for messages.
+    Writer(Asset & asset, std::string operation, std::string fileSystem);
+    ~Writer();
+
+    void saveWhole(std::filesystem::path const & file);
+    void saveChanges();
+
+private:
+    struct Class;
+
+    // The statements of one database.  They are gone before it is closed.
+    void begin(DataModel::Database & database, DataModel::FileSchema & schema, bool isWhole);
+    void end() noexcept;
+
+    bool isCurrent(DataModel::FileSchema & schema) const;
+    void writeSegments();
+    void writeRoots();
+    void writeAll();
+    void writeDirty();
+    void eraseDeleted();
+    void write(Entity & entity);
+    void writeColumns(Class & target, Entity & entity);
+    void writeLists(Class & target, Entity & entity);
+    void appendElement(std::string & json, EMemberKind kind, void const * element);
+    Class & classOf(Entity & entity);
+    unsigned long long idOf(Entity const * target) const noexcept;
+    static bool isWritten(Entity const & entity) noexcept;
+
+    void removeRemains(std::filesystem::path const & file) const;
+    void finish(std::filesystem::path const & file, DataModel::FileHead const & head);
+    void markSaved(bool isWhole);
+
+    Asset & m_asset;
+    std::string const m_operation;
+    std::string const m_fileSystem;
+    DataModel::Database * m_pDatabase = nullptr;
+    DataModel::FileSchema * m_pSchema = nullptr;
+    bool m_bWhole = true;
+    std::unordered_map<EntityMetaType const *, std::unique_ptr<Class>> m_classes;
+    Class * m_pLastClass = nullptr;
+    std::unique_ptr<DataModel::ListWriter> m_pLists;
+    DataModel::ChunkCutter m_cutter;
+    std::string m_scratch;
+};
+
+} // namespace Vn
+
+#endif
