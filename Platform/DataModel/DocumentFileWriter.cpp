@@ -157,7 +157,9 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
         FileSchema schema(database);
         schema.create();
         begin(database, schema, true);
+        std::size_t const deleted = m_asset.m_deleted.size();
         writeAll();
+        eraseDeleted(deleted);
         writeSegments();
         writeRoots();
         if (m_asset.m_fileStamp.size()) {
@@ -184,7 +186,12 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
     finish(file, head);
     Status const synced =
         OS::syncDirectory(target.has_parent_path() ? target.parent_path() : std::filesystem::path("."));
-    if (!synced) refuse(synced.code(), synced.cause());
+    if (!synced) {
+        // The file is there, and may be gone after a crash: the next save writes it whole.
+        m_asset.m_fileStamp =
+            DocumentFileStamp{head.m_id, head.m_generation, "-", head.m_stamp}.toString();
+        refuse(synced.code(), synced.cause());
+    }
     markSaved(true);
 }
 
@@ -245,13 +252,13 @@ void DocumentFile::Writer::saveChanges() {
                 !stamp.m_doubtful.empty() && head.m_stamp == stamp.m_doubtful;
             if (head.m_id != stamp.m_id || (head.m_stamp != stamp.m_stamp && !isDoubtful))
                 refuse(StatusFailed, "the file was changed by another program");
-            isWholeNeeded = isDoubtful || !isCurrent(schema);
+            isWholeNeeded = isDoubtful || !isCurrent(database, schema);
             if (!isWholeNeeded) {
                 begin(database, schema, false);
                 if (!m_asset.m_dirty.empty() || !m_asset.m_deleted.empty()
                     || m_asset.m_bRootsDirty) {
-                    eraseDeleted();
                     writeDirty();
+                    eraseDeleted(0);
                     writeSegments();
                     if (m_asset.m_bRootsDirty) writeRoots();
                     head.m_nextEntity = m_asset.m_nextId;
@@ -273,7 +280,7 @@ void DocumentFile::Writer::saveChanges() {
     markSaved(false);
 }
 
-bool DocumentFile::Writer::isCurrent(FileSchema & schema) const {
+bool DocumentFile::Writer::isCurrent(Database const & database, FileSchema & schema) {
     for (FileType const & type : schema.types()) {
         MetaType * const present = MetaTypeMgr::get()->metaType(type.m_id);
         if (!present || present->version() != type.m_version) return false;
@@ -282,20 +289,23 @@ bool DocumentFile::Writer::isCurrent(FileSchema & schema) const {
         if (!entityType) return false;
         // As long as there is no object of the class, nothing of it can have changed.
         if (entityType->memberSet(c_latestVersion)->initialized()
-            && DataModel::describe(*m_pDatabase, *entityType).m_members != type.m_members)
+            && DataModel::describe(database, *entityType).m_members != type.m_members)
             return false;
     }
     return true;
 }
 
-void DocumentFile::Writer::eraseDeleted() {
+// From the `first` on: hooks may have deleted what was written before.
+void DocumentFile::Writer::eraseDeleted(std::size_t first) {
+    if (first == m_asset.m_deleted.size()) return;
     std::vector<Statement> erase;
     for (FileType const & type : m_pSchema->types())
         if (!type.m_table.empty())
             erase.emplace_back(*m_pDatabase,
                                "DELETE FROM " + DataModel::sqlName(type.m_table) + " WHERE id=?");
     std::size_t likely = 0; // entities that go together are often of one class
-    for (unsigned long long const id : m_asset.m_deleted) {
+    for (; first < m_asset.m_deleted.size(); ++first) {
+        unsigned long long const id = m_asset.m_deleted[first];
         if (Entity const * const entity = m_asset.m_pTable->find(id); entity && isWritten(*entity))
             continue; // it came back
         for (std::size_t i = 0; i < erase.size(); ++i) {
@@ -414,6 +424,7 @@ void DocumentFile::Writer::write(Entity & entity) {
     if (!entity.isAlive()) return;
     writeColumns(target, entity);
     writeLists(target, entity);
+    entity.m_flags |= Entity::FlagStored; // if the save fails, no more than a row too many is looked for
 }
 
 void DocumentFile::Writer::writeColumns(Class & target, Entity & entity) {

@@ -44,12 +44,12 @@ private:
     void begin(DataModel::Database & database, DataModel::FileSchema & schema, bool isWhole);
     void end() noexcept;
 
-    bool isCurrent(DataModel::FileSchema & schema) const;
+    static bool isCurrent(DataModel::Database const & database, DataModel::FileSchema & schema);
     void writeSegments();
     void writeRoots();
     void writeAll();
     void writeDirty();
-    void eraseDeleted();
+    void eraseDeleted(std::size_t first);
     void write(Entity & entity);
     void writeColumns(Class & target, Entity & entity);
     void writeLists(Class & target, Entity & entity);

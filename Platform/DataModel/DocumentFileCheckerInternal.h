@@ -1,0 +1,48 @@
+#ifndef VN_PLATFORM_DATAMODEL_DOCUMENTFILECHECKERINTERNAL_H
+#define VN_PLATFORM_DATAMODEL_DOCUMENTFILECHECKERINTERNAL_H
+
+#include <filesystem>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "Platform/DataModel/DocumentFileDatabaseInternal.h"
+#include "Platform/DataModel/DocumentFileSchemaInternal.h"
+#include "Platform/DataModel/DocumentFileValuesInternal.h"
+
+namespace Vn::DataModel {
+
+// Looks at everything in a file, without making a document of it.
+class DocumentChecker {
+public:
+    DocumentChecker(std::filesystem::path file, std::string operation, std::string fileSystem,
+                    std::vector<std::string> & findings);
+
+    // A file that can't be opened throws; whatever is wrong inside becomes a finding.
+    void check();
+
+private:
+    void checkDatabase();
+    void readIds();
+    void checkEntities(FileType const & type);
+    void checkLists();
+    void checkChunk(FileType const & type, long long entity, std::size_t member,
+                    std::string_view items);
+    void checkRoots();
+    void checkReference(EMemberKind kind, unsigned long long id, std::string const & where);
+    void found(std::string finding);
+
+    Database m_database;
+    FileSchema m_schema;
+    FileHead m_head;
+    std::vector<std::string> & m_findings;
+    std::unordered_map<unsigned long long, FileType const *> m_typeOf;
+    std::unordered_map<unsigned long long, long long> m_segmentOf;
+    std::unordered_set<long long> m_segments;
+    ValueReader m_values;
+};
+
+} // namespace Vn::DataModel
+
+#endif

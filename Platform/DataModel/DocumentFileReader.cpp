@@ -1,0 +1,701 @@
+#include "Platform/DataModel/DocumentFileReaderInternal.h"
+
+#include <algorithm>
+#include <set>
+#include <system_error>
+
+#include "Platform/Base/OS.h"
+#include "Platform/Base/UniqueString.h"
+#include "Platform/DataModel/DocumentFileListsInternal.h"
+#include "Platform/DataModel/DocumentFileWriterInternal.h"
+#include "Platform/DataModel/EntityTableInternal.h"
+#include "Platform/DataModel/MigrationHelper.h"
+#include "Platform/DataModel/Segment.h"
+
+namespace Vn {
+
+using DataModel::DescribedType;
+using DataModel::FileType;
+using DataModel::JsonReader;
+using DataModel::Leaf;
+
+// The class that a reference leads to, as far as the member tells.
+struct DocumentFile::Reader::Target {
+    std::string m_class;                           // with namespaces; empty if any will do
+    EntityMetaType const * m_pLastFit = nullptr; // which was found fit the last time
+};
+
+// What happens to a column of the class's table.
+struct DocumentFile::Reader::Column {
+    FileMember const * m_pMember;
+    int m_place;
+    bool m_bDropped; // an older version had it, and nobody wants it
+    std::ptrdiff_t m_offset = 0;
+    EntityMetaType const * m_pHelper = nullptr; // whose migration helper has the field
+    Target m_target;
+};
+
+// What happens to a list.
+struct DocumentFile::Reader::List {
+    struct Part {
+        FileMember const * m_pMember;
+        std::string m_head; // what stands in front of the part's value
+        bool m_bDropped;
+        std::ptrdiff_t m_offset = 0;
+        Target m_target;
+    };
+    FileMember const * m_pMember;
+    bool m_bDropped;
+    Leaf const * m_pLeaf = nullptr;
+    EntityMetaType const * m_pHelper = nullptr;
+    Target m_target;
+    std::vector<Part> m_parts;
+};
+
+// How the entities of a class are read that come from the same versions of it and its bases.
+struct DocumentFile::Reader::Plan {
+    std::vector<unsigned> m_versions;
+    std::vector<Leaf> m_older; // of versions before the present one
+    std::vector<Column> m_columns;
+    std::vector<List> m_lists;
+    std::vector<int> m_listOfMember; // by the number of the member; -1 for one that is no list
+};
+
+// A class with a table.
+struct DocumentFile::Reader::Class {
+    FileType * m_pFile;
+    EntityMetaType * m_pType;
+    std::vector<EntityMetaType const *> m_chain; // the class and its bases
+    std::vector<std::unique_ptr<Plan>> m_plans;
+    Plan * m_pLastPlan = nullptr;
+};
+
+// A field for a member of the file.
+struct DocumentFile::Reader::Home {
+    Leaf const * m_pLeaf;
+    EntityMetaType const * m_pHelper;
+    bool m_bOlder; // of a version before the present one
+    bool m_bTaken = false;
+};
+
+namespace {
+
+// The class behind "StrongRef<" or "PassiveRef<" in the name of a field's type; empty if it names none.
+std::string targetClass(std::string const & typeName) {
+    std::string const name = OS::className(typeName.c_str());
+    std::size_t begin = name.find("StrongRef<");
+    if (begin == std::string::npos) begin = name.find("PassiveRef<");
+    if (begin == std::string::npos) return {};
+    begin = name.find('<', begin) + 1;
+    std::size_t end = begin;
+    for (int depth = 1; end < name.size(); ++end) {
+        if (name[end] == '<') ++depth;
+        if (name[end] == '>' && --depth == 0) break;
+    }
+    std::string found = name.substr(begin, end - begin);
+    while (!found.empty() && found.back() == ' ') found.pop_back();
+    return found == "Vn::Entity" ? std::string() : found;
+}
+
+// The member of a leaf itself, where the leaf knows only the value around it.
+Member const * memberOf(Leaf const & leaf) {
+    Member const * member = leaf.m_pMember;
+    std::size_t place = leaf.m_path.find('.') + 1 + member->name().size();
+    while (member && member->type()->kind() == EMemberKind::Value && place < leaf.m_path.size()) {
+        std::size_t const end = leaf.m_path.find('.', place + 1);
+        std::string const name = leaf.m_path.substr(
+            place + 1, end == std::string::npos ? end : end - place - 1);
+        member = member->type()->memberSet(c_latestVersion)->find(name);
+        place += 1 + name.size();
+    }
+    return member;
+}
+
+bool isReference(EMemberKind kind) noexcept {
+    return kind == EMemberKind::StrongRef || kind == EMemberKind::PassiveRef;
+}
+
+} // namespace
+
+DocumentFile::Reader::Reader(std::filesystem::path file, AssetType const * type,
+                             std::string operation, std::string fileSystem)
+    : m_pType(type), m_database(std::move(operation), std::move(file), std::move(fileSystem)),
+      m_schema(m_database) {}
+
+DocumentFile::Reader::~Reader() {
+    if (!m_rAsset) return;
+    // Only after a failure.  The asset ends its entities, as it would those of a whole document.
+    for (StrongRef<Entity> & entity : m_loaded) {
+        if (entity->isMarkedMigrating()) {
+            try {
+                entity->uninitializeMigrationHelpers();
+            } catch (...) { // a hook of an entity that is about to go
+            }
+        }
+        entity->segment()->m_unowned.push_back(std::move(entity));
+    }
+}
+
+StrongRef<Asset> DocumentFile::Reader::read() {
+    std::error_code error;
+    auto const status = std::filesystem::status(m_database.file(), error);
+    if (!std::filesystem::exists(status)) m_database.fail(StatusNotFound, "there is no such file");
+    if (std::filesystem::is_directory(status))
+        m_database.fail(StatusInvalidArgument, "it is a directory");
+    if (!std::filesystem::is_regular_file(status))
+        m_database.fail(StatusInvalidArgument, "it isn't a file");
+
+    m_database.open(m_database.file(), false);
+    m_schema.checkHeader();
+    m_database.run("PRAGMA cell_size_check=ON; PRAGMA cache_size=-16384; BEGIN");
+    m_schema.read();
+    m_head = m_schema.readHead();
+
+    m_rAsset = Asset::make(m_pType);
+    m_rAsset->m_bLoading = true;
+    resolveTypes();
+    readSegments();
+    for (auto const & of : m_classes) readEntities(*of);
+    resolveFixUps();
+    readLists();
+    readRoots();
+    refuseCycles();
+    complete();
+    return std::exchange(m_rAsset, nullptr);
+}
+
+// --- Types -------------------------------------------------------------------------------------
+
+void DocumentFile::Reader::resolveTypes() {
+    for (FileType & type : m_schema.types()) {
+        MetaType * const present = MetaTypeMgr::get()->metaType(type.m_id);
+        if (present && type.m_version > present->version())
+            m_database.fail(StatusNewerFormat,
+                            "the type " + type.m_name + " (" + type.m_id + ") has version "
+                                + std::to_string(type.m_version) + ", and "
+                                + std::to_string(present->version())
+                                + " is the latest that is known");
+        auto * const entityType = dynamic_cast<EntityMetaType *>(present);
+        if (present && type.m_bEntity != (entityType != nullptr))
+            m_database.damaged("the type " + type.m_id + " isn't what the file says it is");
+        if (present && type.m_version < present->version()) {
+            if (auto * const value = dynamic_cast<ValueMetaType *>(present))
+                m_olderValues.emplace_back(value, type.m_version);
+            else
+                m_rAsset->m_bMigrating = true;
+        }
+        if (present) m_rAsset->m_persistedVersions.emplace(present, type.m_version);
+        if (type.m_table.empty()) continue;
+        auto made = std::make_unique<Class>();
+        made->m_pFile = &type;
+        made->m_pType = entityType;
+        for (EntityMetaType const * i = entityType; i; i = i->base()) made->m_chain.push_back(i);
+        if (entityType) m_classByType.emplace(entityType, made.get());
+        m_classes.push_back(std::move(made));
+    }
+}
+
+bool DocumentFile::Reader::isOlder(Class const & of, FileMember const & member) const {
+    if (!m_olderValues.empty()
+        && (member.m_list >= 0 || member.m_name.find('.') != std::string::npos))
+        return true;
+    for (EntityMetaType const * const type : of.m_chain)
+        if (type->memberSet(c_latestVersion)->className() == member.m_class) {
+            auto const i = m_rAsset->m_persistedVersions.find(type);
+            return i != m_rAsset->m_persistedVersions.end() && i->second < type->version();
+        }
+    return m_rAsset->m_bMigrating; // of a base that the class no longer has
+}
+
+std::vector<DocumentFile::Reader::Home> DocumentFile::Reader::homes(Class & of, Plan & plan) {
+    std::vector<Home> homes;
+    for (Leaf const & leaf : of.m_pType->layout().leaves()) {
+        if (!leaf.m_bPersisted || leaf.m_bInHelper) continue;
+        bool isPresent = true;
+        for (std::size_t i = 0; i < of.m_chain.size(); ++i)
+            if (leaf.m_pSet->metaType() == of.m_chain[i])
+                isPresent = plan.m_versions[i] >= of.m_chain[i]->version();
+        if (isPresent) homes.push_back({&leaf, nullptr, false});
+    }
+    std::vector<EntityMetaType const *> owners;
+    for (std::size_t i = 0; i < of.m_chain.size(); ++i) {
+        EntityMetaType const * const type = of.m_chain[i];
+        if (plan.m_versions[i] >= type->version()) continue;
+        MemberSet const * const set = type->memberSet(plan.m_versions[i]);
+        if (set && set->initialized()) DataModel::appendLeaves(*set, plan.m_older);
+        owners.resize(plan.m_older.size(), type);
+    }
+    for (std::size_t i = 0; i < plan.m_older.size(); ++i) {
+        Leaf const & leaf = plan.m_older[i];
+        if (leaf.m_bPersisted)
+            homes.push_back({&leaf, leaf.m_bInHelper ? owners[i] : nullptr, true});
+    }
+    return homes;
+}
+
+std::unique_ptr<DocumentFile::Reader::Plan>
+DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
+    auto plan = std::make_unique<Plan>();
+    plan->m_versions = std::move(versions);
+    std::vector<Home> all = homes(of, *plan);
+    std::string const & table = of.m_pFile->m_table;
+    auto const disagree = [&](FileMember const & member) {
+        m_database.damaged("the member " + member.path() + " of " + table
+                           + " isn't what the class has");
+    };
+
+    std::vector<FileMember> const & members = of.m_pFile->m_members;
+    plan->m_listOfMember.assign(members.size(), -1);
+    int place = 2;
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        FileMember const & member = members[i];
+        bool const mayDrop = isOlder(of, member);
+        if (member.m_list >= 0) {
+            List & list = plan->m_lists[static_cast<std::size_t>(
+                plan->m_listOfMember[static_cast<std::size_t>(member.m_list)])];
+            List::Part part{&member, std::string(1, list.m_parts.empty() ? '{' : ','), true, 0, {}};
+            DataModel::appendJsonText(part.m_head, member.m_name, true);
+            part.m_head += ':';
+            if (!list.m_bDropped)
+                for (Leaf const & leaf : *list.m_pLeaf->m_pElementLeaves) {
+                    if (leaf.m_path.substr(leaf.m_path.find('.') + 1) != member.m_name) continue;
+                    if (leaf.m_kind != member.m_kind) disagree(member);
+                    part.m_bDropped = false;
+                    part.m_offset = leaf.m_offset;
+                    if (isReference(leaf.m_kind))
+                        if (Member const * const itself = memberOf(leaf))
+                            part.m_target.m_class = targetClass(itself->typeName());
+                }
+            if (part.m_bDropped && !list.m_bDropped && !mayDrop) disagree(member);
+            list.m_parts.push_back(std::move(part));
+            continue;
+        }
+        Home * home = nullptr;
+        for (Home & candidate : all)
+            if (candidate.m_pLeaf->m_path == member.path()) home = &candidate;
+        if (!home && !mayDrop) disagree(member);
+        if (home) {
+            Leaf const & leaf = *home->m_pLeaf;
+            bool const isVector = leaf.m_kind == EMemberKind::Vector;
+            if (leaf.m_kind != member.m_kind || home->m_bTaken
+                || (isVector && leaf.m_elementKind != member.m_element))
+                disagree(member);
+            home->m_bTaken = true;
+        }
+        Target target;
+        if (home && (isReference(member.m_kind) || member.isListOfReferences()))
+            if (Member const * const itself = memberOf(*home->m_pLeaf))
+                target.m_class = targetClass(itself->typeName());
+        if (member.m_kind == EMemberKind::Vector) {
+            plan->m_listOfMember[i] = static_cast<int>(plan->m_lists.size());
+            plan->m_lists.push_back({&member, !home, home ? home->m_pLeaf : nullptr,
+                                     home ? home->m_pHelper : nullptr, std::move(target), {}});
+        } else {
+            plan->m_columns.push_back({&member, place, !home, home ? home->m_pLeaf->m_offset : 0,
+                                       home ? home->m_pHelper : nullptr, std::move(target)});
+            place += member.m_kind == EMemberKind::GlobalizedString ? 3 : 1;
+        }
+    }
+    for (Home const & home : all) {
+        if (home.m_bTaken || home.m_bOlder) continue;
+        FileMember member;
+        std::string const & path = home.m_pLeaf->m_path;
+        member.m_class = path.substr(0, path.find('.'));
+        member.m_name = path.substr(path.find('.') + 1);
+        if (!isOlder(of, member))
+            m_database.damaged("the member " + path + " of " + table + " is missing");
+    }
+    return plan;
+}
+
+DocumentFile::Reader::Plan & DocumentFile::Reader::planFor(Class & of, Entity & entity) {
+    if (!m_rAsset->m_bMigrating && of.m_pLastPlan) return *of.m_pLastPlan;
+    std::vector<unsigned> versions;
+    for (EntityMetaType const * const type : of.m_chain)
+        versions.push_back(entity.migratingVersion(type));
+    if (of.m_pLastPlan && of.m_pLastPlan->m_versions == versions) return *of.m_pLastPlan;
+    auto const found = std::find_if(of.m_plans.begin(), of.m_plans.end(), [&](auto const & plan) {
+        return plan->m_versions == versions;
+    });
+    if (found != of.m_plans.end())
+        of.m_pLastPlan = found->get();
+    else {
+        of.m_plans.push_back(makePlan(of, std::move(versions)));
+        of.m_pLastPlan = of.m_plans.back().get();
+    }
+    return *of.m_pLastPlan;
+}
+
+// --- Entities ----------------------------------------------------------------------------------
+
+void DocumentFile::Reader::readSegments() {
+    Statement row(m_database, "SELECT kind, place, name FROM segments ORDER BY place");
+    while (row.step()) {
+        long long const kind = row.integer(0);
+        SegmentType * const type =
+            kind > 0 && kind < 1000
+                ? SegmentTypeMgr::get()->segmentType(static_cast<unsigned>(kind))
+                : nullptr;
+        if (!type || kind == SegmentType::TransientSegment)
+            m_database.damaged("there is no segment of kind " + std::to_string(kind) + " to load");
+        Segment::create(m_rAsset.get(), type, false);
+    }
+}
+
+void DocumentFile::Reader::readEntities(Class & of) {
+    FileType const & file = *of.m_pFile;
+    std::string sql = "SELECT id, segment";
+    for (std::string const & column : DataModel::columnsOf(file.m_members))
+        sql += ", " + DataModel::sqlName(column);
+    Statement row(m_database,
+                  sql + " FROM " + DataModel::sqlName(file.m_table) + " ORDER BY id");
+    while (row.step()) {
+        if (!of.m_pType)
+            m_database.fail(StatusUnsupported, "the type " + file.m_name + " (" + file.m_id
+                                                   + ") isn't known to this program");
+        if (of.m_pType->type() != EntityMetaType::TypeConcrete)
+            m_database.damaged("the type " + file.m_id + " has entities and is abstract");
+        long long const id = row.integer(0);
+        auto const refuse = [&](char const * why) {
+            m_database.damaged("entity " + std::to_string(id) + " (" + file.m_table + "): " + why);
+        };
+        if (id < 1 || static_cast<unsigned long long>(id) >= m_head.m_nextEntity)
+            refuse("its id is out of range");
+        if (m_rAsset->m_pTable->find(static_cast<unsigned long long>(id)))
+            refuse("its id is that of another entity");
+        long long const kind = row.type(1) == SQLITE_INTEGER ? row.integer(1) : 0;
+        Segment * const segment =
+            kind > 0 && kind < 1000 ? m_rAsset->segment(static_cast<unsigned>(kind)) : nullptr;
+        if (!segment) refuse("its segment isn't in the file");
+        StrongRef<Entity> entity =
+            of.m_pType->createEntity(segment, static_cast<unsigned long long>(id));
+        if (!entity) refuse("its class refuses to make it");
+        m_loaded.push_back(std::move(entity));
+        Entity & made = *m_loaded.back();
+        of.m_pType->onPreLoad(&made);
+        if (made.isMarkedMigrating()) made.initializeMigrationHelpers();
+        readColumns(planFor(of, made), row, made);
+    }
+}
+
+void * DocumentFile::Reader::placeOf(Entity & entity, std::ptrdiff_t offset,
+                                     EntityMetaType const * helper) const {
+    void * base = &entity;
+    if (helper) base = entity.segment()->migrationHelper(&entity, helper);
+    return base ? static_cast<char *>(base) + offset : nullptr;
+}
+
+void DocumentFile::Reader::readColumns(Plan & plan, Statement & row, Entity & entity) {
+    unsigned long long reference = 0;
+    for (Column & column : plan.m_columns) {
+        FileMember const & member = *column.m_pMember;
+        void * const field =
+            column.m_bDropped ? nullptr : placeOf(entity, column.m_offset, column.m_pHelper);
+        if (char const * const wrong =
+                m_values.column(row, column.m_place, member.m_kind, field, reference))
+            damaged(entity, member, wrong);
+        if (!reference || !field) continue;
+        if (!resolve(member.m_kind, field, reference, column.m_target, entity, member, false))
+            m_fixUps.push_back({field, reference, &entity, &column});
+    }
+    // What a constructor puts into a list isn't in the file.
+    for (List const & list : plan.m_lists) {
+        if (list.m_bDropped) continue;
+        void * const field = placeOf(entity, list.m_pLeaf->m_offset, list.m_pHelper);
+        if (!field) continue;
+        if (std::size_t const count = list.m_pLeaf->m_pFunctions->elementCount(field))
+            list.m_pLeaf->m_pFunctions->eraseElements(field, 0, count);
+    }
+}
+
+void DocumentFile::Reader::resolveFixUps() {
+    for (FixUp const & fixUp : m_fixUps) {
+        Column & column = *fixUp.m_pColumn;
+        resolve(column.m_pMember->m_kind, fixUp.m_pField, fixUp.m_id, column.m_target,
+                *fixUp.m_pEntity, *column.m_pMember, true);
+    }
+    m_fixUps = {};
+}
+
+bool DocumentFile::Reader::isFit(Target & target, Entity & entity) const {
+    EntityMetaType const * const type = entity.metaType();
+    if (target.m_class.empty() || type == target.m_pLastFit) return true;
+    // To ask for the last id of the chain has every class of it intern its own.
+    entity.queryInterface(Entity::interfaceId());
+    if (UniqueString const * const id = UniqueString::find(target.m_class, false)) {
+        if (!entity.queryInterface(id)) return false;
+    } else {
+        // A class without an id of its own is known by its name.
+        std::size_t const scope = target.m_class.rfind("::");
+        std::string const name =
+            scope == std::string::npos ? target.m_class : target.m_class.substr(scope + 2);
+        EntityMetaType const * i = type;
+        while (i && i->memberSet(c_latestVersion)->className() != name) i = i->base();
+        if (!i) return false;
+    }
+    target.m_pLastFit = type;
+    return true;
+}
+
+bool DocumentFile::Reader::resolve(EMemberKind kind, void * field, unsigned long long id,
+                                   Target & target, Entity & from, FileMember const & member,
+                                   bool isLast) {
+    Entity * const to = m_rAsset->m_pTable->find(id);
+    if (!to) {
+        if (!isLast) return false;
+        // A target that was deleted after the reference was written is what a passive one allows for.
+        if (kind == EMemberKind::PassiveRef && id < m_head.m_nextEntity) return true;
+        damaged(from, member, "there is no entity " + std::to_string(id));
+    }
+    if (!isFit(target, *to))
+        damaged(from, member, "entity " + std::to_string(id) + " is of another class");
+    if (kind == EMemberKind::PassiveRef) {
+        *static_cast<PassiveRef<Entity> *>(field) = PassiveRef<Entity>(to);
+        return true;
+    }
+    *static_cast<StrongRef<Entity> *>(field) = StrongRef<Entity>(to);
+    if (to->metaType()->layout().hasStrong()) m_ownerships.emplace_back(&from, to);
+    return true;
+}
+
+void DocumentFile::Reader::damaged(Entity const & entity, FileMember const & member,
+                                   std::string_view why) const {
+    std::string cause = "entity " + std::to_string(entity.id()) + ", member " + member.path();
+    m_database.damaged((cause += ": ") += why);
+}
+
+// --- Lists -------------------------------------------------------------------------------------
+
+void DocumentFile::Reader::readLists() {
+    Statement row(m_database,
+                  "SELECT entity, member, chunk, items FROM lists ORDER BY entity, member, chunk");
+    while (row.step()) {
+        long long const id = row.integer(0);
+        auto const refuse = [&](char const * why) {
+            m_database.damaged("a list of entity " + std::to_string(id) + ": " + why);
+        };
+        for (int i = 0; i < 3; ++i)
+            if (row.type(i) != SQLITE_INTEGER) refuse("its key isn't one");
+        Entity * const entity =
+            id > 0 ? m_rAsset->m_pTable->find(static_cast<unsigned long long>(id)) : nullptr;
+        if (!entity) refuse("there is no such entity");
+        Class & of = *m_classByType.at(entity->metaType());
+        Plan & plan = planFor(of, *entity);
+        long long const member = row.integer(1);
+        if (member < 0 || member >= static_cast<long long>(plan.m_listOfMember.size())
+            || plan.m_listOfMember[static_cast<std::size_t>(member)] < 0)
+            refuse("there is no such member");
+        if (row.integer(2) <= -DataModel::c_chunkLimit || row.integer(2) >= DataModel::c_chunkLimit)
+            refuse("the number of a chunk is out of range");
+        if (row.type(3) != SQLITE_TEXT) refuse("its items aren't a text");
+        int const list = plan.m_listOfMember[static_cast<std::size_t>(member)];
+        readChunk(plan.m_lists[static_cast<std::size_t>(list)], *entity, row.bytes(3));
+    }
+}
+
+void DocumentFile::Reader::readChunk(List & list, Entity & entity, std::string_view items) {
+    FileMember const & member = *list.m_pMember;
+    void * const field = list.m_bDropped
+        ? nullptr
+        : placeOf(entity, list.m_pLeaf->m_offset, list.m_pHelper);
+    TemplatizedFunctions const * const functions = field ? list.m_pLeaf->m_pFunctions : nullptr;
+    std::size_t const stride = functions ? functions->memberBytes(1) : 0;
+    std::size_t place = functions ? functions->elementCount(field) : 0;
+
+    // Room is made at once where commas tell how much, and else as the elements come.
+    bool const isCountable = member.m_element < EMemberKind::String || isReference(member.m_element);
+    if (functions && isCountable)
+        functions->appendElements(
+            field, static_cast<std::size_t>(std::count(items.begin(), items.end(), ',')) + 1);
+    auto * element = functions && isCountable
+        ? static_cast<char *>(functions->firstElement(field)) + place * stride
+        : nullptr;
+
+    JsonReader json(items);
+    unsigned long long reference = 0;
+    auto const readOne = [&](EMemberKind kind, void * into, Target & target,
+                             FileMember const & what) {
+        if (char const * const wrong = m_values.element(json, kind, into, reference))
+            damaged(entity, what, wrong);
+        if (reference && into) resolve(kind, into, reference, target, entity, what, true);
+    };
+    bool isGood = json.skip('[');
+    do {
+        if (functions && !isCountable) {
+            functions->appendElements(field, 1);
+            element = static_cast<char *>(functions->firstElement(field)) + place * stride;
+        }
+        if (member.m_element != EMemberKind::Value)
+            readOne(member.m_element, element, list.m_target, member);
+        else {
+            if (list.m_parts.empty()) isGood = isGood && json.skip('{');
+            for (List::Part & part : list.m_parts) {
+                isGood = isGood && json.skip(part.m_head);
+                if (!isGood) break;
+                readOne(part.m_pMember->m_kind,
+                        element && !part.m_bDropped ? element + part.m_offset : nullptr,
+                        part.m_target, *part.m_pMember);
+            }
+            isGood = isGood && json.skip('}');
+        }
+        if (element) element += stride;
+        ++place;
+    } while (isGood && json.skip(','));
+    if (!isGood || !json.skip(']') || !json.atEnd())
+        damaged(entity, member, "its items aren't a list of that kind");
+}
+
+// --- The whole ---------------------------------------------------------------------------------
+
+void DocumentFile::Reader::readRoots() {
+    Statement row(m_database, "SELECT segment, place, key, entity FROM roots ORDER BY segment, place");
+    std::set<std::pair<long long, std::string>> keys;
+    while (row.step()) {
+        for (int const i : {0, 1, 3})
+            if (row.type(i) != SQLITE_INTEGER) m_database.damaged("a root has no place");
+        int const keyType = row.type(2);
+        std::string key(row.bytes(2));
+        if (keyType != SQLITE_BLOB && (keyType != SQLITE_TEXT || !DataModel::isText(key)))
+            m_database.damaged("the key of a root isn't a text");
+        auto const refuse = [&](char const * why) {
+            m_database.damaged("the root " + (keyType == SQLITE_TEXT ? key : "") + ": " + why);
+        };
+        long long const id = row.integer(3);
+        Entity * const entity =
+            id > 0 ? m_rAsset->m_pTable->find(static_cast<unsigned long long>(id)) : nullptr;
+        if (!entity) refuse("there is no such entity");
+        if (static_cast<long long>(entity->segment()->segmentType()->type()) != row.integer(0))
+            refuse("its entity is in another segment");
+        if (!keys.emplace(row.integer(0), key).second) refuse("there are two of them");
+        Segment & segment = *entity->segment();
+        segment.placeRoot(StrongRef<Entity>(entity), key, segment.m_roots.size());
+    }
+}
+
+// Entities that own each other in a circle would never go.
+void DocumentFile::Reader::refuseCycles() const {
+    std::vector<Entity *> nodes;
+    for (auto const & [from, to] : m_ownerships) {
+        nodes.push_back(from);
+        nodes.push_back(to);
+    }
+    std::sort(nodes.begin(), nodes.end());
+    nodes.erase(std::unique(nodes.begin(), nodes.end()), nodes.end());
+    auto const indexOf = [&](Entity * entity) {
+        return static_cast<std::size_t>(
+            std::lower_bound(nodes.begin(), nodes.end(), entity) - nodes.begin());
+    };
+    std::vector<std::pair<std::size_t, std::size_t>> edges;
+    edges.reserve(m_ownerships.size());
+    std::vector<std::size_t> owners(nodes.size(), 0); // how many are left of each
+    for (auto const & [from, to] : m_ownerships) {
+        edges.emplace_back(indexOf(from), indexOf(to));
+        ++owners[edges.back().second];
+    }
+    std::sort(edges.begin(), edges.end());
+
+    // Whatever nobody owns is taken away, again and again.  What remains hangs on a circle.
+    std::vector<std::size_t> free;
+    for (std::size_t i = 0; i < nodes.size(); ++i)
+        if (owners[i] == 0) free.push_back(i);
+    std::size_t left = nodes.size();
+    while (!free.empty()) {
+        std::size_t const node = free.back();
+        free.pop_back();
+        --left;
+        for (auto i = std::lower_bound(edges.begin(), edges.end(), std::pair(node, std::size_t{0}));
+             i != edges.end() && i->first == node; ++i)
+            if (--owners[i->second] == 0) free.push_back(i->second);
+    }
+    if (left == 0) return;
+
+    // From one of the rest back along owners, as many steps as there can be: that ends on the circle.
+    std::vector<std::size_t> owner(nodes.size(), 0);
+    std::size_t node = 0;
+    for (auto const & [from, to] : edges)
+        if (owners[from] > 0 && owners[to] > 0) {
+            owner[to] = from;
+            node = to;
+        }
+    for (std::size_t i = 0; i < nodes.size(); ++i) node = owner[node];
+    m_database.damaged("entity " + std::to_string(nodes[node]->id()) + " owns itself in a circle");
+}
+
+void DocumentFile::Reader::migrateValues() {
+    for (StrongRef<Entity> const & entity : m_loaded)
+        for (MemberSet const * set = entity->metaType()->memberSet(c_latestVersion); set;
+             set = set->base())
+            for (unsigned i = 0; i < set->members(); ++i) {
+                Member const & member = set->member(i);
+                if (member.inHelper() || !member.test(Member::OptionPersisted)) continue;
+                TemplatizedFunctions const * const functions = member.functions();
+                MemberMetaType * const kind =
+                    functions ? functions->elementType() : member.type();
+                auto const found =
+                    std::find_if(m_olderValues.begin(), m_olderValues.end(),
+                                 [&](auto const & older) { return older.first == kind; });
+                if (found == m_olderValues.end()) continue;
+                void * const field = reinterpret_cast<char *>(entity.get()) + member.offset();
+                std::size_t const count = functions ? functions->elementCount(field) : 1;
+                auto * value =
+                    static_cast<char *>(functions && count ? functions->firstElement(field) : field);
+                for (std::size_t n = 0; n < count; ++n) {
+                    found->first->migratingVersion(value, found->second);
+                    if (found->first->postMigrate(value, found->second) != MigrationDone)
+                        m_database.fail(StatusFailed, "a value of entity "
+                                                          + std::to_string(entity->id())
+                                                          + " can't be migrated");
+                    if (functions) value += functions->memberBytes(1);
+                }
+            }
+}
+
+void DocumentFile::Reader::complete() {
+    Asset & asset = *m_rAsset;
+    if (!m_olderValues.empty()) migrateValues();
+    // In the order of ids.
+    asset.m_pTable->forEach(
+        [](Entity & entity) { entity.metaType()->onPostLoad(&entity); });
+    if (asset.m_bMigrating) {
+        auto const forMarked = [&](auto const & step) {
+            asset.m_pTable->forEach([&](Entity & entity) {
+                if (entity.isMarkedMigrating()) step(entity);
+            });
+        };
+        forMarked([](Entity & entity) {
+            entity.postMigrate();
+            entity.uninitializeMigrationHelpers();
+            entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagMigrating);
+        });
+    }
+
+    asset.m_nextId = std::max(asset.m_nextId, m_head.m_nextEntity);
+    for (StrongRef<Entity> & entity : m_loaded) {
+        entity->m_flags |= Entity::FlagStored;
+        if (entity->refCount() == 1) {
+            Segment & segment = *entity->segment();
+            segment.m_unowned.push_back(std::move(entity));
+        } else
+            entity.reset();
+    }
+    m_loaded.clear();
+    asset.m_history.clear();
+    asset.m_history.markClean();
+    asset.m_bRootsDirty = false;
+    // What a migration made or changed is written when the file is, which is then written whole.
+    for (unsigned long long const id : std::exchange(asset.m_dirty, {}))
+        if (Entity * const entity = asset.m_pTable->find(id))
+            entity->m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDirty);
+    asset.m_deleted.clear();
+    asset.m_persistedVersions.clear();
+    asset.m_bMigrating = false;
+    asset.m_bLoading = false;
+
+    std::error_code error;
+    std::filesystem::path const absolute = std::filesystem::absolute(m_database.file(), error);
+    asset.m_file = error ? m_database.file() : absolute;
+    asset.m_fileStamp =
+        DocumentFileStamp{m_head.m_id, m_head.m_generation, m_head.m_stamp, {}}.toString();
+}
+
+} // namespace Vn
