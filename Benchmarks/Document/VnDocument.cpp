@@ -102,7 +102,8 @@ public:
         StrongRef<Group> const group = Group::make(&segment);
         segment.addRoot(group, "group");
         PassiveRef<Entity> const parent(group);
-        for (Record const & record : records) Child::make(parent, record);
+        for (Record const & record : records)
+            static_cast<void>(Child::make(parent, record)); // the group has it now
         transaction.commit();
         m_rGroup = group;
     }

@@ -25,14 +25,13 @@ using DataModel::WordBuffer;
 
 // One step of the history, or a transaction that is open.
 struct ChangeHistory::Step {
-    Step(std::wstring_view name, std::uint32_t log)
-        : m_name(name), m_pLog(std::make_unique<ChangeLog>(log)) {}
+    Step(std::shared_ptr<std::wstring const> name, std::uint32_t log, ChangeLog * around)
+        : m_pName(std::move(name)), m_log(log), m_pAround(around) {}
 
-    std::wstring m_name;
-    std::unique_ptr<ChangeLog> m_pLog;
-    std::uint64_t m_state = 0;  // of the document once the step is done
-    std::uint64_t m_before = 0; // and before it
-    ChangeLog * m_pAround = nullptr; // the log that was open when the transaction began
+    std::shared_ptr<std::wstring const> const m_pName;
+    ChangeLog m_log;
+    std::uint64_t m_state = 0; // of the document once the step is done
+    ChangeLog * m_pAround;     // the log that was open when the transaction began
 };
 
 namespace {
@@ -50,6 +49,9 @@ std::uint64_t entry(std::size_t leaf, std::size_t words) noexcept {
     return leaf | static_cast<std::uint64_t>(words) << 32;
 }
 std::size_t entryLeaf(std::uint64_t head) noexcept { return head & 0xFFFFFFFFU; }
+
+// A spare log that has grown larger is given back.
+constexpr std::size_t c_spareBytes = 65536;
 
 bool isSaved(Entity const & entity) noexcept { return !entity.segment()->isTransient(); }
 
@@ -79,18 +81,17 @@ Status ChangeHistory::move(bool undoing) {
         step = std::move(m_redo.back());
         m_redo.pop_back();
     }
-    m_bytes -= step->m_pLog->bytes();
-    // The inverse is written to a spare log.  A small one is then copied to where the log was, which
-    // costs no memory; a large one becomes the step's own.
+    m_bytes -= step->m_log.bytes();
+    // The inverse is written to a log that is used again and again, and then changes places.
     if (!m_pSpare) m_pSpare = std::make_unique<ChangeLog>(0);
     m_pSpare->reset(nextLogNumber());
-    replay(*step->m_pLog, m_pSpare.get());
-    if (step->m_pLog->isPersistent()) m_pSpare->persistent();
-    if (!step->m_pLog->takeOver(*m_pSpare)) {
-        m_pSpare->words().trim();
-        drop(std::exchange(step->m_pLog, std::exchange(m_pSpare, nullptr)));
-    }
-    m_bytes += step->m_pLog->bytes();
+    replay(step->m_log, m_pSpare.get());
+    if (step->m_log.isPersistent()) m_pSpare->persistent();
+    step->m_log.swap(*m_pSpare);
+    step->m_log.words().trim();
+    drop(*m_pSpare);
+    if (m_pSpare->words().heapBytes() > c_spareBytes) m_pSpare.reset();
+    m_bytes += step->m_log.bytes();
     if (undoing)
         m_redo.push_back(std::move(step));
     else
@@ -112,13 +113,13 @@ bool ChangeHistory::canRedo() const noexcept {
 
 std::vector<std::wstring> ChangeHistory::undoNames() const {
     std::vector<std::wstring> names;
-    for (auto i = m_undo.rbegin(); i != m_undo.rend(); ++i) names.push_back((*i)->m_name);
+    for (auto i = m_undo.rbegin(); i != m_undo.rend(); ++i) names.push_back(*(*i)->m_pName);
     return names;
 }
 
 std::vector<std::wstring> ChangeHistory::redoNames() const {
     std::vector<std::wstring> names;
-    for (auto i = m_redo.rbegin(); i != m_redo.rend(); ++i) names.push_back((*i)->m_name);
+    for (auto i = m_redo.rbegin(); i != m_redo.rend(); ++i) names.push_back(*(*i)->m_pName);
     return names;
 }
 
@@ -129,8 +130,8 @@ void ChangeHistory::clear() {
     while (!m_undo.empty()) {
         auto const step = std::move(m_undo.front());
         m_undo.pop_front();
-        m_bytes -= step->m_pLog->bytes();
-        drop(std::move(step->m_pLog));
+        m_bytes -= step->m_log.bytes();
+        drop(step->m_log);
     }
     dropRedo();
 }
@@ -139,8 +140,8 @@ void ChangeHistory::dropRedo() noexcept {
     auto const steps = std::exchange(m_redo, {});
     // An undone step keeps what had come with it, which steps that are redone later mention: those go first.
     for (auto const & step : steps) {
-        m_bytes -= step->m_pLog->bytes();
-        drop(std::move(step->m_pLog));
+        m_bytes -= step->m_log.bytes();
+        drop(step->m_log);
     }
 }
 
@@ -156,7 +157,7 @@ void ChangeHistory::byteLimit(std::size_t bytes) {
 
 std::size_t ChangeHistory::bytes() const noexcept {
     std::size_t bytes = m_bytes;
-    for (auto const & step : m_open) bytes += step->m_pLog->bytes();
+    for (auto const & step : m_open) bytes += step->m_log.bytes();
     return bytes;
 }
 
@@ -167,8 +168,8 @@ void ChangeHistory::enforceLimits() {
         auto const step = std::move(m_undo.front());
         m_undo.pop_front();
         m_baseState = step->m_state;
-        m_bytes -= step->m_pLog->bytes();
-        drop(std::move(step->m_pLog));
+        m_bytes -= step->m_log.bytes();
+        drop(step->m_log);
     }
 }
 
@@ -180,7 +181,7 @@ void ChangeHistory::markClean() noexcept { m_cleanState = state(); }
 
 bool ChangeHistory::isClean() const noexcept {
     for (auto const & step : m_open)
-        if (step->m_pLog->isPersistent()) return false;
+        if (step->m_log.isPersistent()) return false;
     return state() == m_cleanState;
 }
 
@@ -203,8 +204,10 @@ void ChangeHistory::changedUnrecorded() noexcept {
 
 bool ChangeHistory::begin(std::wstring_view name) {
     if (m_bReplaying) return false;
-    m_open.push_back(std::make_unique<Step>(name, nextLogNumber()));
-    m_open.back()->m_pAround = std::exchange(m_pLog, m_open.back()->m_pLog.get());
+    // Steps of the same name share it.
+    if (!m_pName || *m_pName != name) m_pName = std::make_shared<std::wstring const>(name);
+    m_open.push_back(std::make_unique<Step>(m_pName, nextLogNumber(), m_pLog));
+    m_pLog = &m_open.back()->m_log;
     return true;
 }
 
@@ -212,7 +215,7 @@ void ChangeHistory::commit() {
     std::unique_ptr<Step> step = std::move(m_open.back());
     m_open.pop_back();
     m_pLog = step->m_pAround;
-    ChangeLog & log = *step->m_pLog;
+    ChangeLog & log = step->m_log;
     if (log.empty()) return;
     if (m_pLog) {
         // Becomes a part of the log around it, whose number and places its records take.
@@ -235,9 +238,14 @@ void ChangeHistory::commit() {
         return;
     }
     dropRedo();
+    if (std::exchange(m_bLost, false)) { // what was recorded isn't all: nothing before can be reached
+        drop(log);
+        clear();
+        m_baseState = ++m_lastState;
+        return;
+    }
     log.words().trim();
-    step->m_before = state();
-    step->m_state = log.isPersistent() ? ++m_lastState : step->m_before;
+    step->m_state = log.isPersistent() ? ++m_lastState : state();
     m_bytes += log.bytes();
     m_undo.push_back(std::move(step));
     enforceLimits();
@@ -247,9 +255,10 @@ void ChangeHistory::abort() {
     std::unique_ptr<Step> step = std::move(m_open.back());
     m_open.pop_back();
     m_pLog = nullptr;
-    replay(*step->m_pLog, nullptr);
+    if (std::exchange(m_bLost, false)) m_bUsable = false;
+    replay(step->m_log, nullptr);
     m_pLog = step->m_pAround;
-    drop(std::move(step->m_pLog));
+    drop(step->m_log);
     // What the replay killed was still mentioned by the log.
     for (Entity * const entity : std::exchange(m_killed, {})) letGo(*entity);
     if (std::exception_ptr const failure = std::exchange(m_hookFailure, nullptr))
@@ -348,50 +357,21 @@ void ChangeHistory::closeBracket(EntityChange & change) {
     if (alive) m_asset.markDirty(entity);
     if (isReplay) return;
 
-    // Of the members kept, those that differ go into the log.  The scratch is cut down whatever happens.
-    WordBuffer & scratch = *m_pScratch;
     ChangeLog * log = m_pLog && m_pLog->number() == change.m_log ? m_pLog : nullptr;
-    // Without room for the record nothing of it is written, and the history ends here.
-    if (log && !log->words().reserve(scratch.size() - change.m_snapshot + c_recordWords))
-        log = nullptr;
-    if (!log && alive) changedUnrecorded();
     Record record;
-    std::size_t begin = 0;
     if (log) {
-        begin = log->end();
         if (entity.m_logNumber == log->number()) {
             Record const & last = log->record(entity.m_logRecord);
             record.m_leaves = last.m_leaves;
             record.m_bBorn = last.m_bBorn;
         }
-        if (isSaved(entity)) log->persistent();
     }
-    if (scratch.size() > change.m_snapshot) {
-        auto const & leaves = entity.metaType()->layout().leaves();
-        std::uint64_t const * place = scratch.data() + change.m_snapshot;
-        std::uint64_t const * const end = scratch.data() + scratch.size();
-        while (place < end) {
-            std::size_t const i = static_cast<std::size_t>(*place++);
-            Leaf const & leaf = leaves[i];
-            std::uint64_t const * const value = place;
-            bool const same = DataModel::isKept(leaf, DataModel::field(entity, leaf), place);
-            if (same || !log || isRecorded(record.m_leaves, i)) {
-                if (leaf.m_bOwning) {
-                    auto * words = const_cast<std::uint64_t *>(value);
-                    DataModel::release(leaf, words);
-                }
-                continue;
-            }
-            auto const words = static_cast<std::size_t>(place - value);
-            log->words().push(entry(i, words));
-            log->words().push(value, words);
-            note(record.m_leaves, i);
-            if (leaf.m_bOwning) log->owning();
-        }
-        scratch.truncate(change.m_snapshot);
-    }
+    std::size_t const begin = log ? log->end() : 0;
+    if (m_pScratch->size() > change.m_snapshot) keepDifferences(change, log, record);
+    if (!log && alive) changedUnrecorded();
     if (!log) return;
     if (log->end() > begin) {
+        if (isSaved(entity)) log->persistent();
         record.m_pEntity = &entity;
         record.m_kind = ERecord::Changed;
         record.m_types = static_cast<std::uint8_t>(change.m_types);
@@ -401,6 +381,51 @@ void ChangeHistory::closeBracket(EntityChange & change) {
         entity.m_logNumber = log->number();
     } else if (entity.m_logNumber == log->number())
         log->record(entity.m_logRecord).m_types |= static_cast<std::uint8_t>(change.m_types);
+}
+
+// Of the members kept when the bracket opened, those that differ go into the log.
+void ChangeHistory::keepDifferences(EntityChange const & change, ChangeLog * log, Record & record) {
+    Entity & entity = *change.m_pEntity;
+    auto const & leaves = entity.metaType()->layout().leaves();
+    std::uint64_t * const begin = m_pScratch->data() + change.m_snapshot;
+    std::uint64_t const * const end = m_pScratch->data() + m_pScratch->size();
+    std::uint64_t const * place = begin;
+    std::uint64_t * kept = begin; // the differences move together at the beginning
+    std::uint64_t recorded = record.m_leaves;
+    bool owning = false;
+    while (place < end) {
+        std::size_t const i = static_cast<std::size_t>(*place++);
+        Leaf const & leaf = leaves[i];
+        std::uint64_t const * const value = place;
+        bool const same = DataModel::isKept(leaf, DataModel::field(entity, leaf), place);
+        if (same || !log || isRecorded(recorded, i)) {
+            if (leaf.m_bOwning) {
+                auto * words = const_cast<std::uint64_t *>(value);
+                DataModel::release(leaf, words);
+            }
+            continue;
+        }
+        auto const words = static_cast<std::size_t>(place - value);
+        *kept++ = entry(i, words);
+        std::memmove(kept, value, words * sizeof(*kept));
+        kept += words;
+        note(recorded, i);
+        owning = owning || leaf.m_bOwning;
+    }
+    auto const words = static_cast<std::size_t>(kept - begin);
+    m_pScratch->truncate(change.m_snapshot);
+    if (!words) return;
+    if (!log->words().reserve(words + c_recordWords)) { // no memory: the step can't be undone
+        for (std::uint64_t * i = begin; i < kept;) {
+            Leaf const & leaf = leaves[entryLeaf(*i++)];
+            DataModel::release(leaf, i);
+        }
+        m_bLost = true;
+        return;
+    }
+    log->words().push(begin, words);
+    record.m_leaves = recorded;
+    if (owning) log->owning();
 }
 
 void ChangeHistory::spliced(MemberSplices const & splices, bool inserted, std::size_t index,
@@ -524,7 +549,7 @@ void ChangeHistory::killOrphans(DataChange::ETransact transact) noexcept {
     if (!m_bReplaying && !m_pLog && !m_asset.m_bLoading) {
         dropRedo();
         if (!m_undo.empty()) {
-            continued = m_pLog = m_undo.back()->m_pLog.get();
+            continued = m_pLog = &m_undo.back()->m_log;
             before = continued->bytes();
         }
     }
@@ -766,17 +791,17 @@ void ChangeHistory::replayRoot(ChangeLog & log, std::size_t end) {
 
 // --- Giving up logs ----------------------------------------------------------------------------
 
-void ChangeHistory::drop(std::unique_ptr<ChangeLog> log) noexcept {
-    if (!log || !log->isOwning()) return;
+void ChangeHistory::drop(ChangeLog & log) noexcept {
+    if (!log.isOwning()) return;
     bool const wasDropping = std::exchange(m_bDropping, true);
     std::vector<Entity *> kept;
-    for (std::size_t end = log->end(); end; end = log->before(end)) {
-        Record const & record = log->record(end);
+    for (std::size_t end = log.end(); end; end = log.before(end)) {
+        Record const & record = log.record(end);
         if (record.m_kind == ERecord::Born || record.m_kind == ERecord::Root
             || record.m_kind == ERecord::Inserted)
             continue;
         auto const & leaves = record.m_pEntity->metaType()->layout().leaves();
-        std::uint64_t * words = log->payload(end);
+        std::uint64_t * words = log.payload(end);
         std::uint64_t * const wordsEnd = words + record.m_words;
         if (record.m_kind == ERecord::Changed)
             while (words < wordsEnd) {
@@ -793,6 +818,7 @@ void ChangeHistory::drop(std::unique_ptr<ChangeLog> log) noexcept {
             if (!record.m_bReplayed) kept.push_back(record.m_pEntity);
         }
     }
+    log.reset(0);
     for (Entity * const entity : kept) letGo(*entity);
     m_bDropping = wasDropping;
     if (!m_bDropping && !m_bReplaying && !m_bKilling && !m_orphans.empty())

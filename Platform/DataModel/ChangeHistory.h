@@ -82,6 +82,7 @@ class Segment;
 namespace DataModel {
 class ChangeLog;
 class WordBuffer;
+struct Record;
 }
 
 // The changes of one document.  Invariants and states stand at the top of this file.
@@ -123,8 +124,9 @@ public:
     void markClean() noexcept;
     bool isClean() const noexcept;
 
-    // False once memory ran out in the middle of a replay: the document is then neither the one before
-    // nor the one after, and undo, redo and saving are refused.
+    // False once memory ran out in the middle of a replay, or before a transaction that had to be taken
+    // back: the document is then neither the one before nor the one after, and undo, redo and saving
+    // are refused.
     bool isUsable() const noexcept { return m_bUsable; }
 
     // The states, as at the top of this file.
@@ -150,6 +152,8 @@ private:
     // What brackets do.
     void openBracket(EntityChange & change);
     void closeBracket(EntityChange & change);
+    void keepDifferences(EntityChange const & change, DataModel::ChangeLog * log,
+                         DataModel::Record & record);
     EntityChange * outermostBracket(Entity const & entity) const noexcept;
 
     // What happens to entities.
@@ -176,7 +180,7 @@ private:
     bool splicesAnnounced(Entity const & entity, int leaf) const noexcept;
     void spliced(MemberSplices const & splices, bool inserted, std::size_t index, std::size_t count);
     void enforceLimits();
-    void drop(std::unique_ptr<DataModel::ChangeLog> log) noexcept;
+    void drop(DataModel::ChangeLog & log) noexcept;
     void dropRedo() noexcept;
     std::uint64_t state() const noexcept;
 
@@ -187,6 +191,7 @@ private:
     EntityChange * m_pInnermost = nullptr;
     MemberSplices * m_pSplices = nullptr;
     std::unique_ptr<DataModel::WordBuffer> m_pScratch; // members as they were when brackets opened
+    std::shared_ptr<std::wstring const> m_pName; // of the step begun last
     std::vector<std::unique_ptr<Step>> m_open;
     std::deque<std::unique_ptr<Step>> m_undo;
     std::vector<std::unique_ptr<Step>> m_redo;
@@ -198,6 +203,7 @@ private:
     bool m_bKilling = false;
     bool m_bDropping = false;
     bool m_bUsable = true;
+    bool m_bLost = false; // memory ran out while a change was recorded
     std::size_t m_stepLimit = 0;
     std::size_t m_byteLimit = std::size_t{1} << 30;
     std::size_t m_bytes = 0; // of the steps in m_undo and m_redo

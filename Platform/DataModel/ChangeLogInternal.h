@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "Platform/DataModel/WordBufferInternal.h"
 
@@ -79,7 +80,7 @@ public:
     }
 
     // The bytes of the log and of the entities that it keeps.
-    std::size_t bytes() const noexcept { return m_words.capacity() * 8 + m_keptBytes; }
+    std::size_t bytes() const noexcept { return sizeof(*this) + m_words.heapBytes() + m_keptBytes; }
     void addKeptBytes(std::size_t bytes) noexcept { m_keptBytes += bytes; }
     std::size_t keptBytes() const noexcept { return m_keptBytes; }
 
@@ -99,20 +100,16 @@ public:
         m_bOwning = false;
     }
 
-    // Becomes a copy of a log that owns nothing, if this doesn't either and has the room for it.
-    bool takeOver(ChangeLog const & other) noexcept {
-        if (m_bOwning || other.m_bOwning || other.m_words.size() > m_words.capacity()
-            || other.m_words.size() > c_copiedWords)
-            return false;
-        reset(other.m_number);
-        if (other.m_words.size()) m_words.push(other.m_words.data(), other.m_words.size());
-        m_bPersistent = other.m_bPersistent;
-        return true;
+    // Becomes what another log is, and the other what this is.
+    void swap(ChangeLog & other) noexcept {
+        m_words.swap(other.m_words);
+        std::swap(m_number, other.m_number);
+        std::swap(m_keptBytes, other.m_keptBytes);
+        std::swap(m_bPersistent, other.m_bPersistent);
+        std::swap(m_bOwning, other.m_bOwning);
     }
 
 private:
-    static constexpr std::size_t c_copiedWords = 512;
-
     WordBuffer m_words;
     std::uint32_t m_number;
     std::size_t m_keptBytes = 0;

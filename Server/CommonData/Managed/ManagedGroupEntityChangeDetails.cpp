@@ -50,12 +50,33 @@ Children sorted(Stretch stretch) {
     return all;
 }
 
-// What stands in `a` more often than in `b`, as often as the numbers differ; both are sorted.
-Children difference(Children const & a, Children const & b) {
-    Children rest;
-    std::set_difference(a.begin(), a.end(), b.begin(), b.end(), std::back_inserter(rest),
-                        std::less<>());
+// How often children stand in a list, sorted by child.
+struct Tally {
+    ManagedEntity * m_pChild;
+    std::size_t m_count;
+};
+
+// What stands in `a` more often than in `b`, and how much more often; both are sorted.
+std::vector<Tally> difference(Children const & a, Children const & b) {
+    std::vector<Tally> rest;
+    auto i = a.begin();
+    auto j = b.begin();
+    while (i != a.end()) {
+        auto const next = std::upper_bound(i, a.end(), *i, std::less<>());
+        j = std::lower_bound(j, b.end(), *i, std::less<>());
+        auto const behind = std::upper_bound(j, b.end(), *i, std::less<>());
+        if (next - i > behind - j)
+            rest.push_back({*i, static_cast<std::size_t>((next - i) - (behind - j))});
+        i = next;
+    }
     return rest;
+}
+
+Tally * tallyOf(std::vector<Tally> & tallies, ManagedEntity * child) {
+    auto const found = std::lower_bound(
+        tallies.begin(), tallies.end(), child,
+        [](Tally const & a, ManagedEntity * b) { return std::less<>()(a.m_pChild, b); });
+    return found != tallies.end() && found->m_pChild == child ? &*found : nullptr;
 }
 
 bool contains(Children const & all, ManagedEntity * child) {
@@ -64,18 +85,21 @@ bool contains(Children const & all, ManagedEntity * child) {
 
 // The children of a sorted list that stand neither in another nor at the common ends.
 Children missing(Children const & wanted, Children const & other, Comparison const & lists) {
-    Children rest;
-    std::copy_if(wanted.begin(), wanted.end(), std::back_inserter(rest),
-                 [&](ManagedEntity * child) { return !contains(other, child); });
-    rest.erase(std::unique(rest.begin(), rest.end()), rest.end());
+    std::vector<Tally> rest;
+    for (ManagedEntity * const child : wanted)
+        if ((rest.empty() || rest.back().m_pChild != child) && !contains(other, child))
+            rest.push_back({child, 1});
     // A child may be listed more than once.
+    std::size_t left = rest.size();
     for (Stretch const end : {lists.m_head, lists.m_tail})
-        for (ManagedEntity * const child : end) {
-            if (rest.empty()) return rest;
-            auto const found = std::lower_bound(rest.begin(), rest.end(), child, std::less<>());
-            if (found != rest.end() && *found == child) rest.erase(found);
+        for (std::size_t i = 0; left && i < end.size(); ++i) {
+            Tally * const found = tallyOf(rest, end[i]);
+            if (found) left -= std::exchange(found->m_count, 0);
         }
-    return rest;
+    Children children;
+    for (Tally const & tally : rest)
+        if (tally.m_count) children.push_back(tally.m_pChild);
+    return children;
 }
 
 } // namespace
@@ -154,12 +178,15 @@ void ManagedGroupEntityTransactChangeDetails::calculateChildrenDiff(
 
     // Of a child that is listed less often than before, the later places count as those that are gone.
     Children removed;
-    Children gone = difference(before, after);
-    for (auto i = m_snapshot.rbegin(); !gone.empty() && i != m_snapshot.rend(); ++i) {
-        auto const found = std::lower_bound(gone.begin(), gone.end(), *i, std::less<>());
-        if (found == gone.end() || *found != *i) continue;
+    std::vector<Tally> gone = difference(before, after);
+    std::size_t left = 0;
+    for (Tally const & tally : gone) left += tally.m_count;
+    removed.reserve(left);
+    for (auto i = m_snapshot.rbegin(); removed.size() < left; ++i) {
+        Tally * const found = tallyOf(gone, *i);
+        if (!found || !found->m_count) continue;
         removed.push_back(*i);
-        gone.erase(found);
+        --found->m_count;
     }
     std::reverse(removed.begin(), removed.end());
     m_removed = std::move(removed);

@@ -125,6 +125,9 @@ class Persisted : public Base, public Interfaces... {
 public:
     // The class that X persists on top of.
     using PersistedBase = Base;
+    // Whether initializeMemberSet adds the latest members if it is asked for version 0.  A class
+    // whose version 0 had others hides this by a constant of its own, and has no latest ones.
+    static constexpr bool c_addsLatestMembers = true;
 
     // The id of the meta type, as of X::c_class.
     static std::string s_metaTypeId() { return X::c_class.m_metaTypeId; }
@@ -165,10 +168,6 @@ public:
 
 protected:
     using Base::Base;
-
-    // Whether the latest member set has members of X's own that initializeMemberSet adds for version
-    // 0.  A class whose version 0 had others hides this by a constant of its own.
-    static constexpr bool c_addsLatestMembers = true;
 
     // The one way in which running code makes an object.
     template <class... Arguments>

@@ -1,0 +1,47 @@
+#include "Server/CommonData/Components/ComponentChangeSummarizer.h"
+
+#include <vector>
+
+#include "Platform/DataModel/InterfaceId.h"
+#include "Server/CommonData/Components/ComponentDataChange.h"
+#include "Server/CommonData/Components/IComponent.h"
+#include "Server/CommonData/Components/IComponentObject.h"
+
+namespace Vn::CommonData {
+
+ComponentChangeSummarizer::~ComponentChangeSummarizer() = default;
+
+UniqueString const * ComponentChangeSummarizer::interfaceId() {
+    static constinit InterfaceId s_id("Vn::CommonData::ComponentChangeSummarizer");
+    return s_id.get();
+}
+
+UniqueString const * ComponentChangeSummarizer::getInterfaceId() const { return interfaceId(); }
+
+void * ComponentChangeSummarizer::queryInterface(UniqueString const * id) const {
+    return id == interfaceId() ? const_cast<ComponentChangeSummarizer *>(this)
+                               : EntityChangeSummarizer::queryInterface(id);
+}
+
+template <class Tell>
+void ComponentChangeSummarizer::tell(DataChange::EChangeType type, Tell && tell) {
+    if (!m_pObject || !m_pObject->component()) return;
+    std::vector<IComponent *> components{m_pObject->component()};
+    components.front()->collectComponents(components);
+    ComponentDataChange const change(m_pObject, type);
+    for (IComponent * const component : components) tell(*component, change);
+}
+
+void ComponentChangeSummarizer::onPreChange(DataChange::EChangeType type) {
+    tell(type, [](IComponent & component, ComponentDataChange const & change) {
+        component.onComponentPreChange(&change);
+    });
+}
+
+void ComponentChangeSummarizer::onPostChange(DataChange::EChangeType type) {
+    tell(type, [](IComponent & component, ComponentDataChange const & change) {
+        component.onComponentPostChange(&change, true);
+    });
+}
+
+} // namespace Vn::CommonData

@@ -1,0 +1,144 @@
+#include "Server/CommonData/Managed/CustomGroup.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "Platform/DataModel/EntityChange.h"
+#include "Server/CommonData/Managed/CustomGroups.h"
+
+namespace Vn::Managed {
+
+using Details = ManagedGroupEntityChangeDetails;
+
+CustomGroup::CustomGroup(PassiveRef<Entity> const & parent, ICustomGroupParent * groupParent)
+    : Persisted(parent), m_rGroupParent(query<ManagedEntity>(groupParent)) {
+    initializeMemberSetIfNeeded();
+}
+
+CustomGroup::CustomGroup(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
+
+CustomGroup::CustomGroup(Segment * segment, unsigned long long id) : Persisted(segment, id) {
+    initializeMemberSetIfNeeded();
+}
+
+CustomGroup::~CustomGroup() = default;
+
+StrongRefCreator<CustomGroup> CustomGroup::make(StrongRef<Entity> const & parent,
+                                                ICustomGroupParent * groupParent) {
+    return create(PassiveRef<Entity>(parent), groupParent);
+}
+
+void CustomGroup::initializeMemberSet(unsigned, MemberSet * set) {
+    addMember(set, "creationIndex", m_creationIndex, IntrinsicMetaType<unsigned int>::get());
+    addMember(set, "rGroupParent", m_rGroupParent, PassiveRefMetaType::get());
+    addVector(set, "groupChildren", m_groupChildren, PassiveRefMetaType::get());
+}
+
+void CustomGroup::onPostCreation(DataChange::ETransact transact) {
+    ManagedEntity::onPostCreation(transact);
+    if (DataChange::test(transact, DataChange::TransactReplay)) return;
+    StrongRef<Entity> const groups = parent();
+    m_creationIndex =
+        static_cast<unsigned>(query<CustomGroups>(groups.get())->getNextID());
+}
+
+bool CustomGroup::canAddGroupChild(ICustomGroupChild const *) const { return true; }
+
+unsigned CustomGroup::groupChildren() const {
+    return static_cast<unsigned>(m_groupChildren.size());
+}
+
+ICustomGroupChild * CustomGroup::groupChild(unsigned index) const {
+    return query<ICustomGroupChild>(m_groupChildren[index].get());
+}
+
+ICustomGroupParent * CustomGroup::groupParent() const {
+    return query<ICustomGroupParent>(m_rGroupParent.get());
+}
+
+void CustomGroup::groupParent(ICustomGroupParent * parent) {
+    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
+                              DataChange::TimingPreAndPost, nullptr, true);
+    m_rGroupParent = PassiveRef<Entity>(query<ManagedEntity>(parent));
+}
+
+void CustomGroup::addGroupChild(ICustomGroupChild * child) {
+    if (!child) return;
+    StrongRef<ManagedEntity> const entity(query<ManagedEntity>(child));
+    child->groupParent(this);
+    Details details(entity, Details::ChildAdded, Details::c_noIndex);
+    MemberSplices splices(*this, &m_groupChildren);
+    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
+                              DataChange::TimingPreAndPost, &details, true);
+    m_groupChildren.emplace_back(entity);
+    splices.inserted(m_groupChildren.size() - 1);
+}
+
+void CustomGroup::insertGroupChild(ICustomGroupChild * child, unsigned index) {
+    if (!child) return;
+    StrongRef<ManagedEntity> const entity(query<ManagedEntity>(child));
+    child->groupParent(this);
+    Details details(entity, Details::ChildInserted, index);
+    MemberSplices splices(*this, &m_groupChildren);
+    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
+                              DataChange::TimingPreAndPost, &details, true);
+    m_groupChildren.emplace_back(entity);
+    std::rotate(m_groupChildren.begin() + static_cast<std::ptrdiff_t>(index),
+                m_groupChildren.end() - 1, m_groupChildren.end());
+    splices.inserted(index);
+}
+
+void CustomGroup::removeGroupChild(ICustomGroupChild * child) {
+    if (!child) return;
+    StrongRef<ManagedEntity> const entity(query<ManagedEntity>(child));
+    auto const found = std::find(m_groupChildren.begin(), m_groupChildren.end(), entity);
+    if (found == m_groupChildren.end()) return;
+    auto const index = found - m_groupChildren.begin();
+    Details details(entity, Details::ChildRemoved, Details::c_noIndex);
+    MemberSplices splices(*this, &m_groupChildren);
+    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
+                              DataChange::TimingPreAndPost, &details, true);
+    splices.erasing(static_cast<std::size_t>(index));
+    m_groupChildren.erase(m_groupChildren.begin() + index);
+}
+
+std::vector<StrongRef<ManagedEntity>> CustomGroup::livingMembers() const {
+    std::vector<StrongRef<ManagedEntity>> members;
+    members.reserve(m_groupChildren.size());
+    for (PassiveRef<ManagedEntity> const & child : m_groupChildren)
+        if (StrongRef<ManagedEntity> member = child.lock()) members.push_back(std::move(member));
+    return members;
+}
+
+void CustomGroup::onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,
+                              DataChange * details) {
+    if (DataChange::test(transact, DataChange::TransactReplay))
+        m_pTransactDetails =
+            std::make_unique<ManagedGroupEntityTransactChangeDetails>(livingMembers());
+    ManagedGroupEntity::onPreChange(transact, type, details);
+}
+
+void CustomGroup::onPostChange(DataChange::ETransact transact, DataChange::EChangeType type,
+                               DataChange * details) {
+    // Lasts until everybody has been told, even if one of them ends this group meanwhile.
+    std::unique_ptr<ManagedGroupEntityTransactChangeDetails> own;
+    if (DataChange::test(transact, DataChange::TransactReplay)) own.swap(m_pTransactDetails);
+    if (own) {
+        own->calculateChildrenDiff(livingMembers());
+        if (details)
+            details->addDataChange(own.release(), true);
+        else
+            details = own.get();
+    }
+    ManagedGroupEntity::onPostChange(transact, type, details);
+}
+
+void CustomGroup::onPreDeletion(DataChange::ETransact transact) {
+    m_groupChildren.clear();
+    m_pTransactDetails.reset();
+    m_rGroupParent.reset();
+    ManagedGroupEntity::onPreDeletion(transact);
+}
+
+} // namespace Vn::Managed

@@ -1,0 +1,109 @@
+#include "Server/CommonData/Managed/ManagedGroupEntity.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+#include "Platform/DataModel/EntityChange.h"
+#include "Platform/DataModel/ObjectPath.h"
+
+namespace Vn::Managed {
+
+using Details = ManagedGroupEntityChangeDetails;
+
+ManagedGroupEntity::ManagedGroupEntity(PassiveRef<Entity> const & parent) : Persisted(parent) {
+    initializeMemberSetIfNeeded();
+}
+
+ManagedGroupEntity::ManagedGroupEntity(Segment * segment) : Persisted(segment) {
+    initializeMemberSetIfNeeded();
+}
+
+ManagedGroupEntity::ManagedGroupEntity(Segment * segment, unsigned long long id)
+    : Persisted(segment, id) {
+    initializeMemberSetIfNeeded();
+}
+
+ManagedGroupEntity::~ManagedGroupEntity() = default;
+
+void ManagedGroupEntity::initializeMemberSet(unsigned, MemberSet * set) {
+    addVector(set, "children", m_children, StrongRefMetaType::get());
+}
+
+void ManagedGroupEntity::addChild(StrongRef<ManagedEntity> const & child) {
+    // A child that was made for this group is the usual case, and needs no look at its parent.
+    if (!(child->m_rParent == this) && !child->managedParent())
+        child->parent(StrongRef<Entity>(this));
+    Details details(child, Details::ChildAdded, Details::c_noIndex);
+    MemberSplices splices(*this, &m_children);
+    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
+                              DataChange::TimingPreAndPost, &details, true);
+    m_children.push_back(details.managedEntity());
+    splices.inserted(m_children.size() - 1);
+}
+
+void ManagedGroupEntity::insertChild(StrongRef<ManagedEntity> const & child, unsigned index) {
+    Details details(child, Details::ChildInserted, index);
+    MemberSplices splices(*this, &m_children);
+    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
+                              DataChange::TimingPreAndPost, &details, true);
+    m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index),
+                      details.managedEntity());
+    splices.inserted(index);
+}
+
+void ManagedGroupEntity::removeChild(StrongRef<ManagedEntity> const & child) {
+    auto const found = std::find(m_children.begin(), m_children.end(), child);
+    if (found == m_children.end()) return;
+    auto const index = found - m_children.begin();
+    Details details(child, Details::ChildRemoved, Details::c_noIndex);
+    MemberSplices splices(*this, &m_children);
+    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
+                              DataChange::TimingPreAndPost, &details, true);
+    splices.erasing(static_cast<std::size_t>(index));
+    m_children.erase(m_children.begin() + index);
+}
+
+IScriptableObject * ManagedGroupEntity::getChildObject(Onk const & onk, ObjectPath const &) const {
+    int const index = onk.repAsInt();
+    if (index < 0 || static_cast<std::size_t>(index) >= m_children.size()) return nullptr;
+    return query<IScriptableObject>(m_children[static_cast<std::size_t>(index)].get());
+}
+
+void ManagedGroupEntity::onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,
+                                     DataChange * details) {
+    if (DataChange::test(transact, DataChange::TransactReplay))
+        m_pTransactDetails = std::make_unique<ManagedGroupEntityTransactChangeDetails>(m_children);
+    ManagedEntity::onPreChange(transact, type, details);
+}
+
+void ManagedGroupEntity::onPostChange(DataChange::ETransact transact, DataChange::EChangeType type,
+                                      DataChange * details) {
+    // Lasts until everybody has been told, even if one of them ends this group meanwhile.
+    std::unique_ptr<ManagedGroupEntityTransactChangeDetails> own;
+    if (DataChange::test(transact, DataChange::TransactReplay)) own.swap(m_pTransactDetails);
+    if (own) {
+        own->calculateChildrenDiff(m_children);
+        if (details)
+            details->addDataChange(own.release(), true);
+        else
+            details = own.get();
+    }
+    ManagedEntity::onPostChange(transact, type, details);
+}
+
+// The list is given up as a whole first, so that whoever is told of the end of a child meets a group
+// without children, and each is let go at the same cost.
+void ManagedGroupEntity::onPreDeletion(DataChange::ETransact transact) {
+    while (!m_children.empty())
+        for (StrongRef<ManagedEntity> & child : std::exchange(m_children, {})) child.reset();
+    Entity::onPreDeletion(transact);
+}
+
+std::wstring ManagedGroupEntity::onToString() const {
+    return (debugFormat(L"ManagedGroupEntity (base %1%) children : %2%") %
+            ManagedEntity::onToString() % children())
+        .str();
+}
+
+} // namespace Vn::Managed
