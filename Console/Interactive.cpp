@@ -2,11 +2,13 @@
 
 #include <ostream>
 
+#include "Console/DocumentSession.h"
 #include "Console/ExitStatus.h"
 #include "Console/LineReader.h"
 #include "Console/Session.h"
 #include "Console/SessionCompletion.h"
 #include "Console/Terminal.h"
+#include "Platform/Base/Text.h"
 
 namespace Vn::Console {
 
@@ -21,7 +23,8 @@ std::unique_ptr<LineReader> makeEditor() {
 
 } // namespace
 
-int runInteractive(std::istream & in, std::ostream & out, std::ostream & err) {
+int runInteractive(DocumentSession const & document, std::istream & in, std::ostream & out,
+                   std::ostream & err) {
     std::unique_ptr<LineReader> reader = makeEditor();
     bool const somebodyTypes = reader != nullptr;
     if (somebodyTypes) {
@@ -31,17 +34,27 @@ int runInteractive(std::istream & in, std::ostream & out, std::ostream & err) {
     }
     Session session(out, err);
     bool good = true;
-    bool quit = false;
-    while (!quit && out.flush()) {
+    bool warned = false; // of what would be lost, by the line before
+    while (out.flush()) {
         std::optional<std::string> const line = reader->read(session.prompt());
-        if (!line) {
-            // The prompt is left standing by the end of the input.
-            if (somebodyTypes) out << '\n';
+        // The prompt is left standing by the end of the input.
+        if (!line && somebodyTypes) out << '\n' << std::flush;
+        Session::Result const result = line ? session.execute(*line) : Session::Result::Quit;
+        good &= result != Session::Result::Bad;
+        if (result != Session::Result::Quit) {
+            warned = false;
+            continue;
+        }
+        if (!document.hasUnsavedChanges() || warned) break;
+        err << Text::toUtf8(document.unsavedChanges())
+            << (somebodyTypes ? "; save them, or quit once more to lose them\n"
+                              : "; they are lost\n")
+            << std::flush;
+        warned = true;
+        if (!somebodyTypes) {
+            good = false;
             break;
         }
-        Session::Result const result = session.execute(*line);
-        good &= result != Session::Result::Bad;
-        quit = result == Session::Result::Quit;
     }
     return good || somebodyTypes ? ExitGood : ExitBadInput;
 }

@@ -7,9 +7,13 @@
 
 namespace Vn::Console {
 
+class DocumentSession;
+
 // Reads lines and does what they say until there are no more.  On a terminal with editing, history
-// and completion; else without prompts, and the status tells whether all lines were good.
-int runInteractive(std::istream & in, std::ostream & out, std::ostream & err);
+// and completion, and with a warning before unsaved changes of the document are lost; else without
+// prompts, and the status tells whether all lines were good and nothing was lost.
+int runInteractive(DocumentSession const & document, std::istream & in, std::ostream & out,
+                   std::ostream & err);
 
 } // namespace Vn::Console
 
