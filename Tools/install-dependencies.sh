@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   g++ cmake ninja-build ccache pkg-config        # the build
-  libboost-dev libboost-filesystem-dev libboost-locale-dev gettext
+  libboost-dev libboost-filesystem-dev gettext
   libtbb-dev
   libcli11-dev nlohmann-json3-dev libedit-dev    # the console
   libgtest-dev libgmock-dev libbenchmark-dev     # tests and benchmarks
