@@ -4,29 +4,13 @@
 #include <cstdio>
 #include <cstdlib>
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include "Platform/Base/OS.h"
 
 namespace Vn::Console {
 
-namespace {
-
-bool isTerminal(int descriptor) {
-#ifdef _WIN32
-    return ::_isatty(descriptor) != 0;
-#else
-    return ::isatty(descriptor) == 1;
-#endif
-}
-
-} // namespace
-
-bool inputIsTerminal() { return isTerminal(0); }
-bool outputIsTerminal() { return isTerminal(1); }
-bool errorIsTerminal() { return isTerminal(2); }
+bool inputIsTerminal() { return OS::isTerminal(0); }
+bool outputIsTerminal() { return OS::isTerminal(1); }
+bool errorIsTerminal() { return OS::isTerminal(2); }
 
 std::filesystem::path stateDirectory() {
     auto const variable = [](char const * name) {

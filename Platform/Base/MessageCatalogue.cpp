@@ -27,8 +27,7 @@ constexpr std::size_t c_translationsAt = 16;
 
 } // namespace
 
-std::unique_ptr<MessageCatalogue const>
-MessageCatalogue::read(std::filesystem::path const & path) {
+std::unique_ptr<MessageCatalogue const> MessageCatalogue::read(std::filesystem::path const & path) {
     constexpr std::streamoff c_largestFile = 64 << 20;
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) return nullptr;

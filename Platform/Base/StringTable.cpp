@@ -84,9 +84,9 @@ std::wstring StringTable::getLocalizedString(std::string_view module, std::strin
         if (all.language.empty() || !isName(module, "_-")) return std::wstring(defaultText);
         auto found = all.modules.find(module);
         if (found == all.modules.end()) {
-            found = all.modules
-                        .emplace(module, readCatalogue(all.language, module, all.directories))
-                        .first;
+            found =
+                all.modules.emplace(module, readCatalogue(all.language, module, all.directories))
+                    .first;
         }
         catalogue = found->second;
     }

@@ -47,9 +47,9 @@ std::string compiled(Entries const & entries, bool swapped = false, std::uint32_
         add(translations, translation);
     }
     std::string file;
-    for (std::size_t const number : {std::size_t{0x950412DE}, std::size_t{version}, entries.size(),
-                                     c_header, c_header + table, std::size_t{0},
-                                     c_header + 2 * table})
+    for (std::size_t const number :
+         {std::size_t{0x950412DE}, std::size_t{version}, entries.size(), c_header, c_header + table,
+          std::size_t{0}, c_header + 2 * table})
         put(file, number);
     return file + messages + translations + bodies;
 }
@@ -191,16 +191,21 @@ TEST_F(StringTableTests, CatalogueThatLiesAboutItselfIsRefused) {
         std::uint32_t number;
     };
     Row const rows[] = {
-        {0, 0x950412DF},  // the magic number
-        {4, 0x00020000},  // a major version that isn't known
-        {8, 0},           // no messages, not even the header
-        {8, 3},           // more messages than rows
-        {8, 0xFFFFFFFF},  {12, 0xFFFFFFF8}, {12, static_cast<std::uint32_t>(whole.size())},
-        {16, 0xFFFFFFF8}, {16, static_cast<std::uint32_t>(whole.size() - 4)},
+        {0, 0x950412DF}, // the magic number
+        {4, 0x00020000}, // a major version that isn't known
+        {8, 0},          // no messages, not even the header
+        {8, 3},          // more messages than rows
+        {8, 0xFFFFFFFF},
+        {12, 0xFFFFFFF8},
+        {12, static_cast<std::uint32_t>(whole.size())},
+        {16, 0xFFFFFFF8},
+        {16, static_cast<std::uint32_t>(whole.size() - 4)},
         {36, 0xFFFFFFFF}, // the length of a message
         {36, 16},         // one less than it is
         {40, 0xFFFFFFFF}, // where it starts
-        {52, 0xFFFFFFFF}, {52, 3}, {56, 0xFFFFFFFF},
+        {52, 0xFFFFFFFF},
+        {52, 3},
+        {56, 0xFFFFFFFF},
         {56, static_cast<std::uint32_t>(whole.size())},
     };
     for (Row const & row : rows) {
@@ -304,10 +309,18 @@ TEST_F(StringTableTests, NearestLanguageIsTaken) {
         wchar_t const * found;
     };
     Row const rows[] = {
-        {"xx", L"xx"},         {"xx_AA", L"xx_AA"},         {"xx-AA.UTF-8", L"xx_AA"},
-        {"xx_BB", L"xx"},      {"xx@old", L"xx@old"},       {"xx_BB@old", L"xx@old"},
-        {"xx@new", L"xx"},     {"xx_AA@old", L"xx_AA@old"}, {"xx_AA@new", L"xx_AA"},
-        {"xx_DD", L"xx"},      {"x", L"Length"},            {"@old", L"Length"},
+        {"xx", L"xx"},
+        {"xx_AA", L"xx_AA"},
+        {"xx-AA.UTF-8", L"xx_AA"},
+        {"xx_BB", L"xx"},
+        {"xx@old", L"xx@old"},
+        {"xx_BB@old", L"xx@old"},
+        {"xx@new", L"xx"},
+        {"xx_AA@old", L"xx_AA@old"},
+        {"xx_AA@new", L"xx_AA"},
+        {"xx_DD", L"xx"},
+        {"x", L"Length"},
+        {"@old", L"Length"},
         {"_AA", L"Length"},
     };
     for (Row const & row : rows) {

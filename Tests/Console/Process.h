@@ -21,7 +21,7 @@ Outcome runProgram(std::string const & program, std::vector<std::string> const &
 // Runs the console.
 Outcome runConsole(std::vector<std::string> const & arguments, std::string const & input = {});
 
-// Runs a line of the shell, in which "$VNCONSOLE" is the console.
+// Runs a line of the shell, in which "$VNCONSOLE" is the console.  Windows has no such shell.
 Outcome runShell(std::string const & line, std::string const & input = {});
 
 // A file with that text, removed with the object.

@@ -129,6 +129,7 @@ TEST_F(DocumentsTests, EveryRowHolds) {
     EXPECT_GT(checks, 200u) << "the documents have lost their examples";
 }
 
+#ifndef _WIN32 // the sessions are lines of a shell
 TEST_F(DocumentsTests, EverySessionPrintsWhatItShows) {
     std::size_t sessions = 0;
     for (Document const & document : m_documents) {
@@ -147,6 +148,7 @@ TEST_F(DocumentsTests, EverySessionPrintsWhatItShows) {
     }
     EXPECT_GE(sessions, 10u) << "the documents have lost their sessions";
 }
+#endif
 
 TEST_F(DocumentsTests, EveryBlockIsOfAKindThatIsTested) {
     constexpr std::array<std::string_view, 4> c_kinds{"console", "cpp", "output", "ebnf"};

@@ -435,7 +435,8 @@ TokenStream::TokenStream(std::wstring_view text, TokenList & list)
 unsigned int TokenStream::position16(std::size_t index) {
     if constexpr (sizeof(wchar_t) > 2) {
         for (; m_countedTo < index; ++m_countedTo) {
-            if (static_cast<char32_t>(m_text[m_countedTo]) > 0xFFFF) ++m_extra;
+            auto const character = static_cast<char32_t>(m_text[m_countedTo]);
+            if (character > 0xFFFF) ++m_extra;
         }
     }
     return static_cast<unsigned int>(index + m_extra);
