@@ -1,5 +1,6 @@
 #include "Platform/Base/OS.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <cxxabi.h>
 #include <iterator>
@@ -190,6 +191,8 @@ Utf8Streams::Utf8Streams() noexcept {
 #ifdef _WIN32
     for (int const stream : {0, 1, 2})
         _setmode(stream, _O_BINARY);
+    // Without a buffer a terminal is given single bytes, which aren't characters.
+    std::setvbuf(stdout, nullptr, _IOFBF, std::size_t{1} << 16);
     m_encoding = GetConsoleOutputCP();
     if (m_encoding != 0) SetConsoleOutputCP(CP_UTF8);
 #endif
