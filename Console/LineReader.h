@@ -49,8 +49,8 @@ using Completer = std::function<Completion(std::wstring_view lineUpToCursor)>;
 
 // Lines from the terminal, with editing, completion on the tab key, and the lines typed before on
 // the arrow keys.  These are kept for the next session where the console has a place for its state.
-// On Windows the terminal itself edits lines and remembers them, and completes nothing.  Null if the
-// program was built without line editing.
+// On Windows the terminal itself edits lines and remembers them, and completes nothing.  Null if
+// the program was built without line editing.
 std::unique_ptr<LineReader> makeLineEditor(Completer completer);
 
 } // namespace Vn::Console

@@ -49,7 +49,7 @@ bool StandardOutput::write() {
     if (std::fwrite(m_buffer.data(), 1, size, stdout) == size && std::fflush(stdout) == 0) {
         return true;
     }
-    m_error = errno != 0 ? errno : EIO;
+    m_error = OS::writeError();
     return false;
 }
 

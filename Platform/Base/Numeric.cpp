@@ -6,9 +6,9 @@ namespace Vn::Numeric {
 
 #ifdef __MINGW32__
 
-// For a whole exponent the C library of mingw-w64 multiplies doubles, and the error grows with every
-// product: 10 to the -308 is wrong from the fourteenth digit on.  The same in a wider type, rounded
-// once, is right.
+// For a whole exponent the C library of mingw-w64 multiplies doubles, and the error grows with
+// every product: 10 to the -308 is wrong from the fourteenth digit on.  The same in a wider type,
+// rounded once, is right.
 double power(double base, double exponent) noexcept {
     bool const whole = std::trunc(exponent) == exponent;
     if (!whole || base == 0.0 || !std::isfinite(base) || !std::isfinite(exponent))

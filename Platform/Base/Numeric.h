@@ -23,7 +23,8 @@ requires(std::integral<Integer> && !std::same_as<Integer, bool>) constexpr Integ
     return static_cast<Integer>(value);
 }
 
-// `base` to the power of `exponent` as std::pow defines it, with an error in the last place at most.
+// `base` to the power of `exponent` as std::pow defines it, with an error in the last place at
+// most.
 VN_BASE_API double power(double base, double exponent) noexcept;
 
 } // namespace Vn::Numeric

@@ -1,5 +1,6 @@
 #include "Platform/Base/OS.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cxxabi.h>
@@ -163,6 +164,17 @@ bool isTerminal(int stream) noexcept {
 #else
     return ::isatty(stream) == 1;
 #endif
+}
+
+int writeError() noexcept {
+    int const error = errno;
+#ifdef _WIN32
+    unsigned long const reason = _doserrno;
+    if (error == EINVAL && (reason == ERROR_NO_DATA || reason == ERROR_BROKEN_PIPE ||
+                            reason == ERROR_PIPE_NOT_CONNECTED))
+        return EPIPE;
+#endif
+    return error != 0 ? error : EIO;
 }
 
 std::optional<std::wstring> readTerminalLine() {

@@ -262,6 +262,15 @@ TEST(CommandLineTests, BrokenPipeEndsQuietly) {
         "trap '' PIPE; { \"$VNCONSOLE\" batch; echo status $? >&2; } | head -n 1", input);
     EXPECT_EQ(told.err, "status 1\n");
 }
+#else
+TEST(CommandLineTests, BrokenPipeEndsQuietly) {
+    std::string input;
+    for (int i = 0; i < 20000; ++i) input += "{\"text\":\"2 cm + 3 in\"}\n";
+    Outcome const outcome = runConsoleUnread({"batch"}, input);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.out, "");
+    EXPECT_EQ(outcome.err, "");
+}
 #endif
 
 } // namespace

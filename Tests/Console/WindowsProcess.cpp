@@ -63,13 +63,18 @@ std::wstring inQuotes(std::wstring_view argument) {
     return text + L'"';
 }
 
-void drain(Handle & from, std::string & text) {
+// Appends what can be read; false at the end.
+bool readSome(Handle & from, std::string & text) {
     std::array<char, 65536> buffer;
     DWORD count = 0;
-    while (ReadFile(from.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &count,
-                    nullptr) &&
-           count > 0)
-        text.append(buffer.data(), count);
+    if (!ReadFile(from.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr))
+        return false;
+    text.append(buffer.data(), count);
+    return count > 0;
+}
+
+void drain(Handle & from, std::string & text) {
+    while (readSome(from, text)) {}
 }
 
 void feed(Handle & to, std::string_view text) {
@@ -80,10 +85,8 @@ void feed(Handle & to, std::string_view text) {
     to.close();
 }
 
-} // namespace
-
-Outcome runProgram(std::string const & program, std::vector<std::string> const & arguments,
-                   std::string const & input) {
+Outcome run(std::string const & program, std::vector<std::string> const & arguments,
+            std::string const & input, bool readAll) {
     std::wstring line = inQuotes(Text::fromUtf8(program));
     for (std::string const & argument : arguments)
         line += L' ' + inQuotes(Text::fromUtf8(argument));
@@ -112,7 +115,12 @@ Outcome runProgram(std::string const & program, std::vector<std::string> const &
     {
         std::jthread const feeder([&] { feed(in.write, input); });
         std::jthread const second([&] { drain(err.read, outcome.err); });
-        drain(out.read, outcome.out);
+        if (readAll) {
+            drain(out.read, outcome.out);
+        } else {
+            readSome(out.read, outcome.out);
+            out.read.close();
+        }
     }
     WaitForSingleObject(process.get(), INFINITE);
     DWORD status = 0;
@@ -121,14 +129,25 @@ Outcome runProgram(std::string const & program, std::vector<std::string> const &
     return outcome;
 }
 
+} // namespace
+
+Outcome runProgram(std::string const & program, std::vector<std::string> const & arguments,
+                   std::string const & input) {
+    return run(program, arguments, input, true);
+}
+
+Outcome runConsoleUnread(std::vector<std::string> const & arguments, std::string const & input) {
+    return run(VN_CONSOLE_PROGRAM, arguments, input, false);
+}
+
 Outcome runConsole(std::vector<std::string> const & arguments, std::string const & input) {
     return runProgram(VN_CONSOLE_PROGRAM, arguments, input);
 }
 
 TemporaryFile::TemporaryFile(std::string const & text) {
     static std::atomic<int> s_count{0};
-    std::string const name = "vnconsole-test-" + std::to_string(GetCurrentProcessId()) + '-' +
-                             std::to_string(++s_count);
+    std::string const name =
+        "vnconsole-test-" + std::to_string(GetCurrentProcessId()) + '-' + std::to_string(++s_count);
     std::u8string const path = (std::filesystem::temp_directory_path() / name).u8string();
     m_path.assign(path.begin(), path.end());
     std::ofstream(std::filesystem::path(path), std::ios::binary) << text;

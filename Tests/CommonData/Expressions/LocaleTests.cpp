@@ -88,8 +88,7 @@ public:
 class LocaleTests : public testing::TestWithParam<Locale> {
 protected:
     void SetUp() override {
-        if (!m_guard.enter(GetParam()))
-            GTEST_SKIP() << "no locale " << GetParam().name << " here";
+        if (!m_guard.enter(GetParam())) GTEST_SKIP() << "no locale " << GetParam().name << " here";
     }
 
 private:
