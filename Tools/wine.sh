@@ -18,6 +18,9 @@ mkdir -p "$WINEPREFIX"
     wineserver -w 9>&-
     touch "$WINEPREFIX/ready"
   fi
+  # A server that stays for a while: a program that starts while the server of another one ends would
+  # fail.  If one is running already, it stays.
+  wineserver -p30 </dev/null >/dev/null 2>&1 9>&- || true
 ) 9>"$WINEPREFIX/lock"
 
 if [ $# -gt 0 ]; then exec wine "$@"; fi
