@@ -16,7 +16,11 @@ constexpr int c_columnsOfTab = 8;
 constexpr std::size_t c_windowCharacters = 200;
 
 std::size_t indexOf(std::wstring_view text, std::size_t position16) {
-    if constexpr (sizeof(wchar_t) == 2) return std::min(position16, text.size());
+    if constexpr (sizeof(wchar_t) == 2) {
+        std::size_t const index = std::min(position16, text.size());
+        // Between the halves of a character is behind it.
+        return index > 0 && characterLength(text, index - 1) > 1 ? index + 1 : index;
+    }
     std::size_t index = 0;
     for (std::size_t at = 0; index < text.size() && at < position16; ++index) {
         at += Text::length16(text.substr(index, 1));

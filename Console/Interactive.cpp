@@ -16,9 +16,7 @@ namespace {
 
 std::unique_ptr<LineReader> makeEditor() {
     if (!inputIsTerminal() || !outputIsTerminal()) return nullptr;
-    std::filesystem::path history = stateDirectory();
-    if (!history.empty()) history /= "history";
-    return makeLineEditor(&completeSessionLine, history);
+    return makeLineEditor(&completeSessionLine);
 }
 
 } // namespace

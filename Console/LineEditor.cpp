@@ -6,6 +6,7 @@
 #include <histedit.h>
 
 #include "Console/LineReader.h"
+#include "Console/Terminal.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 
@@ -24,10 +25,16 @@ struct EndHistory {
     void operator()(HistoryW * history) const { ::history_wend(history); }
 };
 
+// Where lines are kept; empty if there is no place for them.
+std::string historyFile() {
+    std::filesystem::path const directory = stateDirectory();
+    return directory.empty() ? std::string() : (directory / "history").string();
+}
+
 class LineEditor final : public LineReader {
 public:
-    LineEditor(Completer completer, std::filesystem::path const & history)
-        : m_completer(std::move(completer)), m_historyFile(history.string()) {
+    explicit LineEditor(Completer completer)
+        : m_completer(std::move(completer)), m_historyFile(historyFile()) {
         // libedit turns what is typed into characters by the locale of the process.
         if (!std::setlocale(LC_CTYPE, "C.UTF-8")) std::setlocale(LC_CTYPE, "");
         m_editor.reset(::el_init("vnconsole", stdin, stdout, stderr));
@@ -159,9 +166,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<LineReader> makeLineEditor(Completer completer,
-                                           std::filesystem::path const & history) {
-    auto editor = std::make_unique<LineEditor>(std::move(completer), history);
+std::unique_ptr<LineReader> makeLineEditor(Completer completer) {
+    auto editor = std::make_unique<LineEditor>(std::move(completer));
     if (!editor->isReady()) return nullptr;
     return editor;
 }

@@ -3,7 +3,6 @@
 #ifndef VN_CONSOLE_LINEREADER_H
 #define VN_CONSOLE_LINEREADER_H
 
-#include <filesystem>
 #include <functional>
 #include <iosfwd>
 #include <memory>
@@ -49,10 +48,10 @@ struct Completion {
 using Completer = std::function<Completion(std::wstring_view lineUpToCursor)>;
 
 // Lines from the terminal, with editing, completion on the tab key, and the lines typed before on
-// the arrow keys.  These are kept in the file `history`; in none if its path is empty or it can't
-// be written.  Null if the program was built without line editing.
-std::unique_ptr<LineReader> makeLineEditor(Completer completer,
-                                           std::filesystem::path const & history);
+// the arrow keys.  These are kept for the next session where the console has a place for its state.
+// On Windows the terminal itself edits lines and remembers them, and completes nothing.  Null if
+// the program was built without line editing.
+std::unique_ptr<LineReader> makeLineEditor(Completer completer);
 
 } // namespace Vn::Console
 

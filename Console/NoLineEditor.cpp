@@ -4,7 +4,7 @@
 
 namespace Vn::Console {
 
-std::unique_ptr<LineReader> makeLineEditor(Completer, std::filesystem::path const &) {
+std::unique_ptr<LineReader> makeLineEditor(Completer) {
     return nullptr;
 }
 

@@ -4,29 +4,13 @@
 #include <cstdio>
 #include <cstdlib>
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include "Platform/Base/OS.h"
 
 namespace Vn::Console {
 
-namespace {
-
-bool isTerminal(int descriptor) {
-#ifdef _WIN32
-    return ::_isatty(descriptor) != 0;
-#else
-    return ::isatty(descriptor) == 1;
-#endif
-}
-
-} // namespace
-
-bool inputIsTerminal() { return isTerminal(0); }
-bool outputIsTerminal() { return isTerminal(1); }
-bool errorIsTerminal() { return isTerminal(2); }
+bool inputIsTerminal() { return OS::isTerminal(0); }
+bool outputIsTerminal() { return OS::isTerminal(1); }
+bool errorIsTerminal() { return OS::isTerminal(2); }
 
 std::filesystem::path stateDirectory() {
     auto const variable = [](char const * name) {
@@ -65,7 +49,7 @@ bool StandardOutput::write() {
     if (std::fwrite(m_buffer.data(), 1, size, stdout) == size && std::fflush(stdout) == 0) {
         return true;
     }
-    m_error = errno != 0 ? errno : EIO;
+    m_error = OS::writeError();
     return false;
 }
 

@@ -33,7 +33,7 @@ std::size_t characterLength(std::wstring_view text, std::size_t index) {
 }
 
 wchar_t printable(wchar_t c) {
-    if (c >= 0 && c < 0x20) return static_cast<wchar_t>(0x2400 + c);
+    if (static_cast<char32_t>(c) < 0x20) return static_cast<wchar_t>(0x2400 + c);
     if (c == 0x7F) return L'\x2421';
     bool const control = c >= 0x80 && c < 0xA0;
     bool const direction = c == 0x61C || c == 0x200E || c == 0x200F ||

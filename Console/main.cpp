@@ -6,18 +6,19 @@
 #include "Console/CommandLine.h"
 #include "Console/ExitStatus.h"
 #include "Console/Terminal.h"
+#include "Platform/Base/OS.h"
 
 // The host program: all text in and out is UTF-8.
 int main(int argc, char * argv[]) {
     using namespace Vn::Console;
 
     std::ios::sync_with_stdio(false);
+    Vn::OS::Utf8Streams const streams;
     StandardOutput output;
     std::ostream out(&output);
     int status = ExitBadInput;
     try {
-        status = runCommandLine(std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc),
-                                std::cin, out, std::cerr);
+        status = runCommandLine(Vn::OS::arguments(argc, argv), std::cin, out, std::cerr);
     } catch (std::bad_alloc const &) {
         std::cerr << "vnconsole: out of memory\n";
     } catch (std::exception const & exception) {

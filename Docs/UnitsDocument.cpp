@@ -8,6 +8,7 @@
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Initializer.h"
+#include "Platform/Base/OS.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Expressions/ValueFormatter.h"
@@ -94,6 +95,7 @@ void writePrefixes() {
 } // namespace
 
 int main() {
+    OS::Utf8Streams const streams;
     Initializer::runAll();
     std::map<int, std::vector<SimpleUnit const *>> kinds;
     for (SimpleUnit const * const unit : catalogue()) {

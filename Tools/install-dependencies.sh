@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # Installs what the build and the tests need on Debian or Ubuntu.  Does nothing where all of it is there;
-# otherwise uses apt, as root or through sudo.  The argument "fuzz" adds what Tools/fuzz needs.
+# otherwise uses apt, as root or through sudo.  The argument "fuzz" adds what Tools/fuzz needs, "windows"
+# what the build for Windows needs.
 set -euo pipefail
 
 packages=(
   g++ cmake ninja-build ccache pkg-config        # the build
-  libboost-dev libboost-filesystem-dev libboost-locale-dev gettext
+  libboost-dev libboost-filesystem-dev gettext
   libtbb-dev libeigen3-dev libsqlite3-dev
   libcli11-dev nlohmann-json3-dev libedit-dev    # the console
   libgtest-dev libgmock-dev libbenchmark-dev     # tests and benchmarks
@@ -14,6 +15,7 @@ packages=(
   doxygen                                        # the reference of the public headers
 )
 if [ "${1:-}" = fuzz ]; then packages+=(clang-14 libclang-rt-14-dev); fi
+if [ "${1:-}" = windows ]; then packages+=(g++-mingw-w64-x86-64-posix googletest wine wine64); fi
 
 missing=()
 for package in "${packages[@]}"; do

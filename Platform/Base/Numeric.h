@@ -4,6 +4,8 @@
 #include <concepts>
 #include <limits>
 
+#include "Platform/Base/Export.h"
+
 namespace Vn::Numeric {
 
 // The integer nearest to zero from `value`: fractions are cut off.  What lies beyond an end of the
@@ -20,6 +22,10 @@ requires(std::integral<Integer> && !std::same_as<Integer, bool>) constexpr Integ
     if (value <= static_cast<double>(c_lowest)) return c_lowest;
     return static_cast<Integer>(value);
 }
+
+// `base` to the power of `exponent` as std::pow defines it, with an error in the last place at
+// most.
+VN_BASE_API double power(double base, double exponent) noexcept;
 
 } // namespace Vn::Numeric
 

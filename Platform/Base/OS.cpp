@@ -1,8 +1,10 @@
 #include "Platform/Base/OS.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cxxabi.h>
+#include <iterator>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -15,14 +17,19 @@
 #define NOMINMAX
 #endif
 #include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+#include <shellapi.h>
 #else
-#include <cstdio>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sched.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #endif
+
+#include "Platform/Base/Text.h"
 
 namespace Vn::OS {
 
@@ -117,6 +124,96 @@ std::filesystem::path executableDirectory() {
     std::error_code error;
     std::filesystem::path const path = std::filesystem::read_symlink("/proc/self/exe", error);
     return error ? std::filesystem::path() : path.parent_path();
+#endif
+}
+
+std::vector<std::string> arguments([[maybe_unused]] int argc,
+                                   [[maybe_unused]] char const * const * argv) {
+#ifdef _WIN32
+    // What main is given has been through the encoding of the system's language, and "*" in it has
+    // been replaced by the names of files.
+    int count = 0;
+    std::unique_ptr<wchar_t *, void (*)(wchar_t **)> const texts(
+        CommandLineToArgvW(GetCommandLineW(), &count), [](wchar_t ** all) { LocalFree(all); });
+    std::vector<std::string> result;
+    for (int i = 1; texts && i < count; ++i)
+        result.push_back(Text::toUtf8(texts.get()[i]));
+    return result;
+#else
+    return std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc);
+#endif
+}
+
+#ifdef _WIN32
+
+namespace {
+
+HANDLE standardHandle(int stream) noexcept {
+    return GetStdHandle(stream == 0   ? STD_INPUT_HANDLE
+                        : stream == 1 ? STD_OUTPUT_HANDLE
+                                      : STD_ERROR_HANDLE);
+}
+
+} // namespace
+
+#endif
+
+bool isTerminal(int stream) noexcept {
+#ifdef _WIN32
+    DWORD mode = 0;
+    return GetConsoleMode(standardHandle(stream), &mode) != 0;
+#else
+    return ::isatty(stream) == 1;
+#endif
+}
+
+int writeError() noexcept {
+    int const error = errno;
+#ifdef _WIN32
+    unsigned long const reason = _doserrno;
+    if (error == EINVAL && (reason == ERROR_NO_DATA || reason == ERROR_BROKEN_PIPE ||
+                            reason == ERROR_PIPE_NOT_CONNECTED))
+        return EPIPE;
+#endif
+    return error != 0 ? error : EIO;
+}
+
+std::optional<std::wstring> readTerminalLine() {
+#ifdef _WIN32
+    constexpr wchar_t c_endOfInput = 26; // Ctrl-Z at the beginning of a line
+    std::wstring line;
+    wchar_t buffer[1024];
+    while (line.empty() || line.back() != L'\n') {
+        DWORD count = 0;
+        if (!ReadConsoleW(standardHandle(0), buffer, static_cast<DWORD>(std::size(buffer)), &count,
+                          nullptr))
+            return std::nullopt;
+        if (count == 0) break;
+        line.append(buffer, count);
+    }
+    if (line.empty() || line.front() == c_endOfInput) return std::nullopt;
+    while (!line.empty() && (line.back() == L'\n' || line.back() == L'\r'))
+        line.pop_back();
+    return line;
+#else
+    return std::nullopt;
+#endif
+}
+
+Utf8Streams::Utf8Streams() noexcept {
+#ifdef _WIN32
+    for (int const stream : {0, 1, 2})
+        _setmode(stream, _O_BINARY);
+    // Without a buffer a terminal is given single bytes, which aren't characters.
+    std::setvbuf(stdout, nullptr, _IOFBF, std::size_t{1} << 16);
+    m_encoding = GetConsoleOutputCP();
+    if (m_encoding != 0) SetConsoleOutputCP(CP_UTF8);
+#endif
+}
+
+Utf8Streams::~Utf8Streams() {
+#ifdef _WIN32
+    if (m_encoding != 0) SetConsoleOutputCP(m_encoding);
 #endif
 }
 

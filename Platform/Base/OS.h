@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <typeinfo>
+#include <vector>
 
 #include "Platform/Base/Export.h"
 #include "Platform/Base/Status.h"
@@ -24,8 +26,9 @@ VN_BASE_API void pause() noexcept;
 VN_BASE_API void * allocatePages(std::size_t size) noexcept;
 // Gives it back; `size` as it was allocated.
 VN_BASE_API void releasePages(void * memory, std::size_t size) noexcept;
-// Says that the contents aren't needed any more: the memory stays usable, but the system may take its
-// pages, and then it reads as zeroes, until it is written again.  `memory` lies on a page boundary.
+// Says that the contents aren't needed any more: the memory stays usable, but the system may take
+// its pages, and then it reads as zeroes, until it is written again.  `memory` lies on a page
+// boundary.
 VN_BASE_API void offerPages(void * memory, std::size_t size) noexcept;
 
 // What the file name of a module ends in: ".so" or ".dll".
@@ -33,6 +36,35 @@ VN_BASE_API std::wstring_view platformModuleExtension() noexcept;
 
 // The directory of the running program; empty if the system doesn't tell.
 VN_BASE_API std::filesystem::path executableDirectory();
+
+// The arguments of the process, without the name of the program in front of them.  `argc` and
+// `argv` are those of main.  On Windows they come from the system, and are UTF-8.
+VN_BASE_API std::vector<std::string> arguments(int argc, char const * const * argv);
+
+// Whether a standard stream of the process is a terminal: 0 the input, 1 the output, 2 the errors.
+VN_BASE_API bool isTerminal(int stream) noexcept;
+
+// The errno of a write that has just failed: EPIPE if nobody reads any more, which the C library of
+// Windows has no errno for.
+VN_BASE_API int writeError() noexcept;
+
+// A line typed at the terminal, without its end; none when there are no more.  Only for systems
+// whose terminals edit lines and don't speak UTF-8, as on Windows; none elsewhere.
+VN_BASE_API std::optional<std::wstring> readTerminalLine();
+
+// While it lives, bytes pass the standard streams as they are, and a terminal takes them for UTF-8.
+class VN_BASE_API Utf8Streams {
+public:
+    // To be made before the streams are used.
+    Utf8Streams() noexcept;
+    // The terminal, which other programs use too, is put back.
+    ~Utf8Streams();
+    Utf8Streams(Utf8Streams const &) = delete;
+    Utf8Streams & operator=(Utf8Streams const &) = delete;
+
+private:
+    [[maybe_unused]] unsigned int m_encoding = 0; // of the terminal before; 0 if it had none
+};
 
 // The name of a class as it is written in the source.
 VN_BASE_API std::string className(std::type_info const & type);

@@ -1,20 +1,14 @@
 #include "Platform/Base/StringTable.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <cstring>
-#include <exception>
 #include <filesystem>
-#include <fstream>
-#include <locale>
 #include <map>
+#include <memory>
 #include <mutex>
-#include <system_error>
+#include <utility>
 #include <vector>
 
-#include <boost/locale/gnu_gettext.hpp>
-#include <boost/locale/message.hpp>
-
+#include "Platform/Base/MessageCatalogueInternal.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/Text.h"
 
@@ -25,10 +19,10 @@ namespace {
 struct Catalogues {
     std::mutex mutex;
     std::string language;
-    std::vector<std::string> directories;
-    // One locale per module, with its translations.  They are made when first asked for, and all
-    // again after a change of language or directories.
-    std::map<std::string, std::locale, std::less<>> locales;
+    std::vector<std::filesystem::path> directories;
+    // The translations of each module, or null.  They are read when first asked for, and all again
+    // after a change of language or directories.
+    std::map<std::string, std::shared_ptr<MessageCatalogue const>, std::less<>> modules;
 };
 
 constinit Shared<Catalogues> s_catalogues;
@@ -48,113 +42,60 @@ bool isName(std::string_view text, std::string_view others) {
     });
 }
 
-// A number of 32 bits at `offset`, which must lie within the file.
-std::uint32_t numberAt(std::string_view file, std::size_t offset, bool swapped) {
-    std::uint32_t number = 0;
-    std::memcpy(&number, file.data() + offset, sizeof number);
-    if (!swapped) return number;
-    return (number >> 24) | ((number >> 8) & 0xFF00U) | ((number << 8) & 0xFF0000U) |
-           (number << 24);
+// The names under which a language may be found, the nearest first: of "de_AT@old" these are
+// "de_AT@old", "de@old", "de_AT" and "de".
+std::vector<std::string> namesOf(std::string const & language) {
+    std::size_t const variantAt = std::min(language.find('@'), language.size());
+    std::size_t const territoryAt = std::min(language.find('_'), variantAt);
+    std::string const name = language.substr(0, territoryAt);
+    std::string const territory = language.substr(territoryAt, variantAt - territoryAt);
+    std::string const variant = language.substr(variantAt);
+    std::vector<std::string> names;
+    for (std::string const & behind : {territory + variant, variant, territory, std::string()}) {
+        std::string whole = name + behind;
+        if (!whole.empty() && std::find(names.begin(), names.end(), whole) == names.end())
+            names.push_back(std::move(whole));
+    }
+    return names;
 }
 
-// Whether what a compiled catalogue says of itself is true: every table and text lies within the
-// file and ends with a null.  The library that reads catalogues takes that for granted.
-//
-// The file starts with seven numbers: the magic number, the version, how many texts there are,
-// where the tables of messages and of translations start, and the size and start of a hash table.
-// A row of a table is the length of a text and where it starts.
-bool isSound(std::string_view file) {
-    constexpr std::size_t c_header = 28;
-    constexpr std::uint32_t c_magic = 0x950412DEU;
-    if (file.size() < c_header) return false;
-    bool const swapped = numberAt(file, 0, false) != c_magic;
-    if (numberAt(file, 0, swapped) != c_magic) return false;
-    auto const number = [&](std::size_t offset) -> std::uint64_t {
-        return numberAt(file, offset, swapped);
-    };
-
-    std::uint64_t const count = number(8);
-    if (count == 0 || number(24) + 4 * number(20) > file.size()) return false;
-    std::uint64_t total = 0;
-    for (std::uint64_t const table : {number(12), number(16)}) {
-        if (table + 8 * count > file.size()) return false;
-        for (std::uint64_t i = 0; i < count; ++i) {
-            std::uint64_t const length = number(table + 8 * i);
-            std::uint64_t const start = number(table + 8 * i + 4);
-            if (start + length >= file.size() || file[start + length] != '\0') return false;
-            // Texts that lie over each other would take more memory than the file is long.
-            total += length + 1;
-            if (total > file.size()) return false;
+// The translations of one module, or null if there are none.
+std::shared_ptr<MessageCatalogue const>
+readCatalogue(std::string const & language, std::string_view module,
+              std::vector<std::filesystem::path> const & directories) {
+    std::filesystem::path const file = std::string(module) + ".mo";
+    for (std::string const & name : namesOf(language)) {
+        for (std::filesystem::path const & directory : directories) {
+            auto catalogue = MessageCatalogue::read(directory / name / "LC_MESSAGES" / file);
+            if (catalogue) return catalogue;
         }
     }
-
-    // The first translation is the catalogue's header.  The rule for plurals in it is an expression
-    // that is read recursively; those of real languages are short.
-    constexpr std::size_t c_longestRule = 1000;
-    std::string_view const header = file.substr(number(number(16) + 4), number(number(16)));
-    std::size_t const rule = header.find("plural=");
-    return rule == header.npos || header.substr(rule).find_first_of(";\r\n") <= c_longestRule ||
-           header.size() - rule <= c_longestRule;
-}
-
-// A catalogue file, or nothing if there is none or it is damaged.
-std::vector<char> readCatalogue(std::string const & utf8Path) {
-    constexpr std::streamoff c_largestFile = 64 << 20;
-    std::filesystem::path const path(std::u8string(utf8Path.begin(), utf8Path.end()));
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return {};
-    std::ifstream stream(path, std::ios::binary | std::ios::ate);
-    std::streamoff const size = stream.tellg();
-    if (size <= 0 || size > c_largestFile) return {};
-    std::vector<char> file(static_cast<std::size_t>(size));
-    stream.seekg(0);
-    if (!stream.read(file.data(), size) || !isSound({file.data(), file.size()})) return {};
-    return file;
-}
-
-// A locale that has the translations of one module, and is the classic one otherwise.
-std::locale makeLocale(std::string const & language, std::string const & module,
-                       std::vector<std::string> const & directories) {
-    namespace gettext = boost::locale::gnu_gettext;
-    gettext::messages_info info;
-    std::size_t const variant = std::min(language.find('@'), language.size());
-    std::size_t const country = std::min(language.find('_'), variant);
-    info.language = language.substr(0, country);
-    if (country < variant) info.country = language.substr(country + 1, variant - country - 1);
-    if (variant < language.size()) info.variant = language.substr(variant + 1);
-    info.encoding = "UTF-8";
-    info.domains.emplace_back(module);
-    info.paths = directories;
-    info.callback = [](std::string const & file, std::string const &) {
-        return readCatalogue(file);
-    };
-    try {
-        return std::locale(std::locale::classic(), gettext::create_messages_facet<wchar_t>(info));
-    } catch (std::exception const &) {
-        // An encoding that nobody knows, say.
-        return std::locale::classic();
-    }
+    return nullptr;
 }
 
 } // namespace
 
 std::wstring StringTable::getLocalizedString(std::string_view module, std::string_view key,
                                              std::wstring_view defaultText) {
-    std::wstring const text(defaultText);
-    std::locale locale = std::locale::classic();
+    std::shared_ptr<MessageCatalogue const> catalogue;
     {
         Catalogues & all = catalogues();
         std::lock_guard const guard(all.mutex);
-        if (all.language.empty() || text.empty() || !isName(module, "_-")) return text;
-        auto found = all.locales.find(module);
-        if (found == all.locales.end()) {
-            std::string const name(module);
+        if (all.language.empty() || !isName(module, "_-")) return std::wstring(defaultText);
+        auto found = all.modules.find(module);
+        if (found == all.modules.end()) {
             found =
-                all.locales.emplace(name, makeLocale(all.language, name, all.directories)).first;
+                all.modules.emplace(module, readCatalogue(all.language, module, all.directories))
+                    .first;
         }
-        locale = found->second;
+        catalogue = found->second;
     }
-    return boost::locale::translate(Text::widen(key), text).str(locale);
+    std::wstring text(defaultText);
+    if (!catalogue || text.empty()) return text;
+    auto const translation = catalogue->find(key, Text::toUtf8(text));
+    // An empty translation is one that nobody has written yet.
+    if (translation && !translation->empty()) Text::fromUtf8(*translation, text);
+    return text;
 }
 
 void StringTable::language(std::string_view languageTag) {
@@ -164,7 +105,7 @@ void StringTable::language(std::string_view languageTag) {
     Catalogues & all = catalogues();
     std::lock_guard const guard(all.mutex);
     all.language = std::move(tag);
-    all.locales.clear();
+    all.modules.clear();
 }
 
 std::string StringTable::language() {
@@ -176,8 +117,8 @@ std::string StringTable::language() {
 void StringTable::catalogueDirectory(std::string_view utf8Path) {
     Catalogues & all = catalogues();
     std::lock_guard const guard(all.mutex);
-    all.directories.emplace_back(utf8Path);
-    all.locales.clear();
+    all.directories.emplace_back(std::u8string(utf8Path.begin(), utf8Path.end()));
+    all.modules.clear();
 }
 
 } // namespace Vn

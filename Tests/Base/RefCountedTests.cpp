@@ -1,7 +1,6 @@
 #include "Platform/Base/RefCounted.h"
 
 #include <atomic>
-#include <latch>
 #include <set>
 #include <thread>
 #include <type_traits>
@@ -9,6 +8,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "Tests/Base/StartLine.h"
 
 namespace {
 
@@ -237,20 +238,20 @@ TEST_F(RefCountedTests, LockRacesWithTheLastRelease) {
     for (int round = 0; round < 500; ++round) {
         StrongRef<Thing> strong(new Thing(round));
         PassiveRef<Thing> const passive(strong);
-        std::latch ready(4);
+        Vn::StartLine ready(4);
         std::atomic<int> locked{0};
         {
             std::vector<std::jthread> threads;
             for (int t = 0; t < 3; ++t)
                 threads.emplace_back([&] {
-                    ready.arrive_and_wait();
+                    ready.arriveAndWait();
                     PassiveRef<Thing> const copy = passive;
                     if (StrongRef<Thing> const mine = copy.lock()) {
                         EXPECT_EQ(mine->value(), round);
                         ++locked;
                     }
                 });
-            ready.arrive_and_wait();
+            ready.arriveAndWait();
             strong.reset();
         }
         EXPECT_FALSE(passive);

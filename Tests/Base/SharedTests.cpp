@@ -1,7 +1,6 @@
 #include "Platform/Base/Shared.h"
 
 #include <atomic>
-#include <latch>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -9,6 +8,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "Tests/Base/StartLine.h"
 
 namespace {
 
@@ -65,11 +66,11 @@ TEST(SharedTests, RacingThreadsSeeOneCompleteObject) {
     for (int round = 0; round < 200; ++round) {
         Shared<std::vector<int>> shared;
         std::atomic<int> made{0};
-        std::latch ready(4);
+        Vn::StartLine ready(4);
         std::vector<std::jthread> threads;
         for (int t = 0; t < 4; ++t)
             threads.emplace_back([&] {
-                ready.arrive_and_wait();
+                ready.arriveAndWait();
                 std::vector<int> const & object = shared.get([&] {
                     ++made;
                     return new std::vector<int>(100, 3);

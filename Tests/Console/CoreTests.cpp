@@ -35,12 +35,21 @@ TEST(ExcerptTests, BothLinesTakeTheSameColumns) {
         {L"\u65E5b", 1, L"  ^"},          // wide
         {L"e\u0301b", 2, L" ^"},          // combining
         {L"\U0001F4CFb", 2, L"  ^"},      // two 16-bit characters, two columns
+        {L"\U0001F4CFb", 1, L"  ^"},      // between them is behind them
         {L"\tb", 1, L"\t^"},              // a tab for a tab
         {L"\x01" L"b", 1, L" ^"},         // shown by its picture
         {L"\uFF11b", 1, L"  ^"},          // fullwidth digit
     };
     for (Row const & row : rows) {
         EXPECT_EQ(excerptAt(row.text, row.position).caret, row.caret) << Text::toUtf8(row.text);
+    }
+}
+
+TEST(ExcerptTests, HalfOfASurrogatePairTakesAColumn) {
+    for (int const half : {0xD83D, 0xDCCF}) {
+        Excerpt const excerpt = excerptAt(std::wstring(1, static_cast<wchar_t>(half)) + L"b", 1);
+        EXPECT_EQ(Text::toUtf8(excerpt.text), "\uFFFDb") << half;
+        EXPECT_EQ(excerpt.caret, L" ^") << half;
     }
 }
 

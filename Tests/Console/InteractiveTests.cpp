@@ -1,7 +1,5 @@
-// Sessions: from a pipe, and in a real terminal.
+// Sessions from a pipe.
 
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -9,44 +7,10 @@
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/Text.h"
 #include "Tests/Console/Process.h"
-#include "Tests/Console/TerminalSession.h"
 
 namespace Vn::Console::Tests {
 
 namespace {
-
-namespace fs = std::filesystem;
-
-class TemporaryDirectory {
-public:
-    TemporaryDirectory() {
-        std::string name = (fs::temp_directory_path() / "vnconsole-test-XXXXXX").string();
-        m_path = ::mkdtemp(name.data());
-    }
-    ~TemporaryDirectory() {
-        std::error_code ignored;
-        fs::permissions(m_path, fs::perms::owner_all, ignored);
-        fs::remove_all(m_path, ignored);
-    }
-    TemporaryDirectory(TemporaryDirectory const &) = delete;
-    TemporaryDirectory & operator=(TemporaryDirectory const &) = delete;
-
-    fs::path const & path() const { return m_path; }
-
-private:
-    fs::path m_path;
-};
-
-// A terminal of somebody who never used the console before.
-class InteractiveTests : public testing::Test {
-protected:
-    std::map<std::string, std::string> environment() const {
-        return {{"HOME", m_home.path().string()}, {"XDG_STATE_HOME", ""}};
-    }
-    fs::path history() const { return m_home.path() / ".local/state/vnconsole/history"; }
-
-    TemporaryDirectory const m_home;
-};
 
 TEST(PipedSessionTests, EveryLineIsDone) {
     Outcome const outcome =
@@ -298,170 +262,6 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
             EXPECT_EQ(completion.begun, row.begun) << Text::toUtf8(row.line);
         }
     }
-}
-
-TEST_F(InteractiveTests, ExpressionIsEvaluatedWhenReturnIsPressed) {
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitFor("help tells more, quit ends.\r\n")) << session.screen();
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("1 in + 1 cm\r");
-    EXPECT_TRUE(session.waitFor("1.394 in\r\n"
-                                "  internal 3.54 cm, units in, rebuilt 1 in + 1 cm\r\n"))
-        << session.screen();
-    session.type("quit\r");
-    EXPECT_EQ(session.waitForEnd(), 0);
-}
-
-TEST_F(InteractiveTests, PromptShowsTheExpectedUnit) {
-    TerminalSession session({}, environment());
-    session.type("unit in\r");
-    ASSERT_TRUE(session.waitFor("expected unit: in (Length)\r\n")) << session.screen();
-    EXPECT_TRUE(session.waitForPrompt("in> ")) << session.screen();
-    session.type("2\r");
-    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
-}
-
-TEST_F(InteractiveTests, FailureIsShownWithCaretAndSuggestion) {
-    TerminalSession session({}, environment());
-    session.type("2CM\r");
-    EXPECT_TRUE(session.waitFor("Parse error at character 1: \"CM\" isn't a unit, a function or a "
-                                "constant\r\n  2CM\r\n   ^\r\n  did you mean cm?\r\n"))
-        << session.screen();
-}
-
-TEST_F(InteractiveTests, TabCompletesTheOnlyWord) {
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("2 kilomet\t");
-    ASSERT_TRUE(session.waitFor("er")) << session.screen();
-    session.type("\r");
-    EXPECT_TRUE(session.waitFor("2.00 km\r\n")) << session.screen();
-    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
-    session.type("sqr\t16)\r");
-    EXPECT_TRUE(session.waitFor("4.00\r\n")) << session.screen();
-}
-
-TEST_F(InteractiveTests, TabAddsWhatAllWordsShare) {
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("2 kil\t");
-    ASSERT_TRUE(session.waitFor("o")) << session.screen();
-    session.type("gram\r");
-    EXPECT_TRUE(session.waitFor("2.00 kg\r\n")) << session.screen();
-}
-
-TEST_F(InteractiveTests, TabListsWordsThatShareNoMore) {
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("set scientific\t");
-    EXPECT_TRUE(session.waitFor("scientificPrecision  scientificNotation  \r\n"))
-        << session.screen();
-    session.type("P\t5\r");
-    EXPECT_TRUE(session.waitFor("scientificPrecision 5\r\n")) << session.screen();
-    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
-    session.type("Units.Mak\t3\r");
-    EXPECT_TRUE(session.waitFor("simple units and there now are")) << session.screen();
-}
-
-TEST_F(InteractiveTests, ArrowUpBringsLinesBack) {
-    TerminalSession session({}, environment());
-    session.type("2 in\r");
-    ASSERT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
-    session.type("3 in\r");
-    ASSERT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
-    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
-    session.type("\x1B[A\x1B[A + 1 in\r");
-    EXPECT_TRUE(session.waitFor("3.00 in\r\n  internal 7.62 cm, units in, rebuilt 2 in + 1 in\r\n"))
-        << session.screen();
-}
-
-TEST_F(InteractiveTests, HistoryIsKeptForTheNextSession) {
-    {
-        TerminalSession session({}, environment());
-        session.type("5 ft \xC2\xB0\r");
-        session.type("7 in\r");
-        ASSERT_TRUE(session.waitFor("7.00 in\r\n")) << session.screen();
-        session.type("quit\r");
-        ASSERT_EQ(session.waitForEnd(), 0);
-    }
-    EXPECT_TRUE(fs::exists(history()));
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("\x1B[A\x1B[A\r"); // "quit" was the last
-    EXPECT_TRUE(session.waitFor("7.00 in\r\n")) << session.screen();
-}
-
-TEST_F(InteractiveTests, StateDirectoryIsTheUsersChoice) {
-    TemporaryDirectory const state;
-    std::map<std::string, std::string> chosen = environment();
-    chosen["XDG_STATE_HOME"] = state.path().string();
-    TerminalSession session({}, chosen);
-    session.type("2 in\r");
-    ASSERT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
-    session.type("quit\r");
-    EXPECT_EQ(session.waitForEnd(), 0);
-    EXPECT_TRUE(fs::exists(state.path() / "vnconsole/history"));
-    EXPECT_FALSE(fs::exists(history()));
-}
-
-TEST_F(InteractiveTests, WithoutAPlaceForTheHistoryNothingIsSaid) {
-    std::ofstream(m_home.path() / "file") << "not a directory";
-    std::map<std::string, std::string> chosen = environment();
-    chosen["XDG_STATE_HOME"] = (m_home.path() / "file").string();
-    TerminalSession session({}, chosen);
-    session.type("2 in\r");
-    ASSERT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
-    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
-    session.type("\x1B[A\r");
-    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
-    session.type("quit\r");
-    EXPECT_EQ(session.waitForEnd(), 0);
-    EXPECT_EQ(session.screen().find("file"), std::string::npos) << session.screen();
-}
-
-TEST_F(InteractiveTests, LineCanBeEdited) {
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("2 ing\x7F\x01" "1\x05 + 0.5 in\r"); // erase, to the beginning, to the end
-    EXPECT_TRUE(session.waitFor("12.50 in\r\n")) << session.screen();
-}
-
-TEST_F(InteractiveTests, CharactersBeyondAsciiAreTyped) {
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("90\xC2\xB0\r");
-    EXPECT_TRUE(session.waitFor("90.0 deg\r\n")) << session.screen();
-}
-
-TEST_F(InteractiveTests, ControlDEndsTheSession) {
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("\x04");
-    EXPECT_EQ(session.waitForEnd(), 0);
-}
-
-TEST_F(InteractiveTests, ControlCAbandonsTheLine) {
-    TerminalSession session({}, environment());
-    ASSERT_TRUE(session.waitForPrompt());
-    session.type("2 bogus\x03" "3 in\r");
-    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
-}
-
-TEST_F(InteractiveTests, BadLinesDoNotMakeTheStatusBad) {
-    TerminalSession session({}, environment());
-    session.type("bogus\rquit\r");
-    EXPECT_EQ(session.waitForEnd(), 0);
-}
-
-TEST(ProgressTests, LinesAreCountedOnATerminal) {
-    std::string input;
-    for (int i = 0; i < 2500; ++i) input += "{\"text\":\"2\"}\n";
-    TemporaryFile const file(input);
-    TerminalSession session({"batch", file.path()});
-    EXPECT_TRUE(session.waitFor("1000 lines\r"));
-    EXPECT_TRUE(session.waitFor("2000 lines\r"));
-    EXPECT_TRUE(session.waitFor("2500 lines\r\n"));
-    EXPECT_EQ(session.waitForEnd(), 0);
 }
 
 TEST(ProgressTests, NothingIsCountedElsewhere) {

@@ -21,8 +21,13 @@ Outcome runProgram(std::string const & program, std::vector<std::string> const &
 // Runs the console.
 Outcome runConsole(std::vector<std::string> const & arguments, std::string const & input = {});
 
-// Runs a line of the shell, in which "$VNCONSOLE" is the console.
+// Runs a line of the shell, in which "$VNCONSOLE" is the console.  Windows has no such shell.
 Outcome runShell(std::string const & line, std::string const & input = {});
+
+#ifdef _WIN32
+// Runs the console, and closes its output once the first bytes of it have been read.
+Outcome runConsoleUnread(std::vector<std::string> const & arguments, std::string const & input);
+#endif
 
 // A file with that text, removed with the object.
 class TemporaryFile {

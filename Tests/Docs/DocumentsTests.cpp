@@ -129,6 +129,7 @@ TEST_F(DocumentsTests, EveryRowHolds) {
     EXPECT_GT(checks, 200u) << "the documents have lost their examples";
 }
 
+#ifndef _WIN32 // the sessions are lines of a shell
 TEST_F(DocumentsTests, EverySessionPrintsWhatItShows) {
     std::size_t sessions = 0;
     for (Document const & document : m_documents) {
@@ -147,6 +148,7 @@ TEST_F(DocumentsTests, EverySessionPrintsWhatItShows) {
     }
     EXPECT_GE(sessions, 10u) << "the documents have lost their sessions";
 }
+#endif
 
 TEST_F(DocumentsTests, EveryBlockIsOfAKindThatIsTested) {
     constexpr std::array<std::string_view, 4> c_kinds{"console", "cpp", "output", "ebnf"};
@@ -172,7 +174,11 @@ TEST_F(DocumentsTests, TheProgramOfTheReadmePrintsWhatItShows) {
     Console::Tests::Outcome const outcome = Console::Tests::runProgram(VN_README_EXAMPLE, {});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_FALSE(expected.empty());
-    EXPECT_EQ(outcome.out, expected);
+    std::string out = outcome.out;
+#ifdef _WIN32
+    std::erase(out, '\r'); // it writes lines as the system ends them
+#endif
+    EXPECT_EQ(out, expected);
 }
 
 TEST_F(DocumentsTests, TheReadmeIsOnePage) {

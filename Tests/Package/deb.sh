@@ -19,7 +19,7 @@ done
 
 # The packages of the system that the programs need are named.
 depends=$(field "$runtime" Depends)
-for package in libc6 libstdc++6 libboost-locale; do
+for package in libc6 libstdc++6; do
   grep -qF "$package" <<<"$depends" || fail "$package isn't among $depends"
 done
 depends=$(field "$development" Depends)

@@ -7,6 +7,8 @@
 #   include/VnCommonData10/                 the public headers, in the folders of their includes
 #   lib/cmake/VnCommonData10/               for find_package
 #   lib/pkgconfig/VnCommonData10.pc         for pkg-config
+#
+# On Windows the libraries stand beside the program in bin/, with those of the compiler.
 
 include(CMakePackageConfigHelpers)
 
@@ -22,7 +24,9 @@ install(TARGETS ${VN_LIBRARIES} EXPORT VnCommonData10Targets
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(TARGETS vnconsole RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
-install(FILES Docs/vnconsole.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+if(NOT WIN32)
+  install(FILES Docs/vnconsole.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+endif()
 
 # A header is public unless it says "Internal".  The nodes of a tree and the order of loading are of no
 # use without the headers that do.
@@ -51,6 +55,8 @@ install(FILES "${PROJECT_BINARY_DIR}/VnCommonData10Config.cmake"
               "${PROJECT_BINARY_DIR}/VnCommonData10ConfigVersion.cmake"
         DESTINATION "${VN_INSTALL_CMAKE}" COMPONENT development)
 
-include(VnPkgConfig)
-install(FILES "${PROJECT_BINARY_DIR}/VnCommonData10.pc"
-        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+if(NOT WIN32)
+  include(VnPkgConfig)
+  install(FILES "${PROJECT_BINARY_DIR}/VnCommonData10.pc"
+          DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+endif()

@@ -21,6 +21,9 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
+if(WIN32) # where modules are looked for beside the program
+  set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+endif()
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/lib")
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 
@@ -58,13 +61,22 @@ function(vn_add_library name export_macro)
   vn_export_by_map(${name} "${PROJECT_SOURCE_DIR}/Platform/Platform.map")
   set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION}
                         SOVERSION ${PROJECT_VERSION_MAJOR})
+  if(WIN32)
+    set_target_properties(${name} PROPERTIES PREFIX "")
+  endif()
 endfunction()
 
-# vn_add_test(NAME LIBRARIES libs... SOURCES sources...): a GoogleTest program run by CTest.
+# vn_add_test(NAME LIBRARIES libs... SOURCES sources...): a GoogleTest program run by CTest, one test
+# after another; for Windows all of them at once, since under Wine each start of a program takes its time.
 function(vn_add_test name)
   cmake_parse_arguments(ARG "" "" "LIBRARIES;SOURCES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE VnBuildOptions ${ARG_LIBRARIES} GTest::gmock_main)
+  if(WIN32)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1800 FIXTURES_REQUIRED VnWine)
+    return()
+  endif()
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
 endfunction()

@@ -300,7 +300,7 @@ ComplexUnit const * ModuloOpNode::onCalculateUnits(ComplexUnit const & left,
 }
 
 double PowerOpNode::onCalculate(bool &, double left, double right) const {
-    return std::pow(left, right);
+    return Numeric::power(left, right);
 }
 
 ComplexUnit const * PowerOpNode::onCalculateUnits(ComplexUnit const & left,
@@ -480,7 +480,7 @@ bool FunctionOpNode::calculateSecond(double first, double & value) {
     double second = 0.0;
     if (!operand(1).evaluate(second)) return false;
     if (m_function == FunctionPow) {
-        value = std::pow(first, second);
+        value = Numeric::power(first, second);
     } else if (m_function == FunctionMax) {
         value = second <= first ? first : second;
     } else {

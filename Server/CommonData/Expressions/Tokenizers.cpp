@@ -26,7 +26,7 @@ bool isDecimalSeparator(wchar_t c) { return c == L'.' || c == L','; }
 double powerOfTen(std::size_t count) {
     static constexpr double c_exact[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
     return count < std::size(c_exact) ? c_exact[count]
-                                      : std::pow(10.0, static_cast<double>(count));
+                                      : Numeric::power(10.0, static_cast<double>(count));
 }
 
 // A place in the text that moves forward as things are read.
@@ -166,7 +166,7 @@ private:
             in.position(in.position() + 1);
             double exponent = 0.0;
             if (!readExponent(in, exponent)) return {};
-            reading.value *= std::pow(10.0, exponent);
+            reading.value *= Numeric::power(10.0, exponent);
             reading.format.scientific = true;
             reading.format.exponent = Numeric::saturate<short>(exponent);
             // "22E-2" comes back as "2.2E-01".
@@ -435,7 +435,8 @@ TokenStream::TokenStream(std::wstring_view text, TokenList & list)
 unsigned int TokenStream::position16(std::size_t index) {
     if constexpr (sizeof(wchar_t) > 2) {
         for (; m_countedTo < index; ++m_countedTo) {
-            if (static_cast<char32_t>(m_text[m_countedTo]) > 0xFFFF) ++m_extra;
+            auto const character = static_cast<char32_t>(m_text[m_countedTo]);
+            if (character > 0xFFFF) ++m_extra;
         }
     }
     return static_cast<unsigned int>(index + m_extra);

@@ -416,6 +416,19 @@ TEST(RobustnessTests, CharactersAboveTheFirstPlane) {
     }
 }
 
+TEST(RobustnessTests, HalvesOfSurrogatePairs) {
+    std::wstring const high(1, static_cast<wchar_t>(0xD834));
+    std::wstring const low(1, static_cast<wchar_t>(0xDD1E));
+    for (std::wstring const & halves : {high, low, low + high, high + high}) {
+        for (std::wstring const & text : {halves, L"1" + halves + L"2"})
+            ASSERT_NO_FATAL_FAILURE(checkCover(text));
+        EXPECT_EQ(outcome(halves), L"Abrupt Termination");
+        EXPECT_EQ(outcome(L"1" + halves + L"2"), L"Parse error at character 1");
+        EXPECT_EQ(outcome(halves + L" 2"),
+                  L"Parse error at character " + std::to_wstring(halves.size() + 1));
+    }
+}
+
 // ---- Odd settings -------------------------------------------------------------------------------
 
 TEST(RobustnessTests, OddSettingsFormatToSomething) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <latch>
 #include <limits>
 #include <locale>
 #include <string>
@@ -16,6 +15,7 @@
 
 #include "Platform/Base/ScopedLock.h"
 #include "Platform/Base/StringTable.h"
+#include "Tests/Base/StartLine.h"
 #include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/UnitTables.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
@@ -441,11 +441,11 @@ TEST(SimpleUnitRegistryTests, WorksWithLockingSwitchedOff) {
 // Runs `work` on eight threads at once and hands each its number.
 template <class Work>
 void onEightThreads(Work const & work) {
-    std::latch start(8);
+    StartLine start(8);
     std::vector<std::jthread> threads;
     for (std::size_t number = 0; number < 8; ++number)
         threads.emplace_back([&start, &work, number] {
-            start.arrive_and_wait();
+            start.arriveAndWait();
             work(number);
         });
 }

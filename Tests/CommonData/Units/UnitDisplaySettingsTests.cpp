@@ -2,7 +2,6 @@
 
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 
-#include <latch>
 #include <limits>
 #include <string>
 #include <thread>
@@ -11,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Tests/Base/StartLine.h"
 #include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
 
@@ -233,11 +233,11 @@ TEST_F(UnitDisplaySettingsTests, ThreadsGetTheSameRecords) {
     expectInFreshProcess([] {
         std::vector<Settings const *> user(8);
         std::vector<Settings const *> standard(8);
-        std::latch start(8);
+        StartLine start(8);
         std::vector<std::jthread> threads;
         for (std::size_t i = 0; i < 8; ++i)
             threads.emplace_back([&, i] {
-                start.arrive_and_wait();
+                start.arriveAndWait();
                 user[i] = &Settings::get();
                 standard[i] = &Settings::standard();
             });
