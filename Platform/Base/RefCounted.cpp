@@ -21,18 +21,19 @@ RefCounted * PassiveControl::lockTarget() noexcept {
     // Whoever deletes the target behind its last strong reference expires this block first, so
     // that the target can be read for as long as the lock is held.
     SpinLockGuard const guard(m_lock);
-    RefCounted * const target = m_pTarget.load(std::memory_order_relaxed);
-    return target && target->addRefIfAlive() ? target : nullptr;
+    RefCounted * const found = target();
+    return found && found->addRefIfAlive() ? found : nullptr;
 }
 
 void PassiveControl::expire() noexcept {
     SpinLockGuard const guard(m_lock);
-    m_pTarget.store(nullptr, std::memory_order_release);
+    m_target.store(0, std::memory_order_release);
 }
 
-void PassiveControl::restore(RefCounted * target) noexcept {
+void PassiveControl::suspend(bool suspended) noexcept {
     SpinLockGuard const guard(m_lock);
-    m_pTarget.store(target, std::memory_order_release);
+    auto const target = m_target.load(std::memory_order_relaxed) & ~c_suspended;
+    m_target.store(suspended ? target | c_suspended : target, std::memory_order_release);
 }
 
 } // namespace Detail
@@ -52,7 +53,8 @@ void RefCounted::release() const noexcept {
 }
 
 void RefCounted::destroy() noexcept {
-    expirePassive();
+    if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
+        control->expire();
     delete this;
 }
 
@@ -60,14 +62,14 @@ void RefCounted::strongCount(std::uint32_t count) noexcept {
     m_count.store(count, std::memory_order_release);
 }
 
-void RefCounted::expirePassive() noexcept {
+void RefCounted::suspendPassive() noexcept {
     if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
-        control->expire();
+        control->suspend(true);
 }
 
 void RefCounted::restorePassive() noexcept {
     if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
-        control->restore(this);
+        control->suspend(false);
 }
 
 bool RefCounted::addRefIfAlive() const noexcept {

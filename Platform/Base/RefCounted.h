@@ -23,15 +23,25 @@ namespace Detail {
 // every passive reference hold one count each.
 class VN_BASE_API PassiveControl {
 public:
-    explicit PassiveControl(RefCounted * target) noexcept : m_pTarget(target) {}
+    explicit PassiveControl(RefCounted * target) noexcept
+        : m_target(reinterpret_cast<std::uintptr_t>(target)) {}
     PassiveControl(PassiveControl const &) = delete;
     PassiveControl & operator=(PassiveControl const &) = delete;
 
     void addRef() noexcept { m_count.fetch_add(1, std::memory_order_relaxed); }
     void release() noexcept;
 
-    // The target, or null once it is gone.
-    RefCounted * target() const noexcept { return m_pTarget.load(std::memory_order_acquire); }
+    // The target, or null once it is gone and while it is suspended.
+    RefCounted * target() const noexcept {
+        auto const target = m_target.load(std::memory_order_acquire);
+        return target & c_suspended ? nullptr : reinterpret_cast<RefCounted *>(target);
+    }
+
+    // The target, also while it is suspended; null once it is gone.
+    RefCounted * keptTarget() const noexcept {
+        return reinterpret_cast<RefCounted *>(m_target.load(std::memory_order_acquire)
+                                              & ~c_suspended);
+    }
 
     // The target with one more strong count, which the caller then owns, or null once it is gone.
     RefCounted * lockTarget() noexcept;
@@ -39,15 +49,17 @@ public:
     // Forgets the target.  No lockTarget reaches for it once this has returned.
     void expire() noexcept;
 
-    // Leads to the target again.
-    void restore(RefCounted * target) noexcept;
+    // Lets the target be found no more, but for keptTarget, and lets it be found again.
+    void suspend(bool suspended) noexcept;
 
 private:
     ~PassiveControl() = default;
 
     std::atomic<std::uint32_t> m_count{1};
     SpinLock m_lock;
-    std::atomic<RefCounted *> m_pTarget;
+    static constexpr std::uintptr_t c_suspended = 1; // in the lowest bit of the address
+
+    std::atomic<std::uintptr_t> m_target;
 };
 
 } // namespace Detail
@@ -90,7 +102,7 @@ protected:
     void strongCount(std::uint32_t count) noexcept;
     // Lets passive references test null although the object is still there, and lets them lead to
     // it again.  Copies of them made in between come back too.
-    void expirePassive() noexcept;
+    void suspendPassive() noexcept;
     void restorePassive() noexcept;
 
 private:
@@ -236,6 +248,12 @@ public:
     T * operator->() const noexcept { return get(); }
     T & operator*() const noexcept { return *get(); }
     explicit operator bool() const noexcept { return get() != nullptr; }
+
+    // The target, also while passive references to it test null because it may come back; for who
+    // keeps such objects.
+    T * getKept() const noexcept {
+        return m_pControl ? static_cast<T *>(m_pControl->keptTarget()) : nullptr;
+    }
 
 private:
     template <class U>

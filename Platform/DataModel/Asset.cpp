@@ -49,12 +49,12 @@ Asset::~Asset() {
     }
     for (Entity * const entity : all)
         if (entity->refCount() > 1) {
-            entity->expirePassive();
+            entity->suspendPassive();
             entity->m_pSegment = nullptr;
         }
     for (Entity * const entity : all) {
         if (entity->m_pSegment && entity->refCount() == 1) {
-            entity->expirePassive();
+            entity->suspendPassive();
             delete entity;
         } else {
             entity->m_pSegment = nullptr; // somebody took hold of it during the end of another
@@ -94,10 +94,9 @@ void Asset::enter(Entity & entity) { m_pTable->add(entity.id(), &entity); }
 
 void Asset::leave(Entity & entity) noexcept {
     m_pTable->remove(entity.id());
-    if (entity.m_flags & Entity::FlagStored) {
-        entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagStored);
-        m_deleted.push_back(entity.id());
-    }
+    if (entity.m_flags & Entity::FlagStored) m_deleted.push_back(entity.id());
+    // If it comes back, it has to be written whether or not it was to be before.
+    entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagStored | Entity::FlagDirty);
 }
 
 void Asset::markDirty(Entity & entity) {

@@ -614,7 +614,7 @@ void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) noexce
             if (!leaf.m_bInHelper) DataModel::dropStrong(leaf, DataModel::field(entity, leaf));
 
     m_asset.leave(entity);
-    entity.expirePassive();
+    entity.suspendPassive();
     entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDying);
     entity.m_flags |= Entity::FlagDead;
     if (kept) entity.m_flags |= Entity::FlagKept;

@@ -340,6 +340,17 @@ unsigned long long DocumentFile::Writer::idOf(Entity const * target) const noexc
     return isThere ? target->id() : 0;
 }
 
+unsigned long long
+DocumentFile::Writer::idOf(PassiveRef<Entity> const & reference) const noexcept {
+    // One that is dead and may come back counts: its passive references will lead to it again, and
+    // nobody would write them then.  Its id is never used again.
+    Entity const * const target = reference.getKept();
+    bool const isThere = target
+        && (target->isAlive() || (target->m_flags & Entity::FlagKept) != 0)
+        && target->asset() == &m_asset && isWritten(*target);
+    return isThere ? target->id() : 0;
+}
+
 void DocumentFile::Writer::writeAll() {
     m_asset.m_pTable->forEach([&](Entity & entity) {
         if (isWritten(entity)) write(entity);
@@ -434,8 +445,8 @@ void DocumentFile::Writer::writeColumns(Class & target, Entity & entity) {
     for (Column & column : target.m_columns) {
         void const * const field = reinterpret_cast<char const *>(&entity) + column.m_offset;
         int const place = column.m_place;
-        auto const bindReference = [&](Entity const * to) {
-            if (unsigned long long const id = idOf(to))
+        auto const bindReference = [&](unsigned long long id) {
+            if (id)
                 row.bind(place, static_cast<long long>(id));
             else
                 row.bindNull(place);
@@ -469,8 +480,8 @@ void DocumentFile::Writer::writeColumns(Class & target, Entity & entity) {
             }
             break;
         }
-        case EMemberKind::StrongRef: bindReference(at<StrongRef<Entity>>(field).get()); break;
-        case EMemberKind::PassiveRef: bindReference(at<PassiveRef<Entity>>(field).get()); break;
+        case EMemberKind::StrongRef: bindReference(idOf(at<StrongRef<Entity>>(field).get())); break;
+        case EMemberKind::PassiveRef: bindReference(idOf(at<PassiveRef<Entity>>(field))); break;
         case EMemberKind::Vector:
         case EMemberKind::Value: break;
         }
@@ -481,8 +492,8 @@ void DocumentFile::Writer::writeColumns(Class & target, Entity & entity) {
 void DocumentFile::Writer::appendElement(std::string & json, EMemberKind kind,
                                          void const * element) {
     using DataModel::appendJson;
-    auto const appendReference = [&](Entity const * to) {
-        if (unsigned long long const id = idOf(to))
+    auto const appendReference = [&](unsigned long long id) {
+        if (id)
             appendJson(json, static_cast<long long>(id));
         else
             json += "null";
@@ -514,8 +525,8 @@ void DocumentFile::Writer::appendElement(std::string & json, EMemberKind kind,
         if (text.isGlobalized()) json += ']';
         break;
     }
-    case EMemberKind::StrongRef: appendReference(at<StrongRef<Entity>>(element).get()); break;
-    case EMemberKind::PassiveRef: appendReference(at<PassiveRef<Entity>>(element).get()); break;
+    case EMemberKind::StrongRef: appendReference(idOf(at<StrongRef<Entity>>(element).get())); break;
+    case EMemberKind::PassiveRef: appendReference(idOf(at<PassiveRef<Entity>>(element))); break;
     case EMemberKind::Vector:
     case EMemberKind::Value: break;
     }

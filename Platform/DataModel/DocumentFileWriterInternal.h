@@ -55,7 +55,9 @@ private:
     void writeLists(Class & target, Entity & entity);
     void appendElement(std::string & json, EMemberKind kind, void const * element);
     Class & classOf(Entity & entity);
+    // What is written of a reference; 0 for null.
     unsigned long long idOf(Entity const * target) const noexcept;
+    unsigned long long idOf(PassiveRef<Entity> const & reference) const noexcept;
     static bool isWritten(Entity const & entity) noexcept;
 
     void removeRemains(std::filesystem::path const & file) const;

@@ -126,7 +126,7 @@ ValueMetaType * Spot::s_metaType() {
 }
 
 // Static objects, as those of an add-in, in the order of the classes.
-static DocumentMetaType<Piece> s_pieceType(0, Entity::s_metaTypeId());
+static DocumentMetaType<Piece> s_pieceType(0, Entity::s_metaTypeId(), EntityMetaType::TypeAbstract);
 static DocumentMetaType<Everything> s_everythingType(3, Piece::s_metaTypeId());
 static DocumentMetaType<Row> s_rowType(0, Piece::s_metaTypeId());
 
@@ -174,6 +174,7 @@ void Everything::initializeMembers(unsigned, MemberSet * set) {
     members.add("text", m_text);
     members.add("rOwned", m_rOwned);
     members.add("rFriend", m_rFriend);
+    members.add("rRow", m_rRow);
     members.add("spot", m_spot);
     members.add("ints", m_ints);
     members.add("unsigneds", m_unsigneds);
@@ -195,7 +196,7 @@ std::string Everything::dump() const {
     std::ostringstream out;
     out << Piece::dump();
     putAll(out, m_bool, m_int, m_unsigned, m_int64, m_unsigned64, m_float, m_double, m_string, m_wide,
-           m_text, m_rOwned, m_rFriend, m_spot);
+           m_text, m_rOwned, m_rFriend, m_rRow, m_spot);
     putAll(out, m_ints, m_unsigneds, m_int64s, m_unsigned64s, m_floats, m_doubles, m_strings, m_wides,
            m_texts, m_children, m_friends, m_spots);
     return out.str();
@@ -422,6 +423,7 @@ void makeChild(Everything & parent, Asset & asset, std::mt19937 & random) {
         row->m_name = randomWide(random);
         row->m_x = randomDouble(random);
         row->m_rParent = PassiveRef<Piece>(&parent);
+        parent.change([&] { parent.m_rRow = PassiveRef<Row>(row.get()); });
         child = row;
     } else {
         StrongRef<Everything> const made = Everything::make(parent.segment());

@@ -156,6 +156,8 @@ protected:
     EntityMetaType * onMetaType() const override { return s_metaType(); }
 };
 
+class Row;
+
 // A piece with a member of every kind.
 class Everything : public Piece {
 public:
@@ -183,6 +185,7 @@ public:
     GlobalizedString m_text;
     StrongRef<Piece> m_rOwned;
     PassiveRef<Entity> m_rFriend;
+    PassiveRef<Row> m_rRow;
     Spot m_spot;
     std::vector<int> m_ints;
     std::vector<unsigned> m_unsigneds;

@@ -1,0 +1,205 @@
+#include "Tests/DataModel/FaultyFileSystem.h"
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <new>
+
+#include "Platform/DataModel/DocumentFile.h"
+
+namespace Vn::Testing {
+
+namespace {
+
+constexpr char c_name[] = "faulty";
+
+std::string contentOf(std::string const & path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+} // namespace
+
+// An open file; that of the file system below stands right behind it.
+struct FaultyFile {
+    sqlite3_file m_base;
+    FaultyFileSystem * m_pSystem;
+    std::string * m_pPath;
+
+    sqlite3_file * below() { return reinterpret_cast<sqlite3_file *>(this + 1); }
+    static FaultyFile & of(sqlite3_file * file) { return *reinterpret_cast<FaultyFile *>(file); }
+};
+
+struct FaultyMethods {
+    static sqlite3_io_methods const * below(sqlite3_file * file) {
+        return FaultyFile::of(file).below()->pMethods;
+    }
+    static sqlite3_vfs * vfsBelow() { return sqlite3_vfs_find("unix"); }
+
+    static int close(sqlite3_file * file) {
+        FaultyFile & self = FaultyFile::of(file);
+        int const result = below(file)->xClose(self.below());
+        delete self.m_pPath;
+        return result;
+    }
+    static int read(sqlite3_file * file, void * to, int count, sqlite3_int64 offset) {
+        return below(file)->xRead(FaultyFile::of(file).below(), to, count, offset);
+    }
+    static int write(sqlite3_file * file, void const * from, int count, sqlite3_int64 offset) {
+        FaultyFile & self = FaultyFile::of(file);
+        if (self.m_pSystem->fails()) {
+            below(file)->xWrite(self.below(), from, count / 2, offset);
+            return SQLITE_IOERR_WRITE;
+        }
+        sqlite3_int64 size = 0;
+        below(file)->xFileSize(self.below(), &size);
+        if (offset + count > size && offset + count - size > self.m_pSystem->m_room) {
+            self.m_pSystem->m_bFailed = true;
+            return SQLITE_FULL;
+        }
+        if (offset + count > size) self.m_pSystem->m_room -= offset + count - size;
+        return below(file)->xWrite(self.below(), from, count, offset);
+    }
+    static int truncate(sqlite3_file * file, sqlite3_int64 size) {
+        FaultyFile & self = FaultyFile::of(file);
+        if (self.m_pSystem->fails()) return SQLITE_IOERR_TRUNCATE;
+        return below(file)->xTruncate(self.below(), size);
+    }
+    static int sync(sqlite3_file * file, int flags) {
+        FaultyFile & self = FaultyFile::of(file);
+        if (self.m_pSystem->fails()) return SQLITE_IOERR_FSYNC;
+        int const result = below(file)->xSync(self.below(), flags);
+        if (self.m_pPath) self.m_pSystem->m_synced[*self.m_pPath] = contentOf(*self.m_pPath);
+        return result;
+    }
+    static int fileSize(sqlite3_file * file, sqlite3_int64 * size) {
+        return below(file)->xFileSize(FaultyFile::of(file).below(), size);
+    }
+    static int lock(sqlite3_file * file, int level) {
+        return below(file)->xLock(FaultyFile::of(file).below(), level);
+    }
+    static int unlock(sqlite3_file * file, int level) {
+        return below(file)->xUnlock(FaultyFile::of(file).below(), level);
+    }
+    static int checkReservedLock(sqlite3_file * file, int * taken) {
+        return below(file)->xCheckReservedLock(FaultyFile::of(file).below(), taken);
+    }
+    static int fileControl(sqlite3_file * file, int operation, void * argument) {
+        return below(file)->xFileControl(FaultyFile::of(file).below(), operation, argument);
+    }
+    static int sectorSize(sqlite3_file * file) {
+        return below(file)->xSectorSize(FaultyFile::of(file).below());
+    }
+    static int deviceCharacteristics(sqlite3_file * file) {
+        return below(file)->xDeviceCharacteristics(FaultyFile::of(file).below());
+    }
+
+    static int open(sqlite3_vfs * vfs, char const * name, sqlite3_file * file, int flags,
+                    int * outFlags) {
+        static constexpr sqlite3_io_methods c_methods = {
+            1,        close,     read,   write,  truncate,          sync,        fileSize,
+            lock,     unlock,    checkReservedLock,                 fileControl, sectorSize,
+            deviceCharacteristics, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
+        auto & system = *static_cast<FaultyFileSystem *>(vfs->pAppData);
+        FaultyFile & self = FaultyFile::of(file);
+        self.m_base.pMethods = nullptr;
+        self.m_pSystem = &system;
+        self.m_pPath = nullptr;
+        if (system.fails()) return SQLITE_CANTOPEN;
+        int const result = vfsBelow()->xOpen(vfsBelow(), name, self.below(), flags, outFlags);
+        if (result != SQLITE_OK) return result;
+        if (name) {
+            self.m_pPath = new std::string(name);
+            system.m_synced.emplace(*self.m_pPath, contentOf(*self.m_pPath));
+        }
+        self.m_base.pMethods = &c_methods;
+        return SQLITE_OK;
+    }
+    static int remove(sqlite3_vfs * vfs, char const * name, int syncDirectory) {
+        auto & system = *static_cast<FaultyFileSystem *>(vfs->pAppData);
+        if (system.fails()) return SQLITE_IOERR_DELETE;
+        int const result = vfsBelow()->xDelete(vfsBelow(), name, syncDirectory);
+        if (result == SQLITE_OK) system.m_synced.erase(name);
+        return result;
+    }
+    static int access(sqlite3_vfs *, char const * name, int flags, int * result) {
+        return vfsBelow()->xAccess(vfsBelow(), name, flags, result);
+    }
+    static int fullPathname(sqlite3_vfs *, char const * name, int size, char * out) {
+        return vfsBelow()->xFullPathname(vfsBelow(), name, size, out);
+    }
+    static int randomness(sqlite3_vfs *, int size, char * out) {
+        return vfsBelow()->xRandomness(vfsBelow(), size, out);
+    }
+    static int sleep(sqlite3_vfs *, int microseconds) {
+        return vfsBelow()->xSleep(vfsBelow(), microseconds);
+    }
+    static int currentTime(sqlite3_vfs *, double * time) {
+        return vfsBelow()->xCurrentTime(vfsBelow(), time);
+    }
+    static int lastError(sqlite3_vfs *, int size, char * text) {
+        return vfsBelow()->xGetLastError(vfsBelow(), size, text);
+    }
+};
+
+FaultyFileSystem::FaultyFileSystem() {
+    sqlite3_initialize();
+    m_vfs.iVersion = 1;
+    m_vfs.szOsFile = static_cast<int>(sizeof(FaultyFile)) + FaultyMethods::vfsBelow()->szOsFile;
+    m_vfs.mxPathname = FaultyMethods::vfsBelow()->mxPathname;
+    m_vfs.zName = c_name;
+    m_vfs.pAppData = this;
+    m_vfs.xOpen = FaultyMethods::open;
+    m_vfs.xDelete = FaultyMethods::remove;
+    m_vfs.xAccess = FaultyMethods::access;
+    m_vfs.xFullPathname = FaultyMethods::fullPathname;
+    m_vfs.xRandomness = FaultyMethods::randomness;
+    m_vfs.xSleep = FaultyMethods::sleep;
+    m_vfs.xCurrentTime = FaultyMethods::currentTime;
+    m_vfs.xGetLastError = FaultyMethods::lastError;
+    sqlite3_vfs_register(&m_vfs, 0);
+    DocumentFile::fileSystem(c_name);
+}
+
+FaultyFileSystem::~FaultyFileSystem() {
+    DocumentFile::fileSystem({});
+    sqlite3_vfs_unregister(&m_vfs);
+}
+
+void FaultyFileSystem::failAt(unsigned call, bool forGood) {
+    heal();
+    m_failAt = call;
+    m_bForGood = forGood;
+}
+
+void FaultyFileSystem::room(std::int64_t bytes) {
+    heal();
+    m_room = bytes;
+}
+
+void FaultyFileSystem::heal() {
+    m_calls = 0;
+    m_failAt = 0;
+    m_bForGood = false;
+    m_bFailed = false;
+    m_room = std::numeric_limits<std::int64_t>::max();
+}
+
+bool FaultyFileSystem::fails() {
+    ++m_calls;
+    bool const fails = m_failAt && (m_calls == m_failAt || (m_bForGood && m_calls > m_failAt));
+    m_bFailed = m_bFailed || fails;
+    return fails;
+}
+
+void FaultyFileSystem::forgetUnsynced() {
+    for (auto const & [path, content] : m_synced)
+        if (std::filesystem::exists(path)) {
+            std::ofstream out(path, std::ios::binary | std::ios::trunc);
+            out << content;
+        }
+    m_synced.clear();
+}
+
+} // namespace Vn::Testing
