@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 #include "Tests/DataModel/FaultyFileSystem.h"
@@ -112,27 +113,29 @@ unsigned forEachFailingCall(Save const & save, bool forGood, bool powerGoes) {
     }
 }
 
+class DocumentFileFaultTests : public FileTest {};
+
 } // namespace
 
-TEST(DocumentFileFaultTests, everyFailingCallOfALaterSaveLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, everyFailingCallOfALaterSaveLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveAgain, false, false), 10U);
 }
 
-TEST(DocumentFileFaultTests, everyFailingCallOfAWholeSaveLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, everyFailingCallOfAWholeSaveLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveOver, false, false), 10U);
 }
 
-TEST(DocumentFileFaultTests, aDeviceThatFailsForGoodLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, aDeviceThatFailsForGoodLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveAgain, true, false), 10U);
     EXPECT_GT(forEachFailingCall(saveOver, true, false), 10U);
 }
 
-TEST(DocumentFileFaultTests, whenThePowerGoesTheOldOrTheNewDocumentIsLeft) {
+TEST_F(DocumentFileFaultTests, whenThePowerGoesTheOldOrTheNewDocumentIsLeft) {
     EXPECT_GT(forEachFailingCall(saveAgain, true, true), 10U);
     EXPECT_GT(forEachFailingCall(saveOver, true, true), 10U);
 }
 
-TEST(DocumentFileFaultTests, aFullDiskLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, aFullDiskLeavesTheOldOrTheNewDocument) {
     for (bool const whole : {false, true}) {
         FaultyFileSystem faulty;
         bool wasFull = false;
@@ -157,7 +160,7 @@ TEST(DocumentFileFaultTests, aFullDiskLeavesTheOldOrTheNewDocument) {
     }
 }
 
-TEST(DocumentFileFaultTests, theFirstSaveLeavesAFileOrNone) {
+TEST_F(DocumentFileFaultTests, theFirstSaveLeavesAFileOrNone) {
     FaultyFileSystem faulty;
     for (unsigned call = 1;; ++call) {
         SCOPED_TRACE(call);
@@ -179,7 +182,7 @@ TEST(DocumentFileFaultTests, theFirstSaveLeavesAFileOrNone) {
 
 // A save that was cut short leaves a journal.  Whoever replaces the file must not leave it to the new
 // one.
-TEST(DocumentFileFaultTests, theJournalOfACrashIsntAppliedToTheFileThatReplacesIt) {
+TEST_F(DocumentFileFaultTests, theJournalOfACrashIsntAppliedToTheFileThatReplacesIt) {
     FaultyFileSystem faulty;
     Scene scene;
     for (unsigned call = 1;; ++call) {

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
@@ -78,16 +79,18 @@ std::vector<std::string> differing(std::map<std::string, std::vector<std::string
     return found;
 }
 
+class DocumentFileTests : public FileTest {};
+
 } // namespace
 
-TEST(DocumentFileTests, anEmptyDocumentComesBack) {
+TEST_F(DocumentFileTests, anEmptyDocumentComesBack) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, everyKindOfMemberComesBack) {
+TEST_F(DocumentFileTests, everyKindOfMemberComesBack) {
     using Doubles = std::numeric_limits<double>;
     using Floats = std::numeric_limits<float>;
     TemporaryFile const file;
@@ -137,7 +140,7 @@ TEST(DocumentFileTests, everyKindOfMemberComesBack) {
     EXPECT_TRUE(std::signbit(static_cast<Everything *>(other->entity(one->id()).get())->m_double));
 }
 
-TEST(DocumentFileTests, randomDocumentsComeBackThroughManySaves) {
+TEST_F(DocumentFileTests, randomDocumentsComeBackThroughManySaves) {
     for (unsigned seed = 0; seed < 40; ++seed) {
         SCOPED_TRACE(seed);
         TemporaryFile const file;
@@ -164,7 +167,7 @@ TEST(DocumentFileTests, randomDocumentsComeBackThroughManySaves) {
     }
 }
 
-TEST(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
+TEST_F(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -221,7 +224,7 @@ TEST(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
+TEST_F(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
     TemporaryFile const first;
     TemporaryFile const second;
     StrongRef<Asset> const asset = randomDocument(1, 30);
@@ -246,7 +249,7 @@ TEST(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
     expectSaved(*asset, second.path());
 }
 
-TEST(DocumentFileTests, whatACrashLeftBesideIsOverwritten) {
+TEST_F(DocumentFileTests, whatACrashLeftBesideIsOverwritten) {
     TemporaryFile const file;
     std::ofstream(file.text() + ".saving") << std::string(100'000, 'x');
     StrongRef<Asset> const asset = randomDocument(2, 10);
@@ -255,7 +258,7 @@ TEST(DocumentFileTests, whatACrashLeftBesideIsOverwritten) {
     EXPECT_FALSE(std::filesystem::exists(file.text() + ".saving"));
 }
 
-TEST(DocumentFileTests, aLinkIsFollowed) {
+TEST_F(DocumentFileTests, aLinkIsFollowed) {
     TemporaryFile const file;
     TemporaryFile const link;
     StrongRef<Asset> const asset = randomDocument(3, 10);
@@ -267,7 +270,7 @@ TEST(DocumentFileTests, aLinkIsFollowed) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, idsSurviveAndAreNeverUsedAgain) {
+TEST_F(DocumentFileTests, idsSurviveAndAreNeverUsedAgain) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Everything> root = Everything::make(design(*asset));
@@ -284,7 +287,7 @@ TEST(DocumentFileTests, idsSurviveAndAreNeverUsedAgain) {
     EXPECT_GT(next->id(), gone);
 }
 
-TEST(DocumentFileTests, transientSegmentsArentWritten) {
+TEST_F(DocumentFileTests, transientSegmentsArentWritten) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const transient = segmentOf(*asset, SegmentType::TransientSegment);
@@ -311,7 +314,7 @@ TEST(DocumentFileTests, transientSegmentsArentWritten) {
     EXPECT_FALSE(loaded.m_children[0]);
 }
 
-TEST(DocumentFileTests, aReferenceToAnotherDocumentIsWrittenAsNull) {
+TEST_F(DocumentFileTests, aReferenceToAnotherDocumentIsWrittenAsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Asset> const another = Asset::make(nullptr);
@@ -327,7 +330,7 @@ TEST(DocumentFileTests, aReferenceToAnotherDocumentIsWrittenAsNull) {
     root->m_rOwned.reset();
 }
 
-TEST(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
+TEST_F(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -343,7 +346,7 @@ TEST(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, whatNothingOwnsIsKept) {
+TEST_F(DocumentFileTests, whatNothingOwnsIsKept) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     std::vector<StrongRef<Row>> rows;
@@ -356,7 +359,7 @@ TEST(DocumentFileTests, whatNothingOwnsIsKept) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, rootsComeBackInTheirOrder) {
+TEST_F(DocumentFileTests, rootsComeBackInTheirOrder) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const alone = segmentOf(*asset, SegmentType::StandaloneSegment);
@@ -372,7 +375,7 @@ TEST(DocumentFileTests, rootsComeBackInTheirOrder) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, whatIsUndoneBehindASaveIsSavedAgain) {
+TEST_F(DocumentFileTests, whatIsUndoneBehindASaveIsSavedAgain) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -400,7 +403,7 @@ TEST(DocumentFileTests, whatIsUndoneBehindASaveIsSavedAgain) {
 }
 
 // It is changed, dies, the document is saved, and it comes back with the change.
-TEST(DocumentFileTests, whatDiedChangedAndComesBackIsSaved) {
+TEST_F(DocumentFileTests, whatDiedChangedAndComesBackIsSaved) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -431,7 +434,7 @@ TEST(DocumentFileTests, whatDiedChangedAndComesBackIsSaved) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, hooksAreToldAroundEachEntity) {
+TEST_F(DocumentFileTests, hooksAreToldAroundEachEntity) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     auto & type = *Everything::s_metaType();
@@ -450,7 +453,7 @@ TEST(DocumentFileTests, hooksAreToldAroundEachEntity) {
     type.m_bListening = false;
 }
 
-TEST(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
+TEST_F(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(4, 10);
     EXPECT_EQ(DocumentFile::save(*asset).code(), StatusInvalidArgument); // there is no file yet
@@ -487,7 +490,7 @@ TEST(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
     std::filesystem::remove(file.path());
 }
 
-TEST(DocumentFileTests, aFileThatSomebodyElseChangedIsntWrittenTo) {
+TEST_F(DocumentFileTests, aFileThatSomebodyElseChangedIsntWrittenTo) {
     TemporaryFile const file;
     TemporaryFile const elsewhere;
     StrongRef<Asset> const asset = randomDocument(5, 10);
@@ -507,7 +510,7 @@ TEST(DocumentFileTests, aFileThatSomebodyElseChangedIsntWrittenTo) {
     EXPECT_EQ(DocumentFile::save(*asset).code(), StatusFailed);
 }
 
-TEST(DocumentFileTests, aFileInUseIsBusy) {
+TEST_F(DocumentFileTests, aFileInUseIsBusy) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(7, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -525,7 +528,7 @@ TEST(DocumentFileTests, aFileInUseIsBusy) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, whatIsNoDocumentIsRefused) {
+TEST_F(DocumentFileTests, whatIsNoDocumentIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset;
     auto const refused = [&] { return DocumentFile::load(file.path(), nullptr, asset); };
@@ -547,7 +550,7 @@ TEST(DocumentFileTests, whatIsNoDocumentIsRefused) {
     EXPECT_THAT(refused().toString(), HasSubstr("it is not a document"));
 }
 
-TEST(DocumentFileTests, aLaterVersionOfTheFormatIsRefused) {
+TEST_F(DocumentFileTests, aLaterVersionOfTheFormatIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset = randomDocument(8, 5);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -558,7 +561,7 @@ TEST(DocumentFileTests, aLaterVersionOfTheFormatIsRefused) {
     EXPECT_FALSE(asset);
 }
 
-TEST(DocumentFileTests, aLaterVersionOfATypeIsRefused) {
+TEST_F(DocumentFileTests, aLaterVersionOfATypeIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset = randomDocument(9, 5);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -568,7 +571,7 @@ TEST(DocumentFileTests, aLaterVersionOfATypeIsRefused) {
     EXPECT_THAT(status.toString(), HasSubstr("EverythingMetaType (Test-Everything) has version 4"));
 }
 
-TEST(DocumentFileTests, anUnknownTypeIsNamed) {
+TEST_F(DocumentFileTests, anUnknownTypeIsNamed) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     Changing::become(0);
@@ -590,7 +593,7 @@ TEST(DocumentFileTests, anUnknownTypeIsNamed) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, anOlderVersionIsMigrated) {
+TEST_F(DocumentFileTests, anOlderVersionIsMigrated) {
     TemporaryFile const file;
     Changing::become(0);
     unsigned long long id = 0;
@@ -644,7 +647,7 @@ TEST(DocumentFileTests, anOlderVersionIsMigrated) {
     Changing::end();
 }
 
-TEST(DocumentFileTests, aFailedMigrationLeavesNothingBehind) {
+TEST_F(DocumentFileTests, aFailedMigrationLeavesNothingBehind) {
     TemporaryFile const file;
     Changing::become(0);
     {
@@ -660,7 +663,7 @@ TEST(DocumentFileTests, aFailedMigrationLeavesNothingBehind) {
     Changing::end();
 }
 
-TEST(DocumentFileTests, aLongChainAndALargeGroupAreLoaded) {
+TEST_F(DocumentFileTests, aLongChainAndALargeGroupAreLoaded) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
