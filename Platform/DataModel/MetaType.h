@@ -95,6 +95,7 @@ private:
     EType const m_type;
     std::atomic<std::uint32_t> m_flags{0};
     std::atomic<DataModel::MemberLayout *> m_pLayout{nullptr};
+    mutable std::atomic<EntityMetaType const *> m_pBaseType{nullptr};
 };
 
 // One class of values that stand inside entities, such as points.  A value has members of its own.
