@@ -15,8 +15,8 @@ namespace Vn {
 // What the manager knows about one add-in.
 class VN_ADDINMGR_API AddIn {
 public:
-    // `identifier` is the name by which meta types say whose they are.  A core add-in is one that the
-    // host can't do without.
+    // `identifier` is the name by which meta types say whose they are.  A core add-in is one that
+    // the host can't do without.
     AddIn(std::string identifier, bool coreAddIn);
 
     // What the constructor was given.
@@ -34,12 +34,12 @@ public:
     // The one manager of the process.
     static AddInMgr * get();
 
-    // The add-in with that identifier, compared byte for byte, as long as the process lives; null if
-    // the host registered none.
+    // The add-in with that identifier, compared byte for byte, as long as the process lives; null
+    // if the host registered none.
     AddIn * addIn(std::string const & identifier) const;
 
-    // Takes over the record of an add-in, which a host registers before it loads the module.  If the
-    // identifier is taken, or if `addIn` is null, nothing changes and the answer is false.
+    // Takes over the record of an add-in, which a host registers before it loads the module.  If
+    // the identifier is taken, or if `addIn` is null, nothing changes and the answer is false.
     bool registerAddIn(std::unique_ptr<AddIn> addIn);
 
 private:

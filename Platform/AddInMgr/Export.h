@@ -1,8 +1,9 @@
 #ifndef VN_PLATFORM_ADDINMGR_EXPORT_H
 #define VN_PLATFORM_ADDINMGR_EXPORT_H
 
-// VN_ADDINMGR_API stands in front of whatever VnAddInMgr10 offers to other modules.  VN_ADDINMGR_BUILD is
-// defined while the library itself is built, VN_ADDINMGR_STATIC wherever it is linked as an archive.
+// VN_ADDINMGR_API stands in front of whatever VnAddInMgr10 offers to other modules.
+// VN_ADDINMGR_BUILD is defined while the library itself is built, VN_ADDINMGR_STATIC wherever it is
+// linked as an archive.
 #if defined(VN_ADDINMGR_STATIC)
 #define VN_ADDINMGR_API
 #elif defined(_WIN32)

@@ -79,10 +79,11 @@ VN_BASE_API std::string className(char const * name);
 [[nodiscard]] VN_BASE_API Status syncDirectory(std::filesystem::path const & directory);
 
 // Whether `renameFile` takes files that are open.
+inline constexpr bool c_renamesOpenFiles =
 #ifdef _WIN32
-inline constexpr bool c_renamesOpenFiles = false;
+    false;
 #else
-inline constexpr bool c_renamesOpenFiles = true;
+    true;
 #endif
 
 // A module loaded at run time.  It is unloaded with the object, unless `keep` was called.

@@ -32,7 +32,9 @@ class EntityTable;
 // A kind of document.
 class VN_DATAMODEL_API AssetType {
 public:
+    // By its identifier, such as the name of the application's documents.
     explicit AssetType(std::string identifier) : m_identifier(std::move(identifier)) {}
+    // What the constructor was given.
     std::string const & identifier() const noexcept { return m_identifier; }
 
 private:
@@ -46,6 +48,7 @@ public:
     static StrongRefCreator<Asset> make(AssetType const * type);
     ~Asset() override;
 
+    // What `make` was given.
     AssetType const * assetType() const noexcept { return m_pType; }
 
     // The segment of a kind; null if there is none.

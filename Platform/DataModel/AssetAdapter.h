@@ -20,6 +20,8 @@ class VN_DATAMODEL_API AssetSettings : public Entity {
 public:
     // The key of the root.
     static std::string const & segmentRootId();
+    // The meta type and its id; the id of this class, of the object's own class, and the object as
+    // a class, an interface or what a meta type describes.
     static std::string s_metaTypeId();
     static EntityMetaType * s_metaType();
     static UniqueString const * interfaceId();
@@ -28,6 +30,7 @@ public:
     void * queryMTInterface(MetaType const * type) override;
 
 protected:
+    // A new object, and one that is being loaded.
     explicit AssetSettings(Segment * segment);
     AssetSettings(Segment * segment, unsigned long long id);
 
@@ -44,6 +47,7 @@ public:
     AssetAdapter(AssetAdapter const &) = delete;
     AssetAdapter & operator=(AssetAdapter const &) = delete;
 
+    // What the constructor was given.
     Asset * asset() const noexcept { return m_pAsset; }
     // The root "AssetSettings" of the design segment; null if there is none.
     StrongRef<AssetSettings> assetSettings() const;
@@ -60,6 +64,7 @@ public:
     // Whether the document has changes to save.
     virtual bool isAssetDirty() const;
 
+    // The id of this class, of the object's own class, and the object as a class or interface.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;

@@ -88,6 +88,7 @@ struct Record;
 // The changes of one document.  Invariants and states stand at the top of this file.
 class VN_DATAMODEL_API ChangeHistory {
 public:
+    // For the document that owns it.
     explicit ChangeHistory(Asset & asset);
     ~ChangeHistory();
     ChangeHistory(ChangeHistory const &) = delete;

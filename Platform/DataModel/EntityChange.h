@@ -34,6 +34,7 @@ public:
         if (timing & DataChange::TimingPost) onPostChange(type);
     }
 
+    // The id of this class, of the object's own class, and the object as a class or interface.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;

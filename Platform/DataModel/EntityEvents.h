@@ -19,9 +19,11 @@ class MetaType;
 // An entity has been created, or is about to be deleted.
 class VN_DATAMODEL_API EntityEvent {
 public:
+    // About that entity, and who makes it come or go.
     EntityEvent(StrongRef<Entity> entity, DataChange::ETransact transact) noexcept
         : m_rEntity(std::move(entity)), m_transact(transact) {}
 
+    // What the constructor was given.
     StrongRef<Entity> entity() const noexcept { return m_rEntity; }
     DataChange::ETransact transact() const noexcept { return m_transact; }
 
@@ -34,6 +36,7 @@ private:
 class VN_DATAMODEL_API EntityEventSite {
 public:
     virtual ~EntityEventSite();
+    // An entity is complete, or about to leave its document.  The event lasts for the call.
     virtual void postCreate(EntityEvent * event) = 0;
     virtual void preDelete(EntityEvent * event) = 0;
 };
@@ -45,6 +48,7 @@ public:
     // A filter for `type`; null lets every entity pass.  It belongs to the first StrongRef to it.
     static MetaTypeFilter * make(MetaType * type);
 
+    // What `make` was given, and whether an entity of that type passes.
     MetaType * type() const noexcept { return m_pType; }
     bool matches(EntityMetaType const * type) const;
 

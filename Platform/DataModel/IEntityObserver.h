@@ -22,6 +22,7 @@ public:
     // Before the entity leaves the document.
     virtual void preDeletion(Entity * entity, DataChange::ETransact transact) = 0;
 
+    // The id of this interface, of the object's own class, and the object as a class or interface.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;

@@ -13,8 +13,8 @@ namespace Vn {
 // Pastes objects at a target: each path in turn, by the class that derives from it.
 class VN_DATAMODEL_API IPasteRequest : public Request {
 public:
-    // `paths` lead to what is pasted and `target` to where.  With `insertAfter` it is to stand behind
-    // the target, without it before; with `cut` the objects were cut and not copied.
+    // `paths` lead to what is pasted and `target` to where.  With `insertAfter` it is to stand
+    // behind the target, without it before; with `cut` the objects were cut and not copied.
     IPasteRequest(Asset * asset, std::vector<ObjectPath> const & paths, ObjectPath const & target,
                   bool insertAfter, bool cut);
     ~IPasteRequest() override;
@@ -26,8 +26,8 @@ public:
     bool isCut() const noexcept { return m_bCut; }
 
 protected:
-    // Binds the paths to the objects that they lead to, since each paste may change where the others
-    // lead; then pastes one behind the other.
+    // Binds the paths to the objects that they lead to, since each paste may change where the
+    // others lead; then pastes one behind the other.
     void onExecute(Status & status) override;
 
 private:

@@ -46,6 +46,7 @@ public:
     void * queryInterface(UniqueString const * id) const override;
 
 protected:
+    // Of the object that `path` leads to.
     explicit LogicalSelection(ObjectPath const & path) : m_path(path) {}
 
 private:

@@ -80,6 +80,7 @@ enum class EMemberKind : std::uint8_t {
 // One kind of field.  The kinds are shared objects that live to the end of the process.
 class VN_DATAMODEL_API MemberMetaType : public MetaType {
 public:
+    // How the data model handles it.
     EMemberKind kind() const noexcept { return m_kind; }
 
     // The kind with that name: that of intrinsic types ("bool", "unsigned int", "double",
@@ -91,6 +92,7 @@ public:
     std::string const & kindName() const noexcept { return m_kindName; }
 
 protected:
+    // The kind, the name for `find`, and what MetaType is given.
     MemberMetaType(EMemberKind kind, std::string kindName, std::string id, std::string name,
                    unsigned version, std::string baseIdentifier);
     ~MemberMetaType() override;
@@ -105,6 +107,7 @@ private:
 template <class T>
 class VN_DATAMODEL_API IntrinsicMetaType : public MemberMetaType {
 public:
+    // The one instance.
     static IntrinsicMetaType * get();
 
 private:
@@ -115,6 +118,7 @@ private:
 // The kind of fields StrongRef<T>, where T is a class of entities.
 class VN_DATAMODEL_API StrongRefMetaType : public MemberMetaType {
 public:
+    // The one instance.
     static StrongRefMetaType * get();
 
 private:
@@ -124,6 +128,7 @@ private:
 // The kind of fields PassiveRef<T>, where T is a class of entities.
 class VN_DATAMODEL_API PassiveRefMetaType : public MemberMetaType {
 public:
+    // The one instance.
     static PassiveRefMetaType * get();
 
 private:
@@ -138,6 +143,7 @@ public:
     // The addresses of the elements of a container, in order.
     class instances {
     public:
+        // As of a vector of addresses.
         void push_back(void * element) { m_elements.push_back(element); }
         void clear() noexcept { m_elements.clear(); }
         std::size_t size() const noexcept { return m_elements.size(); }
@@ -171,6 +177,7 @@ public:
     void appendElements(void * container, std::size_t count) const {
         m_appendElements(container, count);
     }
+    // The kind of the elements, and the block for them, which is null.
     MemberMetaType * elementType() const noexcept { return m_pElementType; }
     TemplatizedFunctions * elementFunctions() const noexcept { return nullptr; }
 

@@ -18,6 +18,7 @@
 
 // The mutex under the name by which member sets have always offered it.
 namespace tbb {
+// The present mutex.
 using spin_rw_mutex_v3 = spin_rw_mutex;
 }
 
@@ -35,12 +36,14 @@ public:
         OptionsDefault = OptionUndoable | OptionPersisted
     };
 
+    // `functions` is taken over, and is null for a field that is no container.  The others are told below.
     Member(std::string name, std::ptrdiff_t offset, bool inHelper, std::string typeName,
            MemberMetaType * type, std::unique_ptr<TemplatizedFunctions> functions);
     ~Member();
     Member(Member const &) = delete;
     Member & operator=(Member const &) = delete;
 
+    // The key of the field in documents.
     std::string const & name() const noexcept { return m_name; }
     // The run-time type name of the field, as the class gave it.
     std::string const & typeName() const noexcept { return m_typeName; }

@@ -41,7 +41,13 @@ EntityMetaType::EntityMetaType(std::string addInIdentifier, std::string id, std:
 EntityMetaType::~EntityMetaType() { delete m_pLayout.load(std::memory_order_acquire); }
 
 EntityMetaType const * EntityMetaType::base() const {
-    return baseIdentifier().empty() ? nullptr : MetaTypeMgr::get()->entityMetaType(baseIdentifier());
+    // Looked up once: a base outlives what is derived from it.
+    EntityMetaType const * base = m_pBaseType.load(std::memory_order_acquire);
+    if (!base && !baseIdentifier().empty()) {
+        base = MetaTypeMgr::get()->entityMetaType(baseIdentifier());
+        m_pBaseType.store(base, std::memory_order_release);
+    }
+    return base;
 }
 
 bool EntityMetaType::isA(MetaType const * type) const {

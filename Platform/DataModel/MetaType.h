@@ -95,6 +95,7 @@ private:
     EType const m_type;
     std::atomic<std::uint32_t> m_flags{0};
     std::atomic<DataModel::MemberLayout *> m_pLayout{nullptr};
+    mutable std::atomic<EntityMetaType const *> m_pBaseType{nullptr};
 };
 
 // One class of values that stand inside entities, such as points.  A value has members of its own.
@@ -103,6 +104,8 @@ public:
     // Where a value is being handled; nothing at present.
     class VisitorContext {};
 
+    // The key of the class in documents, the name of the meta type, the version of the members, the name
+    // of the class of the values, and the id of the base, empty if there is none.
     ValueMetaType(std::string id, std::string name, unsigned version, std::string valueTypeName,
                   std::string baseIdentifier);
     ~ValueMetaType() override;
@@ -163,6 +166,7 @@ private:
 // All meta types of the process, by id.
 class VN_DATAMODEL_API MetaTypeMgr {
 public:
+    // The one instance.
     static MetaTypeMgr * get();
 
     // The meta type with that id, compared byte for byte; null if there is none.

@@ -11,6 +11,7 @@ class Segment;
 // Receives, while a document of an older version loads, the members that its class no longer has.
 class VN_DATAMODEL_API MigrationHelper {
 public:
+    // For an entity of that segment.
     explicit MigrationHelper(Segment * segment) noexcept : m_pSegment(segment) {}
     virtual ~MigrationHelper();
     MigrationHelper(MigrationHelper const &) = delete;

@@ -23,8 +23,8 @@ void appendEscaped(std::wstring & text, std::wstring const & part) {
     }
 }
 
-// Reads up to the first mark that belongs to no name, and leaves `text` there.  False if a backslash
-// stands in front of something else than a mark.
+// Reads up to the first mark that belongs to no name, and leaves `text` there.  False if a
+// backslash stands in front of something else than a mark.
 bool readEscaped(std::wstring_view & text, std::wstring & part) {
     std::size_t i = 0;
     for (; i < text.size() && (text[i] == L'\\' || c_marks.find(text[i]) == c_marks.npos); ++i) {

@@ -40,7 +40,8 @@ public:
     std::wstring const & rep() const noexcept { return m_rep; }
     void rep(int number);
     void rep(std::wstring const & text) { m_rep = text; }
-    // The repetition as a number; -1 if there is none, or if it isn't a number from 0 to the largest int.
+    // The repetition as a number; -1 if there is none, or if it isn't a number from 0 to the
+    // largest int.
     int repAsInt() const noexcept;
 
     // "CmnData[3]", or the word alone if there is no repetition.
@@ -56,8 +57,8 @@ private:
     std::wstring m_rep;
 };
 
-// The way to an object of a document.  It keeps neither the object nor the document alive, and isn't
-// a part of the document: a change there may make it lead nowhere, or to another object.
+// The way to an object of a document.  It keeps neither the object nor the document alive, and
+// isn't a part of the document: a change there may make it lead nowhere, or to another object.
 class VN_DATAMODEL_API ObjectPath {
 public:
     // Leads nowhere.
@@ -65,9 +66,9 @@ public:
     // Leads through `onks` from the roots of a segment, which may be null.
     ObjectPath(Segment const * segment, std::vector<Onk> onks);
 
-    // The path of an object: upwards by `parentOf`, which returns null at a root, and by the names that
-    // the objects give themselves.  Empty if the way up doesn't end at a root of the object's segment, or
-    // if an object on it has no name.
+    // The path of an object: upwards by `parentOf`, which returns null at a root, and by the names
+    // that the objects give themselves.  Empty if the way up doesn't end at a root of the object's
+    // segment, or if an object on it has no name.
     static ObjectPath of(Entity const & object,
                          StrongRef<Entity> (*parentOf)(Entity const & object));
 
@@ -77,14 +78,15 @@ public:
 
     // The object at the end; null if the path leads nowhere at present.
     StrongRef<Entity> leaf() const;
-    // Makes `leaf` answer with the object at the end at present for as long as that is alive, also where
-    // the path comes to lead elsewhere.  For whoever changes things that several paths lead through.
+    // Makes `leaf` answer with the object at the end at present for as long as that is alive, also
+    // where the path comes to lead elsewhere.  For whoever changes things that several paths lead
+    // through.
     void bind();
 
     // "NamedViews/CmnData[2]"; empty for an empty path.
     std::wstring toString() const;
-    // Reads what toString writes, from the roots of `segment`.  False if the text is malformed or empty;
-    // `path` is then left as it was.
+    // Reads what toString writes, from the roots of `segment`.  False if the text is malformed or
+    // empty; `path` is then left as it was.
     static bool fromString(std::wstring_view text, Segment const * segment, ObjectPath & path);
 
     // Equal in the segment and in the names.

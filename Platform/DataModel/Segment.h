@@ -31,8 +31,10 @@ public:
         StandaloneSegment = 3, // stands by itself: written, and never migrated
     };
 
+    // By its number and a name for a person.
     SegmentType(EVantorType type, std::string name) : m_type(type), m_name(std::move(name)) {}
 
+    // What the constructor was given.
     EVantorType type() const noexcept { return m_type; }
     std::string const & name() const noexcept { return m_name; }
 
@@ -44,6 +46,7 @@ private:
 // The kinds of segments, shared by all documents.
 class VN_DATAMODEL_API SegmentTypeMgr {
 public:
+    // The one instance.
     static SegmentTypeMgr * get();
     // Null for a number that is none.
     SegmentType * segmentType(unsigned type) const noexcept;
@@ -63,6 +66,7 @@ public:
     Segment(Segment const &) = delete;
     Segment & operator=(Segment const &) = delete;
 
+    // What `create` was given.
     Asset * asset() const noexcept { return m_pAsset; }
     SegmentType * segmentType() const noexcept { return m_pType; }
     // Transient segments aren't saved; these two kinds are never migrated.

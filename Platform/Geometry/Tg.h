@@ -43,6 +43,7 @@ public:
     static TgVector3d const kYAxis;
     static TgVector3d const kZAxis;
 
+    // The length, and the products of two vectors.
     double length() const noexcept;
     double dotProduct(TgVector3d const & other) const noexcept;
     TgVector3d crossProduct(TgVector3d const & other) const noexcept;
@@ -52,6 +53,7 @@ public:
     // Whether the difference is within the tolerance.
     bool isEqualTo(TgVector3d const & other, TgTol const & tolerance = TgContext::gTol) const noexcept;
 
+    // By components.
     TgVector3d operator-() const noexcept { return {-x, -y, -z}; }
     TgVector3d operator+(TgVector3d const & other) const noexcept {
         return {x + other.x, y + other.y, z + other.z};
@@ -78,15 +80,19 @@ public:
     constexpr TgPoint3d() noexcept = default;
     constexpr TgPoint3d(double atX, double atY, double atZ) noexcept : x(atX), y(atY), z(atZ) {}
 
+    // The place (0, 0, 0).
     static TgPoint3d const kOrigin;
 
+    // The length of the way to the other, in cm.
     double distanceTo(TgPoint3d const & other) const noexcept { return (*this - other).length(); }
     // Whether the distance is within the tolerance.
     bool isEqualTo(TgPoint3d const & other, TgTol const & tolerance = TgContext::gTol) const noexcept {
         return distanceTo(other) <= tolerance.equalPoint();
     }
+    // The way from the origin.
     TgVector3d asVector() const noexcept { return {x, y, z}; }
 
+    // The place at the end of a way, and the way between two places.
     TgPoint3d operator+(TgVector3d const & way) const noexcept {
         return {x + way.x, y + way.y, z + way.z};
     }
@@ -111,6 +117,7 @@ public:
     // The map that changes nothing.
     TgMatrix3d() noexcept;
 
+    // The map that changes nothing, and one that shifts.
     static TgMatrix3d const kIdentity;
     static TgMatrix3d translation(TgVector3d const & way) noexcept;
     // About an axis through a point, by an angle in radians, counter-clockwise against the axis.  An axis

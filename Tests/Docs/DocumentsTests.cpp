@@ -152,11 +152,17 @@ TEST_F(DocumentsTests, EverySessionPrintsWhatItShows) {
 
 TEST_F(DocumentsTests, EveryBlockIsOfAKindThatIsTested) {
     constexpr std::array<std::string_view, 4> c_kinds{"console", "cpp", "output", "ebnf"};
+    // Statements and queries with their rows, which the tests of the document file run.
+    constexpr std::array<std::string_view, 2> c_databaseKinds{"sql", "text"};
     std::vector<std::string> programs;
     for (Document const & document : m_documents) {
+        bool const isFormat = document.name == "Docs/document-format.md";
         for (Block const & block : document.blocks) {
-            EXPECT_NE(std::find(c_kinds.begin(), c_kinds.end(), block.language), c_kinds.end())
-                << where(block.place) << ": " << block.language;
+            bool const isKnown = isFormat
+                ? std::find(c_databaseKinds.begin(), c_databaseKinds.end(), block.language)
+                    != c_databaseKinds.end()
+                : std::find(c_kinds.begin(), c_kinds.end(), block.language) != c_kinds.end();
+            EXPECT_TRUE(isKnown) << where(block.place) << ": " << block.language;
             if (block.language == "cpp") programs.push_back(document.name);
         }
     }

@@ -20,8 +20,8 @@ public:
     // Adds further components that are to be told of the same change; `components` has this one.
     virtual void collectComponents(std::vector<IComponent *> & components) = 0;
 
-    // The id of the interface, the same pointer at every call; and this object as the interface with
-    // an id, or null if it doesn't offer it.
+    // The id of the interface, the same pointer at every call; and this object as the interface
+    // with an id, or null if it doesn't offer it.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;

@@ -15,20 +15,20 @@ class IVisibilityToggle;
 // managed tree, or of the common data, unless a class has another.
 class VN_COMMONDATA_API IComponentObject {
 public:
-    // The nearest component above the object, which doesn't count itself.  Null if there is none, or if
-    // the way up meets an ancestor that is neither component nor component object.
+    // The nearest component above the object, which doesn't count itself.  Null if there is none,
+    // or if the way up meets an ancestor that is neither component nor component object.
     virtual IComponent * component() const;
     // The parent as a component object; null if there is none or if it is no such object.
     virtual IComponentObject * componentObjectParent() const;
-    // The number of children, 0 unless the object is a managed group; and each as a component object, null
-    // if it is none.  The index isn't checked.
+    // The number of children, 0 unless the object is a managed group; and each as a component
+    // object, null if it is none.  The index isn't checked.
     virtual unsigned componentObjectChildren() const;
     virtual IComponentObject * componentObjectChild(unsigned index) const;
     // What shows and hides the object; null if nothing does.
     virtual IVisibilityToggle * visibilityToggle() const;
 
-    // The id of the interface, the same pointer at every call; and this object as the interface with
-    // an id, or null if it doesn't offer it.
+    // The id of the interface, the same pointer at every call; and this object as the interface
+    // with an id, or null if it doesn't offer it.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;

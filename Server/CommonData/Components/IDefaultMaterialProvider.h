@@ -8,14 +8,15 @@
 
 namespace Vn::CommonData {
 
-// An entity that knows of which material the things below it are made unless they say so themselves.
+// An entity that knows of which material the things below it are made unless they say so
+// themselves.
 class VN_COMMONDATA_API IDefaultMaterialProvider {
 public:
     // The material; null if there is none.
     virtual StrongRef<Entity> defaultMaterial() const = 0;
 
-    // The id of the interface, the same pointer at every call; and this object as the interface with
-    // an id, or null if it doesn't offer it.
+    // The id of the interface, the same pointer at every call; and this object as the interface
+    // with an id, or null if it doesn't offer it.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;

@@ -14,8 +14,8 @@ public:
     // Shows what is hidden, and hides what is shown.
     virtual void toggleVisibility() = 0;
 
-    // The id of the interface, the same pointer at every call; and this object as the interface with
-    // an id, or null if it doesn't offer it.
+    // The id of the interface, the same pointer at every call; and this object as the interface
+    // with an id, or null if it doesn't offer it.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;

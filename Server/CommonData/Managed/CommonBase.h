@@ -17,20 +17,24 @@ class CommonBase : public Managed::Persisted<X, Base, ICommonDataHelper> {
 protected:
     using Pattern::Pattern;
 
+    // A replay may change the client: the one so far isn't observed any more.
     void onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,
                      DataChange * details) override {
         if (DataChange::test(transact, DataChange::TransactReplay)) this->ignoreClient();
         Base::onPreChange(transact, type, details);
     }
+    // The one that the replay restored is.
     void onPostChange(DataChange::ETransact transact, DataChange::EChangeType type,
                       DataChange * details) override {
         if (DataChange::test(transact, DataChange::TransactReplay)) this->observeClient();
         Base::onPostChange(transact, type, details);
     }
+    // The client outlives the object, and mustn't tell it of anything.
     void onPreDeletion(DataChange::ETransact transact) override {
         Base::onPreDeletion(transact);
         this->ignoreClient();
     }
+    // An object that comes back observes its client again.
     void onPostCreation(DataChange::ETransact transact) override {
         Base::onPostCreation(transact);
         if (DataChange::test(transact, DataChange::TransactReplay)) this->observeClient();

@@ -2,7 +2,8 @@
 
 namespace Vn::CommonData {
 
-CommonBaseGroupEntity::CommonBaseGroupEntity(PassiveRef<Entity> const & parent) : CommonBase(parent) {
+CommonBaseGroupEntity::CommonBaseGroupEntity(PassiveRef<Entity> const & parent)
+    : CommonBase(parent) {
     initializeMemberSetIfNeeded();
 }
 

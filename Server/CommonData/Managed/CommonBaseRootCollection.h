@@ -16,6 +16,7 @@ namespace Vn::CommonData {
 // the values are read only to stay in step, and dropped.
 class VN_COMMONDATA_API CommonBaseRootCollectionMigrationHelper : public MigrationHelper {
 public:
+    // Of an object in `segment`.
     explicit CommonBaseRootCollectionMigrationHelper(Segment * segment);
     ~CommonBaseRootCollectionMigrationHelper() override;
 
@@ -39,8 +40,8 @@ public:
 
     void * queryMTInterface(MetaType const * type) override;
 
-    // The helper while version 0 is being loaded, made if there is none; and its end, false if there
-    // was none.  The object owns its helper.
+    // The helper while version 0 is being loaded, made if there is none; and its end, false if
+    // there was none.  The object owns its helper.
     MigrationHelper * createMigrationHelper();
     bool deleteMigrationHelper();
 

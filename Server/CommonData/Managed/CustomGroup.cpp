@@ -39,8 +39,7 @@ void CustomGroup::onPostCreation(DataChange::ETransact transact) {
     ManagedEntity::onPostCreation(transact);
     if (DataChange::test(transact, DataChange::TransactReplay)) return;
     StrongRef<Entity> const groups = parent();
-    m_creationIndex =
-        static_cast<unsigned>(query<CustomGroups>(groups.get())->getNextID());
+    m_creationIndex = static_cast<unsigned>(query<CustomGroups>(groups.get())->getNextID());
 }
 
 bool CustomGroup::canAddGroupChild(ICustomGroupChild const *) const { return true; }

@@ -21,8 +21,8 @@ public:
                                             "A193F53F-86D7-4F45-A01C-51F5ECEEFC0E", 0};
     static EntityMetaType * s_metaType();
 
-    // A group under `parent`, the document's CustomGroups, with the next number.  `groupParent`, which
-    // mustn't be null, is to list the group and becomes its group parent, but isn't told.
+    // A group under `parent`, the document's CustomGroups, with the next number.  `groupParent` is
+    // to list the group and becomes its group parent, but isn't told; with null it has none.
     static StrongRefCreator<CustomGroup> make(StrongRef<Entity> const & parent,
                                               ICustomGroupParent * groupParent);
     ~CustomGroup() override;
@@ -42,12 +42,12 @@ public:
         return m_groupChildren;
     }
 
-    // As of ICustomGroupChild.  `parent` mustn't be null.
+    // As of ICustomGroupChild.
     void groupParent(ICustomGroupParent * parent) override;
     ICustomGroupParent * groupParent() const override;
 
 protected:
-    // As of ManagedGroupEntity; the first with a group parent, which mustn't be null.
+    // As of ManagedGroupEntity; the first with a group parent as of `make`.
     CustomGroup(PassiveRef<Entity> const & parent, ICustomGroupParent * groupParent);
     explicit CustomGroup(Segment * segment);
     CustomGroup(Segment * segment, unsigned long long id);

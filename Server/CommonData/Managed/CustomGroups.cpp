@@ -9,7 +9,9 @@ CustomGroups::CustomGroups(PassiveRef<Entity> const & parent) : Persisted(parent
     initializeMemberSetIfNeeded();
 }
 
-CustomGroups::CustomGroups(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
+CustomGroups::CustomGroups(Segment * segment) : Persisted(segment) {
+    initializeMemberSetIfNeeded();
+}
 
 CustomGroups::CustomGroups(Segment * segment, unsigned long long id) : Persisted(segment, id) {
     initializeMemberSetIfNeeded();

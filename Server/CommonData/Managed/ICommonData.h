@@ -24,16 +24,16 @@ public:
 
     // The parent in the tree; null if there is none.
     virtual StrongRef<Entity> commonDataParent() = 0;
-    // The topmost ancestor; null if there is no parent.  All ancestors must be common data; one that
-    // isn't ends the way there.
+    // The topmost ancestor; null if there is no parent.  All ancestors must be common data; one
+    // that isn't ends the way there.
     virtual StrongRef<Entity> commonDataAncestor() = 0;
-    // Sets the client, null for none, in a change of its own; and the client, null if there is none or
-    // if it is gone.  An entity that offers IEntityObserver observes its client.
+    // Sets the client, null for none, in a change of its own; and the client, null if there is none
+    // or if it is gone.  An entity that offers IEntityObserver observes its client.
     virtual void commonDataClientObject(ICommonDataClientObject * client) = 0;
     virtual ICommonDataClientObject * commonDataClientObject() const = 0;
 
-    // The id of the interface, the same pointer at every call; and this object as the interface with
-    // an id, or null if it doesn't offer it.
+    // The id of the interface, the same pointer at every call; and this object as the interface
+    // with an id, or null if it doesn't offer it.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;
@@ -58,9 +58,9 @@ public:
     ICommonDataClientObject * commonDataClientObject() const override;
 
 protected:
-    // Attaches and detaches the object's observer, if it offers one, to and from the client, if that is
-    // alive: for classes whose objects come and go by undo and redo, which restore the client as they
-    // restore any member.
+    // Attaches and detaches the object's observer, if it offers one, to and from the client, if
+    // that is alive: for classes whose objects come and go by undo and redo, which restore the
+    // client as they restore any member.
     void observeClient();
     void ignoreClient();
 

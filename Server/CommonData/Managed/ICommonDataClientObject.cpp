@@ -23,8 +23,8 @@ void * ICommonDataClientObject::queryInterface(UniqueString const * id) const {
 ICommonDataClientObjectHelper::ICommonDataClientObjectHelper() = default;
 ICommonDataClientObjectHelper::ICommonDataClientObjectHelper(
     ICommonDataClientObjectHelper const & other) = default;
-ICommonDataClientObjectHelper & ICommonDataClientObjectHelper::operator=(
-    ICommonDataClientObjectHelper const & other) = default;
+ICommonDataClientObjectHelper &
+ICommonDataClientObjectHelper::operator=(ICommonDataClientObjectHelper const & other) = default;
 ICommonDataClientObjectHelper::~ICommonDataClientObjectHelper() = default;
 
 Managed::ManagedEntity * ICommonDataClientObjectHelper::managedEntity() const {

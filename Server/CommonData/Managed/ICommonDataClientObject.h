@@ -22,8 +22,8 @@ class VN_COMMONDATA_API ICommonDataClientObject {
 public:
     virtual ~ICommonDataClientObject();
 
-    // Sets the common data, null for none, in a change of its own; and the common data, null if there
-    // is none or if it is gone.
+    // Sets the common data, null for none, in a change of its own; and the common data, null if
+    // there is none or if it is gone.
     virtual void commonData(ICommonData * data) = 0;
     virtual ICommonData * commonData() const = 0;
 
@@ -35,8 +35,9 @@ public:
 
 // What makes a managed entity a client object: a class derives from its managed base and from this.
 //
-// Common data with a parent belongs to the tree and is held passively.  One without would have nobody,
-// and is kept alive from here; once it has been moved into the tree, commonData is to be set again.
+// Common data with a parent belongs to the tree and is held passively.  One without would have
+// nobody, and is kept alive from here; once it has been moved into the tree, commonData is to be
+// set again.
 class VN_COMMONDATA_API ICommonDataClientObjectHelper : public ICommonDataClientObject {
 public:
     // Without common data; or with the same.

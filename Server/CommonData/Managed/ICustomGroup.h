@@ -13,8 +13,8 @@ class ICustomGroupChild;
 // Something that lists grouped things.
 class VN_COMMONDATA_API ICustomGroupParent {
 public:
-    // Puts a member behind the others, which sets its group parent; takes it out, which doesn't; and
-    // puts it before the one at `index`, which isn't checked.  A null member is ignored.
+    // Puts a member behind the others, which sets its group parent; takes it out, which doesn't;
+    // and puts it before the one at `index`, which isn't checked.  A null member is ignored.
     virtual void addGroupChild(ICustomGroupChild * child) = 0;
     virtual void removeGroupChild(ICustomGroupChild * child) = 0;
     virtual void insertGroupChild(ICustomGroupChild * child, unsigned index) = 0;
@@ -24,8 +24,8 @@ public:
     virtual unsigned groupChildren() const = 0;
     virtual ICustomGroupChild * groupChild(unsigned index) const = 0;
 
-    // The id of the interface, the same pointer at every call; and this object as the interface with
-    // an id, or null if it doesn't offer it.
+    // The id of the interface, the same pointer at every call; and this object as the interface
+    // with an id, or null if it doesn't offer it.
     static UniqueString const * interfaceId();
     virtual UniqueString const * getInterfaceId() const;
     virtual void * queryInterface(UniqueString const * id) const;

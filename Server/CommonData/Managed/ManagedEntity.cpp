@@ -15,8 +15,8 @@ namespace {
 constexpr unsigned c_preChangeMask = 0x3F;
 constexpr unsigned c_postChangeMask = 0x3F;
 
-// A new summarizer in the bracket that is open on `entity`, which takes it over; null if the change isn't
-// to be summarized or if there is one already.
+// A new summarizer in the bracket that is open on `entity`, which takes it over; null if the change
+// isn't to be summarized or if there is one already.
 CommonData::ComponentChangeSummarizer * addSummarizer(Entity & entity,
                                                       DataChange::ETransact transact,
                                                       DataChange::EChangeType type, unsigned mask) {
@@ -25,8 +25,7 @@ CommonData::ComponentChangeSummarizer * addSummarizer(Entity & entity,
     auto * const object = query<CommonData::IComponentObject>(&entity);
     if (!object) return nullptr;
     EntityChange * const bracket = entity.outerChange();
-    if (!bracket ||
-        bracket->findSummarizer(CommonData::ComponentChangeSummarizer::interfaceId()))
+    if (!bracket || bracket->findSummarizer(CommonData::ComponentChangeSummarizer::interfaceId()))
         return nullptr;
     auto * const summarizer = new CommonData::ComponentChangeSummarizer(object);
     bracket->add(summarizer);

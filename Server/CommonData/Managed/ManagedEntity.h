@@ -21,8 +21,7 @@ class ManagedGroupEntity;
 //
 // A parent group owns its children and lists them; a child knows its parent by a passive reference.
 // The parent may be any entity; one that is no group lists nobody.
-class VN_COMMONDATA_API ManagedEntity
-    : public Persisted<ManagedEntity, Entity, IScriptableObject> {
+class VN_COMMONDATA_API ManagedEntity : public Persisted<ManagedEntity, Entity, IScriptableObject> {
 public:
     // Name, meta-type id and version; and the meta type.
     static constexpr PersistedClass c_class{"Vn::Managed::ManagedEntity",
@@ -35,11 +34,12 @@ public:
     StrongRef<Entity> parent() const { return m_rParent.lock(); }
     // The parent if it is a group, else null.
     StrongRef<ManagedGroupEntity> managedParent() const;
-    // Forgets the parent, in a change of its own.  A group that lists the entity isn't told: whoever
-    // calls this sees to that.
+    // Forgets the parent, in a change of its own.  A group that lists the entity isn't told:
+    // whoever calls this sees to that.
     void nullParent();
 
-    // "CmnData" with the place among the siblings; `onk` stays as it came if no group lists the entity.
+    // "CmnData" with the place among the siblings; `onk` stays as it came if no group lists the
+    // entity.
     void getOnk(Onk & onk) const override;
     // An entity without children asks its parent; null if it has none.
     IScriptableObject * getChildObject(Onk const & onk, ObjectPath const & path) const override;
@@ -48,8 +48,8 @@ protected:
     // The answer of insertionIndex for the end of the list.
     static constexpr unsigned c_atEnd = 0xFFFFFFFFU;
 
-    // In the segment of `parent`, which mustn't be null, and whose list isn't touched yet; as a root;
-    // and as one that is being loaded.
+    // In the segment of `parent`, which mustn't be null, and whose list isn't touched yet; as a
+    // root; and as one that is being loaded.
     explicit ManagedEntity(PassiveRef<Entity> const & parent);
     explicit ManagedEntity(Segment * segment);
     ManagedEntity(Segment * segment, unsigned long long id);
@@ -60,8 +60,8 @@ protected:
     void addToParent();
     // The place in the parent's list for which the entity is made.
     virtual unsigned insertionIndex() const;
-    // The group node of the nearest ancestor that shows itself in the render graph, which may have none;
-    // null if no ancestor does.
+    // The group node of the nearest ancestor that shows itself in the render graph, which may have
+    // none; null if no ancestor does.
     Vrx::Graphics::GroupNode * _parentGroupNode() const;
 
     void onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,

@@ -14,7 +14,8 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-std::optional<Index> place(ManagedGroupEntity const & group, StrongRef<ManagedEntity> const & child) {
+std::optional<Index> place(ManagedGroupEntity const & group,
+                           StrongRef<ManagedEntity> const & child) {
     auto const & children = group.childrenVector();
     auto const found = std::find(children.begin(), children.end(), child);
     if (found == children.end()) return std::nullopt;
@@ -28,8 +29,8 @@ std::optional<Index> place(ICustomGroupParent const & group, ICustomGroupChild c
     return std::nullopt;
 }
 
-// The place for a child that leaves the place `moved` and goes before or behind the one at `target`; none
-// if it is there already.  Taking it out shifts whatever stands behind it.
+// The place for a child that leaves the place `moved` and goes before or behind the one at
+// `target`; none if it is there already.  Taking it out shifts whatever stands behind it.
 std::optional<Index> newPlace(Index moved, Index target, bool insertAfter) {
     Index place = target;
     if (insertAfter) {

@@ -14,10 +14,10 @@ class ManagedEntity;
 namespace ManagedEntityUtils {
 
 // Moves a child before or, with `insertAfter`, behind another.  If the other has another parent,
-// the child moves across and keeps its own as its parent.  Nothing happens if one of the two is null
-// or isn't listed by its parent, or if the child is there already.
-VN_COMMONDATA_API void reorderEntity(StrongRef<ManagedEntity> moved, StrongRef<ManagedEntity> target,
-                                     bool insertAfter);
+// the child moves across and keeps its own as its parent.  Nothing happens if one of the two is
+// null or isn't listed by its parent, or if the child is there already.
+VN_COMMONDATA_API void reorderEntity(StrongRef<ManagedEntity> moved,
+                                     StrongRef<ManagedEntity> target, bool insertAfter);
 
 // The same for members of custom groups, by the lists of their group parents.
 VN_COMMONDATA_API void reorderGroupedEntity(ICustomGroupChild * moved, ICustomGroupChild * target,

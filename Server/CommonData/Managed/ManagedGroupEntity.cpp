@@ -92,11 +92,12 @@ void ManagedGroupEntity::onPostChange(DataChange::ETransact transact, DataChange
     ManagedEntity::onPostChange(transact, type, details);
 }
 
-// The list is given up as a whole first, so that whoever is told of the end of a child meets a group
-// without children, and each is let go at the same cost.
+// The list is given up as a whole first, so that whoever is told of the end of a child meets a
+// group without children, and each is let go at the same cost.
 void ManagedGroupEntity::onPreDeletion(DataChange::ETransact transact) {
     while (!m_children.empty())
-        for (StrongRef<ManagedEntity> & child : std::exchange(m_children, {})) child.reset();
+        for (StrongRef<ManagedEntity> & child : std::exchange(m_children, {}))
+            child.reset();
     Entity::onPreDeletion(transact);
 }
 

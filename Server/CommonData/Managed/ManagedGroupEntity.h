@@ -39,7 +39,8 @@ public:
     void addChild(StrongRef<ManagedEntity> const & child);
     // Puts a child before the one at `index`, which isn't checked.  Its parent stays as it is.
     void insertChild(StrongRef<ManagedEntity> const & child, unsigned index);
-    // Takes the first place of a child out of the list, if there is one.  Its parent stays as it is.
+    // Takes the first place of a child out of the list, if there is one.  Its parent stays as it
+    // is.
     void removeChild(StrongRef<ManagedEntity> const & child);
 
     // The child at the place that `onk` tells by its repetition; null if there is none.

@@ -20,19 +20,19 @@ using Stretch = std::span<ManagedEntity * const>;
 Children targets(std::vector<StrongRef<ManagedEntity>> const & children) {
     Children raw;
     raw.reserve(children.size());
-    for (StrongRef<ManagedEntity> const & child : children) raw.push_back(child.get());
+    for (StrongRef<ManagedEntity> const & child : children)
+        raw.push_back(child.get());
     return raw;
 }
 
-// Two lists, taken apart into what they have in common at both ends and what lies between, since most
-// changes concern a few neighbours in a list that may be long.
+// Two lists, taken apart into what they have in common at both ends and what lies between, since
+// most changes concern a few neighbours in a list that may be long.
 struct Comparison {
     Comparison(Children const & before, Children const & after) {
         auto const ends = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
         m_head = Stretch(before.begin(), ends.first);
-        auto const tails =
-            std::mismatch(before.rbegin(), std::make_reverse_iterator(ends.first), after.rbegin(),
-                          std::make_reverse_iterator(ends.second));
+        auto const tails = std::mismatch(before.rbegin(), std::make_reverse_iterator(ends.first),
+                                         after.rbegin(), std::make_reverse_iterator(ends.second));
         m_tail = Stretch(tails.first.base(), before.end());
         m_before = Stretch(ends.first, tails.first.base());
         m_after = Stretch(ends.second, tails.second.base());
@@ -176,11 +176,13 @@ void ManagedGroupEntityTransactChangeDetails::calculateChildrenDiff(
         return;
     }
 
-    // Of a child that is listed less often than before, the later places count as those that are gone.
+    // Of a child that is listed less often than before, the later places count as those that are
+    // gone.
     Children removed;
     std::vector<Tally> gone = difference(before, after);
     std::size_t left = 0;
-    for (Tally const & tally : gone) left += tally.m_count;
+    for (Tally const & tally : gone)
+        left += tally.m_count;
     removed.reserve(left);
     for (auto i = m_snapshot.rbegin(); removed.size() < left; ++i) {
         Tally * const found = tallyOf(gone, *i);

@@ -23,8 +23,8 @@ public:
     static constexpr unsigned c_noIndex = 0xFFFFFFFFU;
 
     // Keeps `managedEntity` for as long as the details last.
-    ManagedGroupEntityChangeDetails(StrongRef<ManagedEntity> const & managedEntity, EType changeType,
-                                    unsigned insertionIndex);
+    ManagedGroupEntityChangeDetails(StrongRef<ManagedEntity> const & managedEntity,
+                                    EType changeType, unsigned insertionIndex);
     ManagedGroupEntityChangeDetails(ManagedGroupEntityChangeDetails const & other);
     ManagedGroupEntityChangeDetails & operator=(ManagedGroupEntityChangeDetails const & other);
     ~ManagedGroupEntityChangeDetails() override;
@@ -55,8 +55,7 @@ public:
     // Remembers the list before; there is no difference yet.
     explicit ManagedGroupEntityTransactChangeDetails(
         std::vector<StrongRef<ManagedEntity>> const & children);
-    ManagedGroupEntityTransactChangeDetails(
-        ManagedGroupEntityTransactChangeDetails const & other);
+    ManagedGroupEntityTransactChangeDetails(ManagedGroupEntityTransactChangeDetails const & other);
     ManagedGroupEntityTransactChangeDetails &
     operator=(ManagedGroupEntityTransactChangeDetails const & other);
     ~ManagedGroupEntityTransactChangeDetails() override;

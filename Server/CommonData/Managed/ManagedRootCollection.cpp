@@ -22,8 +22,7 @@ ManagedRootCollection::ManagedRootCollection(Segment * segment, unsigned long lo
 
 ManagedRootCollection::~ManagedRootCollection() {
     if (segment())
-        segment()->entityEventSource()->unsubscribe(this,
-                                                    MetaTypeFilter::make(m_pElementMetaType));
+        segment()->entityEventSource()->unsubscribe(this, MetaTypeFilter::make(m_pElementMetaType));
 }
 
 void ManagedRootCollection::initializeMemberSet(unsigned, MemberSet * set) {
@@ -47,8 +46,8 @@ void ManagedRootCollection::onPostCreation(DataChange::ETransact transact) {
     follow();
 }
 
-// A collection that an undo has taken out of the document stays subscribed, since a redo may bring it
-// back; its list is then to be as it was.
+// A collection that an undo has taken out of the document stays subscribed, since a redo may bring
+// it back; its list is then to be as it was.
 void ManagedRootCollection::postCreate(EntityEvent * event) {
     if (isAlive() && !DataChange::test(event->transact(), DataChange::TransactReplay))
         addRootElement(event->entity());
@@ -78,8 +77,7 @@ void ManagedRootCollection::removeRootElement(StrongRef<Entity> const & element)
 }
 
 std::wstring ManagedRootCollection::onToString() const {
-    return (debugFormat(
-                L"ManagedRootCollection (base %1%) root id %2% : rooted objects: %3% ") %
+    return (debugFormat(L"ManagedRootCollection (base %1%) root id %2% : rooted objects: %3% ") %
             ManagedEntity::onToString() % Text::fromUtf8(m_rootId) % rootElements())
         .str();
 }

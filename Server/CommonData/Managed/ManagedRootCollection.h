@@ -25,7 +25,8 @@ public:
 
     // The key for which the collection was made.  If another had it first, that one is the root.
     std::string const & rootId() const noexcept { return m_rootId; }
-    // The number of elements, and each of them: null for one that is gone.  The index isn't checked.
+    // The number of elements, and each of them: null for one that is gone.  The index isn't
+    // checked.
     unsigned rootElements() const noexcept { return static_cast<unsigned>(m_rooted.size()); }
     StrongRef<Entity> rootElement(unsigned index) { return m_rooted[index].lock(); }
 
@@ -34,8 +35,8 @@ public:
     void preDelete(EntityEvent * event) override;
 
 protected:
-    // A new collection, which follows the entities of a type from its onPostCreation on; and one that
-    // is being loaded, which follows none before installMetaType.
+    // A new collection, which follows the entities of a type from its onPostCreation on; and one
+    // that is being loaded, which follows none before installMetaType.
     ManagedRootCollection(Segment * segment, std::string const & rootId,
                           EntityMetaType * elementType);
     ManagedRootCollection(Segment * segment, unsigned long long id);

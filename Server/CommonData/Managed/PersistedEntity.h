@@ -16,7 +16,7 @@
 //         Shelf(Segment * segment, unsigned long long id);
 //
 //     private:
-//         friend class PersistedAccess;
+//         friend class Vn::Managed::PersistedAccess;
 //         void initializeMemberSet(unsigned version, MemberSet * set);
 //
 //         unsigned m_boards = 0;
@@ -136,6 +136,7 @@ public:
 
     // The version of X that the object is being migrated from; the latest if it isn't.
     unsigned version() const override { return this->migratingVersion(X::s_metaType()); }
+    // Records that version.
     void version(unsigned version) { this->migratingVersion(X::s_metaType(), version); }
 
     // The id of X, the same pointer at every call.
@@ -143,6 +144,7 @@ public:
         static constinit InterfaceId s_id(X::c_class.m_fullName);
         return s_id.get();
     }
+    // The id of the object's own class.
     UniqueString const * getInterfaceId() const override { return interfaceId(); }
     // The object as the class or interface with an id: itself, its base, its interfaces, in this
     // order.  Null if none of them is meant.
@@ -160,10 +162,12 @@ public:
     using Base::postMigrate;
     // What a step of X's own leaves behind; classes without one are done.
     EMigrationStatus postMigrate(unsigned) { return MigrationDone; }
-    // What reads members that X no longer has.  A class that needs it has these of its own: the helper,
-    // null if there is none; making it; and ending it, false if there was none.
+    // What reads members that X no longer has; null if there is none.  A class that needs it has this
+    // and the next two of its own.
     MigrationHelper *& migrationHelper() noexcept { return m_pMigrationHelper; }
+    // Makes the helper; null for a class that needs none.
     MigrationHelper * createMigrationHelper() { return nullptr; }
+    // Ends the helper; false if there was none.
     bool deleteMigrationHelper() { return false; }
 
 protected:
@@ -203,7 +207,9 @@ protected:
         if (this->migratingVersion(type) < type->version())
             this->migratingVersion(type, type->version());
     }
+    // The base's helpers, since X has none unless it says so.
     void doInitializeMigrationHelpers() override { Base::doInitializeMigrationHelpers(); }
+    // The same for their end.
     void doUninitializeMigrationHelpers() override { Base::doUninitializeMigrationHelpers(); }
 
 private:

@@ -37,7 +37,7 @@ public:
     }
 
 private:
-    friend class PersistedAccess;
+    friend PersistedAccess;
     explicit Grouped(PassiveRef<Entity> const & parent) : Persisted(parent) {
         initializeMemberSetIfNeeded();
     }
@@ -60,30 +60,27 @@ class CustomGroupTests : public testing::Test {
 protected:
     CustomGroupTests()
         : m_rTree(Group::make(m_document.segment())),
-          m_rGroups(CustomGroups::make(PassiveRef<Entity>(m_rTree))), m_rTop(group(nullptr)) {
+          m_rGroups(CustomGroups::make(PassiveRef<Entity>(m_rTree))),
+          m_rTop(CustomGroup::make(m_rGroups, &m_nobody)) {
         for (int i = 0; i < 3; ++i)
             m_things.push_back(Grouped::make(PassiveRef<Entity>(m_rTree)));
     }
 
-    // A group that another is to list; without one it is its own group parent.
-    StrongRef<CustomGroup> group(ICustomGroupParent * parent) const {
-        if (parent) return CustomGroup::make(m_rGroups, parent);
-        StrongRef<CustomGroup> const made =
-            CustomGroup::make(m_rGroups, m_rTop ? m_rTop.get() : &m_nobody);
-        return made;
-    }
     std::vector<ICustomGroupChild *> members(CustomGroup const & group) const {
         std::vector<ICustomGroupChild *> all;
-        for (unsigned i = 0; i < group.groupChildren(); ++i) all.push_back(group.groupChild(i));
+        for (unsigned i = 0; i < group.groupChildren(); ++i)
+            all.push_back(group.groupChild(i));
         return all;
     }
     std::vector<ICustomGroupChild *> things(std::initializer_list<std::size_t> places) const {
         std::vector<ICustomGroupChild *> all;
-        for (std::size_t const place : places) all.push_back(m_things[place].get());
+        for (std::size_t const place : places)
+            all.push_back(m_things[place].get());
         return all;
     }
     void addAll() const {
-        for (auto const & thing : m_things) m_rTop->addGroupChild(thing.get());
+        for (auto const & thing : m_things)
+            m_rTop->addGroupChild(thing.get());
     }
 
     // A holder that is no managed entity.
@@ -96,7 +93,7 @@ protected:
         ICustomGroupChild * groupChild(unsigned) const override { return nullptr; }
     };
 
-    mutable Nobody m_nobody;
+    Nobody m_nobody;
     Document const m_document;
     StrongRef<Group> const m_rTree;
     StrongRef<CustomGroups> const m_rGroups;
@@ -140,7 +137,7 @@ TEST_F(CustomGroupTests, GetNextIdIsAStructuralChangeThatCanBeUndone) {
 
 TEST_F(CustomGroupTests, AReplayRestoresNumbersWithoutTheCounter) {
     PassiveRef<Entity> made;
-    m_document.step([&] { made = CustomGroup::make(m_rGroups, m_rTop.get()).get(); });
+    m_document.step([&] { made = StrongRef<Entity>(CustomGroup::make(m_rGroups, m_rTop.get())); });
     m_document.undo();
     EXPECT_FALSE(made);
     m_document.redo();
@@ -264,7 +261,8 @@ TEST_F(CustomGroupTests, AMemberThatHasDiedLeavesASlotWhichReplaysSkip) {
         ASSERT_NE(found, nullptr);
         EXPECT_EQ(found->addedChildren(),
                   (std::vector<ManagedEntity *>{nullptr, m_things[2].get()}));
-        for (ManagedEntity * const added : found->addedChildren()) EXPECT_NE(added, second);
+        for (ManagedEntity * const added : found->addedChildren())
+            EXPECT_NE(added, second);
         EXPECT_TRUE(found->removedChildren().empty());
         ++compared;
     };
@@ -334,7 +332,8 @@ TEST_F(CustomGroupTests, GroupParentIsSetInAStructuralChange) {
 TEST_F(CustomGroupTests, ADeletedGroupLeavesItsMembersInTheTreeWithoutAGroup) {
     StrongRef<CustomGroup> inner = CustomGroup::make(m_rGroups, m_rTop.get());
     m_rTop->addGroupChild(inner.get());
-    for (auto const & thing : m_things) inner->addGroupChild(thing.get());
+    for (auto const & thing : m_things)
+        inner->addGroupChild(thing.get());
     auto request = CustomGroupDeleteRequest::make(&m_document.asset(), inner);
     EXPECT_EQ(request->asset(0), &m_document.asset());
     auto const index = inner->creationIndex();
@@ -359,9 +358,8 @@ TEST_F(CustomGroupTests, ADeletedGroupLeavesItsMembersInTheTreeWithoutAGroup) {
 TEST_F(CustomGroupTests, ADeleteRequestForAGroupWithoutAGroupParentChangesNothing) {
     ASSERT_EQ(m_rTop->groupParent(), nullptr);
     m_document.asset().history().clear();
-    ASSERT_TRUE(m_document.asset()
-                    .run(CustomGroupDeleteRequest::make(&m_document.asset(), m_rTop))
-                    .ok());
+    ASSERT_TRUE(
+        m_document.asset().run(CustomGroupDeleteRequest::make(&m_document.asset(), m_rTop)).ok());
     EXPECT_EQ(m_rGroups->groups(), 1U);
     EXPECT_FALSE(m_document.asset().history().canUndo());
 }
@@ -420,9 +418,9 @@ TEST_F(CustomGroupTests, QueryInterfaceGoesFromTheGroupToTheTwoInterfaces) {
               static_cast<ICustomGroupParent *>(m_rTop.get()));
     EXPECT_EQ(m_rTop->queryInterface(ICustomGroupChild::interfaceId()),
               static_cast<ICustomGroupChild *>(m_rTop.get()));
-    EXPECT_EQ(static_cast<ICustomGroupChild *>(m_rTop.get())
-                  ->queryInterface(CustomGroups::interfaceId()),
-              nullptr);
+    EXPECT_EQ(
+        static_cast<ICustomGroupChild *>(m_rTop.get())->queryInterface(CustomGroups::interfaceId()),
+        nullptr);
 }
 
 TEST_F(CustomGroupTests, TheDebugLines) {

@@ -26,7 +26,7 @@ public:
     void node(StrongRef<Vrx::Graphics::GroupNode> const & node) { m_rNode = node; }
 
 private:
-    friend class PersistedAccess;
+    friend PersistedAccess;
     explicit SourceGroup(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
     SourceGroup(Segment * segment, unsigned long long id) : Persisted(segment, id) {
         initializeMemberSetIfNeeded();
@@ -172,9 +172,7 @@ TEST(ManagedEntityTests, AReplayedCreationDoesNotAddToTheParentAndGetOnkFindsThe
     StrongRef<Group> const group = Group::make(document.segment());
     document.step([&] { makeLeaves(group, 1); });
     PassiveRef<Entity> made;
-    document.step([&] {
-        made = Leaf::make(PassiveRef<Entity>(group), 0).get();
-    });
+    document.step([&] { made = StrongRef<Entity>(Leaf::make(PassiveRef<Entity>(group), 0)); });
     ASSERT_EQ(group->children(), 2U);
     document.undo();
     EXPECT_EQ(group->children(), 1U);
@@ -212,11 +210,9 @@ TEST(ManagedEntityTests, TheDebugLineTellsOfTheParent) {
     Document const document;
     StrongRef<Plain> plain = Plain::make(document.segment());
     StrongRef<Leaf> const leaf = Leaf::make(PassiveRef<Entity>(plain));
-    EXPECT_EQ(leaf->toString(),
-              L"ManagedEntity (base " + leaf->entityText() + L") : HasParent: 1");
+    EXPECT_EQ(leaf->toString(), L"ManagedEntity (base " + leaf->entityText() + L") : HasParent: 1");
     plain.reset();
-    EXPECT_EQ(leaf->toString(),
-              L"ManagedEntity (base " + leaf->entityText() + L") : HasParent: 0");
+    EXPECT_EQ(leaf->toString(), L"ManagedEntity (base " + leaf->entityText() + L") : HasParent: 0");
 }
 
 TEST(ManagedEntityTests, TheParentGroupNodeIsThatOfTheNearestNodeSource) {

@@ -36,7 +36,8 @@ struct Catcher : Recorder {
     explicit Catcher(Entity & entity) : Recorder(entity), m_entity(entity) {
         m_onPost = [this](DataChange * details) {
             DataChange * const found = details ? details->find(T::interfaceId()) : nullptr;
-            if (found) m_caught.emplace_back(*static_cast<T *>(found->queryInterface(T::interfaceId())));
+            if (found)
+                m_caught.emplace_back(*static_cast<T *>(found->queryInterface(T::interfaceId())));
         };
     }
     ~Catcher() override { m_entity.unsubscribe(this); }
@@ -98,7 +99,8 @@ TEST_F(ManagedGroupEntityTests, AddChildTwiceListsTheChildTwice) {
 
 TEST_F(ManagedGroupEntityTests, AddChildTakesAnElementOfItsOwnList) {
     auto const leaves = makeLeaves(m_rGroup, 1);
-    for (int i = 0; i < 100; ++i) m_rGroup->addChild(m_rGroup->child(0));
+    for (int i = 0; i < 100; ++i)
+        m_rGroup->addChild(m_rGroup->child(0));
     ASSERT_EQ(m_rGroup->children(), 101U);
     EXPECT_EQ(m_rGroup->child(100), leaves[0]);
 }
@@ -181,8 +183,7 @@ TEST_F(ManagedGroupEntityTests, GetChildObjectLooksAtTheRepetitionAndNotAtTheWor
 TEST_F(ManagedGroupEntityTests, TheDebugLineNestsTheBaseAndCountsTheChildren) {
     makeLeaves(m_rGroup, 2);
     EXPECT_EQ(m_rGroup->toString(), L"ManagedGroupEntity (base ManagedEntity (base " +
-                                        m_rGroup->entityText() +
-                                        L") : HasParent: 0) children : 2");
+                                        m_rGroup->entityText() + L") : HasParent: 0) children : 2");
 }
 
 TEST_F(ManagedGroupEntityTests, EveryChangeOfTheListIsUndoneAndRedone) {
@@ -213,7 +214,9 @@ TEST_F(ManagedGroupEntityTests, EveryChangeOfTheListIsUndoneAndRedone) {
 
 TEST_F(ManagedGroupEntityTests, AGroupThatGoesGivesUpItsChildrenInListOrder) {
     struct Order : Recorder {
-        void preDeletion(Entity * entity, DataChange::ETransact) override { m_gone.push_back(entity->id()); }
+        void preDeletion(Entity * entity, DataChange::ETransact) override {
+            m_gone.push_back(entity->id());
+        }
         std::vector<unsigned long long> m_gone;
     } order;
     std::vector<unsigned long long> expected;
@@ -233,7 +236,9 @@ TEST_F(ManagedGroupEntityTests, AGroupThatGoesIsToldOfItBehindItsChildrenAndThem
     auto const leaves = makeLeaves(group, 2);
     struct Watcher : Recorder {
         explicit Watcher(Group & watched) : Recorder(watched), m_watched(watched) {}
-        void preDeletion(Entity *, DataChange::ETransact) override { m_children = m_watched.children(); }
+        void preDeletion(Entity *, DataChange::ETransact) override {
+            m_children = m_watched.children();
+        }
         Group & m_watched;
         unsigned m_children = 99;
     } watcher(*group);
@@ -267,7 +272,8 @@ TEST_F(ManagedGroupEntityTests, AGroupThatWentComesBackWithItsChildrenInOrder) {
 
 Raw raw(Children const & children) {
     Raw all;
-    for (auto const & child : children) all.push_back(child.get());
+    for (auto const & child : children)
+        all.push_back(child.get());
     return all;
 }
 
@@ -349,9 +355,9 @@ void referenceDifference(Raw const & snapshot, Raw const & current, Raw & added,
     if (current == snapshot) return;
     added = current;
     removed = snapshot;
-    if (current.size() == snapshot.size()
-        && std::set<ManagedEntity *>(current.begin(), current.end())
-            == std::set<ManagedEntity *>(snapshot.begin(), snapshot.end()))
+    if (current.size() == snapshot.size() &&
+        std::set<ManagedEntity *>(current.begin(), current.end()) ==
+            std::set<ManagedEntity *>(snapshot.begin(), snapshot.end()))
         return;
     for (ManagedEntity * const e : current) {
         if (std::find(snapshot.begin(), snapshot.end(), e) == snapshot.end()) continue;
@@ -541,8 +547,7 @@ TEST_F(ReorderTests, AcrossParentsTheSameArithmeticMovesTheChildWhichKeepsItsPar
     EXPECT_EQ(m_leaves[2]->parent(), m_rGroup);
     // The other stands at 2 there, which isn't below 0 here: the place is 2, before the other.
     reorderEntity(m_leaves[0], others[1], true);
-    EXPECT_EQ(other->childrenVector(),
-              (Children{others[0], m_leaves[2], m_leaves[0], others[1]}));
+    EXPECT_EQ(other->childrenVector(), (Children{others[0], m_leaves[2], m_leaves[0], others[1]}));
 }
 
 TEST_F(ReorderTests, NullsAndChildrenWithoutParentOrPlaceChangeNothing) {

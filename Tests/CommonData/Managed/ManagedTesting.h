@@ -55,7 +55,7 @@ public:
     static StrongRefCreator<Plain> make(Segment * segment) { return create(segment); }
 
 private:
-    friend class PersistedAccess;
+    friend PersistedAccess;
     explicit Plain(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
     Plain(Segment * segment, unsigned long long id) : Persisted(segment, id) {
         initializeMemberSetIfNeeded();
@@ -84,7 +84,7 @@ public:
     using ManagedEntity::_parentGroupNode;
 
 private:
-    friend class PersistedAccess;
+    friend PersistedAccess;
     Leaf(PassiveRef<Entity> const & parent, unsigned place) : Persisted(parent), m_place(place) {
         initializeMemberSetIfNeeded();
     }
@@ -115,7 +115,7 @@ public:
     std::wstring entityText() const { return Entity::onToString(); }
 
 private:
-    friend class PersistedAccess;
+    friend PersistedAccess;
     explicit Group(PassiveRef<Entity> const & parent) : Persisted(parent) {
         initializeMemberSetIfNeeded();
     }
@@ -154,8 +154,7 @@ public:
         if (m_onPost) m_onPost(details);
     }
     void preDeletion(Entity * entity, DataChange::ETransact transact) override {
-        m_told.push_back(
-            {Told::Deletion, entity, transact, DataChange::ChangeStructural, false});
+        m_told.push_back({Told::Deletion, entity, transact, DataChange::ChangeStructural, false});
     }
 
     std::vector<Told> m_told;
@@ -169,7 +168,8 @@ using Children = std::vector<StrongRef<ManagedEntity>>;
 inline std::vector<StrongRef<Leaf>> makeLeaves(StrongRef<ManagedGroupEntity> const & group,
                                                int count) {
     std::vector<StrongRef<Leaf>> leaves;
-    for (int i = 0; i < count; ++i) leaves.push_back(Leaf::make(PassiveRef<Entity>(group)));
+    for (int i = 0; i < count; ++i)
+        leaves.push_back(Leaf::make(PassiveRef<Entity>(group)));
     return leaves;
 }
 
@@ -177,7 +177,8 @@ inline std::vector<StrongRef<Leaf>> makeLeaves(StrongRef<ManagedGroupEntity> con
 inline Children pick(std::vector<StrongRef<Leaf>> const & leaves,
                      std::initializer_list<std::size_t> places) {
     Children children;
-    for (std::size_t const place : places) children.push_back(leaves[place]);
+    for (std::size_t const place : places)
+        children.push_back(leaves[place]);
     return children;
 }
 

@@ -8,6 +8,7 @@
 
 #include "Platform/Base/TextCommandService.h"
 #include "Platform/Base/UnitTest.h"
+#include "Platform/DataModel/MetaType.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
 #include "Server/CommonData/Units/SimpleUnitRegistry.h"
@@ -38,6 +39,16 @@ Pending const & pendingUnits() {
     return SimpleUnitRegistry::get().*pendingMember();
 }
 
+std::size_t metaTypes() {
+    MetaTypeMgr const & manager = *MetaTypeMgr::get();
+    std::size_t count = 0;
+    for (std::string const & id : manager.ids()) {
+        EntityMetaType const * const type = manager.entityMetaType(id);
+        if (type && type->addInIdentifier() == "CommonData") ++count;
+    }
+    return count;
+}
+
 // Filled while the module loads, so it must be there before any constructor runs.
 constinit LoadSnapshot s_snapshots[c_loadPauses] = {};
 
@@ -48,7 +59,7 @@ struct Pause {
         s_snapshots[Number] = {service.subjectAreas().size(),
                                service.commands(L"Expressions").size() +
                                    service.commands(L"Units").size(),
-                               UnitTest::all().size(), pendingUnits().size()};
+                               UnitTest::all().size(), pendingUnits().size(), metaTypes()};
     }
 };
 

@@ -105,7 +105,8 @@ TEST(LoadOrderTests, LoadedModuleWorksOnceItsInitialisersHaveRun) {
     });
 }
 
-// Between the steps: the expressions' commands, their self-checks, the units, the units' commands.
+// Between the steps: the meta types, the expressions' commands, their self-checks, the units, the
+// units' commands.
 TEST(LoadOrderTests, StepsFollowEachOther) {
     expectInFreshProcess([] {
         OS::Module module;
@@ -119,21 +120,21 @@ TEST(LoadOrderTests, StepsFollowEachOther) {
             LoadSnapshot at;
         };
         Row const rows[c_loadPauses] = {
-            {"nothing", {0, 0, 0, 0}},
-            {"meta types of the asset", {0, 0, 0, 0}},
-            {"the add-in", {0, 0, 0, 0}},
-            {"its self-check", {0, 0, 0, 0}},
-            {"tables of the expressions", {0, 0, 0, 0}},
-            {"commands of the expressions", {1, 2, 0, 0}},
-            {"initialiser of the constants", {1, 2, 0, 0}},
-            {"self-checks of the expressions", {1, 2, 2, 0}},
-            {"meta types of the managed tree", {1, 2, 2, 0}},
-            {"mass properties", {1, 2, 2, 0}},
-            {"named views", {1, 2, 2, 0}},
-            {"units", {1, 2, 2, 71}},
-            {"commands of the units", {2, 6, 2, 71}},
-            {"options of the units", {2, 6, 2, 71}},
-            {"meta types of the unit systems", {2, 6, 2, 71}},
+            {"nothing", {0, 0, 0, 0, 0}},
+            {"meta types of the asset", {0, 0, 0, 0, 3}},
+            {"the add-in", {0, 0, 0, 0, 3}},
+            {"its self-check", {0, 0, 0, 0, 3}},
+            {"tables of the expressions", {0, 0, 0, 0, 3}},
+            {"commands of the expressions", {1, 2, 0, 0, 3}},
+            {"initialiser of the constants", {1, 2, 0, 0, 3}},
+            {"self-checks of the expressions", {1, 2, 2, 0, 3}},
+            {"meta types of the managed tree", {1, 2, 2, 0, 8}},
+            {"mass properties", {1, 2, 2, 0, 8}},
+            {"named views", {1, 2, 2, 0, 8}},
+            {"units", {1, 2, 2, 71, 8}},
+            {"commands of the units", {2, 6, 2, 71, 8}},
+            {"options of the units", {2, 6, 2, 71, 8}},
+            {"meta types of the unit systems", {2, 6, 2, 71, 8}},
         };
         for (std::size_t i = 0; i < c_loadPauses; ++i) {
             LoadSnapshot const & got = snapshots()[i];
@@ -141,6 +142,7 @@ TEST(LoadOrderTests, StepsFollowEachOther) {
             EXPECT_EQ(got.commands, rows[i].at.commands) << rows[i].behind;
             EXPECT_EQ(got.checks, rows[i].at.checks) << rows[i].behind;
             EXPECT_EQ(got.units, rows[i].at.units) << rows[i].behind;
+            EXPECT_EQ(got.metaTypes, rows[i].at.metaTypes) << rows[i].behind;
         }
     });
 }
