@@ -24,6 +24,7 @@ for library in VnCommonData10.so libVnAddInMgr10.so libVnScene10.so libVrx.so li
       name = $0
       sub(/^(vtable for|typeinfo for|typeinfo name for|non-virtual thunk to) /, "", name)
       gsub(/\[abi:[a-z0-9]+\]/, "", name)
+      while (gsub(/<[^<>]*>/, "", name)) {}
       sub(/\(.*/, "", name)
       if (name in functions) next
       for (scope = name; scope != ""; ) {
