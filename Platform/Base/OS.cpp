@@ -285,6 +285,21 @@ Status Module::load(std::filesystem::path const & file) {
     return Status::success();
 }
 
+Status Module::loadFromSystem(std::filesystem::path const & name) {
+    constexpr char c_operation[] = "load the library of the system";
+    unload();
+    if (name.empty() || name != name.filename())
+        return Status::invalidArgument(c_operation, pathText(name), "it isn't a bare name");
+#ifdef _WIN32
+    m_pHandle = reinterpret_cast<void *>(
+        LoadLibraryExW(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+#else
+    m_pHandle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+#endif
+    if (!m_pHandle) return Status::failed(c_operation, pathText(name), loaderError());
+    return Status::success();
+}
+
 void * Module::symbol(char const * name) const noexcept {
     if (!m_pHandle) return nullptr;
 #ifdef _WIN32

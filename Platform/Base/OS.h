@@ -100,6 +100,10 @@ public:
     // reason, and the object holds none.
     [[nodiscard]] Status load(std::filesystem::path const & file);
 
+    // Loads a library that the system looks for itself, by its bare name; on Windows nothing but what is
+    // the system's own.  Otherwise as `load`.  A name with a directory is an invalid argument.
+    [[nodiscard]] Status loadFromSystem(std::filesystem::path const & name);
+
     // The address of an exported name; null if there is none, or no module.
     void * symbol(char const * name) const noexcept;
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Platform/DataModel/DocumentFileCheckerInternal.h"
+#include "Platform/DataModel/DocumentFileEngineInternal.h"
 #include "Platform/DataModel/DocumentFileReaderInternal.h"
 #include "Platform/DataModel/DocumentFileWriterInternal.h"
 
@@ -37,6 +38,8 @@ private:
 template <class Work>
 Status guarded(char const * operation, std::filesystem::path const & file, Work && work) {
     try {
+        if (std::string const & cause = DataModel::missingEngine(); !cause.empty())
+            return Status(StatusUnsupported, operation, DataModel::pathText(file), cause);
         work();
         return Status::success();
     } catch (DataModel::FileFailure const & failure) {

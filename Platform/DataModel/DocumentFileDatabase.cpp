@@ -1,4 +1,3 @@
-#include <cerrno>
 #include <system_error>
 #include <utility>
 
@@ -10,7 +9,7 @@ namespace {
 
 constexpr int c_busyMilliseconds = 1000;
 
-EStatus codeOf(int result, int error) {
+EStatus codeOf(int result, std::error_code const & error) {
     switch (result & 0xFF) {
     case SQLITE_FULL: return StatusNoSpace;
     case SQLITE_NOTADB:
@@ -22,7 +21,8 @@ EStatus codeOf(int result, int error) {
     case SQLITE_PERM:
     case SQLITE_READONLY:
     case SQLITE_AUTH: return StatusAccessDenied;
-    case SQLITE_CANTOPEN: return error == ENOENT ? StatusNotFound : StatusAccessDenied;
+    case SQLITE_CANTOPEN:
+        return error == std::errc::no_such_file_or_directory ? StatusNotFound : StatusAccessDenied;
     case SQLITE_IOERR:
         if (result == SQLITE_IOERR_NOMEM) return StatusOutOfMemory;
         return result == SQLITE_IOERR_CORRUPTFS ? StatusCorrupt : StatusIO;
@@ -111,15 +111,17 @@ long long Database::number(std::string const & sql) const {
 }
 
 void Database::fail(int result) const {
-    int const error = m_pDatabase ? sqlite3_system_errno(m_pDatabase) : 0;
+    // The system's own number: an errno, or what Windows has instead.
+    std::error_code const error(m_pDatabase ? sqlite3_system_errno(m_pDatabase) : 0,
+                                std::system_category());
     EStatus code = codeOf(result, error);
     std::string cause = sqlite3_errstr(result & 0xFF);
     if (m_pDatabase && sqlite3_extended_errcode(m_pDatabase) == result)
         cause = sqlite3_errmsg(m_pDatabase);
-    if (code == StatusIO && error == ENOSPC) code = StatusNoSpace;
+    if (code == StatusIO && error == std::errc::no_space_on_device) code = StatusNoSpace;
     bool const fromSystem =
         code == StatusIO || code == StatusNoSpace || (result & 0xFF) == SQLITE_CANTOPEN;
-    if (fromSystem && error != 0) cause += ": " + std::generic_category().message(error);
+    if (fromSystem && error) cause += ": " + error.message();
     fail(code, cause);
 }
 

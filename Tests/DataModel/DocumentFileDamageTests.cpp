@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
@@ -221,9 +222,11 @@ std::vector<Damage> damages() {
     };
 }
 
+class DocumentFileDamageTests : public FileTest {};
+
 } // namespace
 
-TEST(DocumentFileDamageTests, whatIsWrongIsNamed) {
+TEST_F(DocumentFileDamageTests, whatIsWrongIsNamed) {
     for (Damage const & damage : damages()) {
         SCOPED_TRACE(damage.m_sql.substr(0, 200));
         TemporaryFile const file;
@@ -244,7 +247,7 @@ TEST(DocumentFileDamageTests, whatIsWrongIsNamed) {
     }
 }
 
-TEST(DocumentFileDamageTests, theSampleItselfIsWhole) {
+TEST_F(DocumentFileDamageTests, theSampleItselfIsWhole) {
     TemporaryFile const file;
     saveSample(file.path());
     EXPECT_TRUE(tryFile(file.path()));
@@ -254,14 +257,14 @@ TEST(DocumentFileDamageTests, theSampleItselfIsWhole) {
     EXPECT_EQ(DocumentFile::check(file.text() + "x", findings).code(), StatusNotFound);
 }
 
-TEST(DocumentFileDamageTests, aWholeNumberServesAsAReal) {
+TEST_F(DocumentFileDamageTests, aWholeNumberServesAsAReal) {
     TemporaryFile const file;
     saveSample(file.path());
     Sql(file.path()).run("UPDATE Row SET \"Row.x\"=5");
     EXPECT_TRUE(tryFile(file.path()));
 }
 
-TEST(DocumentFileDamageTests, cutFilesAreRefused) {
+TEST_F(DocumentFileDamageTests, cutFilesAreRefused) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -279,7 +282,7 @@ TEST(DocumentFileDamageTests, cutFilesAreRefused) {
     EXPECT_FALSE(tryFile(file.path()));
 }
 
-TEST(DocumentFileDamageTests, flippedBytesDoNoHarm) {
+TEST_F(DocumentFileDamageTests, flippedBytesDoNoHarm) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -303,7 +306,7 @@ TEST(DocumentFileDamageTests, flippedBytesDoNoHarm) {
     EXPECT_GT(refused, tried / 4);
 }
 
-TEST(DocumentFileDamageTests, exchangedPagesDoNoHarm) {
+TEST_F(DocumentFileDamageTests, exchangedPagesDoNoHarm) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -319,7 +322,7 @@ TEST(DocumentFileDamageTests, exchangedPagesDoNoHarm) {
 }
 
 // A file that fails late, behind a million children or a long chain, is left again without trouble.
-TEST(DocumentFileDamageTests, aLargeDocumentThatFailsLateGoesAgain) {
+TEST_F(DocumentFileDamageTests, aLargeDocumentThatFailsLateGoesAgain) {
     TemporaryFile const file;
     {
         StrongRef<Asset> const asset = Asset::make(nullptr);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 #include "Tests/DataModel/FaultyFileSystem.h"
@@ -112,29 +113,31 @@ unsigned forEachFailingCall(Save const & save, bool forGood, bool powerGoes, uns
     }
 }
 
+class DocumentFileFaultTests : public FileTest {};
+
 } // namespace
 
-TEST(DocumentFileFaultTests, everyFailingCallOfALaterSaveLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, everyFailingCallOfALaterSaveLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveAgain, false, false), 10U);
 }
 
-TEST(DocumentFileFaultTests, everyFailingCallOfAWholeSaveLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, everyFailingCallOfAWholeSaveLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveOver, false, false), 10U);
 }
 
-TEST(DocumentFileFaultTests, aDeviceThatFailsForGoodLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, aDeviceThatFailsForGoodLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveAgain, true, false), 10U);
     EXPECT_GT(forEachFailingCall(saveOver, true, false), 10U);
 }
 
-TEST(DocumentFileFaultTests, whenThePowerGoesTheOldOrTheNewDocumentIsLeft) {
+TEST_F(DocumentFileFaultTests, whenThePowerGoesTheOldOrTheNewDocumentIsLeft) {
     for (unsigned seed = 0; seed < 3; ++seed) {
         EXPECT_GT(forEachFailingCall(saveAgain, true, true, seed), 10U);
         EXPECT_GT(forEachFailingCall(saveOver, true, true, seed), 10U);
     }
 }
 
-TEST(DocumentFileFaultTests, aFullDiskLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, aFullDiskLeavesTheOldOrTheNewDocument) {
     for (bool const whole : {false, true}) {
         FaultyFileSystem faulty;
         bool wasFull = false;
@@ -159,7 +162,7 @@ TEST(DocumentFileFaultTests, aFullDiskLeavesTheOldOrTheNewDocument) {
     }
 }
 
-TEST(DocumentFileFaultTests, theFirstSaveLeavesAFileOrNone) {
+TEST_F(DocumentFileFaultTests, theFirstSaveLeavesAFileOrNone) {
     FaultyFileSystem faulty;
     for (unsigned call = 1;; ++call) {
         SCOPED_TRACE(call);
@@ -181,7 +184,7 @@ TEST(DocumentFileFaultTests, theFirstSaveLeavesAFileOrNone) {
 
 // A save that was cut short leaves a journal.  Whoever replaces the file must not leave it to the new
 // one.
-TEST(DocumentFileFaultTests, theJournalOfACrashIsntAppliedToTheFileThatReplacesIt) {
+TEST_F(DocumentFileFaultTests, theJournalOfACrashIsntAppliedToTheFileThatReplacesIt) {
     FaultyFileSystem faulty;
     Scene scene;
     for (unsigned call = 1;; ++call) {

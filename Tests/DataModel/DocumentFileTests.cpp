@@ -16,6 +16,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
@@ -82,16 +83,18 @@ std::vector<std::string> differing(std::map<std::string, std::vector<std::string
     return found;
 }
 
+class DocumentFileTests : public FileTest {};
+
 } // namespace
 
-TEST(DocumentFileTests, anEmptyDocumentComesBack) {
+TEST_F(DocumentFileTests, anEmptyDocumentComesBack) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, everyKindOfMemberComesBack) {
+TEST_F(DocumentFileTests, everyKindOfMemberComesBack) {
     using Doubles = std::numeric_limits<double>;
     using Floats = std::numeric_limits<float>;
     TemporaryFile const file;
@@ -141,7 +144,7 @@ TEST(DocumentFileTests, everyKindOfMemberComesBack) {
     EXPECT_TRUE(std::signbit(static_cast<Everything *>(other->entity(one->id()).get())->m_double));
 }
 
-TEST(DocumentFileTests, randomDocumentsComeBackThroughManySaves) {
+TEST_F(DocumentFileTests, randomDocumentsComeBackThroughManySaves) {
     for (unsigned seed = 0; seed < 40; ++seed) {
         SCOPED_TRACE(seed);
         TemporaryFile const file;
@@ -168,7 +171,7 @@ TEST(DocumentFileTests, randomDocumentsComeBackThroughManySaves) {
     }
 }
 
-TEST(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
+TEST_F(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -225,7 +228,7 @@ TEST(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
+TEST_F(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
     TemporaryFile const first;
     TemporaryFile const second;
     StrongRef<Asset> const asset = randomDocument(1, 30);
@@ -250,7 +253,7 @@ TEST(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
     expectSaved(*asset, second.path());
 }
 
-TEST(DocumentFileTests, whatACrashLeftBesideIsOverwritten) {
+TEST_F(DocumentFileTests, whatACrashLeftBesideIsOverwritten) {
     TemporaryFile const file;
     std::ofstream(file.text() + ".saving") << std::string(100'000, 'x');
     StrongRef<Asset> const asset = randomDocument(2, 10);
@@ -259,7 +262,7 @@ TEST(DocumentFileTests, whatACrashLeftBesideIsOverwritten) {
     EXPECT_FALSE(std::filesystem::exists(file.text() + ".saving"));
 }
 
-TEST(DocumentFileTests, aLinkIsFollowed) {
+TEST_F(DocumentFileTests, aLinkIsFollowed) {
     TemporaryFile const file;
     TemporaryFile const link;
     StrongRef<Asset> const asset = randomDocument(3, 10);
@@ -271,7 +274,7 @@ TEST(DocumentFileTests, aLinkIsFollowed) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, idsSurviveAndAreNeverUsedAgain) {
+TEST_F(DocumentFileTests, idsSurviveAndAreNeverUsedAgain) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Everything> root = Everything::make(design(*asset));
@@ -288,7 +291,7 @@ TEST(DocumentFileTests, idsSurviveAndAreNeverUsedAgain) {
     EXPECT_GT(next->id(), gone);
 }
 
-TEST(DocumentFileTests, transientSegmentsArentWritten) {
+TEST_F(DocumentFileTests, transientSegmentsArentWritten) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const transient = segmentOf(*asset, SegmentType::TransientSegment);
@@ -315,7 +318,7 @@ TEST(DocumentFileTests, transientSegmentsArentWritten) {
     EXPECT_FALSE(loaded.m_children[0]);
 }
 
-TEST(DocumentFileTests, aReferenceToAnotherDocumentIsWrittenAsNull) {
+TEST_F(DocumentFileTests, aReferenceToAnotherDocumentIsWrittenAsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Asset> const another = Asset::make(nullptr);
@@ -332,7 +335,7 @@ TEST(DocumentFileTests, aReferenceToAnotherDocumentIsWrittenAsNull) {
     root->m_rOwned.reset();
 }
 
-TEST(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
+TEST_F(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -348,7 +351,7 @@ TEST(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, whatNothingOwnsIsKept) {
+TEST_F(DocumentFileTests, whatNothingOwnsIsKept) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     std::vector<StrongRef<Row>> rows;
@@ -361,7 +364,7 @@ TEST(DocumentFileTests, whatNothingOwnsIsKept) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, rootsComeBackInTheirOrder) {
+TEST_F(DocumentFileTests, rootsComeBackInTheirOrder) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const alone = segmentOf(*asset, SegmentType::StandaloneSegment);
@@ -377,7 +380,7 @@ TEST(DocumentFileTests, rootsComeBackInTheirOrder) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, whatIsUndoneBehindASaveIsSavedAgain) {
+TEST_F(DocumentFileTests, whatIsUndoneBehindASaveIsSavedAgain) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -405,7 +408,7 @@ TEST(DocumentFileTests, whatIsUndoneBehindASaveIsSavedAgain) {
 }
 
 // It is changed, dies, the document is saved, and it comes back with the change.
-TEST(DocumentFileTests, whatDiedChangedAndComesBackIsSaved) {
+TEST_F(DocumentFileTests, whatDiedChangedAndComesBackIsSaved) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -436,7 +439,7 @@ TEST(DocumentFileTests, whatDiedChangedAndComesBackIsSaved) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, hooksAreToldAroundEachEntity) {
+TEST_F(DocumentFileTests, hooksAreToldAroundEachEntity) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     auto & type = *Everything::s_metaType();
@@ -455,7 +458,7 @@ TEST(DocumentFileTests, hooksAreToldAroundEachEntity) {
     type.m_bListening = false;
 }
 
-TEST(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
+TEST_F(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(4, 10);
     EXPECT_EQ(DocumentFile::save(*asset).code(), StatusInvalidArgument); // there is no file yet
@@ -492,7 +495,7 @@ TEST(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
     std::filesystem::remove(file.path());
 }
 
-TEST(DocumentFileTests, aFileThatSomebodyElseChangedIsntWrittenTo) {
+TEST_F(DocumentFileTests, aFileThatSomebodyElseChangedIsntWrittenTo) {
     TemporaryFile const file;
     TemporaryFile const elsewhere;
     StrongRef<Asset> const asset = randomDocument(5, 10);
@@ -512,7 +515,7 @@ TEST(DocumentFileTests, aFileThatSomebodyElseChangedIsntWrittenTo) {
     EXPECT_EQ(DocumentFile::save(*asset).code(), StatusFailed);
 }
 
-TEST(DocumentFileTests, aFileInUseIsBusy) {
+TEST_F(DocumentFileTests, aFileInUseIsBusy) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(7, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -530,7 +533,7 @@ TEST(DocumentFileTests, aFileInUseIsBusy) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, whatIsNoDocumentIsRefused) {
+TEST_F(DocumentFileTests, whatIsNoDocumentIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset;
     auto const refused = [&] { return DocumentFile::load(file.path(), nullptr, asset); };
@@ -552,7 +555,7 @@ TEST(DocumentFileTests, whatIsNoDocumentIsRefused) {
     EXPECT_THAT(refused().toString(), HasSubstr("it is not a document"));
 }
 
-TEST(DocumentFileTests, aLaterVersionOfTheFormatIsRefused) {
+TEST_F(DocumentFileTests, aLaterVersionOfTheFormatIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset = randomDocument(8, 5);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -563,7 +566,7 @@ TEST(DocumentFileTests, aLaterVersionOfTheFormatIsRefused) {
     EXPECT_FALSE(asset);
 }
 
-TEST(DocumentFileTests, aLaterVersionOfATypeIsRefused) {
+TEST_F(DocumentFileTests, aLaterVersionOfATypeIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset = randomDocument(9, 5);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -573,7 +576,7 @@ TEST(DocumentFileTests, aLaterVersionOfATypeIsRefused) {
     EXPECT_THAT(status.toString(), HasSubstr("EverythingMetaType (Test-Everything) has version 4"));
 }
 
-TEST(DocumentFileTests, anUnknownTypeIsNamed) {
+TEST_F(DocumentFileTests, anUnknownTypeIsNamed) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     Changing::become(0);
@@ -595,7 +598,7 @@ TEST(DocumentFileTests, anUnknownTypeIsNamed) {
     expectSaved(*asset, file.path());
 }
 
-TEST(DocumentFileTests, anOlderVersionIsMigrated) {
+TEST_F(DocumentFileTests, anOlderVersionIsMigrated) {
     TemporaryFile const file;
     Changing::become(0);
     unsigned long long id = 0;
@@ -649,7 +652,7 @@ TEST(DocumentFileTests, anOlderVersionIsMigrated) {
     Changing::end();
 }
 
-TEST(DocumentFileTests, aFailedMigrationLeavesNothingBehind) {
+TEST_F(DocumentFileTests, aFailedMigrationLeavesNothingBehind) {
     TemporaryFile const file;
     Changing::become(0);
     {
@@ -707,7 +710,7 @@ void saveAndLoadAChain() {
     EXPECT_THAT(findings, ::testing::IsEmpty());
 }
 
-TEST(DocumentFileTests, aLongChainAndALargeGroupAreLoadedOnASmallStack) {
+TEST_F(DocumentFileTests, aLongChainAndALargeGroupAreLoadedOnASmallStack) {
     onSmallStack(saveAndLoadAChain);
 }
 

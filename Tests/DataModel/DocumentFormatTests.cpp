@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
@@ -132,7 +133,9 @@ std::string withoutBlanks(std::string const & text) {
 
 } // namespace
 
-TEST(DocumentFormatTests, theQueriesGiveTheRowsThatAreShown) {
+class DocumentFormatTests : public FileTest {};
+
+TEST_F(DocumentFormatTests, theQueriesGiveTheRowsThatAreShown) {
     TemporaryFile const file;
     saveLibrary(file.path());
     auto const all = blocks();
@@ -153,7 +156,7 @@ TEST(DocumentFormatTests, theQueriesGiveTheRowsThatAreShown) {
     EXPECT_EQ(queries, 3);
 }
 
-TEST(DocumentFormatTests, theTablesAreMadeByTheStatementsThatAreShown) {
+TEST_F(DocumentFormatTests, theTablesAreMadeByTheStatementsThatAreShown) {
     TemporaryFile const file;
     saveLibrary(file.path());
     std::string shown;
@@ -170,7 +173,7 @@ TEST(DocumentFormatTests, theTablesAreMadeByTheStatementsThatAreShown) {
     EXPECT_EQ(query(file.path(), "PRAGMA user_version")[0][0], "1");
 }
 
-TEST(DocumentFormatTests, everyListIsJsonForOtherProgramsToo) {
+TEST_F(DocumentFormatTests, everyListIsJsonForOtherProgramsToo) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(3, 60);
     ASSERT_TRUE(DocumentFile::saveAs(*asset, file.path()));

@@ -7,7 +7,10 @@
 #include <random>
 #include <sys/stat.h>
 
+#include <gtest/gtest.h>
+
 #include "Platform/DataModel/DocumentFile.h"
+#include "Platform/DataModel/DocumentFileEngineInternal.h"
 
 namespace Vn::Testing {
 
@@ -42,7 +45,7 @@ struct FaultyMethods {
     static sqlite3_io_methods const * below(sqlite3_file * file) {
         return FaultyFile::of(file).below()->pMethods;
     }
-    static sqlite3_vfs * vfsBelow() { return sqlite3_vfs_find("unix"); }
+    static sqlite3_vfs * vfsBelow() { return sqlite3_vfs_find(nullptr); }
 
     static int close(sqlite3_file * file) {
         FaultyFile & self = FaultyFile::of(file);
@@ -159,6 +162,7 @@ struct FaultyMethods {
 };
 
 FaultyFileSystem::FaultyFileSystem() {
+    EXPECT_EQ(DataModel::missingEngine(), "");
     sqlite3_initialize();
     m_vfs.iVersion = 1;
     m_vfs.szOsFile = static_cast<int>(sizeof(FaultyFile)) + FaultyMethods::vfsBelow()->szOsFile;

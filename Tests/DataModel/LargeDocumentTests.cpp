@@ -7,6 +7,7 @@
 #include <pthread.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/TestEntities.h"
 
 namespace Vn::Testing {
@@ -63,6 +64,7 @@ protected:
             }
             ASSERT_TRUE(asset->history().undo().ok());
             ASSERT_TRUE(asset->history().redo().ok());
+            if (std::string const why = whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
             Status status = DocumentFile::saveAs(*asset, m_folder / "large.vnd");
             ASSERT_TRUE(status.ok()) << status.toString();
             std::wstring const before = dump(*asset);

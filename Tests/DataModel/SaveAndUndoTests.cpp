@@ -5,21 +5,27 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/TestEntities.h"
 
 namespace Vn::Testing {
 namespace {
 
-class SaveAndUndoTests : public ::testing::Test {
+class SaveAndUndoTests : public FileTest {
 protected:
     SaveAndUndoTests() : m_rAsset(Asset::make(nullptr)), m_rRoot(Thing::make(*m_rAsset, L"root")) {
         m_rAsset->segment(SegmentType::DesignSegment)->addRoot(m_rRoot, "root");
         std::filesystem::create_directory(m_folder);
-        EXPECT_TRUE(DocumentFile::saveAs(*m_rAsset, m_folder / "a.vnd").ok());
     }
     ~SaveAndUndoTests() override {
         std::error_code ignored;
         std::filesystem::remove_all(m_folder, ignored);
+    }
+
+    void SetUp() override {
+        FileTest::SetUp();
+        if (IsSkipped()) return;
+        ASSERT_TRUE(DocumentFile::saveAs(*m_rAsset, m_folder / "a.vnd").ok());
     }
 
     template <class Work>

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# exported-by-dlls.sh OBJDUMP DLL...: the libraries for Windows export names of the namespace Vn only, and
-# need no libraries but each other, those of the compiler and those of every Windows.
+# exported-by-dlls.sh OBJDUMP DLL...: the libraries for Windows export names of the namespaces Vn and
+# Vrx and of the classes Tg... only, and need no libraries but each other, those of the compiler and those
+# of every Windows.
 set -euo pipefail
 
 objdump=$1
@@ -15,8 +16,8 @@ for library in "$@"; do
   [ -n "$names" ] || { echo "FAILED: $library exports nothing" >&2; status=1; }
   echo "$library exports $(wc -l <<<"$names") names"
   # As they are mangled: a name, or the tables, the type information or the thunks of a class.
-  if grep -vE '^_Z(T[VTIS]|Thn[0-9]+_)?N[KVRO]*2Vn' <<<"$names" >&2; then
-    echo "FAILED: $library exports what isn't of the namespace Vn" >&2
+  if grep -vE '^_Z(T[VTIS]|Thn[0-9]+_)?(N[KVRO]*)?(2Vn|3Vrx|[0-9]+Tg[A-Z])' <<<"$names" >&2; then
+    echo "FAILED: $library exports what is neither of Vn nor of Vrx nor of Tg" >&2
     status=1
   fi
   while read -r dll; do

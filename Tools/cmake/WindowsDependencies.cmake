@@ -2,14 +2,15 @@
 # those of this machine serve: they are offered one by one, so that no other header of it is seen.
 set(VN_HOST_HEADERS "${PROJECT_BINARY_DIR}/host-headers")
 
-# vn_host_headers(TARGET names...): a library that is nothing but these directories of headers.
+# vn_host_headers(TARGET paths...): a library that is nothing but these headers or directories of headers.
 function(vn_host_headers target)
   file(MAKE_DIRECTORY "${VN_HOST_HEADERS}")
-  foreach(name IN LISTS ARGN)
-    if(NOT EXISTS "/usr/include/${name}")
-      message(FATAL_ERROR "${target} needs /usr/include/${name}")
+  foreach(path IN LISTS ARGN)
+    if(NOT EXISTS "/usr/include/${path}")
+      message(FATAL_ERROR "${target} needs /usr/include/${path}")
     endif()
-    file(CREATE_LINK "/usr/include/${name}" "${VN_HOST_HEADERS}/${name}" SYMBOLIC)
+    get_filename_component(name "${path}" NAME)
+    file(CREATE_LINK "/usr/include/${path}" "${VN_HOST_HEADERS}/${name}" SYMBOLIC)
   endforeach()
   add_library(${target} INTERFACE IMPORTED GLOBAL)
   target_include_directories(${target} SYSTEM INTERFACE "${VN_HOST_HEADERS}")
@@ -17,8 +18,12 @@ endfunction()
 
 vn_host_headers(Boost::headers boost)
 vn_host_headers(TBB::tbb tbb oneapi)
+vn_host_headers(Eigen3::Eigen eigen3/Eigen)
 vn_host_headers(nlohmann_json::nlohmann_json nlohmann)
 vn_host_headers(CLI11::CLI11 CLI)
+# The engine itself is a part of Windows; Platform/DataModel says how its functions are called.
+vn_host_headers(VnSqliteHeaders sqlite3.h)
+target_compile_definitions(VnSqliteHeaders INTERFACE "SQLITE_API=__declspec(dllimport)")
 
 # The compiler's own libraries, which the programs look for beside themselves.  They are shared, since
 # exceptions and what the standard library allocates go from module to module.
