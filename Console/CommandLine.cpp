@@ -6,6 +6,9 @@
 #include <CLI/CLI.hpp>
 
 #include "Console/BatchCommand.h"
+#include "Console/DocumentCommand.h"
+#include "Console/DocumentSession.h"
+#include "Console/DocumentTextCommands.h"
 #include "Console/EvalCommand.h"
 #include "Console/ExitStatus.h"
 #include "Console/Interactive.h"
@@ -25,8 +28,9 @@ namespace Vn::Console {
 namespace {
 
 constexpr char c_description[] =
-    R"(Evaluates expressions with units. Without a subcommand it reads lines: from the
-terminal with editing, history and completion, from a file or a pipe without.)";
+    R"(Evaluates expressions with units, and keeps documents. Without a subcommand it
+reads lines: from the terminal with editing, history and completion, from a file
+or a pipe without.)";
 
 constexpr char c_examples[] = R"(Examples:
   vnconsole
@@ -37,6 +41,7 @@ constexpr char c_examples[] = R"(Examples:
   vnconsole units pressure
   vnconsole command 'Units.List /Verbose'
   vnconsole batch expressions.jsonl > results.jsonl
+  vnconsole document --new a.vnd make, add 0 3, tree
 
 Exit status: 0 good, 1 the input was not good, 2 the command line was not understood.
 )";
@@ -49,6 +54,21 @@ constexpr char c_batchFormat[] = R"(Each line of the input is an object with the
   settings  an object with any of the display settings
 Each is answered by one line, in order. A line that can't be understood is
 answered by its id and an error; the exit status is then 1.
+)";
+
+constexpr char c_documentCommands[] = R"(Commands:
+  tree [PATH]                     the entities; the one command if there is none
+  make [PARENT]                   a group in a group
+  add PARENT [COUNT]              entities in a group
+  move PATH before|after PATH     beside another; or into PATH: to the end of a group
+  remove PATH                     takes an entity out of its group
+  delete PATH                     a group with everything below it
+  undo, redo, history             of the changes of this call
+  check                           looks for damage in the file; status 1 if there is any
+  new                             as --new; new /Force replaces a file
+A path is 0/2, Groups/CmnData[0]/CmnData[2], or '#12' by the id of the entity;
+"." is the root group. The document is saved behind the last command; if one
+fails, nothing is saved.
 )";
 
 // To the parser of the command line some texts are more than a text: one in square brackets is a
@@ -78,6 +98,7 @@ public:
         addUnits();
         addCommand();
         addBatch();
+        addDocument();
         addSelfTest();
         m_tour = addSubcommand("tour", "Shows a few expressions and what they evaluate to");
     }
@@ -96,16 +117,18 @@ public:
 
     std::string const & language() const { return m_language; }
 
-    int run(std::istream & in, std::ostream & out, std::ostream & err) const {
+    int run(DocumentSession & document, std::istream & in, std::ostream & out,
+            std::ostream & err) const {
         if (*m_eval) return runEval(evalOptions(), out, err);
         if (*m_units) return runUnits(wide(m_pattern), m_json, out, err);
         if (*m_command) return runTextCommand(texts(*m_words), out, err);
         if (*m_batch) {
             return runBatchCommand(Text::toUtf8(wide(m_file)), errorIsTerminal(), in, out, err);
         }
+        if (*m_document) return runDocument(documentOptions(), document, out, err);
         if (*m_selfTest) return runSelfTest(Text::toUtf8(wide(m_group)), out, err);
         if (*m_tour) return runTour(out);
-        return runInteractive(in, out, err);
+        return runInteractive(document, in, out, err);
     }
 
 private:
@@ -160,6 +183,18 @@ private:
         m_batch->footer(c_batchFormat);
     }
 
+    void addDocument() {
+        m_document = addSubcommand("document", "Runs commands on a document, and saves it");
+        m_document->add_option("FILE", m_file, "The document")->type_name("")->required();
+        m_calls = m_document->add_option("COMMAND", m_converted,
+                                         "Commands, with a comma or \"then\" between them");
+        m_calls->type_name("");
+        m_document->add_flag("--new", m_new, "Makes the file, which must not be there");
+        m_document->add_flag("--json", m_json,
+                             "The tree as one JSON object a line, and nothing else");
+        m_document->footer(c_documentCommands);
+    }
+
     void addSelfTest() {
         m_selfTest = addSubcommand("self-test", "Runs the library's checks of itself");
         m_selfTest->add_option("GROUP", m_group, "One group of checks only")->type_name("");
@@ -175,15 +210,26 @@ private:
         return options;
     }
 
+    DocumentOptions documentOptions() const {
+        DocumentOptions options;
+        options.file = wide(m_file);
+        options.words = texts(*m_calls);
+        options.isNew = m_new;
+        options.json = m_json;
+        return options;
+    }
+
     CLI::App m_app;
     CLI::App * m_eval = nullptr;
     CLI::App * m_units = nullptr;
     CLI::App * m_command = nullptr;
     CLI::App * m_batch = nullptr;
+    CLI::App * m_document = nullptr;
     CLI::App * m_selfTest = nullptr;
     CLI::App * m_tour = nullptr;
     CLI::Option * m_texts = nullptr;
     CLI::Option * m_words = nullptr;
+    CLI::Option * m_calls = nullptr;
     CLI::Option * m_unitOption = nullptr;
     CLI::Option * m_displayOption = nullptr;
     std::vector<std::string> m_converted; // what the options want to write to, and nobody reads
@@ -195,6 +241,7 @@ private:
     std::string m_group;
     bool m_standard = false;
     bool m_json = false;
+    bool m_new = false;
 };
 
 bool areUtf8(std::vector<std::string> const & arguments, std::ostream & err) {
@@ -243,7 +290,9 @@ int runCommandLine(std::vector<std::string> const & arguments, std::istream & in
         return status;
     }
     prepareProcess(commandLine.language());
-    return commandLine.run(in, out, err);
+    DocumentSession document;
+    DocumentTextCommands const documentCommands(document);
+    return commandLine.run(document, in, out, err);
 }
 
 } // namespace Vn::Console

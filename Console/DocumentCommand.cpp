@@ -9,7 +9,6 @@
 #include "Console/DocumentTree.h"
 #include "Console/ExitStatus.h"
 #include "Console/Spelling.h"
-#include "Console/TextCommands.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
@@ -20,16 +19,15 @@ namespace {
 
 constexpr wchar_t const * c_areas[] = {L"Document", L"Groups"};
 
-// One command as it was typed.
+// One command: as it was typed, and as it is understood.
 struct Call {
     std::vector<std::wstring> words;
-    TextCommand const * command = nullptr;
+    TextCommand * command = nullptr;
+    std::vector<std::wstring> parameters = {};
+    std::vector<std::wstring> flags = {};
 
     bool is(std::wstring_view name) const { return command->name() == name; }
-    bool hasFlags() const {
-        return std::any_of(words.begin() + 1, words.end(),
-                           [](std::wstring const & word) { return word.front() == L'/'; });
-    }
+    bool changes() const { return !is(L"Tree") && !is(L"History") && !is(L"Check"); }
 };
 
 // Takes an argument apart, which may hold several words, and commas.
@@ -59,16 +57,17 @@ std::vector<Call> takeApart(std::vector<std::wstring> const & words) {
 }
 
 // The command by its alias, or by its full name.
-TextCommand const * findCommand(std::wstring const & word) {
+TextCommand * findCommand(std::wstring const & word) {
     TextCommandService const & service = TextCommandService::get();
     std::size_t const stop = word.find(L'.');
-    TextCommand const * const command =
+    TextCommand * const command =
         stop == word.npos ? service.find({}, word)
                           : service.find(std::wstring_view(word).substr(0, stop),
                                          std::wstring_view(word).substr(stop + 1));
     if (!command) return nullptr;
-    bool const known = std::any_of(std::begin(c_areas), std::end(c_areas),
-                                   [&](std::wstring_view a) { return command->subjectArea() == a; });
+    bool const known =
+        std::any_of(std::begin(c_areas), std::end(c_areas),
+                    [&](std::wstring_view area) { return command->subjectArea() == area; });
     return known ? command : nullptr;
 }
 
@@ -115,6 +114,11 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
                                 "behind the last command",
                             err);
         }
+        for (std::size_t i = 1; i < call.words.size(); ++i) {
+            std::wstring const & word = call.words[i];
+            if (word.front() == L'/') call.flags.push_back(word.substr(1));
+            else call.parameters.push_back(word);
+        }
         if (call.is(L"New") && &call != &calls.front()) {
             return badUsage("new stands in front of all other commands", err);
         }
@@ -128,27 +132,26 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
     return ExitGood;
 }
 
-// Opens the file, or makes a document that is to become one.
-int begin(DocumentOptions const & options, bool isNew, bool force, DocumentSession & session,
-          std::ostream & out, std::ostream & err) {
-    std::filesystem::path const file = pathOf(options.file);
+// Whether there is something under the name, even if it leads nowhere.
+bool isThere(std::filesystem::path const & file) {
     std::error_code ignored;
-    bool const exists = std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
-    if (isNew && exists && !force) {
+    return std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
+}
+
+// Opens the file, or looks whether a new one may take its name.
+int begin(std::filesystem::path const & file, Call const & first, DocumentSession & session,
+          std::ostream & err) {
+    if (first.is(L"New")) {
+        if (!first.flags.empty() || !isThere(file)) return ExitGood;
         err << "cannot make a new document: " << Text::toUtf8(shown(file))
             << " is there already; the command new /Force replaces it\n";
         return ExitBadInput;
     }
-    if (isNew) {
-        session.makeNew();
-        return ExitGood;
-    }
-    if (!exists) {
+    if (!isThere(file)) {
         err << "cannot open the document: there is no " << Text::toUtf8(shown(file))
             << "; --new makes it\n";
         return ExitBadInput;
     }
-    static_cast<void>(out);
     if (Status const status = session.open(file); !status) {
         err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
         return ExitBadInput;
@@ -156,47 +159,41 @@ int begin(DocumentOptions const & options, bool isNew, bool force, DocumentSessi
     return ExitGood;
 }
 
-// Writes the tree as it goes, since it may be long.
-int showTree(Call const & call, bool json, DocumentSession const & session, std::ostream & out,
-             std::ostream & err) {
-    if (call.words.size() < 2) {
-        writeTree(session, json, out);
-        return ExitGood;
-    }
-    DocumentPlace place;
-    std::wstring const why = findPlace(session, call.words[1], place);
-    if (why.empty()) {
-        writeTree(place, json, out);
-        return ExitGood;
+// The tree is written as it is walked, since it may be long; the answers of the others are short.
+int run(Call const & call, bool json, DocumentSession & session, std::ostream & out,
+        std::ostream & err) {
+    TextCommandResult result;
+    if (call.is(L"Tree") && call.parameters.size() <= 1 && call.flags.empty()) {
+        DocumentPlace place;
+        if (call.parameters.empty()) {
+            writeTree(session, json, out);
+            return ExitGood;
+        }
+        std::wstring const why = findPlace(session, call.parameters.front(), place);
+        if (why.empty()) {
+            writeTree(place, json, out);
+            return ExitGood;
+        }
+        result = {ExitBadInput, L"cannot show the tree: " + why};
+    } else {
+        result = call.command->run(TextCommandParameters(call.parameters, call.flags));
     }
     out.flush();
-    err << "cannot show the tree: " << Text::toUtf8(why) << '\n';
-    return ExitBadInput;
+    if (result.status != 0) err << Text::toUtf8(result.text) << '\n';
+    else if (!json || call.is(L"Tree")) out << Text::toUtf8(result.text) << '\n';
+    return result.status;
 }
 
-int runCall(Call const & call, bool json, DocumentSession & session, std::ostream & out,
-            std::ostream & err) {
-    if (call.is(L"New")) return ExitGood;
-    if (call.is(L"Tree") && call.words.size() <= 2 && !call.hasFlags()) {
-        return showTree(call, json, session, out, err);
-    }
-    std::vector<std::wstring> words = call.words;
-    words.front() = call.command->subjectArea() + L'.' + call.command->name();
-    std::ostream nowhere(nullptr);
-    out.flush();
-    return runTextCommand(words, json && !call.is(L"Tree") ? nowhere : out, err);
-}
-
-int save(DocumentOptions const & options, bool isNew, DocumentSession & session, std::ostream & out,
-         std::ostream & err) {
+int save(std::filesystem::path const & file, bool isNew, bool json, DocumentSession & session,
+         std::ostream & out, std::ostream & err) {
     if (!isNew && !session.hasUnsavedChanges()) return ExitGood;
-    Status const status = isNew ? session.saveAs(pathOf(options.file)) : session.save();
+    Status const status = isNew ? session.saveAs(file) : session.save();
     if (!status) {
         out.flush();
         err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
         return ExitBadInput;
     }
-    if (!options.json) out << "saved " << Text::toUtf8(session.name()) << '\n';
+    if (!json) out << "saved " << Text::toUtf8(session.name()) << '\n';
     return ExitGood;
 }
 
@@ -205,37 +202,28 @@ int save(DocumentOptions const & options, bool isNew, DocumentSession & session,
 int runDocument(DocumentOptions const & options, DocumentSession & session, std::ostream & out,
                 std::ostream & err) {
     std::vector<Call> calls = takeApart(options.words);
-    if (calls.empty() && !options.isNew) calls.push_back({{L"tree"}, nullptr});
+    if (calls.empty() && !options.isNew) calls.push_back({{L"tree"}});
+    bool const saysNew = !calls.empty() && findCommand(calls.front().words.front()) ==
+                                               findCommand(L"new");
+    if (options.isNew && !saysNew) calls.insert(calls.begin(), {{L"new"}});
     if (int const status = prepare(options, calls, err); status != ExitGood) return status;
     if (options.file.empty()) return badUsage("the name of the file is empty", err);
-    if (!calls.empty() && calls.front().is(L"Check")) {
-        return runTextCommand({L"Document.Check", options.file}, out, err);
-    }
 
-    bool const starts = !calls.empty() && calls.front().is(L"New");
-    bool const isNew = options.isNew || starts;
-    if (starts) {
-        // The flag is read as that of the text command would be, and anything else is wrong.
-        std::vector<std::wstring> const & words = calls.front().words;
-        bool const isForce =
-            words.size() == 2 && Text::foldedEqual(std::wstring_view(words[1]), L"/Force");
-        if (words.size() > 1 && !isForce) {
-            return badUsage("new takes nothing but /Force, not " + Text::toUtf8(inQuotes(words[1])),
-                            err);
-        }
+    Call const & first = calls.front();
+    std::filesystem::path const file = pathOf(options.file);
+    if (first.is(L"Check")) {
+        return run({first.words, first.command, {options.file}}, false, session, out, err);
     }
-    bool const force = starts && calls.front().words.size() > 1;
-    if (int const status = begin(options, isNew, force, session, out, err); status != ExitGood) {
-        return status;
-    }
+    if (int const status = begin(file, first, session, err); status != ExitGood) return status;
     for (Call const & call : calls) {
-        int const status = runCall(call, options.json, session, out, err);
+        int const status = run(call, options.json, session, out, err);
         if (status == ExitGood) continue;
-        bool const lost = isNew || session.hasUnsavedChanges() || session.history().redoSteps() > 0;
-        if (lost || calls.size() > 1) err << "nothing was saved\n";
+        if (std::any_of(calls.begin(), calls.end(), [](Call const & c) { return c.changes(); })) {
+            err << "nothing was saved\n";
+        }
         return status;
     }
-    return save(options, isNew, session, out, err);
+    return save(file, first.is(L"New"), options.json, session, out, err);
 }
 
 } // namespace Vn::Console

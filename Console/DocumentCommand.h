@@ -21,8 +21,8 @@ struct DocumentOptions {
 };
 
 // Runs text commands of the areas "Document" and "Groups" on a file, which is saved behind the last
-// if all were good and the document changed.  If one fails, those behind it aren't run and nothing is
-// saved.  The commands must be there, and work on `session`.
+// if all were good and the document changed.  If one fails, those behind it aren't run and nothing
+// is saved.  The commands must be there, and work on `session`.
 int runDocument(DocumentOptions const & options, DocumentSession & session, std::ostream & out,
                 std::ostream & err);
 

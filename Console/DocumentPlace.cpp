@@ -83,20 +83,30 @@ std::wstring findById(DocumentSession const & session, std::wstring const & text
 
 } // namespace
 
-std::wstring childPath(std::wstring const & path, std::size_t index) {
-    return path + L'/' + c_child + L'[' + std::to_wstring(index) + L']';
+void appendChild(std::wstring & path, std::size_t index) {
+    path += L'/';
+    path += c_child;
+    path += L'[';
+    path += std::to_wstring(index);
+    path += L']';
+}
+
+std::wstring childPath(std::wstring path, std::size_t index) {
+    appendChild(path, index);
+    return path;
 }
 
 std::wstring shownPath(std::wstring const & path) {
-    std::wstring const text = printable(path);
-    if (text.size() <= c_longestPath) return text;
-    std::size_t const begin = text.find(L'/', text.size() - c_longestPath);
-    return L"..." + text.substr(begin == text.npos ? text.size() - c_longestPath : begin);
+    if (path.size() <= c_longestPath) return printable(path);
+    std::size_t const longest = path.size() - c_longestPath;
+    std::size_t const slash = path.find(L'/', longest);
+    return L"..." + printable(path.substr(slash == path.npos ? longest : slash));
 }
 
 std::wstring entityPath(Entity const & entity) {
     if (!entity.segment()) return {};
-    std::vector<Onk> onks;
+    std::vector<int> places; // among their siblings, from below
+    Onk onk;
     StrongRef<Entity> held;
     Entity const * walk = &entity;
     std::string const * key = nullptr;
@@ -106,15 +116,17 @@ std::wstring entityPath(Entity const & entity) {
         if (key) break;
         auto const * const managed = query<ManagedEntity>(walk);
         if (!managed || steps == 0) return {};
-        Onk onk;
+        onk.rep(std::wstring());
         managed->getOnk(onk);
-        if (onk.strName().empty()) return {};
-        onks.push_back(std::move(onk));
+        if (onk.repAsInt() < 0) return {};
+        places.push_back(onk.repAsInt());
         held = managed->parent();
         walk = held.get();
     }
     std::wstring path = rootPath(Text::fromUtf8(*key));
-    for (auto onk = onks.rbegin(); onk != onks.rend(); ++onk) path += L'/' + onk->toString();
+    for (auto place = places.rbegin(); place != places.rend(); ++place) {
+        appendChild(path, static_cast<std::size_t>(*place));
+    }
     return path;
 }
 
@@ -135,13 +147,18 @@ std::wstring findPlace(DocumentSession const & session, std::wstring const & tex
     if (!text.empty() && text.front() == L'#') return findById(session, text, place);
     ObjectPath path;
     if (text != L"." && !ObjectPath::fromString(text, &session.design(), path)) {
-        return inQuotes(text) + L" is no path: write it as 0/2, as Groups/CmnData[0]/CmnData[2], or "
-                                L"as #12 with the id of the entity";
+        return inQuotes(text) +
+               L" is no path: write it as 0/2, as Groups/CmnData[0]/CmnData[2], or as #12 with the "
+               L"id of the entity";
     }
     // A number in front counts the children of the root group.
-    bool const isShort =
-        path.empty() || (isNumber(path.onks().front().strName()) && path.onks().front().rep().empty());
-    Onk const first = isShort ? Onk(Text::widen(DocumentSession::c_rootKey)) : path.onks().front();
+    Onk first(Text::widen(DocumentSession::c_rootKey));
+    bool isShort = true;
+    if (!path.empty()) {
+        Onk const & front = path.onks().front();
+        isShort = isNumber(front.strName()) && front.rep().empty();
+        if (!isShort) first = front;
+    }
     StrongRef<Entity> root;
     if (first.rep().empty()) root = session.design().rootEntity(Text::toUtf8(first.strName()));
     if (!root) return noRoot(session, first);
@@ -157,7 +174,7 @@ std::wstring findPlace(DocumentSession const & session, std::wstring const & tex
         }
         found.group = StrongRef<ManagedGroupEntity>(group);
         found.entity = group->child(static_cast<unsigned>(index));
-        found.path += L'/' + std::wstring(c_child) + L'[' + std::to_wstring(index) + L']';
+        appendChild(found.path, static_cast<std::size_t>(index));
     }
     place = std::move(found);
     return {};

@@ -26,13 +26,15 @@ struct DocumentPlace {
     std::wstring path;                            // the object path
 };
 
-// Finds the place that a text names in the open document.  The answer is empty, or says why there is
-// none; `place` is then left as it was.
+// Finds the place that a text names in the open document.  The answer is empty, or says why there
+// is none; `place` is then left as it was.
 std::wstring findPlace(DocumentSession const & session, std::wstring const & text,
                        DocumentPlace & place);
 
-// The path of a child; that of an entity by its parents, which is empty if they don't lead to a root.
-std::wstring childPath(std::wstring const & path, std::size_t index);
+// The path of a child, from that of its group.
+void appendChild(std::wstring & path, std::size_t index);
+std::wstring childPath(std::wstring path, std::size_t index);
+// That of an entity, by its parents; empty if they don't lead to a root.
 std::wstring entityPath(Entity const & entity);
 // A path as it is shown: of a long one only the end.
 std::wstring shownPath(std::wstring const & path);

@@ -64,6 +64,7 @@ void DocumentSession::makeNew() {
     asset->history().clear();
     asset->history().markClean();
     m_rAsset = std::move(asset);
+    m_name.clear();
     marked();
 }
 
@@ -72,6 +73,7 @@ Status DocumentSession::open(std::filesystem::path const & file) {
     Status status = DocumentFile::load(file, nullptr, asset);
     if (!status) return status;
     m_rAsset = std::move(asset);
+    m_name = shown(file);
     marked();
     return status;
 }
@@ -84,7 +86,9 @@ Status DocumentSession::save() {
 
 Status DocumentSession::saveAs(std::filesystem::path const & file) {
     Status status = DocumentFile::saveAs(*m_rAsset, file);
-    if (status) marked();
+    if (!status) return status;
+    m_name = shown(file);
+    marked();
     return status;
 }
 
@@ -112,7 +116,7 @@ std::wstring DocumentSession::unsavedChanges() const {
 }
 
 std::wstring DocumentSession::name() const {
-    return m_rAsset->file().empty() ? L"the new document" : shown(m_rAsset->file());
+    return m_name.empty() ? L"the new document" : m_name;
 }
 
 void DocumentSession::marked() { m_savedStep = history().undoSteps(); }

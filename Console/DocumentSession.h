@@ -54,13 +54,14 @@ public:
     // How many steps lie behind the state that was opened or saved last; none if neither undo nor
     // redo lead there.
     std::optional<std::size_t> savedStep() const noexcept { return m_savedStep; }
-    // What the document is called: its file, or that it has none.
+    // What the document is called: its file as it was named here, or that it has none.
     std::wstring name() const;
 
 private:
     void marked();
 
     StrongRef<Asset> m_rAsset;
+    std::wstring m_name; // empty for a document without a file
     std::optional<std::size_t> m_savedStep;
 };
 

@@ -144,20 +144,17 @@ Result checkDocument(DocumentSession & session, Parameters const & parameters) {
     if (parameters.parameters() == 0 && (!session.isOpen() || session.asset().file().empty())) {
         return cannot(L"check", L"there is no file; name one");
     }
-    fs::path file;
-    if (parameters.parameters() == 0) {
-        file = session.asset().file();
-    } else {
-        std::wstring const why = whyNoFile(parameters.parameter(0));
-        if (!why.empty()) return cannot(L"check", why);
-        file = pathOf(parameters.parameter(0));
-    }
+    bool const isOwn = parameters.parameters() == 0;
+    std::wstring const why = isOwn ? std::wstring() : whyNoFile(parameters.parameter(0));
+    if (!why.empty()) return cannot(L"check", why);
+    fs::path const file = isOwn ? session.asset().file() : pathOf(parameters.parameter(0));
+    std::wstring const name = isOwn ? session.name() : shown(file);
     std::vector<std::string> findings;
     if (Status const status = DocumentFile::check(file, findings); !status) {
         return {1, textOf(status)};
     }
-    if (findings.empty()) return {0, L"nothing is wrong with " + shown(file)};
-    std::wstring text = shown(file) + L" is damaged:";
+    if (findings.empty()) return {0, L"nothing is wrong with " + name};
+    std::wstring text = name + L" is damaged:";
     for (std::string const & finding : findings) {
         text += L"\n  " + printable(Text::fromUtf8(finding));
     }
@@ -211,17 +208,17 @@ private:
             return cannot(m_command.purpose, L"more is needed: " + usage);
         }
         if (parameters.parameters() > m_command.most) {
-            return cannot(m_command.purpose,
-                          inQuotes(parameters.parameter(m_command.most)) + L" is too much: " + usage);
+            std::wstring const & next = parameters.parameter(m_command.most);
+            return cannot(m_command.purpose, inQuotes(next) + L" is too much: " + usage);
         }
         for (std::wstring const & flag : parameters.flags()) {
             if (m_command.flag && Text::foldedEqual(std::wstring_view(flag),
                                                     std::wstring_view(m_command.flag))) {
                 continue;
             }
-            return cannot(m_command.purpose,
-                          inQuotes(L'/' + flag) + L" is no flag of it, and a path goes in quotes: " +
-                              usage);
+            return cannot(m_command.purpose, inQuotes(L'/' + flag) +
+                                                 L" is no flag of it, and a path goes in quotes: " +
+                                                 usage);
         }
         if (m_command.needsDocument && !m_rSession.isOpen()) {
             return cannot(m_command.purpose, L"no document is open; Document.New makes one, and "
@@ -243,7 +240,8 @@ TextCommandResult cannot(std::wstring const & what, std::wstring const & reason)
 DocumentTextCommands::DocumentTextCommands(DocumentSession & session) {
     add(L"Document", L"Commands that keep a document: its file, its tree and its history",
         documentTextCommands(), session);
-    add(L"Groups", L"Commands that change the groups of the document", groupTextCommands(), session);
+    add(L"Groups", L"Commands that change the groups of the document", groupTextCommands(),
+        session);
 }
 
 // The areas go last, so that no command is without one.

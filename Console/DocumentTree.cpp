@@ -50,7 +50,7 @@ public:
             }
             unsigned const index = level.next++;
             ManagedGroupEntity const * const parent = level.group;
-            m_path += L"/CmnData[" + std::to_wstring(index) + L']';
+            appendChild(m_path, index);
             enter(*parent->child(index), parent, index, visit);
         }
     }
@@ -132,7 +132,8 @@ void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
     }
     std::size_t const outside = session.asset().entities() - seen.size();
     if (json || outside == 0) return;
-    out << outside << (outside == 1 ? " entity stands" : " entities stand") << " outside the tree\n";
+    out << outside << (outside == 1 ? " entity stands" : " entities stand")
+        << " outside the tree\n";
 }
 
 void writeTree(DocumentPlace const & place, bool json, std::ostream & out) {

@@ -6,7 +6,8 @@ namespace Vn::Console {
 // What the process tells its caller.  Scripts rely on the numbers.
 enum EExitStatus : int {
     ExitGood = 0,
-    ExitBadInput = 1, // a text, a file or a check wasn't good, or the output couldn't be written
+    // A text, a command, a file or a check wasn't good, or something couldn't be saved or written.
+    ExitBadInput = 1,
     ExitBadUsage = 2  // the command line couldn't be understood
 };
 

@@ -128,7 +128,7 @@ Result remove(DocumentSession & session, Parameters const & parameters) {
     std::wstring const why = findPlace(session, parameters.parameter(0), place);
     if (!why.empty()) return cannot(L"remove", why);
     std::wstring const path = shownPath(place.path);
-    if (!place.group) return cannot(L"remove", path + L" is a root, which no group lists");
+    if (!place.group) return cannot(L"remove", path + L" is a root of the tree");
     if (auto const * const group = groupAt(place); group && group->children() > 0) {
         std::size_t const below = entitiesBelow(*place.entity);
         return cannot(L"remove", path + L" is a group with " + counted(below) +
@@ -143,7 +143,7 @@ Result deleteGroup(DocumentSession & session, Parameters const & parameters) {
     std::wstring const why = findPlace(session, parameters.parameter(0), place);
     if (!why.empty()) return cannot(L"delete", why);
     std::wstring const path = shownPath(place.path);
-    if (!place.group) return cannot(L"delete", path + L" is a root, which no group lists");
+    if (!place.group) return cannot(L"delete", path + L" is a root of the tree");
     if (!groupAt(place)) {
         return cannot(L"delete", path + L" is no group; Groups.Remove takes it out of its own");
     }
@@ -172,7 +172,7 @@ bool readWhere(std::wstring const & text, Where & where) {
 std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & target, Where where) {
     std::wstring const from = shownPath(moved.path);
     std::wstring const to = shownPath(target.path);
-    if (!moved.group) return from + L" is a root, which no group lists";
+    if (!moved.group) return from + L" is a root of the tree";
     if (where == Where::Into && !groupAt(target)) return to + L" is no group";
     if (where != Where::Into && !target.group) return to + L" is a root and has no siblings";
     if (!(query<ManagedEntity>(moved.entity.get())->managedParent() == moved.group)) {

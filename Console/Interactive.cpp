@@ -45,8 +45,8 @@ int runInteractive(DocumentSession const & document, std::istream & in, std::ost
         }
         if (!document.hasUnsavedChanges() || warned) break;
         err << Text::toUtf8(document.unsavedChanges())
-            << (somebodyTypes ? "; save them, or quit once more to lose them\n"
-                              : "; they are lost\n")
+            << (somebodyTypes ? "; Document.Save keeps it, quitting once more doesn't\n"
+                              : "; what isn't saved is lost\n")
             << std::flush;
         warned = true;
         if (!somebodyTypes) {

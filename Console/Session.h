@@ -60,6 +60,7 @@ private:
     void helpOnFunctions();
     void helpOnConstants();
     void helpOnPrefixes();
+    void helpOnDocuments();
     void helpOnCommands();
 
     Result evaluate(std::wstring const & text);

@@ -43,6 +43,21 @@ constexpr Example c_numbers[] = {
     {L"cm", L"a unit alone is one of it"},
 };
 
+constexpr Example c_documents[] = {
+    {L"new", L"a new document, in memory"},
+    {L"make", L"a group in the root group \"Groups\""},
+    {L"make 0", L"a group in that one, which is the first child of the root"},
+    {L"add 0/0 3", L"three entities in that, which is Groups/CmnData[0]/CmnData[0]"},
+    {L"move 0/0/2 before 0/0/0", L"an entity before a sibling; also after it, or into a group"},
+    {L"move #4 into .", L"by the id that the tree shows, to the end of the root group"},
+    {L"tree", L"all entities with their paths and ids"},
+    {L"undo", L"takes the last change back; redo makes it again, history lists all"},
+    {L"remove 0/0/0", L"takes an entity out of its group"},
+    {L"delete 0", L"deletes a group with everything below it"},
+    {L"saveas a.vnd", L"saves the document; save does it again, open opens another"},
+    {L"check a.vnd", L"looks for damage in a file"},
+};
+
 template <std::size_t N>
 void show(Example const (&examples)[N], std::ostream & out) {
     Table table;
@@ -66,6 +81,7 @@ std::span<Session::Topic const> Session::topics() {
         {L"functions", L"the functions and their arguments", &Session::helpOnFunctions},
         {L"constants", L"the constants and their values", &Session::helpOnConstants},
         {L"prefixes", L"the prefixes of units", &Session::helpOnPrefixes},
+        {L"documents", L"documents and their groups", &Session::helpOnDocuments},
         {L"commands", L"the text commands", &Session::helpOnCommands},
     };
     return c_topics;
@@ -140,6 +156,11 @@ void Session::helpOnPrefixes() {
                    shortestNumber(tokens.getMagnitudeValue(longForm))});
     }
     m_rOut << table.toUtf8("  ");
+}
+
+void Session::helpOnDocuments() {
+    show(c_documents, m_rOut);
+    m_rOut << "These are short for Document.New, Groups.Make and so on.\n";
 }
 
 void Session::helpOnCommands() { runTextCommand({}, m_rOut, m_rErr); }

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/DataModel/DocumentFileCirclesInternal.h"
 #include "Platform/DataModel/DocumentFileListsInternal.h"
 
 namespace Vn::DataModel {
@@ -50,6 +51,8 @@ void DocumentChecker::check() {
             if (!type.m_table.empty()) checkEntities(type);
         checkLists();
         checkRoots();
+        if (unsigned long long const id = idOnCircle(m_ownerships))
+            found("entity " + std::to_string(id) + " owns itself in a circle");
     } catch (Enough const &) {
     } catch (FileFailure const & failure) {
         // Damage is what was looked for.
@@ -88,9 +91,11 @@ void DocumentChecker::readIds() {
     }
 }
 
-void DocumentChecker::checkReference(EMemberKind kind, unsigned long long id,
-                                     std::string const & where) {
-    if (!id || m_typeOf.contains(id)) return;
+void DocumentChecker::checkReference(EMemberKind kind, unsigned long long from,
+                                     unsigned long long id, std::string const & where) {
+    if (!id) return;
+    if (kind == EMemberKind::StrongRef) m_ownerships.emplace_back(from, id);
+    if (m_typeOf.contains(id)) return;
     if (kind == EMemberKind::PassiveRef && id < m_head.m_nextEntity) return;
     found(where + ": there is no entity " + std::to_string(id));
 }
@@ -112,7 +117,8 @@ void DocumentChecker::checkEntities(FileType const & type) {
                 if (wrong)
                     found(where + ": " + wrong);
                 else
-                    checkReference(member.m_kind, reference, where);
+                    checkReference(member.m_kind, static_cast<unsigned long long>(row.integer(0)),
+                                   reference, where);
             }
             place += member.m_kind == EMemberKind::GlobalizedString ? 3 : 1;
         }
@@ -144,12 +150,12 @@ void DocumentChecker::checkLists() {
         else if (row.type(3) != SQLITE_TEXT)
             found(where + ": its items aren't a text");
         else
-            checkChunk(*i->second, id, static_cast<std::size_t>(member), row.bytes(3));
+            checkChunk(*i->second, i->first, static_cast<std::size_t>(member), row.bytes(3));
     }
 }
 
-void DocumentChecker::checkChunk(FileType const & type, long long entity, std::size_t member,
-                                 std::string_view items) {
+void DocumentChecker::checkChunk(FileType const & type, unsigned long long entity,
+                                 std::size_t member, std::string_view items) {
     FileMember const & list = type.m_members[member];
     std::string const where = "entity " + std::to_string(entity) + ", member " + list.path();
     JsonReader json(items);
@@ -159,7 +165,7 @@ void DocumentChecker::checkChunk(FileType const & type, long long entity, std::s
             found(where + ": " + wrong);
             return false;
         }
-        checkReference(kind, reference, where);
+        checkReference(kind, entity, reference, where);
         return true;
     };
     bool isGood = json.skip('[');

@@ -5,6 +5,7 @@
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "Platform/DataModel/DocumentFileDatabaseInternal.h"
@@ -27,10 +28,11 @@ private:
     void readIds();
     void checkEntities(FileType const & type);
     void checkLists();
-    void checkChunk(FileType const & type, long long entity, std::size_t member,
+    void checkChunk(FileType const & type, unsigned long long entity, std::size_t member,
                     std::string_view items);
     void checkRoots();
-    void checkReference(EMemberKind kind, unsigned long long id, std::string const & where);
+    void checkReference(EMemberKind kind, unsigned long long from, unsigned long long id,
+                        std::string const & where);
     void found(std::string finding);
 
     Database m_database;
@@ -40,6 +42,7 @@ private:
     std::unordered_map<unsigned long long, FileType const *> m_typeOf;
     std::unordered_map<unsigned long long, long long> m_segmentOf;
     std::unordered_set<long long> m_segments;
+    std::vector<std::pair<unsigned long long, unsigned long long>> m_ownerships;
     ValueReader m_values;
 };
 

@@ -85,6 +85,8 @@ void Database::takeEmpty() {
     result = file->pMethods->xTruncate(file, 0);
     if (result != SQLITE_OK) fail(result);
     run("PRAGMA locking_mode=EXCLUSIVE");
+    // Nothing of what is in the file from now on is somebody else's.
+    sqlite3_db_config(m_pDatabase, SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
 }
 
 bool Database::readHeader(Header & header) const {

@@ -6,6 +6,7 @@
 
 #include "Platform/Base/OS.h"
 #include "Platform/Base/UniqueString.h"
+#include "Platform/DataModel/DocumentFileCirclesInternal.h"
 #include "Platform/DataModel/DocumentFileListsInternal.h"
 #include "Platform/DataModel/DocumentFileWriterInternal.h"
 #include "Platform/DataModel/EntityTableInternal.h"
@@ -159,7 +160,7 @@ StrongRef<Asset> DocumentFile::Reader::read() {
     resolveFixUps();
     readLists();
     readRoots();
-    refuseCycles();
+    refuseCircles();
     complete();
     return std::exchange(m_rAsset, nullptr);
 }
@@ -338,7 +339,7 @@ void DocumentFile::Reader::readSegments() {
                 : nullptr;
         if (!type || kind == SegmentType::TransientSegment)
             m_database.damaged("there is no segment of kind " + std::to_string(kind) + " to load");
-        Segment::create(m_rAsset.get(), type, false);
+        m_segments.push_back(Segment::create(m_rAsset.get(), type, false));
     }
 }
 
@@ -364,8 +365,9 @@ void DocumentFile::Reader::readEntities(Class & of) {
         if (m_rAsset->m_pTable->find(static_cast<unsigned long long>(id)))
             refuse("its id is that of another entity");
         long long const kind = row.type(1) == SQLITE_INTEGER ? row.integer(1) : 0;
-        Segment * const segment =
-            kind > 0 && kind < 1000 ? m_rAsset->segment(static_cast<unsigned>(kind)) : nullptr;
+        Segment * segment = nullptr;
+        for (Segment * const present : m_segments)
+            if (static_cast<long long>(present->segmentType()->type()) == kind) segment = present;
         if (!segment) refuse("its segment isn't in the file");
         StrongRef<Entity> entity =
             of.m_pType->createEntity(segment, static_cast<unsigned long long>(id));
@@ -454,7 +456,7 @@ bool DocumentFile::Reader::resolve(EMemberKind kind, void * field, unsigned long
         return true;
     }
     *static_cast<StrongRef<Entity> *>(field) = StrongRef<Entity>(to);
-    if (to->metaType()->layout().hasStrong()) m_ownerships.emplace_back(&from, to);
+    if (to->metaType()->layout().hasStrong()) m_ownerships.emplace_back(from.id(), id);
     return true;
 }
 
@@ -572,53 +574,9 @@ void DocumentFile::Reader::readRoots() {
     }
 }
 
-// Entities that own each other in a circle would never go.
-void DocumentFile::Reader::refuseCycles() const {
-    std::vector<Entity *> nodes;
-    for (auto const & [from, to] : m_ownerships) {
-        nodes.push_back(from);
-        nodes.push_back(to);
-    }
-    std::sort(nodes.begin(), nodes.end());
-    nodes.erase(std::unique(nodes.begin(), nodes.end()), nodes.end());
-    auto const indexOf = [&](Entity * entity) {
-        return static_cast<std::size_t>(
-            std::lower_bound(nodes.begin(), nodes.end(), entity) - nodes.begin());
-    };
-    std::vector<std::pair<std::size_t, std::size_t>> edges;
-    edges.reserve(m_ownerships.size());
-    std::vector<std::size_t> owners(nodes.size(), 0); // how many are left of each
-    for (auto const & [from, to] : m_ownerships) {
-        edges.emplace_back(indexOf(from), indexOf(to));
-        ++owners[edges.back().second];
-    }
-    std::sort(edges.begin(), edges.end());
-
-    // Whatever nobody owns is taken away, again and again.  What remains hangs on a circle.
-    std::vector<std::size_t> free;
-    for (std::size_t i = 0; i < nodes.size(); ++i)
-        if (owners[i] == 0) free.push_back(i);
-    std::size_t left = nodes.size();
-    while (!free.empty()) {
-        std::size_t const node = free.back();
-        free.pop_back();
-        --left;
-        for (auto i = std::lower_bound(edges.begin(), edges.end(), std::pair(node, std::size_t{0}));
-             i != edges.end() && i->first == node; ++i)
-            if (--owners[i->second] == 0) free.push_back(i->second);
-    }
-    if (left == 0) return;
-
-    // From one of the rest back along owners, as many steps as there can be: that ends on the circle.
-    std::vector<std::size_t> owner(nodes.size(), 0);
-    std::size_t node = 0;
-    for (auto const & [from, to] : edges)
-        if (owners[from] > 0 && owners[to] > 0) {
-            owner[to] = from;
-            node = to;
-        }
-    for (std::size_t i = 0; i < nodes.size(); ++i) node = owner[node];
-    m_database.damaged("entity " + std::to_string(nodes[node]->id()) + " owns itself in a circle");
+void DocumentFile::Reader::refuseCircles() const {
+    if (unsigned long long const id = DataModel::idOnCircle(m_ownerships))
+        m_database.damaged("entity " + std::to_string(id) + " owns itself in a circle");
 }
 
 void DocumentFile::Reader::migrateValues() {

@@ -57,7 +57,7 @@ private:
     void readLists();
     void readChunk(List & list, Entity & entity, std::string_view items);
     void readRoots();
-    void refuseCycles() const;
+    void refuseCircles() const;
     void complete();
     void migrateValues();
 
@@ -79,12 +79,13 @@ private:
     FileSchema m_schema;
     FileHead m_head;
     StrongRef<Asset> m_rAsset;
+    std::vector<Segment *> m_segments;
     std::vector<StrongRef<Entity>> m_loaded;
     std::vector<std::unique_ptr<Class>> m_classes;
     std::unordered_map<EntityMetaType const *, Class *> m_classByType;
     std::vector<FixUp> m_fixUps;
     // From entities that own others to what they own, as far as that may own something too.
-    std::vector<std::pair<Entity *, Entity *>> m_ownerships;
+    std::vector<std::pair<unsigned long long, unsigned long long>> m_ownerships;
     std::vector<std::pair<ValueMetaType *, unsigned>> m_olderValues;
     DataModel::ValueReader m_values;
 };

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <typeinfo>
 
 #include <gtest/gtest.h>
 
@@ -94,6 +95,32 @@ TEST(OSTests, FileThatIsNoModuleFailsWithTheSystemsReason) {
     EXPECT_EQ(status.code(), Vn::StatusFailed);
     EXPECT_FALSE(status.cause().empty());
     std::filesystem::remove(file);
+}
+
+TEST(OSTests, RenamedFileTakesThePlaceOfAnother) {
+    std::filesystem::path const directory = testing::TempDir();
+    auto const from = directory / "VnBase10TestsFrom";
+    auto const to = directory / "VnBase10TestsTo";
+    std::ofstream(from) << "new";
+    std::ofstream(to) << "old";
+    Vn::Status status = Vn::OS::renameFile(from, to);
+    EXPECT_TRUE(status) << status.toString();
+    EXPECT_FALSE(std::filesystem::exists(from));
+    std::string content;
+    std::ifstream(to) >> content;
+    EXPECT_EQ(content, "new");
+    status = Vn::OS::syncDirectory(directory);
+    EXPECT_TRUE(status) << status.toString();
+
+    status = Vn::OS::renameFile(from, to);
+    EXPECT_FALSE(status);
+    EXPECT_NE(status.toString().find("VnBase10TestsFrom"), std::string::npos);
+    std::filesystem::remove(to);
+}
+
+TEST(OSTests, ClassNamesAreReadableFromWhatATypeSays) {
+    EXPECT_EQ(Vn::OS::className(typeid(Module).name()), "Vn::OS::Module");
+    EXPECT_EQ(Vn::OS::className("no name of a type"), "no name of a type");
 }
 
 TEST(OSTests, LibraryOfTheSystemIsLoadedByItsBareName) {

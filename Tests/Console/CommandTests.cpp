@@ -69,7 +69,27 @@ TEST(TextCommandTests, WithoutACommandAllAreListed) {
         "  Units.ShowComplexUnits     Makes and displays complex units for all the simple units in "
         "Vantor\n"
         "  Units.DisplayInternalUnit  [/UnitOnly] [/ValueOnly] Displays the internal unit as a "
-        "value for all the units\n");
+        "value for all the units\n"
+        "\n"
+        "Document: Commands that keep a document: its file, its tree and its history\n"
+        "  Document.New      [/Force] Makes a new document in place of the one that is open\n"
+        "  Document.Open     <File> [/Force] Opens a document in place of the one that is open\n"
+        "  Document.Save     Saves the document to its file\n"
+        "  Document.SaveAs   <File> [/Force] Saves the document to another file, which becomes its "
+        "own\n"
+        "  Document.Tree     [Path] [/Json] Lists the entities, or those at a path and below it\n"
+        "  Document.Undo     Takes the last change back\n"
+        "  Document.Redo     Makes the change again that was taken back last\n"
+        "  Document.History  Lists the changes, with a mark where the document stands\n"
+        "  Document.Check    [File] Looks for damage in a file, without opening it\n"
+        "\n"
+        "Groups: Commands that change the groups of the document\n"
+        "  Groups.Make    [Parent] Makes a group in a group, or in the root group\n"
+        "  Groups.Add     <Parent> [Count] Adds entities to a group\n"
+        "  Groups.Remove  <Path> Takes an entity out of its group\n"
+        "  Groups.Move    <Path> before|after|into <Path> Moves an entity before or after another, "
+        "or to the end of a group\n"
+        "  Groups.Delete  <Path> Deletes a group with everything below it\n");
 }
 
 TEST(UnitsTests, TableIsAligned) {
@@ -162,7 +182,7 @@ TEST(CommandLineTests, HelpHasExamples) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     for (char const * const text :
-         {"eval", "units", "command", "batch", "self-test", "tour", "--language TAG", "Examples:\n",
+         {"eval", "units", "command", "batch", "document", "self-test", "tour", "--language TAG", "Examples:\n",
           "vnconsole eval '1 in + 1 cm' --unit cm\n", "Exit status: 0 good"}) {
         EXPECT_NE(outcome.out.find(text), std::string::npos) << text;
     }

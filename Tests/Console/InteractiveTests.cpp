@@ -163,7 +163,8 @@ TEST(PipedSessionTests, HelpKnowsEveryTopicAndCommand) {
         EXPECT_NE(help.find(std::string("\n  ") + word), std::string::npos) << word;
     }
     for (char const * const topic : {"expressions", "numbers", "functions", "constants",
-                                     "prefixes", "commands", "unit", "set", "quit"}) {
+                                     "prefixes", "documents", "commands", "unit", "set",
+                                     "quit"}) {
         Outcome const outcome = runConsole({}, std::string("help ") + topic + "\n");
         EXPECT_EQ(outcome.status, 0) << topic;
         EXPECT_NE(outcome.out, "") << topic;

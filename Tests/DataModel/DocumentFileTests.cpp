@@ -2,15 +2,19 @@
 
 #include "Platform/DataModel/DocumentFile.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <limits>
 #include <map>
-#include <sstream>
+
+#ifndef _WIN32
+#include <pthread.h>
+#endif
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
@@ -324,7 +328,8 @@ TEST_F(DocumentFileTests, aReferenceToAnotherDocumentIsWrittenAsNull) {
     root->m_rFriend = PassiveRef<Entity>(foreign.get());
     root->m_rOwned = StrongRef<Piece>(foreign);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
-    auto const & loaded = static_cast<Everything &>(*load(file.path())->entity(root->id()));
+    StrongRef<Asset> const other = load(file.path());
+    auto const & loaded = static_cast<Everything &>(*other->entity(root->id()));
     EXPECT_FALSE(loaded.m_rFriend);
     EXPECT_FALSE(loaded.m_rOwned);
     root->m_rOwned.reset();
@@ -663,14 +668,34 @@ TEST_F(DocumentFileTests, aFailedMigrationLeavesNothingBehind) {
     Changing::end();
 }
 
-TEST_F(DocumentFileTests, aLongChainAndALargeGroupAreLoaded) {
+#ifndef _WIN32
+// Runs `work` on a thread with a stack of 1 MiB.
+void onSmallStack(std::function<void()> work) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, std::size_t{1} << 20);
+    pthread_t thread;
+    auto const run = [](void * argument) -> void * {
+        (*static_cast<std::function<void()> *>(argument))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+#else
+void onSmallStack(std::function<void()> work) { work(); }
+#endif
+
+void saveAndLoadAChain() {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
     design(*asset)->addRoot(root, "root");
-    for (int i = 0; i < 30'000; ++i) root->m_children.push_back(StrongRef<Piece>(Row::make(design(*asset))));
+    for (int i = 0; i < 100'000; ++i)
+        root->m_children.push_back(StrongRef<Piece>(Row::make(design(*asset))));
     Everything * last = root.get();
-    for (int i = 0; i < 30'000; ++i) {
+    for (int i = 0; i < 100'000; ++i) {
         StrongRef<Everything> const next = Everything::make(design(*asset));
         last->m_rOwned = StrongRef<Piece>(next);
         last = next.get();
@@ -678,8 +703,15 @@ TEST_F(DocumentFileTests, aLongChainAndALargeGroupAreLoaded) {
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
     StrongRef<Asset> const other = load(file.path());
     ASSERT_TRUE(other);
-    EXPECT_EQ(other->entities(), 60'001U);
+    EXPECT_EQ(other->entities(), 200'001U);
     EXPECT_EQ(dump(*other), dump(*asset));
+    std::vector<std::string> findings;
+    VN_EXPECT_OK(DocumentFile::check(file.path(), findings));
+    EXPECT_THAT(findings, ::testing::IsEmpty());
+}
+
+TEST_F(DocumentFileTests, aLongChainAndALargeGroupAreLoadedOnASmallStack) {
+    onSmallStack(saveAndLoadAChain);
 }
 
 } // namespace Vn::Testing

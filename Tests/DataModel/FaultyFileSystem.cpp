@@ -1,10 +1,11 @@
 #include "Tests/DataModel/FaultyFileSystem.h"
 
-#include <cstring>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <new>
+#include <random>
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
@@ -20,6 +21,12 @@ constexpr char c_name[] = "faulty";
 std::string contentOf(std::string const & path) {
     std::ifstream in(path, std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+// What tells a file from others whatever its name; 0 if there is none.
+std::uint64_t nodeOf(std::string const & path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? static_cast<std::uint64_t>(status.st_ino) : 0;
 }
 
 } // namespace
@@ -73,7 +80,9 @@ struct FaultyMethods {
         FaultyFile & self = FaultyFile::of(file);
         if (self.m_pSystem->fails()) return SQLITE_IOERR_FSYNC;
         int const result = below(file)->xSync(self.below(), flags);
-        if (self.m_pPath) self.m_pSystem->m_synced[*self.m_pPath] = contentOf(*self.m_pPath);
+        if (self.m_pPath)
+            self.m_pSystem->m_synced[nodeOf(*self.m_pPath)] = {*self.m_pPath,
+                                                               contentOf(*self.m_pPath)};
         return result;
     }
     static int fileSize(sqlite3_file * file, sqlite3_int64 * size) {
@@ -114,7 +123,11 @@ struct FaultyMethods {
         if (result != SQLITE_OK) return result;
         if (name) {
             self.m_pPath = new std::string(name);
-            system.m_synced.emplace(*self.m_pPath, contentOf(*self.m_pPath));
+            // One that is there already is on the disk, unless it was written through here.
+            std::string const content = contentOf(*self.m_pPath);
+            auto const node = nodeOf(*self.m_pPath);
+            if (content.empty() || !system.m_synced.contains(node))
+                system.m_synced[node] = {*self.m_pPath, content};
         }
         self.m_base.pMethods = &c_methods;
         return SQLITE_OK;
@@ -122,9 +135,11 @@ struct FaultyMethods {
     static int remove(sqlite3_vfs * vfs, char const * name, int syncDirectory) {
         auto & system = *static_cast<FaultyFileSystem *>(vfs->pAppData);
         if (system.fails()) return SQLITE_IOERR_DELETE;
+        auto const node = nodeOf(name);
         int const result = vfsBelow()->xDelete(vfsBelow(), name, syncDirectory);
-        if (result == SQLITE_OK) system.m_synced.erase(name);
-        return result;
+        if (result == SQLITE_OK) system.m_synced.erase(node);
+        // To wait for the directory is a call of its own, which fails when the file is gone already.
+        return syncDirectory && system.fails() ? SQLITE_IOERR_DIR_FSYNC : result;
     }
     static int access(sqlite3_vfs *, char const * name, int flags, int * result) {
         return vfsBelow()->xAccess(vfsBelow(), name, flags, result);
@@ -197,12 +212,25 @@ bool FaultyFileSystem::fails() {
     return fails;
 }
 
-void FaultyFileSystem::forgetUnsynced() {
-    for (auto const & [path, content] : m_synced)
-        if (std::filesystem::exists(path)) {
-            std::ofstream out(path, std::ios::binary | std::ios::trunc);
-            out << content;
+void FaultyFileSystem::forgetUnsynced(unsigned seed) {
+    constexpr std::size_t c_sector = 4096;
+    std::mt19937 random(seed);
+    for (auto const & [node, known] : m_synced) {
+        auto const & [opened, synced] = known;
+        // It may have been given its final name meanwhile.
+        std::string path = opened;
+        if (nodeOf(path) != node) path = opened.substr(0, opened.rfind(".saving"));
+        if (nodeOf(path) != node) continue;
+        std::string const written = contentOf(path);
+        std::string left = synced;
+        for (std::size_t place = 0; place < written.size(); place += c_sector) {
+            if (random() % 2) continue;
+            std::size_t const count = std::min(c_sector, written.size() - place);
+            if (left.size() < place + count) left.resize(place + count);
+            left.replace(place, count, written, place, count);
         }
+        std::ofstream(path, std::ios::binary | std::ios::trunc) << left;
+    }
     m_synced.clear();
 }
 

@@ -7,6 +7,7 @@
 #include <limits>
 #include <map>
 #include <string>
+#include <utility>
 
 #include <sqlite3.h>
 
@@ -36,8 +37,9 @@ public:
     // The counted calls since then.
     unsigned calls() const noexcept { return m_calls; }
 
-    // The power goes: whatever wasn't synced is lost, as far as the file system can tell.
-    void forgetUnsynced();
+    // The power goes: of what was written since the last sync, some sectors have reached the disk and
+    // others haven't.
+    void forgetUnsynced(unsigned seed);
 
 private:
     friend struct FaultyFile;
@@ -51,7 +53,8 @@ private:
     bool m_bForGood = false;
     bool m_bFailed = false;
     std::int64_t m_room = std::numeric_limits<std::int64_t>::max();
-    std::map<std::string, std::string> m_synced; // what the files hold for certain
+    // The files, whatever their names are, by which they were opened, and what they hold for certain.
+    std::map<std::uint64_t, std::pair<std::string, std::string>> m_synced;
 };
 
 } // namespace Vn::Testing

@@ -51,6 +51,7 @@ function declare(    name, scope, i) {
   scope = ""
   for (i = 1; i <= depth; ++i) scope = scope scopes[i] "::"
   name = statement
+  sub(/^template *<[^>]*> */, "", name)
   if (name ~ /^(class|struct) EXPORTED /) {
     sub(/^(class|struct) EXPORTED +/, "", name)
     sub(/[ :].*/, "", name)

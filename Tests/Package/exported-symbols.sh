@@ -12,7 +12,8 @@ fresh "$work"
   awk -v include="$include/" -f "$here/declarations.awk" | sort -u >"$work/declared"
 
 status=0
-for library in VnCommonData10.so libVnTypes10.so libVnBase10.so; do
+for library in VnCommonData10.so libVnAddInMgr10.so libVnScene10.so libVrx.so libVnDataModel10.so \
+  libtg218A.so libVnTypes10.so libVnBase10.so; do
   nm -D --defined-only -C "$installed/lib/$library" |
     sed 's/^[0-9a-f]* *[A-Za-z] //' >"$work/$library"
   [ -s "$work/$library" ] || fail "$library exports nothing"
@@ -21,8 +22,9 @@ for library in VnCommonData10.so libVnTypes10.so libVnBase10.so; do
     NR == FNR { if ($1 == "class") classes[$2]; else functions[$2]; next }
     {
       name = $0
-      sub(/^(vtable|typeinfo|typeinfo name) for /, "", name)
+      sub(/^(vtable for|typeinfo for|typeinfo name for|non-virtual thunk to) /, "", name)
       gsub(/\[abi:[a-z0-9]+\]/, "", name)
+      while (gsub(/<[^<>]*>/, "", name)) {}
       sub(/\(.*/, "", name)
       if (name in functions) next
       for (scope = name; scope != ""; ) {

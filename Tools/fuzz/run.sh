@@ -7,7 +7,7 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 seconds=${1:-300}
 build=${VN_FUZZ_BUILD:-$here/../../build/fuzz}
-targets=${VN_FUZZ_TARGETS:-Tokenize Parse Format Rebuild}
+targets=${VN_FUZZ_TARGETS:-Tokenize Parse Format Rebuild Document}
 
 "$here/../install-dependencies.sh" fuzz
 cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -20,9 +20,15 @@ report=""
 for target in $targets; do
   mkdir -p "corpus/$target" findings
   log="$target.log"
-  if ! "bin/Vn${target}Fuzzer" -max_total_time="$seconds" -max_len=4096 -timeout=20 \
-       -dict=corpus/words.dict -print_final_stats=1 -artifact_prefix="findings/$target-" \
-       "corpus/$target" corpus/seeds >"$log" 2>&1; then
+  # Documents are longer than expressions, and start from documents.
+  if [ "$target" = Document ]; then
+    inputs=(-max_len=65536 "corpus/$target" corpus/documents)
+  else
+    inputs=(-max_len=4096 -dict=corpus/words.dict "corpus/$target" corpus/seeds)
+  fi
+  if ! "bin/Vn${target}Fuzzer" -max_total_time="$seconds" -timeout=20 \
+       -print_final_stats=1 -artifact_prefix="findings/$target-" \
+       "${inputs[@]}" >"$log" 2>&1; then
     status=1
     echo "Vn${target}Fuzzer found something:" >&2
     grep -v -e '^#' -e '^stat::' "$log" | tail -40 >&2

@@ -245,8 +245,8 @@ TEST(ManagedEntityTests, TheParentGroupNodeIsNullWithoutASource) {
 }
 
 TEST(ManagedEntityTests, TheNodeSourceHasTheInterfaceIdOfItsFullName) {
-    EXPECT_EQ(Scene::INodeSource::interfaceId(),
-              UniqueString::find("Vn::Scene::INodeSource", false));
+    UniqueString const * const id = Scene::INodeSource::interfaceId();
+    EXPECT_EQ(id, UniqueString::find("Vn::Scene::INodeSource", false));
 }
 
 } // namespace

@@ -1,0 +1,211 @@
+// The parts of the document commands that a process doesn't show alone.
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "Console/DocumentPlace.h"
+#include "Console/DocumentSession.h"
+#include "Console/DocumentTextCommands.h"
+#include "Console/DocumentTree.h"
+#include "Platform/Base/Text.h"
+#include "Platform/Base/TextCommandService.h"
+#include "Platform/DataModel/InterfaceId.h"
+#include "Server/CommonData/Managed/ManagedGroupEntity.h"
+#include "Tests/Console/DocumentFixture.h"
+
+namespace Vn::Console::Tests {
+
+namespace {
+
+using Managed::ManagedEntity;
+using Managed::ManagedGroupEntity;
+
+class DocumentCoreTests : public DocumentFixture {
+protected:
+    void SetUp() override { m_session.makeNew(); }
+
+    std::string tree() const {
+        std::ostringstream out;
+        writeTree(m_session, false, out);
+        return out.str();
+    }
+    StrongRef<ManagedGroupEntity> groupOf(unsigned long long id) const {
+        return StrongRef<ManagedGroupEntity>(
+            query<ManagedGroupEntity>(m_session.asset().entity(id).get()));
+    }
+    // What a text command answers.
+    static std::string answer(std::wstring const & line) {
+        return Text::toUtf8(TextCommandService::get().run(line).text);
+    }
+
+    DocumentSession m_session;
+    DocumentTextCommands const m_commands{m_session};
+};
+
+TEST_F(DocumentCoreTests, ANewDocumentHasARootGroupAndNoHistory) {
+    EXPECT_EQ(places(tree()), "Groups #1\n");
+    EXPECT_EQ(m_session.history().undoSteps(), 0u);
+    EXPECT_FALSE(m_session.hasUnsavedChanges());
+    EXPECT_FALSE(m_session.history().canUndo());
+}
+
+TEST_F(DocumentCoreTests, EveryChangeIsOneStep) {
+    for (wchar_t const * const line :
+         {L"make", L"make", L"make 0", L"add 0/0 7", L"move 0/0/3 after 1", L"move 1 into 0",
+          L"remove 0/0/1", L"delete 0"}) {
+        std::size_t const before = m_session.history().undoSteps();
+        EXPECT_EQ(TextCommandService::get().run(line).status, 0) << Text::toUtf8(line);
+        EXPECT_EQ(m_session.history().undoSteps(), before + 1) << Text::toUtf8(line);
+    }
+}
+
+TEST_F(DocumentCoreTests, AMovedEntityHasItsNewGroupAsParent) {
+    answer(L"make");
+    answer(L"make");
+    answer(L"add 0 2");
+    EXPECT_EQ(answer(L"move 0/1 into 1"), "moved Groups/CmnData[0]/CmnData[1] to "
+                                          "Groups/CmnData[1]/CmnData[0] (#5)");
+    StrongRef<Entity> const moved = m_session.asset().entity(5);
+    EXPECT_EQ(query<ManagedEntity>(moved.get())->parent()->id(), 3u);
+    EXPECT_EQ(groupOf(2)->children(), 1u);
+    ASSERT_EQ(groupOf(3)->children(), 1u);
+    answer(L"undo");
+    EXPECT_EQ(query<ManagedEntity>(moved.get())->parent()->id(), 2u);
+}
+
+TEST_F(DocumentCoreTests, ARemovedEntityGoesUnlessSomebodyHoldsIt) {
+    answer(L"make");
+    answer(L"add 0 2");
+    StrongRef<Entity> held = m_session.asset().entity(3);
+    EXPECT_EQ(answer(L"remove 0/0"), "removed Groups/CmnData[0]/CmnData[0] (#3); something else "
+                                     "holds it, and it stays in the document");
+    EXPECT_EQ(answer(L"remove 0/0"), "removed Groups/CmnData[0]/CmnData[0] (#4)");
+    EXPECT_TRUE(m_session.asset().entity(3));
+    EXPECT_FALSE(m_session.asset().entity(4));
+    EXPECT_EQ(tree().substr(tree().rfind('\n', tree().size() - 2) + 1),
+              "1 entity stands outside the tree\n");
+    EXPECT_EQ(answer(L"tree #3"), "cannot show the tree: #3 is no part of the tree");
+}
+
+TEST_F(DocumentCoreTests, DeletingTakesEverythingBelow) {
+    answer(L"make");
+    answer(L"make 0");
+    answer(L"add 0/0 100");
+    EXPECT_EQ(m_session.asset().entities(), 103u);
+    EXPECT_EQ(entitiesBelow(*m_session.asset().entity(2)), 101u);
+    answer(L"delete 0");
+    EXPECT_EQ(m_session.asset().entities(), 1u);
+    answer(L"undo");
+    EXPECT_EQ(m_session.asset().entities(), 103u);
+}
+
+TEST_F(DocumentCoreTests, GroupsThatListEachOtherAreShownOnce) {
+    answer(L"make");
+    answer(L"make 0");
+    groupOf(3)->addChild(groupOf(2));
+    EXPECT_EQ(places(tree()), "Groups #1\n"
+                              "Groups/CmnData[0] #2\n"
+                              "Groups/CmnData[0]/CmnData[0] #3\n"
+                              "Groups/CmnData[0]/CmnData[0]/CmnData[0] #2\n");
+    EXPECT_NE(tree().find("  (its children are shown above)\n"), std::string::npos);
+    EXPECT_EQ(entitiesBelow(*groupOf(2)), 1u);
+}
+
+TEST_F(DocumentCoreTests, ParentsInACircleLeadToNoRoot) {
+    StrongRef<Entity> const root = m_session.root();
+    StrongRef<ManagedGroupEntity> const first = makeGroup(root);
+    StrongRef<ManagedGroupEntity> const second = makeGroup(first);
+    groupOf(1)->removeChild(first);
+    first->nullParent();
+    second->addChild(first);
+    EXPECT_EQ(entityPath(*first), L"");
+    EXPECT_FALSE(isWithin(*first, *root));
+    EXPECT_TRUE(isWithin(*first, *second));
+    EXPECT_EQ(answer(L"tree #2"), "cannot show the tree: #2 is no part of the tree");
+}
+
+TEST_F(DocumentCoreTests, AnEntityThatAForeignGroupListsIsntMoved) {
+    answer(L"make");
+    answer(L"make");
+    answer(L"add 0 2");
+    StrongRef<ManagedEntity> const child = groupOf(2)->child(0);
+    groupOf(3)->addChild(child);
+    std::string const why = "cannot move: Groups/CmnData[1]/CmnData[0] has another parent than the "
+                            "group that lists it";
+    EXPECT_EQ(answer(L"move 1/0 after 0/1"), why);
+    EXPECT_EQ(answer(L"move 0/1 before 1/0"), why);
+    EXPECT_EQ(answer(L"remove 1/0"), "removed Groups/CmnData[1]/CmnData[0] (#4); something else "
+                                     "holds it, and it stays in the document");
+    EXPECT_EQ(groupOf(2)->children(), 2u);
+}
+
+TEST_F(DocumentCoreTests, ADocumentWithoutTheRootGroupGetsItByTheFirstChange) {
+    m_session.design().addRoot(nullptr, DocumentSession::c_rootKey);
+    EXPECT_EQ(answer(L"add 0"), "cannot add entities: the document has no root \"Groups\"");
+    EXPECT_EQ(answer(L"make"), "made Groups/CmnData[0] (#3)");
+    EXPECT_EQ(places(tree()), "Groups #2\nGroups/CmnData[0] #3\n");
+    answer(L"undo");
+    EXPECT_FALSE(m_session.root());
+    EXPECT_EQ(answer(L"add . 2"), "added 2 entities: Groups/CmnData[0] to Groups/CmnData[1]");
+}
+
+TEST_F(DocumentCoreTests, ARootThatIsNoGroupIsRefused) {
+    StrongRef<Entity> const plain = makeEntity(m_session.root());
+    m_session.design().addRoot(plain, DocumentSession::c_rootKey);
+    EXPECT_EQ(answer(L"make"), "cannot make a group: Groups is no group");
+}
+
+TEST_F(DocumentCoreTests, AnEntityWithAKeyOfItsOwnIsTakenOutOnlyWhereAGroupListsIt) {
+    answer(L"make");
+    m_session.design().addRoot(m_session.asset().entity(2), "Other/1");
+    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #2\nOther\\/1 #2\n");
+    EXPECT_EQ(answer(L"remove #2"), "cannot remove: Other\\/1 is a root of the tree");
+    EXPECT_EQ(answer(L"make Other\\/1"), "made Other\\/1/CmnData[0] (#3)");
+    EXPECT_EQ(answer(L"delete 0"), "deleted Groups/CmnData[0] (#2) and 1 entity below it; something "
+                                   "else holds it, and it stays in the document");
+    EXPECT_EQ(places(tree()), "Groups #1\nOther\\/1 #2\nOther\\/1/CmnData[0] #3\n");
+}
+
+TEST_F(DocumentCoreTests, DeepTreesAreWalkedWithoutRecursion) {
+    constexpr std::size_t c_depth = 100000;
+    m_session.change(L"dig", [&] {
+        StrongRef<Entity> group = m_session.root();
+        for (std::size_t i = 0; i < c_depth; ++i) group = makeGroup(group);
+    });
+    std::ostringstream out;
+    writeTree(m_session, true, out);
+    std::string const lines = out.str();
+    EXPECT_EQ(static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n')), c_depth + 1);
+    // A path without end isn't written.
+    EXPECT_LT(lines.size(), c_depth * 1500);
+    EXPECT_NE(lines.find("{\"path\":null,\"id\":100001,\"parent\":100000,\"index\":0,"),
+              std::string::npos);
+    EXPECT_EQ(entitiesBelow(*m_session.root()), c_depth);
+    EXPECT_EQ(entityPath(*m_session.asset().entity(c_depth + 1)).size(),
+              6 + c_depth * std::wstring(L"/CmnData[0]").size());
+    EXPECT_EQ(answer(L"delete 0"), "deleted Groups/CmnData[0] (#2) and 99999 entities below it");
+}
+
+TEST_F(DocumentCoreTests, LongPathsAreShownByTheirEnd) {
+    std::wstring path = L"Groups";
+    while (path.size() <= c_longestPath) path = childPath(path, 12);
+    std::wstring const text = shownPath(path);
+    EXPECT_EQ(text.substr(0, 16), L".../CmnData[12]/");
+    EXPECT_LE(text.size(), c_longestPath + 3);
+    EXPECT_EQ(path.substr(path.size() - 100), text.substr(text.size() - 100));
+    EXPECT_EQ(shownPath(L"Groups/CmnData[0]"), L"Groups/CmnData[0]");
+}
+
+TEST_F(DocumentCoreTests, ANewDocumentLetsGoOfTheOneBefore) {
+    PassiveRef<Asset> const before{&m_session.asset()};
+    answer(L"make");
+    EXPECT_EQ(answer(L"new").substr(0, 27), "cannot make a new document:");
+    EXPECT_TRUE(before.lock());
+    answer(L"new /force");
+    EXPECT_FALSE(before.lock());
+}
+
+} // namespace
+
+} // namespace Vn::Console::Tests

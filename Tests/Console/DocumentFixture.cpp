@@ -1,0 +1,63 @@
+#include "Tests/Console/DocumentFixture.h"
+
+#include <fstream>
+#include <random>
+#include <sqlite3.h>
+#include <sstream>
+#include <vector>
+
+namespace Vn::Console::Tests {
+
+namespace fs = std::filesystem;
+
+DocumentFixture::DocumentFixture() : m_before(fs::current_path()) {
+    std::random_device random;
+    do {
+        m_directory = fs::temp_directory_path() / ("vnconsole-test-" + std::to_string(random()));
+    } while (!fs::create_directory(m_directory));
+    fs::current_path(m_directory);
+}
+
+DocumentFixture::~DocumentFixture() {
+    std::error_code ignored;
+    fs::current_path(m_before, ignored);
+    fs::remove_all(m_directory, ignored);
+}
+
+Outcome DocumentFixture::document(std::string const & commands, std::string const & file) {
+    std::vector<std::string> arguments{"document", file};
+    std::istringstream words(commands);
+    for (std::string word; words >> word;) arguments.push_back(word);
+    return runConsole(arguments);
+}
+
+std::string DocumentFixture::readFile(std::string const & name) const {
+    std::ifstream file(m_directory / name, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    EXPECT_TRUE(file) << name;
+    return text.str();
+}
+
+void DocumentFixture::execute(std::string const & name, char const * sql) const {
+    sqlite3 * database = nullptr;
+    EXPECT_EQ(sqlite3_open((m_directory / name).string().c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(database);
+    sqlite3_close(database);
+}
+
+std::string DocumentFixture::places(std::string const & tree) {
+    std::istringstream lines(tree);
+    std::string result;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        std::string path;
+        std::string id;
+        words >> path >> id;
+        result += path + ' ' + id + '\n';
+    }
+    return result;
+}
+
+} // namespace Vn::Console::Tests

@@ -1,0 +1,38 @@
+// A directory for the documents of a test, which is the current one as long as the test runs.
+
+#ifndef VN_TESTS_CONSOLE_DOCUMENTFIXTURE_H
+#define VN_TESTS_CONSOLE_DOCUMENTFIXTURE_H
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+#include "Tests/Console/Process.h"
+
+namespace Vn::Console::Tests {
+
+class DocumentFixture : public testing::Test {
+protected:
+    DocumentFixture();
+    ~DocumentFixture() override;
+
+    std::filesystem::path const & directory() const { return m_directory; }
+    // Runs commands on the file "a.vnd", or another.  Blanks separate arguments.
+    static Outcome document(std::string const & commands, std::string const & file = "a.vnd");
+
+    // The bytes of a file there.
+    std::string readFile(std::string const & name) const;
+    // Runs a statement on the database in a file there.
+    void execute(std::string const & name, char const * sql) const;
+
+    // The first two columns of the tree: "Groups/CmnData[0] #2".
+    static std::string places(std::string const & tree);
+
+private:
+    std::filesystem::path const m_before;
+    std::filesystem::path m_directory;
+};
+
+} // namespace Vn::Console::Tests
+
+#endif

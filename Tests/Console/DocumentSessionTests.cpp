@@ -1,0 +1,233 @@
+// Documents in sessions from a pipe.
+
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "Console/DocumentSession.h"
+#include "Console/DocumentTextCommands.h"
+#include "Console/SessionCompletion.h"
+#include "Platform/Base/Initializer.h"
+#include "Platform/Base/Text.h"
+#include "Tests/Console/DocumentFixture.h"
+
+namespace Vn::Console::Tests {
+
+namespace {
+
+class DocumentSessionTests : public DocumentFixture {
+protected:
+    static Outcome session(std::string const & lines) { return runConsole({}, lines); }
+    static std::string tree() { return document("tree").out; }
+};
+
+TEST_F(DocumentSessionTests, WhatIsUndoneAndRedoneIsTheSameTree) {
+    Outcome const outcome =
+        session("new\nmake\nmake 0\nadd 0/0 3\nmake\nmove 1 before 0\ntree\n"
+                "undo\nundo\nundo\nundo\nundo\ntree\nredo\nredo\nredo\nredo\nredo\ntree\n"
+                "saveas a.vnd\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    std::vector<std::string> trees;
+    for (std::size_t at = 0; (at = outcome.out.find("Groups  #1  ", at)) != std::string::npos;) {
+        std::size_t end = at;
+        while (outcome.out.compare(end, 6, "Groups") == 0) end = outcome.out.find('\n', end) + 1;
+        trees.push_back(outcome.out.substr(at, end - at));
+        at = end;
+    }
+    ASSERT_EQ(trees.size(), 3u);
+    EXPECT_EQ(places(trees[0]), "Groups #1\n"
+                                "Groups/CmnData[0] #7\n"
+                                "Groups/CmnData[1] #2\n"
+                                "Groups/CmnData[1]/CmnData[0] #3\n"
+                                "Groups/CmnData[1]/CmnData[0]/CmnData[0] #4\n"
+                                "Groups/CmnData[1]/CmnData[0]/CmnData[1] #5\n"
+                                "Groups/CmnData[1]/CmnData[0]/CmnData[2] #6\n");
+    EXPECT_EQ(places(trees[1]), "Groups #1\n");
+    EXPECT_EQ(trees[2], trees[0]);
+    EXPECT_EQ(tree(), trees[0]);
+}
+
+// Each kind of change, by itself.
+TEST_F(DocumentSessionTests, EveryChangeIsTakenBackAndMadeAgain) {
+    ASSERT_EQ(session("new\nmake\nmake 0\nmake\nadd 0/0 3\nsaveas a.vnd\n").status, 0);
+    std::string const before = tree();
+    for (char const * const change :
+         {"make 0", "add 1 5", "remove 0/0/1", "remove 1", "move 0/0/0 after 0/0/2",
+          "move 0/0/0 before 1", "move 0/0 into 1", "move 1 into 0/0", "delete 0"}) {
+        std::string const text(change);
+        std::string const once = session("open a.vnd\n" + text + "\ntree\n").out;
+        std::string const after = once.substr(once.find("Groups  #1  "));
+        EXPECT_NE(after, before) << change;
+        Outcome const outcome =
+            session("open a.vnd\n" + text + "\nundo\ntree\nredo\ntree\nundo\nhistory\n");
+        std::size_t const undone = outcome.out.find("Groups  #1  ");
+        ASSERT_NE(undone, std::string::npos) << change << outcome.err;
+        EXPECT_EQ(outcome.out.substr(undone, before.size()), before) << change;
+        std::size_t const redone = outcome.out.find("Groups  #1  ", undone + before.size());
+        EXPECT_EQ(outcome.out.substr(redone, after.size()), after) << change;
+        // What is undone is no change that could be lost.
+        EXPECT_EQ(outcome.status, 0) << change << outcome.err;
+        EXPECT_NE(outcome.out.find("the document is as a.vnd has it\n"), std::string::npos);
+    }
+}
+
+TEST_F(DocumentSessionTests, TheRootGroupCantBeUndone) {
+    Outcome const outcome = session("new\nundo\ntree\nmake\nundo\ntree\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err,
+              "cannot undo: nothing was changed since the document was opened; the history isn't "
+              "saved, and no earlier session can be undone\n");
+    EXPECT_EQ(outcome.out.substr(outcome.out.rfind("Groups  #1")).substr(0, 12), "Groups  #1  ");
+}
+
+TEST_F(DocumentSessionTests, WithoutADocumentCommandsSayHowToGetOne) {
+    for (char const * const line : {"save", "saveas b.vnd", "tree", "undo", "redo", "history",
+                                    "make", "add 0", "remove 0", "move 0 before 1", "delete 0"}) {
+        Outcome const outcome = session(std::string(line) + "\n");
+        EXPECT_EQ(outcome.status, 1) << line;
+        EXPECT_EQ(outcome.err.substr(0, 7), "cannot ") << line;
+        EXPECT_NE(outcome.err.find(": no document is open; Document.New makes one, and Document.Open "
+                                   "FILE opens one\n"),
+                  std::string::npos)
+            << line;
+    }
+    EXPECT_EQ(session("check\n").err, "cannot check: there is no file; name one\n");
+}
+
+TEST_F(DocumentSessionTests, UnsavedChangesArentLostByOpeningAnother) {
+    ASSERT_EQ(document("new").status, 0);
+    Outcome const outcome = session("open a.vnd\nmake\nadd 0 2\nnew\nopen a.vnd\nhistory\n"
+                                    "new /force\nhistory\nopen a.vnd\ntree\n");
+    EXPECT_EQ(outcome.status, 1);
+    std::string const why = "a.vnd has 2 changes that aren't saved, the last \"add 2 entities to "
+                            "Groups/CmnData[0]\"; save the document, or lose them with /Force\n";
+    EXPECT_EQ(outcome.err,
+              "cannot make a new document: " + why + "cannot open the document: " + why);
+    EXPECT_EQ(outcome.out.substr(outcome.out.find("   0")),
+              "   0  where the history begins             saved\n"
+              "   1  make Groups/CmnData[0]\n"
+              ">  2  add 2 entities to Groups/CmnData[0]\n"
+              "the document differs from a.vnd\n"
+              "a new document with an empty group \"Groups\"\n"
+              ">  0  where the history begins\n"
+              "the document is new and empty, and has no file\n"
+              "opened a.vnd with 1 entity\n"
+              "Groups  #1  CommonBaseEntData (base ManagedGroupEntity (base ManagedEntity (base "
+              "Entity 1) : HasParent: 0) children : 0) HasClientObject: 0\n");
+}
+
+TEST_F(DocumentSessionTests, UnsavedChangesAreToldAtTheEnd) {
+    for (char const * const end : {"", "quit\n"}) {
+        Outcome const lost = session(std::string("new\nmake\n") + end);
+        EXPECT_EQ(lost.status, 1);
+        EXPECT_EQ(lost.err, "the new document has a change that isn't saved, \"make "
+                            "Groups/CmnData[0]\"; what isn't saved is lost\n");
+        EXPECT_EQ(session(std::string("new\nmake\nundo\n") + end).status, 0);
+        EXPECT_EQ(session(std::string("new\nmake\nsaveas b.vnd /force\n") + end).status, 0);
+    }
+}
+
+TEST_F(DocumentSessionTests, TheSavedStateIsFoundByUndoAndLostByOtherChanges) {
+    Outcome const outcome =
+        session("new\nmake\nmake\nsaveas a.vnd\nundo\nhistory\nmake\nhistory\nquit\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out.substr(outcome.out.find("undone: ")),
+              "undone: make Groups/CmnData[1]\n"
+              "   0  where the history begins\n"
+              ">  1  make Groups/CmnData[0]\n"
+              "   2  make Groups/CmnData[1]    undone, saved\n"
+              "the document differs from a.vnd\n"
+              "made Groups/CmnData[1] (#4)\n"
+              "   0  where the history begins\n"
+              "   1  make Groups/CmnData[0]\n"
+              ">  2  make Groups/CmnData[1]\n"
+              "the document differs from a.vnd\n");
+    EXPECT_EQ(outcome.err, "a.vnd has changes that aren't saved; what isn't saved is lost\n");
+}
+
+TEST_F(DocumentSessionTests, SavingSaysWhatItDid) {
+    Outcome const outcome = session("new\nsave\nsaveas a.vnd\nsave\nmake\nsave\nsaveas a.vnd\nnew\n"
+                                    "saveas a.vnd\nsaveas a.vnd /force\nsaveas b.vnd\n"
+                                    "saveas \"\"\nsaveas no/a.vnd\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "a new document with an empty group \"Groups\"\n"
+                           "saved a.vnd\n"
+                           "a.vnd is up to date\n"
+                           "made Groups/CmnData[0] (#2)\n"
+                           "saved a.vnd\n"
+                           "a.vnd is up to date\n"
+                           "a new document with an empty group \"Groups\"\n"
+                           "saved a.vnd\n"
+                           "saved b.vnd\n");
+    std::string const expected =
+        "cannot save: the document has no file yet; Document.SaveAs FILE gives it one\n"
+        "cannot save: a.vnd is there already; /Force replaces it\n"
+        "cannot save: the name of the file is empty\n"
+        "cannot save the document 'no/a.vnd'";
+    EXPECT_EQ(outcome.err.substr(0, expected.size()), expected);
+}
+
+TEST_F(DocumentSessionTests, AFailedOpenKeepsTheDocument) {
+    Outcome const outcome = session("new\nsaveas a.vnd\nopen nothing.vnd\nopen \"a\\\"b\"\nhistory\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.out.find("the document is as a.vnd has it\n"), std::string::npos);
+    EXPECT_EQ(outcome.err,
+              "cannot open the document 'nothing.vnd': not found: there is no such file\n"
+              "cannot open the document 'a\"b': not found: there is no such file\n");
+    EXPECT_EQ(session(std::string("open a\0b\n", 9)).err,
+              "cannot open the document: \"a\u2400b\" is no name of a file\n");
+}
+
+TEST_F(DocumentSessionTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
+    Outcome const outcome = session("new\nsaveas a.vnd\ncheck\ncheck a.vnd\n");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out.substr(outcome.out.find("nothing")),
+              "nothing is wrong with a.vnd\nnothing is wrong with a.vnd\n");
+    execute("a.vnd", "UPDATE roots SET entity = 99");
+    Outcome const damaged = session("check a.vnd\n");
+    EXPECT_EQ(damaged.status, 1);
+    EXPECT_EQ(damaged.err, "a.vnd is damaged:\n  the root Groups: there is no such entity\n");
+}
+
+TEST_F(DocumentSessionTests, TheExamplesOfHelpFollowOneAnother) {
+    std::string const help = session("help documents\n").out;
+    std::string lines;
+    std::istringstream text(help);
+    std::size_t count = 0;
+    for (std::string line; std::getline(text, line);) {
+        if (line.substr(0, 2) != "  ") continue;
+        lines += line.substr(2, line.find("  ", 2) - 2) + '\n';
+        ++count;
+    }
+    EXPECT_EQ(count, 12u);
+    Outcome const outcome = session(lines);
+    EXPECT_EQ(outcome.status, 0) << lines;
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_NE(outcome.out.find("nothing is wrong with a.vnd\n"), std::string::npos);
+}
+
+TEST_F(DocumentSessionTests, CommandsAreCompletedAndListed) {
+    Initializer::runAll();
+    auto const texts = [](wchar_t const * line) {
+        std::vector<std::wstring> all;
+        for (auto const & candidate : completeSessionLine(line).candidates) {
+            all.push_back(candidate.text);
+        }
+        return all;
+    };
+    EXPECT_TRUE(texts(L"Groups.").empty());
+    {
+        DocumentSession session;
+        DocumentTextCommands const commands(session);
+        EXPECT_EQ(texts(L"Groups."),
+                  (std::vector<std::wstring>{L"Groups.Make", L"Groups.Add", L"Groups.Remove",
+                                             L"Groups.Move", L"Groups.Delete"}));
+        EXPECT_EQ(texts(L"document.s"),
+                  (std::vector<std::wstring>{L"Document.Save", L"Document.SaveAs"}));
+    }
+    EXPECT_TRUE(texts(L"Groups.").empty());
+}
+
+} // namespace
+
+} // namespace Vn::Console::Tests

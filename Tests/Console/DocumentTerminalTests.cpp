@@ -1,0 +1,74 @@
+// Documents in sessions at a real terminal.
+
+#include <gtest/gtest.h>
+#include <map>
+#include <string>
+
+#include "Tests/Console/DocumentFixture.h"
+#include "Tests/Console/TerminalSession.h"
+
+namespace Vn::Console::Tests {
+
+namespace {
+
+class DocumentTerminalTests : public DocumentFixture {
+protected:
+    std::map<std::string, std::string> environment() const {
+        return {{"HOME", directory().string()}, {"XDG_STATE_HOME", ""}};
+    }
+};
+
+TEST_F(DocumentTerminalTests, QuitAsksOnceBeforeChangesAreLost) {
+    TerminalSession session({}, environment());
+    session.type("new\rmake\rquit\r");
+    EXPECT_TRUE(session.waitFor("the new document has a change that isn't saved, \"make "
+                                "Groups/CmnData[0]\"; Document.Save keeps it, quitting once more "
+                                "doesn't\r\n"))
+        << session.screen();
+    session.type("quit\r");
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
+TEST_F(DocumentTerminalTests, AnotherLineMakesTheQuestionNewAgain) {
+    TerminalSession session({}, environment());
+    session.type("new\rmake\rquit\r");
+    ASSERT_TRUE(session.waitFor("quitting once more doesn't\r\n")) << session.screen();
+    session.type("make\r");
+    ASSERT_TRUE(session.waitFor("made Groups/CmnData[1] (#3)\r\n")) << session.screen();
+    session.type("quit\r");
+    ASSERT_TRUE(session.waitFor("has 2 changes that aren't saved")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
+    session.type("saveas a.vnd\r");
+    ASSERT_TRUE(session.waitFor("saved ")) << session.screen();
+    session.type("quit\r");
+    EXPECT_EQ(session.waitForEnd(), 0);
+    EXPECT_EQ(places(document("tree").out),
+              "Groups #1\nGroups/CmnData[0] #2\nGroups/CmnData[1] #3\n");
+}
+
+TEST_F(DocumentTerminalTests, TheEndOfTheInputAsksToo) {
+    TerminalSession session({}, environment());
+    session.type("new\rmake\r");
+    ASSERT_TRUE(session.waitFor("made Groups/CmnData[0] (#2)\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
+    session.type("\x04");
+    ASSERT_TRUE(session.waitFor("quitting once more doesn't\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
+    session.type("\x04");
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
+TEST_F(DocumentTerminalTests, AFileThatChangedMeanwhileIsntOverwritten) {
+    ASSERT_EQ(document("new").status, 0);
+    TerminalSession first({}, environment());
+    first.type("open a.vnd\r");
+    ASSERT_TRUE(first.waitFor("with 1 entity\r\n")) << first.screen();
+    ASSERT_EQ(document("make").status, 0);
+    first.type("add . 3\rsave\r");
+    EXPECT_TRUE(first.waitFor("cannot save the document")) << first.screen();
+    EXPECT_EQ(places(document("tree").out), "Groups #1\nGroups/CmnData[0] #2\n");
+}
+
+} // namespace
+
+} // namespace Vn::Console::Tests

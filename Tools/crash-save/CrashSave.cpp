@@ -1,0 +1,174 @@
+// Kills a program while it saves a document, again and again, and looks at what is left; see README.md.
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <random>
+#include <string>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "Platform/DataModel/DocumentFile.h"
+#include "Tests/DataModel/DocumentTestEntities.h"
+
+namespace {
+
+using namespace Vn;
+using namespace Vn::Testing;
+
+// What the child tells, at the front of a line of the log: a save begins, a save has ended.
+constexpr char c_begins = 'b';
+constexpr char c_ended = 'e';
+
+struct Entry {
+    char what;
+    std::size_t state; // a hash of the whole document
+};
+
+std::size_t stateOf(Asset const & asset) { return std::hash<std::string>()(dump(asset)); }
+
+// The child: loads the document, changes and saves it until it is killed.
+[[noreturn]] void save(std::filesystem::path const & file, int log, unsigned seed) {
+    std::mt19937 random(seed);
+    StrongRef<Asset> asset;
+    if (!DocumentFile::load(file, nullptr, asset)) _exit(2);
+    auto const tell = [&](char what) {
+        Entry const entry{what, stateOf(*asset)};
+        if (write(log, &entry, sizeof entry) != sizeof entry) _exit(3);
+    };
+    for (;;) {
+        changeRandomly(*asset, static_cast<unsigned>(random()));
+        tell(c_begins);
+        Status const status =
+            random() % 3 ? DocumentFile::save(*asset) : DocumentFile::saveAs(*asset, file);
+        if (!status) {
+            std::fprintf(stderr, "%s\n", status.toString().c_str());
+            _exit(4);
+        }
+        tell(c_ended);
+    }
+}
+
+class Driver {
+public:
+    Driver(std::filesystem::path directory, unsigned seed)
+        : m_file(directory / "crash.vnd"), m_random(seed) {}
+
+    // Kills one child.  Returns whether the file holds what it should.
+    bool killOne() {
+        if (m_kills++ % 25 == 0 && !begin()) return false;
+        int pipes[2];
+        if (pipe(pipes) != 0) return complain("there is no pipe");
+        auto const seed = static_cast<unsigned>(m_random());
+        pid_t const child = fork();
+        if (child < 0) return complain("there is no process");
+        if (child == 0) {
+            close(pipes[0]);
+            save(m_file, pipes[1], seed);
+        }
+        close(pipes[1]);
+
+        // Some saves go well, and tell how long one takes.  The child dies in one that follows, or close
+        // behind it.
+        using Clock = std::chrono::steady_clock;
+        Entry entry{};
+        std::size_t under = m_state; // the state that was being saved
+        std::size_t ended = m_state; // the state that was saved last
+        Clock::time_point begun;
+        for (auto saves = 1 + m_random() % 4;
+             saves > 0 && read(pipes[0], &entry, sizeof entry) == sizeof entry;) {
+            under = entry.state;
+            if (entry.what == c_begins) {
+                begun = Clock::now();
+                --saves;
+            } else {
+                ended = entry.state;
+                m_duration = (m_duration * 3 + (Clock::now() - begun)) / 4;
+            }
+        }
+        std::uniform_real_distribution<double> part(0, 1.3);
+        std::this_thread::sleep_for(part(m_random) * m_duration);
+        kill(child, SIGKILL);
+        int status = 0;
+        waitpid(child, &status, 0);
+        while (read(pipes[0], &entry, sizeof entry) == sizeof entry) {
+            under = entry.state;
+            if (entry.what == c_ended) ended = entry.state;
+        }
+        close(pipes[0]);
+        if (!WIFSIGNALED(status)) return complain("the child ended by itself");
+        return look(ended, under);
+    }
+
+    unsigned within() const { return m_within; }
+    unsigned kept() const { return m_kept; }
+    unsigned renewed() const { return m_renewed; }
+
+private:
+    bool complain(std::string const & what) {
+        std::fprintf(stderr, "kill %u: %s\n", m_kills, what.c_str());
+        return false;
+    }
+
+    // Another document, so that they don't grow too large.
+    bool begin() {
+        StrongRef<Asset> const asset = randomDocument(static_cast<unsigned>(m_random()), 400);
+        m_state = stateOf(*asset);
+        Status const status = DocumentFile::saveAs(*asset, m_file);
+        return status ? true : complain(status.toString());
+    }
+
+    bool look(std::size_t ended, std::size_t under) {
+        std::vector<std::string> findings;
+        Status const checked = DocumentFile::check(m_file, findings);
+        if (!checked) return complain(checked.toString());
+        if (!findings.empty()) return complain(findings.front());
+        StrongRef<Asset> asset;
+        Status const loaded = DocumentFile::load(m_file, nullptr, asset);
+        if (!loaded) return complain(loaded.toString());
+        m_state = stateOf(*asset);
+        if (m_state != ended && m_state != under)
+            return complain("the file holds neither the old document nor the new one");
+        m_within += ended != under;
+        ++(m_state == ended ? m_kept : m_renewed);
+        return true;
+    }
+
+    std::filesystem::path const m_file;
+    std::mt19937 m_random;
+    unsigned m_kills = 0;
+    unsigned m_within = 0;
+    unsigned m_kept = 0;
+    unsigned m_renewed = 0;
+    std::size_t m_state = 0;
+    std::chrono::duration<double> m_duration = std::chrono::milliseconds(10);
+};
+
+} // namespace
+
+int main(int count, char ** arguments) {
+    unsigned const kills = count > 1 ? static_cast<unsigned>(std::atoi(arguments[1])) : 500;
+    std::filesystem::path const parent =
+        count > 2 ? std::filesystem::path(arguments[2]) : std::filesystem::temp_directory_path();
+    unsigned const seed =
+        count > 3 ? static_cast<unsigned>(std::atoi(arguments[3])) : std::random_device()();
+    std::filesystem::path const directory = parent / ("VnCrashSave-" + std::to_string(getpid()));
+    std::filesystem::create_directories(directory);
+    std::printf("seed %u\n", seed);
+    Driver driver(directory, seed);
+    for (unsigned i = 0; i < kills; ++i)
+        if (!driver.killOne()) {
+            std::fprintf(stderr, "the file is left in %s\n", directory.string().c_str());
+            return 1;
+        }
+    std::filesystem::remove_all(directory);
+    std::printf("%u kills, %u of them within a save: %u left the document saved last, %u the one being "
+                "saved\n",
+                kills, driver.within(), driver.kept(), driver.renewed());
+    return 0;
+}
