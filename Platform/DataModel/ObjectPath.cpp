@@ -111,6 +111,8 @@ ObjectPath ObjectPath::of(Entity const & object,
         scriptable->getOnk(onk);
         if (onk.strName().empty()) return {};
         onks.push_back(std::move(onk));
+        // A way longer than all there is leads in a circle, and to no root.
+        if (onks.size() > segment->asset()->entities()) return {};
         held = std::move(parent);
         walk = held.get();
     }

@@ -179,6 +179,14 @@ TEST_F(ObjectPathTests, ASelectionLeadsToItsObjectAsLongAsThatIsThere) {
     EXPECT_EQ(LogicalSelection::interfaceId()->string(), "Vn::LogicalSelection");
 }
 
+TEST_F(ObjectPathTests, ParentsInACircleHaveNoPath) {
+    StrongRef<Group> const outer = Group::make(m_document.segment());
+    StrongRef<Group> const inner = Group::make(PassiveRef<Entity>(outer));
+    inner->addChild(outer); // each is the other's child and, by this, its parent
+    ASSERT_EQ(outer->parent(), inner);
+    EXPECT_TRUE(objectPath(*inner).empty());
+}
+
 } // namespace
 
 } // namespace Vn::Managed::Testing
