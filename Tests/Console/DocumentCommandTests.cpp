@@ -17,6 +17,8 @@ namespace fs = std::filesystem;
 
 class DocumentCommandTests : public DocumentFixture {
 protected:
+    void SetUp() override { needFiles(); }
+
     // Root, two groups in it, one of them with a group of three entities.
     static void makeSample() {
         Outcome const made = document("new, make, make 0, make, add 0/0 3");

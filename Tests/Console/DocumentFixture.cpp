@@ -6,6 +6,9 @@
 #include <sstream>
 #include <vector>
 
+#include "Platform/DataModel/DocumentFileEngineInternal.h"
+#include "Tests/DataModel/DocumentEngine.h"
+
 namespace Vn::Console::Tests {
 
 namespace fs = std::filesystem;
@@ -24,6 +27,10 @@ DocumentFixture::~DocumentFixture() {
     fs::remove_all(m_directory, ignored);
 }
 
+void DocumentFixture::needFiles() {
+    if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
+}
+
 Outcome DocumentFixture::document(std::string const & commands, std::string const & file) {
     std::vector<std::string> arguments{"document", file};
     std::istringstream words(commands);
@@ -40,6 +47,7 @@ std::string DocumentFixture::readFile(std::string const & name) const {
 }
 
 void DocumentFixture::execute(std::string const & name, char const * sql) const {
+    EXPECT_EQ(DataModel::missingEngine(), "");
     sqlite3 * database = nullptr;
     EXPECT_EQ(sqlite3_open((m_directory / name).string().c_str(), &database), SQLITE_OK);
     EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK)

@@ -9,6 +9,7 @@
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/Text.h"
 #include "Tests/Console/DocumentFixture.h"
+#include "Tests/DataModel/DocumentEngine.h"
 
 namespace Vn::Console::Tests {
 
@@ -20,7 +21,11 @@ protected:
     static std::string tree() { return document("tree").out; }
 };
 
-TEST_F(DocumentSessionTests, WhatIsUndoneAndRedoneIsTheSameTree) {
+class DocumentSessionFileTests : public DocumentSessionTests {
+    void SetUp() override { needFiles(); }
+};
+
+TEST_F(DocumentSessionFileTests, WhatIsUndoneAndRedoneIsTheSameTree) {
     Outcome const outcome =
         session("new\nmake\nmake 0\nadd 0/0 3\nmake\nmove 1 before 0\ntree\n"
                 "undo\nundo\nundo\nundo\nundo\ntree\nredo\nredo\nredo\nredo\nredo\ntree\n"
@@ -48,7 +53,7 @@ TEST_F(DocumentSessionTests, WhatIsUndoneAndRedoneIsTheSameTree) {
 }
 
 // Each kind of change, by itself.
-TEST_F(DocumentSessionTests, EveryChangeIsTakenBackAndMadeAgain) {
+TEST_F(DocumentSessionFileTests, EveryChangeIsTakenBackAndMadeAgain) {
     ASSERT_EQ(session("new\nmake\nmake 0\nmake\nadd 0/0 3\nsaveas a.vnd\n").status, 0);
     std::string const before = tree();
     for (char const * const change :
@@ -94,7 +99,7 @@ TEST_F(DocumentSessionTests, WithoutADocumentCommandsSayHowToGetOne) {
     EXPECT_EQ(session("check\n").err, "cannot check: there is no file; name one\n");
 }
 
-TEST_F(DocumentSessionTests, UnsavedChangesArentLostByOpeningAnother) {
+TEST_F(DocumentSessionFileTests, UnsavedChangesArentLostByOpeningAnother) {
     ASSERT_EQ(document("new").status, 0);
     Outcome const outcome = session("open a.vnd\nmake\nadd 0 2\nnew\nopen a.vnd\nhistory\n"
                                     "new /force\nhistory\nopen a.vnd\ntree\n");
@@ -116,7 +121,7 @@ TEST_F(DocumentSessionTests, UnsavedChangesArentLostByOpeningAnother) {
               "Entity 1) : HasParent: 0) children : 0) HasClientObject: 0\n");
 }
 
-TEST_F(DocumentSessionTests, UnsavedChangesAreToldAtTheEnd) {
+TEST_F(DocumentSessionFileTests, UnsavedChangesAreToldAtTheEnd) {
     for (char const * const end : {"", "quit\n"}) {
         Outcome const lost = session(std::string("new\nmake\n") + end);
         EXPECT_EQ(lost.status, 1);
@@ -127,7 +132,7 @@ TEST_F(DocumentSessionTests, UnsavedChangesAreToldAtTheEnd) {
     }
 }
 
-TEST_F(DocumentSessionTests, TheSavedStateIsFoundByUndoAndLostByOtherChanges) {
+TEST_F(DocumentSessionFileTests, TheSavedStateIsFoundByUndoAndLostByOtherChanges) {
     Outcome const outcome =
         session("new\nmake\nmake\nsaveas a.vnd\nundo\nhistory\nmake\nhistory\nquit\n");
     EXPECT_EQ(outcome.status, 1);
@@ -145,7 +150,7 @@ TEST_F(DocumentSessionTests, TheSavedStateIsFoundByUndoAndLostByOtherChanges) {
     EXPECT_EQ(outcome.err, "a.vnd has changes that aren't saved; what isn't saved is lost\n");
 }
 
-TEST_F(DocumentSessionTests, SavingSaysWhatItDid) {
+TEST_F(DocumentSessionFileTests, SavingSaysWhatItDid) {
     Outcome const outcome = session("new\nsave\nsaveas a.vnd\nsave\nmake\nsave\nsaveas a.vnd\nnew\n"
                                     "saveas a.vnd\nsaveas a.vnd /force\nsaveas b.vnd\n"
                                     "saveas \"\"\nsaveas no/a.vnd\n");
@@ -167,7 +172,7 @@ TEST_F(DocumentSessionTests, SavingSaysWhatItDid) {
     EXPECT_EQ(outcome.err.substr(0, expected.size()), expected);
 }
 
-TEST_F(DocumentSessionTests, AFailedOpenKeepsTheDocument) {
+TEST_F(DocumentSessionFileTests, AFailedOpenKeepsTheDocument) {
     Outcome const outcome = session("new\nsaveas a.vnd\nopen nothing.vnd\nopen \"a\\\"b\"\nhistory\n");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.out.find("the document is as a.vnd has it\n"), std::string::npos);
@@ -178,7 +183,7 @@ TEST_F(DocumentSessionTests, AFailedOpenKeepsTheDocument) {
               "cannot open the document: \"a\u2400b\" is no name of a file\n");
 }
 
-TEST_F(DocumentSessionTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
+TEST_F(DocumentSessionFileTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
     Outcome const outcome = session("new\nsaveas a.vnd\ncheck\ncheck a.vnd\n");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out.substr(outcome.out.find("nothing")),
@@ -189,7 +194,7 @@ TEST_F(DocumentSessionTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
     EXPECT_EQ(damaged.err, "a.vnd is damaged:\n  the root Groups: there is no such entity\n");
 }
 
-TEST_F(DocumentSessionTests, TheExamplesOfHelpFollowOneAnother) {
+TEST_F(DocumentSessionFileTests, TheExamplesOfHelpFollowOneAnother) {
     std::string const help = session("help documents\n").out;
     std::string lines;
     std::istringstream text(help);
@@ -227,6 +232,23 @@ TEST_F(DocumentSessionTests, CommandsAreCompletedAndListed) {
     }
     EXPECT_TRUE(texts(L"Groups.").empty());
 }
+
+#ifdef _WIN32
+TEST_F(DocumentSessionTests, WithoutADatabaseEngineDocumentsGoOnAndArentSaved) {
+    if (Vn::Testing::whyNoFiles().empty()) GTEST_SKIP() << "this Windows has the engine";
+    Outcome const outcome = session("new\nmake\nsaveas a.vnd\nundo\nsaveas b.vnd\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "a new document with an empty group \"Groups\"\n"
+                           "made Groups/CmnData[0] (#2)\n"
+                           "undone: make Groups/CmnData[0]\n");
+    for (char const * const file : {"a.vnd", "b.vnd"}) {
+        std::string const line = "cannot save the document '" + std::string(file) +
+                                 "': not supported: winsqlite3.dll of Windows 10 or later is missing";
+        EXPECT_NE(outcome.err.find(line), std::string::npos) << outcome.err;
+        EXPECT_FALSE(std::filesystem::exists(file));
+    }
+}
+#endif
 
 } // namespace
 
