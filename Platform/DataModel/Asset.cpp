@@ -40,13 +40,7 @@ Asset::~Asset() {
         entity->addRef();
         entity->m_flags |= Entity::FlagDead;
     }
-    for (Entity * const entity : all) {
-        auto const & layout = entity->metaType()->layout();
-        if (layout.hasStrong())
-            for (auto const & leaf : layout.leaves())
-                if (!leaf.m_bInHelper)
-                    DataModel::dropStrong(leaf, DataModel::field(*entity, leaf));
-    }
+    for (Entity * const entity : all) entity->metaType()->layout().dropStrong(*entity);
     for (Entity * const entity : all)
         if (entity->refCount() > 1) {
             entity->suspendPassive();

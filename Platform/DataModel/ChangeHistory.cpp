@@ -96,8 +96,7 @@ Status ChangeHistory::move(bool undoing) {
         m_redo.push_back(std::move(step));
     else
         m_undo.push_back(std::move(step));
-    if (std::exception_ptr const failure = std::exchange(m_hookFailure, nullptr))
-        std::rethrow_exception(failure);
+    rethrowOfHook();
     return Status();
 }
 
@@ -127,13 +126,15 @@ void ChangeHistory::clear() {
     if (m_bReplaying || isInTransaction() || (m_undo.empty() && m_redo.empty())) return;
     m_baseState = state();
     // What a log mentions is kept by that log or by a later one: the earliest go first.
-    while (!m_undo.empty()) {
-        auto const step = std::move(m_undo.front());
-        m_undo.pop_front();
-        m_bytes -= step->m_log.bytes();
-        drop(step->m_log);
-    }
+    while (!m_undo.empty()) dropOldest();
     dropRedo();
+}
+
+void ChangeHistory::dropOldest() noexcept {
+    auto const step = std::move(m_undo.front());
+    m_undo.pop_front();
+    m_bytes -= step->m_log.bytes();
+    drop(step->m_log);
 }
 
 void ChangeHistory::dropRedo() noexcept {
@@ -165,11 +166,8 @@ void ChangeHistory::enforceLimits() {
     while (m_undo.size() > 1
            && ((m_stepLimit && m_undo.size() > m_stepLimit)
                || (m_byteLimit && m_bytes > m_byteLimit))) {
-        auto const step = std::move(m_undo.front());
-        m_undo.pop_front();
-        m_baseState = step->m_state;
-        m_bytes -= step->m_log.bytes();
-        drop(step->m_log);
+        m_baseState = m_undo.front()->m_state;
+        dropOldest();
     }
 }
 
@@ -261,8 +259,10 @@ void ChangeHistory::abort() {
     drop(step->m_log);
     // What the replay killed was still mentioned by the log.
     for (Entity * const entity : std::exchange(m_killed, {})) letGo(*entity);
-    if (std::exception_ptr const failure = std::exchange(m_hookFailure, nullptr))
-        if (!std::uncaught_exceptions()) std::rethrow_exception(failure);
+    if (std::uncaught_exceptions())
+        m_hookFailure = nullptr;
+    else
+        rethrowOfHook();
 }
 
 Transaction::Transaction(Asset & asset, std::wstring_view name)
@@ -282,6 +282,35 @@ void Transaction::commit() {
 
 void Transaction::abort() {
     if (m_pHistory) std::exchange(m_pHistory, nullptr)->abort();
+}
+
+// --- Records ------------------------------------------------------------------------------------
+
+Record ChangeHistory::continued(Entity & entity, ChangeLog & log) {
+    Record record;
+    record.m_pEntity = &entity;
+    record.m_previous = entity.m_logRecord;
+    record.m_previousLog = entity.m_logNumber;
+    if (entity.m_logNumber == log.number()) {
+        Record const & last = log.record(entity.m_logRecord);
+        record.m_leaves = last.m_leaves;
+        record.m_bBorn = last.m_bBorn;
+    }
+    return record;
+}
+
+void ChangeHistory::append(ChangeLog & log, std::size_t begin, Record const & record) {
+    record.m_pEntity->m_logRecord = static_cast<std::uint32_t>(log.close(begin, record));
+    record.m_pEntity->m_logNumber = log.number();
+}
+
+void ChangeHistory::hookThrew() noexcept {
+    if (!m_hookFailure) m_hookFailure = std::current_exception();
+}
+
+void ChangeHistory::rethrowOfHook() {
+    if (std::exception_ptr const failure = std::exchange(m_hookFailure, nullptr))
+        std::rethrow_exception(failure);
 }
 
 // --- Brackets ----------------------------------------------------------------------------------
@@ -315,21 +344,16 @@ void ChangeHistory::openBracket(EntityChange & change) {
     } else {
         change.m_pOutermost = &change;
         change.m_snapshot = m_pScratch->size();
-        ChangeLog const * const log = m_pLog;
+        ChangeLog * const log = m_pLog;
         if (log && change.m_bUndoable && !(entity.m_flags & (Entity::FlagDead | Entity::FlagDying))) {
-            std::uint64_t recorded = 0;
-            bool isNew = false;
-            if (entity.m_logNumber == log->number()) {
-                Record const & last = const_cast<ChangeLog *>(log)->record(entity.m_logRecord);
-                recorded = last.m_leaves;
-                isNew = last.m_bBorn;
-            }
+            Record const before = continued(entity, *log);
             change.m_log = log->number();
-            if (!isNew) {
+            if (!before.m_bBorn) {
                 auto const & leaves = entity.metaType()->layout().leaves();
                 for (std::size_t i = 0; i < leaves.size(); ++i) {
                     Leaf const & leaf = leaves[i];
-                    if (!leaf.m_bUndoable || leaf.m_bInHelper || isRecorded(recorded, i)) continue;
+                    if (!leaf.m_bUndoable || leaf.m_bInHelper || isRecorded(before.m_leaves, i))
+                        continue;
                     if (m_pSplices && leaf.m_kind == EMemberKind::Vector
                         && splicesAnnounced(entity, static_cast<int>(i)))
                         continue;
@@ -358,27 +382,16 @@ void ChangeHistory::closeBracket(EntityChange & change) {
     if (isReplay) return;
 
     ChangeLog * log = m_pLog && m_pLog->number() == change.m_log ? m_pLog : nullptr;
-    Record record;
-    if (log) {
-        if (entity.m_logNumber == log->number()) {
-            Record const & last = log->record(entity.m_logRecord);
-            record.m_leaves = last.m_leaves;
-            record.m_bBorn = last.m_bBorn;
-        }
-    }
+    Record record = log ? continued(entity, *log) : Record();
     std::size_t const begin = log ? log->end() : 0;
     if (m_pScratch->size() > change.m_snapshot) keepDifferences(change, log, record);
     if (!log && alive) changedUnrecorded();
     if (!log) return;
     if (log->end() > begin) {
         if (isSaved(entity)) log->persistent();
-        record.m_pEntity = &entity;
         record.m_kind = ERecord::Changed;
         record.m_types = static_cast<std::uint8_t>(change.m_types);
-        record.m_previous = entity.m_logRecord;
-        record.m_previousLog = entity.m_logNumber;
-        entity.m_logRecord = static_cast<std::uint32_t>(log->close(begin, record));
-        entity.m_logNumber = log->number();
+        append(*log, begin, record);
     } else if (entity.m_logNumber == log->number())
         log->record(entity.m_logRecord).m_types |= static_cast<std::uint8_t>(change.m_types);
 }
@@ -440,10 +453,10 @@ void ChangeHistory::spliced(MemberSplices const & splices, bool inserted, std::s
         if (!outermost.m_bUndoable || isRecorded(outermost.m_leaves, leafNumber)) return;
         types = outermost.m_types;
     }
-    Record record;
+    Record record = continued(entity, *log);
+    if (record.m_bBorn || isRecorded(record.m_leaves, leafNumber)) return;
     if (entity.m_logNumber == log->number()) {
         Record & last = log->record(entity.m_logRecord);
-        if (last.m_bBorn || isRecorded(last.m_leaves, leafNumber)) return;
         // What goes on where the record before ended becomes a part of that.
         std::uint64_t * const payload = log->payload(entity.m_logRecord);
         if (inserted && last.m_kind == ERecord::Inserted && payload[0] == leafNumber
@@ -452,7 +465,6 @@ void ChangeHistory::spliced(MemberSplices const & splices, bool inserted, std::s
             last.m_types |= static_cast<std::uint8_t>(types);
             return;
         }
-        record.m_leaves = last.m_leaves;
     }
     if (isSaved(entity)) log->persistent();
     Leaf const & leaf = entity.metaType()->layout().leaves()[leafNumber];
@@ -466,13 +478,9 @@ void ChangeHistory::spliced(MemberSplices const & splices, bool inserted, std::s
                                 log->words());
         if (leaf.m_bOwning) log->owning();
     }
-    record.m_pEntity = &entity;
     record.m_kind = inserted ? ERecord::Inserted : ERecord::Erased;
     record.m_types = static_cast<std::uint8_t>(types);
-    record.m_previous = entity.m_logRecord;
-    record.m_previousLog = entity.m_logNumber;
-    entity.m_logRecord = static_cast<std::uint32_t>(log->close(begin, record));
-    entity.m_logNumber = log->number();
+    append(*log, begin, record);
 }
 
 void ChangeHistory::rootChanging(Segment & segment, std::string const & key, std::size_t place,
@@ -509,8 +517,7 @@ void ChangeHistory::born(Entity & entity) {
     record.m_pEntity = &entity;
     record.m_kind = ERecord::Born;
     record.m_bBorn = true;
-    entity.m_logRecord = static_cast<std::uint32_t>(log->close(log->end(), record));
-    entity.m_logNumber = log->number();
+    append(*log, log->end(), record);
     log->owning();
     m_asset.markDirty(entity);
 }
@@ -580,19 +587,10 @@ void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) noexce
         std::size_t const begin = log->end();
         for (Leaf const & leaf : layout.leaves())
             DataModel::keep(leaf, DataModel::field(entity, leaf), &m_asset, log->words());
-        Record record;
-        record.m_pEntity = &entity;
+        Record record = continued(entity, *log);
         record.m_kind = ERecord::Died;
-        if (entity.m_logNumber == log->number()) {
-            record.m_leaves = log->record(entity.m_logRecord).m_leaves;
-            record.m_bBorn = log->record(entity.m_logRecord).m_bBorn;
-        }
-        record.m_previous = entity.m_logRecord;
-        record.m_previousLog = entity.m_logNumber;
-        std::size_t const bytes = entity.metaType()->instanceSize() + entity.onSizeInBytes();
-        entity.m_logRecord = static_cast<std::uint32_t>(log->close(begin, record));
-        entity.m_logNumber = log->number();
-        log->addKeptBytes(bytes);
+        append(*log, begin, record);
+        log->addKeptBytes(entity.metaType()->instanceSize() + entity.onSizeInBytes());
         log->owning();
         if (isSaved(entity)) log->persistent();
         kept = true;
@@ -607,11 +605,9 @@ void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) noexce
         entity.segment()->entityEventSource()->tellPreDelete(entity, transact);
         entity.onPreDeletion(transact);
     } catch (...) {
-        if (m_bReplaying && !m_hookFailure) m_hookFailure = std::current_exception();
+        if (m_bReplaying) hookThrew();
     }
-    if (layout.hasStrong())
-        for (Leaf const & leaf : layout.leaves())
-            if (!leaf.m_bInHelper) DataModel::dropStrong(leaf, DataModel::field(entity, leaf));
+    layout.dropStrong(entity);
 
     m_asset.leave(entity);
     entity.suspendPassive();
@@ -645,10 +641,7 @@ void ChangeHistory::revive(Entity & entity, std::uint64_t const * tomb) {
     record.m_pEntity = &entity;
     record.m_kind = ERecord::Born;
     record.m_bBorn = false; // members that are restored now are recorded: they changed before it died
-    record.m_previous = 0;
-    record.m_previousLog = 0;
-    entity.m_logRecord = static_cast<std::uint32_t>(m_pInverse->close(m_pInverse->end(), record));
-    entity.m_logNumber = m_pInverse->number();
+    append(*m_pInverse, m_pInverse->end(), record);
     m_pInverse->owning();
 }
 
@@ -669,7 +662,7 @@ void ChangeHistory::replay(ChangeLog & log, ChangeLog * inverse) {
             try {
                 m_revived[i]->postCreation(DataChange::TransactReplay);
             } catch (...) {
-                if (!m_hookFailure) m_hookFailure = std::current_exception();
+                hookThrew();
             }
         }
         for (std::size_t end = log.end(); end; end = log.before(end)) {
@@ -719,7 +712,7 @@ void ChangeHistory::replayEntity(ChangeLog & log, std::size_t last) {
             record.m_bReplayed = true;
             std::uint64_t const * payload = log.payload(end);
             std::uint64_t const * const payloadEnd = payload + record.m_words;
-            Record inverse;
+            Record inverse = m_pInverse ? continued(entity, *m_pInverse) : Record();
             std::size_t const begin = m_pInverse ? m_pInverse->end() : 0;
             if (record.m_kind == ERecord::Changed) {
                 inverse.m_kind = ERecord::Changed;
@@ -757,12 +750,8 @@ void ChangeHistory::replayEntity(ChangeLog & log, std::size_t last) {
                 }
             }
             if (m_pInverse) {
-                inverse.m_pEntity = &entity;
                 inverse.m_types = record.m_types;
-                inverse.m_previous = entity.m_logRecord;
-                inverse.m_previousLog = entity.m_logNumber;
-                entity.m_logRecord = static_cast<std::uint32_t>(m_pInverse->close(begin, inverse));
-                entity.m_logNumber = m_pInverse->number();
+                append(*m_pInverse, begin, inverse);
             } else {
                 entity.m_logRecord = record.m_previous;
                 entity.m_logNumber = record.m_previousLog;

@@ -169,6 +169,13 @@ private:
 
     // Replays a log, with an inverse or, for an abort, without.
     void replay(DataModel::ChangeLog & log, DataModel::ChangeLog * inverse);
+    // A record that goes on where the last about the entity in the log ended, and its place there.
+    static DataModel::Record continued(Entity & entity, DataModel::ChangeLog & log);
+    static void append(DataModel::ChangeLog & log, std::size_t begin,
+                       DataModel::Record const & record);
+    // Keeps the first exception that a hook of a replay throws, until the replay is complete.
+    void hookThrew() noexcept;
+    void rethrowOfHook();
     void replayEntity(DataModel::ChangeLog & log, std::size_t record);
     void replayRoot(DataModel::ChangeLog & log, std::size_t record);
     Status move(bool undoing);
@@ -182,6 +189,7 @@ private:
     void spliced(MemberSplices const & splices, bool inserted, std::size_t index, std::size_t count);
     void enforceLimits();
     void drop(DataModel::ChangeLog & log) noexcept;
+    void dropOldest() noexcept;
     void dropRedo() noexcept;
     std::uint64_t state() const noexcept;
 

@@ -98,20 +98,6 @@ std::string targetClass(std::string const & typeName) {
     return found == "Vn::Entity" ? std::string() : found;
 }
 
-// The member of a leaf itself, where the leaf knows only the value around it.
-Member const * memberOf(Leaf const & leaf) {
-    Member const * member = leaf.m_pMember;
-    std::size_t place = leaf.m_path.find('.') + 1 + member->name().size();
-    while (member && member->type()->kind() == EMemberKind::Value && place < leaf.m_path.size()) {
-        std::size_t const end = leaf.m_path.find('.', place + 1);
-        std::string const name = leaf.m_path.substr(
-            place + 1, end == std::string::npos ? end : end - place - 1);
-        member = member->type()->memberSet(c_latestVersion)->find(name);
-        place += 1 + name.size();
-    }
-    return member;
-}
-
 bool isReference(EMemberKind kind) noexcept {
     return kind == EMemberKind::StrongRef || kind == EMemberKind::PassiveRef;
 }
@@ -264,7 +250,7 @@ DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
                     part.m_bDropped = false;
                     part.m_offset = leaf.m_offset;
                     if (isReference(leaf.m_kind))
-                        if (Member const * const itself = memberOf(leaf))
+                        if (Member const * const itself = leaf.m_pMember)
                             part.m_target.m_class = targetClass(itself->typeName());
                 }
             if (part.m_bDropped && !list.m_bDropped && !mayDrop) disagree(member);
@@ -285,7 +271,7 @@ DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
         }
         Target target;
         if (home && (isReference(member.m_kind) || member.isListOfReferences()))
-            if (Member const * const itself = memberOf(*home->m_pLeaf))
+            if (Member const * const itself = home->m_pLeaf->m_pMember)
                 target.m_class = targetClass(itself->typeName());
         if (member.m_kind == EMemberKind::Vector) {
             plan->m_listOfMember[i] = static_cast<int>(plan->m_lists.size());

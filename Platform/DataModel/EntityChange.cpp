@@ -33,20 +33,16 @@ EntityChange::EntityChange(Entity * entity, DataChange::ETransact transact,
       m_bUndoable(undoable), m_told(type) {
     if (m_pHistory) m_pHistory->openBracket(*this);
     if (!(timing & DataChange::TimingPre)) return;
-    if (!DataChange::test(transact, DataChange::TransactReplay)) {
-        try {
-            entity->onPreChange(transact, type, details);
-        } catch (...) {
-            if (m_pHistory) m_pHistory->closeBracket(*this);
-            throw;
-        }
-        return;
-    }
-    try { // a replay goes on whatever a hook throws
+    try {
         entity->onPreChange(transact, type, details);
     } catch (...) {
         if (!m_pHistory) throw;
-        if (!m_pHistory->m_hookFailure) m_pHistory->m_hookFailure = std::current_exception();
+        if (DataChange::test(transact, DataChange::TransactReplay)) {
+            m_pHistory->hookThrew(); // a replay goes on whatever a hook throws
+            return;
+        }
+        m_pHistory->closeBracket(*this);
+        throw;
     }
 }
 
@@ -85,7 +81,7 @@ void EntityChange::add(EntityChangeSummarizer * summarizer) {
 }
 
 MemberSplices::MemberSplices(Entity & entity, void const * member)
-    : m_entity(entity), m_pMember(member), m_pHistory(historyOf(entity)) {
+    : m_entity(entity), m_pHistory(historyOf(entity)) {
     if (!m_pHistory) return;
     if (m_pHistory->m_pLog) m_leaf = m_pHistory->leafOf(entity, member);
     m_pEnclosing = m_pHistory->m_pSplices;

@@ -128,15 +128,10 @@ public:
     // Elements are about to go; said right before.
     void erasing(std::size_t index, std::size_t count = 1);
 
-    // The member, and the entity.
-    void const * member() const noexcept { return m_pMember; }
-    Entity & entity() const noexcept { return m_entity; }
-
 private:
     friend class ChangeHistory;
 
     Entity & m_entity;
-    void const * const m_pMember;
     ChangeHistory * const m_pHistory;
     MemberSplices * m_pEnclosing = nullptr;
     int m_leaf = -1;

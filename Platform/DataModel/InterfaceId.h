@@ -3,11 +3,7 @@
 #ifndef VN_PLATFORM_DATAMODEL_INTERFACEID_H
 #define VN_PLATFORM_DATAMODEL_INTERFACEID_H
 
-#include <atomic>
-#include <string_view>
-
-#include "Platform/Base/ScopedLock.h"
-#include "Platform/Base/SpinLock.h"
+#include "Platform/Base/Shared.h"
 #include "Platform/Base/UniqueString.h"
 #include "Platform/DataModel/Export.h"
 
@@ -23,29 +19,12 @@ public:
 
     // The id, the same pointer at every call.
     UniqueString const * get() noexcept {
-        UniqueString const * id = m_pId.load(std::memory_order_acquire);
-        return id ? id : make();
+        return &m_id.get([this] { return UniqueString::find(m_name, true); });
     }
 
 private:
-    UniqueString const * make() noexcept {
-        ScopedLockBase const scope(1, 2);
-        if (!scope.isLocking()) return makeAlone();
-        SpinLockGuard const guard(m_lock);
-        return makeAlone();
-    }
-    UniqueString const * makeAlone() noexcept {
-        UniqueString const * id = m_pId.load(std::memory_order_relaxed);
-        if (!id) {
-            id = UniqueString::find(m_name, true);
-            m_pId.store(id, std::memory_order_release);
-        }
-        return id;
-    }
-
     char const * const m_name;
-    std::atomic<UniqueString const *> m_pId{nullptr};
-    SpinLock m_lock;
+    Shared<UniqueString const> m_id;
 };
 
 // `object` as a T, if it offers that; else null.  `object` may be null.

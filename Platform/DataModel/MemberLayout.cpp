@@ -230,6 +230,16 @@ std::vector<Leaf> const & leavesOf(ValueMetaType & type) {
     return *leaves;
 }
 
+// Makes all strong references of a leaf null.
+void dropStrong(Leaf const & leaf, void * field) noexcept {
+    if (leaf.m_kind == EMemberKind::StrongRef) return strong(field).reset();
+    if (leaf.m_kind != EMemberKind::Vector) return;
+    visitElements(leaf, field, 0, leaf.m_pFunctions->elementCount(field),
+                  [&](EMemberKind kind, char * element) {
+                      if (kind == EMemberKind::StrongRef) strong(element).reset();
+                  });
+}
+
 } // namespace
 
 void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
@@ -253,7 +263,6 @@ void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
                 part.m_bUndoable = leaf.m_bUndoable && part.m_bUndoable;
                 part.m_bPersisted = leaf.m_bPersisted && part.m_bPersisted;
                 part.m_path = leaf.m_path + part.m_path.substr(part.m_path.find('.'));
-                part.m_pMember = leaf.m_pMember;
                 part.m_pSet = leaf.m_pSet;
                 leaves.push_back(std::move(part));
             }
@@ -279,6 +288,12 @@ MemberLayout::MemberLayout(MemberSet const * set) {
     for (Leaf const & leaf : m_leaves)
         m_bStrong = m_bStrong || leaf.m_kind == EMemberKind::StrongRef
             || (leaf.m_kind == EMemberKind::Vector && leaf.m_elementKind == EMemberKind::StrongRef);
+}
+
+void MemberLayout::dropStrong(Entity & entity) const noexcept {
+    if (!m_bStrong) return;
+    for (Leaf const & leaf : m_leaves)
+        if (!leaf.m_bInHelper) DataModel::dropStrong(leaf, field(entity, leaf));
 }
 
 int MemberLayout::find(Entity const & entity, void const * field) const noexcept {
@@ -353,15 +368,6 @@ void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size
 
 void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept {
     visitKinds(leaf, count, [&](EMemberKind kind) { releaseOne(kind, words); });
-}
-
-void dropStrong(Leaf const & leaf, void * field) noexcept {
-    if (leaf.m_kind == EMemberKind::StrongRef) return strong(field).reset();
-    if (leaf.m_kind != EMemberKind::Vector) return;
-    visitElements(leaf, field, 0, leaf.m_pFunctions->elementCount(field),
-                  [&](EMemberKind kind, char * element) {
-                      if (kind == EMemberKind::StrongRef) strong(element).reset();
-                  });
 }
 
 } // namespace Vn::DataModel

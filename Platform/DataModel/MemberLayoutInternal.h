@@ -43,7 +43,7 @@ struct Leaf {
     bool m_bInHelper = false;
     bool m_bUndoable = true;
     bool m_bPersisted = true;
-    Member const * m_pMember = nullptr;    // the member, or the outermost one that it is a part of
+    Member const * m_pMember = nullptr; // of the entity, or of the innermost value
     MemberSet const * m_pSet = nullptr;    // of which class
     TemplatizedFunctions * m_pFunctions = nullptr;
     std::vector<Leaf> const * m_pElementLeaves = nullptr; // of a vector of values
@@ -63,6 +63,8 @@ public:
     int find(Entity const & entity, void const * field) const noexcept;
     // Whether any leaf holds strong references.
     bool hasStrong() const noexcept { return m_bStrong; }
+    // Makes all strong references of an entity null.
+    void dropStrong(Entity & entity) const noexcept;
 
 private:
     std::vector<Leaf> m_leaves;
@@ -93,9 +95,6 @@ void insertElements(Leaf const & leaf, void * field, std::size_t index, std::siz
                     std::uint64_t const *& words);
 void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count);
 void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept;
-
-// Makes all strong references of a leaf null.
-void dropStrong(Leaf const & leaf, void * field) noexcept;
 
 } // namespace Vn::DataModel
 
