@@ -5,17 +5,13 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
-#include <functional>
 #include <limits>
 #include <map>
-
-#ifndef _WIN32
-#include <pthread.h>
-#endif
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Tests/Base/SmallStack.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
@@ -667,25 +663,6 @@ TEST_F(DocumentFileTests, aFailedMigrationLeavesNothingBehind) {
     EXPECT_FALSE(asset);
     Changing::end();
 }
-
-#ifndef _WIN32
-// Runs `work` on a thread with a stack of 1 MiB.
-void onSmallStack(std::function<void()> work) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, std::size_t{1} << 20);
-    pthread_t thread;
-    auto const run = [](void * argument) -> void * {
-        (*static_cast<std::function<void()> *>(argument))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
-#else
-void onSmallStack(std::function<void()> work) { work(); }
-#endif
 
 void saveAndLoadAChain() {
     TemporaryFile const file;

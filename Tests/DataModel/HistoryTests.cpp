@@ -3,20 +3,27 @@
 #include <limits>
 #include <memory>
 #include <stdexcept>
-#include <thread>
-
-#include <pthread.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/IEntityObserver.h"
+#include "Tests/Base/SmallStack.h"
 #include "Tests/DataModel/TestEntities.h"
 
 namespace Vn::Testing {
 namespace {
 
 using ::testing::ElementsAre;
+
+// Won't have a change.
+struct Thrower : IEntityObserver {
+    void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
+        throw std::runtime_error("no");
+    }
+    void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {}
+    void preDeletion(Entity *, DataChange::ETransact) override {}
+};
 
 class HistoryTests : public ::testing::Test {
 protected:
@@ -339,13 +346,7 @@ TEST_F(HistoryTests, nothingBeginsWithinAReplay) {
 }
 
 TEST_F(HistoryTests, whatAHookOfAReplayThrowsComesOutBehindIt) {
-    struct Thrower : IEntityObserver {
-        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
-            throw std::runtime_error("no");
-        }
-        void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {}
-        void preDeletion(Entity *, DataChange::ETransact) override {}
-    } thrower;
+    Thrower thrower;
     Transaction transaction(asset(), L"change");
     root().set(&Thing::m_int, 1);
     transaction.commit();
@@ -358,13 +359,7 @@ TEST_F(HistoryTests, whatAHookOfAReplayThrowsComesOutBehindIt) {
 }
 
 TEST_F(HistoryTests, aBracketWhoseHookThrowsIsNotOpened) {
-    struct Thrower : IEntityObserver {
-        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
-            throw std::runtime_error("no");
-        }
-        void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {}
-        void preDeletion(Entity *, DataChange::ETransact) override {}
-    } thrower;
+    Thrower thrower;
     root().subscribe(&thrower);
     EXPECT_THROW(root().set(&Thing::m_int, 1), std::runtime_error);
     root().unsubscribe(&thrower);
@@ -446,7 +441,7 @@ TEST_F(HistoryTests, aChangeOutsideATransactionEndsTheHistory) {
 }
 
 TEST_F(HistoryTests, aLongChainIsDeletedOnASmallStack) {
-    auto const work = [this] {
+    onSmallStack([this] {
         {
             Transaction transaction(asset(), L"make");
             Thing * last = &root();
@@ -471,18 +466,7 @@ TEST_F(HistoryTests, aLongChainIsDeletedOnASmallStack) {
         redo();
         m_rRoot.reset();
         m_rAsset.reset();
-    };
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, std::size_t{1} << 20);
-    pthread_t thread;
-    auto const run = [](void * f) -> void * {
-        (*static_cast<decltype(work) const *>(f))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, const_cast<void *>(static_cast<void const *>(&work))), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
+    });
 }
 
 TEST_F(HistoryTests, theCleanMarkIsFoundAgain) {

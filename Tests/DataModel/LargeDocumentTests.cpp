@@ -4,30 +4,14 @@
 #include <functional>
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentEngine.h"
+#include "Tests/Base/SmallStack.h"
 #include "Tests/DataModel/TestEntities.h"
 
 namespace Vn::Testing {
 namespace {
-
-void onSmallStack(std::function<void()> const & work) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, std::size_t{1} << 20);
-    pthread_t thread;
-    auto const run = [](void * function) -> void * {
-        (*static_cast<std::function<void()> const *>(function))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run,
-                             const_cast<void *>(static_cast<void const *>(&work))),
-              0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
 
 class LargeDocumentTests : public ::testing::Test {
 protected:

@@ -3,8 +3,6 @@
 #ifndef VN_TESTS_COMMONDATA_EXPRESSIONS_EXPRESSIONSTESTING_H
 #define VN_TESTS_COMMONDATA_EXPRESSIONS_EXPRESSIONSTESTING_H
 
-#include <pthread.h>
-
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -20,6 +18,7 @@
 #include "Server/CommonData/Units/ComplexUnit.h"
 #include "Server/CommonData/Units/UnitContext.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
+#include "Tests/Base/SmallStack.h"
 
 namespace Vn::Expressions::Testing {
 
@@ -58,30 +57,7 @@ inline std::wstring repeated(std::wstring_view piece, std::size_t times) {
     return text;
 }
 
-// The thread sanitizer keeps what it knows of a thread, some 770 KiB, on the thread's stack.
-#ifdef __SANITIZE_THREAD__
-inline constexpr std::size_t c_sanitizersOwn = std::size_t{768} << 10;
-#else
-inline constexpr std::size_t c_sanitizersOwn = 0;
-#endif
-
-// Runs `work` on a thread of its own with a stack of 1 MiB.
-inline void onSmallStack(std::function<void()> const & work) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, (std::size_t{1} << 20) + c_sanitizersOwn), 0);
-    pthread_t thread;
-    int const made = pthread_create(
-        &thread, &attributes,
-        [](void * argument) -> void * {
-            (*static_cast<std::function<void()> const *>(argument))();
-            return nullptr;
-        },
-        const_cast<std::function<void()> *>(&work));
-    pthread_attr_destroy(&attributes);
-    ASSERT_EQ(made, 0);
-    ASSERT_EQ(pthread_join(thread, nullptr), 0);
-}
+using Vn::Testing::onSmallStack;
 
 } // namespace Vn::Expressions::Testing
 
