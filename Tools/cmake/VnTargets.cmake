@@ -80,3 +80,13 @@ function(vn_add_test name)
   include(GoogleTest)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
 endfunction()
+
+# vn_add_catalogue(OUTPUT PO): compiles a catalogue of translations, once somebody depends on OUTPUT.
+find_program(MSGFMT msgfmt REQUIRED)
+function(vn_add_catalogue output po)
+  cmake_path(GET output PARENT_PATH directory)
+  add_custom_command(OUTPUT "${output}"
+    COMMAND "${CMAKE_COMMAND}" -E make_directory "${directory}"
+    COMMAND "${MSGFMT}" --check-format -o "${output}" "${CMAKE_CURRENT_SOURCE_DIR}/${po}"
+    DEPENDS "${po}" VERBATIM)
+endfunction()

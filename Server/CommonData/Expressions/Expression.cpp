@@ -41,9 +41,10 @@ std::wstring Expression::rebuilt(Units::EUnitDisplayMode mode,
     return m_node ? m_node->reconstructString(mode, settings, nullptr) : std::wstring();
 }
 
-bool Expression::rebuiltReadsBack() const {
+bool Expression::rebuiltReadsBack() const { return readsBack(rebuilt()); }
+
+bool Expression::readsBack(std::wstring const & text) const {
     if (!m_node) return false;
-    std::wstring const text = rebuilt();
     Expression const again(text, m_context);
     if (!again || again.value() != value() || again.rebuilt() != text) return false;
     std::optional<Units::ComplexUnit> const here = units();
@@ -55,7 +56,10 @@ bool Expression::rebuiltReadsBack() const {
            again.formatted(Units::ValueAndUnit, standard, m_context);
 }
 
-std::wstring Expression::textToStore() const { return rebuiltReadsBack() ? rebuilt() : m_text; }
+std::wstring Expression::textToStore() const {
+    std::wstring text = rebuilt();
+    return readsBack(text) ? text : m_text;
+}
 
 Node * Expression::release() { return m_node.release(); }
 

@@ -65,6 +65,9 @@ public:
     Node * release();
 
 private:
+    // Whether `text`, which is the rebuilt one, reads back.
+    bool readsBack(std::wstring const & text) const;
+
     struct Destroy {
         void operator()(Node * node) const { Interface::get()->destroy(node); }
     };
