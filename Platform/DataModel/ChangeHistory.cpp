@@ -50,6 +50,15 @@ std::uint64_t entry(std::size_t leaf, std::size_t words) noexcept {
 }
 std::size_t entryLeaf(std::uint64_t head) noexcept { return head & 0xFFFFFFFFU; }
 
+// Fetches the entity that a log ends with into the cache, while something else is replayed.
+void prefetchEntity(ChangeLog & log) noexcept {
+    if (log.empty()) return;
+    auto const entity = reinterpret_cast<std::uintptr_t>(log.record(log.end()).m_pEntity);
+    constexpr std::uintptr_t c_line = 64;
+    for (std::uintptr_t i = 0; i < 3; ++i)
+        __builtin_prefetch(reinterpret_cast<void const *>(entity + i * c_line));
+}
+
 // A spare log that has grown larger is given back.
 constexpr std::size_t c_spareBytes = 65536;
 
@@ -81,16 +90,11 @@ Status ChangeHistory::move(bool undoing) {
         step = std::move(m_redo.back());
         m_redo.pop_back();
     }
+    // Steps are often taken one behind the other.
+    if (undoing ? !m_undo.empty() : !m_redo.empty())
+        prefetchEntity((undoing ? m_undo.back() : m_redo.back())->m_log);
     m_bytes -= step->m_log.bytes();
-    // The inverse is written to a log that is used again and again, and then changes places.
-    if (!m_pSpare) m_pSpare = std::make_unique<ChangeLog>(0);
-    m_pSpare->reset(nextLogNumber());
-    replay(step->m_log, m_pSpare.get());
-    if (step->m_log.isPersistent()) m_pSpare->persistent();
-    step->m_log.swap(*m_pSpare);
-    step->m_log.words().trim();
-    drop(*m_pSpare);
-    if (m_pSpare->words().heapBytes() > c_spareBytes) m_pSpare.reset();
+    replay(step->m_log, undoing);
     m_bytes += step->m_log.bytes();
     if (undoing)
         m_redo.push_back(std::move(step));
@@ -233,6 +237,7 @@ void ChangeHistory::commit() {
         m_pLog->addKeptBytes(log.keptBytes());
         if (log.isPersistent()) m_pLog->persistent();
         if (log.isOwning()) m_pLog->owning();
+        if (log.isMixed() || base > 0) m_pLog->mixed(); // both may have recorded the same members
         return;
     }
     dropRedo();
@@ -254,7 +259,7 @@ void ChangeHistory::abort() {
     m_open.pop_back();
     m_pLog = nullptr;
     if (std::exchange(m_bLost, false)) m_bUsable = false;
-    replay(step->m_log, nullptr);
+    replayForAbort(step->m_log);
     m_pLog = step->m_pAround;
     drop(step->m_log);
     // What the replay killed was still mentioned by the log.
@@ -406,6 +411,7 @@ void ChangeHistory::keepDifferences(EntityChange const & change, ChangeLog * log
     std::uint64_t * kept = begin; // the differences move together at the beginning
     std::uint64_t recorded = record.m_leaves;
     bool owning = false;
+    bool mixed = false;
     while (place < end) {
         std::size_t const i = static_cast<std::size_t>(*place++);
         Leaf const & leaf = leaves[i];
@@ -424,6 +430,7 @@ void ChangeHistory::keepDifferences(EntityChange const & change, ChangeLog * log
         kept += words;
         note(recorded, i);
         owning = owning || leaf.m_bOwning;
+        mixed = mixed || !leaf.m_numberBytes || i >= c_maskedLeaves;
     }
     auto const words = static_cast<std::size_t>(kept - begin);
     m_pScratch->truncate(change.m_snapshot);
@@ -439,6 +446,7 @@ void ChangeHistory::keepDifferences(EntityChange const & change, ChangeLog * log
     log->words().push(begin, words);
     record.m_leaves = recorded;
     if (owning) log->owning();
+    if (mixed) log->mixed();
 }
 
 void ChangeHistory::spliced(MemberSplices const & splices, bool inserted, std::size_t index,
@@ -481,6 +489,7 @@ void ChangeHistory::spliced(MemberSplices const & splices, bool inserted, std::s
     record.m_kind = inserted ? ERecord::Inserted : ERecord::Erased;
     record.m_types = static_cast<std::uint8_t>(types);
     append(*log, begin, record);
+    log->mixed();
 }
 
 void ChangeHistory::rootChanging(Segment & segment, std::string const & key, std::size_t place,
@@ -500,6 +509,7 @@ void ChangeHistory::rootChanging(Segment & segment, std::string const & key, std
     record.m_kind = ERecord::Root;
     record.m_leaves = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(old));
     log->close(begin, record);
+    log->mixed();
 }
 
 // --- Birth and death ---------------------------------------------------------------------------
@@ -519,6 +529,7 @@ void ChangeHistory::born(Entity & entity) {
     record.m_bBorn = true;
     append(*log, log->end(), record);
     log->owning();
+    log->mixed();
     m_asset.markDirty(entity);
 }
 
@@ -550,6 +561,7 @@ void ChangeHistory::orphaned(Entity & entity) noexcept {
 }
 
 void ChangeHistory::killOrphans(DataChange::ETransact transact) noexcept {
+    if (m_orphans.empty()) return;
     // Outside a transaction what dies, and what its hooks change, belongs to the last step.
     ChangeLog * continued = nullptr;
     std::size_t before = 0;
@@ -590,6 +602,7 @@ void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) noexce
         Record record = continued(entity, *log);
         record.m_kind = ERecord::Died;
         append(*log, begin, record);
+        log->mixed();
         log->addKeptBytes(entity.metaType()->instanceSize() + entity.onSizeInBytes());
         log->owning();
         if (isSaved(entity)) log->persistent();
@@ -647,37 +660,31 @@ void ChangeHistory::revive(Entity & entity, std::uint64_t const * tomb) {
 
 // --- Replay ------------------------------------------------------------------------------------
 
-void ChangeHistory::replay(ChangeLog & log, ChangeLog * inverse) {
+void ChangeHistory::replay(ChangeLog & log, bool undoing) {
+    if (!log.isMixed()) return duringReplay(&log, [&] { exchangeAll(log, undoing); });
+    // The inverse is written to a log that is used again and again, and then changes places.
+    if (!m_pSpare) m_pSpare = std::make_unique<ChangeLog>(0);
+    m_pSpare->reset(nextLogNumber());
+    m_pSpare->mixed();
+    duringReplay(m_pSpare.get(), [&] { restoreAll(log); });
+    if (log.isPersistent()) m_pSpare->persistent();
+    log.swap(*m_pSpare);
+    log.words().trim();
+    drop(*m_pSpare);
+    if (m_pSpare->words().heapBytes() > c_spareBytes) m_pSpare.reset();
+}
+
+void ChangeHistory::replayForAbort(ChangeLog & log) {
+    duringReplay(nullptr, [&] { restoreAll(log); });
+}
+
+// With what the hooks do beside the replay.
+template <class Work>
+void ChangeHistory::duringReplay(ChangeLog * inverse, Work work) {
     m_bReplaying = true;
     m_pInverse = inverse;
     try {
-        // First the dead come back, so that whatever refers to them finds them.
-        for (std::size_t end = log.end(); end; end = log.before(end)) {
-            Record & record = log.record(end);
-            if (record.m_kind != ERecord::Died || record.m_bReplayed) continue;
-            record.m_bReplayed = true;
-            revive(*record.m_pEntity, log.payload(end));
-        }
-        for (std::size_t i = 0; i < m_revived.size(); ++i) {
-            try {
-                m_revived[i]->postCreation(DataChange::TransactReplay);
-            } catch (...) {
-                hookThrew();
-            }
-        }
-        for (std::size_t end = log.end(); end; end = log.before(end)) {
-            Record & record = log.record(end);
-            if (record.m_bReplayed) continue;
-            switch (record.m_kind) {
-            case ERecord::Born:
-                record.m_bReplayed = true;
-                if (!(record.m_pEntity->m_flags & Entity::FlagDead))
-                    kill(*record.m_pEntity, DataChange::TransactReplay);
-                break;
-            case ERecord::Root: replayRoot(log, end); break;
-            default: replayEntity(log, end);
-            }
-        }
+        work();
         m_revived.clear();
         killOrphans(DataChange::TransactReplay);
     } catch (...) { // memory ran out
@@ -691,21 +698,93 @@ void ChangeHistory::replay(ChangeLog & log, ChangeLog * inverse) {
     m_pInverse = nullptr;
 }
 
+void ChangeHistory::restoreAll(ChangeLog & log) {
+    // First the dead come back, so that whatever refers to them finds them.
+    for (std::size_t end = log.end(); end; end = log.before(end)) {
+        Record & record = log.record(end);
+        if (record.m_kind != ERecord::Died || record.m_bReplayed) continue;
+        record.m_bReplayed = true;
+        revive(*record.m_pEntity, log.payload(end));
+    }
+    for (std::size_t i = 0; i < m_revived.size(); ++i) {
+        try {
+            m_revived[i]->postCreation(DataChange::TransactReplay);
+        } catch (...) {
+            hookThrew();
+        }
+    }
+    for (std::size_t end = log.end(); end; end = log.before(end)) {
+        Record & record = log.record(end);
+        if (record.m_bReplayed) continue;
+        switch (record.m_kind) {
+        case ERecord::Born:
+            record.m_bReplayed = true;
+            if (!(record.m_pEntity->m_flags & Entity::FlagDead))
+                kill(*record.m_pEntity, DataChange::TransactReplay);
+            break;
+        case ERecord::Root: replayRoot(log, end); break;
+        default: replayEntity(log, end);
+        }
+    }
+}
+
+namespace {
+
+// Calls `visit` with each record about the entity of the record at `end` and before it in the log.
+template <class Visit>
+void forChain(ChangeLog & log, std::size_t end, Visit && visit) {
+    for (;; end = log.record(end).m_previous) {
+        visit(log.record(end), log.payload(end));
+        if (log.record(end).m_previousLog != log.number()) return;
+    }
+}
+
+// The kinds of all changes that such a chain records.
+DataChange::EChangeType changesOf(ChangeLog & log, std::size_t end) {
+    unsigned types = 0;
+    forChain(log, end, [&](Record & record, std::uint64_t *) { types |= record.m_types; });
+    return static_cast<DataChange::EChangeType>(types);
+}
+
+} // namespace
+
+// The entities have their turns in the order in which an inverse would give them.  Hooks may append
+// records to the log meanwhile, and make it a mixed one.
+void ChangeHistory::exchangeAll(ChangeLog & log, bool undoing) {
+    std::size_t const behind = log.end();
+    std::size_t const first = m_pScratch->size();
+    for (std::size_t end = behind; end; end = log.before(end)) {
+        if (log.record(end).m_bReplayed) continue;
+        forChain(log, end, [](Record & record, std::uint64_t *) { record.m_bReplayed = true; });
+        m_pScratch->push(end);
+    }
+    std::size_t const entities = m_pScratch->size() - first;
+    for (std::size_t i = 0; i < entities; ++i)
+        exchangeEntity(log, (*m_pScratch)[first + (undoing ? i : entities - 1 - i)]);
+    m_pScratch->truncate(first);
+    for (std::size_t end = behind; end; end = log.before(end)) log.record(end).m_bReplayed = false;
+}
+
+void ChangeHistory::exchangeEntity(ChangeLog & log, std::size_t last) {
+    Entity & entity = *log.record(last).m_pEntity;
+    EntityChange change(&entity, DataChange::TransactReplay, changesOf(log, last),
+                        DataChange::TimingPreAndPost, nullptr, true);
+    auto const & leaves = entity.metaType()->layout().leaves();
+    forChain(log, last, [&](Record & record, std::uint64_t * payload) {
+        for (std::uint32_t i = 0; i < record.m_words; i += 2) {
+            Leaf const & leaf = leaves[entryLeaf(payload[i])];
+            DataModel::exchange(leaf, DataModel::field(entity, leaf), payload[i + 1]);
+        }
+    });
+    entity.m_logNumber = log.number();
+    entity.m_logRecord = static_cast<std::uint32_t>(last);
+}
+
 void ChangeHistory::replayEntity(ChangeLog & log, std::size_t last) {
     Entity & entity = *log.record(last).m_pEntity;
-
-    // The entity's records from this one back, and the kinds of all its changes.
-    unsigned types = 0;
-    for (std::size_t end = last;;) {
-        Record const & record = log.record(end);
-        types |= record.m_types;
-        if (record.m_previousLog != log.number()) break;
-        end = record.m_previous;
-    }
     auto const & leaves = entity.metaType()->layout().leaves();
-    EntityChange change(&entity, DataChange::TransactReplay,
-                        static_cast<DataChange::EChangeType>(types), DataChange::TimingPreAndPost,
-                        nullptr, true);
+    EntityChange change(&entity, DataChange::TransactReplay, changesOf(log, last),
+                        DataChange::TimingPreAndPost, nullptr, true);
     for (std::size_t end = last;;) {
         Record & record = log.record(end);
         if (!record.m_bReplayed && record.m_kind != ERecord::Born) {

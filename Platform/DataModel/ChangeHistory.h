@@ -9,7 +9,8 @@
 //   "Recording"    a log is open, and what changes goes into it.  That is so within a transaction and
 //                  within a replay.
 //   "Replay"       restoring the state before a log, for undo, redo or abort.  While a log is replayed
-//                  another is recorded, the inverse, which restores the state after it.
+//                  another is recorded, the inverse, which restores the state after it.  A log of
+//                  nothing but numbers exchanges them with the fields, and so becomes the inverse.
 //   "Alive"        an entity that belongs to the document at present.  "Kept": one that doesn't, and
 //                  whose object a log owns.
 //   "Orphan"       an entity whose last strong reference has gone and whose deletion is still to come.
@@ -167,8 +168,13 @@ private:
     void killOrphans(DataChange::ETransact transact) noexcept;
     void rootChanging(Segment & segment, std::string const & key, std::size_t place, Entity * old);
 
-    // Replays a log, with an inverse or, for an abort, without.
-    void replay(DataModel::ChangeLog & log, DataModel::ChangeLog * inverse);
+    // Replays a log, which becomes its inverse; or, for an abort, without one.
+    void replay(DataModel::ChangeLog & log, bool undoing);
+    void replayForAbort(DataModel::ChangeLog & log);
+    template <class Work>
+    void duringReplay(DataModel::ChangeLog * inverse, Work work);
+    void restoreAll(DataModel::ChangeLog & log);
+    void exchangeAll(DataModel::ChangeLog & log, bool undoing);
     // A record that goes on where the last about the entity in the log ended, and its place there.
     static DataModel::Record continued(Entity & entity, DataModel::ChangeLog & log);
     static void append(DataModel::ChangeLog & log, std::size_t begin,
@@ -176,6 +182,7 @@ private:
     // Keeps the first exception that a hook of a replay throws, until the replay is complete.
     void hookThrew() noexcept;
     void rethrowOfHook();
+    void exchangeEntity(DataModel::ChangeLog & log, std::size_t record);
     void replayEntity(DataModel::ChangeLog & log, std::size_t record);
     void replayRoot(DataModel::ChangeLog & log, std::size_t record);
     Status move(bool undoing);

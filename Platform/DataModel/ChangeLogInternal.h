@@ -90,6 +90,10 @@ public:
     // Whether words own what they refer to, or entities are kept, so that giving the log up takes a walk.
     bool isOwning() const noexcept { return m_bOwning; }
     void owning() noexcept { m_bOwning = true; }
+    // Whether there is anything else than numbers that changed, or a member that may stand in it twice.
+    // Without, the log is replayed by an exchange of its words with the fields, in any order.
+    bool isMixed() const noexcept { return m_bMixed; }
+    void mixed() noexcept { m_bMixed = true; }
 
     // Becomes an empty log with another number.  What the words own must have been given up.
     void reset(std::uint32_t number) noexcept {
@@ -98,6 +102,7 @@ public:
         m_keptBytes = 0;
         m_bPersistent = false;
         m_bOwning = false;
+        m_bMixed = false;
     }
 
     // Becomes what another log is, and the other what this is.
@@ -107,6 +112,7 @@ public:
         std::swap(m_keptBytes, other.m_keptBytes);
         std::swap(m_bPersistent, other.m_bPersistent);
         std::swap(m_bOwning, other.m_bOwning);
+        std::swap(m_bMixed, other.m_bMixed);
     }
 
 private:
@@ -115,6 +121,7 @@ private:
     std::size_t m_keptBytes = 0;
     bool m_bPersistent = false;
     bool m_bOwning = false;
+    bool m_bMixed = false;
 };
 
 } // namespace Vn::DataModel

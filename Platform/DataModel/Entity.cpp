@@ -115,7 +115,11 @@ unsigned Entity::version() const { return migratingVersion(onMetaType()); }
 
 template <class Tell>
 void Entity::tellObservers(Tell && tell) {
-    if (!(m_flags & FlagObserved) || !m_pSegment) return;
+    if ((m_flags & FlagObserved) && m_pSegment) tellThem(tell);
+}
+
+template <class Tell>
+void Entity::tellThem(Tell & tell) {
     auto const & all = asset()->m_observers;
     auto const i = all.find(this);
     if (i == all.end()) return;

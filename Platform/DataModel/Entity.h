@@ -139,6 +139,8 @@ private:
     void destroy() noexcept override;
     template <class Tell>
     void tellObservers(Tell && tell);
+    template <class Tell>
+    [[gnu::noinline]] void tellThem(Tell & tell);
 
     std::uint32_t m_flags = 0;
     // The last record about this entity in the log with that number.

@@ -19,10 +19,16 @@ public:
 
     // The id, the same pointer at every call.
     UniqueString const * get() noexcept {
-        return &m_id.get([this] { return UniqueString::find(m_name, true); });
+        UniqueString const * const id = m_id.peek();
+        return id ? id : intern();
     }
 
 private:
+    // Apart, since queries ask for ids all the time.
+    [[gnu::noinline]] UniqueString const * intern() noexcept {
+        return &m_id.get([this] { return UniqueString::find(m_name, true); });
+    }
+
     char const * const m_name;
     Shared<UniqueString const> m_id;
 };

@@ -22,8 +22,8 @@ bool ownsWords(EMemberKind kind) noexcept {
         || kind == EMemberKind::StrongRef;
 }
 
-// The bytes of the kinds that fit a word.
-std::size_t plainBytes(EMemberKind kind) noexcept {
+// The bytes of the kinds that fit a word; 0 for the others.
+std::uint8_t plainBytes(EMemberKind kind) noexcept {
     switch (kind) {
     case EMemberKind::Bool: return sizeof(bool);
     case EMemberKind::Int:
@@ -34,6 +34,14 @@ std::size_t plainBytes(EMemberKind kind) noexcept {
     case EMemberKind::Double: return 8;
     default: return 0;
     }
+}
+
+template <std::size_t c_bytes>
+void exchangeBytes(void * field, std::uint64_t & word) noexcept {
+    std::uint64_t present = 0;
+    std::memcpy(&present, field, c_bytes);
+    std::memcpy(field, &word, c_bytes);
+    word = present;
 }
 
 template <class Text>
@@ -256,6 +264,7 @@ void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
         leaf.m_pFunctions = member.functions();
         leaf.m_path = set.className() + '.' + member.name();
         leaf.m_bOwning = ownsWords(leaf.m_kind);
+        leaf.m_numberBytes = plainBytes(leaf.m_kind);
         if (leaf.m_kind == EMemberKind::Value) {
             for (Leaf part : leavesOf(static_cast<ValueMetaType &>(*member.type()))) {
                 part.m_offset += leaf.m_offset;
@@ -334,6 +343,14 @@ void restore(Leaf const & leaf, void * field, std::uint64_t const *& words) {
     if (present < count) leaf.m_pFunctions->appendElements(field, count - present);
     visitElements(leaf, field, 0, count,
                   [&](EMemberKind kind, char * element) { restoreOne(kind, element, words); });
+}
+
+void exchange(Leaf const & leaf, void * field, std::uint64_t & word) noexcept {
+    switch (leaf.m_numberBytes) {
+    case 1: return exchangeBytes<1>(field, word);
+    case 4: return exchangeBytes<4>(field, word);
+    default: return exchangeBytes<8>(field, word);
+    }
 }
 
 void skip(Leaf const & leaf, std::uint64_t const *& words) {

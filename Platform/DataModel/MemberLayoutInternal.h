@@ -40,6 +40,7 @@ struct Leaf {
     EMemberKind m_kind = EMemberKind::Bool;
     EMemberKind m_elementKind = EMemberKind::Bool; // of a vector
     bool m_bOwning = false; // its words own what they refer to
+    std::uint8_t m_numberBytes = 0; // of a number or bool; 0 for all else
     bool m_bInHelper = false;
     bool m_bUndoable = true;
     bool m_bPersisted = true;
@@ -82,6 +83,8 @@ void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer
 bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words);
 // Gives the field the value in the words, which stay as they are.
 void restore(Leaf const & leaf, void * field, std::uint64_t const *& words);
+// Gives the field of a number the value in the word, which takes the one that the field had.
+void exchange(Leaf const & leaf, void * field, std::uint64_t & word) noexcept;
 // Steps over a value.
 void skip(Leaf const & leaf, std::uint64_t const *& words);
 // Gives up what the words own, and steps over them.

@@ -1,8 +1,10 @@
 // The laws of ChangeHistory.h.
 
+#include <array>
 #include <limits>
 #include <memory>
 #include <stdexcept>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +16,7 @@
 namespace Vn::Testing {
 namespace {
 
+using ::testing::Each;
 using ::testing::ElementsAre;
 
 // Won't have a change.
@@ -24,6 +27,56 @@ struct Thrower : IEntityObserver {
     void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {}
     void preDeletion(Entity *, DataChange::ETransact) override {}
 };
+
+// Has more members than a record of the log has bits for.
+class Wide : public Entity {
+public:
+    static constexpr std::size_t c_members = 70;
+
+    static std::string s_metaTypeId() { return "Test-Wide"; }
+    static StrongRef<Wide> make(Segment * segment) {
+        StrongRef<Wide> made(new Wide(segment));
+        made->postCreation(DataChange::TransactDirect);
+        return made;
+    }
+    explicit Wide(Segment * segment) : Entity(segment) {
+        MemberSet * const set = onMetaType()->memberSet(c_latestVersion);
+        if (set->initialized()) return;
+        set->initialize(this, "Wide");
+        for (std::size_t i = 0; i < c_members; ++i)
+            set->addNewMember(("number" + std::to_string(i)).c_str(), &m_numbers[i], "double",
+                              IntrinsicMetaType<double>::get(), nullptr, nullptr);
+    }
+    Wide(Segment * segment, unsigned long long id) : Entity(segment, id) {}
+
+    void set(std::size_t i, double value) {
+        EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeValue,
+                                  DataChange::TimingPreAndPost, nullptr, true);
+        m_numbers[i] = value;
+    }
+
+    std::array<double, c_members> m_numbers{};
+
+private:
+    EntityMetaType * onMetaType() const override;
+};
+
+class WideMetaType : public EntityMetaType {
+public:
+    WideMetaType()
+        : EntityMetaType("Test", Wide::s_metaTypeId(), "WideMetaType", 0, Entity::s_metaTypeId(),
+                         TypeConcrete) {}
+
+private:
+    void onMigratingMemberSet(Entity *, unsigned, MemberSet *) override {}
+    StrongRef<Entity> onCreateEntity(Segment * segment, unsigned long long id) override {
+        return StrongRef<Entity>(new Wide(segment, id));
+    }
+    std::size_t onInstanceSize() const override { return sizeof(Wide); }
+};
+WideMetaType s_wideMetaType;
+
+EntityMetaType * Wide::onMetaType() const { return &s_wideMetaType; }
 
 class HistoryTests : public ::testing::Test {
 protected:
@@ -313,6 +366,99 @@ TEST_F(HistoryTests, aReplayTellsEachEntityOnce) {
     redo();
     EXPECT_THAT(heard, ElementsAre("create 3 replay", "pre 2 replay", "post 2 replay",
                                    "pre 1 replay", "post 1 replay"));
+}
+
+TEST_F(HistoryTests, aReplayOfNumbersTellsEachEntityOnceAndInTurn) {
+    StrongRef<Thing> const other = Thing::make(asset());
+    {
+        Transaction transaction(asset(), L"change");
+        root().set(&Thing::m_int, 1);
+        other->set(&Thing::m_int, 1);
+        root().set(&Thing::m_double, 1.0);
+        transaction.commit();
+    }
+    std::vector<std::string> heard;
+    Thing::s_log = &heard;
+    for (int i = 0; i < 2; ++i) {
+        undo();
+        EXPECT_THAT(heard, ElementsAre("pre 1 replay", "post 1 replay", "pre 2 replay",
+                                       "post 2 replay"));
+        heard.clear();
+        redo();
+        EXPECT_THAT(heard, ElementsAre("pre 2 replay", "post 2 replay", "pre 1 replay",
+                                       "post 1 replay"));
+        heard.clear();
+    }
+    Thing::s_log = nullptr;
+}
+
+TEST_F(HistoryTests, aNumberThatChangesAgainWithinANestedTransactionComesBack) {
+    expectReversible([&] {
+        root().set(&Thing::m_int, 1);
+        {
+            Transaction inner(asset(), L"inner");
+            root().set(&Thing::m_int, 2);
+            inner.commit();
+        }
+        root().set(&Thing::m_int, 3);
+    });
+}
+
+TEST_F(HistoryTests, membersBeyondTheBitsOfARecordComeBack) {
+    StrongRef<Wide> const wide = Wide::make(asset().segment(SegmentType::DesignSegment));
+    {
+        Transaction transaction(asset(), L"change");
+        for (double const round : {1.0, 2.0, 3.0})
+            for (std::size_t i = 0; i < Wide::c_members; ++i)
+                wide->set(i, round * static_cast<double>(i + 1));
+        transaction.commit();
+    }
+    auto const after = wide->m_numbers;
+    for (int i = 0; i < 2; ++i) {
+        undo();
+        EXPECT_THAT(wide->m_numbers, Each(0.0));
+        redo();
+        EXPECT_EQ(wide->m_numbers, after);
+    }
+}
+
+// The step is of numbers only until the hook has its say.
+TEST_F(HistoryTests, whatHooksDoWithinAReplayOfNumbersIsTakenBackWithIt) {
+    struct Rooter : IEntityObserver {
+        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {}
+        void postChange(Entity * entity, DataChange::ETransact, DataChange::EChangeType,
+                        DataChange *) override {
+            if (!m_rHeld) return;
+            entity->segment()->addRoot(m_rHeld, "hook");
+            m_rDropped.reset();
+            m_rHeld.reset();
+        }
+        void preDeletion(Entity *, DataChange::ETransact) override {}
+        StrongRef<Thing> m_rHeld;
+        StrongRef<Thing> m_rDropped;
+    } rooter;
+    StrongRef<Thing> rooted = Thing::make(asset(), L"rooted");
+    StrongRef<Thing> dropped = Thing::make(asset(), L"dropped");
+    {
+        Transaction transaction(asset(), L"change");
+        root().set(&Thing::m_int, 1);
+        transaction.commit();
+    }
+    rooter.m_rHeld = std::move(rooted);
+    rooter.m_rDropped = std::move(dropped);
+    root().subscribe(&rooter);
+    undo();
+    root().unsubscribe(&rooter);
+    std::wstring const after = dump(asset());
+    EXPECT_EQ(asset().entities(), 2U);
+    EXPECT_EQ(root().m_int, 0);
+    for (int i = 0; i < 2; ++i) {
+        redo(); // now nobody owns the two
+        EXPECT_EQ(asset().entities(), 1U);
+        EXPECT_EQ(root().m_int, 1);
+        undo();
+        EXPECT_EQ(dump(asset()), after);
+    }
 }
 
 TEST_F(HistoryTests, nothingBeginsWithinAReplay) {
