@@ -50,10 +50,11 @@ std::uint64_t entry(std::size_t leaf, std::size_t words) noexcept {
 }
 std::size_t entryLeaf(std::uint64_t head) noexcept { return head & 0xFFFFFFFFU; }
 
-// Fetches the entity that a log ends with into the cache, while something else is replayed.
-void prefetchEntity(ChangeLog & log) noexcept {
-    if (log.empty()) return;
-    auto const entity = reinterpret_cast<std::uintptr_t>(log.record(log.end()).m_pEntity);
+// Fetches the entity of a record into the cache, while something else is replayed.  A call that isn't
+// inlined would be dropped, since it changes nothing.
+[[gnu::always_inline]] inline void prefetchEntity(ChangeLog & log, std::size_t end) noexcept {
+    if (!end) return;
+    auto const entity = reinterpret_cast<std::uintptr_t>(log.record(end).m_pEntity);
     constexpr std::uintptr_t c_line = 64;
     for (std::uintptr_t i = 0; i < 3; ++i)
         __builtin_prefetch(reinterpret_cast<void const *>(entity + i * c_line));
@@ -91,8 +92,10 @@ Status ChangeHistory::move(bool undoing) {
         m_redo.pop_back();
     }
     // Steps are often taken one behind the other.
-    if (undoing ? !m_undo.empty() : !m_redo.empty())
-        prefetchEntity((undoing ? m_undo.back() : m_redo.back())->m_log);
+    if (undoing ? !m_undo.empty() : !m_redo.empty()) {
+        ChangeLog & next = (undoing ? m_undo.back() : m_redo.back())->m_log;
+        prefetchEntity(next, next.end());
+    }
     m_bytes -= step->m_log.bytes();
     replay(step->m_log, undoing);
     m_bytes += step->m_log.bytes();
@@ -759,8 +762,14 @@ void ChangeHistory::exchangeAll(ChangeLog & log, bool undoing) {
         m_pScratch->push(end);
     }
     std::size_t const entities = m_pScratch->size() - first;
-    for (std::size_t i = 0; i < entities; ++i)
-        exchangeEntity(log, (*m_pScratch)[first + (undoing ? i : entities - 1 - i)]);
+    auto const place = [&](std::size_t i) {
+        return static_cast<std::size_t>((*m_pScratch)[first + (undoing ? i : entities - 1 - i)]);
+    };
+    constexpr std::size_t c_ahead = 4;
+    for (std::size_t i = 0; i < entities; ++i) {
+        if (i + c_ahead < entities) prefetchEntity(log, place(i + c_ahead));
+        exchangeEntity(log, place(i));
+    }
     m_pScratch->truncate(first);
     for (std::size_t end = behind; end; end = log.before(end)) log.record(end).m_bReplayed = false;
 }
