@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
-#include <limits>
 #include <map>
 
 #include <gmock/gmock.h>
@@ -91,48 +90,9 @@ TEST_F(DocumentFileTests, anEmptyDocumentComesBack) {
 }
 
 TEST_F(DocumentFileTests, everyKindOfMemberComesBack) {
-    using Doubles = std::numeric_limits<double>;
-    using Floats = std::numeric_limits<float>;
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
-    StrongRef<Everything> const one = Everything::make(design(*asset));
-    StrongRef<Everything> const two = Everything::make(design(*asset));
-    design(*asset)->addRoot(one, "one");
-    std::wstring const odd{L'a', static_cast<wchar_t>(0xD800), L'\0', static_cast<wchar_t>(0xDC00),
-                           static_cast<wchar_t>(0x1F600), static_cast<wchar_t>(0x110000),
-                           static_cast<wchar_t>(0xFFFFFFFFU), static_cast<wchar_t>(0x7FFFFFFF)};
-    one->m_name = L"\u00E4\u6F22\U0001F600 \"quoted\" \\ \n";
-    one->m_bool = true;
-    one->m_int = std::numeric_limits<int>::min();
-    one->m_unsigned = std::numeric_limits<unsigned>::max();
-    one->m_int64 = std::numeric_limits<long long>::min();
-    one->m_unsigned64 = std::numeric_limits<unsigned long long>::max();
-    one->m_float = Floats::denorm_min();
-    one->m_double = -0.0;
-    one->m_string = std::string("bytes \0 \xFF\xC3", 10);
-    one->m_wide = odd;
-    one->m_text = GlobalizedString("module", "key", L"English");
-    one->m_rOwned = StrongRef<Piece>(two);
-    one->m_rFriend = PassiveRef<Entity>(one.get());
-    one->m_spot = {Doubles::quiet_NaN(), odd, PassiveRef<Entity>(two.get())};
-    one->m_ints = {0, -1, std::numeric_limits<int>::max()};
-    one->m_unsigneds = {0, std::numeric_limits<unsigned>::max()};
-    one->m_int64s = {std::numeric_limits<long long>::min(), 0};
-    one->m_unsigned64s = {std::numeric_limits<unsigned long long>::max(), 1ULL << 63, 0};
-    one->m_floats = {-0.0F, Floats::infinity(), Floats::quiet_NaN(), 0.1F, Floats::denorm_min()};
-    one->m_doubles = {-0.0, 0.0, Doubles::infinity(), -Doubles::infinity(), Doubles::quiet_NaN(), 0.1,
-                      1.0, 1e22, Doubles::denorm_min(), Doubles::max(), 5e-324, 123456789.125};
-    one->m_strings = {"", "text", std::string("\0", 1), "\x80", "\"\\\n\x1F\x7F"};
-    one->m_wides = {L"", L"\u00E4\U0001F600", odd, std::wstring(1, L'\0'), L"\"\\/\b\f\n\r\t"};
-    one->m_texts = {GlobalizedString(), GlobalizedString(odd), GlobalizedString("\x80", "", odd),
-                    GlobalizedString("", "", L"")};
-    one->m_children = {nullptr};
-    one->m_friends = {PassiveRef<Entity>(two.get()), nullptr, PassiveRef<Entity>(one.get())};
-    one->m_spots = {{1.5, L"a", PassiveRef<Entity>(one.get())}, {-0.0, odd, nullptr}};
-    two->m_double = Doubles::infinity();
-    two->m_float = Floats::quiet_NaN();
-    two->m_spots.clear();
-    one->m_unsaved = 11;
+    StrongRef<Everything> const one = makeExtremes(*asset);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
     expectSaved(*asset, file.path());
     StrongRef<Asset> const other = load(file.path());

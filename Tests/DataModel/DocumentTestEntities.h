@@ -274,6 +274,9 @@ std::string dump(Asset const & asset, bool withTransient = false);
 
 Segment * design(Asset & asset);
 
+// Two entities whose members of every kind are at the ends of what they can hold; returns the root.
+StrongRef<Everything> makeExtremes(Asset & asset);
+
 // A new name in the directory for temporary files, and no file there.
 class TemporaryFile {
 public:
