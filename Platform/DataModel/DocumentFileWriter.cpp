@@ -2,10 +2,12 @@
 
 #include <sstream>
 #include <system_error>
+#include <unordered_set>
 #include <utility>
 
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/AssetAdapter.h"
+#include "Platform/DataModel/DocumentFileCirclesInternal.h"
 #include "Platform/DataModel/DocumentFileTextInternal.h"
 #include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/EntityTableInternal.h"
@@ -75,6 +77,29 @@ void appendNarrow(std::string & json, std::string_view text) {
     DataModel::appendJsonText(json, text, DataModel::isText(text));
 }
 
+// Calls `visit` with the target, which may be null, of each strong reference that a file would have.
+template <class Visit>
+void forEachOwned(Entity & entity, Visit && visit) {
+    for (Leaf const & leaf : entity.metaType()->layout().leaves()) {
+        if (!leaf.m_bPersisted || leaf.m_bInHelper) continue;
+        void * const field = DataModel::field(entity, leaf);
+        if (leaf.m_kind == EMemberKind::StrongRef) visit(at<StrongRef<Entity>>(field).get());
+        if (leaf.m_kind != EMemberKind::Vector) continue;
+        auto const visitElements = [&](std::ptrdiff_t offset) {
+            std::size_t const count = leaf.m_pFunctions->elementCount(field);
+            std::size_t const stride = leaf.m_pFunctions->memberBytes(1);
+            auto const * element = static_cast<char const *>(leaf.m_pFunctions->firstElement(field));
+            for (std::size_t i = 0; i < count; ++i, element += stride)
+                visit(at<StrongRef<Entity>>(element + offset).get());
+        };
+        if (leaf.m_elementKind == EMemberKind::StrongRef) visitElements(0);
+        if (leaf.m_elementKind == EMemberKind::Value)
+            for (Leaf const & part : *leaf.m_pElementLeaves)
+                if (part.m_bPersisted && part.m_kind == EMemberKind::StrongRef)
+                    visitElements(part.m_offset);
+    }
+}
+
 std::filesystem::path besideName(std::filesystem::path const & file, char const * ending) {
     std::filesystem::path beside = file;
     beside += ending;
@@ -108,10 +133,9 @@ DocumentFile::Writer::Writer(Asset & asset, std::string operation, std::string f
 
 DocumentFile::Writer::~Writer() = default;
 
-void DocumentFile::Writer::begin(Database & database, FileSchema & schema, bool isWhole) {
+void DocumentFile::Writer::begin(Database & database, FileSchema & schema) {
     m_pDatabase = &database;
     m_pSchema = &schema;
-    m_bWhole = isWhole;
     m_pLists = std::make_unique<DataModel::ListWriter>(database);
 }
 
@@ -142,6 +166,8 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
     if (exists && (status.permissions() & c_writable) == perms::none)
         refuse(StatusAccessDenied, "the file is read-only");
 
+    m_bWhole = true;
+    prepare(file);
     std::filesystem::path const temporary = besideName(target, ".saving");
     Database database(m_operation, file, m_fileSystem);
     bool isOurs = false;
@@ -156,10 +182,8 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
         database.run("BEGIN EXCLUSIVE");
         FileSchema schema(database);
         schema.create();
-        begin(database, schema, true);
-        std::size_t const deleted = m_asset.m_deleted.size();
-        writeAll();
-        eraseDeleted(deleted);
+        begin(database, schema);
+        writeEntities();
         writeSegments();
         writeRoots();
         if (m_asset.m_fileStamp.size()) {
@@ -192,7 +216,7 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
             DocumentFileStamp{head.m_id, head.m_generation, "-", head.m_stamp}.toString();
         refuse(synced.code(), synced.cause());
     }
-    markSaved(true);
+    markSaved();
 }
 
 // A journal of the file that is about to be replaced would be applied to the new one.
@@ -254,11 +278,13 @@ void DocumentFile::Writer::saveChanges() {
                 refuse(StatusFailed, "the file was changed by another program");
             isWholeNeeded = isDoubtful || !isCurrent(database, schema);
             if (!isWholeNeeded) {
-                begin(database, schema, false);
+                m_bWhole = false;
+                begin(database, schema);
                 if (!m_asset.m_dirty.empty() || !m_asset.m_deleted.empty()
                     || m_asset.m_bRootsDirty) {
-                    writeDirty();
-                    eraseDeleted(0);
+                    prepare(file);
+                    writeEntities();
+                    eraseDeleted();
                     writeSegments();
                     if (m_asset.m_bRootsDirty) writeRoots();
                     head.m_nextEntity = m_asset.m_nextId;
@@ -277,7 +303,7 @@ void DocumentFile::Writer::saveChanges() {
     }
     if (isWholeNeeded) return saveWhole(file);
     finish(file, head);
-    markSaved(false);
+    markSaved();
 }
 
 bool DocumentFile::Writer::isCurrent(Database const & database, FileSchema & schema) {
@@ -295,17 +321,15 @@ bool DocumentFile::Writer::isCurrent(Database const & database, FileSchema & sch
     return true;
 }
 
-// From the `first` on: hooks may have deleted what was written before.
-void DocumentFile::Writer::eraseDeleted(std::size_t first) {
-    if (first == m_asset.m_deleted.size()) return;
+void DocumentFile::Writer::eraseDeleted() {
+    if (m_asset.m_deleted.empty()) return;
     std::vector<Statement> erase;
     for (FileType const & type : m_pSchema->types())
         if (!type.m_table.empty())
             erase.emplace_back(*m_pDatabase,
                                "DELETE FROM " + DataModel::sqlName(type.m_table) + " WHERE id=?");
     std::size_t likely = 0; // entities that go together are often of one class
-    for (; first < m_asset.m_deleted.size(); ++first) {
-        unsigned long long const id = m_asset.m_deleted[first];
+    for (unsigned long long const id : m_asset.m_deleted) {
         if (Entity const * const entity = m_asset.m_pTable->find(id); entity && isWritten(*entity))
             continue; // it came back
         for (std::size_t i = 0; i < erase.size(); ++i) {
@@ -319,13 +343,6 @@ void DocumentFile::Writer::eraseDeleted(std::size_t first) {
         }
         m_pLists->erase(id);
     }
-}
-
-void DocumentFile::Writer::writeDirty() {
-    // By index: the hooks may change further entities.
-    for (std::size_t i = 0; i < m_asset.m_dirty.size(); ++i)
-        if (Entity * const entity = m_asset.m_pTable->find(m_asset.m_dirty[i]))
-            if (isWritten(*entity)) write(*entity);
 }
 
 // --- What both share ---------------------------------------------------------------------------
@@ -351,10 +368,62 @@ DocumentFile::Writer::idOf(PassiveRef<Entity> const & reference) const noexcept 
     return isThere ? target->id() : 0;
 }
 
-void DocumentFile::Writer::writeAll() {
-    m_asset.m_pTable->forEach([&](Entity & entity) {
-        if (isWritten(entity)) write(entity);
+template <class Visit>
+void DocumentFile::Writer::forEachToWrite(Visit && visit) const {
+    if (m_bWhole) {
+        m_asset.m_pTable->forEach([&](Entity & entity) {
+            if (isWritten(entity)) visit(entity);
+        });
+        return;
+    }
+    // By index, since there may be more of them meanwhile.
+    for (std::size_t i = 0; i < m_asset.m_dirty.size(); ++i)
+        if (Entity * const entity = m_asset.m_pTable->find(m_asset.m_dirty[i]))
+            if (isWritten(*entity)) visit(*entity);
+}
+
+// All of the hooks before anything is written: what one changes is written, whichever entity it is of.
+void DocumentFile::Writer::prepare(std::filesystem::path const & file) {
+    std::vector<unsigned long long> owners;
+    forEachToWrite([&](Entity & entity) {
+        EntityMetaType & type = *entity.metaType();
+        if (type.layout().hasStrong()) owners.push_back(entity.id());
+        type.onPreSave(&entity);
     });
+    if (unsigned long long const id = idOnCircle(owners))
+        throw FileFailure{
+            Status(StatusCorrupt, m_operation, pathText(file), DataModel::circleText(id))};
+}
+
+// `ids` are those of all entities that are written and own others.  In a save of changes those are enough:
+// there is no circle in the file, so that a new one leads through one of them.
+unsigned long long
+DocumentFile::Writer::idOnCircle(std::vector<unsigned long long> const & ids) const {
+    std::vector<Entity *> waiting;
+    std::unordered_set<Entity const *> known;
+    auto const enter = [&](Entity & owner) {
+        if (known.insert(&owner).second) waiting.push_back(&owner);
+    };
+    for (unsigned long long const id : ids)
+        if (Entity * const owner = m_asset.m_pTable->find(id)) enter(*owner);
+    std::vector<std::pair<unsigned long long, unsigned long long>> ownerships;
+    while (!waiting.empty()) {
+        Entity & owner = *waiting.back();
+        waiting.pop_back();
+        forEachOwned(owner, [&](Entity * owned) {
+            // Of a whole document all owners are known, and nothing else has to be looked at.
+            if (!known.contains(owned)) {
+                if (m_bWhole || !idOf(owned) || !owned->metaType()->layout().hasStrong()) return;
+                enter(*owned);
+            }
+            ownerships.emplace_back(owner.id(), owned->id());
+        });
+    }
+    return DataModel::idOnCircle(ownerships);
+}
+
+void DocumentFile::Writer::writeEntities() {
+    forEachToWrite([this](Entity & entity) { write(entity); });
 }
 
 void DocumentFile::Writer::writeSegments() {
@@ -431,11 +500,8 @@ DocumentFile::Writer::Class & DocumentFile::Writer::classOf(Entity & entity) {
 
 void DocumentFile::Writer::write(Entity & entity) {
     Class & target = classOf(entity);
-    target.m_pType->onPreSave(&entity);
-    if (!entity.isAlive()) return;
     writeColumns(target, entity);
     writeLists(target, entity);
-    entity.m_flags |= Entity::FlagStored; // if the save fails, no more than a row too many is looked for
 }
 
 void DocumentFile::Writer::writeColumns(Class & target, Entity & entity) {
@@ -571,33 +637,24 @@ void DocumentFile::Writer::finish(std::filesystem::path const & file, FileHead c
         DocumentFileStamp{head.m_id, head.m_generation, head.m_stamp, {}}.toString();
 }
 
-void DocumentFile::Writer::markSaved(bool isWhole) {
-    auto const mark = [](Entity & entity) {
+void DocumentFile::Writer::markSaved() {
+    forEachToWrite([](Entity & entity) {
         entity.m_flags |= Entity::FlagStored;
         entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDirty);
-    };
+    });
     std::vector<unsigned long long> const dirty = std::exchange(m_asset.m_dirty, {});
     m_asset.m_deleted.clear();
     m_asset.m_bRootsDirty = false;
     m_asset.m_history.markClean();
-    if (isWhole)
-        m_asset.m_pTable->forEach([&](Entity & entity) {
-            if (isWritten(entity)) mark(entity);
-        });
-    else
-        for (unsigned long long const id : dirty)
-            if (Entity * const entity = m_asset.m_pTable->find(id))
-                if (isWritten(*entity)) mark(*entity);
 
     // The hooks come last: what they change is new.
-    if (isWhole)
-        m_asset.m_pTable->forEach([&](Entity & entity) {
-            if (isWritten(entity)) entity.metaType()->onPostSave(&entity);
-        });
+    auto const tell = [](Entity & entity) { entity.metaType()->onPostSave(&entity); };
+    if (m_bWhole)
+        forEachToWrite(tell);
     else
         for (unsigned long long const id : dirty)
             if (Entity * const entity = m_asset.m_pTable->find(id))
-                if (isWritten(*entity)) entity->metaType()->onPostSave(entity);
+                if (isWritten(*entity)) tell(*entity);
     if (AssetAdapter * const adapter = m_asset.adapter()) adapter->postAssetSave();
 }
 

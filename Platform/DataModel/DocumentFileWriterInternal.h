@@ -41,15 +41,20 @@ private:
     struct Class;
 
     // The statements of one database.  They are gone before it is closed.
-    void begin(DataModel::Database & database, DataModel::FileSchema & schema, bool isWhole);
+    void begin(DataModel::Database & database, DataModel::FileSchema & schema);
     void end() noexcept;
 
     static bool isCurrent(DataModel::Database const & database, DataModel::FileSchema & schema);
     void writeSegments();
     void writeRoots();
-    void writeAll();
-    void writeDirty();
-    void eraseDeleted(std::size_t first);
+    // Each entity that this save writes.  `visit` may make, change and delete entities.
+    template <class Visit>
+    void forEachToWrite(Visit && visit) const;
+    // Tells the hooks, and refuses what a load would refuse.
+    void prepare(std::filesystem::path const & file);
+    unsigned long long idOnCircle(std::vector<unsigned long long> const & ids) const;
+    void writeEntities();
+    void eraseDeleted();
     void write(Entity & entity);
     void writeColumns(Class & target, Entity & entity);
     void writeLists(Class & target, Entity & entity);
@@ -62,14 +67,14 @@ private:
 
     void removeRemains(std::filesystem::path const & file) const;
     void finish(std::filesystem::path const & file, DataModel::FileHead const & head);
-    void markSaved(bool isWhole);
+    void markSaved();
 
     Asset & m_asset;
     std::string const m_operation;
     std::string const m_fileSystem;
     DataModel::Database * m_pDatabase = nullptr;
     DataModel::FileSchema * m_pSchema = nullptr;
-    bool m_bWhole = true;
+    bool m_bWhole = true; // not only what changed
     std::unordered_map<EntityMetaType const *, std::unique_ptr<Class>> m_classes;
     Class * m_pLastClass = nullptr;
     std::unique_ptr<DataModel::ListWriter> m_pLists;
