@@ -1,5 +1,6 @@
 #include "Platform/DataModel/DocumentFileWriterInternal.h"
 
+#include <algorithm>
 #include <sstream>
 #include <system_error>
 #include <unordered_set>
@@ -28,14 +29,15 @@ using DataModel::Statement;
 
 namespace {
 
+// Many rows that one statement inserts cost much less than as many statements.
+constexpr int c_rowsTogether = 32;
+
 // A member that is a column, with the buffers that its texts are bound from.
 struct Column {
     EMemberKind m_kind;
     std::ptrdiff_t m_offset;
-    int m_place;
-    std::string m_text;
-    std::string m_module;
-    std::string m_key;
+    int m_place; // counted from 0
+    std::vector<std::string> m_texts; // of each row of a statement
 };
 
 // A member that is a list.
@@ -100,6 +102,18 @@ void forEachOwned(Entity & entity, Visit && visit) {
     }
 }
 
+// "(?, ?), (?, ?)" and so on.
+std::string rowsOfParameters(std::size_t rows, int width) {
+    std::string row = "(?";
+    for (int i = 1; i < width; ++i) row += ", ?";
+    std::string all;
+    for (std::size_t i = 0; i < rows; ++i) {
+        if (i) all += ", ";
+        (all += row) += ')';
+    }
+    return all;
+}
+
 std::filesystem::path besideName(std::filesystem::path const & file, char const * ending) {
     std::filesystem::path beside = file;
     beside += ending;
@@ -110,7 +124,12 @@ std::filesystem::path besideName(std::filesystem::path const & file, char const 
 
 struct DocumentFile::Writer::Class {
     EntityMetaType * m_pType;
+    std::string m_insert; // the statement without its rows
+    int m_width;          // the columns of the table
+    std::size_t m_rowsTogether;
     Statement m_row;
+    Statement m_rows; // of so many together; prepared when they are there
+    std::vector<Entity const *> m_waiting; // whose rows are to be written
     std::vector<Column> m_columns;
     std::vector<List> m_lists;
 };
@@ -178,7 +197,8 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
         isOurs = true;
         database.run("PRAGMA journal_mode=OFF");
         database.run("PRAGMA synchronous=FULL");
-        database.run("PRAGMA cache_size=-65536");
+        // Only the ends of tables are written to, and pages that are used again are quicker than new ones.
+        database.run("PRAGMA cache_size=-4096");
         database.run("BEGIN EXCLUSIVE");
         FileSchema schema(database);
         schema.create();
@@ -424,6 +444,7 @@ DocumentFile::Writer::idOnCircle(std::vector<unsigned long long> const & ids) co
 
 void DocumentFile::Writer::writeEntities() {
     forEachToWrite([this](Entity & entity) { write(entity); });
+    for (auto const & [type, target] : m_classes) writeRows(*target);
 }
 
 void DocumentFile::Writer::writeSegments() {
@@ -472,12 +493,12 @@ DocumentFile::Writer::Class & DocumentFile::Writer::classOf(Entity & entity) {
         FileType * fileType = m_pSchema->find(type->identifier());
         if (!fileType || fileType->m_table.empty()) fileType = &m_pSchema->add(*type);
         DataModel::DescribedType const described = DataModel::describe(*m_pDatabase, *type);
-        int place = 3;
+        int place = 2;
         for (std::size_t i = 0; i < described.m_members.size(); ++i) {
             FileMember const & member = described.m_members[i];
             Leaf const * const leaf = described.m_leaves[i];
             if (member.isColumn()) {
-                made->m_columns.push_back({member.m_kind, leaf->m_offset, place, {}, {}, {}});
+                made->m_columns.push_back({member.m_kind, leaf->m_offset, place, {}});
                 place += member.m_kind == EMemberKind::GlobalizedString ? 3 : 1;
             } else if (member.m_list < 0)
                 made->m_lists.push_back({leaf, static_cast<int>(i), {}});
@@ -488,10 +509,13 @@ DocumentFile::Writer::Class & DocumentFile::Writer::classOf(Entity & entity) {
                 parts.push_back({head + ':', leaf});
             }
         }
-        std::string sql = m_bWhole ? "INSERT INTO " : "INSERT OR REPLACE INTO ";
-        sql += DataModel::sqlName(fileType->m_table) + " VALUES(?";
-        for (int i = 2; i < place; ++i) sql += ", ?";
-        made->m_row = Statement(*m_pDatabase, sql + ')');
+        made->m_insert = (m_bWhole ? "INSERT INTO " : "INSERT OR REPLACE INTO ")
+            + DataModel::sqlName(fileType->m_table) + " VALUES";
+        made->m_width = place;
+        made->m_rowsTogether = static_cast<std::size_t>(
+            std::clamp(DataModel::c_mostParameters / place, 1, c_rowsTogether));
+        for (Column & column : made->m_columns) column.m_texts.resize(made->m_rowsTogether);
+        made->m_row = Statement(*m_pDatabase, made->m_insert + rowsOfParameters(1, place));
         target = std::move(made);
     }
     m_pLastClass = target.get();
@@ -500,49 +524,69 @@ DocumentFile::Writer::Class & DocumentFile::Writer::classOf(Entity & entity) {
 
 void DocumentFile::Writer::write(Entity & entity) {
     Class & target = classOf(entity);
-    writeColumns(target, entity);
+    target.m_waiting.push_back(&entity);
+    if (target.m_waiting.size() == target.m_rowsTogether) writeRows(target);
     writeLists(target, entity);
 }
 
-void DocumentFile::Writer::writeColumns(Class & target, Entity & entity) {
-    Statement & row = target.m_row;
-    row.bind(1, static_cast<long long>(entity.id()));
-    row.bind(2, static_cast<long long>(entity.segment()->segmentType()->type()));
+// The rows of the entities that wait.
+void DocumentFile::Writer::writeRows(Class & target) {
+    std::size_t const count = target.m_waiting.size();
+    if (count == target.m_rowsTogether) {
+        if (!target.m_rows.isPrepared())
+            target.m_rows =
+                Statement(*m_pDatabase, target.m_insert + rowsOfParameters(count, target.m_width));
+        for (std::size_t i = 0; i < count; ++i)
+            bindColumns(target, *target.m_waiting[i], target.m_rows, i);
+        target.m_rows.run();
+    } else
+        for (Entity const * const entity : target.m_waiting) {
+            bindColumns(target, *entity, target.m_row, 0);
+            target.m_row.run();
+        }
+    target.m_waiting.clear();
+}
+
+void DocumentFile::Writer::bindColumns(Class & target, Entity const & entity, Statement & rows,
+                                       std::size_t row) {
+    int const first = static_cast<int>(row) * target.m_width + 1;
+    rows.bind(first, static_cast<long long>(entity.id()));
+    rows.bind(first + 1, static_cast<long long>(entity.segment()->segmentType()->type()));
     for (Column & column : target.m_columns) {
         void const * const field = reinterpret_cast<char const *>(&entity) + column.m_offset;
-        int const place = column.m_place;
+        int const place = first + column.m_place;
         auto const bindReference = [&](unsigned long long id) {
             if (id)
-                row.bind(place, static_cast<long long>(id));
+                rows.bind(place, static_cast<long long>(id));
             else
-                row.bindNull(place);
+                rows.bindNull(place);
         };
         switch (column.m_kind) {
-        case EMemberKind::Bool: row.bind(place, at<bool>(field) ? 1LL : 0LL); break;
-        case EMemberKind::Int: row.bind(place, static_cast<long long>(at<int>(field))); break;
+        case EMemberKind::Bool: rows.bind(place, at<bool>(field) ? 1LL : 0LL); break;
+        case EMemberKind::Int: rows.bind(place, static_cast<long long>(at<int>(field))); break;
         case EMemberKind::UnsignedInt:
-            row.bind(place, static_cast<long long>(at<unsigned>(field)));
+            rows.bind(place, static_cast<long long>(at<unsigned>(field)));
             break;
-        case EMemberKind::Int64: row.bind(place, at<long long>(field)); break;
+        case EMemberKind::Int64: rows.bind(place, at<long long>(field)); break;
         case EMemberKind::UnsignedInt64:
-            row.bind(place, static_cast<long long>(at<unsigned long long>(field)));
+            rows.bind(place, static_cast<long long>(at<unsigned long long>(field)));
             break;
         // The engine makes NULL of NaN.
-        case EMemberKind::Float: row.bind(place, static_cast<double>(at<float>(field))); break;
-        case EMemberKind::Double: row.bind(place, at<double>(field)); break;
-        case EMemberKind::String: bindNarrow(row, place, at<std::string>(field)); break;
+        case EMemberKind::Float: rows.bind(place, static_cast<double>(at<float>(field))); break;
+        case EMemberKind::Double: rows.bind(place, at<double>(field)); break;
+        case EMemberKind::String: bindNarrow(rows, place, at<std::string>(field)); break;
         case EMemberKind::WideString:
-            bindWide(row, place, at<std::wstring>(field), column.m_text);
+            bindWide(rows, place, at<std::wstring>(field), column.m_texts[row]);
             break;
         case EMemberKind::GlobalizedString: {
             auto const & text = at<GlobalizedString>(field);
-            bindWide(row, place, text.defaultText(), column.m_text);
+            bindWide(rows, place, text.defaultText(), column.m_texts[row]);
             if (text.isGlobalized()) {
-                bindNarrow(row, place + 1, text.module());
-                bindNarrow(row, place + 2, text.key());
+                bindNarrow(rows, place + 1, text.module());
+                bindNarrow(rows, place + 2, text.key());
             } else {
-                row.bindNull(place + 1);
-                row.bindNull(place + 2);
+                rows.bindNull(place + 1);
+                rows.bindNull(place + 2);
             }
             break;
         }
@@ -552,7 +596,6 @@ void DocumentFile::Writer::writeColumns(Class & target, Entity & entity) {
         case EMemberKind::Value: break;
         }
     }
-    row.run();
 }
 
 void DocumentFile::Writer::appendElement(std::string & json, EMemberKind kind,

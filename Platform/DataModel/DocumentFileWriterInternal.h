@@ -56,7 +56,9 @@ private:
     void writeEntities();
     void eraseDeleted();
     void write(Entity & entity);
-    void writeColumns(Class & target, Entity & entity);
+    void writeRows(Class & target);
+    void bindColumns(Class & target, Entity const & entity, DataModel::Statement & rows,
+                     std::size_t row);
     void writeLists(Class & target, Entity & entity);
     void appendElement(std::string & json, EMemberKind kind, void const * element);
     Class & classOf(Entity & entity);
