@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <sstream>
 #include <system_error>
-#include <unordered_set>
 #include <utility>
 
 #include "Platform/Base/OS.h"
@@ -79,6 +78,16 @@ void appendNarrow(std::string & json, std::string_view text) {
     DataModel::appendJsonText(json, text, DataModel::isText(text));
 }
 
+// The entities of a list lie anywhere in memory.  They are fetched so many elements ahead: a list of a
+// million that is in no order takes half the time.
+constexpr std::size_t c_ahead = 16;
+
+void fetch(Entity const * entity) noexcept {
+    if (!entity) return;
+    __builtin_prefetch(entity);
+    __builtin_prefetch(entity + 1); // it needn't begin where a line of the cache does
+}
+
 // Calls `visit` with the target, which may be null, of each strong reference that a file would have.
 template <class Visit>
 void forEachOwned(Entity & entity, Visit && visit) {
@@ -91,8 +100,11 @@ void forEachOwned(Entity & entity, Visit && visit) {
             std::size_t const count = leaf.m_pFunctions->elementCount(field);
             std::size_t const stride = leaf.m_pFunctions->memberBytes(1);
             auto const * element = static_cast<char const *>(leaf.m_pFunctions->firstElement(field));
-            for (std::size_t i = 0; i < count; ++i, element += stride)
+            for (std::size_t i = 0; i < count; ++i, element += stride) {
+                if (i + c_ahead < count)
+                    fetch(at<StrongRef<Entity>>(element + c_ahead * stride + offset).get());
                 visit(at<StrongRef<Entity>>(element + offset).get());
+            }
         };
         if (leaf.m_elementKind == EMemberKind::StrongRef) visitElements(0);
         if (leaf.m_elementKind == EMemberKind::Value)
@@ -371,10 +383,12 @@ bool DocumentFile::Writer::isWritten(Entity const & entity) noexcept {
     return entity.segment() && !entity.segment()->isTransient();
 }
 
+bool DocumentFile::Writer::isOurs(Entity const & entity) const noexcept {
+    return isWritten(entity) && entity.segment()->asset() == &m_asset;
+}
+
 unsigned long long DocumentFile::Writer::idOf(Entity const * target) const noexcept {
-    bool const isThere =
-        target && target->isAlive() && target->asset() == &m_asset && isWritten(*target);
-    return isThere ? target->id() : 0;
+    return target && target->isAlive() && isOurs(*target) ? target->id() : 0;
 }
 
 unsigned long long
@@ -383,8 +397,7 @@ DocumentFile::Writer::idOf(PassiveRef<Entity> const & reference) const noexcept 
     // nobody would write them then.  Its id is never used again.
     Entity const * const target = reference.getKept();
     bool const isThere = target
-        && (target->isAlive() || (target->m_flags & Entity::FlagKept) != 0)
-        && target->asset() == &m_asset && isWritten(*target);
+        && (target->isAlive() || (target->m_flags & Entity::FlagKept) != 0) && isOurs(*target);
     return isThere ? target->id() : 0;
 }
 
@@ -419,27 +432,32 @@ void DocumentFile::Writer::prepare(std::filesystem::path const & file) {
 // there is no circle in the file, so that a new one leads through one of them.
 unsigned long long
 DocumentFile::Writer::idOnCircle(std::vector<unsigned long long> const & ids) const {
-    std::vector<Entity *> waiting;
-    std::unordered_set<Entity const *> known;
-    auto const enter = [&](Entity & owner) {
-        if (known.insert(&owner).second) waiting.push_back(&owner);
-    };
-    for (unsigned long long const id : ids)
-        if (Entity * const owner = m_asset.m_pTable->find(id)) enter(*owner);
-    std::vector<std::pair<unsigned long long, unsigned long long>> ownerships;
-    while (!waiting.empty()) {
-        Entity & owner = *waiting.back();
-        waiting.pop_back();
-        forEachOwned(owner, [&](Entity * owned) {
-            // Of a whole document all owners are known, and nothing else has to be looked at.
-            if (!known.contains(owned)) {
-                if (m_bWhole || !idOf(owned) || !owned->metaType()->layout().hasStrong()) return;
-                enter(*owned);
+    // Down to what is owned and up again.  An owner that was met is open until all that it owns was looked
+    // at; what leads to an open one closes a circle.
+    std::unordered_map<Entity const *, bool> isOpen;
+    std::vector<Entity *> way;
+    unsigned long long found = 0;
+    for (unsigned long long const id : ids) {
+        if (Entity * const owner = m_asset.m_pTable->find(id)) way.push_back(owner);
+        while (!way.empty() && !found) {
+            Entity & owner = *way.back();
+            auto const [place, isNew] = isOpen.emplace(&owner, true);
+            if (!isNew) {
+                place->second = false;
+                way.pop_back();
+                continue;
             }
-            ownerships.emplace_back(owner.id(), owned->id());
-        });
+            forEachOwned(owner, [&](Entity * owned) {
+                if (!idOf(owned) || !owned->metaType()->layout().hasStrong()) return;
+                auto const known = isOpen.find(owned);
+                if (known == isOpen.end())
+                    way.push_back(owned);
+                else if (known->second)
+                    found = owned->id();
+            });
+        }
     }
-    return DataModel::idOnCircle(ownerships);
+    return found;
 }
 
 void DocumentFile::Writer::writeEntities() {
@@ -652,6 +670,8 @@ void DocumentFile::Writer::writeLists(Class & target, Entity & entity) {
         m_cutter.clear();
         for (std::size_t i = 0; i < count; ++i, element += stride) {
             std::string & json = m_cutter.beginElement();
+            if (leaf.m_elementKind == EMemberKind::StrongRef && i + c_ahead < count)
+                fetch(at<StrongRef<Entity>>(element + c_ahead * stride).get());
             if (leaf.m_elementKind != EMemberKind::Value)
                 appendElement(json, leaf.m_elementKind, element);
             else {

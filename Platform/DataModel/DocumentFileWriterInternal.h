@@ -66,6 +66,7 @@ private:
     unsigned long long idOf(Entity const * target) const noexcept;
     unsigned long long idOf(PassiveRef<Entity> const & reference) const noexcept;
     static bool isWritten(Entity const & entity) noexcept;
+    bool isOurs(Entity const & entity) const noexcept;
 
     void removeRemains(std::filesystem::path const & file) const;
     void finish(std::filesystem::path const & file, DataModel::FileHead const & head);
