@@ -52,7 +52,7 @@ void DocumentChecker::check() {
         checkLists();
         checkRoots();
         if (unsigned long long const id = idOnCircle(m_ownerships))
-            found("entity " + std::to_string(id) + " owns itself in a circle");
+            found(circleText(id));
     } catch (Enough const &) {
     } catch (FileFailure const & failure) {
         // Damage is what was looked for.

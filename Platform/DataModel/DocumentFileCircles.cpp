@@ -53,4 +53,8 @@ idOnCircle(std::vector<std::pair<unsigned long long, unsigned long long>> const 
     return nodes[node];
 }
 
+std::string circleText(unsigned long long id) {
+    return "entity " + std::to_string(id) + " owns itself in a circle";
+}
+
 } // namespace Vn::DataModel

@@ -61,7 +61,7 @@ void Database::open(std::filesystem::path const & path, bool create) {
         {SQLITE_LIMIT_SQL_LENGTH, 1'000'000}, {SQLITE_LIMIT_EXPR_DEPTH, 16},
         {SQLITE_LIMIT_COMPOUND_SELECT, 1},    {SQLITE_LIMIT_VDBE_OP, 250'000},
         {SQLITE_LIMIT_FUNCTION_ARG, 8},       {SQLITE_LIMIT_ATTACHED, 0},
-        {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 8}, {SQLITE_LIMIT_VARIABLE_NUMBER, 2'000},
+        {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 8}, {SQLITE_LIMIT_VARIABLE_NUMBER, c_mostParameters},
         {SQLITE_LIMIT_TRIGGER_DEPTH, 0},      {SQLITE_LIMIT_WORKER_THREADS, 0}};
     for (auto const & [limit, most] : c_limits) sqlite3_limit(m_pDatabase, limit, most);
 }

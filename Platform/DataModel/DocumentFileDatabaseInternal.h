@@ -16,6 +16,9 @@
 
 namespace Vn::DataModel {
 
+// How many parameters a statement may have.
+inline constexpr int c_mostParameters = 2'000;
+
 // What ends an operation on a file: thrown by the sources of the document file, and turned into the
 // Status at their edge.
 struct FileFailure {
@@ -76,6 +79,8 @@ class Statement {
 public:
     Statement() = default;
     Statement(Database const & database, std::string const & sql);
+
+    bool isPrepared() const noexcept { return m_pStatement != nullptr; }
 
     // Whether there is a row.
     bool step() {

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <string_view>
 #include <unordered_map>
@@ -29,7 +28,8 @@ std::uint64_t hashOf(std::string_view text) noexcept {
     while (!text.empty()) {
         std::uint64_t word = 0;
         std::size_t const taken = std::min<std::size_t>(text.size(), sizeof word);
-        std::memcpy(&word, text.data(), taken);
+        for (std::size_t i = 0; i < taken; ++i)
+            word |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
         hash = (hash ^ word) * c_factor;
         hash ^= hash >> 29;
         text.remove_prefix(taken);

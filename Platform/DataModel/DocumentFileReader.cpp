@@ -562,7 +562,7 @@ void DocumentFile::Reader::readRoots() {
 
 void DocumentFile::Reader::refuseCircles() const {
     if (unsigned long long const id = DataModel::idOnCircle(m_ownerships))
-        m_database.damaged("entity " + std::to_string(id) + " owns itself in a circle");
+        m_database.damaged(DataModel::circleText(id));
 }
 
 void DocumentFile::Reader::migrateValues() {

@@ -41,17 +41,24 @@ private:
     struct Class;
 
     // The statements of one database.  They are gone before it is closed.
-    void begin(DataModel::Database & database, DataModel::FileSchema & schema, bool isWhole);
+    void begin(DataModel::Database & database, DataModel::FileSchema & schema);
     void end() noexcept;
 
     static bool isCurrent(DataModel::Database const & database, DataModel::FileSchema & schema);
     void writeSegments();
     void writeRoots();
-    void writeAll();
-    void writeDirty();
-    void eraseDeleted(std::size_t first);
+    // Each entity that this save writes.  `visit` may make, change and delete entities.
+    template <class Visit>
+    void forEachToWrite(Visit && visit) const;
+    // Tells the hooks, and refuses what a load would refuse.
+    void prepare(std::filesystem::path const & file);
+    unsigned long long idOnCircle(std::vector<unsigned long long> const & ids) const;
+    void writeEntities();
+    void eraseDeleted();
     void write(Entity & entity);
-    void writeColumns(Class & target, Entity & entity);
+    void writeRows(Class & target);
+    void bindColumns(Class & target, Entity const & entity, DataModel::Statement & rows,
+                     std::size_t row);
     void writeLists(Class & target, Entity & entity);
     void appendElement(std::string & json, EMemberKind kind, void const * element);
     Class & classOf(Entity & entity);
@@ -59,17 +66,18 @@ private:
     unsigned long long idOf(Entity const * target) const noexcept;
     unsigned long long idOf(PassiveRef<Entity> const & reference) const noexcept;
     static bool isWritten(Entity const & entity) noexcept;
+    bool isOurs(Entity const & entity) const noexcept;
 
     void removeRemains(std::filesystem::path const & file) const;
     void finish(std::filesystem::path const & file, DataModel::FileHead const & head);
-    void markSaved(bool isWhole);
+    void markSaved();
 
     Asset & m_asset;
     std::string const m_operation;
     std::string const m_fileSystem;
     DataModel::Database * m_pDatabase = nullptr;
     DataModel::FileSchema * m_pSchema = nullptr;
-    bool m_bWhole = true;
+    bool m_bWhole = true; // not only what changed
     std::unordered_map<EntityMetaType const *, std::unique_ptr<Class>> m_classes;
     Class * m_pLastClass = nullptr;
     std::unique_ptr<DataModel::ListWriter> m_pLists;

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -238,6 +239,13 @@ std::vector<Leaf> const & leavesOf(ValueMetaType & type) {
     return *leaves;
 }
 
+bool holdsStrong(Leaf const & leaf) {
+    if (leaf.m_kind != EMemberKind::Vector) return leaf.m_kind == EMemberKind::StrongRef;
+    if (leaf.m_elementKind != EMemberKind::Value) return leaf.m_elementKind == EMemberKind::StrongRef;
+    std::vector<Leaf> const & parts = *leaf.m_pElementLeaves;
+    return std::any_of(parts.begin(), parts.end(), holdsStrong);
+}
+
 // Makes all strong references of a leaf null.
 void dropStrong(Leaf const & leaf, void * field) noexcept {
     if (leaf.m_kind == EMemberKind::StrongRef) return strong(field).reset();
@@ -294,9 +302,7 @@ MemberLayout::MemberLayout(MemberSet const * set) {
     std::vector<MemberSet const *> chain;
     for (; set; set = set->base()) chain.push_back(set);
     for (auto i = chain.rbegin(); i != chain.rend(); ++i) appendLeaves(**i, m_leaves);
-    for (Leaf const & leaf : m_leaves)
-        m_bStrong = m_bStrong || leaf.m_kind == EMemberKind::StrongRef
-            || (leaf.m_kind == EMemberKind::Vector && leaf.m_elementKind == EMemberKind::StrongRef);
+    m_bStrong = std::any_of(m_leaves.begin(), m_leaves.end(), holdsStrong);
 }
 
 void MemberLayout::dropStrong(Entity & entity) const noexcept {

@@ -184,6 +184,29 @@ TEST_F(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
     expectSaved(*asset, file.path());
 }
 
+// Rows are written many at a time, of each class by itself.
+TEST_F(DocumentFileTests, anyNumberOfEntitiesComesBack) {
+    for (std::size_t const count : {1U, 31U, 32U, 33U, 64U, 100U}) {
+        TemporaryFile const file;
+        StrongRef<Asset> const asset = Asset::make(nullptr);
+        std::vector<StrongRef<Piece>> pieces;
+        for (std::size_t i = 0; i < count; ++i) {
+            pieces.emplace_back(Row::make(design(*asset)));
+            pieces.emplace_back(Everything::make(design(*asset)));
+        }
+        auto const rename = [&](std::wstring const & name) {
+            for (StrongRef<Piece> const & piece : pieces)
+                piece->change([&] { piece->m_name = name + std::to_wstring(piece->id()); });
+        };
+        rename(L"\u00FCber the length of a text that needs no memory of its own ");
+        VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
+        expectSaved(*asset, file.path());
+        rename(L"another name of each ");
+        VN_EXPECT_OK(DocumentFile::save(*asset));
+        expectSaved(*asset, file.path());
+    }
+}
+
 TEST_F(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
     TemporaryFile const first;
     TemporaryFile const second;
