@@ -260,6 +260,23 @@ TEST_F(DocumentCommandTests, NothingIsSavedIfACommandFails) {
     EXPECT_FALSE(fs::exists("b.vnd"));
 }
 
+TEST_F(DocumentCommandTests, AnEntityThatIsMovedIntoItsOwnGroupGoesToTheEnd) {
+    makeSample();
+    Outcome const outcome = document("move 0/0/0 into 0/0, undo, redo, move 0/0/2 into 0/0");
+    EXPECT_EQ(outcome.out, "moved Groups/CmnData[0]/CmnData[0]/CmnData[0] to "
+                           "Groups/CmnData[0]/CmnData[0]/CmnData[2] (#5)\n"
+                           "undone: move Groups/CmnData[0]/CmnData[0]/CmnData[0] into "
+                           "Groups/CmnData[0]/CmnData[0]\n"
+                           "redone: move Groups/CmnData[0]/CmnData[0]/CmnData[0] into "
+                           "Groups/CmnData[0]/CmnData[0]\n"
+                           "Groups/CmnData[0]/CmnData[0]/CmnData[2] is there already\n"
+                           "saved a.vnd\n");
+    EXPECT_EQ(places(document("tree 0/0").out), "Groups/CmnData[0]/CmnData[0] #3\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[0] #6\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[1] #7\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[2] #5\n");
+}
+
 TEST_F(DocumentCommandTests, NothingIsSavedIfNothingChanged) {
     makeSample();
     std::string const before = readFile("a.vnd");
