@@ -175,6 +175,7 @@ std::wstring findPlace(DocumentSession const & session, std::wstring const & tex
         found.group = StrongRef<ManagedGroupEntity>(group);
         found.entity = group->child(static_cast<unsigned>(index));
         appendChild(found.path, static_cast<std::size_t>(index));
+        if (!found.entity) return shownPath(found.path) + L" is empty: what stood there wasn't saved";
     }
     place = std::move(found);
     return {};

@@ -50,8 +50,10 @@ public:
             }
             unsigned const index = level.next++;
             ManagedGroupEntity const * const parent = level.group;
+            Entity const * const child = parent->child(index).get();
+            if (!child) continue; // it wasn't saved, and left its place empty
             appendChild(m_path, index);
-            enter(*parent->child(index), parent, index, visit);
+            enter(*child, parent, index, visit);
         }
     }
 

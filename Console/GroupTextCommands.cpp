@@ -211,7 +211,9 @@ Result move(DocumentSession & session, Parameters const & parameters) {
     std::wstring const name = L"move " + before + L' ' + parameters.parameter(1) + L' ' +
                               shownPath(target.path);
     session.change(name, [&] {
-        if (!(group == moved.group)) {
+        // Into its own group it goes behind its siblings.
+        if (!(group == moved.group) ||
+            (where == Where::Into && !(group->childrenVector().back() == child))) {
             moved.group->removeChild(child);
             child->nullParent();
             group->addChild(child);

@@ -1,4 +1,3 @@
-#include <system_error>
 #include <utility>
 
 #include "Platform/DataModel/DocumentFileDatabaseInternal.h"
@@ -50,6 +49,11 @@ void Database::open(std::filesystem::path const & path, bool create) {
         | (create ? SQLITE_OPEN_CREATE : 0);
     int const result = sqlite3_open_v2(pathText(absolute).c_str(), &m_pDatabase, flags,
                                        m_fileSystem.empty() ? nullptr : m_fileSystem.c_str());
+    // Where no file can be made the engine looks for one that is there, and tells only of that.
+    if (create && (result & 0xFF) == SQLITE_CANTOPEN
+        && std::filesystem::is_directory(absolute.parent_path(), error)
+        && systemError() == std::errc::no_such_file_or_directory)
+        fail(StatusAccessDenied, "no file can be made in its directory");
     if (result != SQLITE_OK) fail(result);
     sqlite3_busy_timeout(m_pDatabase, c_busyMilliseconds);
     for (int const option : {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW,
@@ -110,10 +114,12 @@ long long Database::number(std::string const & sql) const {
     return statement.step() ? statement.integer(0) : 0;
 }
 
+std::error_code Database::systemError() const noexcept {
+    return {m_pDatabase ? sqlite3_system_errno(m_pDatabase) : 0, std::system_category()};
+}
+
 void Database::fail(int result) const {
-    // The system's own number: an errno, or what Windows has instead.
-    std::error_code const error(m_pDatabase ? sqlite3_system_errno(m_pDatabase) : 0,
-                                std::system_category());
+    std::error_code const error = systemError();
     EStatus code = codeOf(result, error);
     std::string cause = sqlite3_errstr(result & 0xFF);
     if (m_pDatabase && sqlite3_extended_errcode(m_pDatabase) == result)

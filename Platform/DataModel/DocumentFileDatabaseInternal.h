@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include <sqlite3.h>
 
@@ -68,6 +69,9 @@ public:
     [[noreturn]] void damaged(std::string_view cause) const { fail(StatusCorrupt, cause); }
 
 private:
+    // The system's own number for what failed last: an errno, or what Windows has instead.
+    std::error_code systemError() const noexcept;
+
     std::string const m_operation;
     std::filesystem::path const m_file;
     std::string const m_fileSystem;

@@ -260,6 +260,23 @@ TEST_F(DocumentCommandTests, NothingIsSavedIfACommandFails) {
     EXPECT_FALSE(fs::exists("b.vnd"));
 }
 
+TEST_F(DocumentCommandTests, AnEntityThatIsMovedIntoItsOwnGroupGoesToTheEnd) {
+    makeSample();
+    Outcome const outcome = document("move 0/0/0 into 0/0, undo, redo, move 0/0/2 into 0/0");
+    EXPECT_EQ(outcome.out, "moved Groups/CmnData[0]/CmnData[0]/CmnData[0] to "
+                           "Groups/CmnData[0]/CmnData[0]/CmnData[2] (#5)\n"
+                           "undone: move Groups/CmnData[0]/CmnData[0]/CmnData[0] into "
+                           "Groups/CmnData[0]/CmnData[0]\n"
+                           "redone: move Groups/CmnData[0]/CmnData[0]/CmnData[0] into "
+                           "Groups/CmnData[0]/CmnData[0]\n"
+                           "Groups/CmnData[0]/CmnData[0]/CmnData[2] is there already\n"
+                           "saved a.vnd\n");
+    EXPECT_EQ(places(document("tree 0/0").out), "Groups/CmnData[0]/CmnData[0] #3\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[0] #6\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[1] #7\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[2] #5\n");
+}
+
 TEST_F(DocumentCommandTests, NothingIsSavedIfNothingChanged) {
     makeSample();
     std::string const before = readFile("a.vnd");
@@ -271,6 +288,26 @@ TEST_F(DocumentCommandTests, NothingIsSavedIfNothingChanged) {
         EXPECT_EQ(readFile("a.vnd"), before) << commands;
     }
     EXPECT_EQ(document("move 1 after 0").out, "Groups/CmnData[1] is there already\n");
+}
+
+// A child that isn't saved, such as one in a transient segment, leaves null in the list of its group.
+TEST_F(DocumentCommandTests, AnEmptyPlaceInAGroupIsPassedOver) {
+    ASSERT_EQ(document("new, add . 3").status, 0);
+    execute("a.vnd", "UPDATE lists SET items='[2,null,4]' WHERE entity=1;"
+                     "DELETE FROM CommonBaseEntity WHERE id=3");
+    EXPECT_EQ(document("check").status, 0);
+    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #2\nGroups/CmnData[2] #4\n");
+    for (char const * const commands : {"tree 1", "remove 1", "delete 1", "make 1", "tree 1/0",
+                                        "move 1 before 0", "move 0 after 1"}) {
+        Outcome const outcome = document(commands);
+        EXPECT_EQ(outcome.status, 1) << commands;
+        EXPECT_NE(outcome.err.find("Groups/CmnData[1] is empty: what stood there wasn't saved\n"),
+                  std::string::npos)
+            << commands << outcome.err;
+    }
+    EXPECT_EQ(document("move 2 before 0, make").status, 0);
+    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #4\nGroups/CmnData[1] #2\n"
+                              "Groups/CmnData[3] #5\n");
 }
 
 TEST_F(DocumentCommandTests, AMissingFileIsAnErrorForAllButNew) {

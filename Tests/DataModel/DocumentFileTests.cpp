@@ -450,6 +450,10 @@ TEST_F(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
     }
     Status status = DocumentFile::saveAs(*asset, file.path().parent_path() / "no such" / "file.vnd");
     EXPECT_EQ(status.code(), StatusNotFound) << status.toString();
+    if (std::filesystem::path const noFiles = "/proc/self"; std::filesystem::exists(noFiles)) {
+        status = DocumentFile::saveAs(*asset, noFiles / "file.vnd");
+        EXPECT_EQ(status.code(), StatusAccessDenied) << status.toString();
+    }
     status = DocumentFile::saveAs(*asset, file.path().parent_path());
     EXPECT_EQ(status.code(), StatusInvalidArgument);
     EXPECT_THAT(status.toString(), HasSubstr("it is a directory"));
