@@ -491,6 +491,45 @@ TEST_F(ReplayTests, ADirectChangeHasNoDifference) {
     EXPECT_TRUE(catcher.m_caught.empty());
 }
 
+// What it does isn't recorded, so that there are fewer children than the steps know of.
+TEST_F(ReplayTests, AHookThatTakesChildrenOutInAReplayLeavesAListThatCanStillBeReplayed) {
+    StrongRef<Leaf> const first = Leaf::make(m_document.segment());
+    StrongRef<Leaf> const second = Leaf::make(m_document.segment());
+    m_document.step([&] { m_rGroup->addChild(first); });
+    m_document.step([&] { m_rGroup->addChild(second); });
+    Recorder recorder(*m_rGroup);
+    recorder.m_onPost = [&](DataChange * details) {
+        if (!details->find(Difference::interfaceId())) return;
+        for (std::size_t i = 0; i < 4; ++i)
+            m_rGroup->removeChild(m_leaves[i]);
+    };
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), Children{first});
+    m_document.redo();
+    EXPECT_EQ(m_rGroup->childrenVector(), (Children{first, second}));
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), Children{first});
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), Children{first});
+    m_rGroup->unsubscribe(&recorder);
+}
+
+TEST_F(ReplayTests, AHookThatTakesOutWhatAnUndoIsToTakeOutLeavesNothingElseToTakeOut) {
+    StrongRef<Leaf> const leaf = Leaf::make(m_document.segment());
+    Children const rest = m_rGroup->childrenVector();
+    m_document.step([&] { m_rGroup->addChild(leaf); });
+    Recorder recorder(*m_rGroup);
+    bool first = true;
+    recorder.m_onPre = [&](DataChange *) {
+        if (std::exchange(first, false)) m_rGroup->removeChild(leaf);
+    };
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), rest);
+    m_document.redo();
+    EXPECT_EQ(m_rGroup->childrenVector(), rest);
+    m_rGroup->unsubscribe(&recorder);
+}
+
 // --- Changes of order ---------------------------------------------------------------------------
 
 class ReorderTests : public ManagedGroupEntityTests {
