@@ -6,6 +6,7 @@
 
 #include "Platform/DataModel/EntityChange.h"
 #include "Server/CommonData/Managed/CustomGroups.h"
+#include "Server/CommonData/Managed/ListPlaceInternal.h"
 
 namespace Vn::Managed {
 
@@ -98,8 +99,10 @@ void CustomGroup::removeGroupChild(ICustomGroupChild * child) {
     MemberSplices splices(*this, &m_groupChildren);
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
                               DataChange::TimingPreAndPost, &details, true);
-    splices.erasing(static_cast<std::size_t>(index));
-    m_groupChildren.erase(m_groupChildren.begin() + index);
+    auto const place = findAgain(m_groupChildren, entity, index);
+    if (place == m_groupChildren.end()) return;
+    splices.erasing(static_cast<std::size_t>(place - m_groupChildren.begin()));
+    m_groupChildren.erase(place);
 }
 
 std::vector<StrongRef<ManagedEntity>> CustomGroup::livingMembers() const {

@@ -6,6 +6,7 @@
 
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/ObjectPath.h"
+#include "Server/CommonData/Managed/ListPlaceInternal.h"
 
 namespace Vn::Managed {
 
@@ -60,8 +61,10 @@ void ManagedGroupEntity::removeChild(StrongRef<ManagedEntity> const & child) {
     MemberSplices splices(*this, &m_children);
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
                               DataChange::TimingPreAndPost, &details, true);
-    splices.erasing(static_cast<std::size_t>(index));
-    m_children.erase(m_children.begin() + index);
+    auto const place = findAgain(m_children, details.managedEntity(), index);
+    if (place == m_children.end()) return;
+    splices.erasing(static_cast<std::size_t>(place - m_children.begin()));
+    m_children.erase(place);
 }
 
 IScriptableObject * ManagedGroupEntity::getChildObject(Onk const & onk, ObjectPath const &) const {

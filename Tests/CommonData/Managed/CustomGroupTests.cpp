@@ -224,6 +224,26 @@ TEST_F(CustomGroupTests, RemoveGroupChildTakesTheFirstPlaceAndLeavesTheGroupPare
     m_rTop->unsubscribe(&recorder);
 }
 
+// What a hook takes out shifts what stands behind it.
+TEST_F(CustomGroupTests, RemoveGroupChildTakesItsMemberWhateverAHookHasRemovedMeanwhile) {
+    addAll();
+    for (std::size_t const other : {0, 1, 2}) {
+        Recorder recorder(*m_rTop);
+        recorder.m_onPre = [&](DataChange *) {
+            if (recorder.m_told.size() == 1) m_rTop->removeGroupChild(m_things[other].get());
+        };
+        m_document.step([&] { m_rTop->removeGroupChild(m_things[1].get()); });
+        m_rTop->unsubscribe(&recorder);
+        auto const left = other == 0 ? things({2}) : other == 1 ? things({0, 2}) : things({0});
+        EXPECT_EQ(members(*m_rTop), left);
+        m_document.undo();
+        EXPECT_EQ(members(*m_rTop), things({0, 1, 2}));
+        m_document.redo();
+        EXPECT_EQ(members(*m_rTop), left);
+        m_document.undo();
+    }
+}
+
 TEST_F(CustomGroupTests, NullAndAbsentMembersAreIgnored) {
     m_rTop->addGroupChild(m_things[0].get());
     Recorder recorder(*m_rTop);

@@ -163,6 +163,28 @@ TEST_F(ManagedGroupEntityTests, RemoveChildTakesAnElementOfItsOwnList) {
     EXPECT_EQ(m_rGroup->childrenVector(), pick(leaves, {1}));
 }
 
+// What a hook takes out shifts what stands behind it.
+TEST_F(ManagedGroupEntityTests, RemoveChildTakesItsChildWhateverAHookHasRemovedMeanwhile) {
+    auto const leaves = makeLeaves(m_rGroup, 3);
+    for (std::size_t const other : {0, 1, 2}) {
+        Recorder recorder(*m_rGroup);
+        recorder.m_onPre = [&](DataChange *) {
+            if (recorder.m_told.size() == 1) m_rGroup->removeChild(leaves[other]);
+        };
+        m_document.step([&] { m_rGroup->removeChild(m_rGroup->child(1)); });
+        m_rGroup->unsubscribe(&recorder);
+        Children const left = other == 0   ? pick(leaves, {2})
+                              : other == 1 ? pick(leaves, {0, 2})
+                                           : pick(leaves, {0});
+        EXPECT_EQ(m_rGroup->childrenVector(), left);
+        m_document.undo();
+        EXPECT_EQ(m_rGroup->childrenVector(), pick(leaves, {0, 1, 2}));
+        m_document.redo();
+        EXPECT_EQ(m_rGroup->childrenVector(), left);
+        m_document.undo();
+    }
+}
+
 TEST_F(ManagedGroupEntityTests, ChildrenVectorCopiesTheListInPlaceOfTheOld) {
     auto const leaves = makeLeaves(m_rGroup, 2);
     Children out{leaves[1], leaves[1], leaves[1]};
