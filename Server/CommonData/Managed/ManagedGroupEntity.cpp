@@ -32,10 +32,11 @@ void ManagedGroupEntity::initializeMemberSet(unsigned, MemberSet * set) {
 }
 
 void ManagedGroupEntity::addChild(StrongRef<ManagedEntity> const & child) {
+    // Made first to hold the child: `child` may be an element of a list that a hook changes.
+    Details details(child, Details::ChildAdded, Details::c_noIndex);
     // A child that was made for this group is the usual case, and needs no look at its parent.
     if (!(child->m_rParent == this) && !child->managedParent())
         child->parent(StrongRef<Entity>(this));
-    Details details(child, Details::ChildAdded, Details::c_noIndex);
     MemberSplices splices(*this, &m_children);
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
                               DataChange::TimingPreAndPost, &details, true);

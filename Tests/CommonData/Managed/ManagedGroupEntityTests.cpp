@@ -105,6 +105,21 @@ TEST_F(ManagedGroupEntityTests, AddChildTakesAnElementOfItsOwnList) {
     EXPECT_EQ(m_rGroup->child(100), leaves[0]);
 }
 
+// Whoever hears of the new parent takes the child out of the list that the caller named it by.
+TEST_F(ManagedGroupEntityTests, AddChildAddsTheChildWhateverHappensToTheListThatItIsTakenFrom) {
+    StrongRef<Leaf> const first = Leaf::make(m_document.segment());
+    StrongRef<Leaf> const second = Leaf::make(m_document.segment());
+    m_rGroup->insertChild(first, 0);
+    m_rGroup->insertChild(second, 1);
+    StrongRef<Group> const other = Group::make(m_document.segment());
+    Recorder recorder(*first);
+    recorder.m_onPost = [&](DataChange *) { m_rGroup->removeChild(first); };
+    other->addChild(m_rGroup->child(0));
+    EXPECT_EQ(other->childrenVector(), Children{first});
+    EXPECT_EQ(m_rGroup->childrenVector(), Children{second});
+    first->unsubscribe(&recorder);
+}
+
 TEST_F(ManagedGroupEntityTests, InsertChildIsAStructuralChangeWithTheIndex) {
     auto const leaves = makeLeaves(m_rGroup, 2);
     StrongRef<Leaf> const leaf = Leaf::make(m_document.segment());
