@@ -32,6 +32,7 @@ void ManagedGroupEntity::initializeMemberSet(unsigned, MemberSet * set) {
 }
 
 void ManagedGroupEntity::addChild(StrongRef<ManagedEntity> const & child) {
+    if (!child) return;
     // Made first to hold the child: `child` may be an element of a list that a hook changes.
     Details details(child, Details::ChildAdded, Details::c_noIndex);
     // A child that was made for this group is the usual case, and needs no look at its parent.

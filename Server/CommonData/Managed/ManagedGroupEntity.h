@@ -34,8 +34,8 @@ public:
     }
     void childrenVector(std::vector<StrongRef<ManagedEntity>> & out) const { out = m_children; }
 
-    // Puts a child, which mustn't be null, behind the others.  If no group is its parent, this one
-    // becomes it; else its parent stays.  A child that is listed already is listed twice.
+    // Puts a child behind the others.  If no group is its parent, this one becomes it; else its
+    // parent stays.  A child that is listed already is listed twice.  Null is ignored.
     void addChild(StrongRef<ManagedEntity> const & child);
     // Puts a child before the one at `index`, which isn't checked.  Its parent stays as it is.
     void insertChild(StrongRef<ManagedEntity> const & child, unsigned index);

@@ -105,6 +105,14 @@ TEST_F(ManagedGroupEntityTests, AddChildTakesAnElementOfItsOwnList) {
     EXPECT_EQ(m_rGroup->child(100), leaves[0]);
 }
 
+TEST_F(ManagedGroupEntityTests, AddChildOfNullIsIgnored) {
+    Recorder recorder(*m_rGroup);
+    m_rGroup->addChild(nullptr);
+    EXPECT_EQ(m_rGroup->children(), 0U);
+    EXPECT_TRUE(recorder.m_told.empty());
+    m_rGroup->unsubscribe(&recorder);
+}
+
 // Whoever hears of the new parent takes the child out of the list that the caller named it by.
 TEST_F(ManagedGroupEntityTests, AddChildAddsTheChildWhateverHappensToTheListThatItIsTakenFrom) {
     StrongRef<Leaf> const first = Leaf::make(m_document.segment());
