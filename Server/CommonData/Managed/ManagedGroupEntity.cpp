@@ -27,6 +27,14 @@ ManagedGroupEntity::ManagedGroupEntity(Segment * segment, unsigned long long id)
 
 ManagedGroupEntity::~ManagedGroupEntity() = default;
 
+StrongRefCreator<ManagedGroupEntity> ManagedGroupEntity::make(PassiveRef<Entity> const & parent) {
+    return create(parent);
+}
+
+StrongRefCreator<ManagedGroupEntity> ManagedGroupEntity::make(Segment * segment) {
+    return create(segment);
+}
+
 void ManagedGroupEntity::initializeMemberSet(unsigned, MemberSet * set) {
     addVector(set, "children", m_children, StrongRefMetaType::get());
 }

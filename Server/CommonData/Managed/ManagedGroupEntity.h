@@ -22,6 +22,9 @@ public:
     static constexpr PersistedClass c_class{"Vn::Managed::ManagedGroupEntity",
                                             "834C9DEF-4C39-4587-A08D-A5BD1267B7B4", 0};
     static EntityMetaType * s_metaType();
+    // A new one under a parent, whose list it joins if that is a group; and one without a parent.
+    static StrongRefCreator<ManagedGroupEntity> make(PassiveRef<Entity> const & parent);
+    static StrongRefCreator<ManagedGroupEntity> make(Segment * segment);
 
     ~ManagedGroupEntity() override;
 
