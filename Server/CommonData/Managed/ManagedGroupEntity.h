@@ -23,6 +23,7 @@ public:
                                             "834C9DEF-4C39-4587-A08D-A5BD1267B7B4", 0};
     static EntityMetaType * s_metaType();
     // A new one under a parent, whose list it joins if that is a group; and one without a parent.
+    // Null without a parent or a segment.
     static StrongRefCreator<ManagedGroupEntity> make(PassiveRef<Entity> const & parent);
     static StrongRefCreator<ManagedGroupEntity> make(Segment * segment);
 

@@ -232,6 +232,18 @@ TYPED_TEST(MakeTests, MakesAnObjectWithoutAParent) {
     EXPECT_EQ(made->parent(), nullptr);
 }
 
+TYPED_TEST(MakeTests, MakesNothingWithoutAPlace) {
+    EXPECT_FALSE(TypeParam::make(static_cast<Segment *>(nullptr)));
+    EXPECT_FALSE(TypeParam::make(PassiveRef<Entity>()));
+    StrongRef<Group> group = Group::make(this->m_document.segment());
+    PassiveRef<Entity> const gone(group);
+    group.reset();
+    EXPECT_FALSE(TypeParam::make(gone));
+    StrongRef<Group> const closed = Group::make(Document().segment());
+    EXPECT_FALSE(TypeParam::make(PassiveRef<Entity>(closed)));
+    EXPECT_EQ(closed->children(), 0U);
+}
+
 // --- The parts that have a logic of their own ---------------------------------------------------
 
 // A fresh class for each test: its first object builds its member set.
