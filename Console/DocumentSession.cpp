@@ -7,36 +7,17 @@
 
 namespace Vn::Console {
 
-namespace {
-
-// Ways to what the classes offer to those derived from them.  There are no objects of these.
-class EntityMaker final : public CommonData::CommonBaseEntity {
-public:
-    static StrongRef<CommonBaseEntity> make(StrongRef<Entity> const & parent) {
-        return create(PassiveRef<Entity>(parent));
-    }
-};
-
-class GroupMaker final : public CommonData::CommonBaseGroupEntity {
-public:
-    static StrongRef<CommonBaseGroupEntity> make(StrongRef<Entity> const & parent) {
-        return create(PassiveRef<Entity>(parent));
-    }
-    static StrongRef<CommonBaseGroupEntity> make(Segment * segment) { return create(segment); }
-};
-
-} // namespace
-
 StrongRef<CommonData::CommonBaseEntity> makeEntity(StrongRef<Entity> const & parent) {
-    return EntityMaker::make(parent);
+    return CommonData::CommonBaseEntity::make(PassiveRef<Entity>(parent));
 }
 
 StrongRef<CommonData::CommonBaseGroupEntity> makeGroup(StrongRef<Entity> const & parent) {
-    return GroupMaker::make(parent);
+    return CommonData::CommonBaseGroupEntity::make(PassiveRef<Entity>(parent));
 }
 
 StrongRef<CommonData::CommonBaseGroupEntity> makeRootGroup(Segment & segment) {
-    StrongRef<CommonData::CommonBaseGroupEntity> const group = GroupMaker::make(&segment);
+    StrongRef<CommonData::CommonBaseGroupEntity> const group =
+        CommonData::CommonBaseGroupEntity::make(&segment);
     segment.addRoot(group, DocumentSession::c_rootKey);
     return group;
 }

@@ -1,6 +1,7 @@
 #include "Platform/DataModel/ChangeHistory.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -820,11 +821,18 @@ void ChangeHistory::replayEntity(ChangeLog & log, std::size_t last) {
             } else {
                 Leaf const & leaf = leaves[static_cast<std::size_t>(payload[0])];
                 void * const field = DataModel::field(entity, leaf);
-                auto const index = static_cast<std::size_t>(payload[1]);
-                auto const count = static_cast<std::size_t>(payload[2]);
-                if (m_pInverse) m_pInverse->words().push(payload, 3);
+                bool const erasing = record.m_kind == ERecord::Inserted;
+                // What a hook of a replay did to the list isn't recorded: places may be gone.
+                std::size_t const size = leaf.m_pFunctions->elementCount(field);
+                std::size_t const index = std::min(static_cast<std::size_t>(payload[1]), size);
+                auto count = static_cast<std::size_t>(payload[2]);
+                if (erasing) count = std::min(count, size - index);
+                if (m_pInverse) {
+                    std::uint64_t const head[] = {payload[0], index, count};
+                    m_pInverse->words().push(head, std::size(head));
+                }
                 payload += 3;
-                if (record.m_kind == ERecord::Inserted) {
+                if (erasing) {
                     inverse.m_kind = ERecord::Erased;
                     if (m_pInverse) {
                         DataModel::keepElements(leaf, field, index, count, &m_asset,

@@ -53,7 +53,8 @@
 // logs would no longer fit.  The one exception is the death of an entity whose last reference a caller
 // held beyond its transaction; it is added to the last step.  In "transaction" logs stand one in
 // another; a nested one that commits is added to the one around it.  In "replay" hooks run with
-// TransactReplay; what they change directly isn't recorded, since the replay restores it anyway.
+// TransactReplay; what they change directly isn't recorded, since the replay restores it anyway.  What
+// it restores by places of a list keeps within the list, whatever a hook made of that.
 
 #ifndef VN_PLATFORM_DATAMODEL_CHANGEHISTORY_H
 #define VN_PLATFORM_DATAMODEL_CHANGEHISTORY_H

@@ -17,6 +17,14 @@ CommonBaseEntity::CommonBaseEntity(Segment * segment, unsigned long long id)
 
 CommonBaseEntity::~CommonBaseEntity() = default;
 
+StrongRefCreator<CommonBaseEntity> CommonBaseEntity::make(PassiveRef<Entity> const & parent) {
+    return create(parent);
+}
+
+StrongRefCreator<CommonBaseEntity> CommonBaseEntity::make(Segment * segment) {
+    return create(segment);
+}
+
 void CommonBaseEntity::initializeMemberSet(unsigned, MemberSet * set) {
     Managed::addMember(set, "rClientObject", m_rClientObject, PassiveRefMetaType::get());
 }

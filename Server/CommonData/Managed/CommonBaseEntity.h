@@ -17,6 +17,10 @@ public:
     static constexpr Managed::PersistedClass c_class{"Vn::CommonData::CommonBaseEntity",
                                                      "63D6AD42-466A-40B7-9CCD-EB21BC500EF6", 0};
     static EntityMetaType * s_metaType();
+    // A new one under a parent, whose list it joins if that is a group; and one without a parent.
+    // Null without a parent or a segment.
+    static StrongRefCreator<CommonBaseEntity> make(PassiveRef<Entity> const & parent);
+    static StrongRefCreator<CommonBaseEntity> make(Segment * segment);
 
     ~CommonBaseEntity() override;
 

@@ -18,6 +18,15 @@ CommonBaseGroupEntity::CommonBaseGroupEntity(Segment * segment, unsigned long lo
 
 CommonBaseGroupEntity::~CommonBaseGroupEntity() = default;
 
+StrongRefCreator<CommonBaseGroupEntity>
+CommonBaseGroupEntity::make(PassiveRef<Entity> const & parent) {
+    return create(parent);
+}
+
+StrongRefCreator<CommonBaseGroupEntity> CommonBaseGroupEntity::make(Segment * segment) {
+    return create(segment);
+}
+
 void CommonBaseGroupEntity::initializeMemberSet(unsigned, MemberSet * set) {
     Managed::addMember(set, "rClientObject", m_rClientObject, PassiveRefMetaType::get());
 }

@@ -17,6 +17,10 @@ public:
     static constexpr Managed::PersistedClass c_class{"Vn::CommonData::CommonBaseGroupEntity",
                                                      "A7AEA631-985B-4DD1-8CE2-DE2C-14B54081", 0};
     static EntityMetaType * s_metaType();
+    // A new one under a parent, whose list it joins if that is a group; and one without a parent.
+    // Null without a parent or a segment.
+    static StrongRefCreator<CommonBaseGroupEntity> make(PassiveRef<Entity> const & parent);
+    static StrongRefCreator<CommonBaseGroupEntity> make(Segment * segment);
 
     ~CommonBaseGroupEntity() override;
 

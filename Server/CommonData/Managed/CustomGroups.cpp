@@ -20,7 +20,6 @@ CustomGroups::CustomGroups(Segment * segment, unsigned long long id) : Persisted
 CustomGroups::~CustomGroups() = default;
 
 StrongRefCreator<CustomGroups> CustomGroups::make(PassiveRef<Entity> const & parent) {
-    if (!parent) return nullptr;
     return create(parent);
 }
 

@@ -49,6 +49,12 @@ ManagedEntity::ManagedEntity(Segment * segment, unsigned long long id) : Persist
 
 ManagedEntity::~ManagedEntity() = default;
 
+StrongRefCreator<ManagedEntity> ManagedEntity::make(PassiveRef<Entity> const & parent) {
+    return create(parent);
+}
+
+StrongRefCreator<ManagedEntity> ManagedEntity::make(Segment * segment) { return create(segment); }
+
 void ManagedEntity::initializeMemberSet(unsigned, MemberSet * set) {
     addMember(set, "rParent", m_rParent, PassiveRefMetaType::get());
 }

@@ -27,6 +27,10 @@ public:
     static constexpr PersistedClass c_class{"Vn::Managed::ManagedEntity",
                                             "CB844AB6-240D-4fc9-9C9F-3679DC896D6F", 0};
     static EntityMetaType * s_metaType();
+    // A new one under a parent, whose list it joins if that is a group; and one without a parent.
+    // Null without a parent or a segment.
+    static StrongRefCreator<ManagedEntity> make(PassiveRef<Entity> const & parent);
+    static StrongRefCreator<ManagedEntity> make(Segment * segment);
 
     ~ManagedEntity() override;
 

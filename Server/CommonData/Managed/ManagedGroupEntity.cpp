@@ -27,15 +27,25 @@ ManagedGroupEntity::ManagedGroupEntity(Segment * segment, unsigned long long id)
 
 ManagedGroupEntity::~ManagedGroupEntity() = default;
 
+StrongRefCreator<ManagedGroupEntity> ManagedGroupEntity::make(PassiveRef<Entity> const & parent) {
+    return create(parent);
+}
+
+StrongRefCreator<ManagedGroupEntity> ManagedGroupEntity::make(Segment * segment) {
+    return create(segment);
+}
+
 void ManagedGroupEntity::initializeMemberSet(unsigned, MemberSet * set) {
     addVector(set, "children", m_children, StrongRefMetaType::get());
 }
 
 void ManagedGroupEntity::addChild(StrongRef<ManagedEntity> const & child) {
+    if (!child) return;
+    // Made first to hold the child: `child` may be an element of a list that a hook changes.
+    Details details(child, Details::ChildAdded, Details::c_noIndex);
     // A child that was made for this group is the usual case, and needs no look at its parent.
     if (!(child->m_rParent == this) && !child->managedParent())
         child->parent(StrongRef<Entity>(this));
-    Details details(child, Details::ChildAdded, Details::c_noIndex);
     MemberSplices splices(*this, &m_children);
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
                               DataChange::TimingPreAndPost, &details, true);

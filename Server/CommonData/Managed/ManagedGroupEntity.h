@@ -22,6 +22,10 @@ public:
     static constexpr PersistedClass c_class{"Vn::Managed::ManagedGroupEntity",
                                             "834C9DEF-4C39-4587-A08D-A5BD1267B7B4", 0};
     static EntityMetaType * s_metaType();
+    // A new one under a parent, whose list it joins if that is a group; and one without a parent.
+    // Null without a parent or a segment.
+    static StrongRefCreator<ManagedGroupEntity> make(PassiveRef<Entity> const & parent);
+    static StrongRefCreator<ManagedGroupEntity> make(Segment * segment);
 
     ~ManagedGroupEntity() override;
 
@@ -34,8 +38,8 @@ public:
     }
     void childrenVector(std::vector<StrongRef<ManagedEntity>> & out) const { out = m_children; }
 
-    // Puts a child, which mustn't be null, behind the others.  If no group is its parent, this one
-    // becomes it; else its parent stays.  A child that is listed already is listed twice.
+    // Puts a child behind the others.  If no group is its parent, this one becomes it; else its
+    // parent stays.  A child that is listed already is listed twice.  Null is ignored.
     void addChild(StrongRef<ManagedEntity> const & child);
     // Puts a child before the one at `index`, which isn't checked.  Its parent stays as it is.
     void insertChild(StrongRef<ManagedEntity> const & child, unsigned index);

@@ -20,6 +20,8 @@ public:
     static constexpr PersistedClass c_class{"Vn::Managed::ManagedRootCollection",
                                             "E47053DB-8AF6-4521-81D6-523964C0C97A", 0};
     static EntityMetaType * s_metaType();
+    // Only derived classes are made, each with a key of its own.
+    static void make() = delete;
 
     ~ManagedRootCollection() override;
 

@@ -107,6 +107,11 @@ private:
     static MemberSet * baseMemberSet(EntityMetaType const & type);
     // The older version that an object is being loaded from, if that has to be migrated.
     static std::optional<unsigned> migratesFrom(Entity const & entity, EntityMetaType const & type);
+    // Whether an object can be made there: in a segment, or in that of a parent.
+    static bool takesObjects(Segment const * segment) noexcept { return segment != nullptr; }
+    static bool takesObjects(PassiveRef<Entity> const & parent) noexcept {
+        return parent && parent->segment();
+    }
 
     template <class X>
     static void initializeMemberSet(X & object, unsigned version, MemberSet * set) {
@@ -173,11 +178,13 @@ public:
 protected:
     using Base::Base;
 
-    // The one way in which running code makes an object.
-    template <class... Arguments>
-    static StrongRefCreator<X> create(Arguments &&... arguments) {
-        StrongRefCreator<X> made(
-            PersistedAccess::construct<X>(std::forward<Arguments>(arguments)...));
+    // The one way in which running code makes an object.  `place` is the parent or the segment; null
+    // if that is null, gone, or in a document that is closed.
+    template <class Place, class... Arguments>
+    static StrongRefCreator<X> create(Place && place, Arguments &&... arguments) {
+        if (!PersistedAccess::takesObjects(place)) return nullptr;
+        StrongRefCreator<X> made(PersistedAccess::construct<X>(
+            std::forward<Place>(place), std::forward<Arguments>(arguments)...));
         made->postCreation(DataChange::TransactDirect);
         return made;
     }

@@ -105,6 +105,29 @@ TEST_F(ManagedGroupEntityTests, AddChildTakesAnElementOfItsOwnList) {
     EXPECT_EQ(m_rGroup->child(100), leaves[0]);
 }
 
+TEST_F(ManagedGroupEntityTests, AddChildOfNullIsIgnored) {
+    Recorder recorder(*m_rGroup);
+    m_rGroup->addChild(nullptr);
+    EXPECT_EQ(m_rGroup->children(), 0U);
+    EXPECT_TRUE(recorder.m_told.empty());
+    m_rGroup->unsubscribe(&recorder);
+}
+
+// Whoever hears of the new parent takes the child out of the list that the caller named it by.
+TEST_F(ManagedGroupEntityTests, AddChildAddsTheChildWhateverHappensToTheListThatItIsTakenFrom) {
+    StrongRef<Leaf> const first = Leaf::make(m_document.segment());
+    StrongRef<Leaf> const second = Leaf::make(m_document.segment());
+    m_rGroup->insertChild(first, 0);
+    m_rGroup->insertChild(second, 1);
+    StrongRef<Group> const other = Group::make(m_document.segment());
+    Recorder recorder(*first);
+    recorder.m_onPost = [&](DataChange *) { m_rGroup->removeChild(first); };
+    other->addChild(m_rGroup->child(0));
+    EXPECT_EQ(other->childrenVector(), Children{first});
+    EXPECT_EQ(m_rGroup->childrenVector(), Children{second});
+    first->unsubscribe(&recorder);
+}
+
 TEST_F(ManagedGroupEntityTests, InsertChildIsAStructuralChangeWithTheIndex) {
     auto const leaves = makeLeaves(m_rGroup, 2);
     StrongRef<Leaf> const leaf = Leaf::make(m_document.segment());
@@ -511,6 +534,45 @@ TEST_F(ReplayTests, ADirectChangeHasNoDifference) {
     m_rGroup->removeChild(m_leaves[1]);
     EXPECT_EQ(catcher.m_told.size(), 2U);
     EXPECT_TRUE(catcher.m_caught.empty());
+}
+
+// What it does isn't recorded, so that there are fewer children than the steps know of.
+TEST_F(ReplayTests, AHookThatTakesChildrenOutInAReplayLeavesAListThatCanStillBeReplayed) {
+    StrongRef<Leaf> const first = Leaf::make(m_document.segment());
+    StrongRef<Leaf> const second = Leaf::make(m_document.segment());
+    m_document.step([&] { m_rGroup->addChild(first); });
+    m_document.step([&] { m_rGroup->addChild(second); });
+    Recorder recorder(*m_rGroup);
+    recorder.m_onPost = [&](DataChange * details) {
+        if (!details->find(Difference::interfaceId())) return;
+        for (std::size_t i = 0; i < 4; ++i)
+            m_rGroup->removeChild(m_leaves[i]);
+    };
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), Children{first});
+    m_document.redo();
+    EXPECT_EQ(m_rGroup->childrenVector(), (Children{first, second}));
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), Children{first});
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), Children{first});
+    m_rGroup->unsubscribe(&recorder);
+}
+
+TEST_F(ReplayTests, AHookThatTakesOutWhatAnUndoIsToTakeOutLeavesNothingElseToTakeOut) {
+    StrongRef<Leaf> const leaf = Leaf::make(m_document.segment());
+    Children const rest = m_rGroup->childrenVector();
+    m_document.step([&] { m_rGroup->addChild(leaf); });
+    Recorder recorder(*m_rGroup);
+    bool first = true;
+    recorder.m_onPre = [&](DataChange *) {
+        if (std::exchange(first, false)) m_rGroup->removeChild(leaf);
+    };
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), rest);
+    m_document.redo();
+    EXPECT_EQ(m_rGroup->childrenVector(), rest);
+    m_rGroup->unsubscribe(&recorder);
 }
 
 // --- Changes of order ---------------------------------------------------------------------------

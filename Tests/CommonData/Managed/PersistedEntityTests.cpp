@@ -207,6 +207,43 @@ TEST(PersistedEntityTests, InterfacesHaveTheIdsOfTheirFullNames) {
     EXPECT_EQ(IScriptableObject::interfaceId()->string(), "Vn::IScriptableObject");
 }
 
+template <class X>
+class MakeTests : public testing::Test {
+protected:
+    Document const m_document;
+};
+using MadeClasses =
+    testing::Types<ManagedEntity, ManagedGroupEntity, CommonBaseEntity, CommonBaseGroupEntity>;
+TYPED_TEST_SUITE(MakeTests, MadeClasses);
+
+TYPED_TEST(MakeTests, MakesAnObjectThatItsParentLists) {
+    StrongRef<Group> const group = Group::make(this->m_document.segment());
+    StrongRef<TypeParam> const made = TypeParam::make(PassiveRef<Entity>(group));
+    EXPECT_EQ(made->metaType(), TypeParam::s_metaType());
+    EXPECT_TRUE(made->isCreating());
+    EXPECT_EQ(made->parent(), group);
+    EXPECT_EQ(group->childrenVector(), Children{made});
+}
+
+TYPED_TEST(MakeTests, MakesAnObjectWithoutAParent) {
+    StrongRef<TypeParam> const made = TypeParam::make(this->m_document.segment());
+    EXPECT_EQ(made->metaType(), TypeParam::s_metaType());
+    EXPECT_EQ(made->segment(), this->m_document.segment());
+    EXPECT_EQ(made->parent(), nullptr);
+}
+
+TYPED_TEST(MakeTests, MakesNothingWithoutAPlace) {
+    EXPECT_FALSE(TypeParam::make(static_cast<Segment *>(nullptr)));
+    EXPECT_FALSE(TypeParam::make(PassiveRef<Entity>()));
+    StrongRef<Group> group = Group::make(this->m_document.segment());
+    PassiveRef<Entity> const gone(group);
+    group.reset();
+    EXPECT_FALSE(TypeParam::make(gone));
+    StrongRef<Group> const closed = Group::make(Document().segment());
+    EXPECT_FALSE(TypeParam::make(PassiveRef<Entity>(closed)));
+    EXPECT_EQ(closed->children(), 0U);
+}
+
 // --- The parts that have a logic of their own ---------------------------------------------------
 
 // A fresh class for each test: its first object builds its member set.
