@@ -384,6 +384,16 @@ void ChangeHistory::closeBracket(EntityChange & change) {
     if (change.m_pOutermost != &change) return;
     Entity & entity = *change.m_pEntity;
     entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagChanging);
+    record(change);
+    if (entity.m_flags & Entity::FlagDoomed) {
+        entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDoomed);
+        letGo(entity);
+    }
+}
+
+// What differs since the outermost bracket of an entity opened.
+void ChangeHistory::record(EntityChange const & change) {
+    Entity & entity = *change.m_pEntity;
     bool const isReplay = DataChange::test(change.m_transact, DataChange::TransactReplay);
     if (!change.m_bUndoable && !isReplay) return;
     bool const alive = !(entity.m_flags & (Entity::FlagDead | Entity::FlagDying));
@@ -555,7 +565,7 @@ void ChangeHistory::orphaned(Entity & entity) noexcept {
     entity.strongCount(0);
     if (m_asset.m_bClosing) return; // the asset ends its entities itself
     if (entity.m_flags & Entity::FlagDead) {
-        if (!(entity.m_flags & (Entity::FlagKept | Entity::FlagDying))) delete &entity;
+        if (!(entity.m_flags & (Entity::FlagKept | Entity::FlagDying))) end(entity);
         return;
     }
     if (entity.m_flags & (Entity::FlagQueued | Entity::FlagDying)) return;
@@ -638,11 +648,18 @@ void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) noexce
 void ChangeHistory::letGo(Entity & entity) noexcept {
     entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagKept);
     if (entity.refCount() == 0)
-        delete &entity;
+        end(entity);
     else if (!(entity.m_flags & Entity::FlagHeld)) {
         entity.m_flags |= Entity::FlagHeld;
         m_asset.m_held.insert(&entity);
     }
+}
+
+void ChangeHistory::end(Entity & entity) noexcept {
+    if (entity.m_flags & Entity::FlagChanging) // its brackets refer to it
+        entity.m_flags |= Entity::FlagDoomed;
+    else
+        delete &entity;
 }
 
 void ChangeHistory::revive(Entity & entity, std::uint64_t const * tomb) {

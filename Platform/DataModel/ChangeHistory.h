@@ -155,6 +155,7 @@ private:
     // What brackets do.
     void openBracket(EntityChange & change);
     void closeBracket(EntityChange & change);
+    void record(EntityChange const & change);
     void keepDifferences(EntityChange const & change, DataModel::ChangeLog * log,
                          DataModel::Record & record);
     EntityChange * outermostBracket(Entity const & entity) const noexcept;
@@ -166,6 +167,7 @@ private:
     void kill(Entity & entity, DataChange::ETransact transact) noexcept;
     void revive(Entity & entity, std::uint64_t const * tomb);
     void letGo(Entity & entity) noexcept; // of a dead one that no log keeps any more
+    void end(Entity & entity) noexcept;   // once nobody holds it either
     void killOrphans(DataChange::ETransact transact) noexcept;
     void rootChanging(Segment & segment, std::string const & key, std::size_t place, Entity * old);
 

@@ -133,7 +133,8 @@ private:
         FlagDirty = 256,    // differs from what was last saved
         FlagStored = 512,   // stands in the file
         FlagQueued = 1024,  // waits for its deletion
-        FlagHeld = 2048     // dead for good, and still held by somebody
+        FlagHeld = 2048,    // dead for good, and still held by somebody
+        FlagDoomed = 4096   // dead for good, and ends when its outermost bracket closes
     };
 
     void destroy() noexcept override;

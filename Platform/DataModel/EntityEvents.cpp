@@ -24,16 +24,31 @@ void EntityEventSource::subscribe(EntityEventSite * site, MetaTypeFilter * filte
 
 void EntityEventSource::unsubscribe(EntityEventSite * site, MetaTypeFilter * filter) {
     StrongRef<MetaTypeFilter> const owned(filter);
-    if (!site || !filter) return;
+    if (!filter) return;
+    unsubscribeWhere([&](Subscription const & i) {
+        return i.m_pSite == site && i.m_rFilter->type() == filter->type();
+    });
+}
+
+void EntityEventSource::unsubscribe(EntityEventSite * site) {
+    unsubscribeWhere([&](Subscription const & i) { return i.m_pSite == site; });
+}
+
+template <class Which>
+void EntityEventSource::unsubscribeWhere(Which && which) {
     for (Subscription & i : m_subscriptions)
-        if (i.m_pSite == site && i.m_rFilter->type() == filter->type()) {
+        if (which(i)) {
             i.m_pSite = nullptr;
             m_bGaps = true;
         }
-    if (m_bGaps && !m_telling) {
-        std::erase_if(m_subscriptions, [](Subscription const & i) { return !i.m_pSite; });
-        m_bGaps = false;
-    }
+    closeGaps();
+}
+
+// While sites are told, the places of all stay as they are.
+void EntityEventSource::closeGaps() {
+    if (!m_bGaps || m_telling) return;
+    std::erase_if(m_subscriptions, [](Subscription const & i) { return !i.m_pSite; });
+    m_bGaps = false;
 }
 
 std::size_t EntityEventSource::subscriptions() const noexcept {
@@ -50,10 +65,8 @@ void EntityEventSource::tell(Entity & entity, Tell && tell) {
     struct Leave {
         EntityEventSource & m_source;
         ~Leave() {
-            if (--m_source.m_telling || !m_source.m_bGaps) return;
-            std::erase_if(m_source.m_subscriptions,
-                          [](Subscription const & i) { return !i.m_pSite; });
-            m_source.m_bGaps = false;
+            --m_source.m_telling;
+            m_source.closeGaps();
         }
     } const leave{*this};
     for (std::size_t i = 0; i < count; ++i) {

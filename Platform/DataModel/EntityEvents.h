@@ -70,6 +70,8 @@ public:
     // twice for the same type is told once.  Both take `filter` over; a null site is ignored.
     void subscribe(EntityEventSite * site, MetaTypeFilter * filter);
     void unsubscribe(EntityEventSite * site, MetaTypeFilter * filter);
+    // The same for all types, as a site does that is about to end.
+    void unsubscribe(EntityEventSite * site);
     // The number of subscriptions.
     std::size_t subscriptions() const noexcept;
 
@@ -84,6 +86,9 @@ private:
     };
     template <class Tell>
     void tell(Entity & entity, Tell && tell);
+    template <class Which>
+    void unsubscribeWhere(Which && which);
+    void closeGaps();
 
     std::vector<Subscription> m_subscriptions;
     std::size_t m_telling = 0;

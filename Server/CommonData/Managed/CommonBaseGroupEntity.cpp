@@ -16,7 +16,7 @@ CommonBaseGroupEntity::CommonBaseGroupEntity(Segment * segment, unsigned long lo
     initializeMemberSetIfNeeded();
 }
 
-CommonBaseGroupEntity::~CommonBaseGroupEntity() = default;
+CommonBaseGroupEntity::~CommonBaseGroupEntity() { ignoreClient(); }
 
 StrongRefCreator<CommonBaseGroupEntity>
 CommonBaseGroupEntity::make(PassiveRef<Entity> const & parent) {

@@ -21,7 +21,10 @@ CommonBaseRootCollection::CommonBaseRootCollection(Segment * segment, unsigned l
 }
 
 // A load that fails ends objects that are still migrating.
-CommonBaseRootCollection::~CommonBaseRootCollection() { deleteMigrationHelper(); }
+CommonBaseRootCollection::~CommonBaseRootCollection() {
+    ignoreClient();
+    deleteMigrationHelper();
+}
 
 void CommonBaseRootCollection::initializeMemberSet(unsigned version, MemberSet * set) {
     if (version != 0) return;

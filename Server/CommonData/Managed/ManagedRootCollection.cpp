@@ -21,8 +21,8 @@ ManagedRootCollection::ManagedRootCollection(Segment * segment, unsigned long lo
 }
 
 ManagedRootCollection::~ManagedRootCollection() {
-    if (segment())
-        segment()->entityEventSource()->unsubscribe(this, MetaTypeFilter::make(m_pElementMetaType));
+    // From all types: a class that installs another one still follows that before.
+    if (segment()) segment()->entityEventSource()->unsubscribe(this);
 }
 
 void ManagedRootCollection::initializeMemberSet(unsigned, MemberSet * set) {
