@@ -1,6 +1,7 @@
 #include "Platform/DataModel/DocumentFileReaderInternal.h"
 
 #include <algorithm>
+#include <new>
 #include <set>
 #include <system_error>
 
@@ -113,14 +114,19 @@ DocumentFile::Reader::~Reader() {
     if (!m_rAsset) return;
     // Only after a failure.  The asset ends its entities, as it would those of a whole document.
     for (StrongRef<Entity> & entity : m_loaded) {
+        if (!entity) continue; // what owns it has taken over
         if (entity->isMarkedMigrating()) {
             try {
                 entity->uninitializeMigrationHelpers();
             } catch (...) { // a hook of an entity that is about to go
             }
         }
-        entity->segment()->m_unowned.push_back(std::move(entity));
+        try {
+            entity->segment()->m_unowned.push_back(std::move(entity));
+        } catch (std::bad_alloc const &) { // it ends with m_loaded, after the asset
+        }
     }
+    m_rAsset.reset();
 }
 
 StrongRef<Asset> DocumentFile::Reader::read() {

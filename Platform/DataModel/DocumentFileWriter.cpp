@@ -1,5 +1,6 @@
 #include "Platform/DataModel/DocumentFileWriterInternal.h"
 
+#include <new>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -143,9 +144,11 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
         refuse(StatusAccessDenied, "the file is read-only");
 
     std::filesystem::path const temporary = besideName(target, ".saving");
+    bool const wasUnnoted = std::exchange(m_asset.m_bUnnoted, false); // all is written
     Database database(m_operation, file, m_fileSystem);
     bool isOurs = false;
     FileHead head;
+    Saved saved;
     try {
         database.open(temporary, true);
         database.takeEmpty();
@@ -160,6 +163,7 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
         std::size_t const deleted = m_asset.m_deleted.size();
         writeAll();
         eraseDeleted(deleted);
+        refuseUnnoted();
         writeSegments();
         writeRoots();
         if (m_asset.m_fileStamp.size()) {
@@ -174,16 +178,18 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
         if (exists) std::filesystem::permissions(temporary, status.permissions(), error);
         if constexpr (!OS::c_renamesOpenFiles) database.close();
         if (exists) removeRemains(target);
+        saved = makeSaved(file, head);
         Status const renamed = OS::renameFile(temporary, target);
         if (!renamed) refuse(renamed.code(), renamed.cause());
     } catch (...) {
         end();
         database.close();
         if (isOurs) std::filesystem::remove(temporary, error);
+        m_asset.m_bUnnoted = m_asset.m_bUnnoted || wasUnnoted;
         throw;
     }
     database.close();
-    finish(file, head);
+    finish(std::move(saved));
     Status const synced =
         OS::syncDirectory(target.has_parent_path() ? target.parent_path() : std::filesystem::path("."));
     if (!synced) {
@@ -252,13 +258,14 @@ void DocumentFile::Writer::saveChanges() {
                 !stamp.m_doubtful.empty() && head.m_stamp == stamp.m_doubtful;
             if (head.m_id != stamp.m_id || (head.m_stamp != stamp.m_stamp && !isDoubtful))
                 refuse(StatusFailed, "the file was changed by another program");
-            isWholeNeeded = isDoubtful || !isCurrent(database, schema);
+            isWholeNeeded = isDoubtful || m_asset.m_bUnnoted || !isCurrent(database, schema);
             if (!isWholeNeeded) {
                 begin(database, schema, false);
                 if (!m_asset.m_dirty.empty() || !m_asset.m_deleted.empty()
                     || m_asset.m_bRootsDirty) {
                     writeDirty();
                     eraseDeleted(0);
+                    refuseUnnoted();
                     writeSegments();
                     if (m_asset.m_bRootsDirty) writeRoots();
                     head.m_nextEntity = m_asset.m_nextId;
@@ -276,7 +283,7 @@ void DocumentFile::Writer::saveChanges() {
         }
     }
     if (isWholeNeeded) return saveWhole(file);
-    finish(file, head);
+    finish(makeSaved(file, head));
     markSaved(false);
 }
 
@@ -562,13 +569,23 @@ void DocumentFile::Writer::writeLists(Class & target, Entity & entity) {
     }
 }
 
-// The document has this file from now on.
-void DocumentFile::Writer::finish(std::filesystem::path const & file, FileHead const & head) {
+DocumentFile::Writer::Saved DocumentFile::Writer::makeSaved(std::filesystem::path const & file,
+                                                            FileHead const & head) {
     std::error_code error;
-    std::filesystem::path const absolute = std::filesystem::absolute(file, error);
-    m_asset.m_file = error ? file : absolute;
-    m_asset.m_fileStamp =
-        DocumentFileStamp{head.m_id, head.m_generation, head.m_stamp, {}}.toString();
+    std::filesystem::path absolute = std::filesystem::absolute(file, error);
+    return {error ? file : std::move(absolute),
+            DocumentFileStamp{head.m_id, head.m_generation, head.m_stamp, {}}.toString()};
+}
+
+// The document has this file from now on.
+void DocumentFile::Writer::finish(Saved saved) noexcept {
+    m_asset.m_file = std::move(saved.m_file);
+    m_asset.m_fileStamp = std::move(saved.m_stamp);
+}
+
+// Hooks changed entities while they were written, and memory ran out while that was noted.
+void DocumentFile::Writer::refuseUnnoted() const {
+    if (m_asset.m_bUnnoted) throw std::bad_alloc();
 }
 
 void DocumentFile::Writer::markSaved(bool isWhole) {

@@ -61,7 +61,14 @@ private:
     static bool isWritten(Entity const & entity) noexcept;
 
     void removeRemains(std::filesystem::path const & file) const;
-    void finish(std::filesystem::path const & file, DataModel::FileHead const & head);
+    void refuseUnnoted() const;
+    // What the document knows of its file once that is saved.
+    struct Saved {
+        std::filesystem::path m_file;
+        std::string m_stamp;
+    };
+    static Saved makeSaved(std::filesystem::path const & file, DataModel::FileHead const & head);
+    void finish(Saved saved) noexcept;
     void markSaved(bool isWhole);
 
     Asset & m_asset;

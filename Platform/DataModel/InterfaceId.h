@@ -18,7 +18,7 @@ public:
     InterfaceId & operator=(InterfaceId const &) = delete;
 
     // The id, the same pointer at every call.
-    UniqueString const * get() noexcept {
+    UniqueString const * get() {
         return &m_id.get([this] { return UniqueString::find(m_name, true); });
     }
 
