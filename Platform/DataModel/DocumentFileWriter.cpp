@@ -218,7 +218,8 @@ void DocumentFile::Writer::removeRemains(std::filesystem::path const & file) con
         std::filesystem::remove(besideName(file, ending), error);
         if (error)
             throw FileFailure{Status(StatusIO, m_operation, pathText(file),
-                                     "the remains of a crash can't be removed: " + error.message())};
+                                     "the remains of a crash can't be removed: "
+                                         + OS::errorText(error))};
     }
 }
 
