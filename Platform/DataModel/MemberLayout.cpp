@@ -229,18 +229,21 @@ bool ownsWords(std::vector<Leaf> const & leaves) noexcept {
 // live to the end of the process.
 std::vector<Leaf> const & leavesOf(ValueMetaType & type) {
     static std::mutex s_mutex;
-    static auto * const s_leaves = new std::map<ValueMetaType *, std::vector<Leaf> const *>;
-    std::lock_guard const guard(s_mutex);
-    std::vector<Leaf> const *& leaves = (*s_leaves)[&type];
-    if (!leaves) {
-        void * const value = type.construct();
-        MemberSet * const set = type.memberSetOf(value);
-        type.destruct(value);
-        auto made = std::make_unique<std::vector<Leaf>>();
-        appendLeaves(*set, *made);
-        leaves = made.release();
+    static auto * const s_leaves =
+        new std::map<ValueMetaType *, std::unique_ptr<std::vector<Leaf> const>>;
+    {
+        std::lock_guard const guard(s_mutex);
+        auto const i = s_leaves->find(&type);
+        if (i != s_leaves->end()) return *i->second;
     }
-    return *leaves;
+    // Not under the lock: values may have values inside.
+    void * const value = type.construct();
+    MemberSet * const set = type.memberSetOf(value);
+    type.destruct(value);
+    auto made = std::make_unique<std::vector<Leaf>>();
+    appendLeaves(*set, *made);
+    std::lock_guard const guard(s_mutex);
+    return *s_leaves->try_emplace(&type, std::move(made)).first->second;
 }
 
 // Makes all strong references of a leaf null.

@@ -77,7 +77,9 @@ public:
         m_states[L""] = state();
     }
     // The state behind a step that isn't known yet.
-    void knows(std::wstring const & name, std::string const & state) { m_states.emplace(name, state); }
+    void knows(std::wstring const & name, std::string const & state) {
+        m_states.emplace(name, state);
+    }
 
     // That each step leads to its state, and back.
     void expectStepsFit() {
@@ -174,8 +176,10 @@ std::vector<Work> const & works() {
         setting("unsigned64s", &Everything::m_unsigned64s, std::vector<unsigned long long>(100, 1)),
         setting("floats", &Everything::m_floats, std::vector<float>(100, 1)),
         setting("doubles", &Everything::m_doubles, std::vector<double>(100, 1)),
-        setting("strings", &Everything::m_strings, std::vector<std::string>(9, std::string(99, 'x'))),
-        setting("wides", &Everything::m_wides, std::vector<std::wstring>(9, std::wstring(99, L'x'))),
+        setting("strings", &Everything::m_strings,
+                std::vector<std::string>(9, std::string(99, 'x'))),
+        setting("wides", &Everything::m_wides,
+                std::vector<std::wstring>(9, std::wstring(99, L'x'))),
         setting("texts", &Everything::m_texts,
                 std::vector<GlobalizedString>(9, GlobalizedString(L"other"))),
         {"owned",
@@ -232,7 +236,8 @@ std::vector<Work> const & works() {
         {"deletion of what has many children",
          [](Scene & scene) {
              StrongRef<Everything> const parent = Everything::make(design(scene.asset()));
-             for (int i = 0; i < 40; ++i) parent->m_children.push_back(Row::make(design(scene.asset())));
+             for (int i = 0; i < 40; ++i)
+                 parent->m_children.push_back(Row::make(design(scene.asset())));
              scene.root().change([&] {
                  scene.root().m_rOwned = StrongRef<Piece>(parent);
                  scene.root().m_children.clear();
@@ -317,7 +322,8 @@ void expectBeforeOrAfter(Scene & scene, EOutcome outcome, std::string const & be
 }
 
 // One round; true if an allocation failed.
-bool runRound(Operation const & operation, std::string const & after, unsigned long n, bool forGood) {
+bool runRound(Operation const & operation, std::string const & after, unsigned long n,
+              bool forGood) {
     Scene scene;
     operation.m_prepare(scene);
     std::string const before = scene.state();
@@ -331,7 +337,8 @@ bool runRound(Operation const & operation, std::string const & after, unsigned l
 void forEachFailure(std::function<bool(unsigned long n, bool forGood)> const & round) {
     for (bool const forGood : {false, true})
         for (unsigned long n = 1;; ++n) {
-            SCOPED_TRACE((forGood ? "for good from allocation " : "allocation ") + std::to_string(n));
+            SCOPED_TRACE((forGood ? "for good from allocation " : "allocation ")
+                         + std::to_string(n));
             bool hasFailed = false;
             long left = 1;
             // What is made once in a process is there in the second round.
@@ -380,7 +387,9 @@ TEST_P(OutOfMemoryStepTests, anAbortTakesBackOrSaysThatItCouldnt) {
 }
 
 TEST_P(OutOfMemoryStepTests, anUndoIsDoneOrNotOrSaysThatItIsNeither) {
-    expectSurvivesFailures({[](Scene & scene) { scene.step(L"work", [&] { GetParam().m_run(scene); }); },
+    expectSurvivesFailures({[](Scene & scene) {
+                                scene.step(L"work", [&] { GetParam().m_run(scene); });
+                            },
                             undo});
 }
 
