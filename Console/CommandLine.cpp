@@ -291,7 +291,7 @@ int runCommandLine(std::vector<std::string> const & arguments, std::istream & in
     }
     prepareProcess(commandLine.language());
     DocumentSession document;
-    DocumentTextCommands const documentCommands(document);
+    DocumentTextCommands const documentCommands(document, &out);
     return commandLine.run(document, in, out, err);
 }
 

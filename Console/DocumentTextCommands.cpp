@@ -77,18 +77,18 @@ Result saveDocumentAs(DocumentSession & session, Parameters const & parameters) 
     return {0, L"saved " + session.name()};
 }
 
-Result showTree(DocumentSession & session, Parameters const & parameters) {
+Result showTree(DocumentSession const & session, Parameters const & parameters,
+                std::ostream & out) {
     bool const json = parameters.hasFlag(L"Json");
-    std::ostringstream out;
     if (parameters.parameters() == 0) {
         writeTree(session, json, out);
-    } else {
-        DocumentPlace place;
-        std::wstring const why = findPlace(session, parameters.parameter(0), place);
-        if (!why.empty()) return cannot(L"show the tree", why);
-        writeTree(place, json, out);
+        return {};
     }
-    return {0, Text::fromUtf8(out.str())};
+    DocumentPlace place;
+    std::wstring const why = findPlace(session, parameters.parameter(0), place);
+    if (!why.empty()) return cannot(L"show the tree", why);
+    writeTree(place, json, out);
+    return {};
 }
 
 Result undo(DocumentSession & session, Parameters const &) {
@@ -175,7 +175,7 @@ std::vector<DocumentTextCommand> documentTextCommands() {
          true, &saveDocumentAs},
         {L"Tree", "tree", L"[Path] [/Json]",
          L"Lists the entities, or those at a path and below it", L"show the tree", 0, 1, L"Json",
-         true, &showTree},
+         true, nullptr, &showTree},
         {L"Undo", "undo", L"", L"Takes the last change back", L"undo", 0, 0, nullptr, true, &undo},
         {L"Redo", "redo", L"", L"Makes the change again that was taken back last", L"redo", 0, 0,
          nullptr, true, &redo},
@@ -193,12 +193,13 @@ public:
 
 class Command final : public TextCommand {
 public:
-    Command(std::wstring area, DocumentTextCommand const & command, DocumentSession & session)
+    Command(std::wstring area, DocumentTextCommand const & command, DocumentSession & session,
+            std::ostream * out)
         : TextCommand(std::move(area), command.name,
                       (*command.usage ? command.usage + std::wstring(L" ") : std::wstring()) +
                           command.meaning,
                       command.alias),
-          m_command(command), m_rSession(session) {}
+          m_command(command), m_rSession(session), m_pOut(out) {}
 
 private:
     TextCommandResult onRun(TextCommandParameters const & parameters) override {
@@ -224,11 +225,20 @@ private:
             return cannot(m_command.purpose, L"no document is open; Document.New makes one, and "
                                              L"Document.Open FILE opens one");
         }
-        return m_command.run(m_rSession, parameters);
+        return m_command.write ? write(parameters) : m_command.run(m_rSession, parameters);
+    }
+
+    TextCommandResult write(TextCommandParameters const & parameters) {
+        if (m_pOut) return m_command.write(m_rSession, parameters, *m_pOut);
+        std::ostringstream text;
+        TextCommandResult result = m_command.write(m_rSession, parameters, text);
+        if (result.status == 0) result.text = Text::fromUtf8(text.str());
+        return result;
     }
 
     DocumentTextCommand const m_command;
     DocumentSession & m_rSession;
+    std::ostream * const m_pOut;
 };
 
 } // namespace
@@ -237,11 +247,11 @@ TextCommandResult cannot(std::wstring const & what, std::wstring const & reason)
     return {1, L"cannot " + what + L": " + reason};
 }
 
-DocumentTextCommands::DocumentTextCommands(DocumentSession & session) {
+DocumentTextCommands::DocumentTextCommands(DocumentSession & session, std::ostream * out) {
     add(L"Document", L"Commands that keep a document: its file, its tree and its history",
-        documentTextCommands(), session);
+        documentTextCommands(), session, out);
     add(L"Groups", L"Commands that change the groups of the document", groupTextCommands(),
-        session);
+        session, out);
 }
 
 // The areas go last, so that no command is without one.
@@ -249,10 +259,10 @@ DocumentTextCommands::~DocumentTextCommands() { m_commands.clear(); }
 
 void DocumentTextCommands::add(wchar_t const * area, wchar_t const * description,
                                std::vector<DocumentTextCommand> const & commands,
-                               DocumentSession & session) {
+                               DocumentSession & session, std::ostream * out) {
     m_areas.push_back(std::make_unique<SubjectArea>(area, description));
     for (DocumentTextCommand const & command : commands) {
-        m_commands.push_back(std::make_unique<Command>(area, command, session));
+        m_commands.push_back(std::make_unique<Command>(area, command, session, out));
     }
 }
 

@@ -3,6 +3,7 @@
 #ifndef VN_CONSOLE_DOCUMENTTEXTCOMMANDS_H
 #define VN_CONSOLE_DOCUMENTTEXTCOMMANDS_H
 
+#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,6 +26,10 @@ struct DocumentTextCommand {
     wchar_t const * flag; // the one that it knows; null if it knows none
     bool needsDocument;
     TextCommandResult (*run)(DocumentSession & session, TextCommandParameters const & parameters);
+    // In place of `run`, for a text that may be long: writes it, unless it answers why it can't.
+    TextCommandResult (*write)(DocumentSession const & session,
+                               TextCommandParameters const & parameters,
+                               std::ostream & out) = nullptr;
 };
 
 // "cannot ...: ...".
@@ -37,14 +42,17 @@ std::vector<DocumentTextCommand> groupTextCommands();
 // which must live as long.
 class DocumentTextCommands {
 public:
-    explicit DocumentTextCommands(DocumentSession & session);
+    // A text that may be long is written to `out` while it is made, and the command then answers
+    // nothing; with null it is the answer.
+    explicit DocumentTextCommands(DocumentSession & session, std::ostream * out = nullptr);
     ~DocumentTextCommands();
     DocumentTextCommands(DocumentTextCommands const &) = delete;
     DocumentTextCommands & operator=(DocumentTextCommands const &) = delete;
 
 private:
     void add(wchar_t const * area, wchar_t const * description,
-             std::vector<DocumentTextCommand> const & commands, DocumentSession & session);
+             std::vector<DocumentTextCommand> const & commands, DocumentSession & session,
+             std::ostream * out);
 
     std::vector<std::unique_ptr<TextCommandSubjectArea>> m_areas;
     std::vector<std::unique_ptr<TextCommand>> m_commands;

@@ -128,12 +128,13 @@ void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
     for (std::string const & key : keys) {
         StrongRef<Entity> const root = session.design().rootEntity(key);
         walk.from(*root, Onk(Text::fromUtf8(key)).toString(), [&](TreeWalk::Step const & step) {
-            seen.insert(&step.entity);
+            if (!json) seen.insert(&step.entity);
             writeLine(step, json, out);
         });
     }
+    if (json) return;
     std::size_t const outside = session.asset().entities() - seen.size();
-    if (json || outside == 0) return;
+    if (outside == 0) return;
     out << outside << (outside == 1 ? " entity stands" : " entities stand")
         << " outside the tree\n";
 }

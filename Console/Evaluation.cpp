@@ -17,9 +17,8 @@ using Units::UnitDisplaySettings;
 
 namespace {
 
-// A rebuilt text that is spelled by other settings than the standard ones is read anew.
+// For a rebuilt text that is spelled by other settings than the standard ones.
 bool readsBack(Expression const & expression, std::wstring const & rebuilt) {
-    if (rebuilt == expression.rebuilt()) return expression.rebuiltReadsBack();
     Expression const again(rebuilt, expression.context());
     return again && again.value() == expression.value();
 }
@@ -47,8 +46,12 @@ Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & s
     e.units = unitText(units, settings);
     e.internalUnits = internalUnitText(units, settings);
     e.rebuilt = expression.rebuilt(Units::ValueAndUnit, settings);
-    e.readsBack = readsBack(expression, e.rebuilt);
-    e.store = expression.textToStore();
+    std::wstring const standard = expression.rebuilt();
+    bool const standardReadsBack = expression.rebuiltReadsBack();
+    e.readsBack =
+        e.rebuilt == standard ? standardReadsBack : readsBack(expression, e.rebuilt);
+    // Its textToStore, for which it would read the standard text once more.
+    e.store = standardReadsBack ? standard : expression.text();
     ComplexUnit const * const shown = display.expectedUnits();
     if (!e.value) {
         e.error = L"no value: " + explainNoValue();

@@ -40,10 +40,17 @@ std::string pathText(std::filesystem::path const & path) {
     return std::string(text.begin(), text.end());
 }
 
+#ifdef _WIN32
+// Of the last call of the system that failed.
+std::error_code lastError() noexcept {
+    return {static_cast<int>(GetLastError()), std::system_category()};
+}
+#endif
+
 // The reason why the last call of the loader failed.
 std::string loaderError() {
 #ifdef _WIN32
-    return std::system_category().message(static_cast<int>(GetLastError()));
+    return errorText(lastError());
 #else
     char const * const text = dlerror();
     return text ? text : "";
@@ -167,6 +174,23 @@ bool isTerminal(int stream) noexcept {
 #endif
 }
 
+std::string errorText(std::error_code const & error) {
+#ifdef _WIN32
+    // The standard library has them in the code page of the system's language.
+    if (error.category() == std::system_category()) {
+        wchar_t text[1024];
+        DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS
+                                          | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+                                      nullptr, static_cast<DWORD>(error.value()), 0, text,
+                                      static_cast<DWORD>(std::size(text)), nullptr);
+        while (length > 0 && Text::isSpace(static_cast<char32_t>(text[length - 1])))
+            --length;
+        if (length > 0) return Text::toUtf8(std::wstring_view(text, length));
+    }
+#endif
+    return error.message();
+}
+
 int writeError() noexcept {
     int const error = errno;
 #ifdef _WIN32
@@ -232,8 +256,7 @@ Status renameFile(std::filesystem::path const & from, std::filesystem::path cons
 #ifdef _WIN32
     if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
         return Status::success();
-    std::error_code const error(static_cast<int>(GetLastError()), std::system_category());
-    return Status::io("rename the file", pathText(from), error.message());
+    return Status::io("rename the file", pathText(from), errorText(lastError()));
 #else
     if (std::rename(from.c_str(), to.c_str()) == 0) return Status::success();
     return Status::fromErrno(errno, "rename the file", pathText(from));
@@ -272,7 +295,7 @@ Status Module::load(std::filesystem::path const & file) {
     std::error_code error;
     // A bare name would be looked for along the system's search path.
     std::filesystem::path const path = std::filesystem::absolute(file, error);
-    if (error) return Status::invalidArgument("load the module", pathText(file), error.message());
+    if (error) return Status::invalidArgument("load the module", pathText(file), errorText(error));
     if (!std::filesystem::exists(path, error))
         return Status::notFound("load the module", pathText(path));
 #ifdef _WIN32

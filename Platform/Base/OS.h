@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <typeinfo>
 #include <vector>
 
@@ -43,6 +44,9 @@ VN_BASE_API std::vector<std::string> arguments(int argc, char const * const * ar
 
 // Whether a standard stream of the process is a terminal: 0 the input, 1 the output, 2 the errors.
 VN_BASE_API bool isTerminal(int stream) noexcept;
+
+// The system's own words for an error, in UTF-8 and on one line.
+VN_BASE_API std::string errorText(std::error_code const & error);
 
 // The errno of a write that has just failed: EPIPE if nobody reads any more, which the C library of
 // Windows has no errno for.

@@ -1,5 +1,6 @@
 #include "Platform/DataModel/Asset.h"
 
+#include <new>
 #include <utility>
 
 #include "Platform/DataModel/AssetAdapter.h"
@@ -35,26 +36,25 @@ Asset::~Asset() {
     // The entities let go of each other first, so that none ends another within its own end, and cycles
     // are no matter.  Those that somebody else still holds live on without a document.
     for (Entity * const entity : std::exchange(m_held, {})) entity->m_pSegment = nullptr;
-    std::vector<Entity *> const all = allEntities();
-    for (Entity * const entity : all) {
-        entity->addRef();
-        entity->m_flags |= Entity::FlagDead;
-    }
-    for (Entity * const entity : all) entity->metaType()->layout().dropStrong(*entity);
-    for (Entity * const entity : all)
-        if (entity->refCount() > 1) {
-            entity->suspendPassive();
-            entity->m_pSegment = nullptr;
-        }
-    for (Entity * const entity : all) {
-        if (entity->m_pSegment && entity->refCount() == 1) {
-            entity->suspendPassive();
-            delete entity;
+    m_pTable->forEach([](Entity & entity) {
+        entity.addRef();
+        entity.m_flags |= Entity::FlagDead;
+    });
+    m_pTable->forEach([](Entity & entity) { entity.metaType()->layout().dropStrong(entity); });
+    m_pTable->forEach([](Entity & entity) {
+        if (entity.refCount() <= 1) return;
+        entity.suspendPassive();
+        entity.m_pSegment = nullptr;
+    });
+    m_pTable->forEach([](Entity & entity) {
+        if (entity.m_pSegment && entity.refCount() == 1) {
+            entity.suspendPassive();
+            delete &entity;
         } else {
-            entity->m_pSegment = nullptr; // somebody took hold of it during the end of another
-            entity->release();
+            entity.m_pSegment = nullptr; // somebody took hold of it during the end of another
+            entity.release();
         }
-    }
+    });
 }
 
 Segment * Asset::segment(SegmentType const * type) const noexcept {
@@ -88,15 +88,35 @@ void Asset::enter(Entity & entity) { m_pTable->add(entity.id(), &entity); }
 
 void Asset::leave(Entity & entity) noexcept {
     m_pTable->remove(entity.id());
-    if (entity.m_flags & Entity::FlagStored) m_deleted.push_back(entity.id());
+    if (entity.m_flags & Entity::FlagStored) note(m_deleted, entity.id());
     // If it comes back, it has to be written whether or not it was to be before.
     entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagStored | Entity::FlagDirty);
 }
 
-void Asset::markDirty(Entity & entity) {
+void Asset::markDirty(Entity & entity) noexcept {
     if ((entity.m_flags & Entity::FlagDirty) || entity.m_pSegment->isTransient()) return;
-    m_dirty.push_back(entity.id());
+    note(m_dirty, entity.id());
     entity.m_flags |= Entity::FlagDirty;
+}
+
+void Asset::note(std::vector<unsigned long long> & ids, unsigned long long id) noexcept {
+    try {
+        ids.push_back(id);
+    } catch (std::bad_alloc const &) {
+        m_bUnnoted = true;
+    }
+}
+
+void Asset::abandon(Entity & entity) noexcept {
+    if (entity.m_flags & Entity::FlagHeld) return;
+    try {
+        m_held.insert(&entity);
+        entity.m_flags |= Entity::FlagHeld;
+    } catch (std::bad_alloc const &) { // it lives on as it would once the document is closed
+        m_observers.erase(&entity);
+        m_versions.erase(&entity);
+        entity.m_pSegment = nullptr;
+    }
 }
 
 } // namespace Vn

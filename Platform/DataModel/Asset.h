@@ -102,7 +102,10 @@ private:
     void enter(Entity & entity);
     void leave(Entity & entity) noexcept;
     // Notes that an entity differs from what was saved.
-    void markDirty(Entity & entity);
+    void markDirty(Entity & entity) noexcept;
+    void note(std::vector<unsigned long long> & ids, unsigned long long id) noexcept;
+    // Leaves an entity that is dead for good to whoever holds it.
+    void abandon(Entity & entity) noexcept;
 
     AssetType const * const m_pType;
     std::unique_ptr<DataModel::EntityTable> const m_pTable;
@@ -128,6 +131,7 @@ private:
     std::vector<unsigned long long> m_dirty;
     std::vector<unsigned long long> m_deleted;
     bool m_bRootsDirty = false;
+    bool m_bUnnoted = false; // memory ran out while that was noted: the next save writes all
     std::filesystem::path m_file;
     std::string m_fileStamp; // the state of the file as this document left or found it
 };

@@ -50,6 +50,78 @@ std::uint64_t entry(std::size_t leaf, std::size_t words) noexcept {
     return leaf | static_cast<std::uint64_t>(words) << 32;
 }
 std::size_t entryLeaf(std::uint64_t head) noexcept { return head & 0xFFFFFFFFU; }
+std::size_t entryWords(std::uint64_t head) noexcept { return head >> 32; }
+
+// Takes values with their heads back.
+void releaseEntries(std::vector<Leaf> const & leaves, WordBuffer & words, std::size_t begin) noexcept {
+    std::uint64_t const * const end = words.data() + words.size();
+    for (std::uint64_t * i = words.data() + begin; i < end;) {
+        Leaf const & leaf = leaves[entryLeaf(*i++)];
+        DataModel::release(leaf, i);
+    }
+    words.truncate(begin);
+}
+
+// Appends the present values of the members that a Changed record mentions; leaves room for a record.
+void keepChanged(Entity & entity, Asset const & asset, std::uint64_t const * payload,
+                 std::uint64_t const * payloadEnd, ChangeLog & inverse) {
+    auto const & leaves = entity.metaType()->layout().leaves();
+    WordBuffer & words = inverse.words();
+    std::size_t const begin = words.size();
+    std::size_t whole = begin; // up to here each head has its value
+    try {
+        for (; payload < payloadEnd; payload += 1 + entryWords(*payload)) {
+            std::size_t const i = entryLeaf(*payload);
+            words.push(0);
+            DataModel::keep(leaves[i], DataModel::field(entity, leaves[i]), &asset, words);
+            words[whole] = entry(i, words.size() - whole - 1);
+            whole = words.size();
+            if (leaves[i].m_bOwning) inverse.owning();
+        }
+        if (!words.reserve(c_recordWords)) throw std::bad_alloc();
+    } catch (std::bad_alloc const &) {
+        words.truncate(whole);
+        releaseEntries(leaves, words, begin);
+        throw;
+    }
+}
+
+// Where an Inserted or Erased record is replayed.  What a hook of a replay did to the list isn't
+// recorded, so that places may be gone.
+struct Splice {
+    Splice(Entity & entity, Record const & record, std::uint64_t const * payload)
+        : m_leaf(entity.metaType()->layout().leaves()[static_cast<std::size_t>(payload[0])]),
+          m_pField(DataModel::field(entity, m_leaf)) {
+        std::size_t const size = m_leaf.m_pFunctions->elementCount(m_pField);
+        m_index = std::min(static_cast<std::size_t>(payload[1]), size);
+        m_count = static_cast<std::size_t>(payload[2]);
+        if (record.m_kind == ERecord::Inserted) m_count = std::min(m_count, size - m_index);
+    }
+
+    Leaf const & m_leaf;
+    void * const m_pField;
+    std::size_t m_index;
+    std::size_t m_count;
+};
+
+// Makes the members that a record mentions what they were.
+void replayRecord(Entity & entity, Record const & record, std::uint64_t const * payload) {
+    auto const & leaves = entity.metaType()->layout().leaves();
+    if (record.m_kind == ERecord::Changed) {
+        for (std::uint64_t const * const end = payload + record.m_words; payload < end;) {
+            Leaf const & leaf = leaves[entryLeaf(*payload++)];
+            DataModel::restore(leaf, DataModel::field(entity, leaf), payload);
+        }
+        return;
+    }
+    Splice const splice(entity, record, payload);
+    payload += 3;
+    if (record.m_kind == ERecord::Inserted)
+        DataModel::eraseElements(splice.m_leaf, splice.m_pField, splice.m_index, splice.m_count);
+    else
+        DataModel::insertElements(splice.m_leaf, splice.m_pField, splice.m_index, splice.m_count,
+                                  payload);
+}
 
 // Fetches the entity of a record into the cache, while something else is replayed.  A call that isn't
 // inlined would be dropped, since it changes nothing.
@@ -84,12 +156,13 @@ Status ChangeHistory::move(bool undoing) {
     if (undoing ? m_undo.empty() : m_redo.empty())
         return Status::notFound(operation, {}, undoing ? "there is nothing to undo"
                                                        : "there is nothing to redo");
-    std::unique_ptr<Step> step;
+    // Room for the inverse of a mixed log, which is used again and again.
+    if (!m_pSpare) m_pSpare = std::make_unique<ChangeLog>(0);
     if (undoing) {
-        step = std::move(m_undo.back());
+        m_redo.push_back(std::move(m_undo.back()));
         m_undo.pop_back();
     } else {
-        step = std::move(m_redo.back());
+        m_undo.push_back(std::move(m_redo.back()));
         m_redo.pop_back();
     }
     // Steps are often taken one behind the other.
@@ -97,13 +170,20 @@ Status ChangeHistory::move(bool undoing) {
         ChangeLog & next = (undoing ? m_undo.back() : m_redo.back())->m_log;
         prefetchEntity(next, next.end());
     }
+    Step * const step = undoing ? m_redo.back().get() : m_undo.back().get();
     m_bytes -= step->m_log.bytes();
-    replay(step->m_log, undoing);
+    try {
+        replay(step->m_log, undoing);
+    } catch (...) {
+        std::unique_ptr<Step> const half = std::move(undoing ? m_redo.back() : m_undo.back());
+        if (undoing)
+            m_redo.pop_back();
+        else
+            m_undo.pop_back();
+        giveUp(half->m_log, m_pSpare.get());
+        throw;
+    }
     m_bytes += step->m_log.bytes();
-    if (undoing)
-        m_redo.push_back(std::move(step));
-    else
-        m_undo.push_back(std::move(step));
     rethrowOfHook();
     return Status();
 }
@@ -218,10 +298,21 @@ bool ChangeHistory::begin(std::wstring_view name) {
 }
 
 void ChangeHistory::commit() {
-    std::unique_ptr<Step> step = std::move(m_open.back());
+    Step & step = *m_open.back();
+    ChangeLog & log = step.m_log;
+    // Room comes first: without it the transaction stays open.
+    if (step.m_pAround && !step.m_pAround->words().reserve(log.words().size()))
+        throw std::bad_alloc();
+    bool const isLost = !step.m_pAround && std::exchange(m_bLost, false);
+    std::uint64_t const before = state();
+    std::unique_ptr<Step> closed;
+    if (step.m_pAround || isLost || log.empty())
+        closed = std::move(m_open.back());
+    else
+        m_undo.push_back(std::move(m_open.back()));
     m_open.pop_back();
-    m_pLog = step->m_pAround;
-    ChangeLog & log = step->m_log;
+    m_pLog = step.m_pAround;
+    if (isLost) return dropAll(&log); // what was recorded isn't all: nothing before can be reached
     if (log.empty()) return;
     if (m_pLog) {
         // Becomes a part of the log around it, whose number and places its records take.
@@ -244,17 +335,10 @@ void ChangeHistory::commit() {
         if (log.isMixed() || base > 0) m_pLog->mixed(); // both may have recorded the same members
         return;
     }
-    dropRedo();
-    if (std::exchange(m_bLost, false)) { // what was recorded isn't all: nothing before can be reached
-        drop(log);
-        clear();
-        m_baseState = ++m_lastState;
-        return;
-    }
     log.words().trim();
-    step->m_state = log.isPersistent() ? ++m_lastState : state();
+    step.m_state = log.isPersistent() ? ++m_lastState : before;
     m_bytes += log.bytes();
-    m_undo.push_back(std::move(step));
+    dropRedo();
     enforceLimits();
 }
 
@@ -262,8 +346,14 @@ void ChangeHistory::abort() {
     std::unique_ptr<Step> step = std::move(m_open.back());
     m_open.pop_back();
     m_pLog = nullptr;
-    if (std::exchange(m_bLost, false)) m_bUsable = false;
-    replayForAbort(step->m_log);
+    try {
+        if (std::exchange(m_bLost, false)) throw std::bad_alloc(); // what was recorded isn't all
+        replayForAbort(step->m_log);
+    } catch (...) {
+        m_pLog = step->m_pAround;
+        giveUp(step->m_log, nullptr);
+        throw;
+    }
     m_pLog = step->m_pAround;
     drop(step->m_log);
     // What the replay killed was still mentioned by the log.
@@ -286,7 +376,8 @@ Transaction::~Transaction() {
 }
 
 void Transaction::commit() {
-    if (m_pHistory) std::exchange(m_pHistory, nullptr)->commit();
+    if (m_pHistory) m_pHistory->commit();
+    m_pHistory = nullptr;
 }
 
 void Transaction::abort() {
@@ -353,30 +444,41 @@ void ChangeHistory::openBracket(EntityChange & change) {
     } else {
         change.m_pOutermost = &change;
         change.m_snapshot = m_pScratch->size();
-        ChangeLog * const log = m_pLog;
-        if (log && change.m_bUndoable && !(entity.m_flags & (Entity::FlagDead | Entity::FlagDying))) {
-            Record const before = continued(entity, *log);
-            change.m_log = log->number();
-            if (!before.m_bBorn) {
-                auto const & leaves = entity.metaType()->layout().leaves();
-                for (std::size_t i = 0; i < leaves.size(); ++i) {
-                    Leaf const & leaf = leaves[i];
-                    if (!leaf.m_bUndoable || leaf.m_bInHelper || isRecorded(before.m_leaves, i))
-                        continue;
-                    if (m_pSplices && leaf.m_kind == EMemberKind::Vector
-                        && splicesAnnounced(entity, static_cast<int>(i)))
-                        continue;
-                    m_pScratch->push(i);
-                    DataModel::keep(leaf, DataModel::field(entity, leaf), &m_asset, *m_pScratch);
-                    note(change.m_leaves, i);
-                }
-            }
-        }
+        if (m_pLog && change.m_bUndoable
+            && !(entity.m_flags & (Entity::FlagDead | Entity::FlagDying)))
+            keepMembers(change);
         entity.m_flags |= Entity::FlagChanging;
     }
     change.m_pOutermost->m_types |= change.m_type;
     change.m_pEnclosing = m_pInnermost;
     m_pInnermost = &change;
+}
+
+// The members as they are go to the scratch, each with its number as the head.
+void ChangeHistory::keepMembers(EntityChange & change) {
+    Entity & entity = *change.m_pEntity;
+    Record const before = continued(entity, *m_pLog);
+    change.m_log = m_pLog->number();
+    if (before.m_bBorn) return;
+    auto const & leaves = entity.metaType()->layout().leaves();
+    std::size_t whole = m_pScratch->size(); // up to here each head has its value
+    try {
+        for (std::size_t i = 0; i < leaves.size(); ++i) {
+            Leaf const & leaf = leaves[i];
+            if (!leaf.m_bUndoable || leaf.m_bInHelper || isRecorded(before.m_leaves, i)) continue;
+            if (m_pSplices && leaf.m_kind == EMemberKind::Vector
+                && splicesAnnounced(entity, static_cast<int>(i)))
+                continue;
+            m_pScratch->push(i);
+            DataModel::keep(leaf, DataModel::field(entity, leaf), &m_asset, *m_pScratch);
+            note(change.m_leaves, i);
+            whole = m_pScratch->size();
+        }
+    } catch (std::bad_alloc const &) {
+        m_pScratch->truncate(whole);
+        releaseEntries(leaves, *m_pScratch, change.m_snapshot);
+        throw;
+    }
 }
 
 void ChangeHistory::closeBracket(EntityChange & change) {
@@ -447,16 +549,14 @@ void ChangeHistory::keepDifferences(EntityChange const & change, ChangeLog * log
         mixed = mixed || !leaf.m_numberBytes || i >= c_maskedLeaves;
     }
     auto const words = static_cast<std::size_t>(kept - begin);
-    m_pScratch->truncate(change.m_snapshot);
+    m_pScratch->truncate(change.m_snapshot + words);
     if (!words) return;
     if (!log->words().reserve(words + c_recordWords)) { // no memory: the step can't be undone
-        for (std::uint64_t * i = begin; i < kept;) {
-            Leaf const & leaf = leaves[entryLeaf(*i++)];
-            DataModel::release(leaf, i);
-        }
+        releaseEntries(leaves, *m_pScratch, change.m_snapshot);
         m_bLost = true;
         return;
     }
+    m_pScratch->truncate(change.m_snapshot);
     log->words().push(begin, words);
     record.m_leaves = recorded;
     if (owning) log->owning();
@@ -488,16 +588,22 @@ void ChangeHistory::spliced(MemberSplices const & splices, bool inserted, std::s
             return;
         }
     }
-    if (isSaved(entity)) log->persistent();
     Leaf const & leaf = entity.metaType()->layout().leaves()[leafNumber];
+    void const * const field = DataModel::field(entity, leaf);
+    std::size_t const words = inserted ? 0 : DataModel::elementWords(leaf, field, index, count);
+    if (!log->words().reserve(3 + words + c_recordWords)) {
+        if (!inserted) throw std::bad_alloc();
+        m_bLost = true; // they are there already
+        return;
+    }
+    if (isSaved(entity)) log->persistent();
     std::size_t const begin = log->end();
     std::uint64_t * const payload = log->words().append(3);
     payload[0] = leafNumber;
     payload[1] = index;
     payload[2] = count;
     if (!inserted) {
-        DataModel::keepElements(leaf, DataModel::field(entity, leaf), index, count, &m_asset,
-                                log->words());
+        DataModel::keepElements(leaf, field, index, count, &m_asset, log->words());
         if (leaf.m_bOwning) log->owning();
     }
     record.m_kind = inserted ? ERecord::Inserted : ERecord::Erased;
@@ -510,9 +616,10 @@ void ChangeHistory::rootChanging(Segment & segment, std::string const & key, std
                                  Entity * old) {
     ChangeLog * const log = m_bReplaying ? m_pInverse : m_pLog;
     if (!log) return changedUnrecorded();
+    std::size_t const keyWords = (key.size() + 7) / 8;
+    if (!log->words().reserve(3 + keyWords + c_recordWords)) throw std::bad_alloc();
     if (!segment.isTransient()) log->persistent();
     std::size_t const begin = log->end();
-    std::size_t const keyWords = (key.size() + 7) / 8;
     std::uint64_t * const payload = log->words().append(3 + keyWords);
     payload[0] = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&segment));
     payload[1] = place;
@@ -565,17 +672,21 @@ void ChangeHistory::orphaned(Entity & entity) noexcept {
     entity.strongCount(0);
     if (m_asset.m_bClosing) return; // the asset ends its entities itself
     if (entity.m_flags & Entity::FlagDead) {
-        if (!(entity.m_flags & (Entity::FlagKept | Entity::FlagDying))) end(entity);
+        if (!(entity.m_flags & (Entity::FlagKept | Entity::FlagDying))) deleteDead(entity);
         return;
     }
     if (entity.m_flags & (Entity::FlagQueued | Entity::FlagDying)) return;
     entity.m_flags |= Entity::FlagQueued;
-    m_orphans.push_back(&entity);
+    try {
+        m_orphans.push_back(&entity);
+    } catch (std::bad_alloc const &) { // the flag tells
+        m_bUnlisted = true;
+    }
     if (!m_bReplaying && !m_bKilling && !m_bDropping) killOrphans(DataChange::TransactDirect);
 }
 
-void ChangeHistory::killOrphans(DataChange::ETransact transact) noexcept {
-    if (m_orphans.empty()) return;
+void ChangeHistory::killOrphans(DataChange::ETransact transact) {
+    if (m_orphans.empty() && !m_bUnlisted) return;
     // Outside a transaction what dies, and what its hooks change, belongs to the last step.
     ChangeLog * continued = nullptr;
     std::size_t before = 0;
@@ -586,46 +697,84 @@ void ChangeHistory::killOrphans(DataChange::ETransact transact) noexcept {
             before = continued->bytes();
         }
     }
-    m_bKilling = true;
-    // By index: deletions make further orphans.
-    for (std::size_t i = 0; i < m_orphans.size(); ++i) {
-        Entity & entity = *m_orphans[i];
+    auto const end = [&](Entity & entity) {
         entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagQueued);
-        if (entity.refCount() || (entity.m_flags & Entity::FlagDead)) continue;
-        kill(entity, transact);
+        if (entity.refCount() || (entity.m_flags & Entity::FlagDead)) return;
+        try {
+            kill(entity, transact);
+        } catch (...) {
+            entity.m_flags |= Entity::FlagQueued;
+            throw;
+        }
+    };
+    std::size_t ended = 0;
+    auto const endListed = [&] { // by index: deletions make further orphans
+        for (; ended < m_orphans.size(); ++ended) end(*m_orphans[ended]);
+    };
+    m_bKilling = true;
+    try {
+        endListed();
+        while (std::exchange(m_bUnlisted, false))
+            m_asset.m_pTable->forEach([&](Entity & entity) {
+                if (!(entity.m_flags & Entity::FlagQueued)) return;
+                end(entity);
+                endListed(); // so that whoever is found with the flag isn't listed
+            });
+    } catch (...) { // memory ran out in a replay
+        m_orphans.erase(m_orphans.begin(), m_orphans.begin() + static_cast<std::ptrdiff_t>(ended));
+        m_bUnlisted = true;
+        m_bKilling = false;
+        throw;
     }
     m_orphans.clear();
     m_bKilling = false;
-    if (!continued) return;
+    if (!continued || !m_pLog) return;
     m_pLog = nullptr;
     m_bytes += continued->bytes() - before;
     if (continued->isPersistent()) m_undo.back()->m_state = ++m_lastState;
 }
 
-void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) noexcept {
+bool ChangeHistory::recordDeath(Entity & entity) {
+    ChangeLog * const log = m_bReplaying ? m_pInverse : m_pLog;
+    if (!log) {
+        if (m_bReplaying)
+            m_killed.push_back(&entity);
+        else if (isSaved(entity))
+            changedUnrecorded();
+        return m_bReplaying;
+    }
+    auto const & leaves = entity.metaType()->layout().leaves();
+    std::size_t const begin = log->end();
+    std::size_t kept = 0;
+    try {
+        for (; kept < leaves.size(); ++kept)
+            DataModel::keep(leaves[kept], DataModel::field(entity, leaves[kept]), &m_asset,
+                            log->words());
+        if (!log->words().reserve(c_recordWords)) throw std::bad_alloc();
+    } catch (std::bad_alloc const &) {
+        std::uint64_t * words = log->words().data() + begin;
+        for (std::size_t i = 0; i < kept; ++i) DataModel::release(leaves[i], words);
+        log->words().truncate(begin);
+        if (m_bReplaying) throw;
+        lose();
+        return false;
+    }
+    Record record = continued(entity, *log);
+    record.m_kind = ERecord::Died;
+    append(*log, begin, record);
+    log->mixed();
+    log->addKeptBytes(entity.metaType()->instanceSize() + entity.onSizeInBytes());
+    log->owning();
+    if (isSaved(entity)) log->persistent();
+    return true;
+}
+
+void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) {
+    MemberLayout const & layout = entity.metaType()->layout();
+    // The members as they are now, before the hooks give them up.
+    bool const kept = recordDeath(entity);
     entity.m_flags |= Entity::FlagDying;
     entity.strongCount(entity.refCount() + 1); // so that references made by hooks don't end it again
-    MemberLayout const & layout = entity.metaType()->layout();
-
-    // The members as they are now, before the hooks give them up.
-    bool kept = false;
-    if (ChangeLog * const log = m_bReplaying ? m_pInverse : m_pLog) {
-        std::size_t const begin = log->end();
-        for (Leaf const & leaf : layout.leaves())
-            DataModel::keep(leaf, DataModel::field(entity, leaf), &m_asset, log->words());
-        Record record = continued(entity, *log);
-        record.m_kind = ERecord::Died;
-        append(*log, begin, record);
-        log->mixed();
-        log->addKeptBytes(entity.metaType()->instanceSize() + entity.onSizeInBytes());
-        log->owning();
-        if (isSaved(entity)) log->persistent();
-        kept = true;
-    } else if (m_bReplaying) {
-        m_killed.push_back(&entity);
-        kept = true;
-    } else if (isSaved(entity))
-        changedUnrecorded();
 
     // A deletion can't be refused: what its hooks throw is dropped, but for a replay, which passes it on.
     try {
@@ -648,14 +797,12 @@ void ChangeHistory::kill(Entity & entity, DataChange::ETransact transact) noexce
 void ChangeHistory::letGo(Entity & entity) noexcept {
     entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagKept);
     if (entity.refCount() == 0)
-        end(entity);
-    else if (!(entity.m_flags & Entity::FlagHeld)) {
-        entity.m_flags |= Entity::FlagHeld;
-        m_asset.m_held.insert(&entity);
-    }
+        deleteDead(entity);
+    else
+        m_asset.abandon(entity);
 }
 
-void ChangeHistory::end(Entity & entity) noexcept {
+void ChangeHistory::deleteDead(Entity & entity) noexcept {
     if (entity.m_flags & Entity::FlagChanging) // its brackets refer to it
         entity.m_flags |= Entity::FlagDoomed;
     else
@@ -665,8 +812,6 @@ void ChangeHistory::end(Entity & entity) noexcept {
 void ChangeHistory::revive(Entity & entity, std::uint64_t const * tomb) {
     entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDead | Entity::FlagKept);
     entity.restorePassive();
-    m_asset.enter(entity);
-    m_revived.emplace_back(&entity);
     for (Leaf const & leaf : entity.metaType()->layout().leaves())
         if (!leaf.m_bInHelper) DataModel::restore(leaf, DataModel::field(entity, leaf), tomb);
     m_asset.markDirty(entity);
@@ -675,6 +820,7 @@ void ChangeHistory::revive(Entity & entity, std::uint64_t const * tomb) {
     record.m_pEntity = &entity;
     record.m_kind = ERecord::Born;
     record.m_bBorn = false; // members that are restored now are recorded: they changed before it died
+    if (!m_pInverse->words().reserve(c_recordWords)) throw std::bad_alloc();
     append(*m_pInverse, m_pInverse->end(), record);
     m_pInverse->owning();
 }
@@ -709,8 +855,6 @@ void ChangeHistory::duringReplay(ChangeLog * inverse, Work work) {
         m_revived.clear();
         killOrphans(DataChange::TransactReplay);
     } catch (...) { // memory ran out
-        m_revived.clear();
-        m_bUsable = false;
         m_bReplaying = false;
         m_pInverse = nullptr;
         throw;
@@ -724,6 +868,8 @@ void ChangeHistory::restoreAll(ChangeLog & log) {
     for (std::size_t end = log.end(); end; end = log.before(end)) {
         Record & record = log.record(end);
         if (record.m_kind != ERecord::Died || record.m_bReplayed) continue;
+        m_revived.emplace_back(record.m_pEntity);
+        m_asset.enter(*record.m_pEntity);
         record.m_bReplayed = true;
         revive(*record.m_pEntity, log.payload(end));
     }
@@ -774,6 +920,7 @@ DataChange::EChangeType changesOf(ChangeLog & log, std::size_t end) {
 void ChangeHistory::exchangeAll(ChangeLog & log, bool undoing) {
     std::size_t const behind = log.end();
     std::size_t const first = m_pScratch->size();
+    if (!m_pScratch->reserve(behind / c_recordWords)) throw std::bad_alloc();
     for (std::size_t end = behind; end; end = log.before(end)) {
         if (log.record(end).m_bReplayed) continue;
         forChain(log, end, [](Record & record, std::uint64_t *) { record.m_bReplayed = true; });
@@ -807,65 +954,44 @@ void ChangeHistory::exchangeEntity(ChangeLog & log, std::size_t last) {
     entity.m_logRecord = static_cast<std::uint32_t>(last);
 }
 
+void ChangeHistory::recordInverse(Entity & entity, Record const & record,
+                                  std::uint64_t const * payload) {
+    ChangeLog & log = *m_pInverse;
+    Record inverse = continued(entity, log);
+    inverse.m_types = record.m_types;
+    std::size_t const begin = log.end();
+    if (record.m_kind == ERecord::Changed) {
+        inverse.m_kind = ERecord::Changed;
+        keepChanged(entity, m_asset, payload, payload + record.m_words, log);
+    } else {
+        Splice const splice(entity, record, payload);
+        bool const isErasing = record.m_kind == ERecord::Inserted;
+        std::size_t const kept = isErasing ? splice.m_count : 0; // that are there, and are about to go
+        std::size_t const words =
+            DataModel::elementWords(splice.m_leaf, splice.m_pField, splice.m_index, kept);
+        if (!log.words().reserve(3 + words + c_recordWords)) throw std::bad_alloc();
+        inverse.m_kind = isErasing ? ERecord::Erased : ERecord::Inserted;
+        std::uint64_t const head[] = {payload[0], splice.m_index, splice.m_count};
+        log.words().push(head, std::size(head));
+        DataModel::keepElements(splice.m_leaf, splice.m_pField, splice.m_index, kept, &m_asset,
+                                log.words());
+        if (isErasing && splice.m_leaf.m_bOwning) log.owning();
+    }
+    append(log, begin, inverse);
+}
+
 void ChangeHistory::replayEntity(ChangeLog & log, std::size_t last) {
     Entity & entity = *log.record(last).m_pEntity;
-    auto const & leaves = entity.metaType()->layout().leaves();
     EntityChange change(&entity, DataChange::TransactReplay, changesOf(log, last),
                         DataChange::TimingPreAndPost, nullptr, true);
     for (std::size_t end = last;;) {
         Record & record = log.record(end);
         if (!record.m_bReplayed && record.m_kind != ERecord::Born) {
             record.m_bReplayed = true;
-            std::uint64_t const * payload = log.payload(end);
-            std::uint64_t const * const payloadEnd = payload + record.m_words;
-            Record inverse = m_pInverse ? continued(entity, *m_pInverse) : Record();
-            std::size_t const begin = m_pInverse ? m_pInverse->end() : 0;
-            if (record.m_kind == ERecord::Changed) {
-                inverse.m_kind = ERecord::Changed;
-                while (payload < payloadEnd) {
-                    std::size_t const i = entryLeaf(*payload++);
-                    Leaf const & leaf = leaves[i];
-                    void * const field = DataModel::field(entity, leaf);
-                    if (m_pInverse) {
-                        std::size_t const head = m_pInverse->end();
-                        m_pInverse->words().push(0);
-                        DataModel::keep(leaf, field, &m_asset, m_pInverse->words());
-                        m_pInverse->words()[head] = entry(i, m_pInverse->end() - head - 1);
-                        if (leaf.m_bOwning) m_pInverse->owning();
-                    }
-                    DataModel::restore(leaf, field, payload);
-                }
-            } else {
-                Leaf const & leaf = leaves[static_cast<std::size_t>(payload[0])];
-                void * const field = DataModel::field(entity, leaf);
-                bool const erasing = record.m_kind == ERecord::Inserted;
-                // What a hook of a replay did to the list isn't recorded: places may be gone.
-                std::size_t const size = leaf.m_pFunctions->elementCount(field);
-                std::size_t const index = std::min(static_cast<std::size_t>(payload[1]), size);
-                auto count = static_cast<std::size_t>(payload[2]);
-                if (erasing) count = std::min(count, size - index);
-                if (m_pInverse) {
-                    std::uint64_t const head[] = {payload[0], index, count};
-                    m_pInverse->words().push(head, std::size(head));
-                }
-                payload += 3;
-                if (erasing) {
-                    inverse.m_kind = ERecord::Erased;
-                    if (m_pInverse) {
-                        DataModel::keepElements(leaf, field, index, count, &m_asset,
-                                                m_pInverse->words());
-                        if (leaf.m_bOwning) m_pInverse->owning();
-                    }
-                    DataModel::eraseElements(leaf, field, index, count);
-                } else {
-                    inverse.m_kind = ERecord::Inserted;
-                    DataModel::insertElements(leaf, field, index, count, payload);
-                }
-            }
-            if (m_pInverse) {
-                inverse.m_types = record.m_types;
-                append(*m_pInverse, begin, inverse);
-            } else {
+            // The inverse stands before anything changes: what follows may fail in the middle.
+            if (m_pInverse) recordInverse(entity, record, log.payload(end));
+            replayRecord(entity, record, log.payload(end));
+            if (!m_pInverse) {
                 entity.m_logRecord = record.m_previous;
                 entity.m_logNumber = record.m_previousLog;
             }
@@ -896,7 +1022,6 @@ void ChangeHistory::replayRoot(ChangeLog & log, std::size_t end) {
 void ChangeHistory::drop(ChangeLog & log) noexcept {
     if (!log.isOwning()) return;
     bool const wasDropping = std::exchange(m_bDropping, true);
-    std::vector<Entity *> kept;
     for (std::size_t end = log.end(); end; end = log.before(end)) {
         Record const & record = log.record(end);
         if (record.m_kind == ERecord::Born || record.m_kind == ERecord::Root
@@ -917,14 +1042,57 @@ void ChangeHistory::drop(ChangeLog & log) noexcept {
             DataModel::releaseElements(leaf, count, words);
         } else {
             for (Leaf const & leaf : leaves) DataModel::release(leaf, words);
-            if (!record.m_bReplayed) kept.push_back(record.m_pEntity);
         }
     }
+    // Entities go last: records before that of their death mention them.
+    for (std::size_t end = log.end(); end; end = log.before(end)) {
+        Record const & record = log.record(end);
+        if (record.m_kind == ERecord::Died && !record.m_bReplayed) letGo(*record.m_pEntity);
+    }
     log.reset(0);
-    for (Entity * const entity : kept) letGo(*entity);
     m_bDropping = wasDropping;
-    if (!m_bDropping && !m_bReplaying && !m_bKilling && !m_orphans.empty())
-        killOrphans(DataChange::TransactDirect);
+    killLeftOrphans();
+}
+
+void ChangeHistory::killLeftOrphans() noexcept {
+    if (m_bDropping || m_bReplaying || m_bKilling || (m_orphans.empty() && !m_bUnlisted)) return;
+    killOrphans(DataChange::TransactDirect);
+}
+
+void ChangeHistory::dropAll(ChangeLog * last) noexcept {
+    bool const wasDropping = std::exchange(m_bDropping, true);
+    ChangeLog * const open = std::exchange(m_pLog, nullptr); // nothing is recorded into what goes
+    while (!m_undo.empty()) dropOldest();
+    dropRedo();
+    for (auto const & step : m_open) {
+        drop(step->m_log);
+        step->m_log.reset(nextLogNumber());
+    }
+    if (last) drop(*last);
+    m_pLog = open;
+    m_baseState = ++m_lastState;
+    m_bDropping = wasDropping;
+    killLeftOrphans();
+}
+
+void ChangeHistory::lose() noexcept {
+    dropAll(nullptr);
+    m_bLost = isInTransaction();
+    if (!m_bLost) m_pLog = nullptr; // that of the last step, which is gone
+}
+
+void ChangeHistory::giveUp(ChangeLog & log, ChangeLog * inverse) noexcept {
+    m_bUsable = false;
+    m_hookFailure = nullptr;
+    bool const wasDropping = std::exchange(m_bDropping, true);
+    // Orphans that the replay has taken back already go with the logs.
+    std::erase_if(m_orphans, [](Entity const * orphan) { return !orphan->isAlive(); });
+    dropAll(&log); // before what keeps entities that it mentions
+    if (inverse) drop(*inverse);
+    for (Entity * const entity : std::exchange(m_killed, {})) letGo(*entity);
+    m_revived.clear();
+    m_bDropping = wasDropping;
+    killLeftOrphans();
 }
 
 } // namespace Vn

@@ -36,6 +36,8 @@
 //        [HistoryTests, aLongChainIsDeletedOnASmallStack]
 //   (H8) The document is clean exactly if its state is the one that was marked last.
 //        [HistoryTests, theCleanMarkIsFoundAgain]
+//   (H9) Whichever allocation fails, the document is afterwards what it was or what it was to become,
+//        and the history fits or is given up; or isUsable is false.  [OutOfMemoryTests]
 //
 // States.
 //
@@ -128,8 +130,8 @@ public:
     bool isClean() const noexcept;
 
     // False once memory ran out in the middle of a replay, or before a transaction that had to be taken
-    // back: the document is then neither the one before nor the one after, and undo, redo and saving
-    // are refused.
+    // back: the document is then neither the one before nor the one after, the history is given up,
+    // and undo, redo and saving are refused.
     bool isUsable() const noexcept { return m_bUsable; }
 
     // The states, as at the top of this file.
@@ -154,6 +156,7 @@ private:
 
     // What brackets do.
     void openBracket(EntityChange & change);
+    void keepMembers(EntityChange & change);
     void closeBracket(EntityChange & change);
     void record(EntityChange const & change);
     void keepDifferences(EntityChange const & change, DataModel::ChangeLog * log,
@@ -164,11 +167,14 @@ private:
     void born(Entity & entity);
     void unborn(Entity & entity) noexcept; // destroyed without ever having been deleted
     void orphaned(Entity & entity) noexcept;
-    void kill(Entity & entity, DataChange::ETransact transact) noexcept;
+    // Within a replay both throw if memory runs out, and else give up the history.
+    void kill(Entity & entity, DataChange::ETransact transact);
+    void killOrphans(DataChange::ETransact transact);
+    // Records or notes a death; whether the object is kept.
+    bool recordDeath(Entity & entity);
     void revive(Entity & entity, std::uint64_t const * tomb);
     void letGo(Entity & entity) noexcept; // of a dead one that no log keeps any more
-    void end(Entity & entity) noexcept;   // once nobody holds it either
-    void killOrphans(DataChange::ETransact transact) noexcept;
+    void deleteDead(Entity & entity) noexcept;
     void rootChanging(Segment & segment, std::string const & key, std::size_t place, Entity * old);
 
     // Replays a log, which becomes its inverse; or, for an abort, without one.
@@ -187,6 +193,9 @@ private:
     void rethrowOfHook();
     void exchangeEntity(DataModel::ChangeLog & log, std::size_t record);
     void replayEntity(DataModel::ChangeLog & log, std::size_t record);
+    // Records what undoes the replay of a record about an entity.
+    void recordInverse(Entity & entity, DataModel::Record const & record,
+                       std::uint64_t const * payload);
     void replayRoot(DataModel::ChangeLog & log, std::size_t record);
     Status move(bool undoing);
 
@@ -201,6 +210,14 @@ private:
     void drop(DataModel::ChangeLog & log) noexcept;
     void dropOldest() noexcept;
     void dropRedo() noexcept;
+    // Memory ran out for the record of what can't be refused: no state before can be reached.
+    void lose() noexcept;
+    // Memory ran out in a replay.  `inverse` may be null.
+    void giveUp(DataModel::ChangeLog & log, DataModel::ChangeLog * inverse) noexcept;
+    // Gives up all logs but those of a replay, and then `last`, which may be null.
+    void dropAll(DataModel::ChangeLog * last) noexcept;
+    // Has orphans deleted that waited for the end of something, unless something else still runs.
+    void killLeftOrphans() noexcept;
     std::uint64_t state() const noexcept;
 
     Asset & m_asset;
@@ -223,6 +240,7 @@ private:
     bool m_bDropping = false;
     bool m_bUsable = true;
     bool m_bLost = false; // memory ran out while a change was recorded
+    bool m_bUnlisted = false; // there are orphans that m_orphans had no room for
     std::size_t m_stepLimit = 0;
     std::size_t m_byteLimit = std::size_t{1} << 30;
     std::size_t m_bytes = 0; // of the steps in m_undo and m_redo
@@ -248,7 +266,10 @@ public:
     Transaction(Transaction const &) = delete;
     Transaction & operator=(Transaction const &) = delete;
 
-    // Ends it and keeps what was done, or takes it back.  Once ended, both do nothing.
+    // Ends it and keeps what was done, or takes it back.  Once ended, both do nothing.  A commit that
+    // has no memory throws std::bad_alloc and leaves the transaction open; an abort that has none
+    // throws it too, and the history isn't usable any more.  If memory ran out for the record of what
+    // couldn't be refused, a commit keeps what was done, and the history ends.
     void commit();
     void abort();
     // Whether it has been ended.

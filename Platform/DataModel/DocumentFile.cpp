@@ -59,6 +59,9 @@ constexpr char c_check[] = "check the document";
 
 Status refuseWithinChanges(Asset & asset, std::filesystem::path const & file) {
     ChangeHistory const & history = asset.history();
+    if (!history.isUsable())
+        return Status::failed(c_save, DataModel::pathText(file),
+                              "memory ran out in an undo or redo before");
     if (!history.isInTransaction() && !history.isReplaying()) return Status::success();
     return Status::failed(c_save, DataModel::pathText(file),
                           history.isReplaying() ? "an undo or a redo is running"

@@ -41,12 +41,13 @@ public:
     // Writes the document to the file that it was last loaded from or saved to; only what changed since.
     // After a crash or a failure at any moment the file holds the document as it was before or after the
     // save.  Refused if somebody else changed the file meanwhile, within a transaction, for a document
-    // without a file, and for one in which an entity owns itself by way of others: the status names it.
+    // without a file, once its history isn't usable, and for one in which an entity owns itself by way of
+    // others: the status names it.
     static Status save(Asset & asset);
     // Writes the whole document to a file, in place of one that is there, and makes that the document's
     // file.  It is written beside its final name, with ".saving" behind it, and given that name once it
-    // is complete and on the disk.  Refused within a transaction and for an entity that owns itself.
-    // After a failure the document has the file that it had.
+    // is complete and on the disk.  After a failure the document has the file that it had.  Refused within
+    // a transaction, once the document's history isn't usable, and for an entity that owns itself.
     static Status saveAs(Asset & asset, std::filesystem::path const & file);
     // Opens a document.  After a failure `asset` is null.  `type` as in Asset::make.
     static Status load(std::filesystem::path const & file, AssetType const * type,

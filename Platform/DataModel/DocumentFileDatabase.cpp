@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "Platform/Base/OS.h"
 #include "Platform/DataModel/DocumentFileDatabaseInternal.h"
 
 namespace Vn::DataModel {
@@ -44,7 +45,7 @@ void Database::open(std::filesystem::path const & path, bool create) {
     // An absolute path, since a name that begins with "file:" means something else to the engine.
     std::error_code error;
     std::filesystem::path const absolute = std::filesystem::absolute(path, error);
-    if (error) fail(StatusInvalidArgument, error.message());
+    if (error) fail(StatusInvalidArgument, OS::errorText(error));
     int const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE
         | (create ? SQLITE_OPEN_CREATE : 0);
     int const result = sqlite3_open_v2(pathText(absolute).c_str(), &m_pDatabase, flags,
@@ -54,7 +55,9 @@ void Database::open(std::filesystem::path const & path, bool create) {
         && std::filesystem::is_directory(absolute.parent_path(), error)
         && systemError() == std::errc::no_such_file_or_directory)
         fail(StatusAccessDenied, "no file can be made in its directory");
-    if (result != SQLITE_OK) fail(result);
+    // Engines before 3.37 don't know the flag.
+    if (result != SQLITE_OK) fail(m_pDatabase ? sqlite3_extended_errcode(m_pDatabase) : result);
+    sqlite3_extended_result_codes(m_pDatabase, 1);
     sqlite3_busy_timeout(m_pDatabase, c_busyMilliseconds);
     for (int const option : {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW,
                              SQLITE_DBCONFIG_TRUSTED_SCHEMA, SQLITE_DBCONFIG_DQS_DDL,
@@ -127,7 +130,7 @@ void Database::fail(int result) const {
     if (code == StatusIO && error == std::errc::no_space_on_device) code = StatusNoSpace;
     bool const fromSystem =
         code == StatusIO || code == StatusNoSpace || (result & 0xFF) == SQLITE_CANTOPEN;
-    if (fromSystem && error) cause += ": " + error.message();
+    if (fromSystem && error) cause += ": " + OS::errorText(error);
     fail(code, cause);
 }
 

@@ -1,6 +1,7 @@
 #include "Platform/DataModel/DocumentFileReaderInternal.h"
 
 #include <algorithm>
+#include <new>
 #include <set>
 #include <system_error>
 
@@ -113,14 +114,19 @@ DocumentFile::Reader::~Reader() {
     if (!m_rAsset) return;
     // Only after a failure.  The asset ends its entities, as it would those of a whole document.
     for (StrongRef<Entity> & entity : m_loaded) {
+        if (!entity) continue; // what owns it has taken over
         if (entity->isMarkedMigrating()) {
             try {
                 entity->uninitializeMigrationHelpers();
             } catch (...) { // a hook of an entity that is about to go
             }
         }
-        entity->segment()->m_unowned.push_back(std::move(entity));
+        try {
+            entity->segment()->m_unowned.push_back(std::move(entity));
+        } catch (std::bad_alloc const &) { // it ends with m_loaded, after the asset
+        }
     }
+    m_rAsset.reset();
 }
 
 StrongRef<Asset> DocumentFile::Reader::read() {
@@ -569,29 +575,40 @@ void DocumentFile::Reader::migrateValues() {
     for (StrongRef<Entity> const & entity : m_loaded)
         for (MemberSet const * set = entity->metaType()->memberSet(c_latestVersion); set;
              set = set->base())
-            for (unsigned i = 0; i < set->members(); ++i) {
-                Member const & member = set->member(i);
-                if (member.inHelper() || !member.test(Member::OptionPersisted)) continue;
-                TemplatizedFunctions const * const functions = member.functions();
-                MemberMetaType * const kind =
-                    functions ? functions->elementType() : member.type();
-                auto const found =
-                    std::find_if(m_olderValues.begin(), m_olderValues.end(),
-                                 [&](auto const & older) { return older.first == kind; });
-                if (found == m_olderValues.end()) continue;
-                void * const field = reinterpret_cast<char *>(entity.get()) + member.offset();
-                std::size_t const count = functions ? functions->elementCount(field) : 1;
-                auto * value =
-                    static_cast<char *>(functions && count ? functions->firstElement(field) : field);
-                for (std::size_t n = 0; n < count; ++n) {
-                    found->first->migratingVersion(value, found->second);
-                    if (found->first->postMigrate(value, found->second) != MigrationDone)
-                        m_database.fail(StatusFailed, "a value of entity "
-                                                          + std::to_string(entity->id())
-                                                          + " can't be migrated");
-                    if (functions) value += functions->memberBytes(1);
-                }
-            }
+            migrateValues(*set, reinterpret_cast<char *>(entity.get()), *entity);
+}
+
+// Those among the members of an entity, or of a value inside it.
+void DocumentFile::Reader::migrateValues(MemberSet const & set, char * object,
+                                         Entity const & entity) {
+    for (unsigned i = 0; i < set.members(); ++i) {
+        Member const & member = set.member(i);
+        if (member.inHelper() || !member.test(Member::OptionPersisted)) continue;
+        TemplatizedFunctions const * const functions = member.functions();
+        MemberMetaType * const kind = functions ? functions->elementType() : member.type();
+        if (kind->kind() != EMemberKind::Value) continue;
+        void * const field = object + member.offset();
+        std::size_t const count = functions ? functions->elementCount(field) : 1;
+        auto * value =
+            static_cast<char *>(functions && count ? functions->firstElement(field) : field);
+        for (std::size_t n = 0; n < count; ++n) {
+            migrateValue(static_cast<ValueMetaType &>(*kind), value, entity);
+            if (functions) value += functions->memberBytes(1);
+        }
+    }
+}
+
+// What is inside comes first.
+void DocumentFile::Reader::migrateValue(ValueMetaType & type, char * value, Entity const & entity) {
+    migrateValues(*type.memberSetOf(value), value, entity);
+    auto const older =
+        std::find_if(m_olderValues.begin(), m_olderValues.end(),
+                     [&](auto const & candidate) { return candidate.first == &type; });
+    if (older == m_olderValues.end()) return;
+    type.migratingVersion(value, older->second);
+    if (type.postMigrate(value, older->second) != MigrationDone)
+        m_database.fail(StatusFailed,
+                        "a value of entity " + std::to_string(entity.id()) + " can't be migrated");
 }
 
 void DocumentFile::Reader::complete() {

@@ -60,6 +60,8 @@ private:
     void refuseCircles() const;
     void complete();
     void migrateValues();
+    void migrateValues(MemberSet const & set, char * object, Entity const & entity);
+    void migrateValue(ValueMetaType & type, char * value, Entity const & entity);
 
     Plan & planFor(Class & of, Entity & entity);
     std::unique_ptr<Plan> makePlan(Class & of, std::vector<unsigned> versions);

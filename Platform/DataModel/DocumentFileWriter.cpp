@@ -1,6 +1,7 @@
 #include "Platform/DataModel/DocumentFileWriterInternal.h"
 
 #include <algorithm>
+#include <new>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -200,9 +201,11 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
     m_bWhole = true;
     prepare(file);
     std::filesystem::path const temporary = besideName(target, ".saving");
+    bool const wasUnnoted = std::exchange(m_asset.m_bUnnoted, false); // all is written
     Database database(m_operation, file, m_fileSystem);
     bool isOurs = false;
     FileHead head;
+    Saved saved;
     try {
         database.open(temporary, true);
         database.takeEmpty();
@@ -230,16 +233,18 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
         if (exists) std::filesystem::permissions(temporary, status.permissions(), error);
         if constexpr (!OS::c_renamesOpenFiles) database.close();
         if (exists) removeRemains(target);
+        saved = makeSaved(file, head);
         Status const renamed = OS::renameFile(temporary, target);
         if (!renamed) refuse(renamed.code(), renamed.cause());
     } catch (...) {
         end();
         database.close();
         if (isOurs) std::filesystem::remove(temporary, error);
+        m_asset.m_bUnnoted = m_asset.m_bUnnoted || wasUnnoted;
         throw;
     }
     database.close();
-    finish(file, head);
+    finish(std::move(saved));
     Status const synced =
         OS::syncDirectory(target.has_parent_path() ? target.parent_path() : std::filesystem::path("."));
     if (!synced) {
@@ -268,7 +273,8 @@ void DocumentFile::Writer::removeRemains(std::filesystem::path const & file) con
         std::filesystem::remove(besideName(file, ending), error);
         if (error)
             throw FileFailure{Status(StatusIO, m_operation, pathText(file),
-                                     "the remains of a crash can't be removed: " + error.message())};
+                                     "the remains of a crash can't be removed: "
+                                         + OS::errorText(error))};
     }
 }
 
@@ -308,13 +314,14 @@ void DocumentFile::Writer::saveChanges() {
                 !stamp.m_doubtful.empty() && head.m_stamp == stamp.m_doubtful;
             if (head.m_id != stamp.m_id || (head.m_stamp != stamp.m_stamp && !isDoubtful))
                 refuse(StatusFailed, "the file was changed by another program");
-            isWholeNeeded = isDoubtful || !isCurrent(database, schema);
+            isWholeNeeded = isDoubtful || m_asset.m_bUnnoted || !isCurrent(database, schema);
             if (!isWholeNeeded) {
                 m_bWhole = false;
                 begin(database, schema);
                 if (!m_asset.m_dirty.empty() || !m_asset.m_deleted.empty()
                     || m_asset.m_bRootsDirty) {
                     prepare(file);
+                    refuseUnnoted();
                     writeEntities();
                     eraseDeleted();
                     writeSegments();
@@ -334,7 +341,7 @@ void DocumentFile::Writer::saveChanges() {
         }
     }
     if (isWholeNeeded) return saveWhole(file);
-    finish(file, head);
+    finish(makeSaved(file, head));
     markSaved();
 }
 
@@ -691,13 +698,23 @@ void DocumentFile::Writer::writeLists(Class & target, Entity & entity) {
     }
 }
 
-// The document has this file from now on.
-void DocumentFile::Writer::finish(std::filesystem::path const & file, FileHead const & head) {
+DocumentFile::Writer::Saved DocumentFile::Writer::makeSaved(std::filesystem::path const & file,
+                                                            FileHead const & head) {
     std::error_code error;
-    std::filesystem::path const absolute = std::filesystem::absolute(file, error);
-    m_asset.m_file = error ? file : absolute;
-    m_asset.m_fileStamp =
-        DocumentFileStamp{head.m_id, head.m_generation, head.m_stamp, {}}.toString();
+    std::filesystem::path absolute = std::filesystem::absolute(file, error);
+    return {error ? file : std::move(absolute),
+            DocumentFileStamp{head.m_id, head.m_generation, head.m_stamp, {}}.toString()};
+}
+
+// The document has this file from now on.
+void DocumentFile::Writer::finish(Saved saved) noexcept {
+    m_asset.m_file = std::move(saved.m_file);
+    m_asset.m_fileStamp = std::move(saved.m_stamp);
+}
+
+// Hooks changed entities, and memory ran out while that was noted.
+void DocumentFile::Writer::refuseUnnoted() const {
+    if (m_asset.m_bUnnoted) throw std::bad_alloc();
 }
 
 void DocumentFile::Writer::markSaved() {

@@ -69,7 +69,14 @@ private:
     bool isOurs(Entity const & entity) const noexcept;
 
     void removeRemains(std::filesystem::path const & file) const;
-    void finish(std::filesystem::path const & file, DataModel::FileHead const & head);
+    void refuseUnnoted() const;
+    // What the document knows of its file once that is saved.
+    struct Saved {
+        std::filesystem::path m_file;
+        std::string m_stamp;
+    };
+    static Saved makeSaved(std::filesystem::path const & file, DataModel::FileHead const & head);
+    void finish(Saved saved) noexcept;
     void markSaved();
 
     Asset & m_asset;

@@ -33,7 +33,12 @@ void * Entity::queryMTInterface(MetaType const *) { return nullptr; }
 Entity::Entity(Segment * segment) : m_id(segment->asset()->m_nextId++), m_pSegment(segment) {
     Asset & asset = *segment->asset();
     asset.enter(*this);
-    asset.history().born(*this);
+    try {
+        asset.history().born(*this);
+    } catch (...) {
+        asset.leave(*this);
+        throw;
+    }
 }
 
 Entity::Entity(Segment * segment, unsigned long long id)

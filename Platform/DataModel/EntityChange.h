@@ -125,7 +125,8 @@ public:
 
     // Elements stand now at `index` that weren't there; said right behind the change.
     void inserted(std::size_t index, std::size_t count = 1);
-    // Elements are about to go; said right before.
+    // Elements are about to go; said right before.  Throws std::bad_alloc if there is no memory for
+    // the record.
     void erasing(std::size_t index, std::size_t count = 1);
 
 private:

@@ -45,14 +45,18 @@ public:
 
     std::size_t size() const noexcept { return m_count; }
 
-    // Calls `visit` with each entity in the order of ids.  Entities may leave meanwhile.
+    // Calls `visit` with each entity in the order of ids.  Any may leave meanwhile.
     template <class Visit>
     void forEach(Visit && visit) const {
         for (std::size_t c = 0; c < m_chunks.size(); ++c)
             if (m_chunks[c])
                 for (std::size_t i = 0; i < c_chunk; ++i)
                     if (Entity * const entity = (*m_chunks[c])[i]) visit(*entity);
-        for (auto i = m_far.begin(); i != m_far.end();) visit(*(i++)->second);
+        for (auto i = m_far.begin(); i != m_far.end();) {
+            unsigned long long const id = i->first;
+            visit(*i->second);
+            i = m_far.upper_bound(id);
+        }
     }
 
 private:

@@ -18,14 +18,14 @@ public:
     InterfaceId & operator=(InterfaceId const &) = delete;
 
     // The id, the same pointer at every call.
-    UniqueString const * get() noexcept {
+    UniqueString const * get() {
         UniqueString const * const id = m_id.peek();
         return id ? id : intern();
     }
 
 private:
     // Apart, since queries ask for ids all the time.
-    [[gnu::noinline]] UniqueString const * intern() noexcept {
+    [[gnu::noinline]] UniqueString const * intern() {
         return &m_id.get([this] { return UniqueString::find(m_name, true); });
     }
 

@@ -185,6 +185,19 @@ void releaseOne(EMemberKind kind, std::uint64_t *& words) noexcept {
     }
 }
 
+// The words of one value that is no vector.
+std::size_t wordsOfOne(EMemberKind kind, void const * field) noexcept {
+    switch (kind) {
+    case EMemberKind::String: return 1 + textWords(*static_cast<std::string const *>(field));
+    case EMemberKind::WideString: return 1 + textWords(*static_cast<std::wstring const *>(field));
+    default: return 1;
+    }
+}
+
+bool isText(EMemberKind kind) noexcept {
+    return kind == EMemberKind::String || kind == EMemberKind::WideString;
+}
+
 // Calls `visit` with the kind and the field of each piece of an element.
 template <class Visit>
 void visitElement(Leaf const & leaf, char * element, Visit && visit) {
@@ -225,18 +238,21 @@ bool ownsWords(std::vector<Leaf> const & leaves) noexcept {
 // live to the end of the process.
 std::vector<Leaf> const & leavesOf(ValueMetaType & type) {
     static std::mutex s_mutex;
-    static auto * const s_leaves = new std::map<ValueMetaType *, std::vector<Leaf> const *>;
-    std::lock_guard const guard(s_mutex);
-    std::vector<Leaf> const *& leaves = (*s_leaves)[&type];
-    if (!leaves) {
-        void * const value = type.construct();
-        MemberSet * const set = type.memberSetOf(value);
-        type.destruct(value);
-        auto made = std::make_unique<std::vector<Leaf>>();
-        appendLeaves(*set, *made);
-        leaves = made.release();
+    static auto * const s_leaves =
+        new std::map<ValueMetaType *, std::unique_ptr<std::vector<Leaf> const>>;
+    {
+        std::lock_guard const guard(s_mutex);
+        auto const i = s_leaves->find(&type);
+        if (i != s_leaves->end()) return *i->second;
     }
-    return *leaves;
+    // Not under the lock: values may have values inside.
+    void * const value = type.construct();
+    MemberSet * const set = type.memberSetOf(value);
+    type.destruct(value);
+    auto made = std::make_unique<std::vector<Leaf>>();
+    appendLeaves(*set, *made);
+    std::lock_guard const guard(s_mutex);
+    return *s_leaves->try_emplace(&type, std::move(made)).first->second;
 }
 
 bool holdsStrong(Leaf const & leaf) {
@@ -322,6 +338,7 @@ int MemberLayout::find(Entity const & entity, void const * field) const noexcept
 void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer & words) {
     if (leaf.m_kind != EMemberKind::Vector) return keepOne(leaf.m_kind, field, asset, words);
     std::size_t const count = leaf.m_pFunctions->elementCount(field);
+    if (!words.reserve(1 + elementWords(leaf, field, 0, count))) throw std::bad_alloc();
     words.push(count);
     keepElements(leaf, field, 0, count, asset, words);
 }
@@ -371,8 +388,18 @@ void release(Leaf const & leaf, std::uint64_t *& words) noexcept {
     releaseElements(leaf, count, words);
 }
 
+std::size_t elementWords(Leaf const & leaf, void const * field, std::size_t index,
+                         std::size_t count) {
+    if (leaf.m_elementKind != EMemberKind::Value && !isText(leaf.m_elementKind)) return count;
+    std::size_t words = 0;
+    visitElements(leaf, field, index, count,
+                  [&](EMemberKind kind, char * element) { words += wordsOfOne(kind, element); });
+    return words;
+}
+
 void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
                   Asset const * asset, WordBuffer & words) {
+    if (!words.reserve(elementWords(leaf, field, index, count))) throw std::bad_alloc();
     visitElements(leaf, field, index, count, [&](EMemberKind kind, char * element) {
         keepOne(kind, element, asset, words);
     });

@@ -78,6 +78,7 @@ inline void * field(Entity & entity, Leaf const & leaf) noexcept {
 }
 
 // Appends the value of a field.  References to entities of other documents than `asset` are counted.
+// If memory runs out, nothing is appended.
 void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer & words);
 // Whether the value in the words is that of the field; `words` goes to the end of the value.
 bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words);
@@ -90,7 +91,9 @@ void skip(Leaf const & leaf, std::uint64_t const *& words);
 // Gives up what the words own, and steps over them.
 void release(Leaf const & leaf, std::uint64_t *& words) noexcept;
 
-// The same for `count` elements of a vector that begin at `index`.
+// The same for `count` elements of a vector that begin at `index`, and the words that they take.
+std::size_t elementWords(Leaf const & leaf, void const * field, std::size_t index,
+                         std::size_t count);
 void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
                   Asset const * asset, WordBuffer & words);
 // Inserts the elements in the words into a vector, and takes elements out of one.

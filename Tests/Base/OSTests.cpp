@@ -3,11 +3,13 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <system_error>
 #include <typeinfo>
 
 #include <gtest/gtest.h>
 
 #include "Platform/Base/Initializer.h"
+#include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
 #include "Platform/Base/UnitTest.h"
 
@@ -151,6 +153,22 @@ TEST(OSTests, LibraryOfTheSystemHasNoDirectory) {
     EXPECT_EQ(module.loadFromSystem({}).code(), Vn::StatusInvalidArgument);
     EXPECT_EQ(module.loadFromSystem(c_module.filename()).code(), Vn::StatusFailed);
     EXPECT_FALSE(module.isLoaded());
+}
+
+TEST(OSTests, TextsOfErrorsAreUtf8OnOneLine) {
+    auto const textOf = [](int error) {
+        return Vn::OS::errorText(std::error_code(error, std::system_category()));
+    };
+    for (int const error : {2, 3, 5, 13, 123456789}) {
+        std::string const text = textOf(error);
+        std::wstring decoded;
+        EXPECT_FALSE(text.empty()) << error;
+        EXPECT_TRUE(Vn::Text::fromUtf8(text, decoded)) << error;
+        EXPECT_EQ(text.find_first_of("\r\n"), text.npos) << text;
+    }
+    EXPECT_NE(textOf(2), textOf(5));
+    std::error_code const missing = std::make_error_code(std::errc::no_such_file_or_directory);
+    EXPECT_EQ(Vn::OS::errorText(missing), missing.message());
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <optional>
 #include <sstream>
+#include <vector>
 
 #include "Console/DocumentPlace.h"
 #include "Console/DocumentSession.h"
@@ -40,7 +42,7 @@ protected:
     }
 
     DocumentSession m_session;
-    DocumentTextCommands const m_commands{m_session};
+    std::optional<DocumentTextCommands> m_commands{std::in_place, m_session};
 };
 
 TEST_F(DocumentCoreTests, ANewDocumentHasARootGroupAndNoHistory) {
@@ -195,6 +197,26 @@ TEST_F(DocumentCoreTests, LongPathsAreShownByTheirEnd) {
     EXPECT_LE(text.size(), c_longestPath + 3);
     EXPECT_EQ(path.substr(path.size() - 100), text.substr(text.size() - 100));
     EXPECT_EQ(shownPath(L"Groups/CmnData[0]"), L"Groups/CmnData[0]");
+}
+
+TEST_F(DocumentCoreTests, ATreeIsWrittenWhileItIsWalkedWhereThereIsAStreamForIt) {
+    answer(L"make");
+    answer(L"add 0 3");
+    std::vector<std::wstring> const lines{L"tree", L"tree /Json", L"tree 0"};
+    std::vector<std::string> answers;
+    for (std::wstring const & line : lines) answers.push_back(answer(line));
+    EXPECT_EQ(answers.front(), tree());
+    std::ostringstream out;
+    m_commands.reset();
+    m_commands.emplace(m_session, &out);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        out.str({});
+        EXPECT_EQ(answer(lines[i]), "");
+        EXPECT_EQ(out.str(), answers[i]);
+    }
+    out.str({});
+    EXPECT_EQ(answer(L"tree 7").substr(0, 21), "cannot show the tree:");
+    EXPECT_EQ(out.str(), "");
 }
 
 TEST_F(DocumentCoreTests, ANewDocumentLetsGoOfTheOneBefore) {
