@@ -15,8 +15,9 @@
 //        [DocumentFileDamageTests; Tools/fuzz]
 //   (F6) A file that somebody else changed meanwhile isn't written to.  [DocumentFileTests,
 //        aFileThatSomebodyElseChangedIsntWrittenTo]
-//   (F7) What a save wrote, a load reads: a document whose entities own each other in a circle isn't
-//        written, and can be once the circle is gone.  [DocumentFileCirclesTests]
+//   (F7) What a save wrote, a load reads: a document whose entities own each other in a circle, or whose
+//        parents lead in one, isn't written, and can be once the circle is gone.
+//        [DocumentFileCirclesTests; ManagedEntityTests, ParentsThatLeadInACircleAreNotSaved]
 
 #ifndef VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
 #define VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
@@ -42,12 +43,12 @@ public:
     // After a crash or a failure at any moment the file holds the document as it was before or after the
     // save.  Refused if somebody else changed the file meanwhile, within a transaction, for a document
     // without a file, once its history isn't usable, and for one in which an entity owns itself by way of
-    // others: the status names it.
+    // others or is its own ancestor: the status names it.
     static Status save(Asset & asset);
     // Writes the whole document to a file, in place of one that is there, and makes that the document's
     // file.  It is written beside its final name, with ".saving" behind it, and given that name once it
     // is complete and on the disk.  After a failure the document has the file that it had.  Refused within
-    // a transaction, once the document's history isn't usable, and for an entity that owns itself.
+    // a transaction, once the document's history isn't usable, and for a circle of entities.
     static Status saveAs(Asset & asset, std::filesystem::path const & file);
     // Opens a document.  After a failure `asset` is null.  `type` as in Asset::make.
     static Status load(std::filesystem::path const & file, AssetType const * type,

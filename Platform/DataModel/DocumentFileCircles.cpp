@@ -1,7 +1,12 @@
 #include "Platform/DataModel/DocumentFileCirclesInternal.h"
 
 #include <algorithm>
-#include <cstddef>
+
+#include "Platform/DataModel/Asset.h"
+#include "Platform/DataModel/Entity.h"
+#include "Platform/DataModel/MemberLayoutInternal.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
 
@@ -55,6 +60,35 @@ idOnCircle(std::vector<std::pair<unsigned long long, unsigned long long>> const 
 
 std::string circleText(unsigned long long id) {
     return "entity " + std::to_string(id) + " owns itself in a circle";
+}
+
+namespace {
+
+// That a file would have.
+Entity * parentOf(Entity & entity) {
+    Leaf const * const leaf = entity.metaType()->layout().parent();
+    if (!leaf) return nullptr;
+    Entity * const parent = static_cast<PassiveRef<Entity> const *>(field(entity, *leaf))->get();
+    bool const isSaved = parent && parent->asset() == entity.asset()
+        && !parent->segment()->isTransient();
+    return isSaved ? parent : nullptr;
+}
+
+} // namespace
+
+Entity const * ParentWalk::onCircle(Entity & entity) {
+    Entity * parent = parentOf(entity);
+    if (parent == m_pLast) return nullptr; // siblings mostly come one behind the other
+    m_pLast = parent;
+    for (++m_walk; parent; parent = parentOf(*parent)) {
+        auto const [met, isNew] = m_met.emplace(parent, m_walk);
+        if (!isNew) return met->second == m_walk ? parent : nullptr;
+    }
+    return nullptr;
+}
+
+std::string parentCircleText(unsigned long long id) {
+    return "the parents of entity " + std::to_string(id) + " lead in a circle";
 }
 
 } // namespace Vn::DataModel

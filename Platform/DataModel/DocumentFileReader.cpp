@@ -569,6 +569,10 @@ void DocumentFile::Reader::readRoots() {
 void DocumentFile::Reader::refuseCircles() const {
     if (unsigned long long const id = DataModel::idOnCircle(m_ownerships))
         m_database.damaged(DataModel::circleText(id));
+    DataModel::ParentWalk parents;
+    for (StrongRef<Entity> const & entity : m_loaded)
+        if (Entity const * const found = parents.onCircle(*entity))
+            m_database.damaged(DataModel::parentCircleText(found->id()));
 }
 
 void DocumentFile::Reader::migrateValues() {

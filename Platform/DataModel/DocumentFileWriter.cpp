@@ -430,9 +430,15 @@ void DocumentFile::Writer::prepare(std::filesystem::path const & file) {
         if (type.layout().hasStrong()) owners.push_back(entity.id());
         type.onPreSave(&entity);
     });
-    if (unsigned long long const id = idOnCircle(owners))
-        throw FileFailure{
-            Status(StatusCorrupt, m_operation, pathText(file), DataModel::circleText(id))};
+    auto const refuse = [&](std::string_view cause) {
+        throw FileFailure{Status(StatusCorrupt, m_operation, pathText(file), cause)};
+    };
+    if (unsigned long long const id = idOnCircle(owners)) refuse(DataModel::circleText(id));
+    DataModel::ParentWalk parents;
+    forEachToWrite([&](Entity & entity) {
+        if (Entity const * const found = parents.onCircle(entity))
+            refuse(DataModel::parentCircleText(found->id()));
+    });
 }
 
 // `ids` are those of all entities that are written and own others.  In a save of changes those are enough:

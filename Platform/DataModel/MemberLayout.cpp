@@ -319,6 +319,11 @@ MemberLayout::MemberLayout(MemberSet const * set) {
     for (; set; set = set->base()) chain.push_back(set);
     for (auto i = chain.rbegin(); i != chain.rend(); ++i) appendLeaves(**i, m_leaves);
     m_bStrong = std::any_of(m_leaves.begin(), m_leaves.end(), holdsStrong);
+    auto const parent = std::find_if(m_leaves.begin(), m_leaves.end(), [](Leaf const & leaf) {
+        return leaf.m_kind == EMemberKind::PassiveRef && !leaf.m_bInHelper
+            && leaf.m_pMember->test(Member::OptionParent);
+    });
+    m_parent = static_cast<std::size_t>(parent - m_leaves.begin());
 }
 
 void MemberLayout::dropStrong(Entity & entity) const noexcept {

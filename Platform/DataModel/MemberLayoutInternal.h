@@ -64,11 +64,16 @@ public:
     int find(Entity const & entity, void const * field) const noexcept;
     // Whether any leaf holds strong references.
     bool hasStrong() const noexcept { return m_bStrong; }
+    // The passive reference to what an entity stands in; null if there is none.
+    Leaf const * parent() const noexcept {
+        return m_parent < m_leaves.size() ? &m_leaves[m_parent] : nullptr;
+    }
     // Makes all strong references of an entity null.
     void dropStrong(Entity & entity) const noexcept;
 
 private:
     std::vector<Leaf> m_leaves;
+    std::size_t m_parent = 0; // its number; behind the last if there is none
     bool m_bStrong = false;
 };
 

@@ -33,6 +33,7 @@ public:
     enum EOption : std::uint32_t {
         OptionUndoable = 1,   // recorded by brackets
         OptionPersisted = 16, // written to the file
+        OptionParent = 32,    // the reference to what the entity stands in; of the first member with it
         OptionsDefault = OptionUndoable | OptionPersisted
     };
 

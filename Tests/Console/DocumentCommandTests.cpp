@@ -310,6 +310,17 @@ TEST_F(DocumentCommandTests, AnEmptyPlaceInAGroupIsPassedOver) {
                               "Groups/CmnData[3] #5\n");
 }
 
+TEST_F(DocumentCommandTests, ParentsThatLeadInACircleAreDamage) {
+    ASSERT_EQ(document("new, make, make, add 0 1").status, 0);
+    execute("a.vnd", "UPDATE CommonBaseGroupEntity SET \"ManagedEntity.rParent\"=5-id WHERE id IN (2,3)");
+    for (char const * const commands : {"tree", "check", "make"}) {
+        Outcome const outcome = document(commands);
+        EXPECT_EQ(outcome.status, 1) << commands;
+        EXPECT_NE(outcome.err.find("the parents of entity "), std::string::npos) << outcome.err;
+        EXPECT_NE(outcome.err.find(" lead in a circle\n"), std::string::npos) << outcome.err;
+    }
+}
+
 TEST_F(DocumentCommandTests, AMissingFileIsAnErrorForAllButNew) {
     for (char const * const commands : {"tree", "make", "undo", ""}) {
         Outcome const outcome = document(commands);

@@ -119,6 +119,32 @@ TEST_F(EntityChangeTests, withoutUndoableAChangeLeavesTheHistoryAsItIs) {
     EXPECT_EQ(m_rThing->m_double, 5);
 }
 
+// Outside a transaction nothing else keeps the object.
+TEST_F(EntityChangeTests, anObjectThatDiesWithinItsBracketLastsUntilThatCloses) {
+    struct Dropper : IEntityObserver {
+        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
+            m_rThing.reset();
+        }
+        void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
+            ++m_told;
+        }
+        void preDeletion(Entity *, DataChange::ETransact) override { ++m_deleted; }
+        StrongRef<Thing> m_rThing;
+        int m_told = 0;
+        int m_deleted = 0;
+    } dropper;
+    StrongRef<Asset> const asset = Asset::make(nullptr);
+    dropper.m_rThing = Thing::make(*asset);
+    PassiveRef<Thing> const watch(dropper.m_rThing.get());
+    Thing * const thing = dropper.m_rThing.get();
+    thing->subscribe(&dropper);
+    thing->set(&Thing::m_int, 1);
+    EXPECT_EQ(dropper.m_deleted, 1);
+    EXPECT_EQ(dropper.m_told, 1);
+    EXPECT_FALSE(watch);
+    EXPECT_EQ(asset->entities(), 0U);
+}
+
 TEST_F(EntityChangeTests, observersMayComeAndGoWhileTheyAreTold) {
     struct Observer : IEntityObserver {
         void preChange(Entity * entity, DataChange::ETransact, DataChange::EChangeType,

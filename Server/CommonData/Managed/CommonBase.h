@@ -9,8 +9,7 @@ namespace Vn::CommonData {
 
 // What the persisted classes of common data share: X is derived from a managed base and from
 // ICommonDataHelper.  Whatever undo and redo make of the object and of its client, it observes the
-// client that it has, and none once it is gone.  The destructor of X calls ignoreClient() too: the
-// client may belong to another document, and one that is closed deletes its objects without a word.
+// client that it has, and none once it is gone.
 template <class X, class Base>
 class CommonBase : public Managed::Persisted<X, Base, ICommonDataHelper> {
     using Pattern = Managed::Persisted<X, Base, ICommonDataHelper>;

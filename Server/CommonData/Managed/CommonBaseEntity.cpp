@@ -15,7 +15,7 @@ CommonBaseEntity::CommonBaseEntity(Segment * segment, unsigned long long id)
     initializeMemberSetIfNeeded();
 }
 
-CommonBaseEntity::~CommonBaseEntity() { ignoreClient(); }
+CommonBaseEntity::~CommonBaseEntity() = default;
 
 StrongRefCreator<CommonBaseEntity> CommonBaseEntity::make(PassiveRef<Entity> const & parent) {
     return create(parent);

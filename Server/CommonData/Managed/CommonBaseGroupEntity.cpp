@@ -16,7 +16,7 @@ CommonBaseGroupEntity::CommonBaseGroupEntity(Segment * segment, unsigned long lo
     initializeMemberSetIfNeeded();
 }
 
-CommonBaseGroupEntity::~CommonBaseGroupEntity() { ignoreClient(); }
+CommonBaseGroupEntity::~CommonBaseGroupEntity() = default;
 
 StrongRefCreator<CommonBaseGroupEntity>
 CommonBaseGroupEntity::make(PassiveRef<Entity> const & parent) {

@@ -21,10 +21,7 @@ CommonBaseRootCollection::CommonBaseRootCollection(Segment * segment, unsigned l
 }
 
 // A load that fails ends objects that are still migrating.
-CommonBaseRootCollection::~CommonBaseRootCollection() {
-    ignoreClient();
-    deleteMigrationHelper();
-}
+CommonBaseRootCollection::~CommonBaseRootCollection() { deleteMigrationHelper(); }
 
 void CommonBaseRootCollection::initializeMemberSet(unsigned version, MemberSet * set) {
     if (version != 0) return;

@@ -1,5 +1,7 @@
 #include "Server/CommonData/Managed/ICommonData.h"
 
+#include <utility>
+
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/IEntityObserver.h"
 #include "Platform/DataModel/InterfaceId.h"
@@ -22,9 +24,19 @@ void * ICommonData::queryInterface(UniqueString const * id) const {
 }
 
 ICommonDataHelper::ICommonDataHelper() = default;
-ICommonDataHelper::ICommonDataHelper(ICommonDataHelper const & other) = default;
-ICommonDataHelper & ICommonDataHelper::operator=(ICommonDataHelper const & other) = default;
-ICommonDataHelper::~ICommonDataHelper() = default;
+ICommonDataHelper::ICommonDataHelper(ICommonDataHelper const & other)
+    : ICommonData(other), m_rClientObject(other.m_rClientObject) {}
+ICommonDataHelper & ICommonDataHelper::operator=(ICommonDataHelper const & other) {
+    ignoreClient();
+    m_rClientObject = other.m_rClientObject;
+    return *this;
+}
+// A client in another document outlives the object, and mustn't tell it of anything; nor one that an undo
+// may bring back.
+ICommonDataHelper::~ICommonDataHelper() {
+    Entity * const client = m_rClientObject.getKept();
+    if (client && m_pObserver) client->unsubscribe(m_pObserver);
+}
 
 Managed::ManagedEntity * ICommonDataHelper::managedEntity() const {
     return query<Managed::ManagedEntity>(this);
@@ -58,13 +70,16 @@ void ICommonDataHelper::commonDataClientObject(ICommonDataClientObject * client)
 }
 
 void ICommonDataHelper::observeClient() {
-    if (Entity * const client = m_rClientObject.get())
-        client->subscribe(query<IEntityObserver>(managedEntity()));
+    ignoreClient();
+    Entity * const client = m_rClientObject.get();
+    if (!client) return;
+    m_pObserver = query<IEntityObserver>(managedEntity());
+    client->subscribe(m_pObserver);
 }
 
 void ICommonDataHelper::ignoreClient() {
-    if (Entity * const client = m_rClientObject.get())
-        client->unsubscribe(query<IEntityObserver>(managedEntity()));
+    Entity * const client = m_rClientObject.get();
+    if (client && m_pObserver) client->unsubscribe(std::exchange(m_pObserver, nullptr));
 }
 
 } // namespace Vn::CommonData

@@ -9,6 +9,10 @@
 #include "Platform/DataModel/Entity.h"
 #include "Server/CommonData/Export.h"
 
+namespace Vn {
+class IEntityObserver;
+}
+
 namespace Vn::Managed {
 class ManagedEntity;
 }
@@ -42,7 +46,7 @@ public:
 // What makes a managed entity common data: a class derives from its managed base and from this.
 class VN_COMMONDATA_API ICommonDataHelper : public ICommonData {
 public:
-    // Without a client; or with the same client.
+    // Without a client; or with the same client, which only the original observes.
     ICommonDataHelper();
     ICommonDataHelper(ICommonDataHelper const & other);
     ICommonDataHelper & operator=(ICommonDataHelper const & other);
@@ -66,6 +70,10 @@ protected:
 
     // The client, for the member sets of derived classes.
     PassiveRef<Entity> m_rClientObject;
+
+private:
+    // What observes the client; null if nothing does.
+    IEntityObserver * m_pObserver = nullptr;
 };
 
 } // namespace Vn::CommonData

@@ -1,5 +1,6 @@
 #include "Server/CommonData/Managed/ManagedEntity.h"
 
+#include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/Scene/INodeSource.h"
@@ -32,6 +33,18 @@ CommonData::ComponentChangeSummarizer * addSummarizer(Entity & entity,
     return summarizer;
 }
 
+// Whether parents lead in a circle, to no group.
+bool parentsLeadInCircle(ManagedEntity const & entity) {
+    StrongRef<Entity> walk = entity.parent();
+    for (std::size_t steps = walk ? walk->asset()->entities() : 0; walk; --steps) {
+        if (query<ManagedGroupEntity>(walk.get())) return false;
+        if (steps == 0) return true;
+        auto const * const managed = query<ManagedEntity>(walk.get());
+        walk = managed ? managed->parent() : nullptr;
+    }
+    return false;
+}
+
 } // namespace
 
 ManagedEntity::ManagedEntity(PassiveRef<Entity> const & parent)
@@ -56,7 +69,7 @@ StrongRefCreator<ManagedEntity> ManagedEntity::make(PassiveRef<Entity> const & p
 StrongRefCreator<ManagedEntity> ManagedEntity::make(Segment * segment) { return create(segment); }
 
 void ManagedEntity::initializeMemberSet(unsigned, MemberSet * set) {
-    addMember(set, "rParent", m_rParent, PassiveRefMetaType::get());
+    addMember(set, "rParent", m_rParent, PassiveRefMetaType::get())->set(Member::OptionParent);
 }
 
 StrongRef<ManagedGroupEntity> ManagedEntity::managedParent() const {
@@ -120,6 +133,7 @@ void ManagedEntity::getOnk(Onk & onk) const {
 }
 
 IScriptableObject * ManagedEntity::getChildObject(Onk const & onk, ObjectPath const & path) const {
+    if (parentsLeadInCircle(*this)) return nullptr;
     StrongRef<Entity> const up = parent();
     auto const * const scriptable = query<IScriptableObject>(up.get());
     return scriptable ? scriptable->getChildObject(onk, path) : nullptr;
@@ -127,7 +141,8 @@ IScriptableObject * ManagedEntity::getChildObject(Onk const & onk, ObjectPath co
 
 Vrx::Graphics::GroupNode * ManagedEntity::_parentGroupNode() const {
     StrongRef<Entity> walk = parent();
-    while (walk) {
+    // Parents that lead in a circle end where there are no more entities.
+    for (std::size_t steps = walk ? walk->asset()->entities() : 0; walk && steps; --steps) {
         if (auto const * const source = query<Scene::INodeSource>(walk.get()))
             return source->groupNode();
         auto const * const managed = query<ManagedEntity>(walk.get());

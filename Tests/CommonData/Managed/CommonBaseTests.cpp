@@ -1,11 +1,9 @@
 #include "Server/CommonData/Managed/CommonBaseEntity.h"
 
-#include <filesystem>
 #include <string>
 #include <utility>
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include "Platform/DataModel/DocumentFile.h"
 #include "Server/CommonData/Managed/CommonBaseGroupEntity.h"
@@ -233,6 +231,23 @@ TEST_F(CommonBaseTests, DataThatDiesFirstIsNotToldOfItsClientAnyMore) {
     EXPECT_EQ(m_rClient->commonData(), nullptr);
 }
 
+TEST_F(CommonBaseTests, DataOfADocumentThatIsClosedIsNotToldOfItsClientAnyMore) {
+    {
+        Document const other;
+        StrongRef<DataGroup> const group = DataGroup::make(other.segment());
+        other.segment()->addRoot(group, "Group");
+        StrongRef<Data> const data = Data::make(PassiveRef<Entity>(group));
+        data->commonDataClientObject(m_rClient.get());
+        m_rClient->touch();
+        EXPECT_EQ(data->m_changes, 1);
+    }
+    m_rClient->touch(); // tells nobody
+    StrongRef<Data> const next = Data::make(m_document.segment());
+    next->commonDataClientObject(m_rClient.get());
+    m_rClient->touch();
+    EXPECT_EQ(next->m_changes, 1);
+}
+
 TEST_F(CommonBaseTests, UndoAndRedoObserveTheClientThatTheyRestore) {
     StrongRef<Data> const data = Data::make(m_document.segment());
     data->commonDataClientObject(m_rClient.get());
@@ -395,22 +410,6 @@ TEST_F(CommonBaseTests, TheClientOfACollectionIsNoMemberAndThatOfOthersIs) {
     EXPECT_EQ(data->commonDataClientObject(), nullptr);
     EXPECT_EQ(collection->commonDataClientObject(), m_rClient.get());
 }
-
-// --- Files --------------------------------------------------------------------------------------
-
-class TemporaryFile {
-public:
-    TemporaryFile()
-        : m_path(std::filesystem::temp_directory_path() /
-                 ("CommonBaseTests-" + std::to_string(::getpid()) + ".vnd")) {
-        std::filesystem::remove(m_path);
-    }
-    ~TemporaryFile() { std::filesystem::remove(m_path); }
-    std::filesystem::path const & path() const { return m_path; }
-
-private:
-    std::filesystem::path const m_path;
-};
 
 // A file as version 0 wrote it: the class's own "rooted" and "rootId" stand behind those of its
 // base.

@@ -4,10 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include "Platform/DataModel/DocumentFile.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/ScriptableObject.h"
 #include "Platform/Scene/INodeSource.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
+#include "Tests/DataModel/DocumentEngine.h"
 
 namespace Vn::Managed::Testing {
 
@@ -242,6 +244,43 @@ TEST(ManagedEntityTests, TheParentGroupNodeIsNullWithoutASource) {
     StrongRef<Leaf> const orphan = Leaf::make(document.segment());
     EXPECT_EQ(below->_parentGroupNode(), nullptr);
     EXPECT_EQ(orphan->_parentGroupNode(), nullptr);
+}
+
+TEST(ManagedEntityTests, ParentsThatLeadInACircleLeadToNothing) {
+    Document const document;
+    StrongRef<Leaf> const one = Leaf::make(document.segment());
+    StrongRef<Leaf> const two = Leaf::make(PassiveRef<Entity>(one));
+    one->parent(two);
+    ObjectPath const path;
+    EXPECT_EQ(one->getChildObject(Onk(), path), nullptr);
+    EXPECT_EQ(one->_parentGroupNode(), nullptr);
+}
+
+TEST(ManagedEntityTests, ParentsThatLeadInACircleAreNotSaved) {
+    if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
+    TemporaryFile const file;
+    Document const document;
+    StrongRef<Leaf> const one = Leaf::make(document.segment());
+    StrongRef<Leaf> const two = Leaf::make(PassiveRef<Entity>(one));
+    StrongRef<Leaf> const below = Leaf::make(PassiveRef<Entity>(two));
+    ASSERT_TRUE(DocumentFile::saveAs(document.asset(), file.path()));
+    auto const isRefused = [](Status const & status) {
+        return status.code() == StatusCorrupt
+            && status.cause().find("the parents of entity ") != std::string::npos
+            && status.cause().find(" lead in a circle") != std::string::npos;
+    };
+    document.step([&] { one->parent(two); });
+    EXPECT_TRUE(isRefused(DocumentFile::save(document.asset())));
+    EXPECT_TRUE(isRefused(DocumentFile::saveAs(document.asset(), file.path())));
+    document.undo();
+    document.step([&] { two->parent(two); });
+    EXPECT_TRUE(isRefused(DocumentFile::save(document.asset())));
+    document.undo();
+    document.step([&] { below->parent(one); });
+    Status const saved = DocumentFile::save(document.asset());
+    EXPECT_TRUE(saved.ok()) << saved.toString();
+    StrongRef<Asset> asset;
+    EXPECT_TRUE(DocumentFile::load(file.path(), nullptr, asset));
 }
 
 TEST(ManagedEntityTests, TheNodeSourceHasTheInterfaceIdOfItsFullName) {

@@ -162,6 +162,17 @@ TEST_F(ManagedRootCollectionTests, ItIsSubscribedUntilItEnds) {
     EXPECT_EQ(subscriptions(), 0U);
 }
 
+TEST_F(ManagedRootCollectionTests, ACollectionThatFollowsTwoTypesIsSubscribedToNoneOnceItEnds) {
+    m_document.segment()->addRoot(nullptr, "Leaves");
+    StrongRef<Collection> collection = collect("Leaves");
+    collection->installMetaType(ManagedGroupEntity::s_metaType());
+    EXPECT_EQ(subscriptions(), 2U);
+    m_document.segment()->addRoot(nullptr, "Leaves");
+    collection.reset();
+    m_document.asset().history().clear();
+    EXPECT_EQ(subscriptions(), 0U);
+}
+
 TEST_F(ManagedRootCollectionTests, AReplayedCreationSubscribesNothingFurther) {
     m_document.step([&] { collect("Leaves"); });
     PassiveRef<Entity> const collection = m_document.segment()->rootEntity("Leaves");

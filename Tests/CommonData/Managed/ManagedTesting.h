@@ -3,6 +3,7 @@
 #ifndef VN_TESTS_COMMONDATA_MANAGED_MANAGEDTESTING_H
 #define VN_TESTS_COMMONDATA_MANAGED_MANAGEDTESTING_H
 
+#include <filesystem>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -23,6 +24,20 @@
 #include "Server/CommonData/Managed/ManagedRootCollection.h"
 
 namespace Vn::Managed::Testing {
+
+// The name of a file for a document, and no file there.
+class TemporaryFile {
+public:
+    TemporaryFile();
+    ~TemporaryFile();
+    TemporaryFile(TemporaryFile const &) = delete;
+    TemporaryFile & operator=(TemporaryFile const &) = delete;
+
+    std::filesystem::path const & path() const noexcept { return m_path; }
+
+private:
+    std::filesystem::path const m_path;
+};
 
 // A document with a design segment.
 class Document {
@@ -82,6 +97,7 @@ public:
     // The text of the entity alone.
     std::wstring entityText() const { return Entity::onToString(); }
     using ManagedEntity::_parentGroupNode;
+    using ManagedEntity::parent;
 
 private:
     friend PersistedAccess;
