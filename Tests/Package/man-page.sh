@@ -15,6 +15,8 @@ for name in $names; do
 done
 
 PATH=$installed/bin:$PATH
+fresh "$VN_WORK-man"
+cd "$VN_WORK-man"
 examples=$(sed -n '/^\.EX$/,/^\.EE$/p' <<<"$plain" | grep -v '^\.E')
 [ "$(wc -l <<<"$examples")" -ge 5 ] || fail "few examples"
 while read -r example; do
