@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <vector>
 
 #include "Console/DocumentPlace.h"
 #include "Console/DocumentSession.h"
@@ -79,13 +80,22 @@ Result saveDocumentAs(DocumentSession & session, Parameters const & parameters) 
 
 Result showTree(DocumentSession const & session, Parameters const & parameters,
                 std::ostream & out) {
-    bool const json = parameters.hasFlag(L"Json");
-    if (parameters.parameters() == 0) {
+    bool json = parameters.hasFlag(L"Json");
+    std::vector<std::wstring> paths;
+    for (unsigned i = 0; i < parameters.parameters(); ++i) {
+        // As vnconsole itself has it.
+        if (parameters.parameter(i) == L"--json") json = true;
+        else paths.push_back(parameters.parameter(i));
+    }
+    if (paths.size() > 1) {
+        return cannot(L"show the tree", inQuotes(paths[1]) + L" is too much: the tree is of one entity");
+    }
+    if (paths.empty()) {
         writeTree(session, json, out);
         return {};
     }
     DocumentPlace place;
-    std::wstring const why = findPlace(session, parameters.parameter(0), place);
+    std::wstring const why = findPlace(session, paths.front(), place);
     if (!why.empty()) return cannot(L"show the tree", why);
     writeTree(place, json, out);
     return {};
@@ -180,7 +190,7 @@ std::vector<DocumentTextCommand> documentTextCommands() {
          L"Saves the document to another file, which becomes its own", L"save", 1, 1, L"Force",
          true, &saveDocumentAs},
         {L"Tree", "tree", L"[Path] [/Json]",
-         L"Lists the entities, or those at a path and below it", L"show the tree", 0, 1, L"Json",
+         L"Lists the entities, or those at a path and below it", L"show the tree", 0, 2, L"Json",
          true, nullptr, &showTree},
         {L"Undo", "undo", L"", L"Takes the last change back", L"undo", 0, 0, nullptr, true, &undo},
         {L"Redo", "redo", L"", L"Makes the change again that was taken back last", L"redo", 0, 0,

@@ -39,7 +39,7 @@ public:
     enum EType : unsigned { TypeAbstract = 1, TypeConcrete = 2 };
 
     // The bit in `flags` that marks the types of a core add-in.
-    static constexpr std::uint32_t c_coreAddInFlag = 1U << 4;
+    static constexpr std::uint32_t c_coreAddInFlag = 4;
 
     // `addInIdentifier` names the add-in that brings the class, `id` is the key of the class in
     // documents, `name` the name of the meta type's own class, `version` that of the members, and

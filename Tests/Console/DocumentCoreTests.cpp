@@ -215,6 +215,11 @@ TEST_F(DocumentCoreTests, ATreeIsWrittenWhileItIsWalkedWhereThereIsAStreamForIt)
         EXPECT_EQ(out.str(), answers[i]);
     }
     out.str({});
+    EXPECT_EQ(answer(L"tree --json"), "");
+    EXPECT_EQ(out.str(), answers[1]);
+    out.str({});
+    EXPECT_EQ(answer(L"tree 0 1"),
+              "cannot show the tree: \"1\" is too much: the tree is of one entity");
     EXPECT_EQ(answer(L"tree 7").substr(0, 21), "cannot show the tree:");
     EXPECT_EQ(out.str(), "");
 }

@@ -371,7 +371,7 @@ TEST(PersistedEntityTests, ATypeOfACoreAddInIsMarkedWhenItsMemberSetIsBuilt) {
     EXPECT_EQ(s_fresh2.flags() & EntityMetaType::c_coreAddInFlag, 0U);
     Document const document;
     StrongRef<X> const made = X::make(document.segment());
-    EXPECT_EQ(s_fresh2.flags(), 1U << 4);
+    EXPECT_EQ(s_fresh2.flags(), 4U);
     // One whose add-in nobody registered isn't.
     EXPECT_EQ(Leaf::s_metaType()->flags(), 0U);
 }
