@@ -1,6 +1,5 @@
 #include "Tests/DataModel/DocumentTestEntities.h"
 
-#include <atomic>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -352,19 +351,6 @@ StrongRef<Everything> makeExtremes(Asset & asset) {
     two->m_spots.clear();
     one->m_unsaved = 11;
     return one;
-}
-
-TemporaryFile::TemporaryFile() {
-    static std::atomic<int> s_last{0};
-    static unsigned const s_process = std::random_device()();
-    m_path = std::filesystem::temp_directory_path()
-        / ("VnDocumentTests-" + std::to_string(s_process) + '-' + std::to_string(++s_last) + ".vnd");
-}
-
-TemporaryFile::~TemporaryFile() {
-    std::error_code error;
-    for (char const * const ending : {"", "-journal", ".saving", "-wal", "-shm"})
-        std::filesystem::remove(m_path.string() + ending, error);
 }
 
 namespace {

@@ -20,6 +20,7 @@
 #include "Platform/DataModel/MigrationHelper.h"
 #include "Platform/DataModel/Segment.h"
 #include "Platform/Types/GlobalizedString.h"
+#include "Tests/DataModel/TemporaryFile.h"
 
 namespace Vn::Testing {
 
@@ -276,21 +277,6 @@ Segment * design(Asset & asset);
 
 // Two entities whose members of every kind are at the ends of what they can hold; returns the root.
 StrongRef<Everything> makeExtremes(Asset & asset);
-
-// A new name in the directory for temporary files, and no file there.
-class TemporaryFile {
-public:
-    TemporaryFile();
-    ~TemporaryFile();
-    TemporaryFile(TemporaryFile const &) = delete;
-    TemporaryFile & operator=(TemporaryFile const &) = delete;
-
-    std::filesystem::path const & path() const noexcept { return m_path; }
-    std::string text() const { return m_path.string(); }
-
-private:
-    std::filesystem::path m_path;
-};
 
 // A document of about so many entities of every sort, the same for the same seed.
 StrongRef<Asset> randomDocument(unsigned seed, std::size_t entities);

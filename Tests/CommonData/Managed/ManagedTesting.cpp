@@ -1,9 +1,5 @@
 #include "Tests/CommonData/Managed/ManagedTesting.h"
 
-#include <random>
-#include <string>
-#include <system_error>
-
 #include <gtest/gtest.h>
 
 namespace Vn::Managed::Testing {
@@ -22,17 +18,6 @@ class GroupMetaType final : public PersistedMetaType<Group> {
 EntityMetaType * Plain::s_metaType() { return &s_plain; }
 EntityMetaType * Leaf::s_metaType() { return &s_leaf; }
 EntityMetaType * Group::s_metaType() { return &s_group; }
-
-TemporaryFile::TemporaryFile()
-    : m_path(std::filesystem::temp_directory_path()
-             / ("ManagedTests-" + std::to_string(std::random_device()()) + ".vnd")) {
-    std::filesystem::remove(m_path);
-}
-
-TemporaryFile::~TemporaryFile() {
-    std::error_code error;
-    std::filesystem::remove(m_path, error);
-}
 
 void Document::undo() const { ASSERT_TRUE(asset().history().undo().ok()); }
 void Document::redo() const { ASSERT_TRUE(asset().history().redo().ok()); }

@@ -3,7 +3,6 @@
 #ifndef VN_TESTS_COMMONDATA_MANAGED_MANAGEDTESTING_H
 #define VN_TESTS_COMMONDATA_MANAGED_MANAGEDTESTING_H
 
-#include <filesystem>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -22,22 +21,11 @@
 #include "Server/CommonData/Managed/CustomGroups.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 #include "Server/CommonData/Managed/ManagedRootCollection.h"
+#include "Tests/DataModel/TemporaryFile.h"
 
 namespace Vn::Managed::Testing {
 
-// The name of a file for a document, and no file there.
-class TemporaryFile {
-public:
-    TemporaryFile();
-    ~TemporaryFile();
-    TemporaryFile(TemporaryFile const &) = delete;
-    TemporaryFile & operator=(TemporaryFile const &) = delete;
-
-    std::filesystem::path const & path() const noexcept { return m_path; }
-
-private:
-    std::filesystem::path const m_path;
-};
+using Vn::Testing::TemporaryFile;
 
 // A document with a design segment.
 class Document {
