@@ -37,6 +37,17 @@ std::uint8_t plainBytes(EMemberKind kind) noexcept {
     }
 }
 
+// A number in a word, with zeros behind it.
+std::uint64_t wordOf(EMemberKind kind, void const * field) noexcept {
+    std::uint64_t word = 0;
+    switch (plainBytes(kind)) {
+    case 1: std::memcpy(&word, field, 1); break;
+    case 4: std::memcpy(&word, field, 4); break;
+    default: std::memcpy(&word, field, 8);
+    }
+    return word;
+}
+
 template <std::size_t c_bytes>
 void exchangeBytes(void * field, std::uint64_t & word) noexcept {
     std::uint64_t present = 0;
@@ -119,11 +130,7 @@ void keepOne(EMemberKind kind, void const * field, Asset const * asset, WordBuff
     case EMemberKind::PassiveRef:
         new (words.append(1)) PassiveRef<Entity>(*static_cast<PassiveRef<Entity> const *>(field));
         return;
-    default: {
-        std::uint64_t word = 0;
-        std::memcpy(&word, field, plainBytes(kind));
-        words.push(word);
-    }
+    default: words.push(wordOf(kind, field));
     }
 }
 
@@ -137,7 +144,7 @@ bool isKeptOne(EMemberKind kind, void const * field, Words & words) noexcept {
     case EMemberKind::StrongRef: return strong(field) == strong(*words++);
     // The same way to the target, whether that is there at present or not.
     case EMemberKind::PassiveRef: return std::memcmp(field, words++, 8) == 0;
-    default: return std::memcmp(field, words++, plainBytes(kind)) == 0;
+    default: return wordOf(kind, field) == *words++;
     }
 }
 
