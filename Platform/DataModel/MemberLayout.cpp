@@ -37,23 +37,22 @@ std::uint8_t plainBytes(EMemberKind kind) noexcept {
     }
 }
 
-// A number in a word, with zeros behind it.
-std::uint64_t wordOf(EMemberKind kind, void const * field) noexcept {
+// A number of so many bytes in a word, with zeros behind it; and the way back.
+std::uint64_t wordOf(std::uint8_t bytes, void const * field) noexcept {
     std::uint64_t word = 0;
-    switch (plainBytes(kind)) {
+    switch (bytes) {
     case 1: std::memcpy(&word, field, 1); break;
     case 4: std::memcpy(&word, field, 4); break;
     default: std::memcpy(&word, field, 8);
     }
     return word;
 }
-
-template <std::size_t c_bytes>
-void exchangeBytes(void * field, std::uint64_t & word) noexcept {
-    std::uint64_t present = 0;
-    std::memcpy(&present, field, c_bytes);
-    std::memcpy(field, &word, c_bytes);
-    word = present;
+void setNumber(std::uint8_t bytes, void * field, std::uint64_t word) noexcept {
+    switch (bytes) {
+    case 1: std::memcpy(field, &word, 1); break;
+    case 4: std::memcpy(field, &word, 4); break;
+    default: std::memcpy(field, &word, 8);
+    }
 }
 
 template <class Text>
@@ -130,7 +129,7 @@ void keepOne(EMemberKind kind, void const * field, Asset const * asset, WordBuff
     case EMemberKind::PassiveRef:
         new (words.append(1)) PassiveRef<Entity>(*static_cast<PassiveRef<Entity> const *>(field));
         return;
-    default: words.push(wordOf(kind, field));
+    default: words.push(wordOf(plainBytes(kind), field));
     }
 }
 
@@ -144,7 +143,7 @@ bool isKeptOne(EMemberKind kind, void const * field, Words & words) noexcept {
     case EMemberKind::StrongRef: return strong(field) == strong(*words++);
     // The same way to the target, whether that is there at present or not.
     case EMemberKind::PassiveRef: return std::memcmp(field, words++, 8) == 0;
-    default: return wordOf(kind, field) == *words++;
+    default: return wordOf(plainBytes(kind), field) == *words++;
     }
 }
 
@@ -160,7 +159,7 @@ void restoreOne(EMemberKind kind, void * field, Words & words) {
     case EMemberKind::PassiveRef:
         passive(field) = *reinterpret_cast<PassiveRef<Entity> const *>(words++);
         return;
-    default: std::memcpy(field, words++, plainBytes(kind));
+    default: setNumber(plainBytes(kind), field, *words++);
     }
 }
 
@@ -381,11 +380,9 @@ void restore(Leaf const & leaf, void * field, std::uint64_t const *& words) {
 }
 
 void exchange(Leaf const & leaf, void * field, std::uint64_t & word) noexcept {
-    switch (leaf.m_numberBytes) {
-    case 1: return exchangeBytes<1>(field, word);
-    case 4: return exchangeBytes<4>(field, word);
-    default: return exchangeBytes<8>(field, word);
-    }
+    std::uint64_t const present = wordOf(leaf.m_numberBytes, field);
+    setNumber(leaf.m_numberBytes, field, word);
+    word = present;
 }
 
 void skip(Leaf const & leaf, std::uint64_t const *& words) {
@@ -411,7 +408,6 @@ std::size_t elementWords(Leaf const & leaf, void const * field, std::size_t inde
 
 void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
                   Asset const * asset, WordBuffer & words) {
-    if (!words.reserve(elementWords(leaf, field, index, count))) throw std::bad_alloc();
     visitElements(leaf, field, index, count, [&](EMemberKind kind, char * element) {
         keepOne(kind, element, asset, words);
     });

@@ -96,7 +96,8 @@ void skip(Leaf const & leaf, std::uint64_t const *& words);
 // Gives up what the words own, and steps over them.
 void release(Leaf const & leaf, std::uint64_t *& words) noexcept;
 
-// The same for `count` elements of a vector that begin at `index`, and the words that they take.
+// The same for `count` elements of a vector that begin at `index`, and the words that they take, for which
+// there must be room before they are kept.
 std::size_t elementWords(Leaf const & leaf, void const * field, std::size_t index,
                          std::size_t count);
 void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
