@@ -5,11 +5,14 @@
 
 #include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/EntityTableInternal.h"
+#include "Platform/DataModel/Log/LifetimesInternal.h"
 #include "Platform/DataModel/MemberLayoutInternal.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/MigrationHelper.h"
 
 namespace Vn {
+
+using DataModel::EntityState;
 
 MigrationHelper::~MigrationHelper() = default;
 void * MigrationHelper::queryMTInterface(MetaType const *) { return nullptr; }
@@ -28,6 +31,7 @@ Asset::~Asset() {
     m_history.clear();
     m_pAdapter.reset();
     m_bClosing = true;
+    m_history.lifetimes().clear();
     for (auto const & segment : m_segments) {
         segment->m_roots.clear();
         segment->m_unowned.clear();
@@ -38,7 +42,7 @@ Asset::~Asset() {
     for (Entity * const entity : std::exchange(m_held, {})) entity->m_pSegment = nullptr;
     m_pTable->forEach([](Entity & entity) {
         entity.addRef();
-        entity.m_flags |= Entity::FlagDead;
+        entity.m_state.close();
     });
     m_pTable->forEach([](Entity & entity) { entity.metaType()->layout().dropStrong(entity); });
     m_pTable->forEach([](Entity & entity) {
@@ -88,15 +92,16 @@ void Asset::enter(Entity & entity) { m_pTable->add(entity.id(), &entity); }
 
 void Asset::leave(Entity & entity) noexcept {
     m_pTable->remove(entity.id());
-    if (entity.m_flags & Entity::FlagStored) note(m_deleted, entity.id());
+    if (entity.m_state.test(EntityState::Stored)) note(m_deleted, entity.id());
     // If it comes back, it has to be written whether or not it was to be before.
-    entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagStored | Entity::FlagDirty);
+    entity.m_state.clear(EntityState::Stored);
+    entity.m_state.clear(EntityState::Dirty);
 }
 
 void Asset::markDirty(Entity & entity) noexcept {
-    if ((entity.m_flags & Entity::FlagDirty) || entity.m_pSegment->isTransient()) return;
+    if (entity.m_state.test(EntityState::Dirty) || entity.m_pSegment->isTransient()) return;
     note(m_dirty, entity.id());
-    entity.m_flags |= Entity::FlagDirty;
+    entity.m_state.set(EntityState::Dirty);
 }
 
 void Asset::note(std::vector<unsigned long long> & ids, unsigned long long id) noexcept {
@@ -108,10 +113,8 @@ void Asset::note(std::vector<unsigned long long> & ids, unsigned long long id) n
 }
 
 void Asset::abandon(Entity & entity) noexcept {
-    if (entity.m_flags & Entity::FlagHeld) return;
     try {
         m_held.insert(&entity);
-        entity.m_flags |= Entity::FlagHeld;
     } catch (std::bad_alloc const &) { // it lives on as it would once the document is closed
         m_observers.erase(&entity);
         m_versions.erase(&entity);

@@ -26,6 +26,7 @@ class MetaType;
 class Request;
 
 namespace DataModel {
+class EntityAccess;
 class EntityTable;
 }
 
@@ -91,7 +92,7 @@ public:
     Status run(std::unique_ptr<Request> request);
 
 private:
-    friend class ChangeHistory;
+    friend class DataModel::EntityAccess;
     friend class DocumentFile;
     friend class Entity;
     friend class Segment;

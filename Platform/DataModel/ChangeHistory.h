@@ -5,23 +5,29 @@
 //   "Bracket"      an EntityChange.  The outermost bracket of an entity is the one that was open on it
 //                  first; brackets on other entities may stand between.
 //   "Log"          the record of changes from which the state before them can be restored: what members
-//                  were, which entities came, which went.
+//                  were, which entities came, which were roots.
 //   "Recording"    a log is open, and what changes goes into it.  That is so within a transaction and
 //                  within a replay.
 //   "Replay"       restoring the state before a log, for undo, redo or abort.  While a log is replayed
 //                  another is recorded, the inverse, which restores the state after it.  A log of
 //                  nothing but numbers exchanges them with the fields, and so becomes the inverse.
-//   "Alive"        an entity that belongs to the document at present.  "Kept": one that doesn't, and
-//                  whose object a log owns.
+//   "Alive"        an entity that belongs to the document at present.  EntityState tells the phases of
+//                  a life and what leads from one to the next.
+//   "Names"        the places in logs that lead to an entity: the records about it, and the strong
+//                  references in what the logs keep.
+//   "Unmade"       an entity whose making is undone.
 //   "Orphan"       an entity whose last strong reference has gone and whose deletion is still to come.
+//   "Quiet"        neither a transaction nor a replay is open.
 //
 // Invariants.  The test that guards each stands in brackets.
 //
-//   (H1) Replaying a log and then its inverse leaves every member of every entity as it was, and the
-//        same entities alive under the same ids.  [HistoryTests, undoAndRedoRestoreEveryKindOfMember;
-//        RandomOperationsTests, agreesWithTheModelAfterEveryStep]
-//   (H2) Every entity that a log of the history mentions is alive, or is kept by exactly one log.
-//        [HistoryTests, aKeptEntityOutlivesItsReferences; all tests under the address sanitizer]
+//   (H1) Replaying a log and then its inverse leaves every member of every living entity as it was, and
+//        the same entities owned under the same ids, whichever references callers hold meanwhile.
+//        [HistoryTests, undoAndRedoRestoreEveryKindOfMember; RandomOperationsTests,
+//        agreesWithTheModelAfterEveryStep; HeldReferencesTests]
+//   (H2) The object of an entity that a log names is valid until the log is dropped, whoever takes and
+//        lets go references to it, and when.  [HeldReferencesTests; all tests under the address
+//        sanitizer]
 //   (H3) Within one log a member of an entity is recorded once, as it was when it first changed;
 //        members of entities that came within that log aren't recorded at all.
 //        [HistoryTests, aMemberIsRecordedOnceWithinATransaction]
@@ -34,10 +40,14 @@
 //   (H7) An orphan is deleted before the operation returns that made it one, or at the end of the
 //        replay if nothing refers to it by then; never from within another deletion.
 //        [HistoryTests, aLongChainIsDeletedOnASmallStack]
-//   (H8) The document is clean exactly if its state is the one that was marked last.
-//        [HistoryTests, theCleanMarkIsFoundAgain]
+//   (H8) The document is clean exactly if its state is the one that was marked last and nothing has
+//        changed since that is no step.  [HistoryTests, theCleanMarkIsFoundAgain]
 //   (H9) Whichever allocation fails, the document is afterwards what it was or what it was to become,
 //        and the history fits or is given up; or isUsable is false.  [OutOfMemoryTests]
+//   (H10) Whatever a replay gives a strong reference to is alive after it, unless it is unmade; what is
+//        unmade is refused by whatever lists or owns entities.  [HeldReferencesTests]
+//   (H11) Letting go of a reference takes no step away.  [HeldReferencesTests,
+//        lettingGoOutsideATransactionTakesNoRedoStepAway]
 //
 // States.
 //
@@ -53,10 +63,14 @@
 //
 // In "quiet" nothing is recorded: a change made there can't be undone, and ends the history, since its
 // logs would no longer fit.  The one exception is the death of an entity whose last reference a caller
-// held beyond its transaction; it is added to the last step.  In "transaction" logs stand one in
-// another; a nested one that commits is added to the one around it.  In "replay" hooks run with
-// TransactReplay; what they change directly isn't recorded, since the replay restores it anyway.  What
-// it restores by places of a list keeps within the list, whatever a hook made of that.
+// held beyond its transaction: the steps stay, and what its deletion hooks change goes into the last
+// one.  In "transaction" logs stand one in another; a nested one that commits is added to the one
+// around it.  In "replay" hooks run with TransactReplay; what they change directly isn't recorded, since
+// the replay restores it anyway.  What it restores by places of a list keeps within the list, whatever a
+// hook made of that.
+//
+// Where it is: the steps and the states are ChangeHistory's; Platform/DataModel/Log has the Recorder, which
+// writes logs, the Replay, which reads them, and Lifetimes, which has births, deaths and returns.
 
 #ifndef VN_PLATFORM_DATAMODEL_CHANGEHISTORY_H
 #define VN_PLATFORM_DATAMODEL_CHANGEHISTORY_H
@@ -64,29 +78,24 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "Platform/Base/RefCounted.h"
 #include "Platform/Base/Status.h"
-#include "Platform/DataModel/DataChange.h"
 #include "Platform/DataModel/Export.h"
 
 namespace Vn {
 
 class Asset;
-class Entity;
-class EntityChange;
-class MemberSplices;
-class Segment;
 
 namespace DataModel {
 class ChangeLog;
-class WordBuffer;
-struct Record;
+class Lifetimes;
+class Recorder;
+class Replay;
 }
 
 // The changes of one document.  Invariants and states stand at the top of this file.
@@ -128,6 +137,11 @@ public:
     // Whether the state of the document is the one that was marked last; a new document is clean.
     void markClean() noexcept;
     bool isClean() const noexcept;
+    // Which state was marked last: that with so many undoSteps().  Empty if no undo or redo leads to it.
+    std::optional<std::size_t> cleanSteps() const noexcept;
+    // Something changed that is no step and can't be undone, and leaves the history as it is: the
+    // document isn't clean until it is marked.
+    void markModified() noexcept { m_bModified = true; }
 
     // False once memory ran out in the middle of a replay, or before a transaction that had to be taken
     // back: the document is then neither the one before nor the one after, the history is given up,
@@ -138,109 +152,60 @@ public:
     bool isInTransaction() const noexcept { return !m_open.empty(); }
     bool isReplaying() const noexcept { return m_bReplaying; }
 
+    // The parts of the history, for the data model's own use.
+    DataModel::Recorder & recorder() const noexcept { return *m_pRecorder; }
+    DataModel::Lifetimes & lifetimes() const noexcept { return *m_pLifetimes; }
+
 private:
-    friend class Asset;
-    friend class DocumentFile;
-    friend class Entity;
-    friend class EntityChange;
-    friend class MemberSplices;
-    friend class Segment;
+    friend class DataModel::Lifetimes;
+    friend class DataModel::Recorder;
     friend class Transaction;
 
     struct Step;
+    class Replaying;
+    using Steps = std::deque<std::unique_ptr<Step>>;
 
-    // Transactions.
+    // Transactions.  `commit` answers whether a step came of it.
     bool begin(std::wstring_view name);
-    void commit();
+    bool commit();
     void abort();
+    void join(DataModel::ChangeLog & log, DataModel::ChangeLog & around);
 
-    // What brackets do.
-    void openBracket(EntityChange & change);
-    void keepMembers(EntityChange & change);
-    void closeBracket(EntityChange & change);
-    void record(EntityChange const & change);
-    void keepDifferences(EntityChange const & change, DataModel::ChangeLog * log,
-                         DataModel::Record & record);
-    EntityChange * outermostBracket(Entity const & entity) const noexcept;
-
-    // What happens to entities.
-    void born(Entity & entity);
-    void unborn(Entity & entity) noexcept; // destroyed without ever having been deleted
-    void orphaned(Entity & entity) noexcept;
-    // Within a replay both throw if memory runs out, and else give up the history.
-    void kill(Entity & entity, DataChange::ETransact transact);
-    void killOrphans(DataChange::ETransact transact);
-    // Records or notes a death; whether the object is kept.
-    bool recordDeath(Entity & entity);
-    void revive(Entity & entity, std::uint64_t const * tomb);
-    void letGo(Entity & entity) noexcept; // of a dead one that no log keeps any more
-    void deleteDead(Entity & entity) noexcept;
-    void rootChanging(Segment & segment, std::string const & key, std::size_t place, Entity * old);
-
-    // Replays a log, which becomes its inverse; or, for an abort, without one.
-    void replay(DataModel::ChangeLog & log, bool undoing);
-    void replayForAbort(DataModel::ChangeLog & log);
-    template <class Work>
-    void duringReplay(DataModel::ChangeLog * inverse, Work work);
-    void restoreAll(DataModel::ChangeLog & log);
-    void exchangeAll(DataModel::ChangeLog & log, bool undoing);
-    // A record that goes on where the last about the entity in the log ended, and its place there.
-    static DataModel::Record continued(Entity & entity, DataModel::ChangeLog & log);
-    static void append(DataModel::ChangeLog & log, std::size_t begin,
-                       DataModel::Record const & record);
-    // Keeps the first exception that a hook of a replay throws, until the replay is complete.
-    void hookThrew() noexcept;
-    void rethrowOfHook();
-    void exchangeEntity(DataModel::ChangeLog & log, std::size_t record);
-    void replayEntity(DataModel::ChangeLog & log, std::size_t record);
-    // Records what undoes the replay of a record about an entity.
-    void recordInverse(Entity & entity, DataModel::Record const & record,
-                       std::uint64_t const * payload);
-    void replayRoot(DataModel::ChangeLog & log, std::size_t record);
     Status move(bool undoing);
-
-    // Something changed that no log records.
-    void changedUnrecorded() noexcept;
+    void replay(Step & step, bool undoing);
+    std::uint64_t state() const noexcept;
     std::uint32_t nextLogNumber() noexcept;
-    // The number of the leaf of a vector member whose splices can be recorded; -1 if it is none.
-    static int leafOf(Entity & entity, void const * member);
-    bool splicesAnnounced(Entity const & entity, int leaf) const noexcept;
-    void spliced(MemberSplices const & splices, bool inserted, std::size_t index, std::size_t count);
+
+    // Something changed that no log records: the steps no longer fit.
+    void changedUnrecorded() noexcept;
+    // The log that goes on outside of transactions, for what the death of an entity brings with it: that
+    // of the last step.  Null if there is none.
+    DataModel::ChangeLog * lastLog() noexcept;
+    void lastLogGrew(std::size_t bytes) noexcept;
+    template <class Visit>
+    void forEachLog(Visit && visit);
+
     void enforceLimits();
-    void drop(DataModel::ChangeLog & log) noexcept;
     void dropOldest() noexcept;
     void dropRedo() noexcept;
     // Memory ran out for the record of what can't be refused: no state before can be reached.
     void lose() noexcept;
-    // Memory ran out in a replay.  `inverse` may be null.
-    void giveUp(DataModel::ChangeLog & log, DataModel::ChangeLog * inverse) noexcept;
-    // Gives up all logs but those of a replay, and then `last`, which may be null.
+    // Memory ran out in a replay of these logs, which may be null.
+    void giveUp(DataModel::ChangeLog * log, DataModel::ChangeLog * inverse) noexcept;
+    // Gives up all logs, `last` among them, which may be null.
     void dropAll(DataModel::ChangeLog * last) noexcept;
-    // Has orphans deleted that waited for the end of something, unless something else still runs.
-    void killLeftOrphans() noexcept;
-    std::uint64_t state() const noexcept;
 
     Asset & m_asset;
-    DataModel::ChangeLog * m_pLog = nullptr;     // of the innermost transaction
-    DataModel::ChangeLog * m_pInverse = nullptr; // of the replay
-    std::unique_ptr<DataModel::ChangeLog> m_pSpare;
-    EntityChange * m_pInnermost = nullptr;
-    MemberSplices * m_pSplices = nullptr;
-    std::unique_ptr<DataModel::WordBuffer> m_pScratch; // members as they were when brackets opened
+    std::unique_ptr<DataModel::Recorder> const m_pRecorder;
+    std::unique_ptr<DataModel::Lifetimes> const m_pLifetimes;
+    std::unique_ptr<DataModel::ChangeLog> m_pSpare; // for the next inverse
     std::shared_ptr<std::wstring const> m_pName; // of the step begun last
     std::vector<std::unique_ptr<Step>> m_open;
-    std::deque<std::unique_ptr<Step>> m_undo;
-    std::vector<std::unique_ptr<Step>> m_redo;
-    std::vector<Entity *> m_orphans;
-    std::vector<StrongRef<Entity>> m_revived;
-    std::vector<Entity *> m_killed; // by an abort, and to be deleted behind it
-    std::exception_ptr m_hookFailure;
+    Steps m_undo;
+    Steps m_redo;
     bool m_bReplaying = false;
-    bool m_bKilling = false;
-    bool m_bDropping = false;
     bool m_bUsable = true;
-    bool m_bLost = false; // memory ran out while a change was recorded
-    bool m_bUnlisted = false; // there are orphans that m_orphans had no room for
+    bool m_bModified = false; // beside the steps
     std::size_t m_stepLimit = 0;
     std::size_t m_byteLimit = std::size_t{1} << 30;
     std::size_t m_bytes = 0; // of the steps in m_undo and m_redo
@@ -266,13 +231,14 @@ public:
     Transaction(Transaction const &) = delete;
     Transaction & operator=(Transaction const &) = delete;
 
-    // Ends it and keeps what was done, or takes it back.  Once ended, both do nothing.  A commit that
-    // has no memory throws std::bad_alloc and leaves the transaction open; an abort that has none
-    // throws it too, and the history isn't usable any more.  If memory ran out for the record of what
-    // couldn't be refused, a commit keeps what was done, and the history ends.
-    void commit();
+    // Ends it and keeps what was done, or takes it back.  Once ended, both do nothing.  `commit` answers
+    // whether a step came of it, which is so if something changed and no transaction is open around this
+    // one.  A commit that has no memory throws std::bad_alloc and leaves the transaction open; an abort
+    // that has none throws it too, and the history isn't usable any more.  If memory ran out for the
+    // record of what couldn't be refused, a commit keeps what was done, and the history ends.
+    bool commit();
     void abort();
-    // Whether it has been ended.
+    // Whether it has not been ended.
     bool isOpen() const noexcept { return m_pHistory != nullptr; }
 
 private:

@@ -630,13 +630,13 @@ void DocumentFile::Reader::complete() {
         forMarked([](Entity & entity) {
             entity.postMigrate();
             entity.uninitializeMigrationHelpers();
-            entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagMigrating);
+            entity.m_state.clear(DataModel::EntityState::Migrating);
         });
     }
 
     asset.m_nextId = std::max(asset.m_nextId, m_head.m_nextEntity);
     for (StrongRef<Entity> & entity : m_loaded) {
-        entity->m_flags |= Entity::FlagStored;
+        entity->m_state.set(DataModel::EntityState::Stored);
         if (entity->refCount() == 1) {
             Segment & segment = *entity->segment();
             segment.m_unowned.push_back(std::move(entity));
@@ -650,7 +650,7 @@ void DocumentFile::Reader::complete() {
     // What a migration made or changed is written when the file is, which is then written whole.
     for (unsigned long long const id : std::exchange(asset.m_dirty, {}))
         if (Entity * const entity = asset.m_pTable->find(id))
-            entity->m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDirty);
+            entity->m_state.clear(DataModel::EntityState::Dirty);
     asset.m_deleted.clear();
     asset.m_persistedVersions.clear();
     asset.m_bMigrating = false;

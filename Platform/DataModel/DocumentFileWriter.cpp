@@ -404,7 +404,7 @@ DocumentFile::Writer::idOf(PassiveRef<Entity> const & reference) const noexcept 
     // nobody would write them then.  Its id is never used again.
     Entity const * const target = reference.getKept();
     bool const isThere = target
-        && (target->isAlive() || (target->m_flags & Entity::FlagKept) != 0) && isOurs(*target);
+        && (target->isAlive() || target->m_state.names() > 0) && isOurs(*target);
     return isThere ? target->id() : 0;
 }
 
@@ -725,8 +725,8 @@ void DocumentFile::Writer::refuseUnnoted() const {
 
 void DocumentFile::Writer::markSaved() {
     forEachToWrite([](Entity & entity) {
-        entity.m_flags |= Entity::FlagStored;
-        entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagDirty);
+        entity.m_state.set(DataModel::EntityState::Stored);
+        entity.m_state.clear(DataModel::EntityState::Dirty);
     });
     std::vector<unsigned long long> const dirty = std::exchange(m_asset.m_dirty, {});
     m_asset.m_deleted.clear();

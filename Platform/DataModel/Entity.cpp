@@ -7,10 +7,14 @@
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/IEntityObserver.h"
 #include "Platform/DataModel/InterfaceId.h"
+#include "Platform/DataModel/Log/LifetimesInternal.h"
+#include "Platform/DataModel/Log/RecorderInternal.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn {
+
+using DataModel::EntityState;
 
 namespace {
 
@@ -34,7 +38,7 @@ Entity::Entity(Segment * segment) : m_id(segment->asset()->m_nextId++), m_pSegme
     Asset & asset = *segment->asset();
     asset.enter(*this);
     try {
-        asset.history().born(*this);
+        asset.history().lifetimes().born(*this);
     } catch (...) {
         asset.leave(*this);
         throw;
@@ -42,30 +46,31 @@ Entity::Entity(Segment * segment) : m_id(segment->asset()->m_nextId++), m_pSegme
 }
 
 Entity::Entity(Segment * segment, unsigned long long id)
-    : m_flags(FlagLoaded), m_id(id), m_pSegment(segment) {
+    : m_id(id), m_pSegment(segment) {
+    m_state.set(EntityState::Loaded);
     segment->asset()->enter(*this);
 }
 
 Entity::~Entity() {
     if (!m_pSegment) return;
-    if (m_flags & (FlagObserved | FlagVersions)) {
+    if (m_state.testAny(EntityState::Observed | EntityState::Versions)) {
         asset()->m_observers.erase(this);
         asset()->m_versions.erase(this);
     }
-    if (m_flags & FlagHeld) asset()->m_held.erase(this);
-    // An object that nobody ever owned leaves here; all others did when they died.
-    if (!(m_flags & FlagDead)) asset()->m_history.unborn(*this);
+    if (!asset()->m_held.empty()) asset()->m_held.erase(this);
+    // An object that nothing ever owned leaves here; all others did when they died.
+    if (m_state.isAlive()) asset()->history().lifetimes().unborn(*this);
 }
 
 Asset * Entity::asset() const noexcept { return m_pSegment ? m_pSegment->asset() : nullptr; }
 
 void Entity::destroy() noexcept {
     if (!m_pSegment) return RefCounted::destroy();
-    asset()->m_history.orphaned(*this);
+    asset()->history().lifetimes().orphaned(*this);
 }
 
 unsigned Entity::migratingVersion(EntityMetaType const * type) const {
-    if (m_pSegment && (m_flags & FlagVersions)) {
+    if (m_pSegment && m_state.test(EntityState::Versions)) {
         auto const i = asset()->m_versions.find(this);
         if (i != asset()->m_versions.end())
             for (auto const & entry : i->second)
@@ -77,7 +82,7 @@ unsigned Entity::migratingVersion(EntityMetaType const * type) const {
 void Entity::migratingVersion(EntityMetaType const * type, unsigned version) {
     if (!m_pSegment) return;
     auto & versions = asset()->m_versions[this];
-    m_flags |= FlagVersions;
+    m_state.set(EntityState::Versions);
     for (auto & entry : versions)
         if (entry.first == type) {
             entry.second = version;
@@ -86,7 +91,7 @@ void Entity::migratingVersion(EntityMetaType const * type, unsigned version) {
     versions.emplace_back(type, version);
 }
 
-void Entity::markMigrating() { m_flags |= FlagMigrating; }
+void Entity::markMigrating() { m_state.set(EntityState::Migrating); }
 
 void Entity::postCreation(DataChange::ETransact transact) {
     onPostCreation(transact);
@@ -94,25 +99,25 @@ void Entity::postCreation(DataChange::ETransact transact) {
 }
 
 EntityChange * Entity::outerChange() const noexcept {
-    return m_flags & FlagChanging ? asset()->m_history.outermostBracket(*this) : nullptr;
+    return m_state.test(EntityState::Changing) ? asset()->history().recorder().outermost(*this) : nullptr;
 }
 
 void Entity::subscribe(IEntityObserver * observer) {
     if (!observer || !m_pSegment) return;
     auto & observers = asset()->m_observers[this];
-    m_flags |= FlagObserved;
+    m_state.set(EntityState::Observed);
     if (std::find(observers.begin(), observers.end(), observer) == observers.end())
         observers.push_back(observer);
 }
 
 void Entity::unsubscribe(IEntityObserver * observer) {
-    if (!m_pSegment || !(m_flags & FlagObserved)) return;
+    if (!m_pSegment || !m_state.test(EntityState::Observed)) return;
     auto const i = asset()->m_observers.find(this);
     if (i == asset()->m_observers.end()) return;
     std::erase(i->second, observer);
     if (i->second.empty()) {
         asset()->m_observers.erase(i);
-        m_flags &= ~static_cast<std::uint32_t>(FlagObserved);
+        m_state.clear(EntityState::Observed);
     }
 }
 
@@ -120,7 +125,7 @@ unsigned Entity::version() const { return migratingVersion(onMetaType()); }
 
 template <class Tell>
 void Entity::tellObservers(Tell && tell) {
-    if ((m_flags & FlagObserved) && m_pSegment) tellThem(tell);
+    if (m_state.test(EntityState::Observed) && m_pSegment) tellThem(tell);
 }
 
 template <class Tell>

@@ -10,17 +10,21 @@
 #include "Platform/Base/RefCounted.h"
 #include "Platform/Base/UniqueString.h"
 #include "Platform/DataModel/DataChange.h"
+#include "Platform/DataModel/EntityState.h"
 #include "Platform/DataModel/Export.h"
 
 namespace Vn {
 
 class Asset;
-class ChangeHistory;
 class EntityChange;
 class EntityMetaType;
 class IEntityObserver;
 class MetaType;
 class Segment;
+
+namespace DataModel {
+class EntityAccess;
+}
 
 // What a step of migration leaves behind.
 enum EMigrationStatus : unsigned { MigrationFailed = 0, MigrationDone = 1 };
@@ -58,9 +62,9 @@ public:
     EntityMetaType * metaType() const { return onMetaType(); }
 
     // Whether the entity was made by running code and not loaded.
-    bool isCreating() const noexcept { return !(m_flags & FlagLoaded); }
+    bool isCreating() const noexcept { return !m_state.test(DataModel::EntityState::Loaded); }
     // Whether it is in its document at present.
-    bool isAlive() const noexcept { return !(m_flags & FlagDead); }
+    bool isAlive() const noexcept { return m_state.isAlive(); }
 
     // The version that the entity is being migrated from, for one meta type of its chain.  Without
     // a record of its own it is that of the meta type.
@@ -68,7 +72,9 @@ public:
     void migratingVersion(EntityMetaType const * type, unsigned version);
     // Has the document run onPostMigrate once everything is loaded.
     void markMigrating();
-    bool isMarkedMigrating() const noexcept { return (m_flags & FlagMigrating) != 0; }
+    bool isMarkedMigrating() const noexcept {
+        return m_state.test(DataModel::EntityState::Migrating);
+    }
 
     // Runs onPostCreation and tells the segment's event source.  Called by `make` of each class, once.
     void postCreation(DataChange::ETransact transact);
@@ -115,27 +121,9 @@ protected:
 
 private:
     friend class Asset;
-    friend class ChangeHistory;
+    friend class DataModel::EntityAccess;
     friend class DocumentFile;
     friend class EntityChange;
-    friend class MemberSplices;
-    friend class Segment;
-
-    enum : std::uint32_t {
-        FlagLoaded = 1,    // made by the loading constructor
-        FlagDead = 2,      // out of the document
-        FlagKept = 4,      // dead, and kept by the history
-        FlagDying = 8,     // its onPreDeletion is running or about to
-        FlagChanging = 16, // a bracket is open
-        FlagObserved = 32,
-        FlagMigrating = 64,
-        FlagVersions = 128, // versions are recorded
-        FlagDirty = 256,    // differs from what was last saved
-        FlagStored = 512,   // stands in the file
-        FlagQueued = 1024,  // waits for its deletion
-        FlagHeld = 2048,    // dead for good, and still held by somebody
-        FlagDoomed = 4096   // dead for good, and ends when its outermost bracket closes
-    };
 
     void destroy() noexcept override;
     template <class Tell>
@@ -143,10 +131,7 @@ private:
     template <class Tell>
     [[gnu::noinline]] void tellThem(Tell & tell);
 
-    std::uint32_t m_flags = 0;
-    // The last record about this entity in the log with that number.
-    std::uint32_t m_logNumber = 0;
-    std::uint32_t m_logRecord = 0;
+    DataModel::EntityState m_state;
     unsigned long long const m_id;
     Segment * m_pSegment;
 };

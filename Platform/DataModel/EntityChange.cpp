@@ -3,6 +3,8 @@
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/ChangeHistory.h"
 #include "Platform/DataModel/InterfaceId.h"
+#include "Platform/DataModel/Log/LifetimesInternal.h"
+#include "Platform/DataModel/Log/RecorderInternal.h"
 #include "Platform/DataModel/MetaType.h"
 
 namespace Vn {
@@ -31,17 +33,17 @@ EntityChange::EntityChange(Entity * entity, DataChange::ETransact transact,
     : m_pEntity(entity), m_pHistory(historyOf(*entity)), m_transact(transact), m_type(type),
       m_timing(timing), m_pDetails(details), m_exceptions(std::uncaught_exceptions()),
       m_bUndoable(undoable), m_told(type) {
-    if (m_pHistory) m_pHistory->openBracket(*this);
+    if (m_pHistory) m_pHistory->recorder().open(*this);
     if (!(timing & DataChange::TimingPre)) return;
     try {
         entity->onPreChange(transact, type, details);
     } catch (...) {
         if (!m_pHistory) throw;
         if (DataChange::test(transact, DataChange::TransactReplay)) {
-            m_pHistory->hookThrew(); // a replay goes on whatever a hook throws
+            m_pHistory->lifetimes().hookThrew(); // a replay goes on whatever a hook throws
             return;
         }
-        m_pHistory->closeBracket(*this);
+        m_pHistory->recorder().close(*this);
         throw;
     }
 }
@@ -52,13 +54,13 @@ EntityChange::~EntityChange() noexcept(false) {
         tellPost();
     } catch (...) {
         failure = std::current_exception();
+        if (m_pHistory && DataChange::test(m_transact, DataChange::TransactReplay)) {
+            m_pHistory->lifetimes().hookThrew(); // as above
+            failure = nullptr;
+        }
     }
-    if (m_pHistory) m_pHistory->closeBracket(*this);
-    if (!failure) return;
-    if (m_pHistory && DataChange::test(m_transact, DataChange::TransactReplay)) {
-        if (!m_pHistory->m_hookFailure) m_pHistory->m_hookFailure = failure;
-    } else if (std::uncaught_exceptions() == m_exceptions)
-        std::rethrow_exception(failure);
+    if (m_pHistory) m_pHistory->recorder().close(*this);
+    if (failure && std::uncaught_exceptions() == m_exceptions) std::rethrow_exception(failure);
 }
 
 void EntityChange::tellPost() {
@@ -82,22 +84,19 @@ void EntityChange::add(EntityChangeSummarizer * summarizer) {
 
 MemberSplices::MemberSplices(Entity & entity, void const * member)
     : m_entity(entity), m_pHistory(historyOf(entity)) {
-    if (!m_pHistory) return;
-    if (m_pHistory->m_pLog) m_leaf = m_pHistory->leafOf(entity, member);
-    m_pEnclosing = m_pHistory->m_pSplices;
-    m_pHistory->m_pSplices = this;
+    if (m_pHistory) m_pHistory->recorder().enter(*this, member);
 }
 
 MemberSplices::~MemberSplices() {
-    if (m_pHistory) m_pHistory->m_pSplices = m_pEnclosing;
+    if (m_pHistory) m_pHistory->recorder().leave(*this);
 }
 
 void MemberSplices::inserted(std::size_t index, std::size_t count) {
-    if (m_pHistory && m_leaf >= 0) m_pHistory->spliced(*this, true, index, count);
+    if (m_pHistory) m_pHistory->recorder().spliced(*this, true, index, count);
 }
 
 void MemberSplices::erasing(std::size_t index, std::size_t count) {
-    if (m_pHistory && m_leaf >= 0) m_pHistory->spliced(*this, false, index, count);
+    if (m_pHistory) m_pHistory->recorder().spliced(*this, false, index, count);
 }
 
 } // namespace Vn

@@ -18,6 +18,10 @@ namespace Vn {
 class ChangeHistory;
 class EntityChange;
 
+namespace DataModel {
+class Recorder;
+}
+
 // Hears of the changes within one bracket, and tells of them once.
 class VN_DATAMODEL_API EntityChangeSummarizer {
 public:
@@ -79,8 +83,7 @@ public:
     void add(EntityChangeSummarizer * summarizer);
 
 private:
-    friend class ChangeHistory;
-    friend class Entity;
+    friend class DataModel::Recorder;
 
     struct Summary {
         std::unique_ptr<EntityChangeSummarizer> m_pSummarizer;
@@ -130,7 +133,7 @@ public:
     void erasing(std::size_t index, std::size_t count = 1);
 
 private:
-    friend class ChangeHistory;
+    friend class DataModel::Recorder;
 
     Entity & m_entity;
     ChangeHistory * const m_pHistory;

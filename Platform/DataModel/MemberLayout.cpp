@@ -265,7 +265,7 @@ bool holdsStrong(Leaf const & leaf) {
     if (leaf.m_kind != EMemberKind::Vector) return leaf.m_kind == EMemberKind::StrongRef;
     if (leaf.m_elementKind != EMemberKind::Value) return leaf.m_elementKind == EMemberKind::StrongRef;
     std::vector<Leaf> const & parts = *leaf.m_pElementLeaves;
-    return std::any_of(parts.begin(), parts.end(), holdsStrong);
+    return std::any_of(parts.begin(), parts.end(), [](Leaf const & part) { return part.m_bStrong; });
 }
 
 // Makes all strong references of a leaf null.
@@ -295,6 +295,7 @@ void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
         leaf.m_path = set.className() + '.' + member.name();
         leaf.m_bOwning = ownsWords(leaf.m_kind);
         leaf.m_numberBytes = plainBytes(leaf.m_kind);
+        leaf.m_bStrong = leaf.m_kind == EMemberKind::StrongRef;
         if (leaf.m_kind == EMemberKind::Value) {
             for (Leaf part : leavesOf(static_cast<ValueMetaType &>(*member.type()))) {
                 part.m_offset += leaf.m_offset;
@@ -315,6 +316,7 @@ void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
                 leaf.m_bOwning = ownsWords(*leaf.m_pElementLeaves);
             } else
                 leaf.m_bOwning = ownsWords(leaf.m_elementKind);
+            leaf.m_bStrong = holdsStrong(leaf);
         }
         leaves.push_back(std::move(leaf));
     }
@@ -324,7 +326,8 @@ MemberLayout::MemberLayout(MemberSet const * set) {
     std::vector<MemberSet const *> chain;
     for (; set; set = set->base()) chain.push_back(set);
     for (auto i = chain.rbegin(); i != chain.rend(); ++i) appendLeaves(**i, m_leaves);
-    m_bStrong = std::any_of(m_leaves.begin(), m_leaves.end(), holdsStrong);
+    m_bStrong = std::any_of(m_leaves.begin(), m_leaves.end(),
+                            [](Leaf const & leaf) { return leaf.m_bStrong; });
     auto const parent = std::find_if(m_leaves.begin(), m_leaves.end(), [](Leaf const & leaf) {
         return leaf.m_kind == EMemberKind::PassiveRef && !leaf.m_bInHelper
             && leaf.m_pMember->test(Member::OptionParent);
@@ -426,6 +429,25 @@ void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size
 
 void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept {
     visitKinds(leaf, count, [&](EMemberKind kind) { releaseOne(kind, words); });
+}
+
+void visitStrong(Leaf const & leaf, std::uint64_t const * words, VisitEntity visit,
+                 void * context) {
+    if (!leaf.m_bStrong) return;
+    if (leaf.m_kind == EMemberKind::Vector)
+        return visitStrongElements(leaf, static_cast<std::size_t>(*words), words + 1, visit, context);
+    if (Entity * const entity = strong(*words); entity && !(*words & c_counted))
+        visit(context, *entity);
+}
+
+void visitStrongElements(Leaf const & leaf, std::size_t count, std::uint64_t const * words,
+                         VisitEntity visit, void * context) {
+    if (!leaf.m_bStrong) return;
+    visitKinds(leaf, count, [&](EMemberKind kind) {
+        if (kind == EMemberKind::StrongRef && !(*words & c_counted))
+            if (Entity * const entity = strong(*words)) visit(context, *entity);
+        skipOne(kind, words);
+    });
 }
 
 } // namespace Vn::DataModel

@@ -5,7 +5,8 @@
 //   numbers and bool         one word, whose first bytes are the value
 //   String, WideString       the length in characters, then the characters, padded
 //   GlobalizedString         one word, a GlobalizedString
-//   StrongRef                the entity; the lowest bit set if the word owns a count of it
+//   StrongRef                the entity; the lowest bit set if the word owns a count of it, as that of an
+//                            entity of another document does
 //   PassiveRef               one word, a PassiveRef<Entity>
 //   Vector                   the number of elements, then each
 //   Value (in a vector)      its members, one behind the other
@@ -23,7 +24,7 @@
 #include <vector>
 
 #include "Platform/DataModel/MemberSet.h"
-#include "Platform/DataModel/WordBufferInternal.h"
+#include "Platform/DataModel/Log/WordBufferInternal.h"
 
 namespace Vn {
 class Asset;
@@ -39,7 +40,8 @@ struct Leaf {
     std::ptrdiff_t m_offset = 0; // from the entity, or from its helper
     EMemberKind m_kind = EMemberKind::Bool;
     EMemberKind m_elementKind = EMemberKind::Bool; // of a vector
-    bool m_bOwning = false; // its words own what they refer to
+    bool m_bOwning = false; // its words own or name what they refer to
+    bool m_bStrong = false; // it is a strong reference, or a vector with such
     std::uint8_t m_numberBytes = 0; // of a number or bool; 0 for all else
     bool m_bInHelper = false;
     bool m_bUndoable = true;
@@ -107,6 +109,14 @@ void insertElements(Leaf const & leaf, void * field, std::size_t index, std::siz
                     std::uint64_t const *& words);
 void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count);
 void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept;
+
+// Calls `visit` with `context` and each entity of the same document that strong references of a kept value,
+// or of kept elements, lead to.
+using VisitEntity = void (*)(void * context, Entity & entity);
+void visitStrong(Leaf const & leaf, std::uint64_t const * words, VisitEntity visit,
+                 void * context);
+void visitStrongElements(Leaf const & leaf, std::size_t count, std::uint64_t const * words,
+                         VisitEntity visit, void * context);
 
 } // namespace Vn::DataModel
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Platform/DataModel/Asset.h"
+#include "Platform/DataModel/Log/RecorderInternal.h"
 #include "Platform/DataModel/MetaType.h"
 
 namespace Vn {
@@ -47,11 +48,11 @@ StrongRef<Entity> Segment::rootEntity(std::string_view key) const {
 }
 
 void Segment::addRoot(StrongRef<Entity> const & entity, std::string const & key) {
-    if (entity && entity->segment() != this) return;
+    if (entity && (entity->segment() != this || !entity->isAlive())) return;
     std::size_t const place = rootPlace(key);
     Entity * const old = place < m_roots.size() ? m_roots[place].second.get() : nullptr;
     if (old == entity.get()) return;
-    m_pAsset->history().rootChanging(*this, key, place, old);
+    m_pAsset->history().recorder().rootChanging(*this, key, place, old);
     placeRoot(entity, key, place);
 }
 

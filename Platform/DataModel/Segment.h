@@ -97,7 +97,7 @@ public:
 
 private:
     friend class Asset;
-    friend class ChangeHistory;
+    friend class DataModel::EntityAccess;
     friend class DocumentFile;
 
     Segment(Asset * asset, SegmentType * type, bool transient);

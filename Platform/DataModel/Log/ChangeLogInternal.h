@@ -4,21 +4,27 @@
 // payload with a Record behind it.  Payloads:
 //
 //   Born         none; the entity came
-//   Died         a kept value for each leaf of the entity, in order; the log owns its object
+//   Unborn       none; the making of the entity was undone
 //   Changed      for each leaf: its number and the words of its kept value, in one word, then the value
 //   Inserted     leaf, index, count
 //   Erased       leaf, index, count, then the elements
 //   Root         segment, place, length of the key, key; what was the root stands in m_leaves
+//   Blank        of an entity that was destroyed without ever having had an owner
+//
+// Each record names its entity, and each strong reference in a payload names its target, as EntityState
+// counts names: what a log names stays valid until the log is dropped.  The deaths of entities aren't
+// recorded.  They follow from the references: what nothing owns dies, and what a replay gives an owner
+// comes back.
 
-#ifndef VN_PLATFORM_DATAMODEL_CHANGELOGINTERNAL_H
-#define VN_PLATFORM_DATAMODEL_CHANGELOGINTERNAL_H
+#ifndef VN_PLATFORM_DATAMODEL_LOG_CHANGELOGINTERNAL_H
+#define VN_PLATFORM_DATAMODEL_LOG_CHANGELOGINTERNAL_H
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <utility>
 
-#include "Platform/DataModel/WordBufferInternal.h"
+#include "Platform/DataModel/Log/WordBufferInternal.h"
 
 namespace Vn {
 class Entity;
@@ -26,7 +32,7 @@ class Entity;
 
 namespace Vn::DataModel {
 
-enum class ERecord : std::uint8_t { Born, Died, Changed, Inserted, Erased, Root };
+enum class ERecord : std::uint8_t { Born, Unborn, Changed, Inserted, Erased, Root, Blank };
 
 // What stands behind each payload.
 struct Record {
@@ -79,15 +85,19 @@ public:
         return m_words.size();
     }
 
-    // The bytes of the log and of the entities that it keeps.
-    std::size_t bytes() const noexcept { return sizeof(*this) + m_words.heapBytes() + m_keptBytes; }
-    void addKeptBytes(std::size_t bytes) noexcept { m_keptBytes += bytes; }
-    std::size_t keptBytes() const noexcept { return m_keptBytes; }
+    // The record is about nothing any more.
+    void blank(std::size_t end) noexcept {
+        record(end).m_pEntity = nullptr;
+        record(end).m_kind = ERecord::Blank;
+    }
+
+    // The bytes of the log.
+    std::size_t bytes() const noexcept { return sizeof(*this) + m_words.heapBytes(); }
 
     // Whether a record is about something that is saved.
     bool isPersistent() const noexcept { return m_bPersistent; }
     void persistent() noexcept { m_bPersistent = true; }
-    // Whether words own what they refer to, or entities are kept, so that giving the log up takes a walk.
+    // Whether words own or name what they refer to, beside the entities that the records are about.
     bool isOwning() const noexcept { return m_bOwning; }
     void owning() noexcept { m_bOwning = true; }
     // Whether there is anything else than numbers that changed, or a member that may stand in it twice.
@@ -99,7 +109,6 @@ public:
     void reset(std::uint32_t number) noexcept {
         m_words.truncate(0);
         m_number = number;
-        m_keptBytes = 0;
         m_bPersistent = false;
         m_bOwning = false;
         m_bMixed = false;
@@ -109,7 +118,6 @@ public:
     void swap(ChangeLog & other) noexcept {
         m_words.swap(other.m_words);
         std::swap(m_number, other.m_number);
-        std::swap(m_keptBytes, other.m_keptBytes);
         std::swap(m_bPersistent, other.m_bPersistent);
         std::swap(m_bOwning, other.m_bOwning);
         std::swap(m_bMixed, other.m_bMixed);
@@ -118,7 +126,6 @@ public:
 private:
     WordBuffer m_words;
     std::uint32_t m_number;
-    std::size_t m_keptBytes = 0;
     bool m_bPersistent = false;
     bool m_bOwning = false;
     bool m_bMixed = false;

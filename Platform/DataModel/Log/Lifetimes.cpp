@@ -1,0 +1,412 @@
+#include "Platform/DataModel/Log/LifetimesInternal.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "Platform/DataModel/EntityTableInternal.h"
+#include "Platform/DataModel/Log/ChangeHistoryInternal.h"
+#include "Platform/DataModel/Log/EntityAccessInternal.h"
+#include "Platform/DataModel/Log/LogEntriesInternal.h"
+#include "Platform/DataModel/Log/RecorderInternal.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/Segment.h"
+
+namespace Vn::DataModel {
+
+namespace {
+
+EntityState & stateOf(Entity & entity) noexcept { return EntityAccess::state(entity); }
+std::vector<Leaf> const & leavesOf(Entity & entity) { return entity.metaType()->layout().leaves(); }
+
+void nameIn(void *, Entity & entity) { stateOf(entity).name(); }
+void forgetIn(void * lifetimes, Entity & entity) { static_cast<Lifetimes *>(lifetimes)->forget(entity); }
+
+} // namespace
+
+Lifetimes::Lifetimes(Asset & asset, ChangeHistory & history, Recorder & recorder)
+    : m_asset(asset), m_history(history), m_recorder(recorder) {}
+
+Lifetimes::~Lifetimes() = default;
+
+// --- Births ------------------------------------------------------------------------------------
+
+void Lifetimes::born(Entity & entity) {
+    if (m_history.isReplaying()) return;
+    ChangeLog * const log = m_recorder.log();
+    if (log)
+        m_recorder.recordBirth(*log, entity);
+    else
+        m_history.changedUnrecorded();
+    EntityAccess::markDirty(m_asset, entity);
+}
+
+// Its records end here: they are about nothing any more, and no reference leads to it.
+void Lifetimes::unborn(Entity & entity) noexcept {
+    EntityAccess::leave(m_asset, entity);
+    if (stateOf(entity).names() == 0) return;
+    m_history.forEachLog([&](ChangeLog & log) {
+        for (std::size_t end = log.end(); end; end = log.before(end))
+            if (Record & record = log.record(end); record.m_pEntity == &entity) log.blank(end);
+    });
+}
+
+// --- Deaths ------------------------------------------------------------------------------------
+
+void Lifetimes::orphaned(Entity & entity) noexcept {
+    EntityAccess::strongCount(entity, 0);
+    if (EntityAccess::isClosing(m_asset)) return; // the asset ends its entities itself
+    EntityState & state = stateOf(entity);
+    switch (state.phase()) {
+    case EntityState::Alive: break;
+    case EntityState::Dead:
+        if (state.names() == 0 && !state.test(EntityState::Entombed)) end(entity);
+        return;
+    case EntityState::Forgotten: return end(entity);
+    default: return;
+    }
+    state.orphan();
+    try {
+        m_orphans.push_back(&entity);
+    } catch (std::bad_alloc const &) { // the phase tells
+        m_bUnlisted = true;
+    }
+    if (!m_history.isReplaying() && !m_bKilling && !m_dropping)
+        killOrphans(DataChange::TransactDirect);
+}
+
+void Lifetimes::killOrphans(DataChange::ETransact transact) {
+    if (m_orphans.empty() && !m_bUnlisted) return;
+    // Outside a transaction, what the hooks of a death change belongs to the last step.
+    bool const isQuiet = !m_history.isReplaying() && !m_recorder.log()
+        && !EntityAccess::isLoading(m_asset);
+    if (!isQuiet) return endOrphans(transact);
+    ChangeLog * const last = m_history.lastLog();
+    std::size_t const before = last ? last->bytes() : 0;
+    m_recorder.log(last);
+    endOrphans(transact);
+    if (m_recorder.log() == last && last) m_history.lastLogGrew(last->bytes() - before);
+    m_recorder.log(nullptr);
+}
+
+void Lifetimes::endOrphans(DataChange::ETransact transact) {
+    auto const endOne = [&](Entity & entity) {
+        EntityState & state = stateOf(entity);
+        if (state.phase() != EntityState::Orphaned) return;
+        state.adopt();
+        if (entity.refCount()) return;
+        try {
+            kill(entity, transact);
+        } catch (...) { // memory ran out, before anything happened to it or after all had
+            if (state.isAlive()) state.orphan();
+            throw;
+        }
+    };
+    std::size_t ended = 0;
+    auto const endListed = [&] { // by index: deletions make further orphans
+        for (; ended < m_orphans.size(); ++ended) endOne(*m_orphans[ended]);
+    };
+    m_bKilling = true;
+    try {
+        endListed();
+        while (std::exchange(m_bUnlisted, false))
+            EntityAccess::table(m_asset).forEach([&](Entity & entity) {
+                if (stateOf(entity).phase() != EntityState::Orphaned) return;
+                endOne(entity);
+                endListed(); // so that what is found in that phase isn't listed
+            });
+    } catch (...) { // memory ran out in a replay
+        m_orphans.erase(m_orphans.begin(), m_orphans.begin() + static_cast<std::ptrdiff_t>(ended));
+        m_bUnlisted = true;
+        m_bKilling = false;
+        throw;
+    }
+    m_orphans.clear();
+    m_bKilling = false;
+}
+
+void Lifetimes::killLeftOrphans() noexcept {
+    if (m_dropping || m_history.isReplaying() || m_bKilling) return;
+    killOrphans(DataChange::TransactDirect);
+}
+
+void Lifetimes::kill(Entity & entity, DataChange::ETransact transact) {
+    EntityState & state = stateOf(entity);
+    MemberLayout const & layout = entity.metaType()->layout();
+    WordBuffer & scratch = m_recorder.scratch();
+    std::size_t const begin = scratch.size();
+    // Without a log that is open or names it, nothing leads back.
+    bool mayReturn = state.names() > 0 || m_recorder.log() != nullptr;
+    std::unique_ptr<Tomb> tomb;
+    if (mayReturn) {
+        try {
+            tomb = std::make_unique<Tomb>();
+            m_recorder.keepAll(entity);
+            m_tombs.reserve(m_tombs.size() + 1);
+        } catch (std::bad_alloc const &) {
+            releaseEntries(layout.leaves(), scratch, begin);
+            if (m_history.isReplaying()) throw;
+            m_history.lose(); // a death can't be refused
+            mayReturn = state.names() > 0;
+            tomb.reset();
+        }
+        // From here on nothing that the entity owns goes before its tomb is made.
+        visitEntries(layout.leaves(), scratch.data() + begin, scratch.data() + scratch.size(),
+                     nameIn, nullptr);
+    }
+    // What stands in the file and leaves no record makes the document differ from it.
+    bool const isRecorded = m_history.isReplaying()
+        || (m_recorder.log() && m_recorder.log()->isPersistent() && m_history.isInTransaction());
+    if (!isRecorded && state.test(EntityState::Stored)) m_history.markModified();
+
+    state.die();
+    EntityAccess::strongCount(entity, entity.refCount() + 1); // hooks' references don't end it again
+    // A deletion can't be refused: what its hooks throw is dropped, but for a replay, which passes it on.
+    try {
+        entity.segment()->entityEventSource()->tellPreDelete(entity, transact);
+        EntityAccess::tellPreDeletion(entity, transact);
+    } catch (...) {
+        if (m_history.isReplaying()) hookThrew();
+    }
+    layout.dropStrong(entity);
+    EntityAccess::leave(m_asset, entity);
+    EntityAccess::suspendPassive(entity);
+    state.depart();
+    // Members that open brackets keep may lead to it, and become a record that names it.
+    if (begin > 0) wait(entity);
+    bool const isGood = entomb(entity, begin, mayReturn && state.names() > 0, std::move(tomb));
+    EntityAccess::strongCount(entity, entity.refCount() - 1);
+    if (state.names() == 0)
+        finish(entity);
+    else
+        account(entity, true);
+    if (isGood) return;
+    if (m_history.isReplaying()) throw std::bad_alloc();
+    m_history.lose();
+}
+
+bool Lifetimes::entomb(Entity & entity, std::size_t begin, bool mayReturn,
+                       std::unique_ptr<Tomb> tomb) {
+    WordBuffer & scratch = m_recorder.scratch();
+    auto const & leaves = leavesOf(entity);
+    std::uint64_t * const words = scratch.data();
+    std::size_t const end = scratch.size();
+    std::size_t kept = begin; // the differences move together at the beginning
+    for (std::size_t place = begin; place < end;) {
+        std::size_t const count = 1 + entryWords(words[place]);
+        Leaf const & leaf = leaves[entryLeaf(words[place])];
+        std::uint64_t const * value = words + place + 1;
+        bool const same = isKept(leaf, field(entity, leaf), value);
+        if (same || !mayReturn) {
+            visitStrong(leaf, words + place + 1, forgetIn, this);
+            std::uint64_t * released = words + place + 1;
+            release(leaf, released);
+        } else {
+            std::memmove(words + kept, words + place, count * sizeof(*words));
+            kept += count;
+        }
+        place += count;
+    }
+    scratch.truncate(kept);
+    if (kept == begin) return true;
+    if (tomb && tomb->m_words.reserve(kept - begin)) {
+        tomb->m_words.push(words + begin, kept - begin);
+        tomb->m_bytes = sizeof(Tomb) + tomb->m_words.heapBytes();
+        tomb->m_pEntity = &entity;
+        try {
+            Tomb & made = *m_tombs.try_emplace(&entity, std::move(tomb)).first->second;
+            m_bytes += made.m_bytes;
+            stateOf(entity).set(EntityState::Entombed);
+            scratch.truncate(begin);
+            return true;
+        } catch (std::bad_alloc const &) { // the words are still in the scratch too
+        }
+    }
+    visitEntries(leaves, scratch.data() + begin, scratch.data() + kept, forgetIn, this);
+    releaseEntries(leaves, scratch, begin);
+    return false;
+}
+
+void Lifetimes::unmake(Entity & entity) {
+    EntityState & state = stateOf(entity);
+    if (state.phase() == EntityState::Orphaned) state.adopt();
+    kill(entity, DataChange::TransactReplay);
+}
+
+void Lifetimes::wait(Entity & entity) noexcept {
+    try {
+        m_waiting.push_back(&entity);
+        stateOf(entity).name();
+    } catch (std::bad_alloc const &) {
+        m_history.lose(); // then nothing that was kept becomes a record
+    }
+}
+
+void Lifetimes::bracketsClosed() noexcept {
+    if (m_waiting.empty()) return;
+    Dropping const dropping(*this);
+    for (Entity * const entity : std::exchange(m_waiting, {})) forget(*entity);
+}
+
+void Lifetimes::bracketClosed(Entity & entity) noexcept {
+    EntityState const & state = stateOf(entity);
+    if (!state.isAlive() && state.names() == 0 && !state.test(EntityState::Entombed)) end(entity);
+}
+
+void Lifetimes::forget(Entity & entity) noexcept {
+    EntityState & state = stateOf(entity);
+    if (state.unname() || state.phase() != EntityState::Dead) return;
+    account(entity, false);
+    finish(entity);
+}
+
+void Lifetimes::finish(Entity & entity) noexcept {
+    EntityState & state = stateOf(entity);
+    if (state.test(EntityState::Entombed)) {
+        auto const i = m_tombs.find(&entity);
+        std::unique_ptr<Tomb> tomb = std::move(i->second);
+        m_tombs.erase(i);
+        return giveUp(std::move(tomb)); // which ends the entity
+    }
+    end(entity);
+}
+
+void Lifetimes::end(Entity & entity) noexcept {
+    EntityState & state = stateOf(entity);
+    if (entity.refCount()) {
+        if (state.phase() == EntityState::Dead) state.forget();
+        return EntityAccess::abandon(m_asset, entity);
+    }
+    if (state.test(EntityState::Changing)) return; // its brackets refer to it
+    state.end();
+    delete &entity;
+}
+
+// One after the other, however deep what they lead to is nested.
+void Lifetimes::giveUp(std::unique_ptr<Tomb> tomb) noexcept {
+    tomb->m_pNext = std::move(m_pGivenUp);
+    m_pGivenUp = std::move(tomb);
+    if (std::exchange(m_bGivingUp, true)) return;
+    while (std::unique_ptr<Tomb> const next = std::move(m_pGivenUp)) {
+        m_pGivenUp = std::move(next->m_pNext);
+        Entity & entity = *next->m_pEntity;
+        auto const & leaves = leavesOf(entity);
+        WordBuffer & words = next->m_words;
+        discharge(next->m_bytes);
+        visitEntries(leaves, words.data(), words.data() + words.size(), forgetIn, this);
+        releaseEntries(leaves, words, 0);
+        stateOf(entity).clear(EntityState::Entombed);
+        end(entity);
+    }
+    m_bGivingUp = false;
+}
+
+void Lifetimes::account(Entity const & entity, bool isKept) noexcept {
+    std::size_t bytes = 0;
+    try {
+        bytes = entity.metaType()->instanceSize() + EntityAccess::sizeInBytes(entity);
+    } catch (...) { // it is left out
+    }
+    if (isKept) {
+        ++m_kept;
+        m_bytes += bytes;
+        return;
+    }
+    discharge(bytes);
+    // What callers changed in the dead meanwhile isn't carried on for good.
+    if (--m_kept == 0 && m_tombs.empty()) m_bytes = 0;
+}
+
+void Lifetimes::discharge(std::size_t bytes) noexcept { m_bytes -= std::min(m_bytes, bytes); }
+
+// --- Returns -----------------------------------------------------------------------------------
+
+void Lifetimes::revive(Entity & entity) {
+    std::size_t i = m_revived.size();
+    reviveOne(entity);
+    for (; i < m_revived.size(); ++i) openTomb(*m_revived[i]);
+}
+
+void Lifetimes::reviveOne(Entity & entity) {
+    m_revived.emplace_back(&entity);
+    EntityAccess::enter(m_asset, entity);
+    account(entity, false);
+    stateOf(entity).revive();
+    EntityAccess::restorePassive(entity);
+    EntityAccess::markDirty(m_asset, entity);
+}
+
+void Lifetimes::openTomb(Entity & entity) {
+    EntityState & state = stateOf(entity);
+    if (!state.test(EntityState::Entombed)) return;
+    auto const & leaves = leavesOf(entity);
+    auto const i = m_tombs.find(&entity);
+    WordBuffer & words = i->second->m_words;
+    for (std::uint64_t const * place = words.data(), * const end = place + words.size(); place < end;) {
+        Leaf const & leaf = leaves[entryLeaf(*place++)];
+        visitStrong(
+            leaf, place,
+            [](void * context, Entity & owned) {
+                EntityState const & its = stateOf(owned);
+                if (its.phase() == EntityState::Dead && !its.test(EntityState::Unmade))
+                    static_cast<Lifetimes *>(context)->reviveOne(owned);
+            },
+            this);
+        restore(leaf, field(entity, leaf), place);
+    }
+    visitEntries(leaves, words.data(), words.data() + words.size(),
+                 [](void *, Entity & owned) { stateOf(owned).unname(); }, nullptr);
+    releaseEntries(leaves, words, 0);
+    discharge(i->second->m_bytes);
+    m_tombs.erase(i);
+    state.clear(EntityState::Entombed);
+}
+
+void Lifetimes::tellRevived() {
+    for (; m_toldRevived < m_revived.size(); ++m_toldRevived) {
+        try {
+            m_revived[m_toldRevived]->postCreation(DataChange::TransactReplay);
+        } catch (...) {
+            hookThrew();
+        }
+    }
+}
+
+void Lifetimes::settle() {
+    m_revived.clear();
+    m_toldRevived = 0;
+    endOrphans(DataChange::TransactReplay);
+}
+
+void Lifetimes::breakOff() noexcept {
+    m_revived.clear();
+    m_toldRevived = 0;
+    forgetHook();
+}
+
+void Lifetimes::clear() noexcept {
+    // What is left leads round in circles.
+    while (!m_tombs.empty()) {
+        auto const i = m_tombs.begin();
+        std::unique_ptr<Tomb> const tomb = std::move(i->second);
+        m_tombs.erase(i);
+        auto const & leaves = leavesOf(*tomb->m_pEntity);
+        WordBuffer & words = tomb->m_words;
+        discharge(tomb->m_bytes);
+        stateOf(*tomb->m_pEntity).clear(EntityState::Entombed);
+        visitEntries(leaves, words.data(), words.data() + words.size(), forgetIn, this);
+        releaseEntries(leaves, words, 0);
+    }
+}
+
+void Lifetimes::hookThrew() noexcept {
+    if (!m_hookFailure) m_hookFailure = std::current_exception();
+}
+
+void Lifetimes::rethrowOfHook() {
+    if (std::exception_ptr const failure = std::exchange(m_hookFailure, nullptr))
+        std::rethrow_exception(failure);
+}
+
+} // namespace Vn::DataModel

@@ -1,0 +1,133 @@
+#include "Platform/DataModel/Log/LogEntriesInternal.h"
+
+#include <new>
+
+#include "Platform/DataModel/Log/EntityAccessInternal.h"
+#include "Platform/DataModel/Log/LifetimesInternal.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/Segment.h"
+
+namespace Vn::DataModel {
+
+namespace {
+
+std::vector<Leaf> const & leavesOf(Entity & entity) { return entity.metaType()->layout().leaves(); }
+
+void name(void *, Entity & entity) { EntityAccess::state(entity).name(); }
+
+} // namespace
+
+void releaseEntries(std::vector<Leaf> const & leaves, WordBuffer & words, std::size_t begin) noexcept {
+    std::uint64_t const * const end = words.data() + words.size();
+    for (std::uint64_t * i = words.data() + begin; i < end;) {
+        Leaf const & leaf = leaves[entryLeaf(*i++)];
+        release(leaf, i);
+    }
+    words.truncate(begin);
+}
+
+void visitEntries(std::vector<Leaf> const & leaves, std::uint64_t const * begin,
+                  std::uint64_t const * end, VisitEntity visit, void * context) {
+    for (; begin < end; begin += 1 + entryWords(*begin))
+        visitStrong(leaves[entryLeaf(*begin)], begin + 1, visit, context);
+}
+
+Record continued(Entity & entity, ChangeLog & log) {
+    EntityState const & state = EntityAccess::state(entity);
+    Record record;
+    record.m_pEntity = &entity;
+    record.m_previous = state.record();
+    record.m_previousLog = state.log();
+    if (state.isIn(log.number())) {
+        Record const & last = log.record(state.record());
+        record.m_leaves = last.m_leaves;
+        record.m_bBorn = last.m_bBorn;
+    }
+    return record;
+}
+
+void append(ChangeLog & log, std::size_t begin, Record const & record) {
+    std::size_t const end = log.close(begin, record);
+    visitNames(log, end, name, nullptr);
+    EntityAccess::state(*record.m_pEntity)
+        .place(log.number(), static_cast<std::uint32_t>(end));
+}
+
+void visitNames(ChangeLog & log, std::size_t end, VisitEntity visit, void * context) {
+    Record const & record = log.record(end);
+    if (log.isOwning()) {
+        std::uint64_t const * const words = log.payload(end);
+        switch (record.m_kind) {
+        case ERecord::Changed:
+            visitEntries(leavesOf(*record.m_pEntity), words, words + record.m_words, visit, context);
+            break;
+        case ERecord::Erased:
+            visitStrongElements(leavesOf(*record.m_pEntity)[static_cast<std::size_t>(words[0])],
+                                static_cast<std::size_t>(words[2]), words + 3, visit, context);
+            break;
+        case ERecord::Root:
+            if (record.m_leaves)
+                visit(context, *reinterpret_cast<Entity *>(
+                                   static_cast<std::uintptr_t>(record.m_leaves)));
+            break;
+        default: break;
+        }
+    }
+    if (record.m_pEntity) visit(context, *record.m_pEntity);
+}
+
+void drop(ChangeLog & log, Lifetimes & lifetimes) noexcept {
+    if (log.empty()) return log.reset(0);
+    auto const forget = [](void * context, Entity & entity) {
+        static_cast<Lifetimes *>(context)->forget(entity);
+    };
+    Lifetimes::Dropping const dropping(lifetimes);
+    for (std::size_t end = log.end(); end; end = log.before(end)) {
+        prefetchEntity(log, log.before(end));
+        Record const & record = log.record(end);
+        if (log.isOwning() && record.m_pEntity) {
+            auto const & leaves = leavesOf(*record.m_pEntity);
+            std::uint64_t * words = log.payload(end);
+            if (record.m_kind == ERecord::Changed) {
+                std::uint64_t * const wordsEnd = words + record.m_words;
+                visitEntries(leaves, words, wordsEnd, forget, &lifetimes);
+                while (words < wordsEnd) {
+                    std::size_t const i = entryLeaf(*words++);
+                    release(leaves[i], words);
+                }
+            } else if (record.m_kind == ERecord::Erased) {
+                Leaf const & leaf = leaves[static_cast<std::size_t>(words[0])];
+                auto const count = static_cast<std::size_t>(words[2]);
+                visitStrongElements(leaf, count, words + 3, forget, &lifetimes);
+                words += 3;
+                releaseElements(leaf, count, words);
+            }
+        } else if (record.m_kind == ERecord::Root && record.m_leaves)
+            lifetimes.forget(
+                *reinterpret_cast<Entity *>(static_cast<std::uintptr_t>(record.m_leaves)));
+        if (record.m_pEntity) lifetimes.forget(*record.m_pEntity);
+    }
+    log.reset(0);
+}
+
+void recordRoot(ChangeLog & log, Segment & segment, std::string const & key, std::size_t place,
+                Entity * old) {
+    std::size_t const keyWords = (key.size() + 7) / 8;
+    if (!log.words().reserve(3 + keyWords + c_recordWords)) throw std::bad_alloc();
+    if (!segment.isTransient()) log.persistent();
+    std::size_t const begin = log.end();
+    std::uint64_t * const payload = log.words().append(3 + keyWords);
+    payload[0] = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&segment));
+    payload[1] = place;
+    payload[2] = key.size();
+    std::memcpy(payload + 3, key.data(), key.size());
+    Record record;
+    record.m_pEntity = nullptr; // the chains of entities don't run through roots
+    record.m_kind = ERecord::Root;
+    record.m_leaves = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(old));
+    log.owning();
+    log.mixed();
+    visitNames(log, log.close(begin, record), name, nullptr);
+}
+
+} // namespace Vn::DataModel

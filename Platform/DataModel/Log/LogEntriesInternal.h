@@ -1,0 +1,70 @@
+// What the recorder and the replay share: how records are written to a log, and given up.
+
+#ifndef VN_PLATFORM_DATAMODEL_LOG_LOGENTRIESINTERNAL_H
+#define VN_PLATFORM_DATAMODEL_LOG_LOGENTRIESINTERNAL_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Platform/DataModel/Log/ChangeLogInternal.h"
+#include "Platform/DataModel/MemberLayoutInternal.h"
+
+namespace Vn {
+class Segment;
+}
+
+namespace Vn::DataModel {
+
+class Lifetimes;
+
+// Whether a leaf stands in a mask of leaves, and putting it there.
+inline bool isRecorded(std::uint64_t leaves, std::size_t leaf) noexcept {
+    return leaf < c_maskedLeaves && (leaves >> leaf & 1);
+}
+inline void note(std::uint64_t & leaves, std::size_t leaf) noexcept {
+    if (leaf < c_maskedLeaves) leaves |= std::uint64_t{1} << leaf;
+}
+
+// The head of a value in a Changed record.
+inline std::uint64_t entry(std::size_t leaf, std::size_t words) noexcept {
+    return leaf | static_cast<std::uint64_t>(words) << 32;
+}
+inline std::size_t entryLeaf(std::uint64_t head) noexcept { return head & 0xFFFFFFFFU; }
+inline std::size_t entryWords(std::uint64_t head) noexcept { return head >> 32; }
+
+// Takes values with their heads back, which stand at the end of `words` from `begin` on.
+void releaseEntries(std::vector<Leaf> const & leaves, WordBuffer & words, std::size_t begin) noexcept;
+// Calls `visit` with each entity that strong references in such values lead to.
+void visitEntries(std::vector<Leaf> const & leaves, std::uint64_t const * begin,
+                  std::uint64_t const * end, VisitEntity visit, void * context);
+
+// A record that goes on where the last about the entity in the log ended, and its place there.
+Record continued(Entity & entity, ChangeLog & log);
+// Writes the record behind its payload, which begins at `begin`.  It names what the payload leads to, and
+// its entity, whose place it becomes.
+void append(ChangeLog & log, std::size_t begin, Record const & record);
+// Calls `visit` with each entity that a record names, its own last.
+void visitNames(ChangeLog & log, std::size_t end, VisitEntity visit, void * context);
+// Gives a log up: what its words own is released, and what it names is named no more.
+void drop(ChangeLog & log, Lifetimes & lifetimes) noexcept;
+
+// Records that a root is about to change.  `old` is the present one, or null; `place` is its place, or where it
+// would be.
+void recordRoot(ChangeLog & log, Segment & segment, std::string const & key, std::size_t place,
+                Entity * old);
+
+// Fetches the entity of a record into the cache, while something else is looked at.  A call that isn't
+// inlined would be dropped, since it changes nothing.
+[[gnu::always_inline]] inline void prefetchEntity(ChangeLog & log, std::size_t end) noexcept {
+    if (!end) return;
+    auto const entity = reinterpret_cast<std::uintptr_t>(log.record(end).m_pEntity);
+    constexpr std::uintptr_t c_line = 64;
+    for (std::uintptr_t i = 0; i < 3; ++i)
+        __builtin_prefetch(reinterpret_cast<void const *>(entity + i * c_line));
+}
+
+} // namespace Vn::DataModel
+
+#endif
