@@ -61,9 +61,9 @@ void Lifetimes::orphaned(Entity & entity) noexcept {
     switch (state.phase()) {
     case EntityState::Alive: break;
     case EntityState::Dead:
+    case EntityState::Forgotten: // which a record may name again, if something owned it all the same
         if (state.names() == 0 && !state.test(EntityState::Entombed)) end(entity);
         return;
-    case EntityState::Forgotten: return end(entity);
     default: return;
     }
     state.orphan();
@@ -256,8 +256,8 @@ void Lifetimes::bracketClosed(Entity & entity) noexcept {
 
 void Lifetimes::forget(Entity & entity) noexcept {
     EntityState & state = stateOf(entity);
-    if (state.unname() || state.phase() != EntityState::Dead) return;
-    account(entity, false);
+    if (state.unname() || state.isAlive()) return;
+    if (state.phase() == EntityState::Dead) account(entity, false);
     finish(entity);
 }
 
