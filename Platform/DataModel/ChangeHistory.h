@@ -170,6 +170,7 @@ private:
     bool commit();
     void abort();
     void join(DataModel::ChangeLog & log, DataModel::ChangeLog & around);
+    void tellCommitted(DataModel::ChangeLog & log);
 
     Status move(bool undoing);
     void replay(Step & step, bool undoing);
@@ -199,6 +200,7 @@ private:
     std::unique_ptr<DataModel::Recorder> const m_pRecorder;
     std::unique_ptr<DataModel::Lifetimes> const m_pLifetimes;
     std::unique_ptr<DataModel::ChangeLog> m_pSpare; // for the next inverse
+    std::unique_ptr<char[]> m_pReserve; // memory for an abort
     std::shared_ptr<std::wstring const> m_pName; // of the step begun last
     std::vector<std::unique_ptr<Step>> m_open;
     Steps m_undo;
@@ -206,6 +208,8 @@ private:
     bool m_bReplaying = false;
     bool m_bUsable = true;
     bool m_bModified = false; // beside the steps
+    bool m_bClearLater = false; // once the hooks of a commit have been told
+    unsigned m_telling = 0;     // commits whose hooks are being told
     std::size_t m_stepLimit = 0;
     std::size_t m_byteLimit = std::size_t{1} << 30;
     std::size_t m_bytes = 0; // of the steps in m_undo and m_redo

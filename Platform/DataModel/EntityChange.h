@@ -112,12 +112,7 @@ private:
 
 // Says that the brackets that open on an entity within this scope change a vector member only at the
 // places that are told here.  Without it a bracket keeps a copy of the vector, whose cost follows
-// its length; with it the cost follows the change.
-//
-//     MemberSplices splices(*this, &m_children);
-//     EntityChange change(this, ...);
-//     m_children.push_back(child);
-//     splices.inserted(m_children.size() - 1);
+// its length; with it the cost follows the change.  ListChange puts the two together.
 class VN_DATAMODEL_API MemberSplices {
 public:
     // `member` is the address of the member in the entity.
@@ -139,6 +134,34 @@ private:
     ChangeHistory * const m_pHistory;
     MemberSplices * m_pEnclosing = nullptr;
     int m_leaf = -1;
+};
+
+// A change of a list: a bracket, and the places at which a vector member of the entity changes.
+//
+//     ListChange change(this, &m_children, DataChange::ChangeChildren, &details);
+//     m_children.push_back(child);
+//     change.inserted(m_children.size() - 1);
+//
+// The bracket tells before it tells after, as any; what a hook makes of the list in between, by a
+// declaration of its own, is recorded in its turn.
+class VN_DATAMODEL_API ListChange {
+public:
+    // `member` is the address of the vector in the entity, which changes only where it is told below.  The
+    // change is direct, told before and after, and can be undone; `details` as for EntityChange.  Throws
+    // std::bad_alloc if there is no memory for the record, and nothing has changed then.
+    ListChange(Entity * entity, void const * member, DataChange::EChangeType type,
+               DataChange * details)
+        : m_splices(*entity, member),
+          m_change(entity, DataChange::TransactDirect, type, DataChange::TimingPreAndPost, details,
+                   true) {}
+
+    // As those of MemberSplices: said right after elements were inserted, and right before they go.
+    void inserted(std::size_t index, std::size_t count = 1) { m_splices.inserted(index, count); }
+    void erasing(std::size_t index, std::size_t count = 1) { m_splices.erasing(index, count); }
+
+private:
+    MemberSplices m_splices;
+    EntityChange m_change;
 };
 
 } // namespace Vn

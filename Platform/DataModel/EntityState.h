@@ -49,7 +49,8 @@ public:
         Migrating = 32, // marked for the last steps of a migration
         Versions = 64,  // has versions that it is migrated from
         Dirty = 128,    // differs from what was last saved, and is listed to be saved
-        Stored = 256    // stands in the file
+        Stored = 256,   // stands in the file
+        Returned = 512  // was revived by the replay that is running
     };
 
     // The phase, and whether that is one in the document.

@@ -20,6 +20,7 @@ std::string idText(unsigned long long id) { return std::to_string(id); }
 
 } // namespace
 
+// What is let go may end, which is told here too: the list is in order before.
 void DocumentWalk::Keeper::keep(Entity * entity) {
     switch (m_walk.below(6)) {
     case 0:
@@ -30,9 +31,15 @@ void DocumentWalk::Keeper::keep(Entity * entity) {
             thing && !thing->m_children.empty() && m_kept.size() < c_mostHeld)
             m_kept.emplace_back(thing->m_children.front().get());
         break;
-    case 2: m_kept.clear(); break;
+    case 2: {
+        auto const all = std::exchange(m_kept, {});
+        break;
+    }
     case 3:
-        if (!m_kept.empty()) m_kept.erase(m_kept.begin());
+        if (!m_kept.empty()) {
+            StrongRef<Entity> const last = std::move(m_kept.back());
+            m_kept.pop_back();
+        }
         break;
     default: break;
     }
@@ -407,7 +414,8 @@ bool DocumentWalk::check() {
     for (Id const id : m_unowned) reach(id, reached);
     for (Entity * const entity : m_rAsset->allEntities()) {
         if (!reached.contains(entity->id()))
-            return fail("entity " + idText(entity->id()) + " is alive without an owner");
+            return fail("entity " + idText(entity->id()) + " is alive without an owner, by "
+                        + std::to_string(entity->refCount()) + " references");
         auto const node = m_model.m_nodes.find(entity->id());
         if (node == m_model.m_nodes.end())
             return fail("entity " + idText(entity->id()) + " isn't made yet");

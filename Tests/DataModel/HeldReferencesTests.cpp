@@ -261,9 +261,12 @@ TEST(DocumentWalkTests, theLawsHoldWhateverIsHeld) {
         std::mt19937 random(seed);
         DocumentWalk walk([&](unsigned limit) { return static_cast<unsigned>(random() % limit); },
                           whyNoFiles().empty() ? file.path() : std::filesystem::path());
-        for (int i = 0; i < 300; ++i)
-            ASSERT_TRUE(walk.step()) << "seed " << seed << ", step " << i << ": " << walk.did()
-                                     << "\nbroken: " << walk.wrong();
+        std::string way; // what was done
+        for (int i = 0; i < 300; ++i) {
+            bool const good = walk.step();
+            way += std::to_string(i) + ": " + walk.did() + '\n';
+            ASSERT_TRUE(good) << "seed " << seed << "\n" << way << "broken: " << walk.wrong();
+        }
     }
 }
 

@@ -131,7 +131,10 @@ public:
             Transaction transaction(asset(), L"more");
             makeChild();
             root().change([&] { root().m_children.clear(); });
-            kept ? transaction.commit() : transaction.abort();
+            if (kept)
+                transaction.commit();
+            else
+                transaction.abort();
         }
     }
 
@@ -262,7 +265,10 @@ std::vector<Work> const & works() {
                      scene.root().m_children.erase(scene.root().m_children.begin());
                      scene.root().m_texts.pop_back();
                  });
-                 kept ? within.commit() : within.abort();
+                 if (kept)
+                     within.commit();
+                 else
+                     within.abort();
              }
          }},
         {"brackets within brackets", [](Scene & scene) {

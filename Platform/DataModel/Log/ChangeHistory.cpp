@@ -23,6 +23,9 @@ namespace {
 // A spare log that has grown larger is given back.
 constexpr std::size_t c_spareBytes = 65536;
 
+// What is set aside so that a transaction can be taken back once memory has run out.
+constexpr std::size_t c_reserveBytes = 65536;
+
 } // namespace
 
 ChangeHistory::ChangeHistory(Asset & asset)
@@ -41,6 +44,7 @@ Status ChangeHistory::move(bool undoing) {
     if (isInTransaction()) return Status::invalidArgument(operation, {}, "a transaction is open");
     if (m_pLifetimes->isKilling() || m_pLifetimes->isDropping())
         return Status::invalidArgument(operation, {}, "an entity is being deleted");
+    if (m_telling) return Status::invalidArgument(operation, {}, "a transaction is ending");
     Steps & from = undoing ? m_undo : m_redo;
     Steps & to = undoing ? m_redo : m_undo;
     if (from.empty())
@@ -48,8 +52,12 @@ Status ChangeHistory::move(bool undoing) {
                                                        : "there is nothing to redo");
     // What may be refused comes first: room for the step in its new place, and for the inverse of a mixed
     // log, which is used again and again.
-    if (!m_pSpare) m_pSpare = std::make_unique<ChangeLog>(0);
-    to.push_back(nullptr);
+    try {
+        if (!m_pSpare) m_pSpare = std::make_unique<ChangeLog>(0);
+        to.push_back(nullptr);
+    } catch (std::bad_alloc const &) {
+        return Status(StatusOutOfMemory, operation);
+    }
     to.back() = std::move(from.back());
     from.pop_back();
     // Steps are often taken one after the other.
@@ -72,13 +80,16 @@ Status ChangeHistory::move(bool undoing) {
 void ChangeHistory::replay(Step & step, bool undoing) {
     ChangeLog & log = step.m_log;
     Replaying const replaying(m_bReplaying);
-    if (!log.isMixed())
-        return Replay(m_asset, *m_pRecorder, *m_pLifetimes, log, &log).exchange(undoing);
+    if (!log.isMixed()) {
+        Replay(m_asset, *m_pRecorder, *m_pLifetimes, log, &log).exchange(undoing);
+        return m_pLifetimes->tellTransacted(log, DataChange::TransactReplay);
+    }
     // The inverse is written to a log that is used again and again, and then changes places.
     m_pSpare->reset(nextLogNumber());
     m_pSpare->mixed();
     Replay(m_asset, *m_pRecorder, *m_pLifetimes, log, m_pSpare.get()).restore();
     if (log.isPersistent()) m_pSpare->persistent();
+    m_pLifetimes->tellTransacted(*m_pSpare, DataChange::TransactReplay);
     log.swap(*m_pSpare);
     log.words().trim();
     DataModel::drop(*m_pSpare, *m_pLifetimes);
@@ -109,6 +120,10 @@ std::vector<std::wstring> ChangeHistory::redoNames() const {
 
 void ChangeHistory::clear() {
     if (m_bReplaying || isInTransaction() || m_pLifetimes->isKilling()) return;
+    if (m_telling) {
+        m_bClearLater = true;
+        return;
+    }
     if (m_undo.empty() && m_redo.empty()) return;
     m_baseState = state();
     Lifetimes::Dropping const dropping(*m_pLifetimes);
@@ -150,7 +165,7 @@ std::size_t ChangeHistory::bytes() const noexcept {
 }
 
 void ChangeHistory::enforceLimits() {
-    if (m_pLifetimes->isKilling()) return;
+    if (m_pLifetimes->isKilling() || m_telling) return;
     while (m_undo.size() > 1
            && ((m_stepLimit && m_undo.size() > m_stepLimit)
                || (m_byteLimit && m_bytes + m_pLifetimes->bytes() > m_byteLimit))) {
@@ -202,6 +217,7 @@ void ChangeHistory::changedUnrecorded() noexcept {
         || EntityAccess::isClosing(m_asset) || isInTransaction())
         return;
     if (m_pLifetimes->isKilling()) return markModified(); // of a death that comes after its step
+    if (m_telling) markModified(); // the steps go once all are told
     clear();
     m_baseState = ++m_lastState;
 }
@@ -221,6 +237,7 @@ bool ChangeHistory::begin(std::wstring_view name) {
     if (!m_pName || *m_pName != name) m_pName = std::make_shared<std::wstring const>(name);
     m_open.push_back(std::make_unique<Step>(m_pName, nextLogNumber(), m_pRecorder->log()));
     m_pRecorder->log(&m_open.back()->m_log);
+    if (!m_pReserve) m_pReserve.reset(new (std::nothrow) char[c_reserveBytes]);
     return true;
 }
 
@@ -250,8 +267,23 @@ bool ChangeHistory::commit() {
     step.m_state = log.isPersistent() ? ++m_lastState : before;
     m_bytes += log.bytes();
     dropRedo();
+    tellCommitted(log);
     enforceLimits();
     return true;
+}
+
+// What hooks change now is no part of the transaction; while they are told the log stays.
+void ChangeHistory::tellCommitted(ChangeLog & log) {
+    struct Telling {
+        explicit Telling(ChangeHistory & history) noexcept : m_history(history) { ++m_history.m_telling; }
+        ~Telling() {
+            if (--m_history.m_telling == 0 && std::exchange(m_history.m_bClearLater, false))
+                m_history.clear();
+        }
+        ChangeHistory & m_history;
+    };
+    Telling const telling(*this);
+    m_pLifetimes->tellTransacted(log, DataChange::TransactDirect);
 }
 
 // The log becomes a part of the one around it, whose number and places its records take.
@@ -278,6 +310,7 @@ void ChangeHistory::abort() {
     std::unique_ptr<Step> const step = std::move(m_open.back());
     m_open.pop_back();
     m_pRecorder->log(nullptr);
+    m_pReserve.reset();
     try {
         if (m_pRecorder->takeLost()) throw std::bad_alloc(); // what was recorded isn't all
         Replaying const replaying(m_bReplaying);
@@ -334,16 +367,19 @@ void ChangeHistory::dropAll(ChangeLog * last) noexcept {
 }
 
 void ChangeHistory::lose() noexcept {
-    dropAll(nullptr);
+    if (m_telling)
+        m_bClearLater = true;
+    else
+        dropAll(nullptr);
     if (isInTransaction()) m_pRecorder->lost();
 }
 
 void ChangeHistory::giveUp(ChangeLog * log, ChangeLog * inverse) noexcept {
     m_bUsable = false;
     Lifetimes::Dropping const dropping(*m_pLifetimes);
+    m_pLifetimes->breakOff();
     dropAll(log);
     if (inverse) DataModel::drop(*inverse, *m_pLifetimes);
-    m_pLifetimes->breakOff();
 }
 
 } // namespace Vn

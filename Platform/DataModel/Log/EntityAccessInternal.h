@@ -23,6 +23,10 @@ public:
     }
     static void suspendPassive(Entity & entity) noexcept { entity.suspendPassive(); }
     static void restorePassive(Entity & entity) noexcept { entity.restorePassive(); }
+    static void tellPreDelete(Entity & entity) { entity.onPreDelete(); }
+    static void tellTransacted(Entity & entity, bool came, DataChange::ETransact transact) {
+        came ? entity.onPostTransactCreation(transact) : entity.onPostTransactChange(transact);
+    }
     static void tellPreDeletion(Entity & entity, DataChange::ETransact transact) {
         entity.onPreDeletion(transact);
     }

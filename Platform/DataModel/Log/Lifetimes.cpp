@@ -97,7 +97,7 @@ void Lifetimes::endOrphans(DataChange::ETransact transact) {
         state.adopt();
         if (entity.refCount()) return;
         try {
-            kill(entity, transact);
+            kill(entity, transact, false);
         } catch (...) { // memory ran out, before anything happened to it or after all had
             if (state.isAlive()) state.orphan();
             throw;
@@ -131,13 +131,13 @@ void Lifetimes::killLeftOrphans() noexcept {
     killOrphans(DataChange::TransactDirect);
 }
 
-void Lifetimes::kill(Entity & entity, DataChange::ETransact transact) {
+void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isForGood) {
     EntityState & state = stateOf(entity);
     MemberLayout const & layout = entity.metaType()->layout();
     WordBuffer & scratch = m_recorder.scratch();
     std::size_t const begin = scratch.size();
-    // Without a log that is open or names it, nothing leads back.
-    bool mayReturn = state.names() > 0 || m_recorder.log() != nullptr;
+    // Without a log that is open or names it, nothing leads back, nor does anything after an abort.
+    bool mayReturn = !isForGood && (state.names() > 0 || m_recorder.log() != nullptr);
     std::unique_ptr<Tomb> tomb;
     if (mayReturn) {
         try {
@@ -165,6 +165,7 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact) {
     // A deletion can't be refused: what its hooks throw is dropped, but for a replay, which passes it on.
     try {
         entity.segment()->entityEventSource()->tellPreDelete(entity, transact);
+        EntityAccess::tellPreDelete(entity);
         EntityAccess::tellPreDeletion(entity, transact);
     } catch (...) {
         if (m_history.isReplaying()) hookThrew();
@@ -228,10 +229,10 @@ bool Lifetimes::entomb(Entity & entity, std::size_t begin, bool mayReturn,
     return false;
 }
 
-void Lifetimes::unmake(Entity & entity) {
+void Lifetimes::unmake(Entity & entity, bool isForGood) {
     EntityState & state = stateOf(entity);
     if (state.phase() == EntityState::Orphaned) state.adopt();
-    kill(entity, DataChange::TransactReplay);
+    kill(entity, DataChange::TransactReplay, isForGood);
 }
 
 void Lifetimes::wait(Entity & entity) noexcept {
@@ -334,6 +335,7 @@ void Lifetimes::reviveOne(Entity & entity) {
     account(entity, false);
     stateOf(entity).revive();
     EntityAccess::restorePassive(entity);
+    stateOf(entity).set(EntityState::Returned);
     EntityAccess::markDirty(m_asset, entity);
 }
 
@@ -374,12 +376,49 @@ void Lifetimes::tellRevived() {
 }
 
 void Lifetimes::settle() {
+    m_returned.reserve(m_revived.size());
+    for (StrongRef<Entity> const & revived : m_revived) m_returned.push_back(revived.get());
     m_revived.clear();
     m_toldRevived = 0;
     endOrphans(DataChange::TransactReplay);
 }
 
+void Lifetimes::tellTransacted(ChangeLog & log, DataChange::ETransact transact) {
+    bool const isReplay = m_history.isReplaying();
+    auto const tell = [&](Entity & entity, bool came) {
+        try {
+            EntityAccess::tellTransacted(entity, came, transact);
+        } catch (...) {
+            if (!isReplay) throw;
+            hookThrew();
+        }
+    };
+    constexpr std::size_t c_ahead = 4;
+    std::size_t ahead = log.end();
+    for (std::size_t i = 0; i < c_ahead && ahead; ++i) ahead = log.before(ahead);
+    for (std::size_t end = log.end(); end; end = log.before(end)) {
+        if (ahead) {
+            prefetchEntity(log, ahead);
+            ahead = log.before(ahead);
+        }
+        Record const & record = log.record(end);
+        if (!record.m_pEntity || !record.m_pEntity->isAlive()) continue;
+        EntityState const & state = stateOf(*record.m_pEntity);
+        // The last record about it, so that it is told once.
+        if (!state.isIn(log.number()) || state.record() != end) continue;
+        if (!state.test(EntityState::Returned)) tell(*record.m_pEntity, record.m_bBorn);
+    }
+    for (std::size_t i = 0; i < m_returned.size(); ++i) {
+        stateOf(*m_returned[i]).clear(EntityState::Returned);
+        if (m_returned[i]->isAlive()) tell(*m_returned[i], true);
+    }
+    m_returned.clear();
+}
+
 void Lifetimes::breakOff() noexcept {
+    for (StrongRef<Entity> const & revived : m_revived) stateOf(*revived).clear(EntityState::Returned);
+    for (Entity * const returned : m_returned) stateOf(*returned).clear(EntityState::Returned);
+    m_returned.clear();
     m_revived.clear();
     m_toldRevived = 0;
     forgetHook();

@@ -63,14 +63,17 @@ public:
     // A name of an entity is given up.  The object goes if nothing else leads to it.
     void forget(Entity & entity) noexcept;
 
-    // For a replay.  Ends a living entity whose making is undone.
-    void unmake(Entity & entity);
+    // For a replay.  Ends a living entity whose making is undone; for good if no redo can bring it back.
+    void unmake(Entity & entity, bool isForGood);
     // Brings a dead entity back, with all that it owned.  Those that are unmade stay dead.
     void revive(Entity & entity);
     // Tells those that came back since the last call, but no more than once.
     void tellRevived();
     // Ends what has no owner at the end of a replay.
     void settle();
+    // Tells each entity that has a record in a log of the transaction or replay that is over, and each that
+    // came back by it.  What a hook of a replay throws is kept.
+    void tellTransacted(ChangeLog & log, DataChange::ETransact transact);
 
     // Keeps the first exception that a hook of a replay throws, until the replay is complete.
     void hookThrew() noexcept;
@@ -112,7 +115,7 @@ private:
         Entity * m_pEntity = nullptr;
     };
 
-    void kill(Entity & entity, DataChange::ETransact transact);
+    void kill(Entity & entity, DataChange::ETransact transact, bool isForGood);
     void killOrphans(DataChange::ETransact transact);
     void endOrphans(DataChange::ETransact transact);
     void killLeftOrphans() noexcept;
@@ -140,6 +143,7 @@ private:
     std::vector<Entity *> m_waiting; // with a name each
     std::vector<StrongRef<Entity>> m_revived; // by the replay that is running
     std::size_t m_toldRevived = 0;            // how many of them have been told
+    std::vector<Entity *> m_returned;         // those of the replay that is over, named by its logs
     std::exception_ptr m_hookFailure;
     std::size_t m_bytes = 0;
     std::size_t m_kept = 0; // how many dead entities are kept

@@ -164,7 +164,7 @@ void Replay::restoreRecords() {
         switch (record.m_kind) {
         case ERecord::Born:
             record.m_bReplayed = true;
-            if (record.m_pEntity->isAlive()) m_lifetimes.unmake(*record.m_pEntity);
+            if (record.m_pEntity->isAlive()) m_lifetimes.unmake(*record.m_pEntity, !m_pInverse);
             break;
         case ERecord::Unborn:
         case ERecord::Blank: record.m_bReplayed = true; break;
