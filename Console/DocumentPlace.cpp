@@ -10,12 +10,16 @@
 #include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/Segment.h"
+#include "Server/CommonData/Managed/Ancestors.h"
 #include "Server/CommonData/Managed/ManagedEntity.h"
+#include "Server/CommonData/Managed/ManagedEntityUtils.h"
 
 namespace Vn::Console {
 
+using Managed::AncestorWalk;
 using Managed::ManagedEntity;
 using Managed::ManagedGroupEntity;
+using Managed::ManagedEntityUtils::parentOf;
 
 namespace {
 
@@ -107,22 +111,19 @@ std::wstring entityPath(Entity const & entity) {
     if (!entity.segment()) return {};
     std::vector<int> places; // among their siblings, from below
     Onk onk;
-    StrongRef<Entity> held;
-    Entity const * walk = &entity;
     std::string const * key = nullptr;
-    // A damaged document may have parents that lead in a circle.
-    for (std::size_t steps = entity.asset()->entities();; --steps) {
-        key = entity.segment()->rootKey(walk);
+    AncestorWalk walk{StrongRef<Entity>(const_cast<Entity *>(&entity))};
+    for (; walk; walk.goTo(parentOf(*walk))) {
+        key = entity.segment()->rootKey(&*walk);
         if (key) break;
-        auto const * const managed = query<ManagedEntity>(walk);
-        if (!managed || steps == 0) return {};
+        auto const * const managed = query<ManagedEntity>(&*walk);
+        if (!managed) return {};
         onk.rep(std::wstring());
         managed->getOnk(onk);
         if (onk.repAsInt() < 0) return {};
         places.push_back(onk.repAsInt());
-        held = managed->parent();
-        walk = held.get();
     }
+    if (!key) return {}; // a damaged document may have parents that lead in a circle
     std::wstring path = rootPath(Text::fromUtf8(*key));
     for (auto place = places.rbegin(); place != places.rend(); ++place) {
         appendChild(path, static_cast<std::size_t>(*place));
@@ -131,15 +132,11 @@ std::wstring entityPath(Entity const & entity) {
 }
 
 bool isWithin(Entity const & entity, Entity const & above) {
-    StrongRef<Entity> held;
-    Entity const * walk = &entity;
-    for (std::size_t steps = entity.asset()->entities() + 1; walk && steps > 0; --steps) {
-        if (walk == &above) return true;
-        auto const * const managed = query<ManagedEntity>(walk);
-        held = managed ? managed->parent() : nullptr;
-        walk = held.get();
-    }
-    return false;
+    if (&entity == &above) return true;
+    AncestorWalk walk(parentOf(entity));
+    while (walk && !(walk.at() == &above))
+        walk.goTo(parentOf(*walk));
+    return static_cast<bool>(walk);
 }
 
 std::wstring findPlace(DocumentSession const & session, std::wstring const & text,

@@ -2,7 +2,7 @@
 
 #include "Console/Texts.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/UnitLookup.h"
 
 namespace Vn::Console {
 
@@ -30,8 +30,7 @@ std::wstring internalUnitText(ComplexUnit const & units, UnitDisplaySettings con
 std::wstring namedUnits(ComplexUnit const & units, UnitDisplaySettings const & settings) {
     std::wstring const text = clipped(unitText(units, settings));
     if (text.empty()) return L"no unit";
-    SimpleUnit const * const kind =
-        Units::SimpleUnitRegistry::get().findEquivalentSimpleUnit(units);
+    SimpleUnit const * const kind = Units::findEquivalentUnit(units);
     return kind ? text + L" (" + kind->simpleUnitTypeName() + L')' : text;
 }
 

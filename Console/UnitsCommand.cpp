@@ -11,7 +11,7 @@
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/UnitLookup.h"
 
 namespace Vn::Console {
 
@@ -42,10 +42,8 @@ Row rowOf(SimpleUnit const & unit) {
 }
 
 std::vector<Row> rowsFor(std::wstring const & pattern) {
-    std::vector<SimpleUnit const *> units;
-    Units::SimpleUnitRegistry::get().allUnits(units);
     std::vector<Row> rows;
-    for (SimpleUnit const * const unit : units) {
+    for (SimpleUnit const * const unit : Units::listUnits()) {
         // The others are these with a prefix.
         if (unit->magnitude() != 1.0) continue;
         Row row = rowOf(*unit);

@@ -8,15 +8,14 @@
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
+#include "Server/CommonData/Units/UnitLookup.h"
 
 namespace Vn::Console {
 
 using Expressions::EToken;
 using Expressions::Tokens;
 using Units::SimpleUnit;
-using Units::SimpleUnitRegistry;
 using Units::UnitDisplaySettings;
 
 namespace {
@@ -56,9 +55,7 @@ Vocabulary::Vocabulary() {
 void Vocabulary::addUnits() {
     Tokens const & tokens = *Tokens::get();
     UnitDisplaySettings const & settings = UnitDisplaySettings::get();
-    std::vector<SimpleUnit const *> units;
-    SimpleUnitRegistry::get().allUnits(units);
-    for (SimpleUnit const * const unit : units) {
+    for (SimpleUnit const * const unit : Units::listUnits()) {
         if (unit->magnitude() != 1.0) continue;
         std::wstring const name = unit->name(settings);
         std::wstring const abbreviation = unit->abbreviation(settings);
@@ -93,14 +90,13 @@ bool Vocabulary::isKnown(std::wstring_view name) {
         tokens.getConstantToken(name) != Expressions::e_NONE) {
         return true;
     }
-    SimpleUnitRegistry & registry = SimpleUnitRegistry::get();
     std::wstring_view prefix;
-    SimpleUnit const * const unit = registry.findExact(name, &prefix);
+    SimpleUnit const * const unit = Units::findUnit(name, &prefix);
     if (unit && (prefix.empty() || (unit->supportsMagnitude() && tokens.getMagnitudeToken(prefix) !=
                                                                      Expressions::e_NONE))) {
         return true;
     }
-    return registry.findCaseInsensitive(name) != nullptr;
+    return Units::findUnitInAnyCase(name) != nullptr;
 }
 
 std::vector<std::wstring> Vocabulary::nearest(std::wstring_view name) const {

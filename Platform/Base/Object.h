@@ -1,9 +1,8 @@
 #ifndef VN_PLATFORM_BASE_OBJECT_H
 #define VN_PLATFORM_BASE_OBJECT_H
 
-#include <string>
-
 #include "Platform/Base/Export.h"
+#include "Platform/Base/UniqueString.h"
 
 namespace Vn {
 
@@ -12,18 +11,15 @@ class VN_BASE_API Object {
 public:
     virtual ~Object();
 
-    // One line for a person who is looking for a mistake.  It is neither translated nor meant to be
-    // read back.
-    std::wstring toString() const;
+    // The id of the object's own class, and the object as the class or interface with an id.  Null
+    // for both unless a class offers interfaces.
+    virtual UniqueString const * getInterfaceId() const;
+    virtual void * queryInterface(UniqueString const * id) const;
 
 protected:
     Object() = default;
     Object(Object const &) = default;
     Object & operator=(Object const &) = default;
-
-private:
-    // The name of the object's class, unless a derived class has more to tell.
-    virtual std::wstring onToString() const;
 };
 
 } // namespace Vn

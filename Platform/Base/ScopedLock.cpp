@@ -10,7 +10,7 @@ constinit std::atomic<bool> s_lockingEnabled{true};
 
 }
 
-ScopedLockBase::ScopedLockBase(int lockType, int level) noexcept
+ScopedLockBase::ScopedLockBase(ELockType lockType, unsigned level) noexcept
     : m_lockType(lockType), m_level(level), m_bLocking(lockingEnabled()) {}
 
 void ScopedLockBase::lockingEnabled(bool enabled) noexcept {

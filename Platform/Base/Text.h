@@ -102,4 +102,11 @@ struct Hash {
 
 } // namespace Vn::Text
 
+namespace Vn {
+
+// A wide text as a narrow one, in UTF-8, for identifiers and diagnostics.
+inline std::string ToHString(std::wstring_view text) { return Text::toUtf8(text); }
+
+} // namespace Vn
+
 #endif

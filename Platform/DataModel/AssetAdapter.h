@@ -66,8 +66,8 @@ public:
 
     // The id of this class, of the object's own class, and the object as a class or interface.
     static UniqueString const * interfaceId();
-    virtual UniqueString const * getInterfaceId() const;
-    virtual void * queryInterface(UniqueString const * id) const;
+    UniqueString const * getInterfaceId() const override;
+    void * queryInterface(UniqueString const * id) const override;
 
 private:
     // A document was made, was loaded, is complete with everything that belongs to it, was saved, is

@@ -156,7 +156,10 @@ void Entity::onPreDeletion(DataChange::ETransact transact) {
     tellObservers([&](IEntityObserver & o) { o.preDeletion(this, transact); });
 }
 
+void Entity::onPreDelete() {}
 void Entity::onPostCreation(DataChange::ETransact) {}
+void Entity::onPostTransactChange(DataChange::ETransact) {}
+void Entity::onPostTransactCreation(DataChange::ETransact) {}
 void Entity::onPostMigrate() {}
 void Entity::doInitializeMigrationHelpers() {}
 void Entity::doUninitializeMigrationHelpers() {}

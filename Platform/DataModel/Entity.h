@@ -47,11 +47,9 @@ public:
     // The meta-type id at the end of every chain of meta types.
     static std::string s_metaTypeId();
     static UniqueString const * interfaceId();
-    virtual UniqueString const * getInterfaceId() const;
+    UniqueString const * getInterfaceId() const override;
     // This object as the class or interface with that id, or null if it doesn't offer it.
-    virtual void * queryInterface(UniqueString const * id) const;
-    // This object, or a part of it, as the one that a meta type describes; null if it doesn't.
-    virtual void * queryMTInterface(MetaType const * type);
+    void * queryInterface(UniqueString const * id) const override;
 
     // Unique in the document and the same after loading; never used again.
     unsigned long long id() const noexcept { return m_id; }
@@ -92,8 +90,9 @@ public:
     void subscribe(IEntityObserver * observer);
     void unsubscribe(IEntityObserver * observer);
 
-    // The version of the class, or of the file while the entity is migrating.
-    virtual unsigned version() const;
+    // One line for a person who is looking for a mistake.  It is neither translated nor meant to be
+    // read back.
+    std::wstring toString() const { return onToString(); }
 
 protected:
     // Enters the object into the segment as a new one, with a new id.
@@ -101,8 +100,22 @@ protected:
     // The same for one that is being loaded, with its id.
     Entity(Segment * segment, unsigned long long id);
 
-    // The hooks.  An override calls that of its base first.  Around a change of members; details
-    // may be null:
+    // The virtual operations.  Their order is binding, since modules built at other times call them
+    // by their place; it begins with what Object and RefCounted declare: the destructor,
+    // getInterfaceId, queryInterface and destroy.  The hooks among them are called by the document,
+    // and an override calls that of its base first.
+
+    // Right before onPreDeletion, once for each time that the entity leaves the document, so that a
+    // class can let go of what isn't the document's.  All references still lead where they led.
+    // Nothing by default.
+    virtual void onPreDelete();
+
+public:
+    // This object, or a part of it, as the one that a meta type describes; null if it doesn't.
+    virtual void * queryMTInterface(MetaType const * type);
+
+protected:
+    // Around a change of members; details may be null.
     virtual void onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,
                              DataChange * details);
     virtual void onPostChange(DataChange::ETransact transact, DataChange::EChangeType type,
@@ -111,13 +124,27 @@ protected:
     virtual void onPreDeletion(DataChange::ETransact transact);
     // Once it is complete.
     virtual void onPostCreation(DataChange::ETransact transact);
-    virtual void onPostMigrate();
-    virtual void doInitializeMigrationHelpers();
-    virtual void doUninitializeMigrationHelpers();
+    // After the outermost transaction in which the entity changed was committed, and after the undo
+    // or redo that changed it, whose replay bit is then set: once, whatever the number of changes,
+    // with the whole document as it is to stay.  An entity that isn't in the document by then isn't
+    // told, nor is one whose transaction was aborted.  Nothing by default.
+    virtual void onPostTransactChange(DataChange::ETransact transact);
+    // The same for an entity that came, which isn't told of changes too.
+    virtual void onPostTransactCreation(DataChange::ETransact transact);
+    // As of toString.
+    virtual std::wstring onToString() const;
     virtual EntityMetaType * onMetaType() const = 0;
     // The bytes of the object beyond its instance size, for the ceiling of the undo history.
     virtual std::size_t onSizeInBytes() const;
-    std::wstring onToString() const override;
+    virtual void onPostMigrate();
+
+public:
+    // The version of the class, or of the file while the entity is migrating.
+    virtual unsigned version() const;
+
+protected:
+    virtual void doInitializeMigrationHelpers();
+    virtual void doUninitializeMigrationHelpers();
 
 private:
     friend class Asset;
@@ -125,6 +152,7 @@ private:
     friend class DocumentFile;
     friend class EntityChange;
 
+    // In the place that RefCounted gives it.
     void destroy() noexcept override;
     template <class Tell>
     void tellObservers(Tell && tell);

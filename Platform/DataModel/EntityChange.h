@@ -38,14 +38,18 @@ public:
         if (timing & DataChange::TimingPost) onPostChange(type);
     }
 
-    // The id of this class, of the object's own class, and the object as a class or interface.
+    // The id of this class.
     static UniqueString const * interfaceId();
-    virtual UniqueString const * getInterfaceId() const;
-    virtual void * queryInterface(UniqueString const * id) const;
 
 private:
+    // The order of the virtual operations is binding.
     virtual void onPreChange(DataChange::EChangeType type) = 0;
     virtual void onPostChange(DataChange::EChangeType type) = 0;
+
+public:
+    // The id of the object's own class, and the object as a class or interface.
+    virtual UniqueString const * getInterfaceId() const;
+    virtual void * queryInterface(UniqueString const * id) const;
 };
 
 // A local object that stands around every change of persisted members:

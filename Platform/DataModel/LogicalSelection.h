@@ -22,8 +22,8 @@ public:
 
     // The id of the class, of the object's own class, and the object as a class or interface.
     static UniqueString const * interfaceId();
-    virtual UniqueString const * getInterfaceId() const;
-    virtual void * queryInterface(UniqueString const * id) const;
+    UniqueString const * getInterfaceId() const override;
+    void * queryInterface(UniqueString const * id) const override;
 
 protected:
     Selection() = default;

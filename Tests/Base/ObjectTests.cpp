@@ -6,16 +6,25 @@ namespace Vn::ObjectTests {
 
 class Plain : public Object {};
 
-class Telling : public Object {
-private:
-    std::wstring onToString() const override { return L"told"; }
+class Offering : public Object {
+public:
+    static UniqueString const * interfaceId() { return UniqueString::find("Offering", true); }
+    UniqueString const * getInterfaceId() const override { return interfaceId(); }
+    void * queryInterface(UniqueString const * id) const override {
+        return id == interfaceId() ? const_cast<Offering *>(this) : Object::queryInterface(id);
+    }
 };
 
-TEST(ObjectTests, ToStringNamesTheClassUnlessItTellsMore) {
-    EXPECT_EQ(Plain().toString(), L"Vn::ObjectTests::Plain");
-    Telling const telling;
-    Object const & object = telling;
-    EXPECT_EQ(object.toString(), L"told");
+TEST(ObjectTests, OffersNothingUnlessItsClassDoes) {
+    UniqueString const * const other = UniqueString::find("Other", true);
+    EXPECT_EQ(Plain().getInterfaceId(), nullptr);
+    EXPECT_EQ(Plain().queryInterface(other), nullptr);
+
+    Offering const offering;
+    Object const & object = offering;
+    EXPECT_EQ(object.getInterfaceId(), Offering::interfaceId());
+    EXPECT_EQ(object.queryInterface(Offering::interfaceId()), &offering);
+    EXPECT_EQ(object.queryInterface(other), nullptr);
 }
 
 } // namespace Vn::ObjectTests

@@ -7,7 +7,7 @@
 
 #include "Console/SettingsFields.h"
 #include "Platform/Base/Text.h"
-#include "Server/CommonData/Expressions/WorkedExpressions.h"
+#include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
 #include "Tests/Console/Process.h"
 
 namespace Vn::Console::Tests {

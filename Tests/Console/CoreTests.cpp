@@ -14,7 +14,7 @@
 #include "Platform/Base/Text.h"
 #include "Platform/Base/UnitTest.h"
 #include "Server/CommonData/Expressions/Expression.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/UnitLookup.h"
 
 namespace Vn::Console::Tests {
 
@@ -161,11 +161,7 @@ TEST(VocabularyTests, EveryWordIsUnderstoodByExpressions) {
 TEST(VocabularyTests, LookingWordsUpMakesNoUnits) {
     Initializer::runAll();
     Vocabulary const & vocabulary = Vocabulary::get();
-    auto const units = [] {
-        std::vector<Units::SimpleUnit const *> all;
-        Units::SimpleUnitRegistry::get().allUnits(all);
-        return all.size();
-    };
+    auto const units = [] { return Units::listUnits().size(); };
     std::size_t const before = units();
     EXPECT_TRUE(Vocabulary::isKnown(L"attohenry"));
     EXPECT_TRUE(Vocabulary::isKnown(L"Es"));

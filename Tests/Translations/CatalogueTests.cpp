@@ -4,7 +4,7 @@
 #include <map>
 #include <set>
 
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 #include "Tests/Translations/PoFile.h"

@@ -10,7 +10,7 @@
 
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Tokens.h"
-#include "Server/CommonData/Expressions/WorkedExpressions.h"
+#include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Tools/fuzz/Input.h"
 

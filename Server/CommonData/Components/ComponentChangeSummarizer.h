@@ -17,15 +17,19 @@ public:
     explicit ComponentChangeSummarizer(IComponentObject * object) noexcept : m_pObject(object) {}
     ~ComponentChangeSummarizer() override;
 
-    // The id of the class; and the object as the class with an id, or null.
+    // The id of the class.
     static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
 
 private:
     void onPreChange(DataChange::EChangeType type) override;
     void onPostChange(DataChange::EChangeType type) override;
 
+public:
+    // The id of the object's own class, and the object as the class with an id, or null.
+    UniqueString const * getInterfaceId() const override;
+    void * queryInterface(UniqueString const * id) const override;
+
+private:
     template <class Tell>
     void tell(DataChange::EChangeType type, Tell && tell);
 

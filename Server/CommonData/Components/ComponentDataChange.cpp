@@ -18,8 +18,8 @@ DataChange * ComponentDataChange::onClone() const { return new ComponentDataChan
 
 std::string ComponentDataChange::onToString() const {
     auto const * const entity = query<Entity>(m_pChanged);
-    return "ComponentDataChange: Change = " + Text::toUtf8(typeText(m_type)) +
-           "; Entity = " + (entity ? Text::toUtf8(entity->toString()) : std::string());
+    return "ComponentDataChange: Change = " + ToHString(typeText(m_type)) +
+           "; Entity = " + (entity ? ToHString(entity->toString()) : std::string());
 }
 
 } // namespace Vn::CommonData

@@ -2,6 +2,7 @@
 
 #include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/Components/IComponent.h"
+#include "Server/CommonData/Managed/Ancestors.h"
 #include "Server/CommonData/Managed/ICommonData.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 
@@ -9,6 +10,15 @@ namespace Vn::CommonData {
 
 using Managed::ManagedEntity;
 using Managed::ManagedGroupEntity;
+
+namespace {
+
+// The question that objects hand on upwards: what the component is.
+using ComponentQuestion = Managed::UpwardQuestion<IComponent *>;
+
+thread_local constinit ComponentQuestion * s_pComponentQuestion = nullptr;
+
+} // namespace
 
 UniqueString const * IComponentObject::interfaceId() {
     static constinit InterfaceId s_id("Vn::CommonData::IComponentObject");
@@ -30,8 +40,22 @@ StrongRef<Entity> IComponentObject::_coParent() const {
 IComponent * IComponentObject::component() const {
     StrongRef<Entity> const parent = _coParent();
     if (auto * const component = query<IComponent>(parent.get())) return component;
-    auto const * const object = query<IComponentObject>(parent.get());
-    return object ? object->component() : nullptr;
+    if (!query<IComponentObject>(parent.get())) return nullptr;
+    auto const ask = [&](ComponentQuestion & question) {
+        return question.ask(
+            parent,
+            [](Entity & ancestor) { return query<IComponentObject>(&ancestor)->component(); },
+            [](Entity & ancestor) -> StrongRef<Entity> {
+                StrongRef<Entity> next = query<IComponentObject>(&ancestor)->_coParent();
+                bool const asksOn =
+                    !query<IComponent>(next.get()) && query<IComponentObject>(next.get());
+                return asksOn ? next : nullptr;
+            });
+    };
+    if (s_pComponentQuestion) return ask(*s_pComponentQuestion);
+    ComponentQuestion question;
+    ComponentQuestion::Scope const scope(s_pComponentQuestion, question);
+    return ask(question);
 }
 
 IComponentObject * IComponentObject::componentObjectParent() const {

@@ -16,7 +16,9 @@ class IVisibilityToggle;
 class VN_COMMONDATA_API IComponentObject {
 public:
     // The nearest component above the object, which doesn't count itself.  Null if there is none,
-    // or if the way up meets an ancestor that is neither component nor component object.
+    // or if the way up meets an ancestor that is neither component nor component object, or leads
+    // in a circle.  Component objects on the way are asked for their own, by this operation; of
+    // many, also those above one whose class has another answer.
     virtual IComponent * component() const;
     // The parent as a component object; null if there is none or if it is no such object.
     virtual IComponentObject * componentObjectParent() const;

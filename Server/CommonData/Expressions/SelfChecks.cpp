@@ -5,7 +5,7 @@
 #include "Platform/Base/UnitTest.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Expressions/Expression.h"
-#include "Server/CommonData/Expressions/WorkedExpressions.h"
+#include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
 #include "Server/CommonData/Units/Utils.h"
 
 namespace Vn::Expressions {

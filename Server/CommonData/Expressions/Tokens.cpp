@@ -1,11 +1,14 @@
 #include "Server/CommonData/Expressions/Tokens.h"
 
+#include <algorithm>
+#include <limits>
+
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 
 namespace Vn::Expressions {
@@ -129,6 +132,14 @@ bool Tokens::matchesToken(std::wstring_view text, std::size_t position, EToken t
     return true;
 }
 
+bool Tokens::matchesToken(std::wstring_view text, unsigned position, EToken token,
+                          unsigned & length) const {
+    std::size_t matched = 0;
+    if (!matchesToken(text, std::size_t{position}, token, matched)) return false;
+    length = static_cast<unsigned>(matched);
+    return true;
+}
+
 Units::SimpleUnit const * Tokens::findMatchingUnit(std::wstring_view name) const {
     Units::SimpleUnitRegistry & registry = Units::SimpleUnitRegistry::get();
     std::wstring_view prefix;
@@ -166,6 +177,15 @@ bool Tokens::invalidNameCharsInStr(std::wstring_view text, std::size_t & positio
 bool Tokens::invalidNameCharsInStr(std::wstring_view text, bool allowSymbols) const {
     std::size_t position = 0;
     return invalidNameCharsInStr(text, position, allowSymbols);
+}
+
+bool Tokens::invalidNameCharsInStr(std::wstring_view text, unsigned & position,
+                                   bool allowSymbols) const {
+    std::size_t reached = position;
+    bool const invalid = invalidNameCharsInStr(text, reached, allowSymbols);
+    position = static_cast<unsigned>(
+        std::min<std::size_t>(reached, std::numeric_limits<unsigned>::max()));
+    return invalid;
 }
 
 } // namespace Vn::Expressions

@@ -46,6 +46,9 @@ public:
     // the token's text in `length` if so.
     bool matchesToken(std::wstring_view text, std::size_t position, EToken token,
                       std::size_t & length) const;
+    // The same for callers that count in 32 bits.
+    bool matchesToken(std::wstring_view text, unsigned position, EToken token,
+                      unsigned & length) const;
 
     // The token of that kind whose whole text is `text`; e_NONE if there is none.
     EToken getConstantToken(std::wstring_view text) const;
@@ -71,7 +74,11 @@ public:
     // `allowSymbols` the symbols of degree, dollar and micron belong to names.
     bool invalidNameCharsInStr(std::wstring_view text, std::size_t & position,
                                bool allowSymbols) const;
+    // The same from the beginning; and for callers that count in 32 bits, with the largest such
+    // number for a position beyond.
     bool invalidNameCharsInStr(std::wstring_view text, bool allowSymbols) const;
+    bool invalidNameCharsInStr(std::wstring_view text, unsigned & position,
+                               bool allowSymbols) const;
 
     // Works out the units of the constants.  One of the module's initialisers.
     static void initializeConstantUnits();

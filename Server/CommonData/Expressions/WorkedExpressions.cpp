@@ -1,4 +1,4 @@
-#include "Server/CommonData/Expressions/WorkedExpressions.h"
+#include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
 
 #include <string_view>
 

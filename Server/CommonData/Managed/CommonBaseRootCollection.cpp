@@ -15,6 +15,12 @@ CommonBaseRootCollection::CommonBaseRootCollection(Segment * segment, std::strin
     initializeMemberSetIfNeeded();
 }
 
+StrongRefCreator<CommonBaseRootCollection>
+CommonBaseRootCollection::make(Segment * segment, std::string const & rootId,
+                               EntityMetaType * elementType) {
+    return create(segment, rootId, elementType);
+}
+
 CommonBaseRootCollection::CommonBaseRootCollection(Segment * segment, unsigned long long id)
     : CommonBase(segment, id) {
     initializeMemberSetIfNeeded();

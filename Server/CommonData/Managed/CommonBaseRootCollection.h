@@ -33,6 +33,10 @@ public:
     static constexpr Managed::PersistedClass c_class{"Vn::CommonData::CommonBaseRootCollection",
                                                      "5EAF2F0F-4AEE-4f20-B569-119A7BD1F36D", 1};
     static EntityMetaType * s_metaType();
+    // A new one, which makes itself the root under the key `rootId`, unless that is taken, and
+    // follows the entities of a type, all of them with null.  Null without a segment.
+    static StrongRefCreator<CommonBaseRootCollection>
+    make(Segment * segment, std::string const & rootId, EntityMetaType * elementType);
     // All members of version 1 are those of the base.
     static constexpr bool c_addsLatestMembers = false;
 

@@ -83,10 +83,12 @@ void CustomGroup::insertGroupChild(ICustomGroupChild * child, unsigned index) {
     MemberSplices splices(*this, &m_groupChildren);
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
                               DataChange::TimingPreAndPost, &details, true);
+    // Whoever was told before the change may have shortened the list.
+    std::size_t const place = std::min<std::size_t>(index, m_groupChildren.size());
     m_groupChildren.emplace_back(entity);
-    std::rotate(m_groupChildren.begin() + static_cast<std::ptrdiff_t>(index),
+    std::rotate(m_groupChildren.begin() + static_cast<std::ptrdiff_t>(place),
                 m_groupChildren.end() - 1, m_groupChildren.end());
-    splices.inserted(index);
+    splices.inserted(place);
 }
 
 void CustomGroup::removeGroupChild(ICustomGroupChild * child) {

@@ -5,6 +5,7 @@
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/IEntityObserver.h"
 #include "Platform/DataModel/InterfaceId.h"
+#include "Server/CommonData/Managed/Ancestors.h"
 #include "Server/CommonData/Managed/ICommonDataClientObject.h"
 #include "Server/CommonData/Managed/ManagedEntity.h"
 
@@ -45,15 +46,14 @@ Managed::ManagedEntity * ICommonDataHelper::managedEntity() const {
 StrongRef<Entity> ICommonDataHelper::commonDataParent() { return managedEntity()->parent(); }
 
 StrongRef<Entity> ICommonDataHelper::commonDataAncestor() {
-    StrongRef<Entity> walk = commonDataParent();
-    StrongRef<Entity> result = walk;
+    StrongRef<Entity> topmost;
+    Managed::AncestorWalk walk(commonDataParent());
     while (walk) {
-        auto * const data = query<ICommonData>(walk.get());
-        if (!data) break;
-        walk = data->commonDataParent();
-        if (walk) result = walk;
+        topmost = walk.at();
+        auto * const data = query<ICommonData>(topmost.get());
+        walk.goTo(data ? data->commonDataParent() : nullptr);
     }
-    return result;
+    return walk.metCircle() ? nullptr : topmost;
 }
 
 ICommonDataClientObject * ICommonDataHelper::commonDataClientObject() const {

@@ -28,8 +28,8 @@ public:
 
     // The parent in the tree; null if there is none.
     virtual StrongRef<Entity> commonDataParent() = 0;
-    // The topmost ancestor; null if there is no parent.  All ancestors must be common data; one
-    // that isn't ends the way there.
+    // The topmost ancestor; null if there is no parent, or if the parents lead in a circle.  All
+    // ancestors must be common data; one that isn't ends the way there.
     virtual StrongRef<Entity> commonDataAncestor() = 0;
     // Sets the client, null for none, in a change of its own; and the client, null if there is none
     // or if it is gone.  An entity that offers IEntityObserver observes its client.

@@ -14,7 +14,8 @@ class ICustomGroupChild;
 class VN_COMMONDATA_API ICustomGroupParent {
 public:
     // Puts a member behind the others, which sets its group parent; takes it out, which doesn't;
-    // and puts it before the one at `index`, which isn't checked.  A null member is ignored.
+    // and puts it before the one at `index`, or after the others if there is none by then.  A null
+    // member is ignored.
     virtual void addGroupChild(ICustomGroupChild * child) = 0;
     virtual void removeGroupChild(ICustomGroupChild * child) = 0;
     virtual void insertGroupChild(ICustomGroupChild * child, unsigned index) = 0;

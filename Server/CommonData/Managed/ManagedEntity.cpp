@@ -1,11 +1,12 @@
 #include "Server/CommonData/Managed/ManagedEntity.h"
 
-#include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/Scene/INodeSource.h"
 #include "Server/CommonData/Components/ComponentChangeSummarizer.h"
 #include "Server/CommonData/Components/IComponentObject.h"
+#include "Server/CommonData/Managed/Ancestors.h"
+#include "Server/CommonData/Managed/ManagedEntityUtils.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 
 namespace Vn::Managed {
@@ -33,17 +34,15 @@ CommonData::ComponentChangeSummarizer * addSummarizer(Entity & entity,
     return summarizer;
 }
 
-// Whether parents lead in a circle, to no group.
-bool parentsLeadInCircle(ManagedEntity const & entity) {
-    StrongRef<Entity> walk = entity.parent();
-    for (std::size_t steps = walk ? walk->asset()->entities() : 0; walk; --steps) {
-        if (query<ManagedGroupEntity>(walk.get())) return false;
-        if (steps == 0) return true;
-        auto const * const managed = query<ManagedEntity>(walk.get());
-        walk = managed ? managed->parent() : nullptr;
-    }
-    return false;
-}
+// The question that leaves hand on upwards: which child of a group has this name.
+struct ChildQuestion : UpwardQuestion<IScriptableObject *> {
+    ChildQuestion(Onk const & wanted, ObjectPath const & way) : onk(wanted), path(way) {}
+
+    Onk const onk;
+    ObjectPath const & path;
+};
+
+thread_local constinit UpwardQuestion<IScriptableObject *> * s_pChildQuestion = nullptr;
 
 } // namespace
 
@@ -133,21 +132,31 @@ void ManagedEntity::getOnk(Onk & onk) const {
 }
 
 IScriptableObject * ManagedEntity::getChildObject(Onk const & onk, ObjectPath const & path) const {
-    if (parentsLeadInCircle(*this)) return nullptr;
     StrongRef<Entity> const up = parent();
-    auto const * const scriptable = query<IScriptableObject>(up.get());
-    return scriptable ? scriptable->getChildObject(onk, path) : nullptr;
+    if (!query<IScriptableObject>(up.get())) return nullptr;
+    auto const ask = [&](ChildQuestion & question) {
+        return question.ask(
+            up,
+            [&](Entity & ancestor) {
+                return query<IScriptableObject>(&ancestor)->getChildObject(onk, path);
+            },
+            [](Entity & ancestor) -> StrongRef<Entity> {
+                if (query<ManagedGroupEntity>(&ancestor)) return nullptr;
+                StrongRef<Entity> next = ManagedEntityUtils::parentOf(ancestor);
+                return query<IScriptableObject>(next.get()) ? next : nullptr;
+            });
+    };
+    auto * const current = static_cast<ChildQuestion *>(s_pChildQuestion);
+    if (current && &current->path == &path && current->onk == onk) return ask(*current);
+    ChildQuestion question(onk, path);
+    ChildQuestion::Scope const scope(s_pChildQuestion, question);
+    return ask(question);
 }
 
 Vrx::Graphics::GroupNode * ManagedEntity::_parentGroupNode() const {
-    StrongRef<Entity> walk = parent();
-    // Parents that lead in a circle end where there are no more entities.
-    for (std::size_t steps = walk ? walk->asset()->entities() : 0; walk && steps; --steps) {
-        if (auto const * const source = query<Scene::INodeSource>(walk.get()))
+    for (AncestorWalk walk(parent()); walk; walk.goTo(ManagedEntityUtils::parentOf(*walk)))
+        if (auto const * const source = query<Scene::INodeSource>(&*walk))
             return source->groupNode();
-        auto const * const managed = query<ManagedEntity>(walk.get());
-        walk = managed ? managed->parent() : nullptr;
-    }
     return nullptr;
 }
 

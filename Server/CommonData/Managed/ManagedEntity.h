@@ -42,6 +42,14 @@ public:
     // whoever calls this sees to that.
     void nullParent();
 
+protected:
+    // The answer of insertionIndex for the end of the list.
+    static constexpr unsigned c_atEnd = 0xFFFFFFFFU;
+    // The place in the parent's list for which the entity is made.  It stands right after the
+    // virtual operations of Entity, which is binding.
+    virtual unsigned insertionIndex() const;
+
+public:
     // "CmnData" with the place among the siblings; `onk` stays as it came if no group lists the
     // entity.
     void getOnk(Onk & onk) const override;
@@ -49,9 +57,6 @@ public:
     IScriptableObject * getChildObject(Onk const & onk, ObjectPath const & path) const override;
 
 protected:
-    // The answer of insertionIndex for the end of the list.
-    static constexpr unsigned c_atEnd = 0xFFFFFFFFU;
-
     // In the segment of `parent`, which mustn't be null, and whose list isn't touched yet; as a
     // root; and as one that is being loaded.
     explicit ManagedEntity(PassiveRef<Entity> const & parent);
@@ -62,8 +67,6 @@ protected:
     void parent(StrongRef<Entity> const & parent);
     // Has the parent, if it is a group, list the entity.
     void addToParent();
-    // The place in the parent's list for which the entity is made.
-    virtual unsigned insertionIndex() const;
     // The group node of the nearest ancestor that shows itself in the render graph, which may have
     // none; null if no ancestor does.
     Vrx::Graphics::GroupNode * _parentGroupNode() const;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/Managed/ICustomGroup.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 
@@ -45,6 +46,11 @@ std::optional<Index> newPlace(Index moved, Index target, bool insertAfter) {
 
 } // namespace
 
+StrongRef<Entity> parentOf(Entity const & entity) {
+    auto const * const managed = query<ManagedEntity>(&entity);
+    return managed ? managed->parent() : nullptr;
+}
+
 void reorderEntity(StrongRef<ManagedEntity> moved, StrongRef<ManagedEntity> target,
                    bool insertAfter) {
     if (!moved || !target) return;
@@ -57,6 +63,7 @@ void reorderEntity(StrongRef<ManagedEntity> moved, StrongRef<ManagedEntity> targ
     if (!m) return;
     auto const n = newPlace(*m, *t, insertAfter);
     if (!n) return;
+    // Whoever is told of this may shorten the other list, and the insertion then goes to its end.
     movedParent->removeChild(moved);
     targetParent->insertChild(moved, static_cast<unsigned>(*n));
 }
@@ -66,21 +73,20 @@ void reorderGroupedEntity(ICustomGroupChild * moved, ICustomGroupChild * target,
     ICustomGroupParent * const movedParent = moved->groupParent();
     ICustomGroupParent * const targetParent = target->groupParent();
     if (!movedParent || !targetParent) return;
+    // Whoever is told of the removal may let go of any of them.
+    StrongRef<Entity> const heldChild(query<Entity>(moved));
+    StrongRef<Entity> const heldParent(query<Entity>(targetParent));
     auto const t = place(*targetParent, target);
     if (!t) return;
     auto const m = place(*movedParent, moved);
     if (!m) return;
     auto const n = newPlace(*m, *t, insertAfter);
     if (!n) return;
+    // As in reorderEntity.
     movedParent->removeGroupChild(moved);
     targetParent->insertGroupChild(moved, static_cast<unsigned>(*n));
 }
 
-ObjectPath objectPath(ManagedEntity const & entity) {
-    return ObjectPath::of(entity, [](Entity const & object) -> StrongRef<Entity> {
-        auto const * const managed = query<ManagedEntity>(&object);
-        return managed ? managed->parent() : nullptr;
-    });
-}
+ObjectPath objectPath(ManagedEntity const & entity) { return ObjectPath::of(entity, &parentOf); }
 
 } // namespace Vn::Managed::ManagedEntityUtils

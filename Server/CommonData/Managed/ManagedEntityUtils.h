@@ -2,6 +2,7 @@
 #define VN_SERVER_COMMONDATA_MANAGED_MANAGEDENTITYUTILS_H
 
 #include "Platform/Base/RefCounted.h"
+#include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Server/CommonData/Export.h"
 
@@ -12,6 +13,9 @@ class ManagedEntity;
 
 // Operations on the managed tree that belong to no class of it.
 namespace ManagedEntityUtils {
+
+// The parent of an entity in the managed tree; null if it has none, or isn't in that tree.
+VN_COMMONDATA_API StrongRef<Entity> parentOf(Entity const & entity);
 
 // Moves a child before or, with `insertAfter`, behind another.  If the other has another parent,
 // the child moves across and keeps its own as its parent.  Nothing happens if one of the two is

@@ -58,9 +58,11 @@ void ManagedGroupEntity::insertChild(StrongRef<ManagedEntity> const & child, uns
     MemberSplices splices(*this, &m_children);
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
                               DataChange::TimingPreAndPost, &details, true);
-    m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index),
+    // Whoever was told before the change may have shortened the list.
+    std::size_t const place = std::min<std::size_t>(index, m_children.size());
+    m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(place),
                       details.managedEntity());
-    splices.inserted(index);
+    splices.inserted(place);
 }
 
 void ManagedGroupEntity::removeChild(StrongRef<ManagedEntity> const & child) {

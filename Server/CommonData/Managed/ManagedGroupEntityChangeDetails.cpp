@@ -173,6 +173,7 @@ void ManagedGroupEntityTransactChangeDetails::calculateChildrenDiff(
         missing(before, after, lists).empty()) {
         m_added = std::move(current);
         m_removed = m_snapshot;
+        std::erase(m_removed, nullptr);
         return;
     }
 
@@ -191,6 +192,7 @@ void ManagedGroupEntityTransactChangeDetails::calculateChildrenDiff(
         --found->m_count;
     }
     std::reverse(removed.begin(), removed.end());
+    std::erase(removed, nullptr);
     m_removed = std::move(removed);
 
     for (ManagedEntity *& child : current)

@@ -63,7 +63,8 @@ public:
     // The list after, with null in place of each child that was there before; empty if nothing
     // changed.
     std::vector<ManagedEntity *> const & addedChildren() const noexcept { return m_added; }
-    // The children that aren't there any more, in the order that they had, without gaps.
+    // The children that aren't there any more, in the order that they had, without gaps.  An empty
+    // place of the list is no child, and isn't told here.
     //
     // If only the order changed, all children are told here in the old order, and all as added in
     // the new.

@@ -17,9 +17,12 @@
 #ifndef VN_SERVER_COMMONDATA_UNITS_COMPLEXUNIT_H
 #define VN_SERVER_COMMONDATA_UNITS_COMPLEXUNIT_H
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <span>
+#include <stdexcept>
+#include <vector>
 
 #include <boost/container/small_vector.hpp>
 
@@ -30,8 +33,25 @@ namespace Vn::Units {
 class BaseUnit;
 class SimpleUnit;
 
-// Units in the order added, not owned.
-using UnitSpan = std::span<SimpleUnit const * const>;
+// Units in the order added, not owned: a view of a list, which must last.
+class UnitSpan : public std::span<SimpleUnit const * const> {
+public:
+    using List = std::vector<SimpleUnit const *>;
+    using Base = std::span<SimpleUnit const * const>;
+    using Base::Base;
+
+    // The unit at a place; throws std::out_of_range if there is none.
+    SimpleUnit const * at(std::size_t place) const {
+        if (place >= size()) throw std::out_of_range("there is no such unit");
+        return (*this)[place];
+    }
+    // A list of its own.
+    operator List() const { return List(begin(), end()); }
+    // The same units in the same order.
+    friend bool operator==(UnitSpan a, UnitSpan b) {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
+};
 
 class VN_COMMONDATA_API ComplexUnit final : public Unit {
 public:
@@ -49,6 +69,8 @@ public:
     static ComplexUnit * make(SimpleUnit const * unit);
     static ComplexUnit * make(ComplexUnit const & other);
     static void destroy(ComplexUnit * units);
+    // Ends this object, which must have been made by `make`.
+    void destroy() { destroy(this); }
 
     // The shared unit of no entries.
     static ComplexUnit const & none();

@@ -2,7 +2,7 @@
 
 #include "Server/CommonData/Expressions/ValueFormatter.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 
@@ -140,5 +140,14 @@ void SimpleUnit::onAppendReconstruction(std::wstring & text, double value, EUnit
         appendDisplayString(text, settings);
     }
 }
+
+double SimpleUnit::onInternalConversionOffset() const { return 0.0; }
+
+std::wstring const & SimpleUnit::onSymbol() const {
+    static std::wstring const s_none;
+    return s_none;
+}
+
+SimpleUnit const * SimpleUnit::onClone(double) const { return nullptr; }
 
 } // namespace Vn::Units

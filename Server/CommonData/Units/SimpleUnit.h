@@ -87,12 +87,15 @@ private:
 
     virtual std::string const * onIdentifier() const = 0;
     virtual double onInternalConversionFactor() const = 0;
-    virtual double onInternalConversionOffset() const = 0;
+    // 0 unless a class says otherwise.
+    virtual double onInternalConversionOffset() const;
     virtual std::wstring const & onName() const = 0;
     virtual std::wstring const & onAbbreviation() const = 0;
-    virtual std::wstring const & onSymbol() const = 0;
-    // Null for a class without magnitudes.
-    virtual SimpleUnit const * onClone(double magnitude) const = 0;
+    // Empty unless a class has one.
+    virtual std::wstring const & onSymbol() const;
+    // A new object of the class, kept to the end of the process; null for a class without
+    // magnitudes, which needs no override.
+    virtual SimpleUnit const * onClone(double magnitude) const;
     virtual bool onSupportsMagnitude() const = 0;
     virtual ESimpleUnitType onSimpleUnitType() const = 0;
 

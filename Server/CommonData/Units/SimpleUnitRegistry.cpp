@@ -1,4 +1,4 @@
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <cmath>

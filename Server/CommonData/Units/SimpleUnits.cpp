@@ -3,7 +3,7 @@
 #include "Server/CommonData/Units/SimpleUnits.h"
 
 #include "Server/CommonData/AddIn/LoadOrder.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 
 namespace Vn::Units {
 

@@ -6,7 +6,7 @@
 #include "Platform/Base/TextCommand.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Expressions/ValueFormatter.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 

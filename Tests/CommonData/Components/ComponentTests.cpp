@@ -12,6 +12,7 @@
 #include "Server/CommonData/Components/IComponent.h"
 #include "Server/CommonData/Components/IDefaultMaterialProvider.h"
 #include "Server/CommonData/Components/IVisibilityToggle.h"
+#include "Tests/Base/SmallStack.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
 
 namespace Vn::Managed::Testing {
@@ -128,13 +129,47 @@ private:
     int m_value = 0;
 };
 
+// A component object that has its own way to its component, and counts how often it is asked.
+class Asked : public Persisted<Asked, ManagedGroupEntity, IComponentObject> {
+public:
+    static constexpr PersistedClass c_class{"Vn::Managed::Testing::Asked",
+                                            "1A5B0C3E-0003-4000-8000-000000000003", 0};
+    static EntityMetaType * s_metaType();
+    static StrongRefCreator<Asked> make(Segment * segment) { return create(segment); }
+    using ManagedGroupEntity::parent;
+
+    IComponent * component() const override {
+        ++m_asked;
+        if (m_pOwn) return m_pOwn;
+        m_pAbove = IComponentObject::component();
+        return m_pInstead ? m_pInstead : m_pAbove;
+    }
+
+    IComponent * m_pOwn = nullptr;     // the answer, without asking further up
+    IComponent * m_pInstead = nullptr; // the answer, whatever those above say
+    mutable IComponent * m_pAbove = nullptr;
+    mutable int m_asked = 0;
+
+private:
+    friend PersistedAccess;
+    explicit Asked(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
+    Asked(Segment * segment, unsigned long long id) : Persisted(segment, id) {
+        initializeMemberSetIfNeeded();
+    }
+    void initializeMemberSet(unsigned, MemberSet *) {}
+};
+
 class ComponentMetaType final : public PersistedMetaType<Component> {
 } s_component;
 class PartMetaType final : public PersistedMetaType<Part> {
 } s_part;
 
+class AskedMetaType final : public PersistedMetaType<Asked> {
+} s_asked;
+
 EntityMetaType * Component::s_metaType() { return &s_component; }
 EntityMetaType * Part::s_metaType() { return &s_part; }
+EntityMetaType * Asked::s_metaType() { return &s_asked; }
 
 class ComponentTests : public testing::Test {
 protected:
@@ -143,6 +178,25 @@ protected:
           m_rOuter(Part::make(PassiveRef<Entity>(m_rComponent))),
           m_rPart(Part::make(PassiveRef<Entity>(m_rOuter))) {
         m_log = Log();
+    }
+    // Puts an object below another by changes that aren't summarized, so that no component is
+    // asked for.
+    template <class Child>
+    static StrongRef<Child> putBelow(StrongRef<ManagedGroupEntity> const & parent,
+                                     StrongRef<Child> const & child) {
+        parent->insertChild(child, 0);
+        child->parent(parent);
+        return child;
+    }
+    // Parts one below another, and the lowest of them.
+    StrongRef<Part> nested(StrongRef<ManagedGroupEntity> const & top, int count) const {
+        StrongRef<Part> part = putBelow(top, StrongRef<Part>(Part::make(m_document.segment())));
+        for (int i = 1; i < count; ++i)
+            part = putBelow(part, StrongRef<Part>(Part::make(m_document.segment())));
+        return part;
+    }
+    StrongRef<Asked> askedBelow(StrongRef<ManagedGroupEntity> const & parent) const {
+        return putBelow(parent, StrongRef<Asked>(Asked::make(m_document.segment())));
     }
     void expectCalls(std::vector<Call> const & calls) const { EXPECT_EQ(m_log.m_calls, calls); }
 
@@ -250,6 +304,77 @@ TEST_F(ComponentTests, InterfacesAnswerToTheirOwnIdOnly) {
               static_cast<IComponent *>(m_rComponent.get()));
     EXPECT_EQ(m_rComponent->queryInterface(IComponentObject::interfaceId()),
               static_cast<IComponentObject *>(m_rComponent.get()));
+}
+
+TEST_F(ComponentTests, ParentsInACircleHaveNoComponent) {
+    for (int const length : {1, 2, 3, 100, 1000}) {
+        StrongRef<Part> const top = Part::make(m_document.segment());
+        StrongRef<Part> const bottom = length == 1 ? top : nested(top, length - 1);
+        StrongRef<Part> const below = Part::make(PassiveRef<Entity>(bottom));
+        top->parent(bottom);
+        EXPECT_EQ(top->component(), nullptr) << length;
+        EXPECT_EQ(below->component(), nullptr) << length;
+        below->value(1);
+        top->nullParent();
+    }
+    expectCalls({});
+}
+
+TEST_F(ComponentTests, AnObjectInACircleMayHaveItsOwnAnswer) {
+    StrongRef<Part> const top = Part::make(m_document.segment());
+    StrongRef<Asked> const asked = askedBelow(nested(top, 100));
+    StrongRef<Part> const bottom = nested(asked, 100);
+    top->parent(bottom);
+    asked->m_pInstead = m_rComponent.get();
+    EXPECT_EQ(bottom->component(), m_rComponent.get());
+    EXPECT_EQ(asked->m_pAbove, nullptr);
+    top->nullParent();
+}
+
+TEST_F(ComponentTests, ValueChangeBelow200000NestedObjectsTellsTheComponent) {
+    StrongRef<Part> const bottom = nested(m_rPart, 200000);
+    m_log.m_calls.clear();
+    Vn::Testing::onSmallStack([&] { bottom->value(1); });
+    expectCalls({{Call::Pre, bottom.get(), DataChange::ChangeValue},
+                 {Call::Post, bottom.get(), DataChange::ChangeValue}});
+}
+
+// Near the object and far above it alike.
+TEST_F(ComponentTests, AnOverrideOnTheWayIsAskedOnceAndItsAnswerCounts) {
+    for (int const depth : {1, 10, 1000}) {
+        StrongRef<Component> const other = Component::make(m_document.segment(), m_log);
+        StrongRef<Asked> const asked = askedBelow(nested(m_rPart, depth));
+        StrongRef<Part> const bottom = nested(asked, depth);
+        EXPECT_EQ(bottom->component(), m_rComponent.get()) << depth;
+        EXPECT_EQ(asked->m_pAbove, m_rComponent.get()) << depth;
+        EXPECT_EQ(asked->m_asked, 1) << depth;
+        asked->m_pInstead = other.get();
+        EXPECT_EQ(bottom->component(), other.get()) << depth;
+        EXPECT_EQ(asked->m_pAbove, m_rComponent.get()) << depth;
+        asked->m_pOwn = other.get();
+        EXPECT_EQ(bottom->component(), other.get()) << depth;
+        EXPECT_EQ(asked->m_asked, 3) << depth;
+    }
+}
+
+TEST_F(ComponentTests, OverridesOneBelowAnotherAreAskedOnceEach) {
+    std::vector<StrongRef<Asked>> all;
+    for (int i = 0; i < 20000; ++i)
+        all.push_back(i == 0 ? askedBelow(m_rPart) : askedBelow(all.back()));
+    Vn::Testing::onSmallStack([&] {
+        EXPECT_EQ(all.back()->component(), m_rComponent.get());
+    });
+    for (StrongRef<Asked> const & asked : all)
+        ASSERT_EQ(asked->m_asked, 1);
+}
+
+TEST_F(ComponentTests, ANullChildIsNoComponentObject) {
+    m_rOuter->insertChild(nullptr, 0);
+    ASSERT_EQ(m_rOuter->componentObjectChildren(), 2U);
+    EXPECT_EQ(m_rOuter->componentObjectChild(0), nullptr);
+    EXPECT_EQ(m_rOuter->componentObjectChild(1), static_cast<IComponentObject *>(m_rPart.get()));
+    m_rPart->value(1);
+    EXPECT_EQ(m_log.m_calls.size(), 2U);
 }
 
 // --- Summaries ----------------------------------------------------------------------------------

@@ -10,7 +10,7 @@
 #include "Platform/Base/TextCommandService.h"
 #include "Platform/Base/UnitTest.h"
 #include "Server/CommonData/Expressions/ValueFormatter.h"
-#include "Server/CommonData/Expressions/WorkedExpressions.h"
+#include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
 #include "Tests/CommonData/Expressions/ExpressionsTesting.h"
 
 namespace Vn::Expressions {

@@ -5,7 +5,7 @@
 #include <random>
 #include <span>
 
-#include "Server/CommonData/Expressions/WorkedExpressions.h"
+#include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
 #include "Tests/CommonData/Expressions/ExpressionsTesting.h"
 
 namespace Vn::Expressions {

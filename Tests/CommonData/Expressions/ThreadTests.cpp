@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "Server/CommonData/Expressions/Tokens.h"
-#include "Server/CommonData/Expressions/WorkedExpressions.h"
+#include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
 #include "Tests/CommonData/Expressions/ExpressionsTesting.h"
 
 namespace Vn::Expressions {

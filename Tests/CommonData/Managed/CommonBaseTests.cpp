@@ -176,6 +176,23 @@ TEST_F(CommonBaseTests, WithoutAParentThereIsNoAncestor) {
     EXPECT_EQ(top->commonDataAncestor(), nullptr);
 }
 
+TEST_F(CommonBaseTests, ParentsInACircleHaveNoAncestor) {
+    for (int const length : {1, 2, 3, 1000}) {
+        StrongRef<DataGroup> const top = DataGroup::make(m_document.segment());
+        StrongRef<DataGroup> bottom = top;
+        for (int i = 1; i < length; ++i)
+            bottom = DataGroup::make(PassiveRef<Entity>(bottom));
+        StrongRef<Data> const data = Data::make(PassiveRef<Entity>(bottom));
+        EXPECT_EQ(data->commonDataAncestor(), top) << length;
+        bottom->addChild(top); // which has no parent yet
+        EXPECT_EQ(top->commonDataParent(), bottom) << length;
+        EXPECT_EQ(top->commonDataAncestor(), nullptr) << length;
+        EXPECT_EQ(data->commonDataAncestor(), nullptr) << length;
+        top->nullParent();
+        bottom->removeChild(top);
+    }
+}
+
 TEST_F(CommonBaseTests, AClientIsSetInAStructuralChangeAndObserved) {
     StrongRef<Data> const data = Data::make(m_document.segment());
     EXPECT_EQ(data->commonDataClientObject(), nullptr);

@@ -244,6 +244,42 @@ TEST_F(CustomGroupTests, RemoveGroupChildTakesItsMemberWhateverAHookHasRemovedMe
     }
 }
 
+TEST_F(CustomGroupTests, AnInsertionIntoAListThatAHookHasShortenedGoesToItsEnd) {
+    m_rTop->addGroupChild(m_things[0].get());
+    m_rTop->addGroupChild(m_things[1].get());
+    Recorder recorder(*m_rTop);
+    recorder.m_onPre = [&](DataChange *) {
+        if (recorder.m_told.size() == 1) m_rTop->removeGroupChild(m_things[0].get());
+    };
+    m_document.step([&] { m_rTop->insertGroupChild(m_things[2].get(), 2); });
+    m_rTop->unsubscribe(&recorder);
+    EXPECT_EQ(members(*m_rTop), things({1, 2}));
+    m_document.undo();
+    EXPECT_EQ(members(*m_rTop), things({0, 1}));
+    m_document.redo();
+    EXPECT_EQ(members(*m_rTop), things({1, 2}));
+}
+
+TEST_F(CustomGroupTests, AHookThatEndsTheGroupOfTheTargetDoesNoHarmToAMove) {
+    addAll();
+    StrongRef<CustomGroup> other = CustomGroup::make(m_rGroups, m_rTop.get());
+    StrongRef<Grouped> const target = Grouped::make(PassiveRef<Entity>(m_rTree));
+    StrongRef<Grouped> const further = Grouped::make(PassiveRef<Entity>(m_rTree));
+    other->addGroupChild(target.get());
+    other->addGroupChild(further.get());
+    PassiveRef<CustomGroup> const passive(other);
+    Recorder recorder(*m_rTop);
+    recorder.m_onPost = [&](DataChange *) {
+        if (!other) return;
+        m_rGroups->removeChild(other);
+        other.reset();
+    };
+    reorderGroupedEntity(m_things[0].get(), further.get(), true);
+    m_rTop->unsubscribe(&recorder);
+    EXPECT_EQ(members(*m_rTop), things({1, 2}));
+    EXPECT_FALSE(passive);
+}
+
 TEST_F(CustomGroupTests, NullAndAbsentMembersAreIgnored) {
     m_rTop->addGroupChild(m_things[0].get());
     Recorder recorder(*m_rTop);

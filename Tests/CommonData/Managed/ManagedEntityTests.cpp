@@ -8,6 +8,7 @@
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/ScriptableObject.h"
 #include "Platform/Scene/INodeSource.h"
+#include "Tests/Base/SmallStack.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
 #include "Tests/DataModel/DocumentEngine.h"
 
@@ -254,6 +255,23 @@ TEST(ManagedEntityTests, ParentsThatLeadInACircleLeadToNothing) {
     ObjectPath const path;
     EXPECT_EQ(one->getChildObject(Onk(), path), nullptr);
     EXPECT_EQ(one->_parentGroupNode(), nullptr);
+}
+
+TEST(ManagedEntityTests, GetChildObjectThroughAChainOf100000LeavesIsTheGroupsAnswer) {
+    Document const document;
+    StrongRef<Group> const group = Group::make(document.segment());
+    std::vector<StrongRef<Leaf>> chain = makeLeaves(group, 1);
+    for (int i = 0; i < 100000; ++i)
+        chain.push_back(Leaf::make(PassiveRef<Entity>(chain.back())));
+    ObjectPath const path;
+    Vn::Testing::onSmallStack([&] {
+        EXPECT_EQ(chain.back()->getChildObject(Onk(L"CmnData", 0), path),
+                  static_cast<IScriptableObject *>(chain.front().get()));
+        EXPECT_EQ(chain.back()->getChildObject(Onk(L"CmnData", 1), path), nullptr);
+        chain.front()->parent(chain.back());
+        EXPECT_EQ(chain.back()->getChildObject(Onk(L"CmnData", 0), path), nullptr);
+    });
+    chain.front()->nullParent();
 }
 
 TEST(ManagedEntityTests, ParentsThatLeadInACircleAreNotSaved) {

@@ -9,9 +9,11 @@
 
 #include <gtest/gtest.h>
 
+#include "Platform/DataModel/DocumentFile.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Server/CommonData/Managed/ManagedEntityUtils.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
+#include "Tests/DataModel/DocumentEngine.h"
 
 namespace Vn::Managed::Testing {
 
@@ -140,6 +142,73 @@ TEST_F(ManagedGroupEntityTests, InsertChildIsAStructuralChangeWithTheIndex) {
     EXPECT_EQ(catcher.m_caught[0].managedEntity(), leaf);
     EXPECT_EQ(catcher.m_caught[0].changeType(), Details::ChildInserted);
     EXPECT_EQ(catcher.m_caught[0].insertionIndex(), 1U);
+}
+
+TEST_F(ManagedGroupEntityTests, AnInsertionIntoAListThatAHookHasShortenedGoesToItsEnd) {
+    auto const leaves = makeLeaves(m_rGroup, 3);
+    StrongRef<Leaf> const fresh = Leaf::make(m_document.segment());
+    Recorder recorder(*m_rGroup);
+    recorder.m_onPre = [&](DataChange *) {
+        if (recorder.m_told.size() != 1) return;
+        m_rGroup->removeChild(leaves[0]);
+        m_rGroup->removeChild(leaves[2]);
+    };
+    m_document.step([&] { m_rGroup->insertChild(fresh, 3); });
+    m_rGroup->unsubscribe(&recorder);
+    EXPECT_EQ(m_rGroup->childrenVector(), (Children{leaves[1], fresh}));
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), pick(leaves, {0, 1, 2}));
+    m_document.redo();
+    EXPECT_EQ(m_rGroup->childrenVector(), (Children{leaves[1], fresh}));
+}
+
+TEST_F(ManagedGroupEntityTests, ANullChildIsPassedOverByAllThatWalk) {
+    auto const leaves = makeLeaves(m_rGroup, 2);
+    m_document.step([&] { m_rGroup->insertChild(nullptr, 1); });
+    Children const all{leaves[0], nullptr, leaves[1]};
+    ASSERT_EQ(m_rGroup->childrenVector(), all);
+    Onk onk;
+    leaves[1]->getOnk(onk);
+    EXPECT_EQ(onk, Onk(L"CmnData", 2));
+    ObjectPath const path;
+    EXPECT_EQ(m_rGroup->getChildObject(Onk(L"CmnData", 1), path), nullptr);
+    EXPECT_EQ(m_rGroup->getChildObject(Onk(L"CmnData", 2), path),
+              static_cast<IScriptableObject *>(leaves[1].get()));
+    EXPECT_NE(m_rGroup->toString().find(L"children : 3"), std::wstring::npos);
+    reorderEntity(nullptr, leaves[0], true);
+    reorderEntity(leaves[0], nullptr, true);
+    EXPECT_EQ(m_rGroup->childrenVector(), all);
+    m_document.step([&] { reorderEntity(leaves[1], leaves[0], false); });
+    EXPECT_EQ(m_rGroup->childrenVector(), (Children{leaves[1], leaves[0], nullptr}));
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), all);
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), pick(leaves, {0, 1}));
+    m_document.redo();
+    EXPECT_EQ(m_rGroup->childrenVector(), all);
+    m_document.step([&] { m_rGroup->removeChild(nullptr); });
+    EXPECT_EQ(m_rGroup->childrenVector(), pick(leaves, {0, 1}));
+}
+
+TEST_F(ManagedGroupEntityTests, AGroupWithANullChildIsSavedAndLoaded) {
+    if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
+    auto const leaves = makeLeaves(m_rGroup, 2);
+    m_document.segment()->addRoot(m_rGroup, "Top");
+    m_rGroup->insertChild(nullptr, 1);
+    TemporaryFile const file;
+    Status const saved = DocumentFile::saveAs(m_document.asset(), file.path());
+    ASSERT_TRUE(saved) << saved.toString();
+    StrongRef<Asset> asset;
+    Status const loaded = DocumentFile::load(file.path(), nullptr, asset);
+    ASSERT_TRUE(loaded) << loaded.toString();
+    StrongRef<Entity> const root = asset->segment(1U)->rootEntity("Top");
+    auto const * const group = query<ManagedGroupEntity>(root.get());
+    ASSERT_NE(group, nullptr);
+    ASSERT_EQ(group->children(), 3U);
+    EXPECT_EQ(group->child(1), nullptr);
+    Onk onk;
+    group->child(2)->getOnk(onk);
+    EXPECT_EQ(onk, Onk(L"CmnData", 2));
 }
 
 TEST_F(ManagedGroupEntityTests, InsertChildDoesNotTouchTheParentLink) {
@@ -437,6 +506,24 @@ TEST_F(DifferenceTests, EveryPairOfShortListsAgreesWithTheStepsAsTheyAreTold) {
         }
 }
 
+// A place without a child comes and goes without being told as a child.
+TEST_F(DifferenceTests, NullChildrenAreNeitherAddedNorRemoved) {
+    Children const plain = pick(m_leaves, {0, 1});
+    Children const holed{m_leaves[0], nullptr, m_leaves[1]};
+    Difference gone(holed);
+    gone.calculateChildrenDiff(plain);
+    EXPECT_EQ(gone.addedChildren(), some({-1, -1}));
+    EXPECT_TRUE(gone.removedChildren().empty());
+    Difference come(plain);
+    come.calculateChildrenDiff(holed);
+    EXPECT_EQ(come.addedChildren(), some({-1, -1, -1}));
+    EXPECT_TRUE(come.removedChildren().empty());
+    Difference turned(holed);
+    turned.calculateChildrenDiff(Children{m_leaves[1], nullptr, m_leaves[0]});
+    EXPECT_EQ(turned.addedChildren(), some({1, -1, 0}));
+    EXPECT_EQ(turned.removedChildren(), some({0, 1}));
+}
+
 TEST_F(DifferenceTests, CopiesAndClonesHaveAllThreeLists) {
     Difference const made = difference({0, 1}, {1, 2, 3});
     Difference copy(made);
@@ -632,6 +719,20 @@ TEST_F(ReorderTests, AcrossParentsTheSameArithmeticMovesTheChildWhichKeepsItsPar
     // The other stands at 2 there, which isn't below 0 here: the place is 2, before the other.
     reorderEntity(m_leaves[0], others[1], true);
     EXPECT_EQ(other->childrenVector(), (Children{others[0], m_leaves[2], m_leaves[0], others[1]}));
+}
+
+TEST_F(ReorderTests, AHookThatShortensTheListLeavesTheMovedChildAtItsEnd) {
+    Recorder recorder(*m_rGroup);
+    recorder.m_onPost = [&](DataChange *) {
+        if (recorder.m_told.size() != 2) return; // the removal is over
+        m_rGroup->removeChild(m_leaves[1]);
+        m_rGroup->removeChild(m_leaves[2]);
+    };
+    m_document.step([&] { reorderEntity(m_leaves[0], m_leaves[2], true); });
+    m_rGroup->unsubscribe(&recorder);
+    EXPECT_EQ(m_rGroup->childrenVector(), pick(m_leaves, {0}));
+    m_document.undo();
+    EXPECT_EQ(m_rGroup->childrenVector(), pick(m_leaves, {0, 1, 2}));
 }
 
 TEST_F(ReorderTests, NullsAndChildrenWithoutParentOrPlaceChangeNothing) {

@@ -11,7 +11,7 @@
 #include "Platform/DataModel/MetaType.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 
 #ifdef _WIN32
 #define VN_TEST_EXPORT extern "C" __declspec(dllexport)

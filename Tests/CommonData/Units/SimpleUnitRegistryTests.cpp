@@ -1,6 +1,6 @@
 // The registry: one object for one class and magnitude, and units found by text.
 
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 
 #include <algorithm>
 #include <atomic>

@@ -13,7 +13,7 @@
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
-#include "Server/CommonData/Units/SimpleUnitRegistry.h"
+#include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 

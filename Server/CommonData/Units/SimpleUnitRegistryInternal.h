@@ -11,8 +11,8 @@
 // operations may be called from any thread: lookups share a reader lock, and making a clone takes
 // the same lock for writing.
 
-#ifndef VN_SERVER_COMMONDATA_UNITS_SIMPLEUNITREGISTRY_H
-#define VN_SERVER_COMMONDATA_UNITS_SIMPLEUNITREGISTRY_H
+#ifndef VN_SERVER_COMMONDATA_UNITS_SIMPLEUNITREGISTRYINTERNAL_H
+#define VN_SERVER_COMMONDATA_UNITS_SIMPLEUNITREGISTRYINTERNAL_H
 
 #include <atomic>
 #include <map>
@@ -26,14 +26,13 @@
 
 #include "Platform/Base/SpinLock.h"
 #include "Platform/Base/Text.h"
-#include "Server/CommonData/Export.h"
 
 namespace Vn::Units {
 
 class ComplexUnit;
 class SimpleUnit;
 
-class VN_COMMONDATA_API SimpleUnitRegistry {
+class SimpleUnitRegistry {
 public:
     // The one registry of the process.
     static SimpleUnitRegistry & get();

@@ -2,12 +2,11 @@
 // come out.  They settle what the expression language means, and the self-checks "basicExpressionTests"
 // and "unitDisplaySettingsTests" of the group "SmokeTest" hold the engine against them.
 
-#ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_WORKEDEXPRESSIONS_H
-#define VN_SERVER_COMMONDATA_EXPRESSIONS_WORKEDEXPRESSIONS_H
+#ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_WORKEDEXPRESSIONSINTERNAL_H
+#define VN_SERVER_COMMONDATA_EXPRESSIONS_WORKEDEXPRESSIONSINTERNAL_H
 
 #include <span>
 
-#include "Server/CommonData/Export.h"
 #include "Server/CommonData/Units/UnitContext.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 
@@ -39,18 +38,17 @@ struct WorkedDisplay {
 };
 
 // The two tables, which live as long as the module.
-VN_COMMONDATA_API std::span<WorkedExpression const> workedExpressions();
-VN_COMMONDATA_API std::span<WorkedDisplay const> workedDisplays();
+std::span<WorkedExpression const> workedExpressions();
+std::span<WorkedDisplay const> workedDisplays();
 
 // The context that a row means: "?" expects nothing, an empty text expects a unitless result, and any
 // other text is a unit string.
-VN_COMMONDATA_API Units::UnitContext workedContext(wchar_t const * context);
+Units::UnitContext workedContext(wchar_t const * context);
 
 // The non-standard settings at the beginning of the table, and as the control rows change them.
-VN_COMMONDATA_API Units::UnitDisplaySettings nonStandardSettings();
+Units::UnitDisplaySettings nonStandardSettings();
 // Whether `row` is a control row; if so, it has been applied to `settings`.
-VN_COMMONDATA_API bool applyControlRow(WorkedDisplay const & row,
-                                       Units::UnitDisplaySettings & settings);
+bool applyControlRow(WorkedDisplay const & row, Units::UnitDisplaySettings & settings);
 
 } // namespace Vn::Expressions
 
