@@ -60,13 +60,14 @@ Status DocumentSession::open(std::filesystem::path const & file) {
 }
 
 Status DocumentSession::save() {
+    m_kept.clear();
     Status status = DocumentFile::save(*m_rAsset);
     if (status) marked();
     return status;
 }
 
 Status DocumentSession::saveAs(std::filesystem::path const & file) {
-    Status status = DocumentFile::saveAs(*m_rAsset, file);
+    Status status = DocumentFile::saveAs(*m_rAsset, file, m_kept);
     if (!status) return status;
     m_name = shown(file);
     marked();
@@ -94,6 +95,18 @@ std::wstring DocumentSession::unsavedChanges() const {
     if (count == 1) return name() + L" has a change that isn't saved, " + last;
     return name() + L" has " + std::to_wstring(count) + L" changes that aren't saved, the last " +
            last;
+}
+
+std::wstring DocumentSession::whatWasKept() const {
+    std::wstring text;
+    for (std::filesystem::path const & file : m_kept) {
+        std::filesystem::path before = file;
+        while (before.extension() != ".kept") before.replace_extension();
+        before.replace_extension();
+        text += (text.empty() ? L"" : L"\n") + shown(before) +
+                L", which was left beside it, is kept as " + shown(file.filename());
+    }
+    return text;
 }
 
 std::wstring DocumentSession::name() const {

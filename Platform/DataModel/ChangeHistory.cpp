@@ -1010,8 +1010,7 @@ void ChangeHistory::replayRoot(ChangeLog & log, std::size_t end) {
                           static_cast<std::size_t>(payload[2]));
     auto * const old = reinterpret_cast<Entity *>(static_cast<std::uintptr_t>(record.m_leaves));
     std::size_t const place = segment.rootPlace(key);
-    Entity * const present =
-        place < segment.m_roots.size() ? segment.m_roots[place].second.get() : nullptr;
+    Entity * const present = segment.rootUnder(key);
     if (m_pInverse)
         rootChanging(segment, key, present ? place : static_cast<std::size_t>(payload[1]), present);
     segment.placeRoot(StrongRef<Entity>(old), key, static_cast<std::size_t>(payload[1]));
