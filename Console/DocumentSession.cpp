@@ -1,5 +1,8 @@
 #include "Console/DocumentSession.h"
 
+#include <memory>
+#include <new>
+
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/DocumentFile.h"
@@ -77,9 +80,18 @@ Status DocumentSession::saveAs(std::filesystem::path const & file) {
 void DocumentSession::change(std::wstring_view name, std::function<void()> const & work) {
     std::size_t const before = history().undoSteps();
     std::size_t const bytes = history().bytes();
+    // To take a change back needs memory, which may just have run out.
+    constexpr std::size_t c_reserve = std::size_t{16} << 20;
+    std::unique_ptr<char[]> reserve(new (std::nothrow) char[c_reserve]);
     Transaction transaction(*m_rAsset, name);
-    work();
-    transaction.commit();
+    try {
+        work();
+        transaction.commit();
+    } catch (std::bad_alloc const &) {
+        reserve.reset();
+        throw;
+    }
+    reserve.reset();
     if (history().undoSteps() == before && history().bytes() == bytes) return; // nothing changed
     // A new step takes the place of those that could have been redone, and the oldest steps go when
     // there are too many.

@@ -97,9 +97,10 @@ bool Database::hasMoved() const { return OwnFiles::isMoved(&fileHandle()); }
 
 void Database::beginEmpty() {
     m_pFiles->ignoreJournal();
-    run("PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=OFF; PRAGMA synchronous=FULL");
-    // Nothing of what is in the file from now on is another program's.
+    // Nothing of what is in the file from now on is another program's.  The engine does without a journal
+    // only if it needn't defend itself.
     sqlite3_db_config(m_pDatabase, SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
+    run("PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=OFF; PRAGMA synchronous=FULL");
 }
 
 bool Database::readHeader(Header & header) const {

@@ -173,6 +173,7 @@ TEST_F(DocumentFileRangeTests, aLimitOfFileSizesIsToldAsWhatItIs) {
     }
     EXPECT_FALSE(std::filesystem::exists(m_other.path()));
     EXPECT_FALSE(std::filesystem::exists(m_other.text() + ".saving"));
+    EXPECT_FALSE(std::filesystem::exists(m_other.text() + ".saving-journal"));
     ASSERT_TRUE(open(m_file.path()));
     EXPECT_EQ(open(m_file.path())->entities(), 1U);
     EXPECT_TRUE(DocumentFile::save(*asset));
