@@ -70,7 +70,7 @@ Status DocumentSession::save() {
 }
 
 Status DocumentSession::saveAs(std::filesystem::path const & file) {
-    Status status = DocumentFile::saveAs(*m_rAsset, file, m_kept);
+    Status status = DocumentFile::saveAsKeeping(*m_rAsset, file, m_kept);
     if (!status) return status;
     m_name = shown(file);
     marked();

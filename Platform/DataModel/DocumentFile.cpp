@@ -86,11 +86,11 @@ Status DocumentFile::save(Asset & asset) {
 
 Status DocumentFile::saveAs(Asset & asset, std::filesystem::path const & file) {
     std::vector<std::filesystem::path> kept;
-    return saveAs(asset, file, kept);
+    return saveAsKeeping(asset, file, kept);
 }
 
-Status DocumentFile::saveAs(Asset & asset, std::filesystem::path const & file,
-                            std::vector<std::filesystem::path> & kept) {
+Status DocumentFile::saveAsKeeping(Asset & asset, std::filesystem::path const & file,
+                                   std::vector<std::filesystem::path> & kept) {
     kept.clear();
     if (file.empty()) return Status::invalidArgument(c_save, {}, "the name is empty");
     if (Status const refused = refuseWithinChanges(asset, file); !refused) return refused;

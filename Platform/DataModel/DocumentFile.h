@@ -59,10 +59,11 @@ public:
     // A crash may have left something beside the name that could be somebody's only copy: a journal that
     // brings a document back which was moved away, or a document that was complete and not yet given its
     // name.  It isn't removed, and doesn't get in the way of the new file: it gets ".kept" after its name, or
-    // ".kept.2" and so on, and `kept` gets the new names.
+    // ".kept.2" and so on.
     static Status saveAs(Asset & asset, std::filesystem::path const & file);
-    static Status saveAs(Asset & asset, std::filesystem::path const & file,
-                         std::vector<std::filesystem::path> & kept);
+    // The same, and gives the new names of what was kept; none after a failure.
+    static Status saveAsKeeping(Asset & asset, std::filesystem::path const & file,
+                                std::vector<std::filesystem::path> & kept);
     // Opens a document.  After a failure `asset` is null.  `type` as in Asset::make.  If a crash cut a save
     // short, the file is first brought back to what it was before, by the journal beside it.  No other file
     // is touched: a journal that names another file is refused, and stays.

@@ -137,6 +137,42 @@ TEST_F(DocumentFileRangeTests, whatACheckPassesALoadTakes) {
     }
 }
 
+// Of many roots each is found by its key and by its entity, and an undo puts it back where it was.
+TEST_F(DocumentFileRangeTests, manyRootsComeBackInTheirOrder) {
+    constexpr int c_roots = 80'000;
+    StrongRef<Asset> const asset = open(m_file.path());
+    ASSERT_TRUE(asset);
+    Segment & segment = *design(*asset);
+    StrongRef<Row> const row = root(*asset);
+    for (int i = 0; i < c_roots; ++i) segment.addRoot(row, "key " + std::to_string(i));
+    ASSERT_TRUE(DocumentFile::save(*asset));
+    StrongRef<Asset> const loaded = open(m_file.path());
+    std::vector<std::string> before;
+    std::vector<std::string> after;
+    design(*loaded)->rootEntityIds(before);
+    ASSERT_EQ(before.size(), c_roots + 1U);
+    EXPECT_EQ(before.front(), "root");
+    EXPECT_EQ(before.back(), "key " + std::to_string(c_roots - 1));
+    EXPECT_EQ(*design(*loaded)->rootKey(root(*loaded).get()), "root");
+
+    StrongRef<Entity> const target = root(*loaded);
+    {
+        Transaction transaction(*loaded, L"Take every third out");
+        for (std::size_t i = 0; i < before.size(); i += 3)
+            design(*loaded)->addRoot(nullptr, before[i]);
+        design(*loaded)->addRoot(target, "root"); // at the end now
+        transaction.commit();
+    }
+    EXPECT_EQ(*design(*loaded)->rootKey(target.get()), "key 0");
+    design(*loaded)->rootEntityIds(after);
+    EXPECT_EQ(after.back(), "root");
+    ASSERT_TRUE(loaded->history().undo());
+    design(*loaded)->rootEntityIds(after);
+    EXPECT_EQ(after, before);
+    ASSERT_TRUE(loaded->history().redo());
+    EXPECT_EQ(*design(*loaded)->rootKey(target.get()), "key 0");
+}
+
 TEST_F(DocumentFileRangeTests, aTypeBehindTheLastNumberIsRefused) {
     Sql(m_file.path()).run("UPDATE members SET type=1000000; UPDATE types SET number=1000000 WHERE "
                            "table_name IS NOT NULL");

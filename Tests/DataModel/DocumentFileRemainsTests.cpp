@@ -110,7 +110,7 @@ TEST_F(DocumentFileRemainsTests, aLeftoverJournalDoesntDestroyANewDocument) {
         bool const isLeft = fs::exists(file.text() + "-journal");
 
         StrongRef<Asset> const other = randomDocument(call + 1000, 30);
-        VN_EXPECT_OK(DocumentFile::saveAs(*other, file.path(), m_kept));
+        VN_EXPECT_OK(DocumentFile::saveAsKeeping(*other, file.path(), m_kept));
         expectSaved(*other, file.path());
         EXPECT_FALSE(fs::exists(file.text() + "-journal"));
         // The journal brings the file back that was moved away.
@@ -131,7 +131,7 @@ TEST_F(DocumentFileRemainsTests, whatIsKeptTakesNoNameThatIsThere) {
     write(m_file.text() + "-journal.kept", "two");
     write(m_file.text() + "-wal", "three");
     StrongRef<Asset> const asset = randomDocument(1, 10);
-    VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path(), m_kept));
+    VN_EXPECT_OK(DocumentFile::saveAsKeeping(*asset, m_file.path(), m_kept));
     EXPECT_THAT(m_kept, ElementsAre(fs::path(m_file.text() + "-journal.kept.2"),
                                     fs::path(m_file.text() + "-wal.kept")));
     EXPECT_EQ(contentOf(m_kept.front()), "one");
@@ -180,7 +180,7 @@ TEST_F(DocumentFileRemainsTests, aForgedJournalDeletesNoStrangersFile) {
     EXPECT_EQ(contentOf(m_file.text() + "-journal"), journal);
     EXPECT_EQ(contentOf(m_file.path()), document);
     // In place of the document another is saved, and the journal isn't lost.
-    VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path(), m_kept));
+    VN_EXPECT_OK(DocumentFile::saveAsKeeping(*asset, m_file.path(), m_kept));
     EXPECT_THAT(m_kept, ElementsAre(fs::path(m_file.text() + "-journal.kept")));
     EXPECT_EQ(contentOf(strange), "a stranger's");
     expectSaved(*asset, m_file.path());
@@ -203,7 +203,7 @@ TEST_F(DocumentFileRemainsTests, aLinkUnderTheNameOfTheFileToWriteIsntFollowed) 
     std::string const bytes = contentOf(m_other.path());
     StrongRef<Asset> const asset = randomDocument(5, 10);
     fs::create_symlink(m_other.path(), m_file.text() + ".saving");
-    VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path(), m_kept));
+    VN_EXPECT_OK(DocumentFile::saveAsKeeping(*asset, m_file.path(), m_kept));
     EXPECT_THAT(m_kept, ElementsAre(fs::path(m_file.text() + ".saving.kept")));
     EXPECT_EQ(contentOf(m_other.path()), bytes);
     EXPECT_FALSE(fs::is_symlink(m_file.path()));
@@ -220,7 +220,7 @@ TEST_F(DocumentFileRemainsTests, aWholeDocumentThatHadNoNameYetIsKept) {
     VN_EXPECT_OK(DocumentFile::saveAs(*first, m_file.path()));
     fs::rename(m_file.path(), m_file.text() + ".saving");
     StrongRef<Asset> const asset = randomDocument(7, 10);
-    VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path(), m_kept));
+    VN_EXPECT_OK(DocumentFile::saveAsKeeping(*asset, m_file.path(), m_kept));
     expectSaved(*asset, m_file.path());
     ASSERT_THAT(m_kept, ElementsAre(fs::path(m_file.text() + ".saving.kept")));
     expectSaved(*first, m_kept.front());
@@ -233,7 +233,7 @@ TEST_F(DocumentFileRemainsTests, whatASaveThatWasCutShortHadWrittenIsRemoved) {
     for (std::string const & written :
          {std::string(), std::string(8192, '\0'), whole.substr(0, whole.size() / 2)}) {
         write(m_file.text() + ".saving", written);
-        VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path(), m_kept));
+        VN_EXPECT_OK(DocumentFile::saveAsKeeping(*asset, m_file.path(), m_kept));
         EXPECT_THAT(m_kept, IsEmpty());
         EXPECT_FALSE(fs::exists(m_file.text() + ".saving"));
         EXPECT_FALSE(fs::exists(m_file.text() + ".saving.kept"));
@@ -372,7 +372,7 @@ TEST_F(DocumentFileRemainsTests, theFileOfAKilledSaveIsBusyOnlyWhileItLives) {
         EXPECT_THAT(status.toString(), HasSubstr("another program is saving it"));
         EXPECT_TRUE(fs::exists(saving));
     }
-    VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path(), m_kept));
+    VN_EXPECT_OK(DocumentFile::saveAsKeeping(*asset, m_file.path(), m_kept));
     EXPECT_THAT(m_kept, IsEmpty());
     expectSaved(*asset, m_file.path());
 }

@@ -152,7 +152,7 @@ private:
         }
         StrongRef<Asset> const asset = randomDocument(static_cast<unsigned>(m_random()), 400);
         std::vector<fs::path> kept;
-        Status const saved = DocumentFile::saveAs(*asset, m_file, kept);
+        Status const saved = DocumentFile::saveAsKeeping(*asset, m_file, kept);
         if (!saved) return complain(saved.toString());
         for (char const * const ending : {"-journal", ".saving"})
             if (fs::exists(beside(m_file, ending))) return complain("something is left beside the file");
