@@ -193,6 +193,10 @@ int save(std::filesystem::path const & file, bool isNew, bool json, DocumentSess
         err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
         return ExitBadInput;
     }
+    if (std::wstring const kept = session.whatWasKept(); !kept.empty()) {
+        out.flush();
+        err << "note: " << Text::toUtf8(kept) << '\n';
+    }
     if (!json) out << "saved " << Text::toUtf8(session.name()) << '\n';
     return ExitGood;
 }

@@ -1,5 +1,8 @@
 #include "Console/DocumentSession.h"
 
+#include <memory>
+#include <new>
+
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/DocumentFile.h"
@@ -60,13 +63,14 @@ Status DocumentSession::open(std::filesystem::path const & file) {
 }
 
 Status DocumentSession::save() {
+    m_kept.clear();
     Status status = DocumentFile::save(*m_rAsset);
     if (status) marked();
     return status;
 }
 
 Status DocumentSession::saveAs(std::filesystem::path const & file) {
-    Status status = DocumentFile::saveAs(*m_rAsset, file);
+    Status status = DocumentFile::saveAsKeeping(*m_rAsset, file, m_kept);
     if (!status) return status;
     m_name = shown(file);
     marked();
@@ -76,9 +80,18 @@ Status DocumentSession::saveAs(std::filesystem::path const & file) {
 void DocumentSession::change(std::wstring_view name, std::function<void()> const & work) {
     std::size_t const before = history().undoSteps();
     std::size_t const bytes = history().bytes();
+    // To take a change back needs memory, which may just have run out.
+    constexpr std::size_t c_reserve = std::size_t{16} << 20;
+    std::unique_ptr<char[]> reserve(new (std::nothrow) char[c_reserve]);
     Transaction transaction(*m_rAsset, name);
-    work();
-    transaction.commit();
+    try {
+        work();
+        transaction.commit();
+    } catch (std::bad_alloc const &) {
+        reserve.reset();
+        throw;
+    }
+    reserve.reset();
     if (history().undoSteps() == before && history().bytes() == bytes) return; // nothing changed
     // A new step takes the place of those that could have been redone, and the oldest steps go when
     // there are too many.
@@ -94,6 +107,18 @@ std::wstring DocumentSession::unsavedChanges() const {
     if (count == 1) return name() + L" has a change that isn't saved, " + last;
     return name() + L" has " + std::to_wstring(count) + L" changes that aren't saved, the last " +
            last;
+}
+
+std::wstring DocumentSession::whatWasKept() const {
+    std::wstring text;
+    for (std::filesystem::path const & file : m_kept) {
+        std::filesystem::path before = file;
+        while (before.extension() != ".kept") before.replace_extension();
+        before.replace_extension();
+        text += (text.empty() ? L"" : L"\n") + shown(before) +
+                L", which was left beside it, is kept as " + shown(file.filename());
+    }
+    return text;
 }
 
 std::wstring DocumentSession::name() const {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Platform/Base/RefCounted.h"
 #include "Platform/Base/Status.h"
@@ -43,6 +44,8 @@ public:
     Status open(std::filesystem::path const & file);
     Status save();
     Status saveAs(std::filesystem::path const & file);
+    // What the last save found beside the file and gave another name, a line for each; empty if nothing.
+    std::wstring whatWasKept() const;
 
     // Does some work on the document as one step of its history; takes it back if it throws.
     void change(std::wstring_view name, std::function<void()> const & work);
@@ -63,6 +66,7 @@ private:
     StrongRef<Asset> m_rAsset;
     std::wstring m_name; // empty for a document without a file
     std::optional<std::size_t> m_savedStep;
+    std::vector<std::filesystem::path> m_kept;
 };
 
 // New entities, which `parent` lists at its end; and a new group without a parent.

@@ -1,7 +1,9 @@
 #include "Console/DocumentTextCommands.h"
 
 #include <algorithm>
+#include <new>
 #include <sstream>
+#include <stdexcept>
 #include <vector>
 
 #include "Console/DocumentPlace.h"
@@ -75,7 +77,8 @@ Result saveDocumentAs(DocumentSession & session, Parameters const & parameters) 
         return cannot(L"save", shown(file) + L" is there already; /Force replaces it");
     }
     if (Status const status = session.saveAs(file); !status) return {1, textOf(status)};
-    return {0, L"saved " + session.name()};
+    std::wstring const kept = session.whatWasKept();
+    return {0, L"saved " + session.name() + (kept.empty() ? L"" : L'\n' + kept)};
 }
 
 Result showTree(DocumentSession const & session, Parameters const & parameters,
@@ -241,7 +244,14 @@ private:
             return cannot(m_command.purpose, L"no document is open; Document.New makes one, and "
                                              L"Document.Open FILE opens one");
         }
-        return m_command.write ? write(parameters) : m_command.run(m_rSession, parameters);
+        // A change that throws was taken back.
+        try {
+            return m_command.write ? write(parameters) : m_command.run(m_rSession, parameters);
+        } catch (std::bad_alloc const &) {
+            return cannot(m_command.purpose, L"memory ran out; the document is as it was before");
+        } catch (std::length_error const & error) {
+            return cannot(m_command.purpose, Text::fromUtf8(error.what()));
+        }
     }
 
     TextCommandResult write(TextCommandParameters const & parameters) {

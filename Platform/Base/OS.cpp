@@ -24,7 +24,9 @@
 #else
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <sched.h>
+#include <signal.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #endif
@@ -262,6 +264,103 @@ Status renameFile(std::filesystem::path const & from, std::filesystem::path cons
     return Status::fromErrno(errno, "rename the file", pathText(from));
 #endif
 }
+
+Status renameToFreeName(std::filesystem::path const & from, std::filesystem::path const & to) {
+    constexpr char c_operation[] = "rename the file";
+#ifdef _WIN32
+    if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH)) return Status::success();
+    std::error_code const error = lastError();
+    if (error.value() == ERROR_ALREADY_EXISTS || error.value() == ERROR_FILE_EXISTS)
+        return Status(StatusAlreadyExists, c_operation, pathText(from), errorText(error));
+    return Status::io(c_operation, pathText(from), errorText(error));
+#else
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return Status::success();
+    if (errno != EINVAL && errno != ENOSYS)
+        return Status::fromErrno(errno, c_operation, pathText(from));
+    // The file system can't do it in one step.  A second name is given to nothing but a free one.
+    if (linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) != 0)
+        return Status::fromErrno(errno, c_operation, pathText(from));
+    if (unlink(from.c_str()) == 0) return Status::success();
+    int const error = errno;
+    unlink(to.c_str());
+    return Status::fromErrno(error, c_operation, pathText(from));
+#endif
+}
+
+Status createFile(std::filesystem::path const & file) {
+    constexpr char c_operation[] = "make the file";
+#ifdef _WIN32
+    HANDLE const handle = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle != INVALID_HANDLE_VALUE) {
+        CloseHandle(handle);
+        return Status::success();
+    }
+    std::error_code const error = lastError();
+    EStatus code = StatusIO;
+    switch (error.value()) {
+    case ERROR_FILE_EXISTS:
+    case ERROR_ALREADY_EXISTS: code = StatusAlreadyExists; break;
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND: code = StatusNotFound; break;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT: code = StatusAccessDenied; break;
+    case ERROR_SHARING_VIOLATION: code = StatusBusy; break;
+    case ERROR_DISK_FULL: code = StatusNoSpace; break;
+    default: break;
+    }
+    return Status(code, c_operation, pathText(file), errorText(error));
+#else
+    constexpr int c_flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    int const handle = open(file.c_str(), c_flags, 0644);
+    if (handle < 0) return Status::fromErrno(errno, c_operation, pathText(file));
+    close(handle);
+    return Status::success();
+#endif
+}
+
+#ifdef _WIN32
+
+FileSizeLimitFails::FileSizeLimitFails() noexcept = default;
+FileSizeLimitFails::~FileSizeLimitFails() = default;
+bool FileSizeLimitFails::wasReached() const noexcept { return false; }
+
+#else
+
+namespace {
+
+sigset_t fileSizeSignal() noexcept {
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGXFSZ);
+    return signals;
+}
+
+} // namespace
+
+FileSizeLimitFails::FileSizeLimitFails() noexcept {
+    sigset_t const signals = fileSizeSignal();
+    sigset_t before;
+    m_bBlocked = pthread_sigmask(SIG_BLOCK, &signals, &before) == 0
+        && sigismember(&before, SIGXFSZ) == 0;
+}
+
+bool FileSizeLimitFails::wasReached() const noexcept {
+    sigset_t pending;
+    return m_bBlocked && sigpending(&pending) == 0 && sigismember(&pending, SIGXFSZ) == 1;
+}
+
+FileSizeLimitFails::~FileSizeLimitFails() {
+    if (!m_bBlocked) return;
+    // One that a write has caused is taken away, or it would come now.
+    sigset_t const signals = fileSizeSignal();
+    timespec const now{};
+    while (sigtimedwait(&signals, nullptr, &now) < 0 && errno == EINTR) {}
+    pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+}
+
+#endif
 
 Status syncDirectory([[maybe_unused]] std::filesystem::path const & directory) {
 #ifndef _WIN32

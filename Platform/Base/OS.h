@@ -79,6 +79,13 @@ VN_BASE_API std::string className(char const * name);
 // the one or the other, never neither.
 [[nodiscard]] VN_BASE_API Status renameFile(std::filesystem::path const & from,
                                             std::filesystem::path const & to);
+// Gives a file another name that is free.  What has the name stays, a link too, and the answer is
+// StatusAlreadyExists.  A link is renamed itself, not what it leads to.
+[[nodiscard]] VN_BASE_API Status renameToFreeName(std::filesystem::path const & from,
+                                                  std::filesystem::path const & to);
+// Makes an empty file with a name that is free.  What has the name stays, and nothing is followed if it
+// is a link: the answer is StatusAlreadyExists.
+[[nodiscard]] VN_BASE_API Status createFile(std::filesystem::path const & file);
 // Waits until the names in a directory are on the disk, where the system has such a thing.
 [[nodiscard]] VN_BASE_API Status syncDirectory(std::filesystem::path const & directory);
 
@@ -89,6 +96,21 @@ inline constexpr bool c_renamesOpenFiles =
 #else
     true;
 #endif
+
+// While it lives, a write of this thread beyond the size that files may have fails like any other
+// write.  Elsewhere it ends the process, on systems with such a limit.
+class VN_BASE_API FileSizeLimitFails {
+public:
+    FileSizeLimitFails() noexcept;
+    ~FileSizeLimitFails();
+    // Whether a write has failed for that.
+    bool wasReached() const noexcept;
+    FileSizeLimitFails(FileSizeLimitFails const &) = delete;
+    FileSizeLimitFails & operator=(FileSizeLimitFails const &) = delete;
+
+private:
+    [[maybe_unused]] bool m_bBlocked = false; // the signal, by this object
+};
 
 // A module loaded at run time.  It is unloaded with the object, unless `keep` was called.
 class VN_BASE_API Module {

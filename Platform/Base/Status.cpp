@@ -29,6 +29,7 @@ EStatus codeOfErrno(int error) {
     case EROFS:
         return StatusAccessDenied;
     case ENOSPC:
+    case EFBIG: // there is a limit, and it is reached
 #ifdef EDQUOT
     case EDQUOT:
 #endif

@@ -1,6 +1,7 @@
 #include "Platform/DataModel/Asset.h"
 
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 #include "Platform/DataModel/AssetAdapter.h"
@@ -33,7 +34,7 @@ Asset::~Asset() {
     m_bClosing = true;
     m_history.lifetimes().clear();
     for (auto const & segment : m_segments) {
-        segment->m_roots.clear();
+        segment->clearRoots();
         segment->m_unowned.clear();
     }
 
@@ -87,6 +88,12 @@ std::vector<Entity *> Asset::allEntities() const {
 }
 
 bool Asset::isDirty() const noexcept { return !m_history.isClean(); }
+
+unsigned long long Asset::takeId() {
+    if (m_nextId >= DataModel::c_idLimit)
+        throw std::length_error("the document has no ids left for new entities");
+    return m_nextId++;
+}
 
 void Asset::enter(Entity & entity) { m_pTable->add(entity.id(), &entity); }
 

@@ -99,6 +99,8 @@ private:
 
     explicit Asset(AssetType const * type);
 
+    // The id of a new entity.  Throws std::length_error once there are none left.
+    unsigned long long takeId();
     // Enter and leave the table of entities.
     void enter(Entity & entity);
     void leave(Entity & entity) noexcept;

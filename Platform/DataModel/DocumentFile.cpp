@@ -5,6 +5,7 @@
 #include <new>
 #include <utility>
 
+#include "Platform/Base/OS.h"
 #include "Platform/DataModel/DocumentFileCheckerInternal.h"
 #include "Platform/DataModel/DocumentFileEngineInternal.h"
 #include "Platform/DataModel/DocumentFileReaderInternal.h"
@@ -37,12 +38,16 @@ private:
 // Runs what may throw, and tells the outcome in a Status.
 template <class Work>
 Status guarded(char const * operation, std::filesystem::path const & file, Work && work) {
+    OS::FileSizeLimitFails const limit;
     try {
         if (std::string const & cause = DataModel::missingEngine(); !cause.empty())
             return Status(StatusUnsupported, operation, DataModel::pathText(file), cause);
         work();
         return Status::success();
     } catch (DataModel::FileFailure const & failure) {
+        if (failure.m_status.code() == StatusIO && limit.wasReached())
+            return Status(StatusNoSpace, operation, DataModel::pathText(file),
+                          "it would be larger than files may be");
         return failure.m_status;
     } catch (std::bad_alloc const &) {
         return Status(StatusOutOfMemory, operation);
@@ -61,7 +66,7 @@ Status refuseWithinChanges(Asset & asset, std::filesystem::path const & file) {
     ChangeHistory const & history = asset.history();
     if (!history.isUsable())
         return Status::failed(c_save, DataModel::pathText(file),
-                              "memory ran out in an undo or redo before");
+                              "memory ran out while a change was taken back or made again");
     if (!history.isInTransaction() && !history.isReplaying()) return Status::success();
     return Status::failed(c_save, DataModel::pathText(file),
                           history.isReplaying() ? "an undo or a redo is running"
@@ -80,10 +85,17 @@ Status DocumentFile::save(Asset & asset) {
 }
 
 Status DocumentFile::saveAs(Asset & asset, std::filesystem::path const & file) {
+    std::vector<std::filesystem::path> kept;
+    return saveAsKeeping(asset, file, kept);
+}
+
+Status DocumentFile::saveAsKeeping(Asset & asset, std::filesystem::path const & file,
+                                   std::vector<std::filesystem::path> & kept) {
+    kept.clear();
     if (file.empty()) return Status::invalidArgument(c_save, {}, "the name is empty");
     if (Status const refused = refuseWithinChanges(asset, file); !refused) return refused;
     return guarded(c_save, file,
-                   [&] { Writer(asset, c_save, FileSystemName::get()).saveWhole(file); });
+                   [&] { Writer(asset, c_save, FileSystemName::get()).saveWhole(file, kept); });
 }
 
 Status DocumentFile::load(std::filesystem::path const & file, AssetType const * type,

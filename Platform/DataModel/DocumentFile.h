@@ -13,11 +13,16 @@
 //        savingAgainWritesOnlyWhatChanged]
 //   (F5) No file, whatever its bytes, makes `load` or `check` do more than fail with a reason.
 //        [DocumentFileDamageTests; Tools/fuzz]
-//   (F6) A file that somebody else changed meanwhile isn't written to.  [DocumentFileTests,
+//   (F6) A file that another program has changed since isn't written to.  [DocumentFileTests,
 //        aFileThatSomebodyElseChangedIsntWrittenTo]
 //   (F7) What a save wrote, a load reads: a document whose entities own each other in a circle, or whose
 //        parents lead in one, isn't written, and can be once the circle is gone.
 //        [DocumentFileCirclesTests; ManagedEntityTests, ParentsThatLeadInACircleAreNotSaved]
+//   (F8) Opening a document changes no file but the document, and removes none but its own journal.
+//        Saving one removes nothing besides that could be somebody's only copy, and what lies beside its
+//        name never changes what is in the new file.  [DocumentFileRemainsTests; Tools/crash-save]
+//   (F9) A save whose numbers would leave their ranges is refused, and the old file stays.
+//        [DocumentFileRangeTests]
 
 #ifndef VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
 #define VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
@@ -41,16 +46,27 @@ public:
 
     // Writes the document to the file that it was last loaded from or saved to; only what changed since.
     // After a crash or a failure at any moment the file holds the document as it was before or after the
-    // save.  Refused if somebody else changed the file meanwhile, within a transaction, for a document
-    // without a file, once its history isn't usable, and for one in which an entity owns itself by way of
-    // others or is its own ancestor: the status names it.
+    // save.  Refused if another program has changed or replaced the file since, within a transaction, for a
+    // document without a file, once its history isn't usable, and for one in which an entity owns itself by
+    // way of others or is its own ancestor: the status names it.
     static Status save(Asset & asset);
     // Writes the whole document to a file, in place of one that is there, and makes that the document's
-    // file.  It is written beside its final name, with ".saving" behind it, and given that name once it
+    // file.  It is written beside its final name, with ".saving" after it, and given that name once it
     // is complete and on the disk.  After a failure the document has the file that it had.  Refused within
-    // a transaction, once the document's history isn't usable, and for a circle of entities.
+    // a transaction, once the document's history isn't usable, and for a circle of entities; and with
+    // StatusBusy while another program uses the file or saves under its name.
+    //
+    // A crash may have left something beside the name that could be somebody's only copy: a journal that
+    // brings a document back which was moved away, or a document that was complete and not yet given its
+    // name.  It isn't removed, and doesn't get in the way of the new file: it gets ".kept" after its name, or
+    // ".kept.2" and so on.
     static Status saveAs(Asset & asset, std::filesystem::path const & file);
-    // Opens a document.  After a failure `asset` is null.  `type` as in Asset::make.
+    // The same, and gives the new names of what was kept; none after a failure.
+    static Status saveAsKeeping(Asset & asset, std::filesystem::path const & file,
+                                std::vector<std::filesystem::path> & kept);
+    // Opens a document.  After a failure `asset` is null.  `type` as in Asset::make.  If a crash cut a save
+    // short, the file is first brought back to what it was before, by the journal beside it.  No other file
+    // is touched: a journal that names another file is refused, and stays.
     static Status load(std::filesystem::path const & file, AssetType const * type,
                        StrongRef<Asset> & asset);
 

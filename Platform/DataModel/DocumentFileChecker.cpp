@@ -38,14 +38,13 @@ void DocumentChecker::check() {
     if (!std::filesystem::exists(status)) m_database.fail(StatusNotFound, "there is no such file");
     if (!std::filesystem::is_regular_file(status))
         m_database.fail(StatusInvalidArgument, "it isn't a file");
-    m_database.open(m_database.file(), false);
+    m_database.open(m_database.file());
     try {
         m_schema.checkHeader();
         checkDatabase();
         m_schema.read();
         m_head = m_schema.readHead();
-        Statement row(m_database, "SELECT kind FROM segments");
-        while (row.step()) m_segments.insert(row.integer(0));
+        checkSegments();
         readIds();
         for (FileType const & type : m_schema.types())
             if (!type.m_table.empty()) checkEntities(type);
@@ -66,6 +65,16 @@ void DocumentChecker::checkDatabase() {
     while (row.step()) {
         std::string finding(row.bytes(0));
         if (finding != "ok") found("the database: " + finding);
+    }
+}
+
+void DocumentChecker::checkSegments() {
+    Statement row(m_database, "SELECT kind FROM segments");
+    while (row.step()) {
+        long long const kind = row.integer(0);
+        if (!storedSegment(kind))
+            found("there is no segment of kind " + std::to_string(kind) + " to load");
+        m_segments.insert(kind);
     }
 }
 
@@ -193,7 +202,7 @@ void DocumentChecker::checkChunk(FileType const & type, unsigned long long entit
 }
 
 void DocumentChecker::checkRoots() {
-    Statement row(m_database, "SELECT segment, key, entity FROM roots ORDER BY segment, place");
+    Statement row(m_database, "SELECT segment, key, entity, place FROM roots ORDER BY segment, place");
     std::set<std::pair<long long, std::string>> keys;
     while (row.step()) {
         int const keyType = row.type(1);
@@ -201,6 +210,8 @@ void DocumentChecker::checkRoots() {
         bool const isKey = keyType == SQLITE_BLOB || (keyType == SQLITE_TEXT && isText(key));
         std::string const where = "the root " + (keyType == SQLITE_TEXT && isKey ? key : "");
         if (!isKey) found(where + ": its key isn't a text");
+        if (row.type(0) != SQLITE_INTEGER || row.type(3) != SQLITE_INTEGER)
+            found(where + ": it has no place");
         auto const i = m_segmentOf.find(static_cast<unsigned long long>(row.integer(2)));
         if (row.type(2) != SQLITE_INTEGER || i == m_segmentOf.end())
             found(where + ": there is no such entity");

@@ -25,6 +25,7 @@ public:
 
 private:
     void checkDatabase();
+    void checkSegments();
     void readIds();
     void checkEntities(FileType const & type);
     void checkLists();

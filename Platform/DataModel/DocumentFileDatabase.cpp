@@ -41,20 +41,17 @@ Database::Database(std::string operation, std::filesystem::path file, std::strin
     : m_operation(std::move(operation)), m_file(std::move(file)),
       m_fileSystem(std::move(fileSystem)) {}
 
-void Database::open(std::filesystem::path const & path, bool create) {
+void Database::open(std::filesystem::path const & path) {
     // An absolute path, since a name that begins with "file:" means something else to the engine.
     std::error_code error;
     std::filesystem::path const absolute = std::filesystem::absolute(path, error);
     if (error) fail(StatusInvalidArgument, OS::errorText(error));
-    int const flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE
-        | (create ? SQLITE_OPEN_CREATE : 0);
-    int const result = sqlite3_open_v2(pathText(absolute).c_str(), &m_pDatabase, flags,
-                                       m_fileSystem.empty() ? nullptr : m_fileSystem.c_str());
-    // Where no file can be made the engine looks for one that is there, and tells only of that.
-    if (create && (result & 0xFF) == SQLITE_CANTOPEN
-        && std::filesystem::is_directory(absolute.parent_path(), error)
-        && systemError() == std::errc::no_such_file_or_directory)
-        fail(StatusAccessDenied, "no file can be made in its directory");
+    close();
+    if (int const result = sqlite3_initialize(); result != SQLITE_OK) fail(result);
+    m_pFiles = std::make_unique<OwnFiles>(
+        sqlite3_vfs_find(m_fileSystem.empty() ? nullptr : m_fileSystem.c_str()));
+    constexpr int c_flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+    int const result = m_pFiles->open(pathText(absolute), &m_pDatabase, c_flags);
     // Engines before 3.37 don't know the flag.
     if (result != SQLITE_OK) fail(m_pDatabase ? sqlite3_extended_errcode(m_pDatabase) : result);
     sqlite3_extended_result_codes(m_pDatabase, 1);
@@ -77,31 +74,39 @@ void Database::close() noexcept {
     sqlite3_close_v2(std::exchange(m_pDatabase, nullptr));
 }
 
-void Database::takeEmpty() {
+sqlite3_file & Database::fileHandle() const {
     sqlite3_file * file = nullptr;
     sqlite3_file_control(m_pDatabase, "main", SQLITE_FCNTL_FILE_POINTER, &file);
     if (!file || !file->pMethods) fail(SQLITE_CANTOPEN);
-    int result = file->pMethods->xLock(file, SQLITE_LOCK_SHARED);
-    if (result == SQLITE_OK) result = file->pMethods->xLock(file, SQLITE_LOCK_RESERVED);
-    if (result == SQLITE_OK) result = file->pMethods->xLock(file, SQLITE_LOCK_EXCLUSIVE);
-    if (result != SQLITE_OK) fail(result);
-    // Who held the lock before may have given the file its final name meanwhile: then it isn't ours.
-    int moved = 0;
-    sqlite3_file_control(m_pDatabase, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-    if (moved) fail(SQLITE_BUSY);
-    result = file->pMethods->xTruncate(file, 0);
-    if (result != SQLITE_OK) fail(result);
-    run("PRAGMA locking_mode=EXCLUSIVE");
-    // Nothing of what is in the file from now on is somebody else's.
+    return *file;
+}
+
+bool Database::take() {
+    sqlite3_file & file = fileHandle();
+    for (int const level : {SQLITE_LOCK_SHARED, SQLITE_LOCK_RESERVED, SQLITE_LOCK_EXCLUSIVE}) {
+        int const result = file.pMethods->xLock(&file, level);
+        if (result == SQLITE_OK) continue;
+        file.pMethods->xUnlock(&file, SQLITE_LOCK_NONE);
+        if ((result & 0xFF) == SQLITE_BUSY) return false;
+        fail(result);
+    }
+    return true;
+}
+
+bool Database::hasMoved() const { return OwnFiles::isMoved(&fileHandle()); }
+
+void Database::beginEmpty() {
+    m_pFiles->ignoreJournal();
+    // Nothing of what is in the file from now on is another program's.  The engine does without a journal
+    // only if it needn't defend itself.
     sqlite3_db_config(m_pDatabase, SQLITE_DBCONFIG_DEFENSIVE, 0, nullptr);
+    run("PRAGMA locking_mode=EXCLUSIVE; PRAGMA journal_mode=OFF; PRAGMA synchronous=FULL");
 }
 
 bool Database::readHeader(Header & header) const {
-    sqlite3_file * file = nullptr;
-    sqlite3_file_control(m_pDatabase, "main", SQLITE_FCNTL_FILE_POINTER, &file);
-    if (!file || !file->pMethods) fail(SQLITE_CANTOPEN);
+    sqlite3_file & file = fileHandle();
     int const result =
-        file->pMethods->xRead(file, header.data(), static_cast<int>(header.size()), 0);
+        file.pMethods->xRead(&file, header.data(), static_cast<int>(header.size()), 0);
     if (result == SQLITE_IOERR_SHORT_READ) return false;
     if (result != SQLITE_OK) fail(result);
     return true;
@@ -123,14 +128,30 @@ std::error_code Database::systemError() const noexcept {
 
 void Database::fail(int result) const {
     std::error_code const error = systemError();
+    if (m_pFiles && !m_pFiles->strangeFile().empty())
+        damaged("the journal beside it isn't one of a document: it names the file "
+                + m_pFiles->strangeFile() + "; put the journal elsewhere to open the document as it is");
+    if ((m_pFiles && m_pFiles->hasMoved()) || result == SQLITE_READONLY_DBMOVED)
+        fail(StatusBusy, "another program has moved the file, or put another in its place");
+    if (result == SQLITE_READONLY_ROLLBACK)
+        fail(StatusAccessDenied, "a save of it was cut short, and to be repaired it must be writable");
+    if (result == SQLITE_READONLY_DIRECTORY)
+        fail(StatusAccessDenied, "no file can be made in its directory");
     EStatus code = codeOf(result, error);
+    if (code == StatusBusy) fail(code, "another program is using the file");
     std::string cause = sqlite3_errstr(result & 0xFF);
     if (m_pDatabase && sqlite3_extended_errcode(m_pDatabase) == result)
         cause = sqlite3_errmsg(m_pDatabase);
-    if (code == StatusIO && error == std::errc::no_space_on_device) code = StatusNoSpace;
+    if (code == StatusIO) {
+        if (error == std::errc::no_space_on_device || error == std::errc::file_too_large)
+            code = StatusNoSpace;
+    }
     bool const fromSystem =
         code == StatusIO || code == StatusNoSpace || (result & 0xFF) == SQLITE_CANTOPEN;
-    if (fromSystem && error) cause += ": " + OS::errorText(error);
+    if (error == std::errc::file_too_large)
+        cause = "it would be larger than files may be";
+    else if (fromSystem && error)
+        cause += ": " + OS::errorText(error);
     fail(code, cause);
 }
 

@@ -14,6 +14,7 @@
 #include <sqlite3.h>
 
 #include "Platform/Base/Status.h"
+#include "Platform/DataModel/DocumentFileSystemInternal.h"
 
 namespace Vn::DataModel {
 
@@ -46,14 +47,20 @@ public:
     std::filesystem::path const & file() const noexcept { return m_file; }
     sqlite3 * get() const noexcept { return m_pDatabase; }
 
-    // Opens a file, which may be another than that of the messages, or makes it if `create` says so.
-    // What it may contain is distrusted from then on.
-    void open(std::filesystem::path const & path, bool create);
+    // Opens a file that is there, which may be another than that of the messages.  What it may contain is
+    // distrusted from then on, and no other file but its own journal is touched.
+    void open(std::filesystem::path const & path);
     // Leaves a transaction that is open.  All statements must be gone.
     void close() noexcept;
+    bool isOpen() const noexcept { return m_pDatabase != nullptr; }
 
-    // Takes the file for this connection alone, for as long as it is open, and empties it.
-    void takeEmpty();
+    // Takes the file for this connection alone, for as long as it is open, without a look into it.  False
+    // if another connection is using it.
+    bool take();
+    // Whether the name of the file has gone to another file, or to none, since it was opened.
+    bool hasMoved() const;
+    // Prepares a file that was taken and is empty for what is written into it.
+    void beginEmpty();
     // The first bytes; false if the file has fewer.
     bool readHeader(Header & header) const;
 
@@ -69,12 +76,15 @@ public:
     [[noreturn]] void damaged(std::string_view cause) const { fail(StatusCorrupt, cause); }
 
 private:
+    // The engine's handle of the file itself.
+    sqlite3_file & fileHandle() const;
     // The system's own number for what failed last: an errno, or what Windows has instead.
     std::error_code systemError() const noexcept;
 
     std::string const m_operation;
     std::filesystem::path const m_file;
     std::string const m_fileSystem;
+    std::unique_ptr<OwnFiles> m_pFiles;
     sqlite3 * m_pDatabase = nullptr;
 };
 

@@ -138,7 +138,7 @@ StrongRef<Asset> DocumentFile::Reader::read() {
     if (!std::filesystem::is_regular_file(status))
         m_database.fail(StatusInvalidArgument, "it isn't a file");
 
-    m_database.open(m_database.file(), false);
+    m_database.open(m_database.file());
     m_schema.checkHeader();
     m_database.run("PRAGMA cell_size_check=ON; PRAGMA cache_size=-16384; BEGIN");
     m_schema.read();
@@ -325,11 +325,8 @@ void DocumentFile::Reader::readSegments() {
     Statement row(m_database, "SELECT kind, place, name FROM segments ORDER BY place");
     while (row.step()) {
         long long const kind = row.integer(0);
-        SegmentType * const type =
-            kind > 0 && kind < 1000
-                ? SegmentTypeMgr::get()->segmentType(static_cast<unsigned>(kind))
-                : nullptr;
-        if (!type || kind == SegmentType::TransientSegment)
+        SegmentType * const type = DataModel::storedSegment(kind);
+        if (!type)
             m_database.damaged("there is no segment of kind " + std::to_string(kind) + " to load");
         m_segments.push_back(Segment::create(m_rAsset.get(), type, false));
     }
@@ -562,7 +559,7 @@ void DocumentFile::Reader::readRoots() {
             refuse("its entity is in another segment");
         if (!keys.emplace(row.integer(0), key).second) refuse("there are two of them");
         Segment & segment = *entity->segment();
-        segment.placeRoot(StrongRef<Entity>(entity), key, segment.m_roots.size());
+        segment.placeRoot(StrongRef<Entity>(entity), key, segment.rootPlace(key));
     }
 }
 

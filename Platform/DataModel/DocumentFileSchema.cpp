@@ -129,6 +129,11 @@ bool kindOf(std::string_view text, EMemberKind & kind) noexcept {
     return false;
 }
 
+SegmentType * storedSegment(long long kind) noexcept {
+    bool const isKind = kind == SegmentType::DesignSegment || kind == SegmentType::StandaloneSegment;
+    return isKind ? SegmentTypeMgr::get()->segmentType(static_cast<unsigned>(kind)) : nullptr;
+}
+
 std::string moduleColumn(std::string const & column) { return column + ":module"; }
 std::string keyColumn(std::string const & column) { return column + ":key"; }
 
@@ -250,6 +255,11 @@ FileHead FileSchema::readHead() {
 }
 
 void FileSchema::writeHead(FileHead & head) {
+    // What is refused here is what a load would refuse.
+    if (head.m_generation < 0 || head.m_generation >= c_mostGenerations)
+        m_database.fail(StatusFailed, "its generation would be out of range");
+    if (head.m_nextEntity < 1 || head.m_nextEntity > c_idLimit)
+        m_database.fail(StatusFailed, "the id of an entity would be out of range");
     if (head.m_id.empty()) head.m_id = randomName();
     head.m_stamp = randomName();
     ++head.m_generation;
@@ -296,6 +306,9 @@ FileType & FileSchema::addType(MetaType const & type, bool isEntity) {
         m_database.fail(StatusUnsupported, "a meta type has an unfit name");
     FileType added;
     added.m_number = m_types.empty() ? 1 : m_types.back().m_number + 1;
+    if (added.m_number > c_mostTypes)
+        m_database.fail(StatusFailed, "it has no number left for another type; save it under another "
+                                      "name");
     added.m_id = type.identifier();
     added.m_name = type.name();
     added.m_bEntity = isEntity;

@@ -5,21 +5,25 @@
 
 #include <cstddef>
 #include <deque>
+#include <limits>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "Platform/DataModel/DocumentFileDatabaseInternal.h"
+#include "Platform/DataModel/EntityTableInternal.h"
 #include "Platform/DataModel/MemberLayoutInternal.h"
 #include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
 
 // "VnD1" in the header of the database.
 inline constexpr long long c_applicationId = 0x566E4431;
-// Ids of entities lie below.
-inline constexpr unsigned long long c_idLimit = 1ULL << 62;
+
+// The generation of a document is at most that.
+inline constexpr long long c_mostGenerations = std::numeric_limits<long long>::max();
 
 // One member of a class of entities as it stands in a file.
 struct FileMember {
@@ -65,6 +69,9 @@ struct FileHead {
 // The name of a kind in files.
 std::string_view kindText(EMemberKind kind) noexcept;
 bool kindOf(std::string_view text, EMemberKind & kind) noexcept;
+
+// The kind of segment with that number; null if a file has no such segments.
+SegmentType * storedSegment(long long kind) noexcept;
 
 // The second and third column of a GlobalizedString.
 std::string moduleColumn(std::string const & column);

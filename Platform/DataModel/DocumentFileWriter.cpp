@@ -9,6 +9,7 @@
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/DocumentFileCirclesInternal.h"
+#include "Platform/DataModel/DocumentFileRemainsInternal.h"
 #include "Platform/DataModel/DocumentFileTextInternal.h"
 #include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/EntityTableInternal.h"
@@ -28,6 +29,8 @@ using DataModel::pathText;
 using DataModel::Statement;
 
 namespace {
+
+constexpr char c_changed[] = "the file was changed by another program";
 
 // Many rows that one statement inserts cost much less than as many statements.
 constexpr int c_rowsTogether = 32;
@@ -179,7 +182,15 @@ void DocumentFile::Writer::end() noexcept {
 
 // --- The whole document ------------------------------------------------------------------------
 
-void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
+void DocumentFile::Writer::saveWhole(std::filesystem::path const & file,
+                                     std::vector<std::filesystem::path> & kept) {
+    m_pKept = &kept;
+    saveWhole(file, nullptr);
+}
+
+// `expected` is what the file that is replaced must have; null if any will do.
+void DocumentFile::Writer::saveWhole(std::filesystem::path const & file,
+                                     FileHead const * expected) {
     auto const refuse = [&](EStatus code, std::string_view cause) {
         throw FileFailure{Status(code, m_operation, pathText(file), cause)};
     };
@@ -200,18 +211,12 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
 
     m_bWhole = true;
     prepare(file);
-    std::filesystem::path const temporary = besideName(target, ".saving");
     bool const wasUnnoted = std::exchange(m_asset.m_bUnnoted, false); // all is written
-    Database database(m_operation, file, m_fileSystem);
-    bool isOurs = false;
+    DataModel::FileName name(m_operation, file, target, m_fileSystem);
     FileHead head;
     Saved saved;
     try {
-        database.open(temporary, true);
-        database.takeEmpty();
-        isOurs = true;
-        database.run("PRAGMA journal_mode=OFF");
-        database.run("PRAGMA synchronous=FULL");
+        Database & database = name.makeSaving();
         // Only the ends of tables are written to, and pages that are used again are quicker than new ones.
         database.run("PRAGMA cache_size=-4096");
         database.run("BEGIN EXCLUSIVE");
@@ -223,27 +228,31 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
         writeRoots();
         if (m_asset.m_fileStamp.size()) {
             DocumentFileStamp const stamp = DocumentFileStamp::parse(m_asset.m_fileStamp);
-            head.m_id = stamp.m_id;
-            head.m_generation = stamp.m_generation;
+            // One that can't be saved again under its own id becomes another document.
+            if (stamp.m_generation < DataModel::c_mostGenerations) {
+                head.m_id = stamp.m_id;
+                head.m_generation = stamp.m_generation;
+            }
         }
         head.m_nextEntity = m_asset.m_nextId;
         schema.writeHead(head);
         end();
         database.run("COMMIT");
-        if (exists) std::filesystem::permissions(temporary, status.permissions(), error);
-        if constexpr (!OS::c_renamesOpenFiles) database.close();
-        if (exists) removeRemains(target);
+        if (exists)
+            std::filesystem::permissions(besideName(target, ".saving"), status.permissions(), error);
         saved = makeSaved(file, head);
-        Status const renamed = OS::renameFile(temporary, target);
-        if (!renamed) refuse(renamed.code(), renamed.cause());
+        if (exists) {
+            name.takeOld();
+            if (expected) refuseChanged(name.old(), *expected);
+        }
+        name.keepRemains();
+        name.renameSaving();
     } catch (...) {
         end();
-        database.close();
-        if (isOurs) std::filesystem::remove(temporary, error);
         m_asset.m_bUnnoted = m_asset.m_bUnnoted || wasUnnoted;
         throw;
     }
-    database.close();
+    if (m_pKept) *m_pKept = std::move(name.kept());
     finish(std::move(saved));
     Status const synced =
         OS::syncDirectory(target.has_parent_path() ? target.parent_path() : std::filesystem::path("."));
@@ -256,26 +265,13 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file) {
     markSaved();
 }
 
-// A journal of the file that is about to be replaced would be applied to the new one.
-void DocumentFile::Writer::removeRemains(std::filesystem::path const & file) const {
-    std::error_code error;
-    std::filesystem::path const journal = besideName(file, "-journal");
-    if (std::filesystem::exists(journal, error)) {
-        // Until the new file is in its place, the old one is whole.
-        try {
-            Database old(m_operation, file, m_fileSystem);
-            old.open(file, false);
-            old.number("SELECT count(*) FROM sqlite_schema");
-        } catch (FileFailure const &) { // then it was no document, and there is nothing to lose
-        }
-    }
-    for (char const * const ending : {"-journal", "-wal", "-shm"}) {
-        std::filesystem::remove(besideName(file, ending), error);
-        if (error)
-            throw FileFailure{Status(StatusIO, m_operation, pathText(file),
-                                     "the remains of a crash can't be removed: "
-                                         + OS::errorText(error))};
-    }
+// Between the look at the file and the moment at which it is replaced another program may have saved.
+void DocumentFile::Writer::refuseChanged(Database & old, FileHead const & expected) {
+    FileSchema schema(old);
+    schema.checkHeader();
+    FileHead const found = schema.readHead();
+    if (found.m_id != expected.m_id || found.m_stamp != expected.m_stamp)
+        old.fail(StatusFailed, c_changed);
 }
 
 // --- The changes -------------------------------------------------------------------------------
@@ -302,18 +298,23 @@ void DocumentFile::Writer::saveChanges() {
         Database database(m_operation, file, m_fileSystem);
         FileSchema schema(database);
         try {
-            database.open(file, false);
+            database.open(file);
             schema.checkHeader();
             if (sqlite3_db_readonly(database.get(), "main") == 1)
                 refuse(StatusAccessDenied, "the file is read-only");
             database.run("PRAGMA synchronous=EXTRA");
             database.run("BEGIN IMMEDIATE");
+            if (database.hasMoved()) database.fail(SQLITE_READONLY_DBMOVED);
             schema.read();
             head = schema.readHead();
             bool const isDoubtful =
                 !stamp.m_doubtful.empty() && head.m_stamp == stamp.m_doubtful;
-            if (head.m_id != stamp.m_id || (head.m_stamp != stamp.m_stamp && !isDoubtful))
-                refuse(StatusFailed, "the file was changed by another program");
+            if (head.m_id != stamp.m_id)
+                refuse(StatusFailed, "another program has put another document in its place");
+            if (head.m_stamp != stamp.m_stamp && !isDoubtful) refuse(StatusFailed, c_changed);
+            if (head.m_generation >= DataModel::c_mostGenerations)
+                refuse(StatusFailed, "it can't be saved more often under its own name; save it under "
+                                     "another");
             isWholeNeeded = isDoubtful || m_asset.m_bUnnoted || !isCurrent(database, schema);
             if (!isWholeNeeded) {
                 m_bWhole = false;
@@ -340,7 +341,7 @@ void DocumentFile::Writer::saveChanges() {
             throw;
         }
     }
-    if (isWholeNeeded) return saveWhole(file);
+    if (isWholeNeeded) return saveWhole(file, &head);
     finish(makeSaved(file, head));
     markSaved();
 }
@@ -502,7 +503,8 @@ void DocumentFile::Writer::writeRoots() {
     for (auto const & segment : m_asset.m_segments) {
         if (segment->isTransient()) continue;
         long long place = 0;
-        for (auto const & [key, entity] : segment->m_roots) {
+        for (auto const & [number, root] : segment->m_roots) {
+            auto const & [key, entity] = root;
             unsigned long long const id = idOf(entity.get());
             if (!id) continue;
             row.bind(1, static_cast<long long>(segment->segmentType()->type()));

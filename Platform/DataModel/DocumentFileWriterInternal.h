@@ -34,7 +34,9 @@ public:
     Writer(Asset & asset, std::string operation, std::string fileSystem);
     ~Writer();
 
-    void saveWhole(std::filesystem::path const & file);
+    // `kept` gets the new names of what lay beside the file and was kept.
+    void saveWhole(std::filesystem::path const & file,
+                   std::vector<std::filesystem::path> & kept);
     void saveChanges();
 
 private:
@@ -68,7 +70,8 @@ private:
     static bool isWritten(Entity const & entity) noexcept;
     bool isOurs(Entity const & entity) const noexcept;
 
-    void removeRemains(std::filesystem::path const & file) const;
+    void saveWhole(std::filesystem::path const & file, DataModel::FileHead const * expected);
+    static void refuseChanged(DataModel::Database & old, DataModel::FileHead const & expected);
     void refuseUnnoted() const;
     // What the document knows of its file once that is saved.
     struct Saved {
@@ -84,6 +87,7 @@ private:
     std::string const m_fileSystem;
     DataModel::Database * m_pDatabase = nullptr;
     DataModel::FileSchema * m_pSchema = nullptr;
+    std::vector<std::filesystem::path> * m_pKept = nullptr;
     bool m_bWhole = true; // not only what changed
     std::unordered_map<EntityMetaType const *, std::unique_ptr<Class>> m_classes;
     Class * m_pLastClass = nullptr;

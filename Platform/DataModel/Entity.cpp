@@ -34,7 +34,7 @@ void * Entity::queryInterface(UniqueString const * id) const {
 
 void * Entity::queryMTInterface(MetaType const *) { return nullptr; }
 
-Entity::Entity(Segment * segment) : m_id(segment->asset()->m_nextId++), m_pSegment(segment) {
+Entity::Entity(Segment * segment) : m_id(segment->asset()->takeId()), m_pSegment(segment) {
     Asset & asset = *segment->asset();
     asset.enter(*this);
     try {

@@ -1,6 +1,7 @@
 #include "Platform/DataModel/Segment.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/Log/RecorderInternal.h"
@@ -37,50 +38,74 @@ Segment::Segment(Asset * asset, SegmentType * type, bool transient)
 Segment::~Segment() = default;
 
 std::size_t Segment::rootPlace(std::string_view key) const noexcept {
-    auto const i = std::find_if(m_roots.begin(), m_roots.end(),
-                                [&](auto const & root) { return root.first == key; });
-    return static_cast<std::size_t>(i - m_roots.begin());
+    auto const i = m_rootPlaces.find(key);
+    return i == m_rootPlaces.end() ? m_nextRootPlace : i->second;
+}
+
+Entity * Segment::rootUnder(std::string_view key) const noexcept {
+    auto const i = m_rootPlaces.find(key);
+    return i == m_rootPlaces.end() ? nullptr : m_roots.find(i->second)->second.second.get();
 }
 
 StrongRef<Entity> Segment::rootEntity(std::string_view key) const {
-    std::size_t const place = rootPlace(key);
-    return place < m_roots.size() ? m_roots[place].second : nullptr;
+    return StrongRef<Entity>(rootUnder(key));
 }
 
 void Segment::addRoot(StrongRef<Entity> const & entity, std::string const & key) {
     if (entity && (entity->segment() != this || !entity->isAlive())) return;
     std::size_t const place = rootPlace(key);
-    Entity * const old = place < m_roots.size() ? m_roots[place].second.get() : nullptr;
+    Entity * const old = rootUnder(key);
     if (old == entity.get()) return;
     m_pAsset->history().recorder().rootChanging(*this, key, place, old);
     placeRoot(entity, key, place);
 }
 
 void Segment::placeRoot(StrongRef<Entity> entity, std::string const & key, std::size_t place) {
-    std::size_t const present = rootPlace(key);
-    if (present < m_roots.size()) {
-        if (entity)
-            std::swap(m_roots[present].second, entity);
-        else {
-            entity = std::move(m_roots[present].second); // let go of once the list is in order
-            m_roots.erase(m_roots.begin() + static_cast<std::ptrdiff_t>(present));
+    StrongRef<Entity> old; // let go of once the roots are in order
+    auto const present = m_rootPlaces.find(key);
+    if (present != m_rootPlaces.end()) {
+        auto const root = m_roots.find(present->second);
+        if (entity == root->second.second) return;
+        if (entity) m_placesOfRoots.emplace(entity.get(), root->first);
+        m_placesOfRoots.erase({root->second.second.get(), root->first});
+        old = std::exchange(root->second.second, std::move(entity));
+        if (!root->second.second) {
+            m_rootPlaces.erase(present);
+            m_roots.erase(root);
         }
-    } else if (entity)
-        m_roots.emplace(m_roots.begin()
-                            + static_cast<std::ptrdiff_t>(std::min(place, m_roots.size())),
-                        key, std::move(entity));
+    } else if (entity) {
+        Entity const * const target = entity.get();
+        // A place that another key has is none for this one.
+        if (m_roots.contains(place)) place = m_nextRootPlace;
+        auto const root = m_roots.try_emplace(place, key, std::move(entity)).first;
+        try {
+            m_rootPlaces.emplace(root->second.first, place);
+            m_placesOfRoots.emplace(target, place);
+        } catch (...) {
+            m_rootPlaces.erase(root->second.first);
+            m_roots.erase(root);
+            throw;
+        }
+        m_nextRootPlace = std::max(m_nextRootPlace, place + 1);
+    }
     if (!m_bTransient) m_pAsset->m_bRootsDirty = true;
+}
+
+void Segment::clearRoots() noexcept {
+    m_placesOfRoots.clear();
+    m_rootPlaces.clear();
+    m_roots.clear();
 }
 
 void Segment::rootEntityIds(std::vector<std::string> & keys) const {
     keys.clear();
-    for (auto const & root : m_roots) keys.push_back(root.first);
+    for (auto const & [place, root] : m_roots) keys.push_back(root.first);
 }
 
 std::string const * Segment::rootKey(Entity const * entity) const noexcept {
-    for (auto const & root : m_roots)
-        if (root.second.get() == entity) return &root.first;
-    return nullptr;
+    auto const i = m_placesOfRoots.lower_bound({entity, 0});
+    if (!entity || i == m_placesOfRoots.end() || i->first != entity) return nullptr;
+    return &m_roots.find(i->second)->second.first;
 }
 
 unsigned Segment::persistedMetaTypeVersion(MetaType const * type) const {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -101,14 +102,25 @@ private:
     friend class DocumentFile;
 
     Segment(Asset * asset, SegmentType * type, bool transient);
-    // Puts a root in its place without recording it.  Null takes the key out.
+    // Roots stand in the order of their places, which are numbers with gaps: a place never changes, and
+    // is never given again except to the key that had it, when an undo brings that back.
+
+    // Puts a root in its place without recording it.  A key that is there stays where it is.  Null takes
+    // the key out.  Changes nothing if memory runs out.
     void placeRoot(StrongRef<Entity> entity, std::string const & key, std::size_t place);
+    // The place of a key; if there is none, that of the next new one.
     std::size_t rootPlace(std::string_view key) const noexcept;
+    // The root under a key, or null.
+    Entity * rootUnder(std::string_view key) const noexcept;
+    void clearRoots() noexcept;
 
     Asset * const m_pAsset;
     SegmentType * const m_pType;
     bool const m_bTransient;
-    std::vector<std::pair<std::string, StrongRef<Entity>>> m_roots;
+    std::map<std::size_t, std::pair<std::string, StrongRef<Entity>>> m_roots; // by their places
+    std::map<std::string_view, std::size_t> m_rootPlaces; // by the keys, which m_roots has
+    std::set<std::pair<Entity const *, std::size_t>> m_placesOfRoots;
+    std::size_t m_nextRootPlace = 0;
     // Entities that were loaded and that nothing owned: kept, so that opening a document loses nothing.
     std::vector<StrongRef<Entity>> m_unowned;
     std::unique_ptr<EntityEventSource> const m_pEvents;

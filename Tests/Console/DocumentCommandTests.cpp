@@ -348,6 +348,27 @@ TEST_F(DocumentCommandTests, ANewDocumentReplacesAFileOnlyByForce) {
     EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #2\n");
 }
 
+TEST_F(DocumentCommandTests, WhatWasLeftBesideTheNameOfANewDocumentIsKept) {
+    std::ofstream("a.vnd-journal") << "a journal";
+    Outcome const outcome = document("new, make, add 0 3");
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err,
+              "note: a.vnd-journal, which was left beside it, is kept as a.vnd-journal.kept\n");
+    EXPECT_EQ(readFile("a.vnd-journal.kept"), "a journal");
+    EXPECT_EQ(document("check").out, "nothing is wrong with a.vnd\n");
+}
+
+TEST_F(DocumentCommandTests, WithoutIdsEntitiesArentAddedAndTheDocumentIsSaved) {
+    makeSample();
+    execute("a.vnd", "UPDATE document SET next_entity=4611686018427387904");
+    Outcome const outcome = document("add 0");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "cannot add entities: the document has no ids left for new entities\n"
+                           "nothing was saved\n");
+    EXPECT_EQ(document("move 1 into 0").status, 0);
+    EXPECT_EQ(document("check").status, 0);
+}
+
 TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
     struct Row {
         char const * commands;

@@ -132,6 +132,32 @@ TEST_F(DocumentSessionFileTests, UnsavedChangesAreToldAtTheEnd) {
     }
 }
 
+#ifndef _WIN32
+
+// Whatever the limit is, a command that has no memory is taken back, and what was there before is saved.
+TEST_F(DocumentSessionFileTests, ACommandThatRunsOutOfMemoryIsTakenBack) {
+    unsigned refused = 0;
+    for (int const limit : {60'000, 80'000, 100'000, 140'000}) {
+        Outcome const outcome = runShell(
+            "ulimit -v " + std::to_string(limit) + "; \"$VNCONSOLE\"",
+            "new\nmake\nadd 0 3\nadd 0 1000000\nadd 0 2\nsaveas b.vnd /force\nundo\nsave\n");
+        bool const isRefused = outcome.err.find("memory ran out") != std::string::npos;
+        if (outcome.out.find("a new document") == std::string::npos) continue; // not even that
+        if (!isRefused) break;
+        ++refused;
+        EXPECT_EQ(outcome.err, "cannot add entities: memory ran out; the document is as it was before\n");
+        EXPECT_EQ(document("check", "b.vnd").status, 0);
+        EXPECT_EQ(places(document("tree", "b.vnd").out), "Groups #1\n"
+                                                         "Groups/CmnData[0] #2\n"
+                                                         "Groups/CmnData[0]/CmnData[0] #3\n"
+                                                         "Groups/CmnData[0]/CmnData[1] #4\n"
+                                                         "Groups/CmnData[0]/CmnData[2] #5\n");
+    }
+    if (refused == 0) GTEST_SKIP() << "memory can't be limited here";
+}
+
+#endif
+
 TEST_F(DocumentSessionFileTests, TheSavedStateIsFoundByUndoAndLostByOtherChanges) {
     Outcome const outcome =
         session("new\nmake\nmake\nsaveas a.vnd\nundo\nhistory\nmake\nhistory\nquit\n");

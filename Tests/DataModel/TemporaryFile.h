@@ -21,8 +21,9 @@ public:
     }
     ~TemporaryFile() {
         std::error_code error;
-        for (char const * const ending : {"", "-journal", ".saving", "-wal", "-shm"})
-            std::filesystem::remove(m_path.string() + ending, error);
+        for (std::string const ending : {"", "-journal", ".saving", "-wal", "-shm"})
+            for (char const * const kept : {"", ".kept", ".kept.2", ".kept.3"})
+                std::filesystem::remove(m_path.string() + ending + kept, error);
     }
     TemporaryFile(TemporaryFile const &) = delete;
     TemporaryFile & operator=(TemporaryFile const &) = delete;

@@ -20,6 +20,7 @@ namespace {
 
 using namespace Vn;
 using namespace Vn::Testing;
+namespace fs = std::filesystem;
 
 // What the child tells, at the front of a line of the log: a save begins, a save has ended.
 constexpr char c_begins = 'b';
@@ -56,8 +57,8 @@ std::size_t stateOf(Asset const & asset) { return std::hash<std::string>()(dump(
 
 class Driver {
 public:
-    Driver(std::filesystem::path directory, unsigned seed)
-        : m_file(directory / "crash.vnd"), m_random(seed) {}
+    Driver(fs::path directory, unsigned seed)
+        : m_directory(std::move(directory)), m_file(m_directory / "crash.vnd"), m_random(seed) {}
 
     // Kills one child.  Returns whether the file holds what it should.
     bool killOne() {
@@ -102,12 +103,14 @@ public:
         }
         close(pipes[0]);
         if (!WIFSIGNALED(status)) return complain("the child ended by itself");
-        return look(ended, under);
+        collect();
+        return m_random() % 3 ? look(m_file, ended, under) : replaceAndLook(ended, under);
     }
 
     unsigned within() const { return m_within; }
     unsigned kept() const { return m_kept; }
     unsigned renewed() const { return m_renewed; }
+    unsigned replaced() const { return m_replaced; }
 
 private:
     bool complain(std::string const & what) {
@@ -123,13 +126,62 @@ private:
         return status ? true : complain(status.toString());
     }
 
-    bool look(std::size_t ended, std::size_t under) {
+    static fs::path beside(fs::path const & file, char const * ending) {
+        return fs::path(file.string() + ending);
+    }
+
+    // Keeps copies of what a kill has left, to lie beside other files later.
+    void collect() {
+        for (char const * const ending : {"-journal", ".saving"})
+            if (fs::exists(beside(m_file, ending))) {
+                fs::path const copy = m_directory / ("left-" + std::to_string(m_random() % 20) + ending);
+                fs::copy_file(beside(m_file, ending), copy, fs::copy_options::overwrite_existing);
+            }
+    }
+
+    // The file is moved away, and another document takes its name; what the kill left lies there, or what an
+    // earlier one did.  The journal is given back to the file that was moved.
+    bool replaceAndLook(std::size_t ended, std::size_t under) {
+        fs::path const moved = m_directory / "moved.vnd";
+        fs::rename(m_file, moved);
+        bool const hasJournal = fs::exists(beside(m_file, "-journal"));
+        for (char const * const ending : {"-journal", ".saving"}) {
+            fs::path const old = m_directory / ("left-" + std::to_string(m_random() % 20) + ending);
+            if (fs::exists(old) && !fs::exists(beside(m_file, ending)))
+                fs::copy_file(old, beside(m_file, ending));
+        }
+        StrongRef<Asset> const asset = randomDocument(static_cast<unsigned>(m_random()), 400);
+        std::vector<fs::path> kept;
+        Status const saved = DocumentFile::saveAsKeeping(*asset, m_file, kept);
+        if (!saved) return complain(saved.toString());
+        for (char const * const ending : {"-journal", ".saving"})
+            if (fs::exists(beside(m_file, ending))) return complain("something is left beside the file");
+        ++m_replaced;
+        std::size_t const state = stateOf(*asset);
+        if (!look(m_file, state, state)) return false;
+        for (fs::path const & file : kept) {
+            std::vector<std::string> findings;
+            bool const isJournal = file.string().find("-journal.") != std::string::npos;
+            if (isJournal && hasJournal)
+                fs::rename(file, beside(moved, "-journal"));
+            else if (!isJournal
+                     && (!DocumentFile::check(file, findings) || !findings.empty()))
+                return complain(file.string() + " isn't worth keeping");
+            fs::remove(file);
+        }
+        bool const isGood = look(moved, ended, under);
+        fs::remove(beside(moved, "-journal"));
+        m_state = state;
+        return isGood;
+    }
+
+    bool look(fs::path const & file, std::size_t ended, std::size_t under) {
         std::vector<std::string> findings;
-        Status const checked = DocumentFile::check(m_file, findings);
+        Status const checked = DocumentFile::check(file, findings);
         if (!checked) return complain(checked.toString());
         if (!findings.empty()) return complain(findings.front());
         StrongRef<Asset> asset;
-        Status const loaded = DocumentFile::load(m_file, nullptr, asset);
+        Status const loaded = DocumentFile::load(file, nullptr, asset);
         if (!loaded) return complain(loaded.toString());
         m_state = stateOf(*asset);
         if (m_state != ended && m_state != under)
@@ -139,12 +191,14 @@ private:
         return true;
     }
 
-    std::filesystem::path const m_file;
+    fs::path const m_directory;
+    fs::path const m_file;
     std::mt19937 m_random;
     unsigned m_kills = 0;
     unsigned m_within = 0;
     unsigned m_kept = 0;
     unsigned m_renewed = 0;
+    unsigned m_replaced = 0;
     std::size_t m_state = 0;
     std::chrono::duration<double> m_duration = std::chrono::milliseconds(10);
 };
@@ -167,8 +221,8 @@ int main(int count, char ** arguments) {
             return 1;
         }
     std::filesystem::remove_all(directory);
-    std::printf("%u kills, %u of them within a save: %u left the document saved last, %u the one being "
-                "saved\n",
-                kills, driver.within(), driver.kept(), driver.renewed());
+    std::printf("%u kills, %u of them within a save: %u files had the document saved last, %u the one being "
+                "saved; %u were moved away, and another took the name\n",
+                kills, driver.within(), driver.kept(), driver.renewed(), driver.replaced());
     return 0;
 }

@@ -50,8 +50,8 @@ public:
     static std::size_t rootPlace(Segment const & segment, std::string_view key) noexcept {
         return segment.rootPlace(key);
     }
-    static Entity * rootAt(Segment const & segment, std::size_t place) noexcept {
-        return place < segment.m_roots.size() ? segment.m_roots[place].second.get() : nullptr;
+    static Entity * rootUnder(Segment const & segment, std::string_view key) noexcept {
+        return segment.rootUnder(key);
     }
 };
 

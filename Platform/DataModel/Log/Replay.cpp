@@ -224,7 +224,7 @@ void Replay::restoreRoot(std::size_t end) {
                           static_cast<std::size_t>(payload[2]));
     auto * const old = reinterpret_cast<Entity *>(static_cast<std::uintptr_t>(record.m_leaves));
     std::size_t const place = EntityAccess::rootPlace(segment, key);
-    Entity * const present = EntityAccess::rootAt(segment, place);
+    Entity * const present = EntityAccess::rootUnder(segment, key);
     if (m_pInverse)
         recordRoot(*m_pInverse, segment, key,
                    present ? place : static_cast<std::size_t>(payload[1]), present);
