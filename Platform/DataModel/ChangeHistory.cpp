@@ -763,7 +763,7 @@ bool ChangeHistory::recordDeath(Entity & entity) {
     record.m_kind = ERecord::Died;
     append(*log, begin, record);
     log->mixed();
-    log->addKeptBytes(entity.metaType()->instanceSize() + entity.onSizeInBytes());
+    log->addKeptBytes(entity.metaType()->sizeInBytes(entity));
     log->owning();
     if (isSaved(entity)) log->persistent();
     return true;

@@ -109,7 +109,8 @@ protected:
     virtual void doInitializeMigrationHelpers();
     virtual void doUninitializeMigrationHelpers();
     virtual EntityMetaType * onMetaType() const = 0;
-    // The bytes of the object beyond its instance size, for the ceiling of the undo history.
+    // The bytes of the object beyond its instance size, for the ceiling of the undo history.  The meta
+    // type asks for them unless it knows better.
     virtual std::size_t onSizeInBytes() const;
     std::wstring onToString() const override;
 
@@ -118,6 +119,7 @@ private:
     friend class ChangeHistory;
     friend class DocumentFile;
     friend class EntityChange;
+    friend class EntityMetaType;
     friend class MemberSplices;
     friend class Segment;
 

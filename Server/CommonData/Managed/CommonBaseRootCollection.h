@@ -33,8 +33,6 @@ public:
     static constexpr Managed::PersistedClass c_class{"Vn::CommonData::CommonBaseRootCollection",
                                                      "5EAF2F0F-4AEE-4f20-B569-119A7BD1F36D", 1};
     static EntityMetaType * s_metaType();
-    // All members of version 1 are those of the base.
-    static constexpr bool c_addsLatestMembers = false;
 
     ~CommonBaseRootCollection() override;
 
