@@ -88,7 +88,11 @@ void Asset::enter(Entity & entity) { m_pTable->add(entity.id(), &entity); }
 
 void Asset::leave(Entity & entity) noexcept {
     m_pTable->remove(entity.id());
-    if (entity.m_flags & Entity::FlagStored) note(m_deleted, entity.id());
+    if (entity.m_flags & Entity::FlagStored) {
+        note(m_deleted, entity.id());
+        // While an entity leaves, the history holds it once.
+        if (entity.refCount() > 1) m_bLeftHeld = true;
+    }
     // If it comes back, it has to be written whether or not it was to be before.
     entity.m_flags &= ~static_cast<std::uint32_t>(Entity::FlagStored | Entity::FlagDirty);
 }

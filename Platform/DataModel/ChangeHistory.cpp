@@ -263,9 +263,13 @@ std::uint64_t ChangeHistory::state() const noexcept {
     return m_undo.empty() ? m_baseState : m_undo.back()->m_state;
 }
 
-void ChangeHistory::markClean() noexcept { m_cleanState = state(); }
+void ChangeHistory::markClean() noexcept {
+    m_cleanState = state();
+    m_bModified = false;
+}
 
 bool ChangeHistory::isClean() const noexcept {
+    if (m_bModified) return false;
     for (auto const & step : m_open)
         if (step->m_log.isPersistent()) return false;
     return state() == m_cleanState;

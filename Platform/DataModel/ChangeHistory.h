@@ -201,6 +201,9 @@ private:
 
     // Something changed that no log records.
     void changedUnrecorded() noexcept;
+    // The document differs from the marked state, whatever is undone or redone, until a state is marked
+    // again: something changed that is no step.
+    void modified() noexcept { m_bModified = true; }
     std::uint32_t nextLogNumber() noexcept;
     // The number of the leaf of a vector member whose splices can be recorded; -1 if it is none.
     static int leafOf(Entity & entity, void const * member);
@@ -239,6 +242,7 @@ private:
     bool m_bKilling = false;
     bool m_bDropping = false;
     bool m_bUsable = true;
+    bool m_bModified = false; // other than by steps, since the state was marked
     bool m_bLost = false; // memory ran out while a change was recorded
     bool m_bUnlisted = false; // there are orphans that m_orphans had no room for
     std::size_t m_stepLimit = 0;

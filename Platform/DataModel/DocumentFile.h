@@ -18,6 +18,15 @@
 //   (F7) What a save wrote, a load reads: a document whose entities own each other in a circle, or whose
 //        parents lead in one, isn't written, and can be once the circle is gone.
 //        [DocumentFileCirclesTests; ManagedEntityTests, ParentsThatLeadInACircleAreNotSaved]
+//   (F8) What a save writes refers only to what the file then holds, however it was stored.  A reference
+//        to an entity that isn't alive, but may be again, is written as null and stays in memory.  Its
+//        owner is written again by the save after which the target is alive again, and so is an owner
+//        in the file whose target isn't alive any more.  A target that is alive and not in the file is
+//        written too.  A reference into another document fails the save.
+//        [SaveAndUndoTests, the tests of stored references]
+//   (F9) What constructors and hooks make, change or delete during a load differs from the file: the
+//        document is dirty, and the next save writes and erases it.  Ids that the file used aren't
+//        given out again.  [LoadingHooksTests]
 
 #ifndef VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
 #define VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
@@ -43,12 +52,13 @@ public:
     // After a crash or a failure at any moment the file holds the document as it was before or after the
     // save.  Refused if somebody else changed the file meanwhile, within a transaction, for a document
     // without a file, once its history isn't usable, and for one in which an entity owns itself by way of
-    // others or is its own ancestor: the status names it.
+    // others, is its own ancestor, or refers to an entity of another document: the status names it.
     static Status save(Asset & asset);
     // Writes the whole document to a file, in place of one that is there, and makes that the document's
     // file.  It is written beside its final name, with ".saving" behind it, and given that name once it
     // is complete and on the disk.  After a failure the document has the file that it had.  Refused within
-    // a transaction, once the document's history isn't usable, and for a circle of entities.
+    // a transaction, once the document's history isn't usable, for a circle of entities, and for a
+    // reference into another document.
     static Status saveAs(Asset & asset, std::filesystem::path const & file);
     // Opens a document.  After a failure `asset` is null.  `type` as in Asset::make.
     static Status load(std::filesystem::path const & file, AssetType const * type,

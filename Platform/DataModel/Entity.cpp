@@ -93,6 +93,12 @@ void Entity::postCreation(DataChange::ETransact transact) {
     if (m_pSegment) m_pSegment->entityEventSource()->tellPostCreate(*this, transact);
 }
 
+void Entity::markModified() noexcept {
+    if (!m_pSegment || m_pSegment->isTransient() || !isAlive()) return;
+    asset()->markDirty(*this);
+    asset()->m_history.modified();
+}
+
 EntityChange * Entity::outerChange() const noexcept {
     return m_flags & FlagChanging ? asset()->m_history.outermostBracket(*this) : nullptr;
 }

@@ -95,6 +95,12 @@ protected:
     // The same for one that is being loaded, with its id.
     Entity(Segment * segment, unsigned long long id);
 
+    // For setters that store a persisted member without a bracket: the document differs from its file
+    // until the next save, which writes this entity.  Nobody is told, there is no step for it, and undo
+    // and redo stay as they are; what was stored isn't undone.  Without effect in a segment that isn't
+    // saved, on an entity that isn't alive, and once the document is closed.
+    void markModified() noexcept;
+
     // The hooks.  An override calls that of its base first.  Around a change of members; details
     // may be null:
     virtual void onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,
