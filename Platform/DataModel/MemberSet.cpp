@@ -67,6 +67,12 @@ bool dropPrefix(std::string_view & name, std::string_view prefix) noexcept {
     return true;
 }
 
+// Whole numbers of one size come back as they were, with a sign or without.
+EMemberKind withoutSign(EMemberKind kind) noexcept {
+    if (kind == EMemberKind::Int) return EMemberKind::UnsignedInt;
+    return kind == EMemberKind::Int64 ? EMemberKind::UnsignedInt64 : kind;
+}
+
 // Whether a field whose type has that name may be of a kind.  False only for what is known to differ.
 bool mayBe(char const * typeName, MemberMetaType const & type) {
     std::string const whole = typeName ? OS::className(typeName) : std::string();
@@ -79,7 +85,7 @@ bool mayBe(char const * typeName, MemberMetaType const & type) {
     for (std::string_view const space : {"__cxx11::", "__1::", "Vn::"}) dropPrefix(name, space);
     if (name == type.kindName()) return true;
     for (auto const & [known, kind] : c_typeNames)
-        if (name == known) return type.kind() == kind;
+        if (name == known) return withoutSign(type.kind()) == withoutSign(kind);
     for (auto const & [known, kind] : c_templateNames)
         if (name.starts_with(known)) return type.kind() == kind;
     for (std::string_view const known : c_otherTypes)

@@ -108,8 +108,9 @@ public:
     //
     // `typeName` is the run-time type name of the field, as the compiler or as a person writes it.
     // Refused are a name that the class has already, a kind that is null, a kind that the field is
-    // known not to be of, and a vector without functions or functions without a vector.  A type of
-    // another name, such as an enumeration, is taken for what the kind says.
+    // known not to be of, and a vector without functions or functions without a vector.  A whole
+    // number may be of a kind of its size with or without a sign.  A type of another name, such as an
+    // enumeration, is taken for what the kind says.
     Member * addNewMember(std::string const & name, void * fieldAddress, char const * typeName,
                           MemberMetaType * type, TemplatizedFunctions * functions, void ** extra);
     // The set of the base class; null at the end.

@@ -13,7 +13,9 @@ namespace Vn::Managed {
 using Details = ManagedGroupEntityChangeDetails;
 
 CustomGroup::CustomGroup(PassiveRef<Entity> const & parent, ICustomGroupParent * groupParent)
-    : Persisted(parent), m_rGroupParent(query<ManagedEntity>(groupParent)) {
+    : Persisted(parent) {
+    auto * const group = query<ManagedEntity>(groupParent);
+    if (group && canReferTo(*group)) m_rGroupParent = PassiveRef<Entity>(group);
     initializeMemberSetIfNeeded();
 }
 
