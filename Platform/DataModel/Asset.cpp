@@ -99,7 +99,11 @@ void Asset::enter(Entity & entity) { m_pTable->add(entity.id(), &entity); }
 
 void Asset::leave(Entity & entity) noexcept {
     m_pTable->remove(entity.id());
-    if (entity.m_state.test(EntityState::Stored)) note(m_deleted, entity.id());
+    if (entity.m_state.test(EntityState::Stored)) {
+        note(m_deleted, entity.id());
+        // While an entity leaves, the history holds it once.
+        if (entity.refCount() > 1) m_bLeftHeld = true;
+    }
     // If it comes back, it has to be written whether or not it was to be before.
     entity.m_state.clear(EntityState::Stored);
     entity.m_state.clear(EntityState::Dirty);

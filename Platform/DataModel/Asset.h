@@ -135,6 +135,10 @@ private:
     std::vector<unsigned long long> m_deleted;
     bool m_bRootsDirty = false;
     bool m_bUnnoted = false; // memory ran out while that was noted: the next save writes all
+    // By the ids of entities in the file, 0 for the roots: the ids of the targets that weren't alive when
+    // they were written, and in whose place null stands.
+    std::unordered_map<unsigned long long, std::vector<unsigned long long>> m_gaps;
+    bool m_bLeftHeld = false; // an entity of the file left while somebody still held it
     std::filesystem::path m_file;
     std::string m_fileStamp; // the state of the file as this document left or found it
 };

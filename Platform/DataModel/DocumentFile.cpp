@@ -80,8 +80,11 @@ Status DocumentFile::save(Asset & asset) {
         return Status::invalidArgument(c_save, {}, "the document has no file yet");
     if (Status const refused = refuseWithinChanges(asset, asset.m_file); !refused) return refused;
     std::filesystem::path const file = asset.m_file;
-    return guarded(c_save, file,
-                   [&] { Writer(asset, c_save, FileSystemName::get()).saveChanges(); });
+    return guarded(c_save, file, [&] {
+        Writer writer(asset, c_save, FileSystemName::get());
+        writer.noteStale();
+        writer.saveChanges();
+    });
 }
 
 Status DocumentFile::saveAs(Asset & asset, std::filesystem::path const & file) {

@@ -23,6 +23,15 @@
 //        name never changes what is in the new file.  [DocumentFileRemainsTests; Tools/crash-save]
 //   (F9) A save whose numbers would leave their ranges is refused, and the old file stays.
 //        [DocumentFileRangeTests]
+//   (F10) What a save writes refers only to what the file then holds, however it was stored.  A reference
+//        to an entity that isn't alive, but may be again, is written as null and stays in memory.  Its
+//        owner is written again by the save after which the target is alive again, and so is an owner
+//        in the file whose target isn't alive any more.  A target that is alive and not in the file is
+//        written too.  A reference into another document fails the save.
+//        [SaveAndUndoTests, the tests of stored references]
+//   (F11) What constructors and hooks make, change or delete during a load differs from the file: the
+//        document is dirty, and the next save writes and erases it.  Ids that the file used aren't
+//        given out again.  [LoadingHooksTests]
 
 #ifndef VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
 #define VN_PLATFORM_DATAMODEL_DOCUMENTFILE_H
@@ -48,13 +57,14 @@ public:
     // After a crash or a failure at any moment the file holds the document as it was before or after the
     // save.  Refused if another program has changed or replaced the file since, within a transaction, for a
     // document without a file, once its history isn't usable, and for one in which an entity owns itself by
-    // way of others or is its own ancestor: the status names it.
+    // way of others, is its own ancestor, or refers to an entity of another document: the status names it.
     static Status save(Asset & asset);
     // Writes the whole document to a file, in place of one that is there, and makes that the document's
     // file.  It is written beside its final name, with ".saving" after it, and given that name once it
     // is complete and on the disk.  After a failure the document has the file that it had.  Refused within
-    // a transaction, once the document's history isn't usable, and for a circle of entities; and with
-    // StatusBusy while another program uses the file or saves under its name.
+    // a transaction, once the document's history isn't usable, for a circle of entities, and for a
+    // reference into another document; and with StatusBusy while another program uses the file or saves
+    // under its name.
     //
     // A crash may have left something beside the name that could be somebody's only copy: a journal that
     // brings a document back which was moved away, or a document that was complete and not yet given its

@@ -113,20 +113,25 @@ DocumentFile::Reader::Reader(std::filesystem::path file, AssetType const * type,
 DocumentFile::Reader::~Reader() {
     if (!m_rAsset) return;
     // Only after a failure.  The asset ends its entities, as it would those of a whole document.
+    uninitializeHelpers();
     for (StrongRef<Entity> & entity : m_loaded) {
-        if (!entity) continue; // what owns it has taken over
-        if (entity->isMarkedMigrating()) {
-            try {
-                entity->uninitializeMigrationHelpers();
-            } catch (...) { // a hook of an entity that is about to go
-            }
-        }
         try {
             entity->segment()->m_unowned.push_back(std::move(entity));
         } catch (std::bad_alloc const &) { // it ends with m_loaded, after the asset
         }
     }
     m_rAsset.reset();
+}
+
+void DocumentFile::Reader::uninitializeHelpers() noexcept {
+    m_rAsset->m_pTable->forEach([](Entity & entity) {
+        if (!entity.isMarkedMigrating()) return;
+        StrongRef<Entity> const held(&entity);
+        try {
+            entity.uninitializeMigrationHelpers();
+        } catch (...) { // a hook of an entity that is about to go
+        }
+    });
 }
 
 StrongRef<Asset> DocumentFile::Reader::read() {
@@ -322,6 +327,8 @@ DocumentFile::Reader::Plan & DocumentFile::Reader::planFor(Class & of, Entity & 
 // --- Entities ----------------------------------------------------------------------------------
 
 void DocumentFile::Reader::readSegments() {
+    // What constructors and hooks make from now on has an id that the file never used.
+    m_rAsset->m_nextId = std::max(m_rAsset->m_nextId, m_head.m_nextEntity);
     Statement row(m_database, "SELECT kind, place, name FROM segments ORDER BY place");
     while (row.step()) {
         long long const kind = row.integer(0);
@@ -363,6 +370,7 @@ void DocumentFile::Reader::readEntities(Class & of) {
         if (!entity) refuse("its class refuses to make it");
         m_loaded.push_back(std::move(entity));
         Entity & made = *m_loaded.back();
+        made.m_state.set(DataModel::EntityState::Stored);
         of.m_pType->onPreLoad(&made);
         if (made.isMarkedMigrating()) made.initializeMigrationHelpers();
         readColumns(planFor(of, made), row, made);
@@ -385,7 +393,15 @@ void DocumentFile::Reader::readColumns(Plan & plan, Statement & row, Entity & en
         if (char const * const wrong =
                 m_values.column(row, column.m_place, member.m_kind, field, reference))
             damaged(entity, member, wrong);
-        if (!reference || !field) continue;
+        if (!field) continue;
+        if (!reference) {
+            // Nor is what it puts into a reference.
+            if (member.m_kind == EMemberKind::StrongRef)
+                static_cast<StrongRef<Entity> *>(field)->reset();
+            if (member.m_kind == EMemberKind::PassiveRef)
+                static_cast<PassiveRef<Entity> *>(field)->reset();
+            continue;
+        }
         if (!resolve(member.m_kind, field, reference, column.m_target, entity, member, false))
             m_fixUps.push_back({field, reference, &entity, &column});
     }
@@ -428,10 +444,14 @@ bool DocumentFile::Reader::isFit(Target & target, Entity & entity) const {
     return true;
 }
 
+Entity * DocumentFile::Reader::loaded(unsigned long long id) const noexcept {
+    return id < m_head.m_nextEntity ? m_rAsset->m_pTable->find(id) : nullptr;
+}
+
 bool DocumentFile::Reader::resolve(EMemberKind kind, void * field, unsigned long long id,
                                    Target & target, Entity & from, FileMember const & member,
                                    bool isLast) {
-    Entity * const to = m_rAsset->m_pTable->find(id);
+    Entity * const to = loaded(id);
     if (!to) {
         if (!isLast) return false;
         // A target that was deleted after the reference was written is what a passive one allows for.
@@ -458,6 +478,7 @@ void DocumentFile::Reader::damaged(Entity const & entity, FileMember const & mem
 // --- Lists -------------------------------------------------------------------------------------
 
 void DocumentFile::Reader::readLists() {
+    m_bRootsChanged = m_rAsset->m_bRootsDirty;
     Statement row(m_database,
                   "SELECT entity, member, chunk, items FROM lists ORDER BY entity, member, chunk");
     while (row.step()) {
@@ -467,8 +488,7 @@ void DocumentFile::Reader::readLists() {
         };
         for (int i = 0; i < 3; ++i)
             if (row.type(i) != SQLITE_INTEGER) refuse("its key isn't one");
-        Entity * const entity =
-            id > 0 ? m_rAsset->m_pTable->find(static_cast<unsigned long long>(id)) : nullptr;
+        Entity * const entity = id > 0 ? loaded(static_cast<unsigned long long>(id)) : nullptr;
         if (!entity) refuse("there is no such entity");
         Class & of = *m_classByType.at(entity->metaType());
         Plan & plan = planFor(of, *entity);
@@ -612,43 +632,49 @@ void DocumentFile::Reader::migrateValue(ValueMetaType & type, char * value, Enti
                         "a value of entity " + std::to_string(entity.id()) + " can't be migrated");
 }
 
+// What nothing in the file owns is kept, so that opening a document loses nothing.  All else is left to
+// its owners before the hooks run: an entity that a hook takes out of the document is gone.
+void DocumentFile::Reader::settleOwners() {
+    for (StrongRef<Entity> & entity : m_loaded)
+        if (entity->refCount() == 1)
+            entity->segment()->m_unowned.push_back(std::move(entity));
+        else
+            entity.reset();
+    m_loaded.clear();
+}
+
+// In the order of ids.  What hooks make meanwhile wasn't loaded, and isn't told.
+void DocumentFile::Reader::runHooks() {
+    m_rAsset->m_pTable->forEach([](Entity & entity) {
+        if (entity.isCreating()) return;
+        StrongRef<Entity> const held(&entity); // a hook may end the entity
+        entity.metaType()->onPostLoad(&entity);
+    });
+    if (!m_rAsset->m_bMigrating) return;
+    m_rAsset->m_pTable->forEach([](Entity & entity) {
+        if (!entity.isMarkedMigrating()) return;
+        StrongRef<Entity> const held(&entity);
+        entity.postMigrate();
+        entity.metaType()->onPostMigrate(&entity);
+        entity.uninitializeMigrationHelpers();
+        entity.m_state.clear(DataModel::EntityState::Migrating);
+    });
+}
+
 void DocumentFile::Reader::complete() {
     Asset & asset = *m_rAsset;
+    asset.m_bRootsDirty = m_bRootsChanged;
     if (!m_olderValues.empty()) migrateValues();
-    // In the order of ids.
-    asset.m_pTable->forEach(
-        [](Entity & entity) { entity.metaType()->onPostLoad(&entity); });
-    if (asset.m_bMigrating) {
-        auto const forMarked = [&](auto const & step) {
-            asset.m_pTable->forEach([&](Entity & entity) {
-                if (entity.isMarkedMigrating()) step(entity);
-            });
-        };
-        forMarked([](Entity & entity) {
-            entity.postMigrate();
-            entity.uninitializeMigrationHelpers();
-            entity.m_state.clear(DataModel::EntityState::Migrating);
-        });
-    }
+    settleOwners();
+    runHooks();
 
-    asset.m_nextId = std::max(asset.m_nextId, m_head.m_nextEntity);
-    for (StrongRef<Entity> & entity : m_loaded) {
-        entity->m_state.set(DataModel::EntityState::Stored);
-        if (entity->refCount() == 1) {
-            Segment & segment = *entity->segment();
-            segment.m_unowned.push_back(std::move(entity));
-        } else
-            entity.reset();
-    }
-    m_loaded.clear();
     asset.m_history.clear();
     asset.m_history.markClean();
-    asset.m_bRootsDirty = false;
-    // What a migration made or changed is written when the file is, which is then written whole.
-    for (unsigned long long const id : std::exchange(asset.m_dirty, {}))
-        if (Entity * const entity = asset.m_pTable->find(id))
-            entity->m_state.clear(DataModel::EntityState::Dirty);
-    asset.m_deleted.clear();
+    // What constructors and hooks made, changed and ended differs from the file.
+    std::erase_if(asset.m_dirty, [&](unsigned long long id) { return !asset.m_pTable->find(id); });
+    if (!asset.m_dirty.empty() || !asset.m_deleted.empty() || asset.m_bRootsDirty
+        || asset.m_bUnnoted)
+        asset.m_history.markModified();
     asset.m_persistedVersions.clear();
     asset.m_bMigrating = false;
     asset.m_bLoading = false;

@@ -59,6 +59,9 @@ private:
     void readRoots();
     void refuseCircles() const;
     void complete();
+    void settleOwners();
+    void runHooks();
+    void uninitializeHelpers() noexcept;
     void migrateValues();
     void migrateValues(MemberSet const & set, char * object, Entity const & entity);
     void migrateValue(ValueMetaType & type, char * value, Entity const & entity);
@@ -69,6 +72,8 @@ private:
     bool isOlder(Class const & of, FileMember const & member) const;
     void * placeOf(Entity & entity, std::ptrdiff_t offset, EntityMetaType const * helper) const;
 
+    // An entity of the file; null if it isn't there.  What hooks made meanwhile isn't of the file.
+    Entity * loaded(unsigned long long id) const noexcept;
     // Gives a reference its target.  False if that isn't loaded yet, unless this is the last chance.
     bool resolve(EMemberKind kind, void * field, unsigned long long id, Target & target,
                  Entity & from, FileMember const & member, bool isLast);
@@ -89,6 +94,7 @@ private:
     // From entities that own others to what they own, as far as that may own something too.
     std::vector<std::pair<unsigned long long, unsigned long long>> m_ownerships;
     std::vector<std::pair<ValueMetaType *, unsigned>> m_olderValues;
+    bool m_bRootsChanged = false; // by a hook
     DataModel::ValueReader m_values;
 };
 

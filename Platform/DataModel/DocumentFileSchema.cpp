@@ -176,6 +176,7 @@ DescribedType describe(Database const & database, EntityMetaType & type) {
         described.m_members.push_back(std::move(member));
         described.m_leaves.push_back(&leaf);
     };
+    if (type.type() != EntityMetaType::TypeConcrete) refuse("it is abstract");
     for (Leaf const & leaf : type.layout().leaves()) {
         if (!leaf.m_bPersisted || leaf.m_bInHelper) continue;
         int const place = static_cast<int>(described.m_members.size());
@@ -184,6 +185,10 @@ DescribedType describe(Database const & database, EntityMetaType & type) {
             for (Leaf const & part : *leaf.m_pElementLeaves)
                 if (part.m_bPersisted) add(part, place);
     }
+    std::set<std::pair<int, std::string>> paths;
+    for (FileMember const & member : described.m_members)
+        if (!paths.emplace(member.m_list, member.path()).second)
+            refuse("there are two members " + member.path());
     nameColumns(described.m_members);
     return described;
 }

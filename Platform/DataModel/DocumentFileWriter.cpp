@@ -92,30 +92,43 @@ void fetch(Entity const * entity) noexcept {
     __builtin_prefetch(entity + 1); // it needn't begin where a line of the cache does
 }
 
-// Calls `visit` with the target, which may be null, of each strong reference that a file would have.
+bool isReference(EMemberKind kind) noexcept {
+    return kind == EMemberKind::StrongRef || kind == EMemberKind::PassiveRef;
+}
+
+// Calls `visit` with the kind, the field and the member of each reference that a file would have.
 template <class Visit>
-void forEachOwned(Entity & entity, Visit && visit) {
+void forEachReference(Entity & entity, Visit && visit) {
     for (Leaf const & leaf : entity.metaType()->layout().leaves()) {
         if (!leaf.m_bPersisted || leaf.m_bInHelper) continue;
         void * const field = DataModel::field(entity, leaf);
-        if (leaf.m_kind == EMemberKind::StrongRef) visit(at<StrongRef<Entity>>(field).get());
+        if (isReference(leaf.m_kind)) visit(leaf.m_kind, field, leaf);
         if (leaf.m_kind != EMemberKind::Vector) continue;
-        auto const visitElements = [&](std::ptrdiff_t offset) {
+        auto const visitElements = [&](EMemberKind kind, std::ptrdiff_t offset) {
             std::size_t const count = leaf.m_pFunctions->elementCount(field);
             std::size_t const stride = leaf.m_pFunctions->memberBytes(1);
             auto const * element = static_cast<char const *>(leaf.m_pFunctions->firstElement(field));
             for (std::size_t i = 0; i < count; ++i, element += stride) {
-                if (i + c_ahead < count)
+                if (kind == EMemberKind::StrongRef && i + c_ahead < count)
                     fetch(at<StrongRef<Entity>>(element + c_ahead * stride + offset).get());
-                visit(at<StrongRef<Entity>>(element + offset).get());
+                visit(kind, element + offset, leaf);
             }
         };
-        if (leaf.m_elementKind == EMemberKind::StrongRef) visitElements(0);
+        if (isReference(leaf.m_elementKind)) visitElements(leaf.m_elementKind, 0);
         if (leaf.m_elementKind == EMemberKind::Value)
             for (Leaf const & part : *leaf.m_pElementLeaves)
-                if (part.m_bPersisted && part.m_kind == EMemberKind::StrongRef)
-                    visitElements(part.m_offset);
+                if (part.m_bPersisted && isReference(part.m_kind))
+                    visitElements(part.m_kind, part.m_offset);
     }
+}
+
+// The same with the target, which may be null, of each strong one.
+template <class Visit>
+void forEachOwned(Entity & entity, Visit && visit) {
+    if (!entity.metaType()->layout().hasStrong()) return;
+    forEachReference(entity, [&](EMemberKind kind, void const * field, Leaf const &) {
+        if (kind == EMemberKind::StrongRef) visit(at<StrongRef<Entity>>(field).get());
+    });
 }
 
 // "(?, ?), (?, ?)" and so on.
@@ -401,16 +414,27 @@ unsigned long long DocumentFile::Writer::idOf(Entity const * target) const noexc
 
 unsigned long long
 DocumentFile::Writer::idOf(PassiveRef<Entity> const & reference) const noexcept {
-    // One that is dead and may come back counts: its passive references will lead to it again, and
-    // nobody would write them then.  Its id is never used again.
+    return idOf(reference.get());
+}
+
+DocumentFile::Writer::EFate
+DocumentFile::Writer::fateOf(Entity const * target) const noexcept {
+    if (!target) return EFate::Null;
+    if (target->asset() != &m_asset) return EFate::Foreign;
+    if (!target->isAlive()) return EFate::Gap;
+    return isWritten(*target) ? EFate::Written : EFate::Null;
+}
+
+DocumentFile::Writer::EFate
+DocumentFile::Writer::fateOf(PassiveRef<Entity> const & reference) const noexcept {
     Entity const * const target = reference.getKept();
-    bool const isThere = target
-        && (target->isAlive() || target->m_state.names() > 0) && isOurs(*target);
-    return isThere ? target->id() : 0;
+    // One to what is gone tests null, whichever document it was in.
+    if (!target || (!target->isAlive() && target->asset() != &m_asset)) return EFate::Null;
+    return fateOf(target);
 }
 
 template <class Visit>
-void DocumentFile::Writer::forEachToWrite(Visit && visit) const {
+void DocumentFile::Writer::forEachToWrite(Visit && visit, std::size_t first) const {
     if (m_bWhole) {
         m_asset.m_pTable->forEach([&](Entity & entity) {
             if (isWritten(entity)) visit(entity);
@@ -418,7 +442,7 @@ void DocumentFile::Writer::forEachToWrite(Visit && visit) const {
         return;
     }
     // By index, since there may be more of them meanwhile.
-    for (std::size_t i = 0; i < m_asset.m_dirty.size(); ++i)
+    for (std::size_t i = first; i < m_asset.m_dirty.size(); ++i)
         if (Entity * const entity = m_asset.m_pTable->find(m_asset.m_dirty[i]))
             if (isWritten(*entity)) visit(*entity);
 }
@@ -426,20 +450,101 @@ void DocumentFile::Writer::forEachToWrite(Visit && visit) const {
 // All of the hooks before anything is written: what one changes is written, whichever entity it is of.
 void DocumentFile::Writer::prepare(std::filesystem::path const & file) {
     std::vector<unsigned long long> owners;
-    forEachToWrite([&](Entity & entity) {
-        EntityMetaType & type = *entity.metaType();
-        if (type.layout().hasStrong()) owners.push_back(entity.id());
-        type.onPreSave(&entity);
-    });
+    std::size_t told = 0;
+    do { // once, unless an entity that didn't change has to be written too
+        forEachToWrite(
+            [&](Entity & entity) {
+                EntityMetaType & type = *entity.metaType();
+                if (type.layout().hasStrong()) owners.push_back(entity.id());
+                type.onPreSave(&entity);
+            },
+            told);
+        told = m_asset.m_dirty.size();
+        checkReferences(file);
+    } while (!m_bWhole && told < m_asset.m_dirty.size());
     auto const refuse = [&](std::string_view cause) {
         throw FileFailure{Status(StatusCorrupt, m_operation, pathText(file), cause)};
     };
     if (unsigned long long const id = idOnCircle(owners)) refuse(DataModel::circleText(id));
+    m_bPrepared = true;
     DataModel::ParentWalk parents;
     forEachToWrite([&](Entity & entity) {
         if (Entity const * const found = parents.onCircle(entity))
             refuse(DataModel::parentCircleText(found->id()));
     });
+}
+
+void DocumentFile::Writer::checkReferences(std::filesystem::path const & file) {
+    m_gaps.clear();
+    if (!m_bWhole) m_gaps = m_asset.m_gaps;
+    std::vector<unsigned long long> gaps;
+    auto const keepGaps = [&](unsigned long long id) {
+        if (!gaps.empty())
+            m_gaps[id] = std::exchange(gaps, {});
+        else if (!m_gaps.empty())
+            m_gaps.erase(id);
+    };
+    forEachToWrite([&](Entity & entity) {
+        forEachReference(entity, [&](EMemberKind kind, void const * field, Leaf const & leaf) {
+            bool const isStrong = kind == EMemberKind::StrongRef;
+            EFate const fate = isStrong ? fateOf(at<StrongRef<Entity>>(field).get())
+                                        : fateOf(at<PassiveRef<Entity>>(field));
+            if (fate == EFate::Null || (m_bWhole && fate == EFate::Written)) return;
+            Entity & target = isStrong ? *at<StrongRef<Entity>>(field)
+                                       : *at<PassiveRef<Entity>>(field).getKept();
+            if (fate == EFate::Gap)
+                gaps.push_back(target.id());
+            else if (fate == EFate::Foreign)
+                throw FileFailure{
+                    Status(StatusFailed, m_operation, pathText(file),
+                           "entity " + std::to_string(entity.id()) + ", member " + leaf.m_path
+                               + ": it refers to an entity of "
+                               + (target.asset() ? "another document" : "a closed document"))};
+            else if (!target.m_state.test(DataModel::EntityState::Stored))
+                m_asset.markDirty(target);
+        });
+        keepGaps(entity.id());
+    });
+    if (!m_bWhole && !m_asset.m_bRootsDirty) return;
+    for (auto const & segment : m_asset.m_segments)
+        if (!segment->isTransient())
+            for (auto const & [place, root] : segment->m_roots) {
+                StrongRef<Entity> const & entity = root.second;
+                EFate const fate = fateOf(entity.get());
+                if (fate == EFate::Gap) gaps.push_back(entity->id());
+                if (fate == EFate::Written && !m_bWhole
+                    && !entity->m_state.test(DataModel::EntityState::Stored))
+                    m_asset.markDirty(*entity);
+            }
+    keepGaps(0);
+}
+
+void DocumentFile::Writer::noteStale() {
+    // In place of a target that has come back stands null.
+    for (auto const & [id, targets] : m_asset.m_gaps) {
+        bool const isBack =
+            std::any_of(targets.begin(), targets.end(), [&](unsigned long long target) {
+                return m_asset.m_pTable->find(target) != nullptr;
+            });
+        if (!isBack) continue;
+        if (id == 0)
+            m_asset.m_bRootsDirty = true;
+        else if (Entity * const entity = m_asset.m_pTable->find(id))
+            m_asset.markDirty(*entity);
+    }
+    // The row of a target that has left is about to go.  What a change made an owner forget changed that,
+    // so that there is something to look for only if somebody else holds the target.
+    if (!m_asset.m_bLeftHeld) return;
+    m_asset.m_pTable->forEach([&](Entity & entity) {
+        if (!isWritten(entity)) return;
+        forEachOwned(entity, [&](Entity const * target) {
+            if (fateOf(target) == EFate::Gap) m_asset.markDirty(entity);
+        });
+    });
+    for (auto const & segment : m_asset.m_segments)
+        for (auto const & [place, root] : segment->m_roots)
+            if (fateOf(root.second.get()) == EFate::Gap && !segment->isTransient())
+                m_asset.m_bRootsDirty = true;
 }
 
 // `ids` are those of all entities that are written and own others.  In a save of changes those are enough:
@@ -733,6 +838,8 @@ void DocumentFile::Writer::markSaved() {
     std::vector<unsigned long long> const dirty = std::exchange(m_asset.m_dirty, {});
     m_asset.m_deleted.clear();
     m_asset.m_bRootsDirty = false;
+    m_asset.m_bLeftHeld = false;
+    if (m_bPrepared) m_asset.m_gaps = std::move(m_gaps);
     m_asset.m_history.markClean();
 
     // The hooks come last: what they change is new.

@@ -38,6 +38,9 @@ public:
     void saveWhole(std::filesystem::path const & file,
                    std::vector<std::filesystem::path> & kept);
     void saveChanges();
+    // Has the next save of changes write the entities whose rows don't tell any more what they refer to,
+    // since a target came or went, although they themselves didn't change.
+    void noteStale();
 
 private:
     struct Class;
@@ -49,11 +52,15 @@ private:
     static bool isCurrent(DataModel::Database const & database, DataModel::FileSchema & schema);
     void writeSegments();
     void writeRoots();
-    // Each entity that this save writes.  `visit` may make, change and delete entities.
+    // Each entity that this save writes; of a save of changes those from a place on.  `visit` may make,
+    // change and delete entities.
     template <class Visit>
-    void forEachToWrite(Visit && visit) const;
+    void forEachToWrite(Visit && visit, std::size_t first = 0) const;
     // Tells the hooks, and refuses what a load would refuse.
     void prepare(std::filesystem::path const & file);
+    // Refuses references that can't be written, has targets that aren't in the file written too, and
+    // collects the gaps.
+    void checkReferences(std::filesystem::path const & file);
     unsigned long long idOnCircle(std::vector<unsigned long long> const & ids) const;
     void writeEntities();
     void eraseDeleted();
@@ -64,6 +71,10 @@ private:
     void writeLists(Class & target, Entity & entity);
     void appendElement(std::string & json, EMemberKind kind, void const * element);
     Class & classOf(Entity & entity);
+    enum class EFate { Null, Written, Gap, Foreign };
+    // What becomes of a reference in the file.
+    EFate fateOf(Entity const * target) const noexcept;
+    EFate fateOf(PassiveRef<Entity> const & reference) const noexcept;
     // What is written of a reference; 0 for null.
     unsigned long long idOf(Entity const * target) const noexcept;
     unsigned long long idOf(PassiveRef<Entity> const & reference) const noexcept;
@@ -89,6 +100,8 @@ private:
     DataModel::FileSchema * m_pSchema = nullptr;
     std::vector<std::filesystem::path> * m_pKept = nullptr;
     bool m_bWhole = true; // not only what changed
+    bool m_bPrepared = false;
+    std::unordered_map<unsigned long long, std::vector<unsigned long long>> m_gaps; // once prepared
     std::unordered_map<EntityMetaType const *, std::unique_ptr<Class>> m_classes;
     Class * m_pLastClass = nullptr;
     std::unique_ptr<DataModel::ListWriter> m_pLists;

@@ -98,6 +98,12 @@ void Entity::postCreation(DataChange::ETransact transact) {
     if (m_pSegment) m_pSegment->entityEventSource()->tellPostCreate(*this, transact);
 }
 
+void Entity::markModified() noexcept {
+    if (!m_pSegment || m_pSegment->isTransient() || !isAlive()) return;
+    asset()->markDirty(*this);
+    asset()->m_history.markModified();
+}
+
 EntityChange * Entity::outerChange() const noexcept {
     return m_state.test(EntityState::Changing) ? asset()->history().recorder().outermost(*this) : nullptr;
 }

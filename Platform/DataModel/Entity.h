@@ -100,6 +100,12 @@ protected:
     // The same for one that is being loaded, with its id.
     Entity(Segment * segment, unsigned long long id);
 
+    // For setters that store a persisted member without a bracket: the document differs from its file
+    // until the next save, which writes this entity.  No observer is told, there is no step for it, and
+    // undo and redo stay as they are; what was stored isn't undone.  Without effect in a segment that isn't
+    // saved, on an entity that isn't alive, and once the document is closed.
+    void markModified() noexcept;
+
     // The virtual operations.  Their order is binding, since modules built at other times call them
     // by their place; it begins with what Object and RefCounted declare: the destructor,
     // getInterfaceId, queryInterface and destroy.  The hooks among them are called by the document,
@@ -134,7 +140,8 @@ protected:
     // As of toString.
     virtual std::wstring onToString() const;
     virtual EntityMetaType * onMetaType() const = 0;
-    // The bytes of the object beyond its instance size, for the ceiling of the undo history.
+    // The bytes of the object beyond its instance size, for the ceiling of the undo history.  The meta
+    // type asks for them unless it knows better.
     virtual std::size_t onSizeInBytes() const;
     virtual void onPostMigrate();
 
@@ -151,6 +158,7 @@ private:
     friend class DataModel::EntityAccess;
     friend class DocumentFile;
     friend class EntityChange;
+    friend class EntityMetaType;
 
     // In the place that RefCounted gives it.
     void destroy() noexcept override;

@@ -252,9 +252,10 @@ std::vector<Leaf> const & leavesOf(ValueMetaType & type) {
         if (i != s_leaves->end()) return *i->second;
     }
     // Not under the lock: values may have values inside.
-    void * const value = type.construct();
-    MemberSet * const set = type.memberSetOf(value);
-    type.destruct(value);
+    auto const end = [&](void * made) { type.destruct(made); };
+    std::unique_ptr<void, decltype(end)> value(type.construct(), end);
+    MemberSet * const set = type.memberSetOf(value.get());
+    value.reset();
     auto made = std::make_unique<std::vector<Leaf>>();
     appendLeaves(*set, *made);
     std::lock_guard const guard(s_mutex);

@@ -12,6 +12,8 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <typeinfo>
 #include <vector>
 
 #include "Platform/DataModel/Export.h"
@@ -27,7 +29,9 @@ using EMigrationStatusValue = unsigned;
 // Whatever a member set or an entity can be described by.
 class VN_DATAMODEL_API MetaType {
 public:
-    // An empty id isn't listed in the MetaTypeMgr.
+    // Joins the MetaTypeMgr, and leaves it at its end.  An empty id isn't listed there.  The first meta
+    // type of an id keeps it as long as it lives.  Another one of the same id isn't registered, then or
+    // later: nothing can be made of its class, and its end changes nothing.
     MetaType(std::string id, std::string name, unsigned version, std::string baseIdentifier);
     virtual ~MetaType();
     MetaType(MetaType const &) = delete;
@@ -39,6 +43,8 @@ public:
     std::string const & name() const noexcept { return m_name; }
     unsigned version() const noexcept { return m_version; }
     std::string const & baseIdentifier() const noexcept { return m_baseIdentifier; }
+    // False if another meta type had its id first.
+    bool isRegistered() const noexcept { return m_bRegistered; }
 
     // The member set of a version; c_latestVersion stands for the latest, whose set is there from
     // the start, empty until the first object fills it.  Null for another version that no document
@@ -55,6 +61,7 @@ private:
     unsigned const m_version;
     std::string const m_baseIdentifier;
     std::unique_ptr<MemberSet> const m_pLatest;
+    bool const m_bRegistered;
     mutable std::mutex m_mutex;
     std::map<unsigned, std::unique_ptr<MemberSet>> m_older;
 };
@@ -177,8 +184,10 @@ public:
     void appendElements(void * container, std::size_t count) const {
         m_appendElements(container, count);
     }
-    // The kind of the elements, and the block for them, which is null.
+    // The kind of the elements, their run-time type name, that of what it is stored as for an
+    // enumeration, and the block for them, which is null.
     MemberMetaType * elementType() const noexcept { return m_pElementType; }
+    char const * elementTypeName() const noexcept { return m_elementTypeName; }
     TemplatizedFunctions * elementFunctions() const noexcept { return nullptr; }
 
     // The first element; the others follow at a distance of memberBytes(1).
@@ -204,7 +213,18 @@ private:
     void (*m_insertElements)(void *, std::size_t, std::size_t) = nullptr;
     void (*m_eraseElements)(void *, std::size_t, std::size_t) = nullptr;
     MemberMetaType * m_pElementType = nullptr;
+    char const * m_elementTypeName = nullptr;
 };
+
+// The run-time type name of a field, by which a member set checks its kind; that of what it is stored
+// as for an enumeration.
+template <class Field>
+char const * fieldTypeName() noexcept {
+    if constexpr (std::is_enum_v<Field>)
+        return typeid(std::underlying_type_t<Field>).name();
+    else
+        return typeid(Field).name();
+}
 
 template <class T>
 TemplatizedFunctions * TemplatizedFunctions::makeVector(MemberMetaType * elementType) {
@@ -244,6 +264,7 @@ TemplatizedFunctions * TemplatizedFunctions::makeVector(MemberMetaType * element
         elements.erase(first, first + static_cast<std::ptrdiff_t>(count));
     };
     made->m_pElementType = elementType;
+    made->m_elementTypeName = fieldTypeName<T>();
     return made;
 }
 

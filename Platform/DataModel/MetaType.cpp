@@ -10,9 +10,8 @@ namespace Vn {
 
 MetaType::MetaType(std::string id, std::string name, unsigned version, std::string baseIdentifier)
     : m_id(std::move(id)), m_name(std::move(name)), m_version(version),
-      m_baseIdentifier(std::move(baseIdentifier)), m_pLatest(std::make_unique<MemberSet>(this)) {
-    if (!m_id.empty()) MetaTypeMgr::get()->add(this);
-}
+      m_baseIdentifier(std::move(baseIdentifier)), m_pLatest(std::make_unique<MemberSet>(this)),
+      m_bRegistered(m_id.empty() || MetaTypeMgr::get()->add(this)) {}
 
 MetaType::~MetaType() {
     if (!m_id.empty()) MetaTypeMgr::get()->remove(this);
@@ -73,10 +72,14 @@ DataModel::MemberLayout const & EntityMetaType::layout() {
     return *layout;
 }
 
+std::size_t EntityMetaType::onSizeInBytes(Entity const * entity) const {
+    return entity->onSizeInBytes();
+}
 void EntityMetaType::onPreSave(Entity *) {}
 void EntityMetaType::onPostSave(Entity *) {}
 void EntityMetaType::onPreLoad(Entity *) {}
 void EntityMetaType::onPostLoad(Entity *) {}
+void EntityMetaType::onPostMigrate(Entity *) {}
 
 ValueMetaType::ValueMetaType(std::string id, std::string name, unsigned version,
                              std::string valueTypeName, std::string baseIdentifier)
@@ -125,9 +128,9 @@ std::vector<std::string> MetaTypeMgr::ids() const {
     return ids;
 }
 
-void MetaTypeMgr::add(MetaType * type) {
+bool MetaTypeMgr::add(MetaType * type) {
     std::lock_guard const guard(m_mutex);
-    m_types.emplace(type->identifier(), type);
+    return m_types.emplace(type->identifier(), type).second;
 }
 
 void MetaTypeMgr::remove(MetaType * type) {

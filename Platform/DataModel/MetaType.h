@@ -33,6 +33,8 @@ inline constexpr unsigned c_latestVersion = 0xFFFFFFFFU;
 
 // One class of entities.  There is one instance, a static object; its address is the identity of
 // the type.  It joins the MetaTypeMgr when it is constructed and leaves it when it is destroyed.
+//
+// The virtual operations stand in an order that other modules rely on.
 class VN_DATAMODEL_API EntityMetaType : public MetaType {
 public:
     // What the class is for.  Concrete classes are created by the data model when a document loads.
@@ -65,8 +67,11 @@ public:
         return onCreateEntity(segment, id);
     }
 
-    // The bytes of an object.
+    // The bytes of an object, and of an entity with what it has beyond that.
     std::size_t instanceSize() const { return onInstanceSize(); }
+    std::size_t sizeInBytes(Entity const & entity) const {
+        return onInstanceSize() + onSizeInBytes(&entity);
+    }
 
     // Bits about the type; set only.
     std::uint32_t flags() const noexcept { return m_flags.load(std::memory_order_relaxed); }
@@ -82,12 +87,16 @@ private:
     // `set->initialize(entity, "X")`, then the class's members of that version.
     virtual void onMigratingMemberSet(Entity * entity, unsigned version, MemberSet * set) = 0;
     virtual StrongRef<Entity> onCreateEntity(Segment * segment, unsigned long long id) = 0;
-    virtual std::size_t onInstanceSize() const = 0;
+    // The bytes of an entity beyond the instance size; unless overridden what the entity says itself.
+    virtual std::size_t onSizeInBytes(Entity const * entity) const;
     // Told around the saving and loading of each entity of the class.
     virtual void onPreSave(Entity * entity);
     virtual void onPostSave(Entity * entity);
     virtual void onPreLoad(Entity * entity);
     virtual void onPostLoad(Entity * entity);
+    // Told once of each entity of an older version, after its own onPostMigrate.
+    virtual void onPostMigrate(Entity * entity);
+    virtual std::size_t onInstanceSize() const = 0;
 
     friend class DocumentFile;
 
@@ -180,7 +189,7 @@ private:
     friend class MetaType;
 
     MetaTypeMgr() = default;
-    void add(MetaType * type);
+    bool add(MetaType * type);
     void remove(MetaType * type);
 
     mutable std::mutex m_mutex;

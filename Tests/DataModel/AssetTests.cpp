@@ -205,9 +205,10 @@ TEST(MetaTypeTests, optionsOfAMemberAreBits) {
     set.initialize(&object, "Object");
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Member member("value", 0, false, "double", IntrinsicMetaType<double>::get(), nullptr);
-    EXPECT_TRUE(member.test(Member::OptionPersisted));
+    EXPECT_TRUE(member.test(Member::OptionFollowed));
     member.clear(16);
-    EXPECT_FALSE(member.test(Member::OptionPersisted));
+    EXPECT_FALSE(member.test(Member::OptionFollowed));
+    EXPECT_TRUE(member.test(Member::OptionPersisted));
     EXPECT_TRUE(member.test(Member::OptionUndoable));
     EXPECT_EQ(member.set(16).options(), Member::OptionsDefault);
 }

@@ -1,10 +1,13 @@
 // Saving in the midst of undo and redo.
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Platform/DataModel/IEntityObserver.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/TestEntities.h"
 
@@ -39,7 +42,8 @@ protected:
 
     // Saves, and sees that the file holds what the document does.
     void expectSaved() {
-        ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
+        Status const saved = DocumentFile::save(*m_rAsset);
+        ASSERT_TRUE(saved.ok()) << saved.toString();
         EXPECT_FALSE(m_rAsset->isDirty());
         StrongRef<Asset> loaded;
         Status const status = DocumentFile::load(m_folder / "a.vnd", nullptr, loaded);
@@ -100,6 +104,189 @@ TEST_F(SaveAndUndoTests, theCleanStateIsTheSavedOne) {
     redo();
     EXPECT_FALSE(m_rAsset->isDirty());
     undo();
+    expectSaved();
+}
+
+// --- Members that are stored without a bracket --------------------------------------------------
+
+TEST_F(SaveAndUndoTests, aStoreThatIsMarkedIsSavedAndIsNoStep) {
+    step([&] { m_rRoot->set(&Thing::m_int, 1); });
+    step([&] { m_rRoot->set(&Thing::m_int, 2); });
+    undo();
+    expectSaved();
+    std::vector<std::string> heard;
+    Thing::s_log = &heard;
+    m_rRoot->m_bool = true;
+    m_rRoot->markModified();
+    Thing::s_log = nullptr;
+    EXPECT_TRUE(heard.empty());
+    EXPECT_TRUE(m_rAsset->isDirty());
+    EXPECT_EQ(m_rAsset->history().undoSteps(), 1U);
+    EXPECT_EQ(m_rAsset->history().redoSteps(), 1U);
+    undo();
+    redo();
+    EXPECT_TRUE(m_rAsset->isDirty()) << "until it is saved";
+    expectSaved();
+    undo();
+    EXPECT_TRUE(m_rRoot->m_bool);
+    expectSaved();
+}
+
+TEST_F(SaveAndUndoTests, aStoreInATransactionThatIsAbortedStaysAndIsSaved) {
+    {
+        Transaction transaction(*m_rAsset, L"step");
+        m_rRoot->set(&Thing::m_int, 1);
+        m_rRoot->m_bool = true;
+        m_rRoot->markModified();
+        transaction.abort();
+    }
+    EXPECT_TRUE(m_rRoot->m_bool);
+    EXPECT_TRUE(m_rAsset->isDirty());
+    expectSaved();
+}
+
+TEST_F(SaveAndUndoTests, aMarkWhereNothingIsSavedDoesNothing) {
+    Segment * const transient = Segment::create(
+        m_rAsset.get(), SegmentTypeMgr::get()->segmentType(SegmentType::TransientSegment), true);
+    StrongRef<Thing> const passing = Thing::make(transient);
+    ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
+    passing->markModified();
+    EXPECT_FALSE(m_rAsset->isDirty());
+    StrongRef<Thing> const closed = Thing::make(*StrongRef<Asset>(Asset::make(nullptr)));
+    closed->markModified();
+    EXPECT_EQ(closed->asset(), nullptr);
+}
+
+// As of a document whose settings take the group of named views, which is then undone.
+TEST_F(SaveAndUndoTests, aStoredReferenceToWhatIsUndoneIsNullInTheFileUntilARedo) {
+    step([&] { m_rRoot->m_rOwned = Thing::make(*m_rAsset, L"views"); });
+    m_rRoot->markModified();
+    StrongRef<Thing> const views = m_rRoot->m_rOwned;
+    undo();
+    EXPECT_FALSE(views->isAlive());
+    ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
+    StrongRef<Asset> loaded;
+    ASSERT_TRUE(DocumentFile::load(m_folder / "a.vnd", nullptr, loaded).ok());
+    auto const root = [&]() -> Thing & {
+        return static_cast<Thing &>(*loaded->segmentAt(0)->rootEntity("root"));
+    };
+    EXPECT_FALSE(root().m_rOwned);
+    EXPECT_EQ(m_rRoot->m_rOwned, views) << "it stays in memory";
+
+    redo();
+    EXPECT_TRUE(views->isAlive());
+    expectSaved();
+    ASSERT_TRUE(DocumentFile::load(m_folder / "a.vnd", nullptr, loaded).ok());
+    ASSERT_TRUE(root().m_rOwned);
+    EXPECT_EQ(root().m_rOwned->m_name, L"views");
+
+    // Its owner didn't change, and the row that it refers to goes.
+    undo();
+    ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
+    Status const status = DocumentFile::load(m_folder / "a.vnd", nullptr, loaded);
+    ASSERT_TRUE(status.ok()) << status.toString();
+    EXPECT_FALSE(root().m_rOwned);
+    redo();
+    expectSaved();
+}
+
+TEST_F(SaveAndUndoTests, storedListsOfWhatIsUndoneAreWrittenWithNulls) {
+    StrongRef<Thing> const kept = Thing::make(*m_rAsset, L"kept");
+    StrongRef<Thing> undone;
+    step([&] { undone = Thing::make(*m_rAsset, L"undone"); });
+    m_rRoot->m_children = {kept, undone};
+    m_rRoot->m_friends = {PassiveRef<Entity>(undone.get()), PassiveRef<Entity>(kept.get())};
+    m_rRoot->markModified();
+    expectSaved();
+    undo();
+    ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
+    StrongRef<Asset> loaded;
+    Status const status = DocumentFile::load(m_folder / "a.vnd", nullptr, loaded);
+    ASSERT_TRUE(status.ok()) << status.toString();
+    auto const & root = static_cast<Thing &>(*loaded->segmentAt(0)->rootEntity("root"));
+    ASSERT_EQ(root.m_children.size(), 2U);
+    EXPECT_TRUE(root.m_children[0]);
+    EXPECT_FALSE(root.m_children[1]);
+    EXPECT_FALSE(root.m_friends[0]);
+    EXPECT_TRUE(root.m_friends[1]);
+    redo();
+    expectSaved();
+}
+
+TEST_F(SaveAndUndoTests, aStoreThatNobodyMarkedLeavesAFileThatOpens) {
+    StrongRef<Thing> views;
+    step([&] { views = Thing::make(*m_rAsset, L"views"); });
+    m_rRoot->m_rOwned = views; // and no mark
+    undo();
+    step([&] { m_rRoot->set(&Thing::m_int, 1); });
+    ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
+    StrongRef<Asset> loaded;
+    Status const status = DocumentFile::load(m_folder / "a.vnd", nullptr, loaded);
+    EXPECT_TRUE(status.ok()) << status.toString();
+}
+
+// A hook of an undo made it, which isn't a step and marks nothing.
+TEST_F(SaveAndUndoTests, aTargetThatNobodyMarkedIsWrittenWithItsOwner) {
+    struct Maker : IEntityObserver {
+        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                       DataChange *) override {}
+        void postChange(Entity * entity, DataChange::ETransact transact, DataChange::EChangeType,
+                        DataChange *) override {
+            if (!DataChange::test(transact, DataChange::TransactReplay)) return;
+            m_rMade = Thing::make(*entity->asset(), L"made");
+            m_rMade->m_rOwned = Thing::make(*entity->asset(), L"made for it");
+        }
+        void preDeletion(Entity *, DataChange::ETransact) override {}
+        StrongRef<Thing> m_rMade;
+    } maker;
+    step([&] { m_rRoot->set(&Thing::m_int, 1); });
+    expectSaved();
+    m_rRoot->subscribe(&maker);
+    undo();
+    m_rRoot->unsubscribe(&maker);
+    ASSERT_TRUE(maker.m_rMade);
+    m_rRoot->m_rOwned = maker.m_rMade;
+    m_rRoot->markModified();
+    expectSaved();
+}
+
+TEST_F(SaveAndUndoTests, aReferenceIntoAnotherDocumentFailsTheSaveWithItsPlace) {
+    expectSaved();
+    std::wstring const saved = dump(*m_rAsset);
+    StrongRef<Asset> other = Asset::make(nullptr);
+    StrongRef<Thing> const stranger = Thing::make(*other, L"stranger");
+    auto const expectRefused = [&](char const * member, char const * what) {
+        m_rRoot->markModified();
+        for (Status const & status : {DocumentFile::save(*m_rAsset),
+                                      DocumentFile::saveAs(*m_rAsset, m_folder / "b.vnd")}) {
+            EXPECT_FALSE(status.ok());
+            std::string const text = status.toString();
+            EXPECT_NE(text.find("entity 1, member Thing." + std::string(member)), std::string::npos)
+                << text;
+            EXPECT_NE(text.find(what), std::string::npos) << text;
+        }
+        EXPECT_TRUE(m_rAsset->isDirty());
+        EXPECT_FALSE(std::filesystem::exists(m_folder / "b.vnd"));
+        StrongRef<Asset> loaded;
+        ASSERT_TRUE(DocumentFile::load(m_folder / "a.vnd", nullptr, loaded).ok());
+        EXPECT_EQ(dump(*loaded), saved);
+    };
+    m_rRoot->m_rOwned = stranger;
+    expectRefused("owned", "another document");
+    m_rRoot->m_rOwned.reset();
+    m_rRoot->m_children = {stranger};
+    expectRefused("children", "another document");
+    m_rRoot->m_children.clear();
+    m_rRoot->m_rFriend = PassiveRef<Entity>(stranger.get());
+    expectRefused("friend", "another document");
+    m_rRoot->m_rFriend.reset();
+    m_rRoot->m_friends = {PassiveRef<Entity>(stranger.get())};
+    expectRefused("friends", "another document");
+    m_rRoot->m_friends.clear();
+    m_rRoot->m_rOwned = stranger;
+    other.reset();
+    expectRefused("owned", "closed document");
+    m_rRoot->m_rOwned.reset();
     expectSaved();
 }
 

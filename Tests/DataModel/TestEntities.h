@@ -39,6 +39,8 @@ public:
     void add(StrongRef<Thing> const & child) { insert(child, m_children.size()); }
     void insert(StrongRef<Thing> const & child, std::size_t index);
     void remove(std::size_t index);
+    // For members that are stored without a bracket.
+    using Entity::markModified;
 
     void * queryInterface(UniqueString const * id) const override {
         return id == interfaceId() ? const_cast<Thing *>(this) : Entity::queryInterface(id);

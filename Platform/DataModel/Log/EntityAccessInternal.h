@@ -31,8 +31,6 @@ public:
         entity.onPreDeletion(transact);
     }
 
-    static std::size_t sizeInBytes(Entity const & entity) { return entity.onSizeInBytes(); }
-
     // As those of Asset.
     static EntityTable & table(Asset & asset) noexcept { return *asset.m_pTable; }
     static void enter(Asset & asset, Entity & entity) { asset.enter(entity); }

@@ -306,7 +306,7 @@ void Lifetimes::giveUp(std::unique_ptr<Tomb> tomb) noexcept {
 void Lifetimes::account(Entity const & entity, bool isKept) noexcept {
     std::size_t bytes = 0;
     try {
-        bytes = entity.metaType()->instanceSize() + EntityAccess::sizeInBytes(entity);
+        bytes = entity.metaType()->sizeInBytes(entity);
     } catch (...) { // it is left out
     }
     if (isKept) {

@@ -37,8 +37,6 @@ public:
     // follows the entities of a type, all of them with null.  Null without a segment.
     static StrongRefCreator<CommonBaseRootCollection>
     make(Segment * segment, std::string const & rootId, EntityMetaType * elementType);
-    // All members of version 1 are those of the base.
-    static constexpr bool c_addsLatestMembers = false;
 
     ~CommonBaseRootCollection() override;
 

@@ -13,7 +13,9 @@ namespace Vn::Managed {
 using Details = ManagedGroupEntityChangeDetails;
 
 CustomGroup::CustomGroup(PassiveRef<Entity> const & parent, ICustomGroupParent * groupParent)
-    : Persisted(parent), m_rGroupParent(query<ManagedEntity>(groupParent)) {
+    : Persisted(parent) {
+    auto * const group = query<ManagedEntity>(groupParent);
+    if (group && canReferTo(*group)) m_rGroupParent = PassiveRef<Entity>(group);
     initializeMemberSetIfNeeded();
 }
 
@@ -58,6 +60,8 @@ ICustomGroupParent * CustomGroup::groupParent() const {
 }
 
 void CustomGroup::groupParent(ICustomGroupParent * parent) {
+    auto const * const group = query<ManagedEntity>(parent);
+    if (group && !canReferTo(*group)) return;
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
                               DataChange::TimingPreAndPost, nullptr, true);
     m_rGroupParent = PassiveRef<Entity>(query<ManagedEntity>(parent));
@@ -66,6 +70,7 @@ void CustomGroup::groupParent(ICustomGroupParent * parent) {
 void CustomGroup::addGroupChild(ICustomGroupChild * child) {
     if (!child) return;
     StrongRef<ManagedEntity> const entity(query<ManagedEntity>(child));
+    if (entity && !canReferTo(*entity)) return;
     child->groupParent(this);
     Details details(entity, Details::ChildAdded, Details::c_noIndex);
     MemberSplices splices(*this, &m_groupChildren);
@@ -78,6 +83,7 @@ void CustomGroup::addGroupChild(ICustomGroupChild * child) {
 void CustomGroup::insertGroupChild(ICustomGroupChild * child, unsigned index) {
     if (!child) return;
     StrongRef<ManagedEntity> const entity(query<ManagedEntity>(child));
+    if (entity && !canReferTo(*entity)) return;
     child->groupParent(this);
     Details details(entity, Details::ChildInserted, index);
     MemberSplices splices(*this, &m_groupChildren);

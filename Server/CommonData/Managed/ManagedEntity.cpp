@@ -77,6 +77,7 @@ StrongRef<ManagedGroupEntity> ManagedEntity::managedParent() const {
 }
 
 void ManagedEntity::parent(StrongRef<Entity> const & parent) {
+    if (parent && !canReferTo(*parent)) return;
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
                               DataChange::TimingPreAndPost, nullptr, true);
     m_rParent = parent;

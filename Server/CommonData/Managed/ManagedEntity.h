@@ -63,7 +63,13 @@ protected:
     explicit ManagedEntity(Segment * segment);
     ManagedEntity(Segment * segment, unsigned long long id);
 
-    // Sets the parent, in a change of its own.
+    // Whether this entity may list another, or have it as its parent: only what is alive and in the same
+    // document, since a document is saved and undone by itself.
+    bool canReferTo(Entity const & other) const noexcept {
+        return other.isAlive() && other.asset() == asset();
+    }
+    // Sets the parent, in a change of its own.  One that isn't alive or is in another document is
+    // ignored.
     void parent(StrongRef<Entity> const & parent);
     // Has the parent, if it is a group, list the entity.
     void addToParent();

@@ -40,7 +40,7 @@ void ManagedGroupEntity::initializeMemberSet(unsigned, MemberSet * set) {
 }
 
 void ManagedGroupEntity::addChild(StrongRef<ManagedEntity> const & child) {
-    if (!child) return;
+    if (!child || !canReferTo(*child)) return;
     // Made first to hold the child: `child` may be an element of a list that a hook changes.
     Details details(child, Details::ChildAdded, Details::c_noIndex);
     // A child that was made for this group is the usual case, and needs no look at its parent.
@@ -54,6 +54,7 @@ void ManagedGroupEntity::addChild(StrongRef<ManagedEntity> const & child) {
 }
 
 void ManagedGroupEntity::insertChild(StrongRef<ManagedEntity> const & child, unsigned index) {
+    if (child && !canReferTo(*child)) return;
     Details details(child, Details::ChildInserted, index);
     MemberSplices splices(*this, &m_children);
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,

@@ -59,6 +59,7 @@ void ManagedRootCollection::preDelete(EntityEvent * event) {
 }
 
 void ManagedRootCollection::addRootElement(StrongRef<Entity> const & element) {
+    if (element && !canReferTo(*element)) return;
     MemberSplices splices(*this, &m_rooted);
     EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
                               DataChange::TimingPreAndPost, nullptr, true);

@@ -22,7 +22,9 @@
 //         unsigned m_boards = 0;
 //     };
 //
-// Each constructor calls initializeMemberSetIfNeeded() as its last step.  s_metaType() returns the
+// Each constructor calls initializeMemberSetIfNeeded() as its last step.  initializeMemberSet adds the
+// members of the version that it is asked for: the latest one for the first object of the class, an
+// older one for the first object that comes from a file of that version.  s_metaType() returns the
 // address of the one static object of a class ShelfMetaType, derived from PersistedMetaType<Shelf>.
 //
 // The member set of a class is built by the first object of it, whichever thread makes that; all
@@ -35,6 +37,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <typeinfo>
 #include <utility>
 #include <vector>
@@ -53,6 +56,7 @@
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/MigrationHelper.h"
 #include "Platform/DataModel/Segment.h"
+#include "Platform/Types/GlobalizedString.h"
 #include "Server/CommonData/Export.h"
 #include "Server/CommonData/Managed/AddInIdentifier.h"
 
@@ -75,18 +79,57 @@ struct PersistedClass {
     }
 };
 
-// Adds a field that is no container to a member set.
+template <class T, class... Types>
+concept IsOneOf = (std::is_same_v<T, Types> || ...);
+
+// The kind of fields of a type that isn't a class of values.  There is none for other types, which
+// doesn't compile.
+template <class Field>
+struct FieldKind;
+
+template <class Field>
+requires IsOneOf<Field, bool, int, unsigned int, long long, unsigned long long, float, double,
+                 std::string, std::wstring>
+struct FieldKind<Field> {
+    static MemberMetaType * get() { return IntrinsicMetaType<Field>::get(); }
+};
+template <class Field>
+requires std::is_enum_v<Field>
+struct FieldKind<Field> : FieldKind<std::underlying_type_t<Field>> {};
+template <>
+struct FieldKind<GlobalizedString> {
+    static MemberMetaType * get() { return MemberMetaType::find("GlobalizedString"); }
+};
+template <class T>
+struct FieldKind<StrongRef<T>> {
+    static MemberMetaType * get() { return StrongRefMetaType::get(); }
+};
+template <class T>
+struct FieldKind<PassiveRef<T>> {
+    static MemberMetaType * get() { return PassiveRefMetaType::get(); }
+};
+
+// Adds a field that is no container to a member set.  A kind that the field isn't of is refused, as by
+// MemberSet::addNewMember; without one it is that of the field's type.
 template <class Field>
 Member * addMember(MemberSet * set, char const * name, Field & field, MemberMetaType * kind) {
-    return set->addNewMember(name, &field, typeid(Field).name(), kind, nullptr, nullptr);
+    return set->addNewMember(name, &field, fieldTypeName<Field>(), kind, nullptr, nullptr);
+}
+template <class Field>
+Member * addMember(MemberSet * set, char const * name, Field & field) {
+    return addMember(set, name, field, FieldKind<Field>::get());
 }
 
-// Adds a vector to a member set.
+// Adds a vector to a member set.  The kind of the elements as above.
 template <class Element>
 Member * addVector(MemberSet * set, char const * name, std::vector<Element> & field,
                    MemberMetaType * elementKind) {
     return set->addNewMember(name, &field, typeid(field).name(), MemberMetaType::find("Vector"),
                              TemplatizedFunctions::makeVector<Element>(elementKind), nullptr);
+}
+template <class Element>
+Member * addVector(MemberSet * set, char const * name, std::vector<Element> & field) {
+    return addVector(set, name, field, FieldKind<Element>::get());
 }
 
 // A format for lines that are meant for a person who is looking for a mistake; it asks no locale.
@@ -130,9 +173,6 @@ class Persisted : public Base, public Interfaces... {
 public:
     // The class that X persists on top of.
     using PersistedBase = Base;
-    // Whether initializeMemberSet adds the latest members if it is asked for version 0.  A class
-    // whose version 0 had others hides this by a constant of its own, and has no latest ones.
-    static constexpr bool c_addsLatestMembers = true;
 
     // The id of the meta type, as of X::c_class.
     static std::string s_metaTypeId() { return X::c_class.m_metaTypeId; }
@@ -233,8 +273,7 @@ private:
     void fillMemberSet(EntityMetaType & type, MemberSet * set) {
         PersistedAccess::markCoreAddIn(type);
         set->initialize(static_cast<X *>(this), X::c_class.name());
-        if constexpr (X::c_addsLatestMembers)
-            PersistedAccess::initializeMemberSet(static_cast<X &>(*this), 0, set);
+        PersistedAccess::initializeMemberSet(static_cast<X &>(*this), type.version(), set);
         set->base(PersistedAccess::baseMemberSet(type));
     }
 

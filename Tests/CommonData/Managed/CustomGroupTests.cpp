@@ -110,6 +110,21 @@ TEST_F(CustomGroupTests, AGroupIsListedUnderTheGroupsAndNotByItsGroupParent) {
     EXPECT_EQ(m_rTop->groupChildren(), 0U);
 }
 
+TEST_F(CustomGroupTests, ChildrenAndParentsOfAnotherDocumentAreIgnored) {
+    Document const other;
+    StrongRef<Group> const tree = Group::make(other.segment());
+    StrongRef<Grouped> const thing = Grouped::make(PassiveRef<Entity>(tree));
+    StrongRef<CustomGroups> const groups = CustomGroups::make(PassiveRef<Entity>(tree));
+    StrongRef<CustomGroup> const stranger = CustomGroup::make(groups, m_rTop.get());
+    EXPECT_EQ(stranger->groupParent(), nullptr);
+    m_rTop->addGroupChild(thing.get());
+    m_rTop->insertGroupChild(thing.get(), 0);
+    EXPECT_EQ(m_rTop->groupChildren(), 0U);
+    EXPECT_EQ(thing->groupParent(), nullptr);
+    m_rTop->groupParent(stranger.get());
+    EXPECT_EQ(m_rTop->groupParent(), nullptr);
+}
+
 TEST_F(CustomGroupTests, NumbersAreNeverUsedAgain) {
     StrongRef<CustomGroup> second = CustomGroup::make(m_rGroups, m_rTop.get());
     StrongRef<CustomGroup> const third = CustomGroup::make(m_rGroups, m_rTop.get());

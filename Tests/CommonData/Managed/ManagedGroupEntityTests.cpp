@@ -750,6 +750,42 @@ TEST_F(ReorderTests, NullsAndChildrenWithoutParentOrPlaceChangeNothing) {
     }
 }
 
+// --- Other documents ----------------------------------------------------------------------------
+
+TEST_F(ManagedGroupEntityTests, AChildOfAnotherDocumentIsIgnored) {
+    auto const leaves = makeLeaves(m_rGroup, 2);
+    Document const other;
+    StrongRef<Leaf> const stranger = Leaf::make(other.segment());
+    StrongRef<Leaf> const closed = Leaf::make(Document().segment());
+    Recorder recorder(*m_rGroup);
+    for (StrongRef<Leaf> const & child : {stranger, closed}) {
+        m_rGroup->addChild(child);
+        m_rGroup->insertChild(child, 0);
+        EXPECT_EQ(child->parent(), nullptr);
+    }
+    EXPECT_EQ(m_rGroup->childrenVector(), pick(leaves, {0, 1}));
+    EXPECT_TRUE(recorder.m_told.empty());
+    m_rGroup->unsubscribe(&recorder);
+}
+
+TEST_F(ManagedGroupEntityTests, AParentOfAnotherDocumentIsIgnored) {
+    StrongRef<Leaf> const leaf = Leaf::make(PassiveRef<Entity>(m_rGroup));
+    Document const other;
+    leaf->parent(StrongRef<Entity>(Group::make(other.segment())));
+    EXPECT_EQ(leaf->parent(), m_rGroup);
+    leaf->parent(nullptr);
+    EXPECT_EQ(leaf->parent(), nullptr);
+}
+
+TEST_F(ManagedGroupEntityTests, AChildWhoseMakingIsUndoneIsIgnored) {
+    StrongRef<Leaf> undone;
+    m_document.step([&] { undone = Leaf::make(m_document.segment()); });
+    m_document.undo();
+    m_rGroup->addChild(undone);
+    m_rGroup->insertChild(undone, 0);
+    EXPECT_EQ(m_rGroup->children(), 0U);
+}
+
 } // namespace
 
 } // namespace Vn::Managed::Testing

@@ -118,6 +118,13 @@ TEST_F(ManagedRootCollectionTests, AnElementThatDiedWithoutAnEventLeavesASlot) {
     EXPECT_EQ(collection->rootElement(1), element);
 }
 
+TEST_F(ManagedRootCollectionTests, AnElementOfAnotherDocumentIsIgnored) {
+    StrongRef<Collection> const collection = collect("Leaves");
+    Document const other;
+    collection->addRootElement(StrongRef<Entity>(Leaf::make(other.segment())));
+    EXPECT_EQ(collection->rootElements(), 0U);
+}
+
 TEST_F(ManagedRootCollectionTests, AnElementAddedTwiceIsListedTwiceAndRemovedOnce) {
     StrongRef<Collection> const collection = collect("Leaves");
     StrongRef<Leaf> const element = leaf();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <unordered_map>
@@ -566,6 +567,105 @@ TEST_F(MigrationTests, ACollectionAsksItsHelperForMetaTypesThatItDoesNotKnow) {
     EXPECT_EQ(object->queryMTInterface(type), object.get());
     EXPECT_EQ(object->queryMTInterface(Group::s_metaType()), nullptr);
     EXPECT_TRUE(collection->deleteMigrationHelper());
+}
+
+// --- Versions and kinds -------------------------------------------------------------------------
+
+// Version 0 had one member, version 1 has two, one of them without option 16.
+class Grown : public Persisted<Grown, ManagedEntity> {
+public:
+    static constexpr PersistedClass c_class{"Vn::Managed::Testing::Grown",
+                                            "1A5B0C3E-0003-4000-8000-000000000000", 1};
+    static EntityMetaType * s_metaType();
+    static StrongRefCreator<Grown> make(Segment * segment) { return create(segment); }
+    static inline std::vector<unsigned> s_asked;
+
+    enum EColor : unsigned { Red, Green };
+
+private:
+    friend PersistedAccess;
+    explicit Grown(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
+    Grown(Segment * segment, unsigned long long id) : Persisted(segment, id) {
+        initializeMemberSetIfNeeded();
+    }
+    void initializeMemberSet(unsigned version, MemberSet * set) {
+        s_asked.push_back(version);
+        addMember(set, "rActive", m_rActive, PassiveRefMetaType::get())->clear(16);
+        if (version == 0) return;
+        addMember(set, "color", m_color);
+        addVector(set, "numbers", m_numbers);
+    }
+
+    PassiveRef<Entity> m_rActive;
+    EColor m_color = Red;
+    std::vector<double> m_numbers;
+};
+
+class GrownMetaType final : public PersistedMetaType<Grown> {
+} s_grown;
+EntityMetaType * Grown::s_metaType() { return &s_grown; }
+
+TEST_F(MigrationTests, TheLatestMembersAreAskedForByThePresentVersionAndOlderOnesByTheirs) {
+    Grown::s_asked.clear();
+    StrongRef<Grown> const made = Grown::make(m_document.segment());
+    MemberSet const & latest = *Grown::s_metaType()->memberSet(c_latestVersion);
+    ASSERT_EQ(latest.members(), 3U);
+    EXPECT_EQ(latest.member(0).name(), "rActive");
+    EXPECT_FALSE(latest.member(0).test(16));
+    EXPECT_TRUE(latest.member(0).test(Member::OptionPersisted));
+    EXPECT_EQ(latest.find("color")->type(), IntrinsicMetaType<unsigned int>::get());
+    EXPECT_EQ(latest.find("numbers")->functions()->elementType(), IntrinsicMetaType<double>::get());
+
+    persisted(Grown::s_metaType(), 0);
+    StrongRef<Entity> const older =
+        Grown::s_metaType()->createEntity(m_document.segment(), ++m_id);
+    ASSERT_NE(Grown::s_metaType()->memberSet(0), nullptr);
+    EXPECT_EQ(Grown::s_metaType()->memberSet(0)->members(), 1U);
+    EXPECT_EQ(Grown::s_asked, (std::vector<unsigned>{1, 0}));
+}
+
+// A class with a member of a kind that its field isn't of.
+class Wrong : public Persisted<Wrong, ManagedEntity> {
+public:
+    static constexpr PersistedClass c_class{"Vn::Managed::Testing::Wrong",
+                                            "1A5B0C3E-0003-4000-8000-000000000001", 0};
+    static EntityMetaType * s_metaType();
+    static StrongRefCreator<Wrong> make(PassiveRef<Entity> const & parent) {
+        return create(parent);
+    }
+
+private:
+    friend PersistedAccess;
+    explicit Wrong(PassiveRef<Entity> const & parent) : Persisted(parent) {
+        initializeMemberSetIfNeeded();
+    }
+    Wrong(Segment * segment, unsigned long long id) : Persisted(segment, id) {
+        initializeMemberSetIfNeeded();
+    }
+    void initializeMemberSet(unsigned, MemberSet * set) {
+        addMember(set, "name", m_name, IntrinsicMetaType<double>::get());
+    }
+
+    std::wstring m_name;
+};
+
+class WrongMetaType final : public PersistedMetaType<Wrong> {
+} s_wrong;
+EntityMetaType * Wrong::s_metaType() { return &s_wrong; }
+
+TEST(PersistedEntityTests, AWideStringAddedAsDoubleMakesNoObject) {
+    Document const document;
+    StrongRef<Group> const group = Group::make(document.segment());
+    for (int i = 0; i < 2; ++i) {
+        try {
+            StrongRef<Wrong> const made = Wrong::make(PassiveRef<Entity>(group));
+            ADD_FAILURE() << "an object was made";
+        } catch (std::invalid_argument const & refused) {
+            EXPECT_NE(std::string(refused.what()).find("Wrong.name"), std::string::npos);
+        }
+    }
+    EXPECT_EQ(group->children(), 0U);
+    EXPECT_EQ(document.asset().entities(), 1U);
 }
 
 } // namespace
