@@ -297,21 +297,32 @@ TEST_F(DocumentFileTests, transientSegmentsArentWritten) {
     EXPECT_FALSE(loaded.m_children[0]);
 }
 
-TEST_F(DocumentFileTests, aReferenceToAnotherDocumentIsWrittenAsNull) {
+TEST_F(DocumentFileTests, aReferenceToAnotherDocumentIsNeverWrittenAsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Asset> const another = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
     StrongRef<Everything> const foreign = Everything::make(design(*another));
     design(*asset)->addRoot(root, "root");
+    auto const expectRefused = [&](char const * member) {
+        Status const status = DocumentFile::saveAs(*asset, file.path());
+        EXPECT_EQ(status.code(), StatusFailed);
+        EXPECT_THAT(status.toString(),
+                    HasSubstr("entity 1, member Everything." + std::string(member)
+                              + ": it refers to an entity of another document"));
+        EXPECT_FALSE(std::filesystem::exists(file.path()));
+    };
     root->m_rFriend = PassiveRef<Entity>(foreign.get());
+    expectRefused("rFriend");
+    root->m_rFriend.reset();
     root->m_rOwned = StrongRef<Piece>(foreign);
-    VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
-    StrongRef<Asset> const other = load(file.path());
-    auto const & loaded = static_cast<Everything &>(*other->entity(root->id()));
-    EXPECT_FALSE(loaded.m_rFriend);
-    EXPECT_FALSE(loaded.m_rOwned);
+    expectRefused("rOwned");
     root->m_rOwned.reset();
+    root->m_spots = {{0, L"", PassiveRef<Entity>(foreign.get())}};
+    expectRefused("spots");
+    root->m_spots.clear();
+    VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
+    expectSaved(*asset, file.path());
 }
 
 TEST_F(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
