@@ -93,18 +93,14 @@ void Thing::initializeMemberSet(MemberSet * set) {
 }
 
 void Thing::insert(StrongRef<Thing> const & child, std::size_t index) {
-    MemberSplices splices(*this, &m_children);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
-                              DataChange::TimingPreAndPost, nullptr, true);
+    ListChange change(this, &m_children, DataChange::ChangeChildren, nullptr);
     m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(index), child);
-    splices.inserted(index);
+    change.inserted(index);
 }
 
 void Thing::remove(std::size_t index) {
-    MemberSplices splices(*this, &m_children);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
-                              DataChange::TimingPreAndPost, nullptr, true);
-    splices.erasing(index);
+    ListChange change(this, &m_children, DataChange::ChangeChildren, nullptr);
+    change.erasing(index);
     m_children.erase(m_children.begin() + static_cast<std::ptrdiff_t>(index));
 }
 

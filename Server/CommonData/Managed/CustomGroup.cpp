@@ -73,11 +73,9 @@ void CustomGroup::addGroupChild(ICustomGroupChild * child) {
     if (entity && !canReferTo(*entity)) return;
     child->groupParent(this);
     Details details(entity, Details::ChildAdded, Details::c_noIndex);
-    MemberSplices splices(*this, &m_groupChildren);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
-                              DataChange::TimingPreAndPost, &details, true);
+    ListChange change(this, &m_groupChildren, DataChange::ChangeChildren, &details);
     m_groupChildren.emplace_back(entity);
-    splices.inserted(m_groupChildren.size() - 1);
+    change.inserted(m_groupChildren.size() - 1);
 }
 
 void CustomGroup::insertGroupChild(ICustomGroupChild * child, unsigned index) {
@@ -86,15 +84,13 @@ void CustomGroup::insertGroupChild(ICustomGroupChild * child, unsigned index) {
     if (entity && !canReferTo(*entity)) return;
     child->groupParent(this);
     Details details(entity, Details::ChildInserted, index);
-    MemberSplices splices(*this, &m_groupChildren);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
-                              DataChange::TimingPreAndPost, &details, true);
+    ListChange change(this, &m_groupChildren, DataChange::ChangeStructural, &details);
     // Whoever was told before the change may have shortened the list.
     std::size_t const place = std::min<std::size_t>(index, m_groupChildren.size());
     m_groupChildren.emplace_back(entity);
     std::rotate(m_groupChildren.begin() + static_cast<std::ptrdiff_t>(place),
                 m_groupChildren.end() - 1, m_groupChildren.end());
-    splices.inserted(place);
+    change.inserted(place);
 }
 
 void CustomGroup::removeGroupChild(ICustomGroupChild * child) {
@@ -104,12 +100,10 @@ void CustomGroup::removeGroupChild(ICustomGroupChild * child) {
     if (found == m_groupChildren.end()) return;
     auto const index = found - m_groupChildren.begin();
     Details details(entity, Details::ChildRemoved, Details::c_noIndex);
-    MemberSplices splices(*this, &m_groupChildren);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
-                              DataChange::TimingPreAndPost, &details, true);
+    ListChange change(this, &m_groupChildren, DataChange::ChangeChildren, &details);
     auto const place = findAgain(m_groupChildren, entity, index);
     if (place == m_groupChildren.end()) return;
-    splices.erasing(static_cast<std::size_t>(place - m_groupChildren.begin()));
+    change.erasing(static_cast<std::size_t>(place - m_groupChildren.begin()));
     m_groupChildren.erase(place);
 }
 

@@ -46,24 +46,20 @@ void ManagedGroupEntity::addChild(StrongRef<ManagedEntity> const & child) {
     // A child that was made for this group is the usual case, and needs no look at its parent.
     if (!(child->m_rParent == this) && !child->managedParent())
         child->parent(StrongRef<Entity>(this));
-    MemberSplices splices(*this, &m_children);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
-                              DataChange::TimingPreAndPost, &details, true);
+    ListChange change(this, &m_children, DataChange::ChangeChildren, &details);
     m_children.push_back(details.managedEntity());
-    splices.inserted(m_children.size() - 1);
+    change.inserted(m_children.size() - 1);
 }
 
 void ManagedGroupEntity::insertChild(StrongRef<ManagedEntity> const & child, unsigned index) {
     if (child && !canReferTo(*child)) return;
     Details details(child, Details::ChildInserted, index);
-    MemberSplices splices(*this, &m_children);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
-                              DataChange::TimingPreAndPost, &details, true);
+    ListChange change(this, &m_children, DataChange::ChangeStructural, &details);
     // Whoever was told before the change may have shortened the list.
     std::size_t const place = std::min<std::size_t>(index, m_children.size());
     m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(place),
                       details.managedEntity());
-    splices.inserted(place);
+    change.inserted(place);
 }
 
 void ManagedGroupEntity::removeChild(StrongRef<ManagedEntity> const & child) {
@@ -71,12 +67,10 @@ void ManagedGroupEntity::removeChild(StrongRef<ManagedEntity> const & child) {
     if (found == m_children.end()) return;
     auto const index = found - m_children.begin();
     Details details(child, Details::ChildRemoved, Details::c_noIndex);
-    MemberSplices splices(*this, &m_children);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeChildren,
-                              DataChange::TimingPreAndPost, &details, true);
+    ListChange change(this, &m_children, DataChange::ChangeChildren, &details);
     auto const place = findAgain(m_children, details.managedEntity(), index);
     if (place == m_children.end()) return;
-    splices.erasing(static_cast<std::size_t>(place - m_children.begin()));
+    change.erasing(static_cast<std::size_t>(place - m_children.begin()));
     m_children.erase(place);
 }
 

@@ -60,20 +60,16 @@ void ManagedRootCollection::preDelete(EntityEvent * event) {
 
 void ManagedRootCollection::addRootElement(StrongRef<Entity> const & element) {
     if (element && !canReferTo(*element)) return;
-    MemberSplices splices(*this, &m_rooted);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
-                              DataChange::TimingPreAndPost, nullptr, true);
+    ListChange change(this, &m_rooted, DataChange::ChangeStructural, nullptr);
     m_rooted.emplace_back(element);
-    splices.inserted(m_rooted.size() - 1);
+    change.inserted(m_rooted.size() - 1);
 }
 
 void ManagedRootCollection::removeRootElement(StrongRef<Entity> const & element) {
-    MemberSplices splices(*this, &m_rooted);
-    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeStructural,
-                              DataChange::TimingPreAndPost, nullptr, true);
+    ListChange change(this, &m_rooted, DataChange::ChangeStructural, nullptr);
     auto const found = std::find(m_rooted.begin(), m_rooted.end(), element);
     if (found == m_rooted.end()) return;
-    splices.erasing(static_cast<std::size_t>(found - m_rooted.begin()));
+    change.erasing(static_cast<std::size_t>(found - m_rooted.begin()));
     m_rooted.erase(found);
 }
 
