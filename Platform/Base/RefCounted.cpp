@@ -9,6 +9,16 @@ namespace {
 // is the count of an object that nobody has owned yet.
 constexpr std::uint32_t c_dying = 0x80000000U;
 
+// Stands in place of the block of an object whose passive references are suspended before there were any.
+Detail::PassiveControl * suspendedMark() noexcept {
+    return reinterpret_cast<Detail::PassiveControl *>(std::uintptr_t{1});
+}
+
+// The block that stands there, if one does.
+Detail::PassiveControl * blockOf(Detail::PassiveControl * control) noexcept {
+    return control == suspendedMark() ? nullptr : control;
+}
+
 } // namespace
 
 namespace Detail {
@@ -39,7 +49,8 @@ void PassiveControl::suspend(bool suspended) noexcept {
 } // namespace Detail
 
 RefCounted::~RefCounted() {
-    if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire)) {
+    if (Detail::PassiveControl * const control =
+            blockOf(m_pPassive.load(std::memory_order_acquire))) {
         control->expire();
         control->release();
     }
@@ -53,7 +64,7 @@ void RefCounted::release() const noexcept {
 }
 
 void RefCounted::destroy() noexcept {
-    if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
+    if (Detail::PassiveControl * const control = blockOf(m_pPassive.load(std::memory_order_acquire)))
         control->expire();
     delete this;
 }
@@ -63,13 +74,17 @@ void RefCounted::strongCount(std::uint32_t count) noexcept {
 }
 
 void RefCounted::suspendPassive() noexcept {
-    if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
-        control->suspend(true);
+    Detail::PassiveControl * control = nullptr;
+    m_pPassive.compare_exchange_strong(control, suspendedMark(), std::memory_order_acq_rel,
+                                       std::memory_order_acquire);
+    if (blockOf(control)) control->suspend(true);
 }
 
 void RefCounted::restorePassive() noexcept {
-    if (Detail::PassiveControl * const control = m_pPassive.load(std::memory_order_acquire))
-        control->suspend(false);
+    Detail::PassiveControl * control = suspendedMark();
+    m_pPassive.compare_exchange_strong(control, nullptr, std::memory_order_acq_rel,
+                                       std::memory_order_acquire);
+    if (blockOf(control)) control->suspend(false);
 }
 
 bool RefCounted::addRefIfAlive() const noexcept {
@@ -86,8 +101,9 @@ std::uint32_t RefCounted::refCount() const noexcept {
 
 Detail::PassiveControl * RefCounted::passiveControl() const {
     Detail::PassiveControl * control = m_pPassive.load(std::memory_order_acquire);
-    if (!control) {
+    if (!blockOf(control)) {
         auto * const made = new Detail::PassiveControl(const_cast<RefCounted *>(this));
+        if (control) made->suspend(true);
         if (m_pPassive.compare_exchange_strong(control, made, std::memory_order_acq_rel,
                                                std::memory_order_acquire))
             control = made;

@@ -63,8 +63,8 @@
 //
 // In "quiet" nothing is recorded: a change made there can't be undone, and ends the history, since its
 // logs would no longer fit.  The one exception is the death of an entity whose last reference a caller
-// held beyond its transaction: the steps stay, and what its deletion hooks change goes into the last
-// one.  In "transaction" logs stand one in another; a nested one that commits is added to the one
+// held beyond its transaction: the steps stay, and what its deletion hooks change is taken back before
+// a step is undone or redone.  In "transaction" logs stand one in another; a nested one that commits is added to the one
 // around it.  In "replay" hooks run with TransactReplay; what they change directly isn't recorded, since
 // the replay restores it anyway.  What it restores by places of a list keeps within the list, whatever a
 // hook made of that.
@@ -179,10 +179,14 @@ private:
 
     // Something changed that no log records: the steps no longer fit.
     void changedUnrecorded() noexcept;
-    // The log that goes on outside of transactions, for what the death of an entity brings with it: that
-    // of the last step.  Null if there is none.
-    DataModel::ChangeLog * lastLog() noexcept;
-    void lastLogGrew(std::size_t bytes) noexcept;
+    // The log of what deaths outside of transactions bring with them: null if there is no step that it
+    // could disturb, or no memory.  Before a step is undone or redone it is taken back, so that the step
+    // fits; a step that is made meanwhile leaves it to the step before.
+    DataModel::ChangeLog * lateLog() noexcept;
+    void lateLogEnds() noexcept;
+    void takeBackLate();
+    void joinLate();
+    void dropLate() noexcept;
     template <class Visit>
     void forEachLog(Visit && visit);
 
@@ -200,7 +204,8 @@ private:
     std::unique_ptr<DataModel::Recorder> const m_pRecorder;
     std::unique_ptr<DataModel::Lifetimes> const m_pLifetimes;
     std::unique_ptr<DataModel::ChangeLog> m_pSpare; // for the next inverse
-    std::unique_ptr<char[]> m_pReserve; // memory for an abort
+    std::unique_ptr<DataModel::ChangeLog> m_pLate; // since the present state was reached
+    std::unique_ptr<char[]> m_pReserve;            // memory for an abort
     std::shared_ptr<std::wstring const> m_pName; // of the step begun last
     std::vector<std::unique_ptr<Step>> m_open;
     Steps m_undo;

@@ -143,6 +143,7 @@ protected:
     // The bytes of the object beyond its instance size, for the ceiling of the undo history.  The meta
     // type asks for them unless it knows better.
     virtual std::size_t onSizeInBytes() const;
+    // Lifts the entity to the latest version, once everything is loaded.
     virtual void onPostMigrate();
 
 public:
@@ -150,6 +151,7 @@ public:
     virtual unsigned version() const;
 
 protected:
+    // Around the migration of an entity, for what a class needs only then.
     virtual void doInitializeMigrationHelpers();
     virtual void doUninitializeMigrationHelpers();
 

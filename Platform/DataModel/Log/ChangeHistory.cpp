@@ -80,6 +80,7 @@ Status ChangeHistory::move(bool undoing) {
 void ChangeHistory::replay(Step & step, bool undoing) {
     ChangeLog & log = step.m_log;
     Replaying const replaying(m_bReplaying);
+    takeBackLate();
     if (!log.isMixed()) {
         Replay(m_asset, *m_pRecorder, *m_pLifetimes, log, &log).exchange(undoing);
         return m_pLifetimes->tellTransacted(log, DataChange::TransactReplay);
@@ -127,6 +128,7 @@ void ChangeHistory::clear() {
     if (m_undo.empty() && m_redo.empty()) return;
     m_baseState = state();
     Lifetimes::Dropping const dropping(*m_pLifetimes);
+    dropLate();
     while (!m_undo.empty()) dropOldest();
     dropRedo();
 }
@@ -160,6 +162,7 @@ void ChangeHistory::byteLimit(std::size_t bytes) {
 
 std::size_t ChangeHistory::bytes() const noexcept {
     std::size_t bytes = m_bytes + m_pLifetimes->bytes();
+    if (m_pLate) bytes += m_pLate->bytes();
     for (auto const & step : m_open) bytes += step->m_log.bytes();
     return bytes;
 }
@@ -222,11 +225,33 @@ void ChangeHistory::changedUnrecorded() noexcept {
     m_baseState = ++m_lastState;
 }
 
-ChangeLog * ChangeHistory::lastLog() noexcept { return m_undo.empty() ? nullptr : &m_undo.back()->m_log; }
+ChangeLog * ChangeHistory::lateLog() noexcept {
+    if (m_undo.empty() && m_redo.empty()) return nullptr;
+    try {
+        if (!m_pLate) m_pLate = std::make_unique<ChangeLog>(nextLogNumber());
+    } catch (std::bad_alloc const &) {
+        lose();
+    }
+    return m_pLate.get();
+}
 
-void ChangeHistory::lastLogGrew(std::size_t bytes) noexcept {
-    m_bytes += bytes;
-    if (bytes && m_undo.back()->m_log.isPersistent()) markModified();
+void ChangeHistory::lateLogEnds() noexcept {
+    if (!m_pLate) return;
+    if (m_pLate->isPersistent()) markModified();
+    if (m_pRecorder->takeLost()) dropAll(nullptr);
+    if (m_pLate && m_pLate->empty()) m_pLate.reset();
+}
+
+void ChangeHistory::dropLate() noexcept {
+    if (m_pLate) DataModel::drop(*m_pLate, *m_pLifetimes);
+    m_pLate.reset();
+}
+
+// The steps fit the document as it was before.
+void ChangeHistory::takeBackLate() {
+    if (!m_pLate) return;
+    Replay(m_asset, *m_pRecorder, *m_pLifetimes, *m_pLate, nullptr).restore();
+    dropLate();
 }
 
 // --- Transactions ------------------------------------------------------------------------------
@@ -255,9 +280,16 @@ bool ChangeHistory::commit() {
         return false;
     }
     bool const isStep = !around && !log.empty();
+    // What deaths brought with them since the last step is taken back with that, from now on.
+    if (isStep && m_pLate && !m_undo.empty()
+        && !m_undo.back()->m_log.words().reserve(m_pLate->words().size()))
+        throw std::bad_alloc();
     std::uint64_t const before = state();
     std::unique_ptr<Step> closed;
-    if (isStep) m_undo.push_back(nullptr);
+    if (isStep) {
+        m_undo.push_back(nullptr);
+        joinLate();
+    }
     (isStep ? m_undo.back() : closed) = std::move(m_open.back());
     m_open.pop_back();
     m_pRecorder->log(around);
@@ -270,6 +302,16 @@ bool ChangeHistory::commit() {
     tellCommitted(log);
     enforceLimits();
     return true;
+}
+
+void ChangeHistory::joinLate() {
+    if (!m_pLate) return;
+    if (m_undo.size() < 2) return dropLate(); // nothing leads to the state before
+    ChangeLog & last = m_undo[m_undo.size() - 2]->m_log;
+    m_bytes -= last.bytes();
+    join(*m_pLate, last);
+    m_bytes += last.bytes();
+    m_pLate.reset();
 }
 
 // What hooks change now is no part of the transaction; while they are told the log stays.
@@ -355,6 +397,9 @@ void ChangeHistory::dropAll(ChangeLog * last) noexcept {
     Lifetimes::Dropping const dropping(*m_pLifetimes);
     ChangeLog * const open = m_pRecorder->log();
     m_pRecorder->log(nullptr); // nothing is recorded into what goes
+    for (auto const & step : m_open)
+        if (step->m_pAround == m_pLate.get()) step->m_pAround = nullptr;
+    dropLate();
     while (!m_undo.empty()) dropOldest();
     dropRedo();
     for (auto const & step : m_open) {

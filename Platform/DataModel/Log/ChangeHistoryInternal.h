@@ -39,6 +39,7 @@ void ChangeHistory::forEachLog(Visit && visit) {
     for (auto const & step : m_open) visit(step->m_log);
     for (auto const & step : m_undo) visit(step->m_log);
     for (auto const & step : m_redo) visit(step->m_log);
+    if (m_pLate) visit(*m_pLate);
 }
 
 } // namespace Vn

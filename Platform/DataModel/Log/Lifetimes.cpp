@@ -56,10 +56,11 @@ void Lifetimes::unborn(Entity & entity) noexcept {
 
 void Lifetimes::orphaned(Entity & entity) noexcept {
     EntityAccess::strongCount(entity, 0);
-    if (EntityAccess::isClosing(m_asset)) return; // the asset ends its entities itself
     EntityState & state = stateOf(entity);
     switch (state.phase()) {
-    case EntityState::Alive: break;
+    case EntityState::Alive:
+        if (EntityAccess::isClosing(m_asset)) return; // the asset ends its entities itself
+        break;
     case EntityState::Dead:
     case EntityState::Forgotten: // which a record may name again, if something owned it all the same
         if (state.names() == 0 && !state.test(EntityState::Entombed)) end(entity);
@@ -78,16 +79,14 @@ void Lifetimes::orphaned(Entity & entity) noexcept {
 
 void Lifetimes::killOrphans(DataChange::ETransact transact) {
     if (m_orphans.empty() && !m_bUnlisted) return;
-    // Outside a transaction, what the hooks of a death change belongs to the last step.
+    // Outside a transaction, what the hooks of a death change is recorded beside the steps.
     bool const isQuiet = !m_history.isReplaying() && !m_recorder.log()
         && !EntityAccess::isLoading(m_asset);
     if (!isQuiet) return endOrphans(transact);
-    ChangeLog * const last = m_history.lastLog();
-    std::size_t const before = last ? last->bytes() : 0;
-    m_recorder.log(last);
+    m_recorder.log(m_history.lateLog());
     endOrphans(transact);
-    if (m_recorder.log() == last && last) m_history.lastLogGrew(last->bytes() - before);
     m_recorder.log(nullptr);
+    m_history.lateLogEnds();
 }
 
 void Lifetimes::endOrphans(DataChange::ETransact transact) {

@@ -87,25 +87,34 @@ concept IsOneOf = (std::is_same_v<T, Types> || ...);
 template <class Field>
 struct FieldKind;
 
+// An intrinsic type.
 template <class Field>
 requires IsOneOf<Field, bool, int, unsigned int, long long, unsigned long long, float, double,
                  std::string, std::wstring>
 struct FieldKind<Field> {
+    // The kind of that intrinsic type.
     static MemberMetaType * get() { return IntrinsicMetaType<Field>::get(); }
 };
+// An enumeration, which is kept as the whole number behind it.
 template <class Field>
 requires std::is_enum_v<Field>
 struct FieldKind<Field> : FieldKind<std::underlying_type_t<Field>> {};
+// A text in the language of the user.
 template <>
 struct FieldKind<GlobalizedString> {
+    // That kind.
     static MemberMetaType * get() { return MemberMetaType::find("GlobalizedString"); }
 };
+// An owning reference to an entity.
 template <class T>
 struct FieldKind<StrongRef<T>> {
+    // That kind.
     static MemberMetaType * get() { return StrongRefMetaType::get(); }
 };
+// A reference to an entity that owns nothing.
 template <class T>
 struct FieldKind<PassiveRef<T>> {
+    // That kind.
     static MemberMetaType * get() { return PassiveRefMetaType::get(); }
 };
 

@@ -45,7 +45,7 @@ TEST_F(HeldReferencesTests, AGroupThatAPanelHoldsIsDeletedLetGoAndBroughtBack) {
     EXPECT_TRUE(m_document.asset().run(
         CustomGroupDeleteRequest::make(&m_document.asset(), panel)));
     EXPECT_EQ(groups->groups(), 1U);
-    m_document.step([&] { Leaf::make(PassiveRef<Entity>(m_rTop)); });
+    m_document.step([&] { StrongRef<Leaf> const made = Leaf::make(PassiveRef<Entity>(m_rTop)); });
     panel.reset();
     m_document.undo();
     m_document.undo();
@@ -219,8 +219,11 @@ private:
         StrongRef<Group> const group = anyGroup();
         switch (below(9)) {
         case 0:
-        case 1: m_held.emplace_back(Leaf::make(PassiveRef<Entity>(group), below(2) ? 0 : ~0U)); break;
-        case 2: Group::make(PassiveRef<Entity>(group)); break;
+        case 1:
+            m_held.emplace_back(
+                StrongRef<Leaf>(Leaf::make(PassiveRef<Entity>(group), below(2) ? 0 : ~0U)));
+            break;
+        case 2: m_held.emplace_back(StrongRef<Group>(Group::make(PassiveRef<Entity>(group)))); break;
         case 3: {
             StrongRef<ManagedGroupEntity> const parent = entity->managedParent();
             if (!parent || entity == m_rTop) break;
