@@ -281,9 +281,13 @@ bool ChangeHistory::commit() {
     }
     bool const isStep = !around && !log.empty();
     // What deaths brought with them since the last step is taken back with that, from now on.
-    if (isStep && m_pLate && !m_undo.empty()
-        && !m_undo.back()->m_log.words().reserve(m_pLate->words().size()))
-        throw std::bad_alloc();
+    if (isStep && m_pLate && !m_undo.empty()) {
+        ChangeLog & last = m_undo.back()->m_log;
+        m_bytes -= last.bytes();
+        bool const isRoom = last.words().reserve(m_pLate->words().size());
+        m_bytes += last.bytes();
+        if (!isRoom) throw std::bad_alloc();
+    }
     std::uint64_t const before = state();
     std::unique_ptr<Step> closed;
     if (isStep) {

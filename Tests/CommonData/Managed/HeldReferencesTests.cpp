@@ -169,7 +169,10 @@ public:
         case 5: return move(true);
         case 6: return move(false);
         case 7: hold(); break;
-        case 8: m_held.clear(); break;
+        case 8: {
+            auto const all = std::exchange(m_held, {});
+            break;
+        }
         default: letGo();
         }
         return check();
@@ -281,7 +284,8 @@ private:
     std::string move(bool undoing) {
         ChangeHistory & history = m_document.asset().history();
         bool const can = undoing ? m_present > 0 : m_present + 1 < m_states.size();
-        if ((undoing ? history.undo() : history.redo()).ok() != can) return "there are other steps";
+        if ((undoing ? history.undo() : history.redo()).ok() != can)
+            return "a step is done exactly if there is one";
         if (!can) return {};
         undoing ? --m_present : ++m_present;
         return check();
@@ -320,7 +324,13 @@ private:
         return out.str();
     }
 
-    std::string check() const {
+    std::string check() {
+        ChangeHistory const & history = m_document.asset().history();
+        if (history.undoSteps() != m_present
+            || history.redoSteps() != m_states.size() - m_present - 1)
+            return "there are " + std::to_string(history.undoSteps()) + " and "
+                + std::to_string(history.redoSteps()) + " steps, not " + std::to_string(m_present)
+                + " and " + std::to_string(m_states.size() - m_present - 1);
         std::string const now = state();
         if (now.find("dead") != std::string::npos) return "a dead entity is listed:\n" + now;
         if (now == m_states[m_present]) return {};
