@@ -434,6 +434,43 @@ TEST(OutOfMemoryTests, theLastReferenceGoesAndTheHistoryFitsOrIsGivenUp) {
                             }});
 }
 
+// Two steps, the first of which takes an owner of forty away that is let go after the second.
+void letGoAfterSteps(Scene & scene) {
+    StrongRef<Everything> parent = Everything::make(design(scene.asset()));
+    for (int i = 0; i < 40; ++i) parent->m_children.push_back(Row::make(design(scene.asset())));
+    scene.root().m_rOwned = StrongRef<Piece>(parent);
+    scene.forgetSteps();
+    for (std::wstring const name : {L"work", L"more"}) {
+        Transaction transaction(scene.asset(), name);
+        scene.root().change([&] {
+            scene.root().m_int += 1;
+            scene.root().m_rOwned.reset();
+        });
+        transaction.commit();
+    }
+    parent.reset();
+    scene.knows(L"more", scene.state());
+    EXPECT_TRUE(scene.history().undo());
+    scene.knows(L"work", scene.state());
+    EXPECT_TRUE(scene.history().redo());
+}
+
+TEST(OutOfMemoryTests, whatWasHeldAndLetGoIsUndoneOrNotOrTheHistorySaysThatItIsNeither) {
+    expectSurvivesFailures({[](Scene & scene) {
+                                letGoAfterSteps(scene);
+                                EXPECT_TRUE(scene.history().undo());
+                            },
+                            [](Scene & scene) { return scene.history().undo(); }});
+}
+
+TEST(OutOfMemoryTests, whatWasHeldAndLetGoIsRedoneOrNotOrTheHistorySaysThatItIsNeither) {
+    expectSurvivesFailures({[](Scene & scene) {
+                                letGoAfterSteps(scene);
+                                while (scene.history().canUndo()) EXPECT_TRUE(scene.history().undo());
+                            },
+                            [](Scene & scene) { return scene.history().redo(); }});
+}
+
 TEST(OutOfMemoryTests, whatIsHeldBeyondTheHistoryMayOutliveTheDocument) {
     forEachFailure([&](unsigned long n, bool forGood) {
         Scene scene;

@@ -99,6 +99,7 @@ public:
     // Makes a question the one that is being asked on this thread, for as long as the object lasts.
     class Scope {
     public:
+        // `current` is where the thread keeps its question.
         Scope(UpwardQuestion *& current, UpwardQuestion & question) noexcept
             : m_current(current), m_pBefore(std::exchange(current, &question)) {}
         ~Scope() { m_current = m_pBefore; }

@@ -92,7 +92,7 @@ template <class Field>
 requires IsOneOf<Field, bool, int, unsigned int, long long, unsigned long long, float, double,
                  std::string, std::wstring>
 struct FieldKind<Field> {
-    // The kind of that intrinsic type.
+    // Its kind.
     static MemberMetaType * get() { return IntrinsicMetaType<Field>::get(); }
 };
 // An enumeration, which is kept as the whole number behind it.

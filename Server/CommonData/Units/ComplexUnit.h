@@ -36,6 +36,7 @@ class SimpleUnit;
 // Units in the order added, not owned: a view of a list, which must last.
 class UnitSpan : public std::span<SimpleUnit const * const> {
 public:
+    // A list of its own, and the view without the operations below.
     using List = std::vector<SimpleUnit const *>;
     using Base = std::span<SimpleUnit const * const>;
     using Base::Base;

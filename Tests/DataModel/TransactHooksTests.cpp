@@ -1,0 +1,148 @@
+// What entities are told once a transaction or a replay is over, and right before they leave.
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Tests/DataModel/TestEntities.h"
+
+namespace Vn::Testing {
+namespace {
+
+// A thing that writes down what it hears.
+class Hearer : public Thing {
+public:
+    static StrongRef<Hearer> make(Asset & asset) {
+        StrongRef<Hearer> made(new Hearer(asset.segment(SegmentType::DesignSegment)));
+        made->postCreation(DataChange::TransactDirect);
+        return made;
+    }
+
+    static inline std::vector<std::string> s_heard;
+    static inline std::function<void()> s_whenChanged;
+
+private:
+    explicit Hearer(Segment * segment) : Thing(segment) {}
+    void hear(std::string const & what, DataChange::ETransact transact) {
+        s_heard.push_back(what + (DataChange::test(transact, DataChange::TransactReplay) ? " replay" : ""));
+    }
+    void onPreDelete() override {
+        Thing::onPreDelete();
+        s_heard.push_back("preDelete");
+    }
+    void onPreDeletion(DataChange::ETransact transact) override {
+        hear("preDeletion", transact);
+        Thing::onPreDeletion(transact);
+    }
+    void onPostTransactChange(DataChange::ETransact transact) override {
+        Thing::onPostTransactChange(transact);
+        hear("changed", transact);
+        if (s_whenChanged) s_whenChanged();
+    }
+    void onPostTransactCreation(DataChange::ETransact transact) override {
+        Thing::onPostTransactCreation(transact);
+        hear("came", transact);
+    }
+};
+
+using Heard = std::vector<std::string>;
+
+class TransactHooksTests : public ::testing::Test {
+protected:
+    TransactHooksTests() : m_rAsset(Asset::make(nullptr)), m_rRoot(Hearer::make(*m_rAsset)) {
+        m_rAsset->segment(SegmentType::DesignSegment)->addRoot(m_rRoot, "root");
+        m_rAsset->history().clear();
+    }
+    ~TransactHooksTests() override { Hearer::s_whenChanged = nullptr; }
+
+    ChangeHistory & history() { return m_rAsset->history(); }
+    // What was heard since the last call.
+    Heard heard() { return std::exchange(Hearer::s_heard, {}); }
+    template <class Work>
+    void step(Work && work) {
+        Transaction transaction(*m_rAsset, L"step");
+        work();
+        transaction.commit();
+    }
+
+    StrongRef<Asset> m_rAsset;
+    StrongRef<Hearer> m_rRoot;
+};
+
+TEST_F(TransactHooksTests, anEntityThatChangedIsToldOnceAfterTheOutermostTransaction) {
+    step([&] {
+        m_rRoot->set(&Thing::m_int, 1);
+        step([&] { m_rRoot->set(&Thing::m_name, std::wstring(L"name")); });
+        m_rRoot->set(&Thing::m_int, 2);
+        EXPECT_EQ(heard(), Heard());
+    });
+    EXPECT_EQ(heard(), Heard{"changed"});
+    EXPECT_TRUE(history().undo());
+    EXPECT_EQ(heard(), Heard{"changed replay"});
+    EXPECT_TRUE(history().redo());
+    EXPECT_EQ(heard(), Heard{"changed replay"});
+}
+
+TEST_F(TransactHooksTests, aStepOfNumbersTellsToo) {
+    step([&] { m_rRoot->set(&Thing::m_int, 1); });
+    EXPECT_EQ(heard(), Heard{"changed"});
+    EXPECT_TRUE(history().undo());
+    EXPECT_EQ(heard(), Heard{"changed replay"});
+}
+
+TEST_F(TransactHooksTests, anEntityThatCameIsToldThatAndNotThatItChanged) {
+    step([&] {
+        StrongRef<Hearer> const made = Hearer::make(*m_rAsset);
+        m_rRoot->m_rOwned = made; // the root isn't told: nothing is recorded about it
+        made->set(&Thing::m_int, 1);
+    });
+    EXPECT_EQ(heard(), Heard{"came"});
+    EXPECT_TRUE(history().undo());
+    EXPECT_EQ(heard(), (Heard{"preDelete", "preDeletion replay"}));
+    EXPECT_TRUE(history().redo());
+    EXPECT_EQ(heard(), Heard{"came replay"});
+}
+
+TEST_F(TransactHooksTests, whatADeletionTookAwayCameWhenItIsUndone) {
+    step([&] { m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>(Hearer::make(*m_rAsset))); });
+    EXPECT_EQ(heard(), (Heard{"changed", "came"}));
+    step([&] { m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>()); });
+    EXPECT_EQ(heard(), (Heard{"preDelete", "preDeletion", "changed"}));
+    EXPECT_TRUE(history().undo());
+    EXPECT_EQ(heard(), (Heard{"changed replay", "came replay"}));
+}
+
+TEST_F(TransactHooksTests, anAbortTellsNothing) {
+    {
+        Transaction transaction(*m_rAsset, L"aborted");
+        m_rRoot->set(&Thing::m_int, 1);
+    }
+    EXPECT_EQ(heard(), Heard());
+}
+
+TEST_F(TransactHooksTests, whatAHookChangesThenIsNoPartOfTheStep) {
+    step([&] { m_rRoot->set(&Thing::m_int, 1); });
+    heard();
+    Hearer::s_whenChanged = [&] {
+        Hearer::s_whenChanged = nullptr;
+        EXPECT_FALSE(history().undo()); // the commit isn't over
+        step([&] { m_rRoot->set(&Thing::m_double, 1.0); });
+    };
+    step([&] { m_rRoot->set(&Thing::m_int, 2); });
+    EXPECT_EQ(history().undoSteps(), 3U);
+    EXPECT_TRUE(history().undo());
+    EXPECT_EQ(m_rRoot->m_double, 0.0);
+    EXPECT_EQ(m_rRoot->m_int, 2);
+    Hearer::s_whenChanged = [&] {
+        Hearer::s_whenChanged = nullptr;
+        m_rRoot->set(&Thing::m_double, 2.0); // outside of a transaction
+    };
+    step([&] { m_rRoot->set(&Thing::m_int, 3); });
+    EXPECT_EQ(history().undoSteps(), 0U);
+    EXPECT_TRUE(m_rAsset->isDirty());
+}
+
+} // namespace
+} // namespace Vn::Testing
