@@ -132,7 +132,8 @@ protected:
     virtual void onPostCreation(DataChange::ETransact transact);
     // After the outermost transaction in which the entity changed was committed, and after the undo
     // or redo that changed it, whose replay bit is then set: once, whatever the number of changes,
-    // with the whole document as it is to stay.  An entity that isn't in the document by then isn't
+    // with the whole document as it is to stay; after a replay that changes nothing but numbers, other
+    // entities may still be to get theirs.  An entity that isn't in the document by then isn't
     // told, nor is one whose transaction was aborted.  Nothing by default.
     virtual void onPostTransactChange(DataChange::ETransact transact);
     // The same for an entity that came, which isn't told of changes too.

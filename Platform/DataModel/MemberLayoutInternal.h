@@ -19,6 +19,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
@@ -82,6 +83,17 @@ private:
 // The field of a leaf.  Leaves in helpers are found by whoever loads.
 inline void * field(Entity & entity, Leaf const & leaf) noexcept {
     return reinterpret_cast<char *>(&entity) + leaf.m_offset;
+}
+
+// The word of a number: its bytes, with zeros after them.
+inline std::uint64_t numberOf(Leaf const & leaf, void const * field) noexcept {
+    std::uint64_t word = 0;
+    switch (leaf.m_numberBytes) {
+    case 1: std::memcpy(&word, field, 1); break;
+    case 4: std::memcpy(&word, field, 4); break;
+    default: std::memcpy(&word, field, 8);
+    }
+    return word;
 }
 
 // Appends the value of a field.  References to entities of other documents than `asset` are counted.

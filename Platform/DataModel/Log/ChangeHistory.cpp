@@ -83,7 +83,7 @@ void ChangeHistory::replay(Step & step, bool undoing) {
     takeBackLate();
     if (!log.isMixed()) {
         Replay(m_asset, *m_pRecorder, *m_pLifetimes, log, &log).exchange(undoing);
-        return m_pLifetimes->tellTransacted(log, DataChange::TransactReplay);
+        return m_pLifetimes->tellReturned(DataChange::TransactReplay);
     }
     // The inverse is written to a log that is used again and again, and then changes places.
     m_pSpare->reset(nextLogNumber());

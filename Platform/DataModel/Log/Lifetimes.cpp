@@ -137,22 +137,19 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     std::size_t const begin = scratch.size();
     // Without a log that is open or names it, nothing leads back, nor does anything after an abort.
     bool mayReturn = !isForGood && (state.names() > 0 || m_recorder.log() != nullptr);
-    std::unique_ptr<Tomb> tomb;
     if (mayReturn) {
         try {
-            tomb = std::make_unique<Tomb>();
             m_recorder.keepAll(entity);
-            m_tombs.reserve(m_tombs.size() + 1);
         } catch (std::bad_alloc const &) {
             releaseEntries(layout.leaves(), scratch, begin);
             if (m_history.isReplaying()) throw;
             m_history.lose(); // a death can't be refused
             mayReturn = state.names() > 0;
-            tomb.reset();
         }
         // From here on nothing that the entity owns goes before its tomb is made.
-        visitEntries(layout.leaves(), scratch.data() + begin, scratch.data() + scratch.size(),
-                     nameIn, nullptr);
+        if (layout.hasStrong())
+            visitEntries(layout.leaves(), scratch.data() + begin, scratch.data() + scratch.size(),
+                         nameIn, nullptr);
     }
     // What stands in the file and leaves no record makes the document differ from it.
     bool const isRecorded = m_history.isReplaying()
@@ -175,7 +172,7 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     state.depart();
     // Members that open brackets keep may lead to it, and become a record that names it.
     if (begin > 0) wait(entity);
-    bool const isGood = entomb(entity, begin, mayReturn && state.names() > 0, std::move(tomb));
+    bool const isGood = entomb(entity, begin, mayReturn && state.names() > 0);
     EntityAccess::strongCount(entity, entity.refCount() - 1);
     if (state.names() == 0)
         finish(entity);
@@ -186,8 +183,7 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     m_history.lose();
 }
 
-bool Lifetimes::entomb(Entity & entity, std::size_t begin, bool mayReturn,
-                       std::unique_ptr<Tomb> tomb) {
+bool Lifetimes::entomb(Entity & entity, std::size_t begin, bool mayReturn) {
     WordBuffer & scratch = m_recorder.scratch();
     auto const & leaves = leavesOf(entity);
     std::uint64_t * const words = scratch.data();
@@ -197,31 +193,31 @@ bool Lifetimes::entomb(Entity & entity, std::size_t begin, bool mayReturn,
         std::size_t const count = 1 + entryWords(words[place]);
         Leaf const & leaf = leaves[entryLeaf(words[place])];
         std::uint64_t const * value = words + place + 1;
-        bool const same = isKept(leaf, field(entity, leaf), value);
-        if (same || !mayReturn) {
+        bool const same = leaf.m_numberBytes ? numberOf(leaf, field(entity, leaf)) == *value
+                                             : isKept(leaf, field(entity, leaf), value);
+        if (!same && mayReturn) {
+            std::memmove(words + kept, words + place, count * sizeof(*words));
+            kept += count;
+        } else if (leaf.m_bOwning) {
             visitStrong(leaf, words + place + 1, forgetIn, this);
             std::uint64_t * released = words + place + 1;
             release(leaf, released);
-        } else {
-            std::memmove(words + kept, words + place, count * sizeof(*words));
-            kept += count;
         }
         place += count;
     }
     scratch.truncate(kept);
     if (kept == begin) return true;
-    if (tomb && tomb->m_words.reserve(kept - begin)) {
+    try {
+        auto tomb = std::make_unique<Tomb>();
         tomb->m_words.push(words + begin, kept - begin);
         tomb->m_bytes = sizeof(Tomb) + tomb->m_words.heapBytes();
         tomb->m_pEntity = &entity;
-        try {
-            Tomb & made = *m_tombs.try_emplace(&entity, std::move(tomb)).first->second;
-            m_bytes += made.m_bytes;
-            stateOf(entity).set(EntityState::Entombed);
-            scratch.truncate(begin);
-            return true;
-        } catch (std::bad_alloc const &) { // the words are still in the scratch too
-        }
+        Tomb & made = *m_tombs.try_emplace(&entity, std::move(tomb)).first->second;
+        m_bytes += made.m_bytes;
+        stateOf(entity).set(EntityState::Entombed);
+        scratch.truncate(begin);
+        return true;
+    } catch (std::bad_alloc const &) { // the words are still in the scratch
     }
     visitEntries(leaves, scratch.data() + begin, scratch.data() + kept, forgetIn, this);
     releaseEntries(leaves, scratch, begin);
@@ -382,6 +378,26 @@ void Lifetimes::settle() {
     endOrphans(DataChange::TransactReplay);
 }
 
+// A log is read from its end: the places of the records come first, where there is memory for them.
+template <class Visit>
+void Lifetimes::forEachForwards(ChangeLog & log, Visit && visit) {
+    WordBuffer places;
+    std::size_t records = 0;
+    for (std::size_t end = log.end(); end; end = log.before(end)) ++records;
+    bool const isRoom = places.reserve(records);
+    for (std::size_t end = log.end(); end; end = log.before(end))
+        if (isRoom)
+            places.push(end);
+        else
+            visit(end);
+    constexpr std::size_t c_ahead = 8;
+    for (std::size_t i = places.size(); i--;) {
+        if (i >= c_ahead)
+            __builtin_prefetch(log.record(static_cast<std::size_t>(places[i - c_ahead])).m_pEntity);
+        visit(static_cast<std::size_t>(places[i]));
+    }
+}
+
 void Lifetimes::tellTransacted(ChangeLog & log, DataChange::ETransact transact) {
     bool const isReplay = m_history.isReplaying();
     auto const tell = [&](Entity & entity, bool came) {
@@ -392,24 +408,36 @@ void Lifetimes::tellTransacted(ChangeLog & log, DataChange::ETransact transact) 
             hookThrew();
         }
     };
-    constexpr std::size_t c_ahead = 4;
-    std::size_t ahead = log.end();
-    for (std::size_t i = 0; i < c_ahead && ahead; ++i) ahead = log.before(ahead);
-    for (std::size_t end = log.end(); end; end = log.before(end)) {
-        if (ahead) {
-            prefetchEntity(log, ahead);
-            ahead = log.before(ahead);
-        }
+    auto const tellOne = [&](std::size_t end) {
         Record const & record = log.record(end);
-        if (!record.m_pEntity || !record.m_pEntity->isAlive()) continue;
+        if (!record.m_pEntity || !record.m_pEntity->isAlive()) return;
         EntityState const & state = stateOf(*record.m_pEntity);
         // The last record about it, so that it is told once.
-        if (!state.isIn(log.number()) || state.record() != end) continue;
+        if (!state.isIn(log.number()) || state.record() != end) return;
         if (!state.test(EntityState::Returned)) tell(*record.m_pEntity, record.m_bBorn);
+    };
+    forEachForwards(log, tellOne);
+    tellReturned(transact);
+}
+
+void Lifetimes::tellExchanged(Entity & entity) {
+    if (!entity.isAlive() || stateOf(entity).test(EntityState::Returned)) return;
+    try {
+        EntityAccess::tellTransacted(entity, false, DataChange::TransactReplay);
+    } catch (...) {
+        hookThrew();
     }
+}
+
+void Lifetimes::tellReturned(DataChange::ETransact transact) {
     for (std::size_t i = 0; i < m_returned.size(); ++i) {
         stateOf(*m_returned[i]).clear(EntityState::Returned);
-        if (m_returned[i]->isAlive()) tell(*m_returned[i], true);
+        if (!m_returned[i]->isAlive()) continue;
+        try {
+            EntityAccess::tellTransacted(*m_returned[i], true, transact);
+        } catch (...) {
+            hookThrew();
+        }
     }
     m_returned.clear();
 }

@@ -71,9 +71,13 @@ public:
     void tellRevived();
     // Ends what has no owner at the end of a replay.
     void settle();
-    // Tells each entity that has a record in a log of the transaction or replay that is over, and each that
+    // Tells each entity that has a record in the log of the transaction or replay that is over, and each that
     // came back by it.  What a hook of a replay throws is kept.
     void tellTransacted(ChangeLog & log, DataChange::ETransact transact);
+    // The same for a replay of nothing but numbers: each entity once it has its own, and those that came back
+    // at the end.
+    void tellExchanged(Entity & entity);
+    void tellReturned(DataChange::ETransact transact);
 
     // Keeps the first exception that a hook of a replay throws, until the replay is complete.
     void hookThrew() noexcept;
@@ -115,13 +119,15 @@ private:
         Entity * m_pEntity = nullptr;
     };
 
+    template <class Visit>
+    void forEachForwards(ChangeLog & log, Visit && visit);
     void kill(Entity & entity, DataChange::ETransact transact, bool isForGood);
     void killOrphans(DataChange::ETransact transact);
     void endOrphans(DataChange::ETransact transact);
     void killLeftOrphans() noexcept;
     // Moves the members that differ now from what stands in the scratch from `begin` on into a tomb, if the
     // entity may return.  False if there was no memory.
-    bool entomb(Entity & entity, std::size_t begin, bool mayReturn, std::unique_ptr<Tomb> tomb);
+    bool entomb(Entity & entity, std::size_t begin, bool mayReturn);
     void reviveOne(Entity & entity);
     // Gives an entity back what is in its tomb, and revives what that leads to.
     void openTomb(Entity & entity);

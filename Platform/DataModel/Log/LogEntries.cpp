@@ -48,9 +48,12 @@ Record continued(Entity & entity, ChangeLog & log) {
 
 void append(ChangeLog & log, std::size_t begin, Record const & record) {
     std::size_t const end = log.close(begin, record);
-    visitNames(log, end, name, nullptr);
-    EntityAccess::state(*record.m_pEntity)
-        .place(log.number(), static_cast<std::uint32_t>(end));
+    EntityState & state = EntityAccess::state(*record.m_pEntity);
+    if (log.isOwning())
+        visitNames(log, end, name, nullptr);
+    else
+        state.name();
+    state.place(log.number(), static_cast<std::uint32_t>(end));
 }
 
 void visitNames(ChangeLog & log, std::size_t end, VisitEntity visit, void * context) {
@@ -82,8 +85,9 @@ void drop(ChangeLog & log, Lifetimes & lifetimes) noexcept {
         static_cast<Lifetimes *>(context)->forget(entity);
     };
     Lifetimes::Dropping const dropping(lifetimes);
+    EntitiesAhead ahead(log);
     for (std::size_t end = log.end(); end; end = log.before(end)) {
-        prefetchEntity(log, log.before(end));
+        ahead.step();
         Record const & record = log.record(end);
         if (log.isOwning() && record.m_pEntity) {
             auto const & leaves = leavesOf(*record.m_pEntity);

@@ -65,6 +65,25 @@ void recordRoot(ChangeLog & log, Segment & segment, std::string const & key, std
         __builtin_prefetch(reinterpret_cast<void const *>(entity + i * c_line));
 }
 
+// Fetches the beginnings of the entities of a log's records some records ahead of a walk from its end to its
+// beginning, which takes a step for each record.
+class EntitiesAhead {
+public:
+    explicit EntitiesAhead(ChangeLog & log) noexcept : m_log(log), m_at(log.end()) {
+        for (int i = 0; i < c_records && m_at; ++i) step();
+    }
+    void step() noexcept {
+        if (!m_at) return;
+        __builtin_prefetch(m_log.record(m_at).m_pEntity);
+        m_at = m_log.before(m_at);
+    }
+
+private:
+    static constexpr int c_records = 8;
+    ChangeLog & m_log;
+    std::size_t m_at;
+};
+
 } // namespace Vn::DataModel
 
 #endif

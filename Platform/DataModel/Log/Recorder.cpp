@@ -24,17 +24,23 @@ bool isSaved(Entity const & entity) noexcept { return !entity.segment()->isTrans
 bool isThere(Entity & entity) noexcept { return stateOf(entity).phase() < EntityState::Dying; }
 
 // Appends a member with its number as the head.
-void keepWithHead(Entity & entity, std::size_t leaf, std::vector<Leaf> const & leaves,
-                  Asset const & asset, WordBuffer & words) {
+void keepWithHead(Entity & entity, std::size_t index, Leaf const & leaf, Asset const & asset,
+                  WordBuffer & words) {
+    if (leaf.m_numberBytes) {
+        std::uint64_t * const place = words.append(2);
+        place[0] = entry(index, 1);
+        place[1] = numberOf(leaf, field(entity, leaf));
+        return;
+    }
     std::size_t const head = words.size();
     words.push(0);
     try {
-        keep(leaves[leaf], field(entity, leaves[leaf]), &asset, words);
+        keep(leaf, field(entity, leaf), &asset, words);
     } catch (...) {
         words.truncate(head);
         throw;
     }
-    words[head] = entry(leaf, words.size() - head - 1);
+    words[head] = entry(index, words.size() - head - 1);
 }
 
 // What a splice takes in a log beside its elements.
@@ -82,7 +88,7 @@ void Recorder::keepMembers(EntityChange & change) {
             if (m_pSplices && leaf.m_kind == EMemberKind::Vector
                 && splicesAnnounced(entity, static_cast<int>(i)))
                 continue;
-            keepWithHead(entity, i, leaves, m_asset, m_scratch);
+            keepWithHead(entity, i, leaf, m_asset, m_scratch);
             note(change.m_leaves, i);
         }
         if (!makeRoom(*m_pLog, c_recordWords)) throw std::bad_alloc();
@@ -95,7 +101,7 @@ void Recorder::keepMembers(EntityChange & change) {
 void Recorder::keepAll(Entity & entity) {
     auto const & leaves = leavesOf(entity);
     for (std::size_t i = 0; i < leaves.size(); ++i)
-        if (!leaves[i].m_bInHelper) keepWithHead(entity, i, leaves, m_asset, m_scratch);
+        if (!leaves[i].m_bInHelper) keepWithHead(entity, i, leaves[i], m_asset, m_scratch);
 }
 
 bool Recorder::makeRoom(ChangeLog & log, std::size_t words) noexcept {
@@ -154,7 +160,8 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
         std::size_t const i = entryLeaf(head);
         Leaf const & leaf = leaves[i];
         std::uint64_t const * const value = place;
-        bool const same = isKept(leaf, field(entity, leaf), place);
+        bool const same = leaf.m_numberBytes ? numberOf(leaf, field(entity, leaf)) == *place++
+                                             : isKept(leaf, field(entity, leaf), place);
         if (same || !log || isRecorded(recorded, i)) {
             if (leaf.m_bOwning) {
                 auto * words = const_cast<std::uint64_t *>(value);

@@ -111,7 +111,9 @@ void Replay::restore() {
 }
 
 void Replay::markUnmade() {
+    EntitiesAhead ahead(m_log);
     for (std::size_t end = m_log.end(); end; end = m_log.before(end)) {
+        ahead.step();
         Record const & record = m_log.record(end);
         if (record.m_kind == ERecord::Born) {
             stateOf(*record.m_pEntity).set(EntityState::Unmade);
@@ -158,7 +160,9 @@ void Replay::reviveTargets() {
 }
 
 void Replay::restoreRecords() {
+    EntitiesAhead ahead(m_log);
     for (std::size_t end = m_log.end(); end; end = m_log.before(end)) {
+        ahead.step();
         Record & record = m_log.record(end);
         if (record.m_bReplayed) continue;
         switch (record.m_kind) {
@@ -251,6 +255,7 @@ void Replay::exchange(bool undoing) {
     for (std::size_t i = 0; i < entities; ++i) {
         if (i + c_ahead < entities) prefetchEntity(m_log, place(i + c_ahead));
         exchangeEntity(place(i));
+        m_lifetimes.tellExchanged(*m_log.record(place(i)).m_pEntity);
     }
     scratch.truncate(first);
     for (std::size_t end = behind; end; end = m_log.before(end)) m_log.record(end).m_bReplayed = false;
