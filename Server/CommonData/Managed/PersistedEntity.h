@@ -82,18 +82,17 @@ struct PersistedClass {
 template <class T, class... Types>
 concept IsOneOf = (std::is_same_v<T, Types> || ...);
 
-// The kind of fields of a type that isn't a class of values.  There is none for other types, which
-// doesn't compile.
+// The kind of fields of a type that isn't a class of values.  There is none for other types than those below
+// and the intrinsic ones, which doesn't compile.
 template <class Field>
-struct FieldKind;
-
-// An intrinsic type.
-template <class Field>
-requires IsOneOf<Field, bool, int, unsigned int, long long, unsigned long long, float, double,
-                 std::string, std::wstring>
-struct FieldKind<Field> {
-    // Its kind.
-    static MemberMetaType * get() { return IntrinsicMetaType<Field>::get(); }
+struct FieldKind {
+    // The kind of an intrinsic type.
+    static MemberMetaType * get() {
+        static_assert(IsOneOf<Field, bool, int, unsigned int, long long, unsigned long long, float,
+                              double, std::string, std::wstring>,
+                      "there is no kind for fields of this type");
+        return IntrinsicMetaType<Field>::get();
+    }
 };
 // An enumeration, which is kept as the whole number behind it.
 template <class Field>
