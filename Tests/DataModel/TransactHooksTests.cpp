@@ -122,6 +122,20 @@ TEST_F(TransactHooksTests, anAbortTellsNothing) {
     EXPECT_EQ(heard(), Heard());
 }
 
+TEST_F(TransactHooksTests, whatAnAbortBroughtBackIsNotToldByALaterReplay) {
+    step([&] { m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>(Hearer::make(*m_rAsset))); });
+    {
+        Transaction transaction(*m_rAsset, L"aborted");
+        m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>());
+    }
+    step([&] { m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>()); });
+    history().clear(); // and its object goes
+    step([&] { m_rRoot->set(&Thing::m_name, std::wstring(L"name")); });
+    heard();
+    EXPECT_TRUE(history().undo());
+    EXPECT_EQ(heard(), Heard{"changed replay"});
+}
+
 TEST_F(TransactHooksTests, whatAHookChangesThenIsNoPartOfTheStep) {
     step([&] { m_rRoot->set(&Thing::m_int, 1); });
     heard();

@@ -370,9 +370,13 @@ void Lifetimes::tellRevived() {
     }
 }
 
-void Lifetimes::settle() {
-    m_returned.reserve(m_revived.size());
-    for (StrongRef<Entity> const & revived : m_revived) m_returned.push_back(revived.get());
+void Lifetimes::settle(bool isTold) {
+    if (isTold) m_returned.reserve(m_returned.size() + m_revived.size());
+    for (StrongRef<Entity> const & revived : m_revived)
+        if (isTold)
+            m_returned.push_back(revived.get());
+        else
+            stateOf(*revived).clear(EntityState::Returned);
     m_revived.clear();
     m_toldRevived = 0;
     endOrphans(DataChange::TransactReplay);

@@ -69,8 +69,9 @@ public:
     void revive(Entity & entity);
     // Tells those that came back since the last call, but no more than once.
     void tellRevived();
-    // Ends what has no owner at the end of a replay.
-    void settle();
+    // Ends what has no owner at the end of a replay.  Those that came back are told later if `isTold` says
+    // so, which must be before the logs of the replay are dropped.
+    void settle(bool isTold);
     // Tells each entity that has a record in the log of the transaction or replay that is over, and each that
     // came back by it.  What a hook of a replay throws is kept.
     void tellTransacted(ChangeLog & log, DataChange::ETransact transact);

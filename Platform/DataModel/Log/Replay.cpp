@@ -107,7 +107,7 @@ void Replay::restore() {
     reviveTargets();
     m_lifetimes.tellRevived();
     restoreRecords();
-    m_lifetimes.settle();
+    m_lifetimes.settle(m_pInverse != nullptr);
 }
 
 void Replay::markUnmade() {
@@ -259,7 +259,7 @@ void Replay::exchange(bool undoing) {
     }
     scratch.truncate(first);
     for (std::size_t end = behind; end; end = m_log.before(end)) m_log.record(end).m_bReplayed = false;
-    m_lifetimes.settle();
+    m_lifetimes.settle(true);
 }
 
 void Replay::exchangeEntity(std::size_t last) {
