@@ -37,16 +37,7 @@ std::uint8_t plainBytes(EMemberKind kind) noexcept {
     }
 }
 
-// A number of so many bytes in a word, with zeros behind it; and the way back.
-std::uint64_t wordOf(std::uint8_t bytes, void const * field) noexcept {
-    std::uint64_t word = 0;
-    switch (bytes) {
-    case 1: std::memcpy(&word, field, 1); break;
-    case 4: std::memcpy(&word, field, 4); break;
-    default: std::memcpy(&word, field, 8);
-    }
-    return word;
-}
+// The way back from wordOf.
 void setNumber(std::uint8_t bytes, void * field, std::uint64_t word) noexcept {
     switch (bytes) {
     case 1: std::memcpy(field, &word, 1); break;

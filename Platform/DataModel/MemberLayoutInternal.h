@@ -85,15 +85,18 @@ inline void * field(Entity & entity, Leaf const & leaf) noexcept {
     return reinterpret_cast<char *>(&entity) + leaf.m_offset;
 }
 
-// The word of a number: its bytes, with zeros after them.
-inline std::uint64_t numberOf(Leaf const & leaf, void const * field) noexcept {
+// A number of so many bytes in a word, with zeros after it.
+inline std::uint64_t wordOf(std::uint8_t bytes, void const * field) noexcept {
     std::uint64_t word = 0;
-    switch (leaf.m_numberBytes) {
+    switch (bytes) {
     case 1: std::memcpy(&word, field, 1); break;
     case 4: std::memcpy(&word, field, 4); break;
     default: std::memcpy(&word, field, 8);
     }
     return word;
+}
+inline std::uint64_t numberOf(Leaf const & leaf, void const * field) noexcept {
+    return wordOf(leaf.m_numberBytes, field);
 }
 
 // Appends the value of a field.  References to entities of other documents than `asset` are counted.

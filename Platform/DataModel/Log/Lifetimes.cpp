@@ -7,21 +7,36 @@
 
 #include "Platform/DataModel/EntityTableInternal.h"
 #include "Platform/DataModel/Log/ChangeHistoryInternal.h"
-#include "Platform/DataModel/Log/EntityAccessInternal.h"
 #include "Platform/DataModel/Log/LogEntriesInternal.h"
 #include "Platform/DataModel/Log/RecorderInternal.h"
-#include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
 
 namespace {
 
-EntityState & stateOf(Entity & entity) noexcept { return EntityAccess::state(entity); }
-std::vector<Leaf> const & leavesOf(Entity & entity) { return entity.metaType()->layout().leaves(); }
-
 void nameIn(void *, Entity & entity) { stateOf(entity).name(); }
 void forgetIn(void * lifetimes, Entity & entity) { static_cast<Lifetimes *>(lifetimes)->forget(entity); }
+
+// A log is read from its end: the places of the records come first, where there is memory for them.
+template <class Visit>
+void forEachForwards(ChangeLog & log, Visit && visit) {
+    WordBuffer places;
+    std::size_t records = 0;
+    for (std::size_t end = log.end(); end; end = log.before(end)) ++records;
+    bool const isRoom = places.reserve(records);
+    for (std::size_t end = log.end(); end; end = log.before(end))
+        if (isRoom)
+            places.push(end);
+        else
+            visit(end);
+    constexpr std::size_t c_ahead = 8;
+    for (std::size_t i = places.size(); i--;) {
+        if (i >= c_ahead)
+            __builtin_prefetch(log.record(static_cast<std::size_t>(places[i - c_ahead])).m_pEntity);
+        visit(static_cast<std::size_t>(places[i]));
+    }
+}
 
 } // namespace
 
@@ -192,10 +207,7 @@ bool Lifetimes::entomb(Entity & entity, std::size_t begin, bool mayReturn) {
     for (std::size_t place = begin; place < end;) {
         std::size_t const count = 1 + entryWords(words[place]);
         Leaf const & leaf = leaves[entryLeaf(words[place])];
-        std::uint64_t const * value = words + place + 1;
-        bool const same = leaf.m_numberBytes ? numberOf(leaf, field(entity, leaf)) == *value
-                                             : isKept(leaf, field(entity, leaf), value);
-        if (!same && mayReturn) {
+        if (mayReturn && !isStill(entity, leaf, words + place + 1)) {
             std::memmove(words + kept, words + place, count * sizeof(*words));
             kept += count;
         } else if (leaf.m_bOwning) {
@@ -286,16 +298,20 @@ void Lifetimes::giveUp(std::unique_ptr<Tomb> tomb) noexcept {
     if (std::exchange(m_bGivingUp, true)) return;
     while (std::unique_ptr<Tomb> const next = std::move(m_pGivenUp)) {
         m_pGivenUp = std::move(next->m_pNext);
-        Entity & entity = *next->m_pEntity;
-        auto const & leaves = leavesOf(entity);
-        WordBuffer & words = next->m_words;
-        discharge(next->m_bytes);
-        visitEntries(leaves, words.data(), words.data() + words.size(), forgetIn, this);
-        releaseEntries(leaves, words, 0);
-        stateOf(entity).clear(EntityState::Entombed);
-        end(entity);
+        empty(*next);
+        stateOf(*next->m_pEntity).clear(EntityState::Entombed);
+        end(*next->m_pEntity);
     }
     m_bGivingUp = false;
+}
+
+void Lifetimes::empty(Tomb & tomb) noexcept {
+    // Of the class, and so there even if the tomb of an entity leads round to it.
+    auto const & leaves = leavesOf(*tomb.m_pEntity);
+    WordBuffer & words = tomb.m_words;
+    discharge(tomb.m_bytes);
+    visitEntries(leaves, words.data(), words.data() + words.size(), forgetIn, this);
+    releaseEntries(leaves, words, 0);
 }
 
 void Lifetimes::account(Entity const & entity, bool isKept) noexcept {
@@ -382,68 +398,38 @@ void Lifetimes::settle(bool isTold) {
     endOrphans(DataChange::TransactReplay);
 }
 
-// A log is read from its end: the places of the records come first, where there is memory for them.
-template <class Visit>
-void Lifetimes::forEachForwards(ChangeLog & log, Visit && visit) {
-    WordBuffer places;
-    std::size_t records = 0;
-    for (std::size_t end = log.end(); end; end = log.before(end)) ++records;
-    bool const isRoom = places.reserve(records);
-    for (std::size_t end = log.end(); end; end = log.before(end))
-        if (isRoom)
-            places.push(end);
-        else
-            visit(end);
-    constexpr std::size_t c_ahead = 8;
-    for (std::size_t i = places.size(); i--;) {
-        if (i >= c_ahead)
-            __builtin_prefetch(log.record(static_cast<std::size_t>(places[i - c_ahead])).m_pEntity);
-        visit(static_cast<std::size_t>(places[i]));
-    }
-}
-
 void Lifetimes::tellTransacted(ChangeLog & log, DataChange::ETransact transact) {
-    bool const isReplay = m_history.isReplaying();
-    auto const tell = [&](Entity & entity, bool came) {
-        try {
-            EntityAccess::tellTransacted(entity, came, transact);
-        } catch (...) {
-            if (!isReplay) throw;
-            hookThrew();
-        }
-    };
-    auto const tellOne = [&](std::size_t end) {
+    forEachForwards(log, [&](std::size_t end) {
         Record const & record = log.record(end);
         if (!record.m_pEntity || !record.m_pEntity->isAlive()) return;
         EntityState const & state = stateOf(*record.m_pEntity);
         // The last record about it, so that it is told once.
         if (!state.isIn(log.number()) || state.record() != end) return;
-        if (!state.test(EntityState::Returned)) tell(*record.m_pEntity, record.m_bBorn);
-    };
-    forEachForwards(log, tellOne);
+        if (!state.test(EntityState::Returned)) tellOver(*record.m_pEntity, record.m_bBorn, transact);
+    });
     tellReturned(transact);
 }
 
 void Lifetimes::tellExchanged(Entity & entity) {
-    if (!entity.isAlive() || stateOf(entity).test(EntityState::Returned)) return;
-    try {
-        EntityAccess::tellTransacted(entity, false, DataChange::TransactReplay);
-    } catch (...) {
-        hookThrew();
-    }
+    if (entity.isAlive() && !stateOf(entity).test(EntityState::Returned))
+        tellOver(entity, false, DataChange::TransactReplay);
 }
 
 void Lifetimes::tellReturned(DataChange::ETransact transact) {
     for (std::size_t i = 0; i < m_returned.size(); ++i) {
         stateOf(*m_returned[i]).clear(EntityState::Returned);
-        if (!m_returned[i]->isAlive()) continue;
-        try {
-            EntityAccess::tellTransacted(*m_returned[i], true, transact);
-        } catch (...) {
-            hookThrew();
-        }
+        if (m_returned[i]->isAlive()) tellOver(*m_returned[i], true, transact);
     }
     m_returned.clear();
+}
+
+void Lifetimes::tellOver(Entity & entity, bool came, DataChange::ETransact transact) {
+    try {
+        EntityAccess::tellTransacted(entity, came, transact);
+    } catch (...) {
+        if (!m_history.isReplaying()) throw;
+        hookThrew();
+    }
 }
 
 void Lifetimes::breakOff() noexcept {
@@ -461,12 +447,8 @@ void Lifetimes::clear() noexcept {
         auto const i = m_tombs.begin();
         std::unique_ptr<Tomb> const tomb = std::move(i->second);
         m_tombs.erase(i);
-        auto const & leaves = leavesOf(*tomb->m_pEntity);
-        WordBuffer & words = tomb->m_words;
-        discharge(tomb->m_bytes);
         stateOf(*tomb->m_pEntity).clear(EntityState::Entombed);
-        visitEntries(leaves, words.data(), words.data() + words.size(), forgetIn, this);
-        releaseEntries(leaves, words, 0);
+        empty(*tomb);
     }
 }
 

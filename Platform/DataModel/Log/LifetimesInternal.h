@@ -120,8 +120,8 @@ private:
         Entity * m_pEntity = nullptr;
     };
 
-    template <class Visit>
-    void forEachForwards(ChangeLog & log, Visit && visit);
+    // Tells one entity that the transaction or replay is over.
+    void tellOver(Entity & entity, bool came, DataChange::ETransact transact);
     void kill(Entity & entity, DataChange::ETransact transact, bool isForGood);
     void killOrphans(DataChange::ETransact transact);
     void endOrphans(DataChange::ETransact transact);
@@ -136,6 +136,8 @@ private:
     void finish(Entity & entity) noexcept;
     void end(Entity & entity) noexcept;
     void giveUp(std::unique_ptr<Tomb> tomb) noexcept;
+    // Gives up what the words of a tomb own and name.
+    void empty(Tomb & tomb) noexcept;
     // Has a dead entity kept until no bracket is open.
     void wait(Entity & entity) noexcept;
     void account(Entity const & entity, bool isKept) noexcept;

@@ -2,18 +2,14 @@
 
 #include <new>
 
-#include "Platform/DataModel/Log/EntityAccessInternal.h"
 #include "Platform/DataModel/Log/LifetimesInternal.h"
-#include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
 
 namespace {
 
-std::vector<Leaf> const & leavesOf(Entity & entity) { return entity.metaType()->layout().leaves(); }
-
-void name(void *, Entity & entity) { EntityAccess::state(entity).name(); }
+void name(void *, Entity & entity) { stateOf(entity).name(); }
 
 } // namespace
 
@@ -33,7 +29,7 @@ void visitEntries(std::vector<Leaf> const & leaves, std::uint64_t const * begin,
 }
 
 Record continued(Entity & entity, ChangeLog & log) {
-    EntityState const & state = EntityAccess::state(entity);
+    EntityState const & state = stateOf(entity);
     Record record;
     record.m_pEntity = &entity;
     record.m_previous = state.record();
@@ -48,7 +44,7 @@ Record continued(Entity & entity, ChangeLog & log) {
 
 void append(ChangeLog & log, std::size_t begin, Record const & record) {
     std::size_t const end = log.close(begin, record);
-    EntityState & state = EntityAccess::state(*record.m_pEntity);
+    EntityState & state = stateOf(*record.m_pEntity);
     if (log.isOwning())
         visitNames(log, end, name, nullptr);
     else
@@ -89,27 +85,23 @@ void drop(ChangeLog & log, Lifetimes & lifetimes) noexcept {
     for (std::size_t end = log.end(); end; end = log.before(end)) {
         ahead.step();
         Record const & record = log.record(end);
-        if (log.isOwning() && record.m_pEntity) {
-            auto const & leaves = leavesOf(*record.m_pEntity);
-            std::uint64_t * words = log.payload(end);
-            if (record.m_kind == ERecord::Changed) {
-                std::uint64_t * const wordsEnd = words + record.m_words;
-                visitEntries(leaves, words, wordsEnd, forget, &lifetimes);
-                while (words < wordsEnd) {
-                    std::size_t const i = entryLeaf(*words++);
-                    release(leaves[i], words);
-                }
-            } else if (record.m_kind == ERecord::Erased) {
-                Leaf const & leaf = leaves[static_cast<std::size_t>(words[0])];
-                auto const count = static_cast<std::size_t>(words[2]);
-                visitStrongElements(leaf, count, words + 3, forget, &lifetimes);
-                words += 3;
-                releaseElements(leaf, count, words);
+        // Of the class, and so there even if the entity goes with its last name.
+        std::vector<Leaf> const * const leaves =
+            log.isOwning() && record.m_pEntity ? &leavesOf(*record.m_pEntity) : nullptr;
+        visitNames(log, end, forget, &lifetimes);
+        if (!leaves) continue;
+        std::uint64_t * words = log.payload(end);
+        if (record.m_kind == ERecord::Changed) {
+            for (std::uint64_t * const wordsEnd = words + record.m_words; words < wordsEnd;) {
+                Leaf const & leaf = (*leaves)[entryLeaf(*words++)];
+                release(leaf, words);
             }
-        } else if (record.m_kind == ERecord::Root && record.m_leaves)
-            lifetimes.forget(
-                *reinterpret_cast<Entity *>(static_cast<std::uintptr_t>(record.m_leaves)));
-        if (record.m_pEntity) lifetimes.forget(*record.m_pEntity);
+        } else if (record.m_kind == ERecord::Erased) {
+            Leaf const & leaf = (*leaves)[static_cast<std::size_t>(words[0])];
+            auto const count = static_cast<std::size_t>(words[2]);
+            words += 3;
+            releaseElements(leaf, count, words);
+        }
     }
     log.reset(0);
 }

@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "Platform/DataModel/Log/ChangeLogInternal.h"
+#include "Platform/DataModel/Log/EntityAccessInternal.h"
 #include "Platform/DataModel/MemberLayoutInternal.h"
+#include "Platform/DataModel/MetaType.h"
 
 namespace Vn {
 class Segment;
@@ -18,6 +20,17 @@ class Segment;
 namespace Vn::DataModel {
 
 class Lifetimes;
+
+inline EntityState & stateOf(Entity & entity) noexcept { return EntityAccess::state(entity); }
+inline std::vector<Leaf> const & leavesOf(Entity & entity) {
+    return entity.metaType()->layout().leaves();
+}
+
+// Whether a member is still what the kept value says.  Numbers, the most frequent kind, are compared here.
+inline bool isStill(Entity & entity, Leaf const & leaf, std::uint64_t const * value) {
+    void const * const present = field(entity, leaf);
+    return leaf.m_numberBytes ? numberOf(leaf, present) == *value : isKept(leaf, present, value);
+}
 
 // Whether a leaf stands in a mask of leaves, and putting it there.
 inline bool isRecorded(std::uint64_t leaves, std::size_t leaf) noexcept {

@@ -6,18 +6,14 @@
 
 #include "Platform/DataModel/ChangeHistory.h"
 #include "Platform/DataModel/EntityChange.h"
-#include "Platform/DataModel/Log/EntityAccessInternal.h"
 #include "Platform/DataModel/Log/LifetimesInternal.h"
 #include "Platform/DataModel/Log/LogEntriesInternal.h"
-#include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
 
 namespace {
 
-EntityState & stateOf(Entity & entity) noexcept { return EntityAccess::state(entity); }
-std::vector<Leaf> const & leavesOf(Entity & entity) { return entity.metaType()->layout().leaves(); }
 bool isSaved(Entity const & entity) noexcept { return !entity.segment()->isTransient(); }
 
 // In its document and not on its way out of it.
@@ -160,8 +156,8 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
         std::size_t const i = entryLeaf(head);
         Leaf const & leaf = leaves[i];
         std::uint64_t const * const value = place;
-        bool const same = leaf.m_numberBytes ? numberOf(leaf, field(entity, leaf)) == *place++
-                                             : isKept(leaf, field(entity, leaf), place);
+        place += entryWords(head);
+        bool const same = isStill(entity, leaf, value);
         if (same || !log || isRecorded(recorded, i)) {
             if (leaf.m_bOwning) {
                 auto * words = const_cast<std::uint64_t *>(value);

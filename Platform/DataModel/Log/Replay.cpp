@@ -6,19 +6,14 @@
 #include <string>
 
 #include "Platform/DataModel/EntityChange.h"
-#include "Platform/DataModel/Log/EntityAccessInternal.h"
 #include "Platform/DataModel/Log/LifetimesInternal.h"
 #include "Platform/DataModel/Log/LogEntriesInternal.h"
 #include "Platform/DataModel/Log/RecorderInternal.h"
-#include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
 
 namespace {
-
-EntityState & stateOf(Entity & entity) noexcept { return EntityAccess::state(entity); }
-std::vector<Leaf> const & leavesOf(Entity & entity) { return entity.metaType()->layout().leaves(); }
 
 // Appends the present values of the members that a Changed record mentions; leaves room for a record.
 void keepChanged(Entity & entity, Asset const & asset, std::uint64_t const * payload,
