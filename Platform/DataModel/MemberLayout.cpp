@@ -270,6 +270,26 @@ void dropStrong(Leaf const & leaf, void * field) noexcept {
                   });
 }
 
+// The leaves that aren't in a helper, numbers without a gap between them together.
+std::vector<Piece> piecesOf(std::vector<Leaf> const & leaves) {
+    std::vector<Piece> pieces;
+    for (std::uint32_t i = 0; i < leaves.size(); ++i) {
+        Leaf const & leaf = leaves[i];
+        if (leaf.m_bInHelper) continue;
+        if (leaf.m_numberBytes && !pieces.empty()) {
+            Piece & last = pieces.back();
+            if (last.m_bytes && last.m_leaf + last.m_leaves == i
+                && last.m_offset + last.m_bytes == leaf.m_offset) {
+                last.m_bytes += leaf.m_numberBytes;
+                ++last.m_leaves;
+                continue;
+            }
+        }
+        pieces.push_back({leaf.m_offset, leaf.m_numberBytes, i, 1});
+    }
+    return pieces;
+}
+
 } // namespace
 
 void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
@@ -320,6 +340,7 @@ MemberLayout::MemberLayout(MemberSet const * set) {
     for (auto i = chain.rbegin(); i != chain.rend(); ++i) appendLeaves(**i, m_leaves);
     m_bStrong = std::any_of(m_leaves.begin(), m_leaves.end(),
                             [](Leaf const & leaf) { return leaf.m_bStrong; });
+    m_pieces = piecesOf(m_leaves);
     auto const parent = std::find_if(m_leaves.begin(), m_leaves.end(), [](Leaf const & leaf) {
         return leaf.m_kind == EMemberKind::PassiveRef && !leaf.m_bInHelper
             && leaf.m_pMember->test(Member::OptionParent);

@@ -57,6 +57,14 @@ struct Leaf {
 // The leaves of a member set without those of its base.
 void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves);
 
+// Numbers that lie side by side, or one leaf of another kind.
+struct Piece {
+    std::ptrdiff_t m_offset = 0; // from the entity
+    std::uint32_t m_bytes = 0;   // of the numbers; 0 for another kind
+    std::uint32_t m_leaf = 0;    // the first
+    std::uint32_t m_leaves = 0;  // how many
+};
+
 // All leaves of a class of entities, base first.
 class MemberLayout {
 public:
@@ -65,6 +73,8 @@ public:
     std::vector<Leaf> const & leaves() const noexcept { return m_leaves; }
     // The leaf of the field at an address of the entity; -1 if there is none.
     int find(Entity const & entity, void const * field) const noexcept;
+    // The leaves that aren't in a helper, as few pieces.
+    std::vector<Piece> const & pieces() const noexcept { return m_pieces; }
     // Whether any leaf holds strong references.
     bool hasStrong() const noexcept { return m_bStrong; }
     // The passive reference to what an entity stands in; null if there is none.
@@ -76,6 +86,7 @@ public:
 
 private:
     std::vector<Leaf> m_leaves;
+    std::vector<Piece> m_pieces;
     std::size_t m_parent = 0; // its number; behind the last if there is none
     bool m_bStrong = false;
 };

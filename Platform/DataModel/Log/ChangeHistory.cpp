@@ -88,7 +88,7 @@ void ChangeHistory::replay(Step & step, bool undoing) {
     // The inverse is written to a log that is used again and again, and then changes places.
     m_pSpare->reset(nextLogNumber());
     m_pSpare->mixed();
-    Replay(m_asset, *m_pRecorder, *m_pLifetimes, log, m_pSpare.get()).restore();
+    Replay(m_asset, *m_pRecorder, *m_pLifetimes, log, m_pSpare.get()).restore(undoing);
     if (log.isPersistent()) m_pSpare->persistent();
     m_pLifetimes->tellTransacted(*m_pSpare, DataChange::TransactReplay);
     log.swap(*m_pSpare);
@@ -250,7 +250,7 @@ void ChangeHistory::dropLate() noexcept {
 // The steps fit the document as it was before.
 void ChangeHistory::takeBackLate() {
     if (!m_pLate) return;
-    Replay(m_asset, *m_pRecorder, *m_pLifetimes, *m_pLate, nullptr).restore();
+    Replay(m_asset, *m_pRecorder, *m_pLifetimes, *m_pLate, nullptr).restore(false);
     dropLate();
 }
 
@@ -360,7 +360,7 @@ void ChangeHistory::abort() {
     try {
         if (m_pRecorder->takeLost()) throw std::bad_alloc(); // what was recorded isn't all
         Replaying const replaying(m_bReplaying);
-        Replay(m_asset, *m_pRecorder, *m_pLifetimes, step->m_log, nullptr).restore();
+        Replay(m_asset, *m_pRecorder, *m_pLifetimes, step->m_log, nullptr).restore(false);
     } catch (...) {
         m_pRecorder->log(step->m_pAround);
         giveUp(&step->m_log, nullptr);

@@ -21,7 +21,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+#include <new>
 #include <utility>
 
 #include "Platform/DataModel/Log/WordBufferInternal.h"
@@ -79,9 +79,9 @@ public:
 
     // Writes the record behind the payload that begins at `begin`; returns the place behind it.
     std::size_t close(std::size_t begin, Record const & record) {
-        Record written = record;
-        written.m_words = static_cast<std::uint32_t>(m_words.size() - begin);
-        std::memcpy(m_words.append(c_recordWords), &written, sizeof(written));
+        auto const words = static_cast<std::uint32_t>(m_words.size() - begin);
+        auto & written = *new (m_words.append(c_recordWords)) Record(record);
+        written.m_words = words;
         return m_words.size();
     }
 

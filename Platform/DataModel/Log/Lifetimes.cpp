@@ -7,6 +7,7 @@
 
 #include "Platform/DataModel/EntityTableInternal.h"
 #include "Platform/DataModel/Log/ChangeHistoryInternal.h"
+#include "Platform/DataModel/Log/EntityImageInternal.h"
 #include "Platform/DataModel/Log/LogEntriesInternal.h"
 #include "Platform/DataModel/Log/RecorderInternal.h"
 #include "Platform/DataModel/Segment.h"
@@ -22,9 +23,7 @@ void forgetIn(void * lifetimes, Entity & entity) { static_cast<Lifetimes *>(life
 template <class Visit>
 void forEachForwards(ChangeLog & log, Visit && visit) {
     WordBuffer places;
-    std::size_t records = 0;
-    for (std::size_t end = log.end(); end; end = log.before(end)) ++records;
-    bool const isRoom = places.reserve(records);
+    bool const isRoom = places.reserve(log.end() / c_recordWords);
     for (std::size_t end = log.end(); end; end = log.before(end))
         if (isRoom)
             places.push(end);
@@ -148,23 +147,19 @@ void Lifetimes::killLeftOrphans() noexcept {
 void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isForGood) {
     EntityState & state = stateOf(entity);
     MemberLayout const & layout = entity.metaType()->layout();
-    WordBuffer & scratch = m_recorder.scratch();
-    std::size_t const begin = scratch.size();
+    EntityImage image(m_images);
     // Without a log that is open or names it, nothing leads back, nor does anything after an abort.
     bool mayReturn = !isForGood && (state.names() > 0 || m_recorder.log() != nullptr);
     if (mayReturn) {
         try {
-            m_recorder.keepAll(entity);
+            image.take(entity, layout, m_asset);
         } catch (std::bad_alloc const &) {
-            releaseEntries(layout.leaves(), scratch, begin);
             if (m_history.isReplaying()) throw;
             m_history.lose(); // a death can't be refused
             mayReturn = state.names() > 0;
         }
         // From here on nothing that the entity owns goes before its tomb is made.
-        if (layout.hasStrong())
-            visitEntries(layout.leaves(), scratch.data() + begin, scratch.data() + scratch.size(),
-                         nameIn, nullptr);
+        if (layout.hasStrong()) image.visitStrong(nameIn, nullptr);
     }
     // What stands in the file and leaves no record makes the document differ from it.
     bool const isRecorded = m_history.isReplaying()
@@ -186,8 +181,8 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     EntityAccess::suspendPassive(entity);
     state.depart();
     // Members that open brackets keep may lead to it, and become a record that names it.
-    if (begin > 0) wait(entity);
-    bool const isGood = entomb(entity, begin, mayReturn && state.names() > 0);
+    if (m_recorder.scratch().size() > 0) wait(entity);
+    bool const isGood = entomb(entity, image, mayReturn && state.names() > 0);
     EntityAccess::strongCount(entity, entity.refCount() - 1);
     if (state.names() == 0)
         finish(entity);
@@ -198,42 +193,27 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     m_history.lose();
 }
 
-bool Lifetimes::entomb(Entity & entity, std::size_t begin, bool mayReturn) {
-    WordBuffer & scratch = m_recorder.scratch();
-    auto const & leaves = leavesOf(entity);
-    std::uint64_t * const words = scratch.data();
-    std::size_t const end = scratch.size();
-    std::size_t kept = begin; // the differences move together at the beginning
-    for (std::size_t place = begin; place < end;) {
-        std::size_t const count = 1 + entryWords(words[place]);
-        Leaf const & leaf = leaves[entryLeaf(words[place])];
-        if (mayReturn && !isStill(entity, leaf, words + place + 1)) {
-            std::memmove(words + kept, words + place, count * sizeof(*words));
-            kept += count;
-        } else if (leaf.m_bOwning) {
-            visitStrong(leaf, words + place + 1, forgetIn, this);
-            std::uint64_t * released = words + place + 1;
-            release(leaf, released);
-        }
-        place += count;
-    }
-    scratch.truncate(kept);
-    if (kept == begin) return true;
-    try {
-        auto tomb = std::make_unique<Tomb>();
-        tomb->m_words.push(words + begin, kept - begin);
-        tomb->m_bytes = sizeof(Tomb) + tomb->m_words.heapBytes();
-        tomb->m_pEntity = &entity;
-        Tomb & made = *m_tombs.try_emplace(&entity, std::move(tomb)).first->second;
-        m_bytes += made.m_bytes;
-        stateOf(entity).set(EntityState::Entombed);
-        scratch.truncate(begin);
+bool Lifetimes::entomb(Entity & entity, EntityImage & image, bool mayReturn) {
+    if (!mayReturn) {
+        image.visitStrong(forgetIn, this);
         return true;
-    } catch (std::bad_alloc const &) { // the words are still in the scratch
     }
-    visitEntries(leaves, scratch.data() + begin, scratch.data() + kept, forgetIn, this);
-    releaseEntries(leaves, scratch, begin);
-    return false;
+    if (image.dropSame(forgetIn, this)) return true;
+    try {
+        auto made = std::make_unique<Tomb>();
+        made->m_pEntity = &entity;
+        Tomb & tomb = *m_tombs.try_emplace(&entity, std::move(made)).first->second;
+        image.moveDifferences(tomb.m_words, forgetIn, this);
+        tomb.m_words.trim();
+        tomb.m_bytes = sizeof(Tomb) + tomb.m_words.heapBytes();
+        m_bytes += tomb.m_bytes;
+        stateOf(entity).set(EntityState::Entombed);
+        return true;
+    } catch (std::bad_alloc const &) {
+        m_tombs.erase(&entity);
+        image.visitStrong(forgetIn, this);
+        return false;
+    }
 }
 
 void Lifetimes::unmake(Entity & entity, bool isForGood) {
@@ -401,6 +381,7 @@ void Lifetimes::settle(bool isTold) {
 void Lifetimes::tellTransacted(ChangeLog & log, DataChange::ETransact transact) {
     forEachForwards(log, [&](std::size_t end) {
         Record const & record = log.record(end);
+        if (record.m_kind == ERecord::Unborn) return; // it is dead
         if (!record.m_pEntity || !record.m_pEntity->isAlive()) return;
         EntityState const & state = stateOf(*record.m_pEntity);
         // The last record about it, so that it is told once.

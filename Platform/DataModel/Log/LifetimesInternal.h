@@ -40,6 +40,7 @@ class Entity;
 namespace Vn::DataModel {
 
 class ChangeLog;
+class EntityImage;
 class Recorder;
 
 class Lifetimes {
@@ -126,9 +127,9 @@ private:
     void killOrphans(DataChange::ETransact transact);
     void endOrphans(DataChange::ETransact transact);
     void killLeftOrphans() noexcept;
-    // Moves the members that differ now from what stands in the scratch from `begin` on into a tomb, if the
-    // entity may return.  False if there was no memory.
-    bool entomb(Entity & entity, std::size_t begin, bool mayReturn);
+    // Moves the members that differ now from what they were into a tomb, if the entity may return.  False if
+    // there was no memory.
+    bool entomb(Entity & entity, EntityImage & image, bool mayReturn);
     void reviveOne(Entity & entity);
     // Gives an entity back what is in its tomb, and revives what that leads to.
     void openTomb(Entity & entity);
@@ -148,6 +149,7 @@ private:
     Recorder & m_recorder;
     std::unordered_map<Entity const *, std::unique_ptr<Tomb>> m_tombs;
     std::unique_ptr<Tomb> m_pGivenUp; // tombs that wait to be given up, one after the other
+    WordBuffer m_images; // of the entities whose hooks of deletion are running
     std::vector<Entity *> m_orphans;
     std::vector<Entity *> m_waiting; // with a name each
     std::vector<StrongRef<Entity>> m_revived; // by the replay that is running

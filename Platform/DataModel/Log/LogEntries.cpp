@@ -1,5 +1,6 @@
 #include "Platform/DataModel/Log/LogEntriesInternal.h"
 
+#include <cstring>
 #include <new>
 
 #include "Platform/DataModel/Log/LifetimesInternal.h"
@@ -42,15 +43,7 @@ Record continued(Entity & entity, ChangeLog & log) {
     return record;
 }
 
-void append(ChangeLog & log, std::size_t begin, Record const & record) {
-    std::size_t const end = log.close(begin, record);
-    EntityState & state = stateOf(*record.m_pEntity);
-    if (log.isOwning())
-        visitNames(log, end, name, nullptr);
-    else
-        state.name();
-    state.place(log.number(), static_cast<std::uint32_t>(end));
-}
+void nameAll(ChangeLog & log, std::size_t end) { visitNames(log, end, name, nullptr); }
 
 void visitNames(ChangeLog & log, std::size_t end, VisitEntity visit, void * context) {
     Record const & record = log.record(end);
@@ -121,9 +114,9 @@ void recordRoot(ChangeLog & log, Segment & segment, std::string const & key, std
     record.m_pEntity = nullptr; // the chains of entities don't run through roots
     record.m_kind = ERecord::Root;
     record.m_leaves = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(old));
-    log.owning();
+    if (old) log.owning();
     log.mixed();
-    visitNames(log, log.close(begin, record), name, nullptr);
+    nameAll(log, log.close(begin, record));
 }
 
 } // namespace Vn::DataModel

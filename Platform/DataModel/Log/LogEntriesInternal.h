@@ -55,11 +55,21 @@ void visitEntries(std::vector<Leaf> const & leaves, std::uint64_t const * begin,
 
 // A record that goes on where the last about the entity in the log ended, and its place there.
 Record continued(Entity & entity, ChangeLog & log);
-// Writes the record behind its payload, which begins at `begin`.  It names what the payload leads to, and
-// its entity, whose place it becomes.
-void append(ChangeLog & log, std::size_t begin, Record const & record);
 // Calls `visit` with each entity that a record names, its own last.
 void visitNames(ChangeLog & log, std::size_t end, VisitEntity visit, void * context);
+// Has a record name what it leads to.
+void nameAll(ChangeLog & log, std::size_t end);
+// Writes the record behind its payload, which begins at `begin`.  It names what the payload leads to, and
+// its entity, whose place it becomes.  Inline, so that the record is put together where it stands in the end.
+inline void append(ChangeLog & log, std::size_t begin, Record const & record) {
+    std::size_t const end = log.close(begin, record);
+    EntityState & state = stateOf(*record.m_pEntity);
+    if (log.isOwning())
+        nameAll(log, end);
+    else
+        state.name();
+    state.place(log.number(), static_cast<std::uint32_t>(end));
+}
 // Gives a log up: what its words own is released, and what it names is named no more.
 void drop(ChangeLog & log, Lifetimes & lifetimes) noexcept;
 

@@ -94,12 +94,6 @@ void Recorder::keepMembers(EntityChange & change) {
     }
 }
 
-void Recorder::keepAll(Entity & entity) {
-    auto const & leaves = leavesOf(entity);
-    for (std::size_t i = 0; i < leaves.size(); ++i)
-        if (!leaves[i].m_bInHelper) keepWithHead(entity, i, leaves[i], m_asset, m_scratch);
-}
-
 bool Recorder::makeRoom(ChangeLog & log, std::size_t words) noexcept {
     return log.words().reserve(words + m_scratch.size() + m_brackets * c_recordWords);
 }

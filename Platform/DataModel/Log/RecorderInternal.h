@@ -56,8 +56,6 @@ public:
 
     // Members as they are or were, with heads as in a Changed record, one entity's above the other's.
     WordBuffer & scratch() noexcept { return m_scratch; }
-    // Appends all members of an entity to the scratch.
-    void keepAll(Entity & entity);
 
     // Whether memory ran out for the record of what was done already; asking forgets it.
     bool takeLost() noexcept;

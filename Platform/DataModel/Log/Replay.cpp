@@ -97,11 +97,14 @@ DataChange::EChangeType changesOf(ChangeLog & log, std::size_t end) {
 
 } // namespace
 
-void Replay::restore() {
-    markUnmade();
+void Replay::restore(bool undoing) {
+    // Where nothing that is restored leads to an entity, none comes back by it that must not: then each is
+    // marked in its turn, which saves a walk over all that were made.
+    bool const isMarkedFirst = !undoing || m_log.isOwning();
+    if (isMarkedFirst) markUnmade();
     reviveTargets();
     m_lifetimes.tellRevived();
-    restoreRecords();
+    restoreRecords(isMarkedFirst);
     m_lifetimes.settle(m_pInverse != nullptr);
 }
 
@@ -111,13 +114,17 @@ void Replay::markUnmade() {
         ahead.step();
         Record const & record = m_log.record(end);
         if (record.m_kind == ERecord::Born) {
-            stateOf(*record.m_pEntity).set(EntityState::Unmade);
-            recordPresence(*record.m_pEntity, ERecord::Unborn);
+            unmade(*record.m_pEntity);
         } else if (record.m_kind == ERecord::Unborn) {
             stateOf(*record.m_pEntity).clear(EntityState::Unmade);
             recordPresence(*record.m_pEntity, ERecord::Born);
         }
     }
+}
+
+void Replay::unmade(Entity & entity) {
+    stateOf(entity).set(EntityState::Unmade);
+    recordPresence(entity, ERecord::Unborn);
 }
 
 void Replay::recordPresence(Entity & entity, ERecord kind) {
@@ -154,7 +161,7 @@ void Replay::reviveTargets() {
     }
 }
 
-void Replay::restoreRecords() {
+void Replay::restoreRecords(bool areMarked) {
     EntitiesAhead ahead(m_log);
     for (std::size_t end = m_log.end(); end; end = m_log.before(end)) {
         ahead.step();
@@ -163,6 +170,7 @@ void Replay::restoreRecords() {
         switch (record.m_kind) {
         case ERecord::Born:
             record.m_bReplayed = true;
+            if (!areMarked) unmade(*record.m_pEntity);
             if (record.m_pEntity->isAlive()) m_lifetimes.unmake(*record.m_pEntity, !m_pInverse);
             break;
         case ERecord::Unborn:

@@ -44,15 +44,17 @@ public:
     Replay & operator=(Replay const &) = delete;
 
     // Restores; the inverse goes into the other log.
-    void restore();
+    void restore(bool undoing);
     // Exchanges; the log becomes its inverse.  The entities have their turns in the order in which an
     // inverse would give them.
     void exchange(bool undoing);
 
 private:
+    // Marks what the log says was made as unmade, or the other way round.
     void markUnmade();
+    void unmade(Entity & entity);
     void reviveTargets();
-    void restoreRecords();
+    void restoreRecords(bool areMarked);
     void restoreEntity(std::size_t last);
     void restoreRoot(std::size_t end);
     void exchangeEntity(std::size_t last);
