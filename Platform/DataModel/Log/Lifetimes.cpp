@@ -130,8 +130,7 @@ void Lifetimes::endOrphans(DataChange::ETransact transact) {
                 endListed(); // so that what is found in that phase isn't listed
             });
     } catch (...) { // memory ran out in a replay
-        m_orphans.erase(m_orphans.begin(), m_orphans.begin() + static_cast<std::ptrdiff_t>(ended));
-        m_bUnlisted = true;
+        unlistOrphans();
         m_bKilling = false;
         throw;
     }
@@ -413,7 +412,13 @@ void Lifetimes::tellOver(Entity & entity, bool came, DataChange::ETransact trans
     }
 }
 
+void Lifetimes::unlistOrphans() noexcept {
+    m_orphans.clear();
+    m_bUnlisted = true;
+}
+
 void Lifetimes::breakOff() noexcept {
+    unlistOrphans();
     for (StrongRef<Entity> const & revived : m_revived) stateOf(*revived).clear(EntityState::Returned);
     for (Entity * const returned : m_returned) stateOf(*returned).clear(EntityState::Returned);
     m_returned.clear();

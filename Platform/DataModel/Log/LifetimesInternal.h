@@ -105,7 +105,8 @@ public:
     // Whether the deletions of orphans are running.
     bool isKilling() const noexcept { return m_bKilling; }
 
-    // A replay broke off: orphans that it has ended wait no more, and what it revived may go.
+    // A replay broke off: what it revived may go.  Its orphans wait for their turn, but for those that it
+    // has ended already, which may go with the logs.
     void breakOff() noexcept;
     // Gives up all tombs; for the end of the document, when no log is left.
     void clear() noexcept;
@@ -127,6 +128,8 @@ private:
     void killOrphans(DataChange::ETransact transact);
     void endOrphans(DataChange::ETransact transact);
     void killLeftOrphans() noexcept;
+    // From now on the phase alone tells which entities wait: some that are listed may be dead.
+    void unlistOrphans() noexcept;
     // Moves the members that differ now from what they were into a tomb, if the entity may return.  False if
     // there was no memory.
     bool entomb(Entity & entity, EntityImage & image, bool mayReturn);
