@@ -5,7 +5,10 @@
 #include <set>
 #include <utility>
 
+#include <sqlite3.h>
+
 #include "Platform/DataModel/DocumentFile.h"
+#include "Platform/DataModel/DocumentFileEngineInternal.h"
 
 namespace Vn::Testing {
 
@@ -17,6 +20,16 @@ constexpr std::size_t c_mostHeld = 12;
 unsigned long long idOf(Entity const * entity) { return entity ? entity->id() : 0; }
 
 std::string idText(unsigned long long id) { return std::to_string(id); }
+
+// Without the helpers of tests, since the walk is also taken by programs that are none.
+bool runSql(std::filesystem::path const & file, char const * sql) {
+    if (!DataModel::missingEngine().empty()) return false;
+    sqlite3 * database = nullptr;
+    bool const isDone = sqlite3_open(file.string().c_str(), &database) == SQLITE_OK
+        && sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+    sqlite3_close(database);
+    return isDone;
+}
 
 } // namespace
 
@@ -129,7 +142,9 @@ bool DocumentWalk::step() {
     else if (what < 97)
         quietChange();
     else if (!m_file.empty())
-        save(what == 99);
+        save(what == 97   ? After::Nothing
+             : what == 98 ? After::Load
+                          : After::Migrate);
     if (m_wrong.empty()) check();
     return m_wrong.empty();
 }
@@ -337,8 +352,10 @@ void DocumentWalk::letGo() {
     m_held.erase(i);
 }
 
-void DocumentWalk::save(bool andLoad) {
-    m_did += andLoad ? "save and load; " : "save; ";
+void DocumentWalk::save(After after) {
+    m_did += after == After::Nothing ? "save; "
+        : after == After::Load       ? "save and load; "
+                                     : "save, load and migrate; ";
     Status const saved = m_rAsset->file().empty() ? DocumentFile::saveAs(*m_rAsset, m_file)
                                                   : DocumentFile::save(*m_rAsset);
     if (!saved) {
@@ -359,7 +376,43 @@ void DocumentWalk::save(bool andLoad) {
         fail("what was saved is the document");
         return;
     }
-    if (andLoad) start(loaded);
+    if (after == After::Load) start(loaded);
+    if (after != After::Migrate) return;
+
+    // The members of version 0 are those of the present one.
+    if (!runSql(m_file, "UPDATE types SET version=0 WHERE id='Test-Thing'")) {
+        fail("the file can be made an old one");
+        return;
+    }
+    bool isChanged = false;
+    Thing::s_migrate = [&](Thing & entity) { isChanged = migrate(entity) || isChanged; };
+    Status const migrated = DocumentFile::load(m_file, nullptr, loaded);
+    Thing::s_migrate = nullptr;
+    if (!migrated)
+        fail("a load with a migration: " + migrated.toString());
+    else if (loaded->isDirty() != isChanged)
+        fail("what hooks of a migration changed isn't clean, and the rest is");
+    else
+        start(loaded);
+}
+
+bool DocumentWalk::migrate(Thing & entity) {
+    switch (below(8)) {
+    case 0: entity.set(&Thing::m_name, std::wstring(L"migrated")); return true;
+    case 1:
+        entity.m_int = static_cast<int>(below(1000));
+        entity.markModified();
+        return true;
+    case 2: entity.add(Thing::make(entity.segment(), L"made")); return true;
+    case 3:
+        if (entity.m_children.empty()) return false;
+        entity.remove(entity.m_children.size() - 1);
+        return true;
+    case 4:
+        if (m_held.size() < c_mostHeld) m_held.emplace_back(&entity);
+        return false;
+    default: return false;
+    }
 }
 
 // --- The laws ----------------------------------------------------------------------------------

@@ -2,7 +2,7 @@
 //
 // Operations are drawn from a source of numbers: entities are made, listed, owned, removed, renamed, linked and
 // made roots within transactions, which nest, commit and abort; steps are undone and redone; documents are
-// saved and loaded; and all the while the caller and an observer take references to entities and let go of them
+// saved, loaded, and migrated from an older version; and all the while the caller and an observer take references to entities and let go of them
 // at any time, within a transaction, between two, and while they are told of changes.
 //
 // Beside the document goes a model of it, which keeps each state whole and knows nothing of references that
@@ -13,7 +13,8 @@
 //   * A passive reference leads where the model says if that is alive, and is null otherwise.
 //   * What is alive is owned or held: reached from a root or from a reference that somebody keeps.
 //   * There are as many steps to undo and redo as the model has states before and after the present one.
-//   * What was saved is clean, opens, and is the document.
+//   * What was saved is clean, opens, and is the document.  What hooks of a
+//     migration changed isn't.
 
 #ifndef VN_TESTS_DATAMODEL_DOCUMENTWALK_H
 #define VN_TESTS_DATAMODEL_DOCUMENTWALK_H
@@ -98,7 +99,12 @@ private:
     void change();
     void quietChange();
     void undo(bool undoing);
-    void save(bool andLoad);
+    // How a save goes on.
+    enum class After { Nothing, Load, Migrate };
+    void save(After after);
+    // What the migration of an entity does: it may rename it, give it a child, take one away, and keep it.
+    // Whether that changed the document.
+    bool migrate(Thing & entity);
     void hold();
     void letGo();
     void start(StrongRef<Asset> asset);

@@ -8,7 +8,7 @@ namespace Vn::Testing {
 class ThingMetaType : public EntityMetaType {
 public:
     ThingMetaType()
-        : EntityMetaType("Test", Thing::s_metaTypeId(), "ThingMetaType", 0, Entity::s_metaTypeId(),
+        : EntityMetaType("Test", Thing::s_metaTypeId(), "ThingMetaType", 1, Entity::s_metaTypeId(),
                          TypeConcrete) {}
 
 private:
@@ -119,6 +119,12 @@ void Thing::onPostChange(DataChange::ETransact transact, DataChange::EChangeType
 void Thing::onPreDeletion(DataChange::ETransact transact) {
     heard(*this, "delete", transact);
     Entity::onPreDeletion(transact);
+}
+
+void Thing::onPostMigrate() {
+    Entity::onPostMigrate();
+    if (s_migrate) s_migrate(*this);
+    migratingVersion(s_metaType(), s_metaType()->version());
 }
 
 void Thing::onPostCreation(DataChange::ETransact transact) {

@@ -3,6 +3,7 @@
 #ifndef VN_TESTS_DATAMODEL_TESTENTITIES_H
 #define VN_TESTS_DATAMODEL_TESTENTITIES_H
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -63,6 +64,10 @@ public:
     std::vector<double> m_numbers;
     std::vector<std::wstring> m_words;
 
+    // Runs when an entity of version 0 migrates; empty if there is nothing to do.  The members of both
+    // versions are the same.
+    static inline std::function<void(Thing &)> s_migrate;
+
     // What the hooks heard, when someone listens.
     static inline std::vector<std::string> * s_log = nullptr;
 
@@ -74,6 +79,7 @@ protected:
                       DataChange * details) override;
     void onPreDeletion(DataChange::ETransact transact) override;
     void onPostCreation(DataChange::ETransact transact) override;
+    void onPostMigrate() override;
     EntityMetaType * onMetaType() const override { return s_metaType(); }
 
 private:
