@@ -22,7 +22,6 @@ void * malloc(std::size_t size) noexcept {
     s_allocations.bytes += size;
     return __libc_malloc(size);
 }
-
 }
 
 #endif

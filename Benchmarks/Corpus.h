@@ -8,8 +8,8 @@
 
 namespace Vn::Benchmarks {
 
-// The lines of a file of the corpora, such as "quantities" or "quantities.udunits".  Ends the program
-// with a message if there is no such file.
+// The lines of a file of the corpora, such as "quantities" or "quantities.udunits".  Ends the
+// program with a message if there is no such file.
 std::vector<std::string> corpus(std::string const & name);
 
 // The same for the engine.

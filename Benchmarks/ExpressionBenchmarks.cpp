@@ -1,5 +1,5 @@
-// The engine: each stage alone and all together.  Times are for one line (or, of sums, one term) where
-// the counter says so: "per_line", "per_term".
+// The engine: each stage alone and all together.  Times are for one line (or, of sums, one term)
+// where the counter says so: "per_line", "per_term".
 
 #include <benchmark/benchmark.h>
 #include <chrono>
@@ -31,9 +31,9 @@ Node * parse(std::wstring const & text) {
 
 void perLine(benchmark::State & state, std::size_t lines) {
     state.SetItemsProcessed(static_cast<std::int64_t>(lines) * state.iterations());
-    state.counters["per_line"] =
-        benchmark::Counter(static_cast<double>(lines), benchmark::Counter::kIsIterationInvariantRate |
-                                                           benchmark::Counter::kInvert);
+    state.counters["per_line"] = benchmark::Counter(static_cast<double>(lines),
+                                                    benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
 }
 
 // Times `stage` on trees that are made anew, outside of the time, for each pass.
@@ -44,9 +44,8 @@ void timeOnTrees(benchmark::State & state, Stage stage) {
     std::vector<Node *> trees;
     for (auto _ : state) {
         trees.clear();
-        for (std::wstring const & line : lines) {
+        for (std::wstring const & line : lines)
             if (Node * const node = parse(line)) trees.push_back(node);
-        }
         auto const start = std::chrono::steady_clock::now();
         for (Node * const node : trees) stage(node);
         auto const end = std::chrono::steady_clock::now();
@@ -76,9 +75,8 @@ BENCHMARK(tokenize)->DenseRange(0, 2);
 void parseAlone(benchmark::State & state) {
     std::vector<std::wstring> const lines =
         wideCorpus(c_corpora[static_cast<std::size_t>(state.range(0))]);
-    for (auto _ : state) {
+    for (auto _ : state)
         for (std::wstring const & line : lines) Interface::get()->destroy(parse(line));
-    }
     perLine(state, lines.size());
     state.SetLabel(c_corpora[state.range(0)]);
 }
@@ -176,9 +174,9 @@ void sumOf(benchmark::State & state, bool units) {
         benchmark::DoNotOptimize(value);
         Interface::get()->destroy(node);
     }
-    state.counters["per_term"] =
-        benchmark::Counter(static_cast<double>(terms), benchmark::Counter::kIsIterationInvariantRate |
-                                                           benchmark::Counter::kInvert);
+    state.counters["per_term"] = benchmark::Counter(static_cast<double>(terms),
+                                                    benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
 }
 
 void sumOfNumbers(benchmark::State & state) { sumOf(state, false); }

@@ -18,10 +18,9 @@ void arithmetic(benchmark::State & state) {
             benchmark::DoNotOptimize(parser.Eval());
         }
     }
-    state.counters["per_line"] =
-        benchmark::Counter(static_cast<double>(lines.size()),
-                           benchmark::Counter::kIsIterationInvariantRate |
-                               benchmark::Counter::kInvert);
+    state.counters["per_line"] = benchmark::Counter(static_cast<double>(lines.size()),
+                                                    benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
 }
 BENCHMARK(arithmetic)->Name("muparser/arithmetic");
 

@@ -32,10 +32,9 @@ void evaluate(benchmark::State & state, std::vector<std::string> const & lines) 
             benchmark::DoNotOptimize(result);
         }
     }
-    state.counters["per_line"] =
-        benchmark::Counter(static_cast<double>(lines.size()),
-                           benchmark::Counter::kIsIterationInvariantRate |
-                               benchmark::Counter::kInvert);
+    state.counters["per_line"] = benchmark::Counter(static_cast<double>(lines.size()),
+                                                    benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
 }
 
 void quantities(benchmark::State & state) { evaluate(state, corpus("quantities.qalculate")); }
@@ -61,9 +60,8 @@ BENCHMARK(sumOfQuantities)
 void format(benchmark::State & state) {
     Calculator & peer = calculator();
     std::vector<MathStructure> values;
-    for (std::string const & line : corpus("quantities.qalculate")) {
+    for (std::string const & line : corpus("quantities.qalculate"))
         values.push_back(peer.calculate(line, EvaluationOptions()));
-    }
     PrintOptions const options;
     for (auto _ : state) {
         for (MathStructure & value : values) {
@@ -72,10 +70,9 @@ void format(benchmark::State & state) {
             benchmark::DoNotOptimize(shown.print(options));
         }
     }
-    state.counters["per_line"] =
-        benchmark::Counter(static_cast<double>(values.size()),
-                           benchmark::Counter::kIsIterationInvariantRate |
-                               benchmark::Counter::kInvert);
+    state.counters["per_line"] = benchmark::Counter(static_cast<double>(values.size()),
+                                                    benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
 }
 BENCHMARK(format)->Name("libqalculate/format");
 

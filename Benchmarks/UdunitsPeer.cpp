@@ -18,8 +18,8 @@ ut_system * unitSystem() {
     return s_system;
 }
 
-// The peer reads "2.5 inch" as a unit of its own: 2.5 inches.  Its value is one of it in a base unit,
-// which is kept for each line.
+// The peer reads "2.5 inch" as a unit of its own: 2.5 inches.  Its value is one of it in a base
+// unit, which is kept for each line.
 void quantities(benchmark::State & state) {
     std::vector<std::string> const lines = corpus("quantities.udunits");
     std::vector<ut_unit *> bases;
@@ -46,10 +46,9 @@ void quantities(benchmark::State & state) {
         }
     }
     for (ut_unit * const base : bases) ut_free(base);
-    state.counters["per_line"] =
-        benchmark::Counter(static_cast<double>(lines.size()),
-                           benchmark::Counter::kIsIterationInvariantRate |
-                               benchmark::Counter::kInvert);
+    state.counters["per_line"] = benchmark::Counter(static_cast<double>(lines.size()),
+                                                    benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
 }
 BENCHMARK(quantities)->Name("udunits/quantities");
 
@@ -63,18 +62,16 @@ void parseOnly(benchmark::State & state) {
             ut_free(unit);
         }
     }
-    state.counters["per_line"] =
-        benchmark::Counter(static_cast<double>(lines.size()),
-                           benchmark::Counter::kIsIterationInvariantRate |
-                               benchmark::Counter::kInvert);
+    state.counters["per_line"] = benchmark::Counter(static_cast<double>(lines.size()),
+                                                    benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
 }
 BENCHMARK(parseOnly)->Name("udunits/parseOnly");
 
 void format(benchmark::State & state) {
     std::vector<ut_unit *> units;
-    for (std::string const & line : corpus("quantities.udunits")) {
+    for (std::string const & line : corpus("quantities.udunits"))
         units.push_back(ut_parse(unitSystem(), line.c_str(), UT_ASCII));
-    }
     char text[128];
     for (auto _ : state) {
         for (ut_unit * const unit : units) {
@@ -82,10 +79,9 @@ void format(benchmark::State & state) {
             benchmark::DoNotOptimize(text);
         }
     }
-    state.counters["per_line"] =
-        benchmark::Counter(static_cast<double>(units.size()),
-                           benchmark::Counter::kIsIterationInvariantRate |
-                               benchmark::Counter::kInvert);
+    state.counters["per_line"] = benchmark::Counter(static_cast<double>(units.size()),
+                                                    benchmark::Counter::kIsIterationInvariantRate |
+                                                        benchmark::Counter::kInvert);
     for (ut_unit * const unit : units) ut_free(unit);
 }
 BENCHMARK(format)->Name("udunits/format");

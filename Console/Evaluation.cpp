@@ -3,7 +3,7 @@
 #include <ostream>
 
 #include "Console/Failure.h"
-#include "Console/Table.h"
+#include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
@@ -48,16 +48,15 @@ Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & s
     e.rebuilt = expression.rebuilt(Units::ValueAndUnit, settings);
     std::wstring const standard = expression.rebuilt();
     bool const standardReadsBack = expression.rebuiltReadsBack();
-    e.readsBack =
-        e.rebuilt == standard ? standardReadsBack : readsBack(expression, e.rebuilt);
+    e.readsBack = e.rebuilt == standard ? standardReadsBack : readsBack(expression, e.rebuilt);
     // Its textToStore, for which it would read the standard text once more.
     e.store = standardReadsBack ? standard : expression.text();
     ComplexUnit const * const shown = display.expectedUnits();
     if (!e.value) {
         e.error = L"no value: " + explainNoValue();
     } else if (shown && !shown->isDimensionallyEquivalent(&units)) {
-        e.error = L"the value is " + describeUnits(units, settings) +
-                  L" and can't be shown " + describeUnits(*shown, settings);
+        e.error = L"the value is " + describeUnits(units, settings) + L" and can't be shown " +
+                  describeUnits(*shown, settings);
     } else {
         e.formatted = expression.formatted(Units::ValueAndUnit, settings, display);
     }
@@ -112,7 +111,7 @@ bool readUnitContext(std::wstring const & text, std::string const & what, UnitCo
         context = *std::move(read);
         return true;
     }
-    err << what << ": " << Text::toUtf8(inQuotes(text)) << " is no unit\n";
+    err << what << ": " << Text::toUtf8(inQuotes(text)) << " isn't a unit\n";
     // A unit is read as the unit of a number.
     Failure const failure = explainFailure(Expression(L"1 " + text));
     err << Text::toUtf8(suggestionLine(failure)) << std::flush;

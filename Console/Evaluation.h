@@ -29,8 +29,8 @@ Evaluation evaluate(Expressions::Expression const & expression,
 
 // Shows an expression as a table, or why there is none on `err`.  False if it isn't good.
 bool showEvaluation(Expressions::Expression const & expression,
-                    Units::UnitDisplaySettings const & settings,
-                    Units::UnitContext const & display, std::ostream & out, std::ostream & err);
+                    Units::UnitDisplaySettings const & settings, Units::UnitContext const & display,
+                    std::ostream & out, std::ostream & err);
 
 // The same as the value and a line below it.
 bool showBriefly(Expressions::Expression const & expression,
@@ -38,7 +38,7 @@ bool showBriefly(Expressions::Expression const & expression,
                  std::ostream & out, std::ostream & err);
 
 // Makes `context` the one that expects the unit `text`; an empty text stands for a result without
-// units.  False if it is no unit, which is told on `err` behind `what` it was for.
+// units.  False if it isn't a unit, which is told on `err` after `what` it was for.
 bool readUnitContext(std::wstring const & text, std::string const & what,
                      Units::UnitContext & context, std::ostream & err);
 

@@ -3,11 +3,11 @@
 #include <optional>
 #include <string_view>
 
-#include "Console/Excerpt.h"
 #include "Console/FractionHint.h"
+#include "Console/Session/Vocabulary.h"
+#include "Console/Terminal/Excerpt.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
-#include "Console/Vocabulary.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
@@ -57,9 +57,8 @@ public:
         Token const * token = before->next;
         for (; token && token->start != position; token = token->next) before = token;
         if (!token) return atEnd();
-        if (std::optional<std::wstring> const reason = plainReason(*token, *before)) {
+        if (std::optional<std::wstring> const reason = plainReason(*token, *before))
             return {token, *reason};
-        }
         if (nestingAt(token) >= Limits::c_nestingLevels) {
             return {token, L"brackets, functions and signs stand more than " +
                                std::to_wstring(Limits::c_nestingLevels) + L" deep in one another"};
@@ -69,7 +68,7 @@ public:
     }
 
     // Whether a fraction ends right in front of the token at `position`.
-    bool isBehindFraction(unsigned int position) const {
+    bool isAfterFraction(unsigned int position) const {
         Token const * token = m_tokens.first();
         while (token->next && token->next->start != position) token = token->next;
         return token->next && isFraction(token);
@@ -80,8 +79,8 @@ private:
     struct Bracket {
         Token const * token;
         Token const * function;     // null if it isn't of a function
-        unsigned int separated = 0; // arguments with a ";" behind them
-        bool hasMore = false;       // something stands behind the last ";"
+        unsigned int separated = 0; // arguments with a ";" after them
+        bool hasMore = false;       // something stands after the last ";"
 
         unsigned int arguments() const { return separated + (hasMore ? 1 : 0); }
     };
@@ -106,26 +105,22 @@ private:
             return wrongCount(bracket);
         }
         if (token.kind == TK_SEMICOLON) {
-            if (open.empty() || !open.back().function) {
-                return Problem{&token,
-                               L"\";\" stands only between the arguments of a function"};
-            }
+            if (open.empty() || !open.back().function)
+                return Problem{&token, L"\";\" stands only between the arguments of a function"};
             ++open.back().separated;
             open.back().hasMore = false;
             return std::nullopt;
         }
         if (token.kind == TK_END) {
             for (; !open.empty(); open.pop_back()) {
-                if (!open.back().function) {
+                if (!open.back().function)
                     return Problem{open.back().token, L"a bracket isn't closed"};
-                }
                 if (std::optional<Problem> problem = wrongCount(open.back())) return problem;
             }
             return std::nullopt;
         }
-        if (std::optional<std::wstring> reason = reasonInItself(token)) {
+        if (std::optional<std::wstring> reason = reasonInItself(token))
             return Problem{&token, *std::move(reason)};
-        }
         if (!open.empty()) open.back().hasMore = true;
         if (token.kind == TK_LEFT_PAREN) {
             bool const ofFunction = before && functionOf(*before) != e_NONE;
@@ -135,7 +130,7 @@ private:
         if (functionOf(token) != e_NONE) {
             if (isKind(token.next, TK_LEFT_PAREN)) return std::nullopt;
             return Problem{&token, L"the arguments of " + inQuotes(token.text) +
-                                       L" go in brackets behind it"};
+                                       L" go in brackets after it"};
         }
         if (Vocabulary::isKnown(token.text)) return std::nullopt;
         return Problem{&token, inQuotes(token.text) + L" isn't a unit, a function or a constant",
@@ -144,48 +139,43 @@ private:
 
     static std::optional<Problem> wrongCount(Bracket const & bracket) {
         if (!bracket.function) return std::nullopt;
-        auto const function =
-            static_cast<FunctionId>(functionOf(*bracket.function) - e_COS);
+        auto const function = static_cast<FunctionId>(functionOf(*bracket.function) - e_COS);
         unsigned int const wanted = functionArity(function);
         unsigned int const given = bracket.arguments();
         if (given == wanted) return std::nullopt;
-        return Problem{bracket.function, inQuotes(bracket.function->text) + L" takes " +
-                                             (wanted == 0   ? std::wstring(L"no arguments")
-                                              : wanted == 1 ? std::wstring(L"1 argument")
-                                                            : std::to_wstring(wanted) +
-                                                                  L" arguments") +
-                                             L", not " + std::to_wstring(given)};
+        return Problem{bracket.function,
+                       inQuotes(bracket.function->text) + L" takes " +
+                           (wanted == 0   ? std::wstring(L"no arguments")
+                            : wanted == 1 ? std::wstring(L"1 argument")
+                                          : std::to_wstring(wanted) + L" arguments") +
+                           L", not " + std::to_wstring(given)};
     }
 
     // Why no text can hold the token.
     static std::optional<std::wstring> reasonInItself(Token const & token) {
         if (token.kind == TK_EQUALS) return L"\"=\" has no meaning in an expression";
         if (token.kind != TK_UNKNOWN) return std::nullopt;
-        if (Text::isDigit(static_cast<char32_t>(token.text.front()))) {
+        if (Text::isDigit(static_cast<char32_t>(token.text.front())))
             return L"a number isn't complete";
-        }
         return inQuotes(token.text.substr(0, characterLength(token.text, 0))) +
                L" has no meaning in an expression";
     }
 
-    // Why a number can't stand behind what is good in itself.
+    // Why a number can't stand after what is good in itself.
     static std::optional<std::wstring> plainReason(Token const & token, Token const & before) {
         if (token.kind != TK_NUMBER) return std::nullopt;
-        if (isFraction(&before)) {
+        if (isFraction(&before))
             return L"a number can't follow the fraction " + inQuotes(trimmed(before.text));
-        }
-        bool const operandBefore =
-            before.kind == TK_NUMBER || before.kind == TK_RIGHT_PAREN ||
-            (before.kind == TK_NAME && functionOf(before) == e_NONE &&
-             Vocabulary::isKnown(before.text));
+        bool const operandBefore = before.kind == TK_NUMBER || before.kind == TK_RIGHT_PAREN ||
+                                   (before.kind == TK_NAME && functionOf(before) == e_NONE &&
+                                    Vocabulary::isKnown(before.text));
         if (!operandBefore) return std::nullopt;
         return L"an operator is missing in front of the number";
     }
 
     static std::wstring likelyReason(Token const & token, Token const & before) {
-        if (before.kind == TK_LEFT_PAREN && token.kind != TK_RIGHT_PAREN) {
+        if (before.kind == TK_LEFT_PAREN && token.kind != TK_RIGHT_PAREN)
             return L"what stands in the brackets can't be understood";
-        }
         switch (token.kind) {
         case TK_POWER:
             if (before.kind == TK_NAME || before.kind == TK_RIGHT_PAREN) {
@@ -198,16 +188,19 @@ private:
         case TK_MINUS:
         case TK_MULTIPLY:
         case TK_DIVIDE:
-        case TK_MODULO: return L"nothing that can be used follows " + inQuotes(token.text);
+        case TK_MODULO:
+            return L"nothing that can be used follows " + inQuotes(token.text);
         case TK_RIGHT_PAREN:
             return before.kind == TK_LEFT_PAREN ? L"nothing stands in the brackets"
                                                 : L"something is missing in front of the bracket";
-        case TK_LEFT_PAREN: return L"an operator is missing in front of the bracket";
+        case TK_LEFT_PAREN:
+            return L"an operator is missing in front of the bracket";
         case TK_NAME:
             return before.kind == TK_RIGHT_PAREN && functionOf(token) == e_NONE
-                       ? L"a unit can stand only behind a number"
+                       ? L"a unit can stand only after a number"
                        : L"an operator is missing in front of " + inQuotes(token.text);
-        default: return L"this can't stand here";
+        default:
+            return L"this can't stand here";
         }
     }
 
@@ -243,7 +236,9 @@ private:
                 if (!operandBefore) ++signs;
                 operandBefore = false;
                 break;
-            default: operandBefore = false; break;
+            default:
+                operandBefore = false;
+                break;
             }
         }
         return levels + signs;
@@ -268,15 +263,21 @@ Failure explainFailure(Expression const & expression) {
     case EResult::expressionIsEmpty:
         failure.explanation = L"there is nothing to evaluate";
         return failure;
-    case EResult::unitMismatch: failure.explanation = mismatch(result); return failure;
+    case EResult::unitMismatch:
+        failure.explanation = mismatch(result);
+        return failure;
     case EResult::unitsDontEval:
         failure.explanation = L"the units of its parts don't go together";
         return failure;
-    case EResult::badUnitString: failure.explanation = L"the unit isn't known"; return failure;
+    case EResult::badUnitString:
+        failure.explanation = L"the unit isn't known";
+        return failure;
     case EResult::unknownResult:
-    case EResult::parsedOk: return failure;
+    case EResult::parsedOk:
+        return failure;
     case EResult::abruptTermination:
-    case EResult::failedToParse: break;
+    case EResult::failedToParse:
+        break;
     }
 
     bool const atEnd = result.result() == EResult::abruptTermination;
@@ -288,11 +289,10 @@ Failure explainFailure(Expression const & expression) {
                                        : Text::length16(expression.text());
     failure.hint = fractionHint(expression.text(), expression.context());
     if (!failure.hint.empty()) return failure;
-    if (problem.isUnknownName) {
+    if (problem.isUnknownName)
         failure.suggestions = Vocabulary::get().nearest(problem.token->text);
-    } else if (!atEnd && diagnosis.isBehindFraction(result.position())) {
+    else if (!atEnd && diagnosis.isAfterFraction(result.position()))
         failure.hint = L"to divide by more than the fraction takes, put the divisor in brackets";
-    }
     return failure;
 }
 
@@ -320,9 +320,8 @@ std::string failureText(Expression const & expression) {
     Excerpt const excerpt = excerptAt(expression.text(), failure.position);
     if (!excerpt.text.empty()) text += L"  " + excerpt.text + L'\n';
     EResult const result = expression.result().result();
-    if (result == EResult::failedToParse || result == EResult::abruptTermination) {
+    if (result == EResult::failedToParse || result == EResult::abruptTermination)
         text += L"  " + excerpt.caret + L'\n';
-    }
     text += suggestionLine(failure);
     if (!failure.hint.empty()) text += L"  " + failure.hint + L'\n';
     return Text::toUtf8(text);

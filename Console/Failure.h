@@ -1,4 +1,4 @@
-// Why a text is no expression, or has no value, in words for the person who typed it.
+// Why a text isn't an expression, or has no value, in words for the person who typed it.
 
 #ifndef VN_CONSOLE_FAILURE_H
 #define VN_CONSOLE_FAILURE_H
@@ -12,9 +12,9 @@
 namespace Vn::Console {
 
 struct Failure {
-    std::wstring message;     // the outcome in the library's words
-    std::wstring explanation; // the same in plain words
-    std::size_t position = 0; // where the caret belongs, in 16-bit characters
+    std::wstring message;                  // the outcome in the library's words
+    std::wstring explanation;              // the same in plain words
+    std::size_t position = 0;              // where the caret belongs, in 16-bit characters
     std::vector<std::wstring> suggestions; // known spellings near a name that wasn't understood
     std::wstring hint;                     // what to type instead; empty if nothing is known
 };

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "Console/Session/Vocabulary.h"
 #include "Console/Texts.h"
-#include "Console/Vocabulary.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
@@ -20,9 +20,8 @@ constexpr std::size_t c_longestDivisor = 100;
 constexpr std::size_t c_longestHint = 160;
 
 bool isDigits(std::wstring_view text) {
-    return std::all_of(text.begin(), text.end(), [](wchar_t c) {
-        return Text::isDigit(static_cast<char32_t>(c));
-    });
+    return std::all_of(text.begin(), text.end(),
+                       [](wchar_t c) { return Text::isDigit(static_cast<char32_t>(c)); });
 }
 
 // Writes a text again with every division in it that was read as a fraction in brackets.
@@ -63,9 +62,8 @@ private:
         std::size_t const slash = fraction.text.find(L'/');
         if (fraction.format.lengthDisplay != Units::LengthFractional ||
             slash == fraction.text.npos || !next || !isInText(*next) ||
-            indexOf(*next) != endOf(fraction)) {
+            indexOf(*next) != endOf(fraction))
             return false;
-        }
         std::wstring_view const typed = trimmed(fraction.text.substr(slash + 1));
         std::size_t const begin = endOf(fraction) - typed.size();
         std::wstring const divisor = numberAt(begin);
@@ -93,9 +91,8 @@ private:
         Token const * const divisor = slash ? slash->next : nullptr;
         if (!divisor || numerator->kind != Expressions::TK_NUMBER ||
             slash->kind != Expressions::TK_DIVIDE || divisor->kind != Expressions::TK_NUMBER ||
-            !isDigits(whole.text) || !isDigits(numerator->text)) {
+            !isDigits(whole.text) || !isDigits(numerator->text))
             return;
-        }
         std::wstring const fraction =
             std::wstring(numerator->text) + L'/' + std::wstring(trimmed(divisor->text));
         replace(whole, L'(' + std::wstring(whole.text) + L" + " + fraction + L')', endOf(*divisor),
@@ -115,7 +112,7 @@ private:
     // Writes `text` instead of what stands from `first` up to `end`.
     void replace(Token const & first, std::wstring text, std::size_t end,
                  std::wstring const & reason) {
-        // Units stand behind numbers only.
+        // Units stand after numbers only.
         Token const * unit = first.next;
         while (unit && (!isInText(*unit) || indexOf(*unit) < end)) unit = unit->next;
         if (unit && unit->kind == Expressions::TK_NAME &&

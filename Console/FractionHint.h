@@ -10,7 +10,7 @@
 namespace Vn::Console {
 
 // For a text that doesn't parse: what to do about a fraction in it that something stands right
-// behind, with the text to type instead where that parses.  Empty if there is none.
+// after, with the text to type instead where that parses.  Empty if there is none.
 std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context);
 
 } // namespace Vn::Console

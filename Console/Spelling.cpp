@@ -20,11 +20,10 @@ std::size_t mistakes(std::wstring_view a, std::wstring_view b) {
         above.swap(row);
         row[0] = i;
         for (std::size_t j = 1; j <= b.size(); ++j) {
-            row[j] = std::min({above[j] + 1, row[j - 1] + 1,
-                               above[j - 1] + (same(i - 1, j - 1) ? 0 : 1)});
-            if (i > 1 && j > 1 && same(i - 1, j - 2) && same(i - 2, j - 1)) {
+            row[j] = std::min(
+                {above[j] + 1, row[j - 1] + 1, above[j - 1] + (same(i - 1, j - 1) ? 0 : 1)});
+            if (i > 1 && j > 1 && same(i - 1, j - 2) && same(i - 2, j - 1))
                 row[j] = std::min(row[j], before[j - 2] + 1);
-            }
         }
     }
     return row[b.size()];

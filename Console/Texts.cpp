@@ -57,9 +57,8 @@ std::wstring_view trimmed(std::wstring_view text) {
 }
 
 bool containsFolded(std::wstring_view text, std::wstring_view part) {
-    for (std::size_t i = 0; i + part.size() <= text.size(); ++i) {
+    for (std::size_t i = 0; i + part.size() <= text.size(); ++i)
         if (Text::foldedEqual(text.substr(i, part.size()), part)) return true;
-    }
     return false;
 }
 

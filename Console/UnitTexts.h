@@ -13,7 +13,7 @@
 namespace Vn::Console {
 
 // The context that expects the unit `text`; an empty text expects a result without units.  None if
-// the text is no unit.
+// the text isn't a unit.
 std::optional<Units::UnitContext> unitContext(std::wstring const & text);
 
 // The units as one types them: "m / s^2".  Empty for no units.

@@ -3,9 +3,9 @@
 #include <exception>
 #include <iostream>
 
-#include "Console/CommandLine.h"
-#include "Console/ExitStatus.h"
-#include "Console/Terminal.h"
+#include "Console/CommandLine/CommandLine.h"
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/Terminal/Terminal.h"
 #include "Platform/Base/OS.h"
 
 // The host program: all text in and out is UTF-8.
@@ -27,8 +27,7 @@ int main(int argc, char * argv[]) {
     out.flush();
     if (output.error() == 0) return status;
     // Nobody reads any more: there is nobody to tell.
-    if (output.error() != EPIPE) {
+    if (output.error() != EPIPE)
         std::cerr << "vnconsole: can't write the output: " << std::strerror(output.error()) << '\n';
-    }
     return ExitBadInput;
 }

@@ -58,7 +58,7 @@ void writeKind(std::vector<SimpleUnit const *> const & units) {
     UnitDisplaySettings const & settings = UnitDisplaySettings::standard();
     std::wstring const internal =
         Console::internalUnitText(units.front()->asComplexUnit(), settings);
-    std::string const behind = internal.empty() ? "" : ' ' + Text::toUtf8(internal);
+    std::string const after = internal.empty() ? "" : ' ' + Text::toUtf8(internal);
     std::cout << "## " << Text::toUtf8(units.front()->simpleUnitTypeName()) << "\n\n"
               << "| Name | Abbreviation | Symbol | One is | Prefixes |\n|---|---|---|---|---|\n";
     for (SimpleUnit const * const unit : units) {
@@ -66,11 +66,11 @@ void writeKind(std::vector<SimpleUnit const *> const & units) {
                   << code(unit->abbreviation(settings)) << " | "
                   << code(unit->hasSymbol() ? unit->symbol(settings) : std::wstring()) << " | "
                   << Text::toUtf8(Console::shortestNumber(unit->internalConversionFactor()))
-                  << behind;
+                  << after;
         if (unit->internalConversionOffset() != 0.0) {
             std::cout << ", counted from "
                       << Text::toUtf8(Console::shortestNumber(unit->internalConversionOffset()))
-                      << behind;
+                      << after;
         }
         std::cout << " | " << (unit->supportsMagnitude() ? "yes" : "no") << " |\n";
     }
@@ -98,12 +98,10 @@ int main() {
     OS::Utf8Streams const streams;
     Initializer::runAll();
     std::map<int, std::vector<SimpleUnit const *>> kinds;
-    for (SimpleUnit const * const unit : catalogue()) {
+    for (SimpleUnit const * const unit : catalogue())
         kinds[static_cast<int>(unit->simpleUnitType())].push_back(unit);
-    }
     std::cout << c_head;
-    for (auto const & kind : kinds)
-        writeKind(kind.second);
+    for (auto const & kind : kinds) writeKind(kind.second);
     writePrefixes();
     return std::cout.flush() ? 0 : 1;
 }

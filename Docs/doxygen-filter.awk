@@ -1,8 +1,8 @@
 # Makes documentation of the plain comments of a header, for Doxygen.
 #
 # A comment in front of declarations heads all of them, up to the next blank line, comment or
-# closing brace: it becomes a group whose text each of them gets.  A comment behind a declaration
-# belongs to that.  A comment with a blank line behind it belongs to nothing and stays, but for the
+# closing brace: it becomes a group whose text each of them gets.  A comment after a declaration
+# belongs to that.  A comment with a blank line after it belongs to nothing and stays, but for the
 # first of the file, which tells what the file is for and also heads the class after which the file
 # is named, if that has no comment of its own.  Function bodies are left alone.  What is deleted, or
 # is defaulted without a comment, needs no words and is left out, as are macros without a comment.

@@ -20,7 +20,7 @@
 //
 // Times are of the operation alone: what it needs is made before, and what it has done is checked
 // after.  "per_entity" and "per_transaction" are seconds.  A save is timed until the file is on the
-// disk: if the contender doesn't see to that, a sync stands behind its save, and the counter "sync"
+// disk: if the contender doesn't see to that, a sync stands after its save, and the counter "sync"
 // says how many seconds of the save that is.  Files are read back from the cache of the system.
 
 #ifndef VN_BENCHMARKS_DOCUMENT_DOCUMENTBENCHMARKS_H
@@ -142,9 +142,8 @@ void create(benchmark::State & state) {
 template <class Contender>
 void walk(benchmark::State & state) {
     auto const contender = created<Contender>(children(state));
-    for (auto _ : state) {
+    for (auto _ : state)
         state.SetIterationTime(secondsOf([&] { benchmark::DoNotOptimize(contender->walk()); }));
-    }
     check(state, *contender, expectedWeight(records(children(state))));
     state.counters["per_entity"] = secondsPer(allIterations(state));
 }
@@ -241,9 +240,7 @@ void replayEach(benchmark::State & state, bool redo) {
         });
         double const changed = contender->walk();
         Sample const undone = sample(made.count, [&](std::size_t) { contender->undo(); });
-        if (undone.count == made.count) {
-            check(state, *contender, expectedWeight(records(count)));
-        }
+        if (undone.count == made.count) check(state, *contender, expectedWeight(records(count)));
         Sample const redone = sample(undone.count, [&](std::size_t) { contender->redo(); });
         if (redone.count == undone.count) check(state, *contender, changed);
         Sample const & taken = redo ? redone : undone;
@@ -276,7 +273,7 @@ void memoryOfUndo(benchmark::State & state) {
     }
 }
 
-// A save to its end on the disk, and how much of that was a sync behind it.
+// A save to its end on the disk, and how much of that was a sync after it.
 struct SaveTime {
     double seconds;
     double syncing;

@@ -102,17 +102,15 @@ public:
 
     void changeAll(double x) {
         m_document->NewCommand();
-        for (TDF_ChildIterator child(group()); child.More(); child.Next()) {
+        for (TDF_ChildIterator child(group()); child.More(); child.Next())
             TDataStd_Real::Set(child.Value(), TDataStd_Real::GetID(), x);
-        }
         m_document->CommitCommand();
     }
 
     // To find a label by its number is to walk a list, so programs keep the labels they work on.
     void indexChildren() {
-        for (TDF_ChildIterator child(group()); child.More(); child.Next()) {
+        for (TDF_ChildIterator child(group()); child.More(); child.Next())
             m_children.push_back(child.Value());
-        }
     }
 
     void changeOne(std::size_t i, double x) {

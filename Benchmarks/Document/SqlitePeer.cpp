@@ -38,9 +38,8 @@ private:
 class Statement {
 public:
     Statement(Database const & database, char const * sql) : m_database(database.get()) {
-        if (sqlite3_prepare_v2(m_database, sql, -1, &m_statement, nullptr) != SQLITE_OK) {
+        if (sqlite3_prepare_v2(m_database, sql, -1, &m_statement, nullptr) != SQLITE_OK)
             fail(m_database);
-        }
     }
     ~Statement() { sqlite3_finalize(m_statement); }
     Statement(Statement const &) = delete;

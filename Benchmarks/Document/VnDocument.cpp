@@ -136,8 +136,8 @@ public:
     void save() { expect(DocumentFile::save(*m_rAsset)); }
     void load(std::filesystem::path const & file) {
         expect(DocumentFile::load(file, nullptr, m_rAsset));
-        m_rGroup = StrongRef<Group>(query<Group>(
-            m_rAsset->segment(SegmentType::DesignSegment)->rootEntity("group").get()));
+        m_rGroup = StrongRef<Group>(
+            query<Group>(m_rAsset->segment(SegmentType::DesignSegment)->rootEntity("group").get()));
     }
 
 private:

@@ -13,7 +13,7 @@ namespace Vn {
 // The file starts with seven numbers of 32 bits: the magic number, the version, how many messages
 // there are, where the tables of messages and of translations start, and the size and start of a
 // hash table, which isn't used here.  A row of a table is the length of a text and where it starts;
-// a null that isn't counted stands behind each text.  The messages are in order, byte by byte.
+// a null that isn't counted stands after each text.  The messages are in order, byte by byte.
 namespace {
 
 constexpr std::size_t c_headerSize = 28;
@@ -109,7 +109,7 @@ bool MessageCatalogue::isUtf8() const {
 bool MessageCatalogue::isSound() {
     if (m_file.size() < c_headerSize) return false;
     m_bSwapped = number(0) != c_magic;
-    // A later minor version adds tables behind those that are read here.
+    // A later minor version adds tables after those that are read here.
     if (number(0) != c_magic || number(c_versionAt) >> 16 > 1) return false;
     m_count = number(c_countAt);
     m_messages = number(c_messagesAt);

@@ -34,9 +34,7 @@ double power(double base, double exponent) noexcept {
 
 #else
 
-double power(double base, double exponent) noexcept {
-    return std::pow(base, exponent);
-}
+double power(double base, double exponent) noexcept { return std::pow(base, exponent); }
 
 #endif
 

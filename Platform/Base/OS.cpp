@@ -145,8 +145,7 @@ std::vector<std::string> arguments([[maybe_unused]] int argc,
     std::unique_ptr<wchar_t *, void (*)(wchar_t **)> const texts(
         CommandLineToArgvW(GetCommandLineW(), &count), [](wchar_t ** all) { LocalFree(all); });
     std::vector<std::string> result;
-    for (int i = 1; texts && i < count; ++i)
-        result.push_back(Text::toUtf8(texts.get()[i]));
+    for (int i = 1; texts && i < count; ++i) result.push_back(Text::toUtf8(texts.get()[i]));
     return result;
 #else
     return std::vector<std::string>(argv + (argc > 0 ? 1 : 0), argv + argc);
@@ -181,12 +180,11 @@ std::string errorText(std::error_code const & error) {
     // The standard library has them in the code page of the system's language.
     if (error.category() == std::system_category()) {
         wchar_t text[1024];
-        DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS
-                                          | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+        DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS |
+                                          FORMAT_MESSAGE_MAX_WIDTH_MASK,
                                       nullptr, static_cast<DWORD>(error.value()), 0, text,
                                       static_cast<DWORD>(std::size(text)), nullptr);
-        while (length > 0 && Text::isSpace(static_cast<char32_t>(text[length - 1])))
-            --length;
+        while (length > 0 && Text::isSpace(static_cast<char32_t>(text[length - 1]))) --length;
         if (length > 0) return Text::toUtf8(std::wstring_view(text, length));
     }
 #endif
@@ -218,8 +216,7 @@ std::optional<std::wstring> readTerminalLine() {
         line.append(buffer, count);
     }
     if (line.empty() || line.front() == c_endOfInput) return std::nullopt;
-    while (!line.empty() && (line.back() == L'\n' || line.back() == L'\r'))
-        line.pop_back();
+    while (!line.empty() && (line.back() == L'\n' || line.back() == L'\r')) line.pop_back();
     return line;
 #else
     return std::nullopt;
@@ -228,8 +225,7 @@ std::optional<std::wstring> readTerminalLine() {
 
 Utf8Streams::Utf8Streams() noexcept {
 #ifdef _WIN32
-    for (int const stream : {0, 1, 2})
-        _setmode(stream, _O_BINARY);
+    for (int const stream : {0, 1, 2}) _setmode(stream, _O_BINARY);
     // Without a buffer a terminal is given single bytes, which aren't characters.
     std::setvbuf(stdout, nullptr, _IOFBF, std::size_t{1} << 16);
     m_encoding = GetConsoleOutputCP();
@@ -243,9 +239,7 @@ Utf8Streams::~Utf8Streams() {
 #endif
 }
 
-std::string className(std::type_info const & type) {
-    return className(type.name());
-}
+std::string className(std::type_info const & type) { return className(type.name()); }
 
 std::string className(char const * name) {
     int status = 0;
@@ -301,14 +295,25 @@ Status createFile(std::filesystem::path const & file) {
     EStatus code = StatusIO;
     switch (error.value()) {
     case ERROR_FILE_EXISTS:
-    case ERROR_ALREADY_EXISTS: code = StatusAlreadyExists; break;
+    case ERROR_ALREADY_EXISTS:
+        code = StatusAlreadyExists;
+        break;
     case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND: code = StatusNotFound; break;
+    case ERROR_PATH_NOT_FOUND:
+        code = StatusNotFound;
+        break;
     case ERROR_ACCESS_DENIED:
-    case ERROR_WRITE_PROTECT: code = StatusAccessDenied; break;
-    case ERROR_SHARING_VIOLATION: code = StatusBusy; break;
-    case ERROR_DISK_FULL: code = StatusNoSpace; break;
-    default: break;
+    case ERROR_WRITE_PROTECT:
+        code = StatusAccessDenied;
+        break;
+    case ERROR_SHARING_VIOLATION:
+        code = StatusBusy;
+        break;
+    case ERROR_DISK_FULL:
+        code = StatusNoSpace;
+        break;
+    default:
+        break;
     }
     return Status(code, c_operation, pathText(file), errorText(error));
 #else
@@ -342,8 +347,8 @@ sigset_t fileSizeSignal() noexcept {
 FileSizeLimitFails::FileSizeLimitFails() noexcept {
     sigset_t const signals = fileSizeSignal();
     sigset_t before;
-    m_bBlocked = pthread_sigmask(SIG_BLOCK, &signals, &before) == 0
-        && sigismember(&before, SIGXFSZ) == 0;
+    m_bBlocked =
+        pthread_sigmask(SIG_BLOCK, &signals, &before) == 0 && sigismember(&before, SIGXFSZ) == 0;
 }
 
 bool FileSizeLimitFails::wasReached() const noexcept {
@@ -385,9 +390,7 @@ Module & Module::operator=(Module && other) noexcept {
     return *this;
 }
 
-Module::~Module() {
-    unload();
-}
+Module::~Module() { unload(); }
 
 Status Module::load(std::filesystem::path const & file) {
     unload();

@@ -75,16 +75,16 @@ VN_BASE_API std::string className(std::type_info const & type);
 // The same from what `name` of its type_info says; a text that no compiler made is given back.
 VN_BASE_API std::string className(char const * name);
 
-// Gives a file another name in the same directory, in place of a file that has it.  Whoever looks sees
-// the one or the other, never neither.
+// Gives a file another name in the same directory, in place of a file that has it.  Anyone who
+// looks sees the one or the other, never neither.
 [[nodiscard]] VN_BASE_API Status renameFile(std::filesystem::path const & from,
                                             std::filesystem::path const & to);
 // Gives a file another name that is free.  What has the name stays, a link too, and the answer is
 // StatusAlreadyExists.  A link is renamed itself, not what it leads to.
 [[nodiscard]] VN_BASE_API Status renameToFreeName(std::filesystem::path const & from,
                                                   std::filesystem::path const & to);
-// Makes an empty file with a name that is free.  What has the name stays, and nothing is followed if it
-// is a link: the answer is StatusAlreadyExists.
+// Makes an empty file with a name that is free.  What has the name stays, and nothing is followed
+// if it is a link: the answer is StatusAlreadyExists.
 [[nodiscard]] VN_BASE_API Status createFile(std::filesystem::path const & file);
 // Waits until the names in a directory are on the disk, where the system has such a thing.
 [[nodiscard]] VN_BASE_API Status syncDirectory(std::filesystem::path const & directory);
@@ -126,8 +126,9 @@ public:
     // reason, and the object holds none.
     [[nodiscard]] Status load(std::filesystem::path const & file);
 
-    // Loads a library that the system looks for itself, by its bare name; on Windows nothing but what is
-    // the system's own.  Otherwise as `load`.  A name with a directory is an invalid argument.
+    // Loads a library that the system looks for itself, by its bare name; on Windows nothing but
+    // what is the system's own.  Otherwise as `load`.  A name with a directory is an invalid
+    // argument.
     [[nodiscard]] Status loadFromSystem(std::filesystem::path const & name);
 
     // The address of an exported name; null if there is none, or no module.

@@ -9,7 +9,8 @@ namespace {
 // is the count of an object that nobody has owned yet.
 constexpr std::uint32_t c_dying = 0x80000000U;
 
-// Stands in place of the block of an object whose passive references are suspended before there were any.
+// Stands in place of the block of an object whose passive references are suspended before there
+// were any.
 Detail::PassiveControl * suspendedMark() noexcept {
     return reinterpret_cast<Detail::PassiveControl *>(std::uintptr_t{1});
 }
@@ -28,7 +29,7 @@ void PassiveControl::release() noexcept {
 }
 
 RefCounted * PassiveControl::lockTarget() noexcept {
-    // Whoever deletes the target behind its last strong reference expires this block first, so
+    // Code that deletes the target without its last strong reference expires this block first, so
     // that the target can be read for as long as the lock is held.
     SpinLockGuard const guard(m_lock);
     RefCounted * const found = target();
@@ -64,7 +65,8 @@ void RefCounted::release() const noexcept {
 }
 
 void RefCounted::destroy() noexcept {
-    if (Detail::PassiveControl * const control = blockOf(m_pPassive.load(std::memory_order_acquire)))
+    if (Detail::PassiveControl * const control =
+            blockOf(m_pPassive.load(std::memory_order_acquire)))
         control->expire();
     delete this;
 }

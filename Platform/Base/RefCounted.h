@@ -39,8 +39,8 @@ public:
 
     // The target, also while it is suspended; null once it is gone.
     RefCounted * keptTarget() const noexcept {
-        return reinterpret_cast<RefCounted *>(m_target.load(std::memory_order_acquire)
-                                              & ~c_suspended);
+        return reinterpret_cast<RefCounted *>(m_target.load(std::memory_order_acquire) &
+                                              ~c_suspended);
     }
 
     // The target with one more strong count, which the caller then owns, or null once it is gone.
@@ -66,7 +66,7 @@ private:
 
 // An object that is deleted when its last strong reference goes.
 //
-// The count is zero after construction and belongs to whoever makes the first StrongRef.  A
+// The count is zero after construction and belongs to the first StrongRef.  A
 // constructor must therefore not make a StrongRef to its own object, which would delete it at the
 // end of that reference; a PassiveRef does no harm there.  An object that never had a strong
 // reference, such as one on the stack, is ended as any other.
@@ -83,8 +83,8 @@ public:
     // The number of strong references at this moment, for tests and diagnostics.
     std::uint32_t refCount() const noexcept;
 
-    // The block behind passive references to this object, made at the first call.  The caller owns
-    // one count of it.
+    // The block that passive references to this object share, made at the first call.  The caller
+    // owns one count of it.
     Detail::PassiveControl * passiveControl() const;
 
 protected:
@@ -112,7 +112,7 @@ private:
     bool addRefIfAlive() const noexcept;
 
     mutable std::atomic<Detail::PassiveControl *> m_pPassive{nullptr};
-    // Last, so that the fields of a derived class may begin right behind it.
+    // Last, so that the fields of a derived class may begin right after it.
     mutable std::atomic<std::uint32_t> m_count{0};
 };
 
@@ -142,7 +142,7 @@ public:
         if (m_p) m_p->release();
     }
 
-    // Lets go of the object so far, if any, behind taking the new one.
+    // Lets go of the object so far, if any, after taking the new one.
     StrongRef & operator=(StrongRef other) noexcept {
         swap(other);
         return *this;

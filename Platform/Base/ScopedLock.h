@@ -24,7 +24,7 @@ public:
     ScopedLockBase(ScopedLockBase const &) = delete;
     ScopedLockBase & operator=(ScopedLockBase const &) = delete;
 
-    // The answer, fixed when the scope was entered, so that whoever locks also unlocks.
+    // The answer, fixed when the scope was entered, so that what locks also unlocks.
     bool isLocking() const noexcept { return m_bLocking; }
     ELockType lockType() const noexcept { return m_lockType; }
     unsigned level() const noexcept { return m_level; }

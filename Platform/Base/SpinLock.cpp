@@ -8,8 +8,7 @@ void SpinLock::wait() noexcept {
     unsigned pauses = 1;
     do {
         if (pauses < 17) {
-            for (unsigned i = 0; i < pauses; ++i)
-                OS::pause();
+            for (unsigned i = 0; i < pauses; ++i) OS::pause();
             pauses *= 2;
         } else {
             OS::yield();

@@ -127,9 +127,7 @@ Status Status::fromErrno(int error, std::string_view operation, std::string_view
     return Status(code, operation, subject, std::generic_category().message(error));
 }
 
-EStatus Status::code() const noexcept {
-    return ok() ? StatusOk : m_rFailure->m_code;
-}
+EStatus Status::code() const noexcept { return ok() ? StatusOk : m_rFailure->m_code; }
 
 std::string const & Status::operation() const noexcept {
     return ok() ? noText() : m_rFailure->m_operation;
@@ -139,9 +137,7 @@ std::string const & Status::subject() const noexcept {
     return ok() ? noText() : m_rFailure->m_subject;
 }
 
-std::string const & Status::cause() const noexcept {
-    return ok() ? noText() : m_rFailure->m_cause;
-}
+std::string const & Status::cause() const noexcept { return ok() ? noText() : m_rFailure->m_cause; }
 
 std::string Status::toString() const {
     if (ok()) return std::string(codeText(StatusOk));

@@ -51,8 +51,8 @@ std::vector<std::string> namesOf(std::string const & language) {
     std::string const territory = language.substr(territoryAt, variantAt - territoryAt);
     std::string const variant = language.substr(variantAt);
     std::vector<std::string> names;
-    for (std::string const & behind : {territory + variant, variant, territory, std::string()}) {
-        std::string whole = name + behind;
+    for (std::string const & after : {territory + variant, variant, territory, std::string()}) {
+        std::string whole = name + after;
         if (!whole.empty() && std::find(names.begin(), names.end(), whole) == names.end())
             names.push_back(std::move(whole));
     }

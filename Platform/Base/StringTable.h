@@ -25,7 +25,7 @@ public:
     static std::wstring getLocalizedString(std::string_view module, std::string_view key,
                                            std::wstring_view defaultText);
 
-    // Chooses the language by a tag such as "de", "de_AT" or "de-AT"; an encoding behind it, as in
+    // Chooses the language by a tag such as "de", "de_AT" or "de-AT"; an encoding after it, as in
     // "de_DE.UTF-8", is dropped.  A territory that has no catalogue falls back to its language.
     // "" is English as written in the program, and so are "C", "POSIX" and a tag that isn't one.
     //
@@ -36,7 +36,7 @@ public:
     // The language chosen, with an underscore before the territory; "" for English.
     static std::string language();
 
-    // Adds a directory in which catalogues are looked for, behind those added before.  The path is
+    // Adds a directory in which catalogues are looked for, after those added before.  The path is
     // UTF-8.  A directory that doesn't exist holds no catalogues.
     static void catalogueDirectory(std::string_view utf8Path);
 

@@ -22,28 +22,24 @@ using Range32 = Range<char32_t>;
 // The ranges are in order and don't touch.
 template <class Unit, std::size_t Size>
 bool contains(Range<Unit> const (&ranges)[Size], char32_t character) noexcept {
-    auto const behind = std::upper_bound(
+    auto const after = std::upper_bound(
         std::begin(ranges), std::end(ranges), character,
         [](char32_t value, Range<Unit> const & range) { return value < range.first; });
-    return behind != std::begin(ranges) && character <= std::prev(behind)->last;
+    return after != std::begin(ranges) && character <= std::prev(after)->last;
 }
 
 constexpr char32_t c_replacement = 0xFFFD;
 constexpr char32_t c_lastCharacter = 0x10FFFF;
 
-constexpr bool isHighSurrogate(char32_t unit) {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-constexpr bool isLowSurrogate(char32_t unit) {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
+constexpr bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+constexpr bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 
 char32_t unitAt(std::wstring_view text, std::size_t index) {
     return static_cast<std::make_unsigned_t<wchar_t>>(text[index]);
 }
 
-// The character at `index`, which moves behind it.  Surrogate pairs are one character whatever the
-// width of wchar_t; what is no character is U+FFFD.
+// The character at `index`, which moves after it.  Surrogate pairs are one character whatever the
+// width of wchar_t; what isn't a character is U+FFFD.
 char32_t nextCharacter(std::wstring_view text, std::size_t & index) {
     char32_t const unit = unitAt(text, index++);
     if (isHighSurrogate(unit) && index < text.size()) {
@@ -69,7 +65,7 @@ void append(std::wstring & text, char32_t character) {
     text += static_cast<wchar_t>(character);
 }
 
-// Reads the sequence at `index`, which moves behind it, or behind the longest piece of it that
+// Reads the sequence at `index`, which moves after it, or after the longest piece of it that
 // could have been the start of one.  False if the sequence is broken.
 bool decode(std::string_view utf8, std::size_t & index, char32_t & character) {
     auto const byteAt = [&](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
@@ -79,7 +75,7 @@ bool decode(std::string_view utf8, std::size_t & index, char32_t & character) {
         return true;
     }
     // The lead byte narrows the range of the second: that excludes overlong forms, surrogates and
-    // values behind the last character.
+    // values after the last character.
     unsigned char low = 0x80;
     unsigned char high = 0xBF;
     int further = 0;
@@ -126,17 +122,14 @@ bool isPunctuationBeyondAscii(char32_t character) noexcept {
     return contains(c_punctuation, character);
 }
 
-bool isSpaceBeyondAscii(char32_t character) noexcept {
-    return contains(c_space, character);
-}
+bool isSpaceBeyondAscii(char32_t character) noexcept { return contains(c_space, character); }
 
 } // namespace Detail
 
 std::size_t length16(std::wstring_view text) noexcept {
     if constexpr (sizeof(wchar_t) == 2) return text.size();
     std::size_t length = text.size();
-    for (std::size_t i = 0; i < text.size(); ++i)
-        length += unitAt(text, i) > 0xFFFF;
+    for (std::size_t i = 0; i < text.size(); ++i) length += unitAt(text, i) > 0xFFFF;
     return length;
 }
 
@@ -204,17 +197,12 @@ int displayWidth(char32_t character) noexcept {
 
 int displayWidth(std::wstring_view text) noexcept {
     int width = 0;
-    for (std::size_t i = 0; i < text.size();)
-        width += displayWidth(nextCharacter(text, i));
+    for (std::size_t i = 0; i < text.size();) width += displayWidth(nextCharacter(text, i));
     return width;
 }
 
-bool foldedEqual(std::wstring_view a, std::wstring_view b) noexcept {
-    return foldedEqualAs(a, b);
-}
+bool foldedEqual(std::wstring_view a, std::wstring_view b) noexcept { return foldedEqualAs(a, b); }
 
-bool foldedEqual(std::string_view a, std::string_view b) noexcept {
-    return foldedEqualAs(a, b);
-}
+bool foldedEqual(std::string_view a, std::string_view b) noexcept { return foldedEqualAs(a, b); }
 
 } // namespace Vn::Text

@@ -62,7 +62,7 @@ constexpr bool isDigit(char32_t character) noexcept {
 // The length in 16-bit characters.  Where wchar_t is wider, a character above U+FFFF counts two.
 VN_BASE_API std::size_t length16(std::wstring_view text) noexcept;
 
-// The text in UTF-8.  What is no character, such as half of a surrogate pair, becomes U+FFFD.
+// The text in UTF-8.  What isn't a character, such as half of a surrogate pair, becomes U+FFFD.
 VN_BASE_API std::string toUtf8(std::wstring_view text);
 
 // Reads UTF-8 strictly.  False for anything that isn't well-formed: broken, overlong or surrogate
@@ -85,17 +85,16 @@ VN_BASE_API int displayWidth(std::wstring_view text) noexcept;
 VN_BASE_API bool foldedEqual(std::wstring_view a, std::wstring_view b) noexcept;
 VN_BASE_API bool foldedEqual(std::string_view a, std::string_view b) noexcept;
 
-// The hash of a text (FNV-1a over its characters), for tables that are asked with views of texts.  It
-// is not made to withstand texts chosen to collide, so keys must not come from users.
+// The hash of a text (FNV-1a over its characters), for tables that are asked with views of texts.
+// It is not made to withstand texts chosen to collide, so keys must not come from users.
 struct Hash {
     // Tells the tables that a view is as good as a string.
     using is_transparent = void;
     // The hash of `text`, which may be of any length.
     std::size_t operator()(std::wstring_view text) const noexcept {
         std::size_t hash = static_cast<std::size_t>(0xcbf29ce484222325u);
-        for (wchar_t const c : text) {
+        for (wchar_t const c : text)
             hash = (hash ^ static_cast<std::size_t>(c)) * static_cast<std::size_t>(0x100000001b3u);
-        }
         return hash ^ (hash >> 29);
     }
 };

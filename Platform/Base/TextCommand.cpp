@@ -42,9 +42,7 @@ TextCommandSubjectArea::TextCommandSubjectArea(std::wstring name, std::wstring d
     TextCommandService::get().add(this);
 }
 
-TextCommandSubjectArea::~TextCommandSubjectArea() {
-    TextCommandService::get().remove(this);
-}
+TextCommandSubjectArea::~TextCommandSubjectArea() { TextCommandService::get().remove(this); }
 
 TextCommand::TextCommand(std::wstring subjectArea, std::wstring name, std::wstring description,
                          std::string alias, bool hidden, bool enabled)
@@ -54,9 +52,7 @@ TextCommand::TextCommand(std::wstring subjectArea, std::wstring name, std::wstri
     TextCommandService::get().add(this);
 }
 
-TextCommand::~TextCommand() {
-    TextCommandService::get().remove(this);
-}
+TextCommand::~TextCommand() { TextCommandService::get().remove(this); }
 
 TextCommandResult TextCommand::run(TextCommandParameters const & parameters) {
     if (!m_bEnabled) return {1, m_subjectArea + L"." + m_name + L" is not enabled"};

@@ -15,7 +15,7 @@ struct TextCommandResult {
     std::wstring text; // for the user, in as many lines as it needs
 };
 
-// What stands behind the name of a command: parameters, counted from 0, and flags.
+// What stands after the name of a command: parameters, counted from 0, and flags.
 class VN_BASE_API TextCommandParameters {
 public:
     TextCommandParameters() = default;

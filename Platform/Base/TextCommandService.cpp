@@ -21,13 +21,9 @@ constinit Shared<TextCommandService> s_service;
 // was never meant as a command stays short and cheap.
 constexpr std::size_t c_longestName = 64;
 
-bool isBlank(wchar_t c) {
-    return Text::isSpace(static_cast<char32_t>(c));
-}
+bool isBlank(wchar_t c) { return Text::isSpace(static_cast<char32_t>(c)); }
 
-bool isAsciiLetter(wchar_t c) {
-    return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z');
-}
+bool isAsciiLetter(wchar_t c) { return (c >= L'A' && c <= L'Z') || (c >= L'a' && c <= L'z'); }
 
 bool isFlag(std::wstring_view word) {
     return word.size() >= 2 && word[0] == L'/' && isAsciiLetter(word[1]) &&
@@ -48,8 +44,7 @@ std::optional<Line> takeApart(std::wstring_view line) {
     bool first = true;
     std::size_t i = 0;
     for (;;) {
-        while (i < line.size() && isBlank(line[i]))
-            ++i;
+        while (i < line.size() && isBlank(line[i])) ++i;
         if (i == line.size()) return parts;
         std::wstring word;
         bool const quoted = line[i] == L'"';
@@ -67,8 +62,7 @@ std::optional<Line> takeApart(std::wstring_view line) {
             if (!closed) return std::nullopt;
         } else {
             std::size_t const start = i;
-            while (i < line.size() && !isBlank(line[i]))
-                ++i;
+            while (i < line.size() && !isBlank(line[i])) ++i;
             word = line.substr(start, i - start);
         }
         if (std::exchange(first, false))
@@ -84,8 +78,7 @@ std::optional<Line> takeApart(std::wstring_view line) {
 // not counted.
 std::size_t distance(std::wstring_view a, std::wstring_view b) {
     std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j)
-        row[j] = j;
+    for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
     for (std::size_t i = 1; i <= a.size(); ++i) {
         std::size_t diagonal = std::exchange(row[0], i);
         for (std::size_t j = 1; j <= b.size(); ++j) {
@@ -106,7 +99,7 @@ std::wstring suggestion(std::wstring_view typed, std::vector<std::wstring> const
     for (std::wstring const & candidate : candidates) {
         if (candidate.size() > c_longestName) continue;
         std::size_t const d = distance(typed, candidate);
-        // A name that shares nothing with what was typed is no correction of it.
+        // A name that shares nothing with what was typed isn't a correction of it.
         if (d < least && d < candidate.size()) {
             least = d;
             nearest = &candidate;
@@ -126,8 +119,7 @@ std::wstring listing(std::wstring_view introduction, std::vector<std::wstring> c
     if (names.empty()) return {};
     std::wstring text = L" ";
     text += introduction;
-    for (std::size_t i = 0; i < names.size(); ++i)
-        text += (i ? L", " : L" ") + names[i];
+    for (std::size_t i = 0; i < names.size(); ++i) text += (i ? L", " : L" ") + names[i];
     return text + L".";
 }
 
@@ -144,12 +136,8 @@ std::vector<Item *> select(std::vector<Item *> const & items, std::wstring_view 
     return found;
 }
 
-std::wstring const & subjectOf(TextCommand const & command) {
-    return command.subjectArea();
-}
-std::wstring const & nameOf(TextCommand const & command) {
-    return command.name();
-}
+std::wstring const & subjectOf(TextCommand const & command) { return command.subjectArea(); }
+std::wstring const & nameOf(TextCommand const & command) { return command.name(); }
 
 } // namespace
 

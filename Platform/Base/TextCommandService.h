@@ -25,7 +25,7 @@ namespace Vn {
 //   quote that would close but shouldn't is written \" ; a backslash stands for itself otherwise.
 // - A double quote elsewhere in a parameter stands for itself, so that 6" needs no quotes.
 // - A parameter that consists of a slash, an ASCII letter and further ASCII letters or digits is a
-//   flag, unless it is quoted.  Flags may stand anywhere behind the name.
+//   flag, unless it is quoted.  Flags may stand anywhere after the name.
 //
 // Any thread may call these operations.
 class VN_BASE_API TextCommandService {

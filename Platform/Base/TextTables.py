@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes TextTables.inc, the ranges behind Text.cpp:
+"""Writes TextTables.inc, the ranges that Text.cpp looks characters up in:
 
     python3 TextTables.py > TextTables.inc
 

@@ -42,9 +42,7 @@ bool UnitTest::Assert(bool condition, std::wstring_view text) {
     return condition;
 }
 
-void UnitTest::note(std::wstring_view text) {
-    m_report.notes.emplace_back(text);
-}
+void UnitTest::note(std::wstring_view text) { m_report.notes.emplace_back(text); }
 
 std::vector<UnitTest *> UnitTest::all() {
     Registry & known = registry();

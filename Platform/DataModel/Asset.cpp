@@ -6,7 +6,7 @@
 
 #include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/EntityTableInternal.h"
-#include "Platform/DataModel/Log/LifetimesInternal.h"
+#include "Platform/DataModel/Log/Lifetimes.h"
 #include "Platform/DataModel/MemberLayoutInternal.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/MigrationHelper.h"
@@ -38,8 +38,8 @@ Asset::~Asset() {
         segment->m_unowned.clear();
     }
 
-    // The entities let go of each other first, so that none ends another within its own end, and cycles
-    // are no matter.  Those that somebody else still holds live on without a document.
+    // The entities let go of each other first, so that none ends another within its own end, and
+    // cycles are no matter.  Those that are held elsewhere live on without a document.
     for (Entity * const entity : std::exchange(m_held, {})) entity->m_pSegment = nullptr;
     m_pTable->forEach([](Entity & entity) {
         entity.addRef();
@@ -56,7 +56,7 @@ Asset::~Asset() {
             entity.suspendPassive();
             delete &entity;
         } else {
-            entity.m_pSegment = nullptr; // somebody took hold of it during the end of another
+            entity.m_pSegment = nullptr; // a reference was taken during the end of another
             entity.release();
         }
     });

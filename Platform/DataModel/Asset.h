@@ -28,7 +28,7 @@ class Request;
 namespace DataModel {
 class EntityAccess;
 class EntityTable;
-}
+} // namespace DataModel
 
 // A kind of document.
 class VN_DATAMODEL_API AssetType {
@@ -45,7 +45,8 @@ private:
 // A document: its segments, its history, and the file it was saved to.
 class VN_DATAMODEL_API Asset : public RefCounted {
 public:
-    // An empty document with a design segment, never saved.  `type` may be null and must outlive it.
+    // An empty document with a design segment, never saved.  `type` may be null and must outlive
+    // it.
     static StrongRefCreator<Asset> make(AssetType const * type);
     ~Asset() override;
 
@@ -73,8 +74,8 @@ public:
     std::size_t entities() const noexcept;
     std::vector<Entity *> allEntities() const;
 
-    // Whether a document of an older version is being loaded, and whether the document as a whole is
-    // in a migration of its own, in which the entities do nothing.
+    // Whether a document of an older version is being loaded, and whether the document as a whole
+    // is in a migration of its own, in which the entities do nothing.
     bool isMigrating() const noexcept { return m_bMigrating; }
     bool isAssetMigrating() const noexcept { return m_bAssetMigrating; }
     void assetMigrating(bool migrating) noexcept { m_bAssetMigrating = migrating; }
@@ -107,7 +108,7 @@ private:
     // Notes that an entity differs from what was saved.
     void markDirty(Entity & entity) noexcept;
     void note(std::vector<unsigned long long> & ids, unsigned long long id) noexcept;
-    // Leaves an entity that is dead for good to whoever holds it.
+    // Leaves an entity that is dead for good to those that hold it.
     void abandon(Entity & entity) noexcept;
 
     AssetType const * const m_pType;
@@ -121,24 +122,26 @@ private:
     bool m_bLoading = false;
     bool m_bClosing = false;
 
-    // Entities that are dead for good and still held by somebody.
+    // Entities that are dead for good and still held.
     std::unordered_set<Entity *> m_held;
 
     // Side tables of what few entities have.
     std::unordered_map<Entity const *, std::vector<IEntityObserver *>> m_observers;
-    std::unordered_map<Entity const *, std::vector<std::pair<EntityMetaType const *, unsigned>>> m_versions;
+    std::unordered_map<Entity const *, std::vector<std::pair<EntityMetaType const *, unsigned>>>
+        m_versions;
     std::unordered_map<MetaType const *, unsigned> m_persistedVersions;
 
-    // What the next save has to write: the entities that changed, those that left and stand in the file,
-    // and whether the roots changed.  Entities are found by id, since they may be gone meanwhile.
+    // What the next save has to write: the entities that changed, those that left and stand in the
+    // file, and whether the roots changed.  Entities are found by id, since they may be gone
+    // meanwhile.
     std::vector<unsigned long long> m_dirty;
     std::vector<unsigned long long> m_deleted;
     bool m_bRootsDirty = false;
     bool m_bUnnoted = false; // memory ran out while that was noted: the next save writes all
-    // By the ids of entities in the file, 0 for the roots: the ids of the targets that weren't alive when
-    // they were written, and in whose place null stands.
+    // By the ids of entities in the file, 0 for the roots: the ids of the targets that weren't
+    // alive when they were written, and in whose place null stands.
     std::unordered_map<unsigned long long, std::vector<unsigned long long>> m_gaps;
-    bool m_bLeftHeld = false; // an entity of the file left while somebody still held it
+    bool m_bLeftHeld = false; // an entity of the file left while it was still held
     std::filesystem::path m_file;
     std::string m_fileStamp; // the state of the file as this document left or found it
 };

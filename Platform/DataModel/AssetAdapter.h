@@ -15,7 +15,8 @@ class Asset;
 class MetaType;
 class Segment;
 
-// The settings of a document, an entity that stands as the root "AssetSettings" of the design segment.
+// The settings of a document, an entity that stands as the root "AssetSettings" of the design
+// segment.
 class VN_DATAMODEL_API AssetSettings : public Entity {
 public:
     // The key of the root.
@@ -70,8 +71,8 @@ public:
     void * queryInterface(UniqueString const * id) const override;
 
 private:
-    // A document was made, was loaded, is complete with everything that belongs to it, was saved, is
-    // about to be closed.  Nothing by default.
+    // A document was made, was loaded, is complete with everything that belongs to it, was saved,
+    // is about to be closed.  Nothing by default.
     virtual void onInitializeNewAsset();
     virtual void onInitializeLoadedAsset();
     virtual void onFullyInitializeLoadedAsset();

@@ -2,52 +2,54 @@
 //
 // Definitions.
 //
-//   "Bracket"      an EntityChange.  The outermost bracket of an entity is the one that was open on it
-//                  first; brackets on other entities may stand between.
-//   "Log"          the record of changes from which the state before them can be restored: what members
-//                  were, which entities came, which were roots.
-//   "Recording"    a log is open, and what changes goes into it.  That is so within a transaction and
-//                  within a replay.
-//   "Replay"       restoring the state before a log, for undo, redo or abort.  While a log is replayed
-//                  another is recorded, the inverse, which restores the state after it.  A log of
-//                  nothing but numbers exchanges them with the fields, and so becomes the inverse.
-//   "Alive"        an entity that belongs to the document at present.  EntityState tells the phases of
-//                  a life and what leads from one to the next.
+//   "Bracket"      an EntityChange.  The outermost bracket of an entity is the one that was open on
+//                  it first; brackets on other entities may stand between.
+//   "Log"          the record of changes from which the state before them can be restored: what
+//                  members were, which entities came, which were roots.
+//   "Recording"    a log is open, and what changes goes into it.  That is so within a transaction
+//                  and within a replay.
+//   "Replay"       restoring the state before a log, for undo, redo or abort.  While a log is
+//                  replayed another is recorded, the inverse, which restores the state after it.  A
+//                  log of nothing but numbers exchanges them with the fields, and so becomes the
+//                  inverse.
+//   "Alive"        an entity that belongs to the document at present.  EntityState tells the phases
+//                  of a life and what leads from one to the next.
 //   "Names"        the places in logs that lead to an entity: the records about it, and the strong
 //                  references in what the logs keep.
 //   "Unmade"       an entity whose making is undone.
-//   "Orphan"       an entity whose last strong reference has gone and whose deletion is still to come.
+//   "Orphan"       an entity whose last strong reference has gone and whose deletion is still to
+//                  come.
 //   "Quiet"        neither a transaction nor a replay is open.
 //
 // Invariants.  The test that guards each stands in brackets.
 //
-//   (H1) Replaying a log and then its inverse leaves every member of every living entity as it was, and
-//        the same entities owned under the same ids, whichever references callers hold meanwhile.
-//        [HistoryTests, undoAndRedoRestoreEveryKindOfMember; RandomOperationsTests,
-//        agreesWithTheModelAfterEveryStep; HeldReferencesTests]
-//   (H2) The object of an entity that a log names is valid until the log is dropped, whoever takes and
-//        lets go references to it, and when.  [HeldReferencesTests; all tests under the address
-//        sanitizer]
+//   (H1) Replaying a log and then its inverse leaves every member of every living entity as it was,
+//        and the same entities owned under the same ids, whichever references callers hold
+//        meanwhile.  [HistoryTests, UndoAndRedoRestoreEveryKindOfMember; RandomOperationsTests,
+//        AgreesWithTheModelAfterEveryStep; HeldReferencesTests]
+//   (H2) The object of an entity that a log names is valid until the log is dropped, whichever
+//        references callers take and let go, and when.  [HeldReferencesTests; all tests under the
+//        address sanitizer]
 //   (H3) Within one log a member of an entity is recorded once, as it was when it first changed;
 //        members of entities that came within that log aren't recorded at all.
-//        [HistoryTests, aMemberIsRecordedOnceWithinATransaction]
+//        [HistoryTests, AMemberIsRecordedOnceWithinATransaction]
 //   (H4) The size of a log and the time of a replay follow the changes that it records, not the
-//        document.  [HistoryTests, aLogFollowsTheSizeOfTheChange]
-//   (H5) No replay begins while a transaction or a replay is open, and no transaction while a replay
-//        is.  [HistoryTests, nothingBeginsWithinAReplay]
-//   (H6) Within a replay each entity is told once before and once after all of its changes, whatever
-//        brackets made them.  [HistoryTests, aReplayTellsEachEntityOnce]
+//        document.  [HistoryTests, ALogFollowsTheSizeOfTheChange]
+//   (H5) No replay begins while a transaction or a replay is open, and no transaction while a
+//        replay is.  [HistoryTests, NothingBeginsWithinAReplay]
+//   (H6) Within a replay each entity is told once before and once after all of its changes,
+//        whatever brackets made them.  [HistoryTests, AReplayTellsEachEntityOnce]
 //   (H7) An orphan is deleted before the operation returns that made it one, or at the end of the
 //        replay if nothing refers to it by then; never from within another deletion.
-//        [HistoryTests, aLongChainIsDeletedOnASmallStack]
+//        [HistoryTests, ALongChainIsDeletedOnASmallStack]
 //   (H8) The document is clean exactly if its state is the one that was marked last and nothing has
-//        changed since that is no step.  [HistoryTests, theCleanMarkIsFoundAgain]
-//   (H9) Whichever allocation fails, the document is afterwards what it was or what it was to become,
-//        and the history fits or is given up; or isUsable is false.  [OutOfMemoryTests]
-//   (H10) Whatever a replay gives a strong reference to is alive after it, unless it is unmade; what is
-//        unmade is refused by whatever lists or owns entities.  [HeldReferencesTests]
+//        changed since that isn't a step.  [HistoryTests, TheCleanMarkIsFoundAgain]
+//   (H9) Whichever allocation fails, the document is afterwards what it was or what it was to
+//        become, and the history fits or is given up; or isUsable is false.  [OutOfMemoryTests]
+//   (H10) Whatever a replay gives a strong reference to is alive after it, unless it is unmade;
+//        what is unmade is refused by whatever lists or owns entities.  [HeldReferencesTests]
 //   (H11) Letting go of a reference takes no step away.  [HeldReferencesTests,
-//        lettingGoOutsideATransactionTakesNoRedoStepAway]
+//        LettingGoOutsideATransactionTakesNoRedoStepAway]
 //
 // States.
 //
@@ -61,16 +63,17 @@
 //       |  +-------------|   replay    |
 //       +--------------->+-------------+
 //
-// In "quiet" nothing is recorded: a change made there can't be undone, and ends the history, since its
-// logs would no longer fit.  The one exception is the death of an entity whose last reference a caller
-// held beyond its transaction: the steps stay, and what its deletion hooks change is taken back before
-// a step is undone or redone.  In "transaction" logs stand one in another; a nested one that commits is added to the one
-// around it.  In "replay" hooks run with TransactReplay; what they change directly isn't recorded, since
-// the replay restores it anyway.  What it restores by places of a list keeps within the list, whatever a
-// hook made of that.
+// In "quiet" nothing is recorded: a change made there can't be undone, and ends the history, since
+// its logs would no longer fit.  The one exception is the death of an entity whose last reference a
+// caller held beyond its transaction: the steps stay, and what its deletion hooks change is taken
+// back before a step is undone or redone.  In "transaction" logs stand one in another; a nested one
+// that commits is added to the one around it.  In "replay" hooks run with TransactReplay; what they
+// change directly isn't recorded, since the replay restores it anyway.  What it restores by places
+// of a list keeps within the list, whatever a hook made of that.
 //
-// Where it is: the steps and the states are ChangeHistory's; Platform/DataModel/Log has the Recorder, which
-// writes logs, the Replay, which reads them, and Lifetimes, which has births, deaths and returns.
+// Where it is: the steps and the states are ChangeHistory's; Platform/DataModel/Log has the
+// Recorder, which writes logs, the Replay, which reads them, and Lifetimes, which has births,
+// deaths and returns.
 
 #ifndef VN_PLATFORM_DATAMODEL_CHANGEHISTORY_H
 #define VN_PLATFORM_DATAMODEL_CHANGEHISTORY_H
@@ -96,7 +99,7 @@ class ChangeLog;
 class Lifetimes;
 class Recorder;
 class Replay;
-}
+} // namespace DataModel
 
 // The changes of one document.  Invariants and states stand at the top of this file.
 class VN_DATAMODEL_API ChangeHistory {
@@ -107,9 +110,9 @@ public:
     ChangeHistory(ChangeHistory const &) = delete;
     ChangeHistory & operator=(ChangeHistory const &) = delete;
 
-    // Takes back the last step, or does again the one taken back last.  A failure says why nothing was
-    // done: there is no such step, or a transaction or a replay is open.  What a hook throws goes on
-    // to the caller once the replay is complete.
+    // Takes back the last step, or does again the one taken back last.  A failure says why nothing
+    // was done: there is no such step, or a transaction or a replay is open.  What a hook throws
+    // goes on to the caller once the replay is complete.
     Status undo();
     Status redo();
     bool canUndo() const noexcept;
@@ -124,9 +127,9 @@ public:
     // Forgets all steps.  Within a transaction or a replay nothing happens.
     void clear();
 
-    // How many steps, and how many bytes with the entities that are kept, the history may have; 0 is
-    // without limit.  The oldest steps go first, and the last is never given up.  Without being set
-    // it is 0 and 1 GiB.
+    // How many steps, and how many bytes with the entities that are kept, the history may have; 0
+    // is without limit.  The oldest steps go first, and the last is never given up.  Without being
+    // set it is 0 and 1 GiB.
     void stepLimit(std::size_t steps);
     std::size_t stepLimit() const noexcept { return m_stepLimit; }
     void byteLimit(std::size_t bytes);
@@ -137,15 +140,16 @@ public:
     // Whether the state of the document is the one that was marked last; a new document is clean.
     void markClean() noexcept;
     bool isClean() const noexcept;
-    // Which state was marked last: that with so many undoSteps().  Empty if no undo or redo leads to it.
+    // Which state was marked last: that with so many undoSteps().  Empty if no undo or redo leads
+    // to it.
     std::optional<std::size_t> cleanSteps() const noexcept;
-    // Something changed that is no step and can't be undone, and leaves the history as it is: the
+    // Something changed that isn't a step and can't be undone, and leaves the history as it is: the
     // document isn't clean until it is marked.
     void markModified() noexcept { m_bModified = true; }
 
-    // False once memory ran out in the middle of a replay, or before a transaction that had to be taken
-    // back: the document is then neither the one before nor the one after, the history is given up,
-    // and undo, redo and saving are refused.
+    // False once memory ran out in the middle of a replay, or before a transaction that had to be
+    // taken back: the document is then neither the one before nor the one after, the history is
+    // given up, and undo, redo and saving are refused.
     bool isUsable() const noexcept { return m_bUsable; }
 
     // The states, as at the top of this file.
@@ -179,9 +183,9 @@ private:
 
     // Something changed that no log records: the steps no longer fit.
     void changedUnrecorded() noexcept;
-    // The log of what deaths outside of transactions bring with them: null if there is no step that it
-    // could disturb, or no memory.  Before a step is undone or redone it is taken back, so that the step
-    // fits; a step that is made meanwhile leaves it to the step before.
+    // The log of what deaths outside of transactions bring with them: null if there is no step that
+    // it could disturb, or no memory.  Before a step is undone or redone it is taken back, so that
+    // the step fits; a step that is made meanwhile leaves it to the step before.
     DataModel::ChangeLog * lateLog() noexcept;
     void lateLogEnds() noexcept;
     void takeBackLate();
@@ -204,15 +208,15 @@ private:
     std::unique_ptr<DataModel::Recorder> const m_pRecorder;
     std::unique_ptr<DataModel::Lifetimes> const m_pLifetimes;
     std::unique_ptr<DataModel::ChangeLog> m_pSpare; // for the next inverse
-    std::unique_ptr<DataModel::ChangeLog> m_pLate; // since the present state was reached
-    std::unique_ptr<char[]> m_pReserve;            // memory for an abort
-    std::shared_ptr<std::wstring const> m_pName; // of the step begun last
+    std::unique_ptr<DataModel::ChangeLog> m_pLate;  // since the present state was reached
+    std::unique_ptr<char[]> m_pReserve;             // memory for an abort
+    std::shared_ptr<std::wstring const> m_pName;    // of the step begun last
     std::vector<std::unique_ptr<Step>> m_open;
     Steps m_undo;
     Steps m_redo;
     bool m_bReplaying = false;
     bool m_bUsable = true;
-    bool m_bModified = false; // beside the steps
+    bool m_bModified = false;   // beside the steps
     bool m_bClearLater = false; // once the hooks of a commit have been told
     unsigned m_telling = 0;     // commits whose hooks are being told
     std::size_t m_stepLimit = 0;
@@ -240,11 +244,12 @@ public:
     Transaction(Transaction const &) = delete;
     Transaction & operator=(Transaction const &) = delete;
 
-    // Ends it and keeps what was done, or takes it back.  Once ended, both do nothing.  `commit` answers
-    // whether a step came of it, which is so if something changed and no transaction is open around this
-    // one.  A commit that has no memory throws std::bad_alloc and leaves the transaction open; an abort
-    // that has none throws it too, and the history isn't usable any more.  If memory ran out for the
-    // record of what couldn't be refused, a commit keeps what was done, and the history ends.
+    // Ends it and keeps what was done, or takes it back.  Once ended, both do nothing.  `commit`
+    // answers whether a step came of it, which is so if something changed and no transaction is
+    // open around this one.  A commit that has no memory throws std::bad_alloc and leaves the
+    // transaction open; an abort that has none throws it too, and the history isn't usable any
+    // more.  If memory ran out for the record of what couldn't be refused, a commit keeps what was
+    // done, and the history ends.
     bool commit();
     void abort();
     // Whether it has not been ended.

@@ -18,12 +18,11 @@ DataChange & DataChange::operator=(DataChange const & other) {
     if (this == &other) return *this;
     std::vector<Attached> const attached = other.m_attached;
     dropAttached();
-    for (Attached const & i : attached) {
-        if (i.m_bOwned)
-            addDataChange(i.m_pDetails->clone().release(), true);
+    for (Attached const & i : attached)
+        if (i.isOwned)
+            addDataChange(i.details->clone().release(), true);
         else
-            addDataChange(i.m_pDetails, false);
-    }
+            addDataChange(i.details, false);
     return *this;
 }
 
@@ -31,7 +30,7 @@ DataChange::~DataChange() { dropAttached(); }
 
 void DataChange::dropAttached() noexcept {
     for (Attached const & i : m_attached)
-        if (i.m_bOwned) delete i.m_pDetails;
+        if (i.isOwned) delete i.details;
     m_attached.clear();
 }
 
@@ -47,13 +46,13 @@ unsigned DataChange::dataChanges() const noexcept {
 }
 
 DataChange * DataChange::dataChange(unsigned index) const noexcept {
-    return index < m_attached.size() ? m_attached[index].m_pDetails : nullptr;
+    return index < m_attached.size() ? m_attached[index].details : nullptr;
 }
 
 DataChange * DataChange::find(UniqueString const * interfaceId) {
     if (queryInterface(interfaceId)) return this;
     for (Attached const & i : m_attached)
-        if (DataChange * const found = i.m_pDetails->find(interfaceId)) return found;
+        if (DataChange * const found = i.details->find(interfaceId)) return found;
     return nullptr;
 }
 

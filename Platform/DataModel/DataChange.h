@@ -12,8 +12,8 @@
 
 namespace Vn {
 
-// The details of a change, handed to the hooks of the entity and to its observers.  Details may carry
-// further details.
+// The details of a change, handed to the hooks of the entity and to its observers.  Details may
+// carry further details.
 class VN_DATAMODEL_API DataChange {
 public:
     // Who changes.  The values are bits, and are read by `test` only.
@@ -71,8 +71,8 @@ private:
     virtual std::string onToString() const;
 
     struct Attached {
-        DataChange * m_pDetails;
-        bool m_bOwned;
+        DataChange * details;
+        bool isOwned;
     };
     void dropAttached() noexcept;
 

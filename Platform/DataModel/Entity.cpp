@@ -7,8 +7,8 @@
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/IEntityObserver.h"
 #include "Platform/DataModel/InterfaceId.h"
-#include "Platform/DataModel/Log/LifetimesInternal.h"
-#include "Platform/DataModel/Log/RecorderInternal.h"
+#include "Platform/DataModel/Log/Lifetimes.h"
+#include "Platform/DataModel/Log/Recorder.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/Segment.h"
 
@@ -45,8 +45,7 @@ Entity::Entity(Segment * segment) : m_id(segment->asset()->takeId()), m_pSegment
     }
 }
 
-Entity::Entity(Segment * segment, unsigned long long id)
-    : m_id(id), m_pSegment(segment) {
+Entity::Entity(Segment * segment, unsigned long long id) : m_id(id), m_pSegment(segment) {
     m_state.set(EntityState::Loaded);
     segment->asset()->enter(*this);
 }
@@ -105,7 +104,8 @@ void Entity::markModified() noexcept {
 }
 
 EntityChange * Entity::outerChange() const noexcept {
-    return m_state.test(EntityState::Changing) ? asset()->history().recorder().outermost(*this) : nullptr;
+    return m_state.test(EntityState::Changing) ? asset()->history().recorder().outermost(*this)
+                                               : nullptr;
 }
 
 void Entity::subscribe(IEntityObserver * observer) {

@@ -31,10 +31,11 @@ enum EMigrationStatus : unsigned { MigrationFailed = 0, MigrationDone = 1 };
 
 // An object that lives in a document: created, changed, undone, saved and loaded by it.
 //
-// An entity is alive from its constructor until its last StrongRef goes, or until a replay takes its
-// creation back.  It is then told so by onPreDeletion, leaves its segment, and every PassiveRef to it
-// tests null.  As long as an undo or a redo may bring it back, the object itself is kept; if that
-// happens, it is alive again with the same address, id and fields, and the PassiveRefs lead to it.
+// An entity is alive from its constructor until its last StrongRef goes, or until a replay takes
+// its creation back.  It is then told so by onPreDeletion, leaves its segment, and every PassiveRef
+// to it tests null.  As long as an undo or a redo may bring it back, the object itself is kept; if
+// that happens, it is alive again with the same address, id and fields, and the PassiveRefs lead to
+// it.
 //
 // Every class of entities derives from Entity first, so that the address of the object is that of
 // its Entity.  All of it runs on the thread of the document.
@@ -74,7 +75,8 @@ public:
         return m_state.test(DataModel::EntityState::Migrating);
     }
 
-    // Runs onPostCreation and tells the segment's event source.  Called by `make` of each class, once.
+    // Runs onPostCreation and tells the segment's event source.  Called by `make` of each class,
+    // once.
     void postCreation(DataChange::ETransact transact);
 
     // The steps of a migration, called by the document while it loads.
@@ -100,10 +102,10 @@ protected:
     // The same for one that is being loaded, with its id.
     Entity(Segment * segment, unsigned long long id);
 
-    // For setters that store a persisted member without a bracket: the document differs from its file
-    // until the next save, which writes this entity.  No observer is told, there is no step for it, and
-    // undo and redo stay as they are; what was stored isn't undone.  Without effect in a segment that isn't
-    // saved, on an entity that isn't alive, and once the document is closed.
+    // For setters that store a persisted member without a bracket: the document differs from its
+    // file until the next save, which writes this entity.  No observer is told, there is no step
+    // for it, and undo and redo stay as they are; what was stored isn't undone.  Without effect in
+    // a segment that isn't saved, on an entity that isn't alive, and once the document is closed.
     void markModified() noexcept;
 
     // The virtual operations.  Their order is binding, since modules built at other times call them
@@ -132,17 +134,17 @@ protected:
     virtual void onPostCreation(DataChange::ETransact transact);
     // After the outermost transaction in which the entity changed was committed, and after the undo
     // or redo that changed it, whose replay bit is then set: once, whatever the number of changes,
-    // with the whole document as it is to stay; after a replay that changes nothing but numbers, other
-    // entities may still be to get theirs.  An entity that isn't in the document by then isn't
-    // told, nor is one whose transaction was aborted.  Nothing by default.
+    // with the whole document as it is to stay; after a replay that changes nothing but numbers,
+    // other entities may still be to get theirs.  An entity that isn't in the document by then
+    // isn't told, nor is one whose transaction was aborted.  Nothing by default.
     virtual void onPostTransactChange(DataChange::ETransact transact);
     // The same for an entity that came, which isn't told of changes too.
     virtual void onPostTransactCreation(DataChange::ETransact transact);
     // As of toString.
     virtual std::wstring onToString() const;
     virtual EntityMetaType * onMetaType() const = 0;
-    // The bytes of the object beyond its instance size, for the ceiling of the undo history.  The meta
-    // type asks for them unless it knows better.
+    // The bytes of the object beyond its instance size, for the ceiling of the undo history.  The
+    // meta type asks for them unless it knows better.
     virtual std::size_t onSizeInBytes() const;
     // Lifts the entity to the latest version, once everything is loaded.
     virtual void onPostMigrate();

@@ -3,8 +3,8 @@
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/ChangeHistory.h"
 #include "Platform/DataModel/InterfaceId.h"
-#include "Platform/DataModel/Log/LifetimesInternal.h"
-#include "Platform/DataModel/Log/RecorderInternal.h"
+#include "Platform/DataModel/Log/Lifetimes.h"
+#include "Platform/DataModel/Log/Recorder.h"
 #include "Platform/DataModel/MetaType.h"
 
 namespace Vn {
@@ -68,12 +68,12 @@ void EntityChange::tellPost() {
     if (m_timing & DataChange::TimingPost) m_pEntity->onPostChange(m_transact, m_type, m_pDetails);
     // By index: one that is told may add another.
     for (std::size_t i = 0; i < m_summaries.size(); ++i)
-        m_summaries[i].m_pSummarizer->postChange(m_summaries[i].m_type, m_timing);
+        m_summaries[i].summarizer->postChange(m_summaries[i].type, m_timing);
 }
 
 EntityChangeSummarizer * EntityChange::findSummarizer(UniqueString const * interfaceId) const {
     for (Summary const & summary : m_summaries)
-        if (summary.m_pSummarizer->queryInterface(interfaceId)) return summary.m_pSummarizer.get();
+        if (summary.summarizer->queryInterface(interfaceId)) return summary.summarizer.get();
     return nullptr;
 }
 

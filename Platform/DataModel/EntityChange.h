@@ -30,7 +30,8 @@ public:
     EntityChangeSummarizer & operator=(EntityChangeSummarizer const &) = delete;
     virtual ~EntityChangeSummarizer();
 
-    // Forwards if the bracket's timing has that stage.  The bracket calls postChange when it closes.
+    // Forwards if the bracket's timing has that stage.  The bracket calls postChange when it
+    // closes.
     void preChange(DataChange::EChangeType type, DataChange::ETiming timing) {
         if (timing & DataChange::TimingPre) onPreChange(type);
     }
@@ -90,8 +91,8 @@ private:
     friend class DataModel::Recorder;
 
     struct Summary {
-        std::unique_ptr<EntityChangeSummarizer> m_pSummarizer;
-        DataChange::EChangeType m_type;
+        std::unique_ptr<EntityChangeSummarizer> summarizer;
+        DataChange::EChangeType type;
     };
 
     void tellPost();
@@ -114,9 +115,9 @@ private:
     std::vector<Summary> m_summaries;
 };
 
-// Says that the brackets that open on an entity within this scope change a vector member only at the
-// places that are told here.  Without it a bracket keeps a copy of the vector, whose cost follows
-// its length; with it the cost follows the change.  ListChange puts the two together.
+// Says that the brackets that open on an entity within this scope change a vector member only at
+// the places that are told here.  Without it a bracket keeps a copy of the vector, whose cost
+// follows its length; with it the cost follows the change.  ListChange puts the two together.
 class VN_DATAMODEL_API MemberSplices {
 public:
     // `member` is the address of the member in the entity.
@@ -125,7 +126,7 @@ public:
     MemberSplices(MemberSplices const &) = delete;
     MemberSplices & operator=(MemberSplices const &) = delete;
 
-    // Elements stand now at `index` that weren't there; said right behind the change.
+    // Elements stand now at `index` that weren't there; said right after the change.
     void inserted(std::size_t index, std::size_t count = 1);
     // Elements are about to go; said right before.  Throws std::bad_alloc if there is no memory for
     // the record.
@@ -150,14 +151,14 @@ private:
 // declaration of its own, is recorded in its turn.
 class VN_DATAMODEL_API ListChange {
 public:
-    // `member` is the address of the vector in the entity, which changes only where it is told below.  The
-    // change is direct, told before and after, and can be undone; `details` as for EntityChange.  Throws
-    // std::bad_alloc if there is no memory for the record, and nothing has changed then.
+    // `member` is the address of the vector in the entity, which changes only where it is told
+    // below.  The change is direct, told before and after, and can be undone; `details` as for
+    // EntityChange.  Throws std::bad_alloc if there is no memory for the record, and nothing has
+    // changed then.
     ListChange(Entity * entity, void const * member, DataChange::EChangeType type,
                DataChange * details)
-        : m_splices(*entity, member),
-          m_change(entity, DataChange::TransactDirect, type, DataChange::TimingPreAndPost, details,
-                   true) {}
+        : m_splices(*entity, member), m_change(entity, DataChange::TransactDirect, type,
+                                               DataChange::TimingPreAndPost, details, true) {}
 
     // As those of MemberSplices: said right after elements were inserted, and right before they go.
     void inserted(std::size_t index, std::size_t count = 1) { m_splices.inserted(index, count); }

@@ -18,7 +18,7 @@ void EntityEventSource::subscribe(EntityEventSite * site, MetaTypeFilter * filte
     StrongRef<MetaTypeFilter> const owned(filter);
     if (!site || !filter) return;
     for (Subscription const & i : m_subscriptions)
-        if (i.m_pSite == site && i.m_rFilter->type() == filter->type()) return;
+        if (i.site == site && i.filter->type() == filter->type()) return;
     m_subscriptions.push_back({site, owned});
 }
 
@@ -26,19 +26,19 @@ void EntityEventSource::unsubscribe(EntityEventSite * site, MetaTypeFilter * fil
     StrongRef<MetaTypeFilter> const owned(filter);
     if (!filter) return;
     unsubscribeWhere([&](Subscription const & i) {
-        return i.m_pSite == site && i.m_rFilter->type() == filter->type();
+        return i.site == site && i.filter->type() == filter->type();
     });
 }
 
 void EntityEventSource::unsubscribe(EntityEventSite * site) {
-    unsubscribeWhere([&](Subscription const & i) { return i.m_pSite == site; });
+    unsubscribeWhere([&](Subscription const & i) { return i.site == site; });
 }
 
 template <class Which>
 void EntityEventSource::unsubscribeWhere(Which && which) {
     for (Subscription & i : m_subscriptions)
         if (which(i)) {
-            i.m_pSite = nullptr;
+            i.site = nullptr;
             m_bGaps = true;
         }
     closeGaps();
@@ -47,20 +47,21 @@ void EntityEventSource::unsubscribeWhere(Which && which) {
 // While sites are told, the places of all stay as they are.
 void EntityEventSource::closeGaps() {
     if (!m_bGaps || m_telling) return;
-    std::erase_if(m_subscriptions, [](Subscription const & i) { return !i.m_pSite; });
+    std::erase_if(m_subscriptions, [](Subscription const & i) { return !i.site; });
     m_bGaps = false;
 }
 
 std::size_t EntityEventSource::subscriptions() const noexcept {
     return static_cast<std::size_t>(
         std::count_if(m_subscriptions.begin(), m_subscriptions.end(),
-                      [](Subscription const & i) { return i.m_pSite != nullptr; }));
+                      [](Subscription const & i) { return i.site != nullptr; }));
 }
 
 template <class Tell>
 void EntityEventSource::tell(Entity & entity, Tell && tell) {
     EntityMetaType const * const type = entity.metaType();
-    std::size_t const count = m_subscriptions.size(); // who comes meanwhile hears from the next event on
+    std::size_t const count =
+        m_subscriptions.size(); // who comes meanwhile hears from the next event on
     ++m_telling;
     struct Leave {
         EntityEventSource & m_source;
@@ -71,8 +72,7 @@ void EntityEventSource::tell(Entity & entity, Tell && tell) {
     } const leave{*this};
     for (std::size_t i = 0; i < count; ++i) {
         Subscription const subscription = m_subscriptions[i];
-        if (subscription.m_pSite && subscription.m_rFilter->matches(type))
-            tell(*subscription.m_pSite);
+        if (subscription.site && subscription.filter->matches(type)) tell(*subscription.site);
     }
 }
 

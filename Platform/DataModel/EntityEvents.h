@@ -32,7 +32,7 @@ private:
     DataChange::ETransact const m_transact;
 };
 
-// Whoever is told of events.
+// What is told of events.
 class VN_DATAMODEL_API EntityEventSite {
 public:
     virtual ~EntityEventSite();
@@ -58,8 +58,8 @@ private:
     MetaType * const m_pType;
 };
 
-// Tells sites of the entities of one segment.  Sites may subscribe and unsubscribe while events are told:
-// who comes hears from the next event on, who goes hears no more.
+// Tells sites of the entities of one segment.  Sites may subscribe and unsubscribe while events are
+// told: who comes hears from the next event on, who goes hears no more.
 class VN_DATAMODEL_API EntityEventSource {
 public:
     EntityEventSource() = default;
@@ -81,8 +81,8 @@ public:
 
 private:
     struct Subscription {
-        EntityEventSite * m_pSite; // null once unsubscribed
-        StrongRef<MetaTypeFilter> m_rFilter;
+        EntityEventSite * site; // null once unsubscribed
+        StrongRef<MetaTypeFilter> filter;
     };
     template <class Tell>
     void tell(Entity & entity, Tell && tell);

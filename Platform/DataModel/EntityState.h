@@ -1,7 +1,7 @@
 // What the data model knows of one entity: where it is in its life, and where the logs speak of it.
 //
-// The phases, and what leads from one to the next.  Only DataModel::Lifetimes changes the phase, by the
-// transitions of EntityState, which are named as in this table.
+// The phases, and what leads from one to the next.  Only DataModel::Lifetimes changes the phase, by
+// the transitions of EntityState, which are named as in this table.
 //
 //   phase      meaning                                   transitions
 //   Alive      in its document                           orphan -> Orphaned   die -> Dying
@@ -15,13 +15,14 @@
 //              references that callers keep
 //   Ended      nothing refers to it                      (deleted)
 //
-// An object that never had a strong reference is deleted in any phase.  When the document is closed, all
-// that are left become Dead, and those that callers hold live on without a document.
+// An object that never had a strong reference is deleted in any phase.  When the document is
+// closed, all that are left become Dead, and those that callers hold live on without a document.
 //
 // Beside the phase:
 //
-//   names      how many places in logs and tombs (DataModel::Lifetimes) name the entity.  As long as
-//              there are any, the object isn't deleted, whoever takes and lets go references to it.
+//   names      how many places in logs and tombs (DataModel::Lifetimes) name the entity.  As long
+//              as there are any, the object isn't deleted, whichever references to it callers take
+//              and let go.
 //   unmade     its making is undone at present: nothing but the redo of that brings it back.
 //   log place  the last record about the entity in the log with that number.
 

@@ -16,16 +16,17 @@ namespace Vn::DataModel {
 // Ids of entities lie below.
 inline constexpr unsigned long long c_idLimit = 1ULL << 62;
 
-// The living entities of a document by id.  Ids come one behind the other, so that they are places in
-// chunks of a directory; the few beyond its reach, which only a foreign file can bring, stand in a map.
+// The living entities of a document by id.  Ids come one after the other, so that they are places
+// in chunks of a directory; the few beyond its reach, which only a foreign file can bring, stand in
+// a map.
 class EntityTable {
 public:
     Entity * find(unsigned long long id) const noexcept {
         if (id < c_reach) {
             std::size_t const chunk = static_cast<std::size_t>(id / c_chunk);
             return chunk < m_chunks.size() && m_chunks[chunk]
-                ? (*m_chunks[chunk])[static_cast<std::size_t>(id % c_chunk)]
-                : nullptr;
+                       ? (*m_chunks[chunk])[static_cast<std::size_t>(id % c_chunk)]
+                       : nullptr;
         }
         auto const i = m_far.find(id);
         return i == m_far.end() ? nullptr : i->second;
@@ -39,8 +40,8 @@ public:
 
     void remove(unsigned long long id) noexcept {
         if (id < c_reach)
-            (*m_chunks[static_cast<std::size_t>(id / c_chunk)])[static_cast<std::size_t>(id % c_chunk)] =
-                nullptr;
+            (*m_chunks[static_cast<std::size_t>(id / c_chunk)])[static_cast<std::size_t>(
+                id % c_chunk)] = nullptr;
         else
             m_far.erase(id);
         --m_count;

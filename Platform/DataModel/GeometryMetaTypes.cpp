@@ -54,8 +54,8 @@ void GeometryMetaType<T>::doDestruct(void * value) const {
 template <class T>
 std::wstring GeometryMetaType<T>::doToString(void * value, VisitorContext const &) const {
     auto const & v = *static_cast<T const *>(value);
-    return L"(" + std::to_wstring(v.x) + L", " + std::to_wstring(v.y) + L", " + std::to_wstring(v.z)
-        + L")";
+    return L"(" + std::to_wstring(v.x) + L", " + std::to_wstring(v.y) + L", " +
+           std::to_wstring(v.z) + L")";
 }
 
 template <class T>

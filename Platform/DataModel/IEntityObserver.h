@@ -8,7 +8,7 @@ namespace Vn {
 
 class Entity;
 
-// Whoever wants to be told about one entity.  An observer may subscribe and unsubscribe observers,
+// An observer of one entity.  An observer may subscribe and unsubscribe observers,
 // itself included, while it is told.
 class VN_DATAMODEL_API IEntityObserver {
 public:

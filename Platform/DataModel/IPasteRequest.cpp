@@ -12,10 +12,8 @@ IPasteRequest::~IPasteRequest() = default;
 void IPasteRequest::onExecute(Status & status) {
     Request::onExecute(status);
     m_target.bind();
-    for (ObjectPath & path : m_paths)
-        path.bind();
-    for (ObjectPath const & path : m_paths)
-        onPastePath(path);
+    for (ObjectPath & path : m_paths) path.bind();
+    for (ObjectPath const & path : m_paths) onPastePath(path);
 }
 
 } // namespace Vn

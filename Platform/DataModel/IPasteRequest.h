@@ -14,7 +14,7 @@ namespace Vn {
 class VN_DATAMODEL_API IPasteRequest : public Request {
 public:
     // `paths` lead to what is pasted and `target` to where.  With `insertAfter` it is to stand
-    // behind the target, without it before; with `cut` the objects were cut and not copied.
+    // after the target, without it before; with `cut` the objects were cut and not copied.
     IPasteRequest(Asset * asset, std::vector<ObjectPath> const & paths, ObjectPath const & target,
                   bool insertAfter, bool cut);
     ~IPasteRequest() override;
@@ -27,7 +27,7 @@ public:
 
 protected:
     // Binds the paths to the objects that they lead to, since each paste may change where the
-    // others lead; then pastes one behind the other.
+    // others lead; then pastes one after the other.
     void onExecute(Status & status) override;
 
 private:

@@ -19,30 +19,40 @@ static_assert(sizeof(GlobalizedString) == sizeof(std::uint64_t));
 static_assert(sizeof(PassiveRef<Entity>) == sizeof(std::uint64_t));
 
 bool ownsWords(EMemberKind kind) noexcept {
-    return kind == EMemberKind::GlobalizedString || kind == EMemberKind::PassiveRef
-        || kind == EMemberKind::StrongRef;
+    return kind == EMemberKind::GlobalizedString || kind == EMemberKind::PassiveRef ||
+           kind == EMemberKind::StrongRef;
 }
 
 // The bytes of the kinds that fit a word; 0 for the others.
 std::uint8_t plainBytes(EMemberKind kind) noexcept {
     switch (kind) {
-    case EMemberKind::Bool: return sizeof(bool);
+    case EMemberKind::Bool:
+        return sizeof(bool);
     case EMemberKind::Int:
-    case EMemberKind::UnsignedInt: return sizeof(int);
-    case EMemberKind::Float: return sizeof(float);
+    case EMemberKind::UnsignedInt:
+        return sizeof(int);
+    case EMemberKind::Float:
+        return sizeof(float);
     case EMemberKind::Int64:
     case EMemberKind::UnsignedInt64:
-    case EMemberKind::Double: return 8;
-    default: return 0;
+    case EMemberKind::Double:
+        return 8;
+    default:
+        return 0;
     }
 }
 
 // The way back from wordOf.
 void setNumber(std::uint8_t bytes, void * field, std::uint64_t word) noexcept {
     switch (bytes) {
-    case 1: std::memcpy(field, &word, 1); break;
-    case 4: std::memcpy(field, &word, 4); break;
-    default: std::memcpy(field, &word, 8);
+    case 1:
+        std::memcpy(field, &word, 1);
+        break;
+    case 4:
+        std::memcpy(field, &word, 4);
+        break;
+    default:
+        std::memcpy(field, &word, 8);
     }
 }
 
@@ -71,8 +81,8 @@ std::size_t keptTextWords(Words words) noexcept {
 template <class Text>
 bool isKeptText(void const * field, Words & words) noexcept {
     Text const & text = *static_cast<Text const *>(field);
-    bool const same = text.size() == words[0]
-        && std::memcmp(text.data(), words + 1, text.size() * sizeof(text[0])) == 0;
+    bool const same = text.size() == words[0] &&
+                      std::memcmp(text.data(), words + 1, text.size() * sizeof(text[0])) == 0;
     words += keptTextWords<Text>(words);
     return same;
 }
@@ -85,9 +95,11 @@ void restoreText(void * field, Words & words) {
     words += keptTextWords<Text>(words);
 }
 
-// The entity that a StrongRef<T> or a word of one refers to.  Entities stand at the beginning of their
-// objects, so that the reference of any class is one to an Entity.
-StrongRef<Entity> & strong(void * field) noexcept { return *static_cast<StrongRef<Entity> *>(field); }
+// The entity that a StrongRef<T> or a word of one refers to.  Entities stand at the beginning of
+// their objects, so that the reference of any class is one to an Entity.
+StrongRef<Entity> & strong(void * field) noexcept {
+    return *static_cast<StrongRef<Entity> *>(field);
+}
 Entity * strong(void const * field) noexcept {
     return static_cast<StrongRef<Entity> const *>(field)->get();
 }
@@ -98,11 +110,15 @@ PassiveRef<Entity> & passive(void * field) noexcept {
     return *static_cast<PassiveRef<Entity> *>(field);
 }
 
-// One value that is no vector.
+// One value that isn't a vector.
 void keepOne(EMemberKind kind, void const * field, Asset const * asset, WordBuffer & words) {
     switch (kind) {
-    case EMemberKind::String: keepText<std::string>(field, words); return;
-    case EMemberKind::WideString: keepText<std::wstring>(field, words); return;
+    case EMemberKind::String:
+        keepText<std::string>(field, words);
+        return;
+    case EMemberKind::WideString:
+        keepText<std::wstring>(field, words);
+        return;
     case EMemberKind::GlobalizedString:
         new (words.append(1)) GlobalizedString(*static_cast<GlobalizedString const *>(field));
         return;
@@ -120,45 +136,63 @@ void keepOne(EMemberKind kind, void const * field, Asset const * asset, WordBuff
     case EMemberKind::PassiveRef:
         new (words.append(1)) PassiveRef<Entity>(*static_cast<PassiveRef<Entity> const *>(field));
         return;
-    default: words.push(wordOf(plainBytes(kind), field));
+    default:
+        words.push(wordOf(plainBytes(kind), field));
     }
 }
 
 bool isKeptOne(EMemberKind kind, void const * field, Words & words) noexcept {
     switch (kind) {
-    case EMemberKind::String: return isKeptText<std::string>(field, words);
-    case EMemberKind::WideString: return isKeptText<std::wstring>(field, words);
+    case EMemberKind::String:
+        return isKeptText<std::string>(field, words);
+    case EMemberKind::WideString:
+        return isKeptText<std::wstring>(field, words);
     case EMemberKind::GlobalizedString:
-        return *static_cast<GlobalizedString const *>(field)
-            == *reinterpret_cast<GlobalizedString const *>(words++);
-    case EMemberKind::StrongRef: return strong(field) == strong(*words++);
+        return *static_cast<GlobalizedString const *>(field) ==
+               *reinterpret_cast<GlobalizedString const *>(words++);
+    case EMemberKind::StrongRef:
+        return strong(field) == strong(*words++);
     // The same way to the target, whether that is there at present or not.
-    case EMemberKind::PassiveRef: return std::memcmp(field, words++, 8) == 0;
-    default: return wordOf(plainBytes(kind), field) == *words++;
+    case EMemberKind::PassiveRef:
+        return std::memcmp(field, words++, 8) == 0;
+    default:
+        return wordOf(plainBytes(kind), field) == *words++;
     }
 }
 
 void restoreOne(EMemberKind kind, void * field, Words & words) {
     switch (kind) {
-    case EMemberKind::String: restoreText<std::string>(field, words); return;
-    case EMemberKind::WideString: restoreText<std::wstring>(field, words); return;
+    case EMemberKind::String:
+        restoreText<std::string>(field, words);
+        return;
+    case EMemberKind::WideString:
+        restoreText<std::wstring>(field, words);
+        return;
     case EMemberKind::GlobalizedString:
         *static_cast<GlobalizedString *>(field) =
             *reinterpret_cast<GlobalizedString const *>(words++);
         return;
-    case EMemberKind::StrongRef: strong(field) = StrongRef<Entity>(strong(*words++)); return;
+    case EMemberKind::StrongRef:
+        strong(field) = StrongRef<Entity>(strong(*words++));
+        return;
     case EMemberKind::PassiveRef:
         passive(field) = *reinterpret_cast<PassiveRef<Entity> const *>(words++);
         return;
-    default: setNumber(plainBytes(kind), field, *words++);
+    default:
+        setNumber(plainBytes(kind), field, *words++);
     }
 }
 
 void skipOne(EMemberKind kind, Words & words) noexcept {
     switch (kind) {
-    case EMemberKind::String: words += keptTextWords<std::string>(words); return;
-    case EMemberKind::WideString: words += keptTextWords<std::wstring>(words); return;
-    default: ++words;
+    case EMemberKind::String:
+        words += keptTextWords<std::string>(words);
+        return;
+    case EMemberKind::WideString:
+        words += keptTextWords<std::wstring>(words);
+        return;
+    default:
+        ++words;
     }
 }
 
@@ -182,12 +216,15 @@ void releaseOne(EMemberKind kind, std::uint64_t *& words) noexcept {
     }
 }
 
-// The words of one value that is no vector.
+// The words of one value that isn't a vector.
 std::size_t wordsOfOne(EMemberKind kind, void const * field) noexcept {
     switch (kind) {
-    case EMemberKind::String: return 1 + textWords(*static_cast<std::string const *>(field));
-    case EMemberKind::WideString: return 1 + textWords(*static_cast<std::wstring const *>(field));
-    default: return 1;
+    case EMemberKind::String:
+        return 1 + textWords(*static_cast<std::string const *>(field));
+    case EMemberKind::WideString:
+        return 1 + textWords(*static_cast<std::wstring const *>(field));
+    default:
+        return 1;
     }
 }
 
@@ -198,41 +235,41 @@ bool isText(EMemberKind kind) noexcept {
 // Calls `visit` with the kind and the field of each piece of an element.
 template <class Visit>
 void visitElement(Leaf const & leaf, char * element, Visit && visit) {
-    if (leaf.m_elementKind != EMemberKind::Value) {
-        visit(leaf.m_elementKind, element);
+    if (leaf.elementKind != EMemberKind::Value) {
+        visit(leaf.elementKind, element);
         return;
     }
-    for (Leaf const & part : *leaf.m_pElementLeaves) visit(part.m_kind, element + part.m_offset);
+    for (Leaf const & part : *leaf.elementLeaves) visit(part.kind, element + part.offset);
 }
 
 template <class Visit>
 void visitElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
                    Visit && visit) {
     if (!count) return;
-    std::size_t const stride = leaf.m_pFunctions->memberBytes(1);
-    auto * element = static_cast<char *>(leaf.m_pFunctions->firstElement(const_cast<void *>(field)))
-        + index * stride;
+    std::size_t const stride = leaf.functions->memberBytes(1);
+    auto * element = static_cast<char *>(leaf.functions->firstElement(const_cast<void *>(field))) +
+                     index * stride;
     for (std::size_t i = 0; i < count; ++i, element += stride) visitElement(leaf, element, visit);
 }
 
 template <class Visit>
 void visitKinds(Leaf const & leaf, std::size_t count, Visit && visit) {
     for (std::size_t i = 0; i < count; ++i) {
-        if (leaf.m_elementKind != EMemberKind::Value)
-            visit(leaf.m_elementKind);
+        if (leaf.elementKind != EMemberKind::Value)
+            visit(leaf.elementKind);
         else
-            for (Leaf const & part : *leaf.m_pElementLeaves) visit(part.m_kind);
+            for (Leaf const & part : *leaf.elementLeaves) visit(part.kind);
     }
 }
 
 bool ownsWords(std::vector<Leaf> const & leaves) noexcept {
     for (Leaf const & leaf : leaves)
-        if (leaf.m_bOwning) return true;
+        if (leaf.isOwning) return true;
     return false;
 }
 
-// The leaves of a kind of values, as parts that begin at the value.  They are worked out once a kind and
-// live to the end of the process.
+// The leaves of a kind of values, as parts that begin at the value.  They are worked out once a
+// kind and live to the end of the process.
 std::vector<Leaf> const & leavesOf(ValueMetaType & type) {
     static std::mutex s_mutex;
     static auto * const s_leaves =
@@ -254,17 +291,17 @@ std::vector<Leaf> const & leavesOf(ValueMetaType & type) {
 }
 
 bool holdsStrong(Leaf const & leaf) {
-    if (leaf.m_kind != EMemberKind::Vector) return leaf.m_kind == EMemberKind::StrongRef;
-    if (leaf.m_elementKind != EMemberKind::Value) return leaf.m_elementKind == EMemberKind::StrongRef;
-    std::vector<Leaf> const & parts = *leaf.m_pElementLeaves;
-    return std::any_of(parts.begin(), parts.end(), [](Leaf const & part) { return part.m_bStrong; });
+    if (leaf.kind != EMemberKind::Vector) return leaf.kind == EMemberKind::StrongRef;
+    if (leaf.elementKind != EMemberKind::Value) return leaf.elementKind == EMemberKind::StrongRef;
+    std::vector<Leaf> const & parts = *leaf.elementLeaves;
+    return std::any_of(parts.begin(), parts.end(), [](Leaf const & part) { return part.isStrong; });
 }
 
 // Makes all strong references of a leaf null.
 void dropStrong(Leaf const & leaf, void * field) noexcept {
-    if (leaf.m_kind == EMemberKind::StrongRef) return strong(field).reset();
-    if (leaf.m_kind != EMemberKind::Vector) return;
-    visitElements(leaf, field, 0, leaf.m_pFunctions->elementCount(field),
+    if (leaf.kind == EMemberKind::StrongRef) return strong(field).reset();
+    if (leaf.kind != EMemberKind::Vector) return;
+    visitElements(leaf, field, 0, leaf.functions->elementCount(field),
                   [&](EMemberKind kind, char * element) {
                       if (kind == EMemberKind::StrongRef) strong(element).reset();
                   });
@@ -275,17 +312,17 @@ std::vector<Piece> piecesOf(std::vector<Leaf> const & leaves) {
     std::vector<Piece> pieces;
     for (std::uint32_t i = 0; i < leaves.size(); ++i) {
         Leaf const & leaf = leaves[i];
-        if (leaf.m_bInHelper) continue;
-        if (leaf.m_numberBytes && !pieces.empty()) {
+        if (leaf.isInHelper) continue;
+        if (leaf.numberBytes && !pieces.empty()) {
             Piece & last = pieces.back();
-            if (last.m_bytes && last.m_leaf + last.m_leaves == i
-                && last.m_offset + last.m_bytes == leaf.m_offset) {
-                last.m_bytes += leaf.m_numberBytes;
-                ++last.m_leaves;
+            if (last.bytes && last.leaf + last.leaves == i &&
+                last.offset + last.bytes == leaf.offset) {
+                last.bytes += leaf.numberBytes;
+                ++last.leaves;
                 continue;
             }
         }
-        pieces.push_back({leaf.m_offset, leaf.m_numberBytes, i, 1});
+        pieces.push_back({leaf.offset, leaf.numberBytes, i, 1});
     }
     return pieces;
 }
@@ -296,39 +333,39 @@ void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
     for (unsigned i = 0; i < set.members(); ++i) {
         Member const & member = set.member(i);
         Leaf leaf;
-        leaf.m_offset = member.offset();
-        leaf.m_kind = member.type()->kind();
-        leaf.m_bInHelper = member.inHelper();
-        leaf.m_bUndoable = member.test(Member::OptionUndoable);
-        leaf.m_bPersisted = member.test(Member::OptionPersisted);
-        leaf.m_pMember = &member;
-        leaf.m_pSet = &set;
-        leaf.m_pFunctions = member.functions();
-        leaf.m_path = set.className() + '.' + member.name();
-        leaf.m_bOwning = ownsWords(leaf.m_kind);
-        leaf.m_numberBytes = plainBytes(leaf.m_kind);
-        leaf.m_bStrong = leaf.m_kind == EMemberKind::StrongRef;
-        if (leaf.m_kind == EMemberKind::Value) {
+        leaf.offset = member.offset();
+        leaf.kind = member.type()->kind();
+        leaf.isInHelper = member.inHelper();
+        leaf.isUndoable = member.test(Member::OptionUndoable);
+        leaf.isPersisted = member.test(Member::OptionPersisted);
+        leaf.member = &member;
+        leaf.set = &set;
+        leaf.functions = member.functions();
+        leaf.path = set.className() + '.' + member.name();
+        leaf.isOwning = ownsWords(leaf.kind);
+        leaf.numberBytes = plainBytes(leaf.kind);
+        leaf.isStrong = leaf.kind == EMemberKind::StrongRef;
+        if (leaf.kind == EMemberKind::Value) {
             for (Leaf part : leavesOf(static_cast<ValueMetaType &>(*member.type()))) {
-                part.m_offset += leaf.m_offset;
-                part.m_bInHelper = leaf.m_bInHelper;
-                part.m_bUndoable = leaf.m_bUndoable && part.m_bUndoable;
-                part.m_bPersisted = leaf.m_bPersisted && part.m_bPersisted;
-                part.m_path = leaf.m_path + part.m_path.substr(part.m_path.find('.'));
-                part.m_pSet = leaf.m_pSet;
+                part.offset += leaf.offset;
+                part.isInHelper = leaf.isInHelper;
+                part.isUndoable = leaf.isUndoable && part.isUndoable;
+                part.isPersisted = leaf.isPersisted && part.isPersisted;
+                part.path = leaf.path + part.path.substr(part.path.find('.'));
+                part.set = leaf.set;
                 leaves.push_back(std::move(part));
             }
             continue;
         }
-        if (leaf.m_kind == EMemberKind::Vector) {
-            MemberMetaType * const element = leaf.m_pFunctions->elementType();
-            leaf.m_elementKind = element->kind();
-            if (leaf.m_elementKind == EMemberKind::Value) {
-                leaf.m_pElementLeaves = &leavesOf(static_cast<ValueMetaType &>(*element));
-                leaf.m_bOwning = ownsWords(*leaf.m_pElementLeaves);
+        if (leaf.kind == EMemberKind::Vector) {
+            MemberMetaType * const element = leaf.functions->elementType();
+            leaf.elementKind = element->kind();
+            if (leaf.elementKind == EMemberKind::Value) {
+                leaf.elementLeaves = &leavesOf(static_cast<ValueMetaType &>(*element));
+                leaf.isOwning = ownsWords(*leaf.elementLeaves);
             } else
-                leaf.m_bOwning = ownsWords(leaf.m_elementKind);
-            leaf.m_bStrong = holdsStrong(leaf);
+                leaf.isOwning = ownsWords(leaf.elementKind);
+            leaf.isStrong = holdsStrong(leaf);
         }
         leaves.push_back(std::move(leaf));
     }
@@ -339,11 +376,11 @@ MemberLayout::MemberLayout(MemberSet const * set) {
     for (; set; set = set->base()) chain.push_back(set);
     for (auto i = chain.rbegin(); i != chain.rend(); ++i) appendLeaves(**i, m_leaves);
     m_bStrong = std::any_of(m_leaves.begin(), m_leaves.end(),
-                            [](Leaf const & leaf) { return leaf.m_bStrong; });
+                            [](Leaf const & leaf) { return leaf.isStrong; });
     m_pieces = piecesOf(m_leaves);
     auto const parent = std::find_if(m_leaves.begin(), m_leaves.end(), [](Leaf const & leaf) {
-        return leaf.m_kind == EMemberKind::PassiveRef && !leaf.m_bInHelper
-            && leaf.m_pMember->test(Member::OptionParent);
+        return leaf.kind == EMemberKind::PassiveRef && !leaf.isInHelper &&
+               leaf.member->test(Member::OptionParent);
     });
     m_parent = static_cast<std::size_t>(parent - m_leaves.begin());
 }
@@ -351,29 +388,29 @@ MemberLayout::MemberLayout(MemberSet const * set) {
 void MemberLayout::dropStrong(Entity & entity) const noexcept {
     if (!m_bStrong) return;
     for (Leaf const & leaf : m_leaves)
-        if (!leaf.m_bInHelper) DataModel::dropStrong(leaf, field(entity, leaf));
+        if (!leaf.isInHelper) DataModel::dropStrong(leaf, field(entity, leaf));
 }
 
 int MemberLayout::find(Entity const & entity, void const * field) const noexcept {
     std::ptrdiff_t const offset =
         static_cast<char const *>(field) - reinterpret_cast<char const *>(&entity);
     for (std::size_t i = 0; i < m_leaves.size(); ++i)
-        if (m_leaves[i].m_offset == offset && !m_leaves[i].m_bInHelper) return static_cast<int>(i);
+        if (m_leaves[i].offset == offset && !m_leaves[i].isInHelper) return static_cast<int>(i);
     return -1;
 }
 
 void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer & words) {
-    if (leaf.m_kind != EMemberKind::Vector) return keepOne(leaf.m_kind, field, asset, words);
-    std::size_t const count = leaf.m_pFunctions->elementCount(field);
+    if (leaf.kind != EMemberKind::Vector) return keepOne(leaf.kind, field, asset, words);
+    std::size_t const count = leaf.functions->elementCount(field);
     if (!words.reserve(1 + elementWords(leaf, field, 0, count))) throw std::bad_alloc();
     words.push(count);
     keepElements(leaf, field, 0, count, asset, words);
 }
 
 bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words) {
-    if (leaf.m_kind != EMemberKind::Vector) return isKeptOne(leaf.m_kind, field, words);
+    if (leaf.kind != EMemberKind::Vector) return isKeptOne(leaf.kind, field, words);
     std::size_t const kept = static_cast<std::size_t>(*words);
-    if (leaf.m_pFunctions->elementCount(field) != kept) {
+    if (leaf.functions->elementCount(field) != kept) {
         skip(leaf, words);
         return false;
     }
@@ -386,36 +423,36 @@ bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words)
 }
 
 void restore(Leaf const & leaf, void * field, std::uint64_t const *& words) {
-    if (leaf.m_kind != EMemberKind::Vector) return restoreOne(leaf.m_kind, field, words);
+    if (leaf.kind != EMemberKind::Vector) return restoreOne(leaf.kind, field, words);
     std::size_t const count = static_cast<std::size_t>(*words++);
-    std::size_t const present = leaf.m_pFunctions->elementCount(field);
-    if (present > count) leaf.m_pFunctions->eraseElements(field, count, present - count);
-    if (present < count) leaf.m_pFunctions->appendElements(field, count - present);
+    std::size_t const present = leaf.functions->elementCount(field);
+    if (present > count) leaf.functions->eraseElements(field, count, present - count);
+    if (present < count) leaf.functions->appendElements(field, count - present);
     visitElements(leaf, field, 0, count,
                   [&](EMemberKind kind, char * element) { restoreOne(kind, element, words); });
 }
 
 void exchange(Leaf const & leaf, void * field, std::uint64_t & word) noexcept {
-    std::uint64_t const present = wordOf(leaf.m_numberBytes, field);
-    setNumber(leaf.m_numberBytes, field, word);
+    std::uint64_t const present = wordOf(leaf.numberBytes, field);
+    setNumber(leaf.numberBytes, field, word);
     word = present;
 }
 
 void skip(Leaf const & leaf, std::uint64_t const *& words) {
-    if (leaf.m_kind != EMemberKind::Vector) return skipOne(leaf.m_kind, words);
+    if (leaf.kind != EMemberKind::Vector) return skipOne(leaf.kind, words);
     std::size_t const count = static_cast<std::size_t>(*words++);
     visitKinds(leaf, count, [&](EMemberKind kind) { skipOne(kind, words); });
 }
 
 void release(Leaf const & leaf, std::uint64_t *& words) noexcept {
-    if (leaf.m_kind != EMemberKind::Vector) return releaseOne(leaf.m_kind, words);
+    if (leaf.kind != EMemberKind::Vector) return releaseOne(leaf.kind, words);
     std::size_t const count = static_cast<std::size_t>(*words++);
     releaseElements(leaf, count, words);
 }
 
 std::size_t elementWords(Leaf const & leaf, void const * field, std::size_t index,
                          std::size_t count) {
-    if (leaf.m_elementKind != EMemberKind::Value && !isText(leaf.m_elementKind)) return count;
+    if (leaf.elementKind != EMemberKind::Value && !isText(leaf.elementKind)) return count;
     std::size_t words = 0;
     visitElements(leaf, field, index, count,
                   [&](EMemberKind kind, char * element) { words += wordsOfOne(kind, element); });
@@ -424,20 +461,19 @@ std::size_t elementWords(Leaf const & leaf, void const * field, std::size_t inde
 
 void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
                   Asset const * asset, WordBuffer & words) {
-    visitElements(leaf, field, index, count, [&](EMemberKind kind, char * element) {
-        keepOne(kind, element, asset, words);
-    });
+    visitElements(leaf, field, index, count,
+                  [&](EMemberKind kind, char * element) { keepOne(kind, element, asset, words); });
 }
 
 void insertElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count,
                     std::uint64_t const *& words) {
-    leaf.m_pFunctions->insertElements(field, index, count);
+    leaf.functions->insertElements(field, index, count);
     visitElements(leaf, field, index, count,
                   [&](EMemberKind kind, char * element) { restoreOne(kind, element, words); });
 }
 
 void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count) {
-    leaf.m_pFunctions->eraseElements(field, index, count);
+    leaf.functions->eraseElements(field, index, count);
 }
 
 void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept {
@@ -446,16 +482,17 @@ void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& word
 
 void visitStrong(Leaf const & leaf, std::uint64_t const * words, VisitEntity visit,
                  void * context) {
-    if (!leaf.m_bStrong) return;
-    if (leaf.m_kind == EMemberKind::Vector)
-        return visitStrongElements(leaf, static_cast<std::size_t>(*words), words + 1, visit, context);
+    if (!leaf.isStrong) return;
+    if (leaf.kind == EMemberKind::Vector)
+        return visitStrongElements(leaf, static_cast<std::size_t>(*words), words + 1, visit,
+                                   context);
     if (Entity * const entity = strong(*words); entity && !(*words & c_counted))
         visit(context, *entity);
 }
 
 void visitStrongElements(Leaf const & leaf, std::size_t count, std::uint64_t const * words,
                          VisitEntity visit, void * context) {
-    if (!leaf.m_bStrong) return;
+    if (!leaf.isStrong) return;
     visitKinds(leaf, count, [&](EMemberKind kind) {
         if (kind == EMemberKind::StrongRef && !(*words & c_counted))
             if (Entity * const entity = strong(*words)) visit(context, *entity);

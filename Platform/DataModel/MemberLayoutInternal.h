@@ -5,11 +5,11 @@
 //   numbers and bool         one word, whose first bytes are the value
 //   String, WideString       the length in characters, then the characters, padded
 //   GlobalizedString         one word, a GlobalizedString
-//   StrongRef                the entity; the lowest bit set if the word owns a count of it, as that of an
-//                            entity of another document does
+//   StrongRef                the entity; the lowest bit set if the word owns a count of it, as that
+//                            of an entity of another document does
 //   PassiveRef               one word, a PassiveRef<Entity>
 //   Vector                   the number of elements, then each
-//   Value (in a vector)      its members, one behind the other
+//   Value (in a vector)      its members, one after the other
 //
 // The words of a GlobalizedString, of a PassiveRef and of a counted StrongRef own what they refer
 // to: they are moved from place to place, and given up by `release`.
@@ -24,34 +24,34 @@
 #include <string>
 #include <vector>
 
+#include "Platform/DataModel/Log/WordBuffer.h"
 #include "Platform/DataModel/MemberSet.h"
-#include "Platform/DataModel/Log/WordBufferInternal.h"
 
 namespace Vn {
 class Asset;
 class Entity;
 class EntityMetaType;
 class ValueMetaType;
-}
+} // namespace Vn
 
 namespace Vn::DataModel {
 
 // A member that isn't a value, or a part of a value that isn't.
 struct Leaf {
-    std::ptrdiff_t m_offset = 0; // from the entity, or from its helper
-    EMemberKind m_kind = EMemberKind::Bool;
-    EMemberKind m_elementKind = EMemberKind::Bool; // of a vector
-    bool m_bOwning = false; // its words own or name what they refer to
-    bool m_bStrong = false; // it is a strong reference, or a vector with such
-    std::uint8_t m_numberBytes = 0; // of a number or bool; 0 for all else
-    bool m_bInHelper = false;
-    bool m_bUndoable = true;
-    bool m_bPersisted = true;
-    Member const * m_pMember = nullptr; // of the entity, or of the innermost value
-    MemberSet const * m_pSet = nullptr;    // of which class
-    TemplatizedFunctions * m_pFunctions = nullptr;
-    std::vector<Leaf> const * m_pElementLeaves = nullptr; // of a vector of values
-    std::string m_path; // "Class.member", and ".part" for each value that it is a part of
+    std::ptrdiff_t offset = 0; // from the entity, or from its helper
+    EMemberKind kind = EMemberKind::Bool;
+    EMemberKind elementKind = EMemberKind::Bool; // of a vector
+    bool isOwning = false;                       // its words own or name what they refer to
+    bool isStrong = false;                       // it is a strong reference, or a vector with such
+    std::uint8_t numberBytes = 0;                // of a number or bool; 0 for all else
+    bool isInHelper = false;
+    bool isUndoable = true;
+    bool isPersisted = true;
+    Member const * member = nullptr; // of the entity, or of the innermost value
+    MemberSet const * set = nullptr; // of which class
+    TemplatizedFunctions * functions = nullptr;
+    std::vector<Leaf> const * elementLeaves = nullptr; // of a vector of values
+    std::string path; // "Class.member", and ".part" for each value that it is a part of
 };
 
 // The leaves of a member set without those of its base.
@@ -59,10 +59,10 @@ void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves);
 
 // Numbers that lie side by side, or one leaf of another kind.
 struct Piece {
-    std::ptrdiff_t m_offset = 0; // from the entity
-    std::uint32_t m_bytes = 0;   // of the numbers; 0 for another kind
-    std::uint32_t m_leaf = 0;    // the first
-    std::uint32_t m_leaves = 0;  // how many
+    std::ptrdiff_t offset = 0; // from the entity
+    std::uint32_t bytes = 0;   // of the numbers; 0 for another kind
+    std::uint32_t leaf = 0;    // the first
+    std::uint32_t leaves = 0;  // how many
 };
 
 // All leaves of a class of entities, base first.
@@ -87,31 +87,36 @@ public:
 private:
     std::vector<Leaf> m_leaves;
     std::vector<Piece> m_pieces;
-    std::size_t m_parent = 0; // its number; behind the last if there is none
+    std::size_t m_parent = 0; // its number; after the last if there is none
     bool m_bStrong = false;
 };
 
-// The field of a leaf.  Leaves in helpers are found by whoever loads.
+// The field of a leaf.  Leaves in helpers are found by the reader of documents.
 inline void * field(Entity & entity, Leaf const & leaf) noexcept {
-    return reinterpret_cast<char *>(&entity) + leaf.m_offset;
+    return reinterpret_cast<char *>(&entity) + leaf.offset;
 }
 
 // A number of so many bytes in a word, with zeros after it.
 inline std::uint64_t wordOf(std::uint8_t bytes, void const * field) noexcept {
     std::uint64_t word = 0;
     switch (bytes) {
-    case 1: std::memcpy(&word, field, 1); break;
-    case 4: std::memcpy(&word, field, 4); break;
-    default: std::memcpy(&word, field, 8);
+    case 1:
+        std::memcpy(&word, field, 1);
+        break;
+    case 4:
+        std::memcpy(&word, field, 4);
+        break;
+    default:
+        std::memcpy(&word, field, 8);
     }
     return word;
 }
 inline std::uint64_t numberOf(Leaf const & leaf, void const * field) noexcept {
-    return wordOf(leaf.m_numberBytes, field);
+    return wordOf(leaf.numberBytes, field);
 }
 
-// Appends the value of a field.  References to entities of other documents than `asset` are counted.
-// If memory runs out, nothing is appended.
+// Appends the value of a field.  References to entities of other documents than `asset` are
+// counted.  If memory runs out, nothing is appended.
 void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer & words);
 // Whether the value in the words is that of the field; `words` goes to the end of the value.
 bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words);
@@ -124,8 +129,8 @@ void skip(Leaf const & leaf, std::uint64_t const *& words);
 // Gives up what the words own, and steps over them.
 void release(Leaf const & leaf, std::uint64_t *& words) noexcept;
 
-// The same for `count` elements of a vector that begin at `index`, and the words that they take, for which
-// there must be room before they are kept.
+// The same for `count` elements of a vector that begin at `index`, and the words that they take,
+// for which there must be room before they are kept.
 std::size_t elementWords(Leaf const & leaf, void const * field, std::size_t index,
                          std::size_t count);
 void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
@@ -136,11 +141,10 @@ void insertElements(Leaf const & leaf, void * field, std::size_t index, std::siz
 void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count);
 void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept;
 
-// Calls `visit` with `context` and each entity of the same document that strong references of a kept value,
-// or of kept elements, lead to.
+// Calls `visit` with `context` and each entity of the same document that strong references of a
+// kept value, or of kept elements, lead to.
 using VisitEntity = void (*)(void * context, Entity & entity);
-void visitStrong(Leaf const & leaf, std::uint64_t const * words, VisitEntity visit,
-                 void * context);
+void visitStrong(Leaf const & leaf, std::uint64_t const * words, VisitEntity visit, void * context);
 void visitStrongElements(Leaf const & leaf, std::size_t count, std::uint64_t const * words,
                          VisitEntity visit, void * context);
 

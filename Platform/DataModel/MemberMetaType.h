@@ -29,9 +29,9 @@ using EMigrationStatusValue = unsigned;
 // Whatever a member set or an entity can be described by.
 class VN_DATAMODEL_API MetaType {
 public:
-    // Joins the MetaTypeMgr, and leaves it at its end.  An empty id isn't listed there.  The first meta
-    // type of an id keeps it as long as it lives.  Another one of the same id isn't registered, then or
-    // later: nothing can be made of its class, and its end changes nothing.
+    // Joins the MetaTypeMgr, and leaves it at its end.  An empty id isn't listed there.  The first
+    // meta type of an id keeps it as long as it lives.  Another one of the same id isn't
+    // registered, then or later: nothing can be made of its class, and its end changes nothing.
     MetaType(std::string id, std::string name, unsigned version, std::string baseIdentifier);
     virtual ~MetaType();
     MetaType(MetaType const &) = delete;
@@ -109,8 +109,8 @@ private:
     std::string const m_kindName;
 };
 
-// The kind of fields of a plain type: bool, int, unsigned int, long long, unsigned long long, float,
-// double, std::string, std::wstring.
+// The kind of fields of a plain type: bool, int, unsigned int, long long, unsigned long long,
+// float, double, std::string, std::wstring.
 template <class T>
 class VN_DATAMODEL_API IntrinsicMetaType : public MemberMetaType {
 public:
@@ -142,9 +142,9 @@ private:
     PassiveRefMetaType();
 };
 
-// Tells how to handle a vector of any element type: six families of functions, the kind of the elements,
-// and the block for elements that are containers themselves, which is null; and three operations on a
-// place within the vector.
+// Tells how to handle a vector of any element type: six families of functions, the kind of the
+// elements, and the block for elements that are containers themselves, which is null; and three
+// operations on a place within the vector.
 class VN_DATAMODEL_API TemplatizedFunctions {
 public:
     // The addresses of the elements of a container, in order.
@@ -170,7 +170,7 @@ public:
     void constructElements(void * memory, std::size_t count) const {
         m_constructElements(memory, count);
     }
-    // Ends `count` containers that lie one behind the other.
+    // Ends `count` containers that lie one after the other.
     void destroyContainer(void * containers, std::size_t count) const {
         m_destroyContainer(containers, count);
     }
@@ -216,8 +216,8 @@ private:
     char const * m_elementTypeName = nullptr;
 };
 
-// The run-time type name of a field, by which a member set checks its kind; that of what it is stored
-// as for an enumeration.
+// The run-time type name of a field, by which a member set checks its kind; that of what it is
+// stored as for an enumeration.
 template <class Field>
 char const * fieldTypeName() noexcept {
     if constexpr (std::is_enum_v<Field>)
@@ -232,7 +232,8 @@ TemplatizedFunctions * TemplatizedFunctions::makeVector(MemberMetaType * element
     auto * const made = new TemplatizedFunctions;
     made->m_memberBytes = [](std::size_t count) { return (count ? count : 1) * sizeof(T); };
     made->m_constructElements = [](void * memory, std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i) new (static_cast<Container *>(memory) + i) Container;
+        for (std::size_t i = 0; i < count; ++i)
+            new (static_cast<Container *>(memory) + i) Container;
     };
     made->m_destroyContainer = [](void * containers, std::size_t count) {
         std::destroy_n(static_cast<Container *>(containers), count);

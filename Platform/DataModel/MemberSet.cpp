@@ -57,9 +57,9 @@ constexpr std::pair<std::string_view, EMemberKind> c_templateNames[] = {
 
 // Types that no kind is of.
 constexpr std::string_view c_otherTypes[] = {
-    "char",     "signed char", "unsigned char", "short",       "unsigned short", "wchar_t",
-    "char8_t",  "char16_t",    "char32_t",      "long double", "int8_t",         "uint8_t",
-    "int16_t",  "uint16_t",    "void"};
+    "char",    "signed char", "unsigned char", "short",    "unsigned short",
+    "wchar_t", "char8_t",     "char16_t",      "char32_t", "long double",
+    "int8_t",  "uint8_t",     "int16_t",       "uint16_t", "void"};
 
 bool dropPrefix(std::string_view & name, std::string_view prefix) noexcept {
     if (!name.starts_with(prefix)) return false;
@@ -73,7 +73,8 @@ EMemberKind withoutSign(EMemberKind kind) noexcept {
     return kind == EMemberKind::Int64 ? EMemberKind::UnsignedInt64 : kind;
 }
 
-// Whether a field whose type has that name may be of a kind.  False only for what is known to differ.
+// Whether a field whose type has that name may be of a kind.  False only for what is known to
+// differ.
 bool mayBe(char const * typeName, MemberMetaType const & type) {
     std::string const whole = typeName ? OS::className(typeName) : std::string();
     std::string_view name = whole;
@@ -95,7 +96,8 @@ bool mayBe(char const * typeName, MemberMetaType const & type) {
     return !isStandard || type.kind() == EMemberKind::Value;
 }
 
-// The values of a class describe themselves while the entities do, and not once one of them changes.
+// The values of a class describe themselves while the entities do, and not once one of them
+// changes.
 void describeValues(MemberMetaType & type) {
     if (type.kind() != EMemberKind::Value) return;
     auto & values = static_cast<ValueMetaType &>(type);
@@ -129,14 +131,14 @@ void MemberSet::checkKind(std::string const & path, char const * typeName, Membe
                           TemplatizedFunctions const * functions) {
     if (!type) refuse("the member " + path + " has no kind");
     auto const mismatch = [&](char const * what, char const * name, MemberMetaType const & kind) {
-        refuse(what + path + " is of the type " + OS::className(name ? name : "")
-               + ", and not of the kind " + kind.kindName());
+        refuse(what + path + " is of the type " + OS::className(name ? name : "") +
+               ", and not of the kind " + kind.kindName());
     };
     if (!mayBe(typeName, *type)) mismatch("the member ", typeName, *type);
     bool const isVector = type->kind() == EMemberKind::Vector;
     if (isVector != (functions != nullptr))
-        refuse("the member " + path
-               + (isVector ? " is a vector without functions" : " has functions and is no vector"));
+        refuse("the member " + path +
+               (isVector ? " is a vector without functions" : " has functions and isn't a vector"));
     if (!isVector) return describeValues(*type);
     MemberMetaType * const element = functions->elementType();
     if (!element) refuse("the elements of the member " + path + " have no kind");

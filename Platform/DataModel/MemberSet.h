@@ -21,7 +21,7 @@
 namespace tbb {
 // The present mutex.
 using spin_rw_mutex_v3 = spin_rw_mutex;
-}
+} // namespace tbb
 
 namespace Vn {
 
@@ -35,11 +35,13 @@ public:
         OptionUndoable = 1,  // recorded by brackets
         OptionPersisted = 2, // written to the file
         OptionFollowed = 16, // a walk along references, to copy or to collect, goes on through it
-        OptionParent = 32,   // the reference to what the entity stands in; of the first member with it
+        OptionParent =
+            32, // the reference to what the entity stands in; of the first member with it
         OptionsDefault = OptionUndoable | OptionPersisted | OptionFollowed
     };
 
-    // `functions` is taken over, and is null for a field that is no container.  The others are told below.
+    // `functions` is taken over, and is null for a field that isn't a container.  The others are
+    // told below.
     Member(std::string name, std::ptrdiff_t offset, bool inHelper, std::string typeName,
            MemberMetaType * type, std::unique_ptr<TemplatizedFunctions> functions);
     ~Member();
@@ -83,9 +85,10 @@ private:
 // The persisted fields of one class in one version, in order, chained to those of its base.  It is
 // filled once, under its mutex, by the first object of the class, and only read afterwards.
 //
-// A class that describes itself wrongly is a programmer's mistake.  It shows at the first object: the
-// operations that fill the set throw std::invalid_argument, which names the class and the member, and
-// the set is empty again, so that each further object of the class fails in the same way.
+// A class that describes itself wrongly is a programmer's mistake.  It shows at the first object:
+// the operations that fill the set throw std::invalid_argument, which names the class and the
+// member, and the set is empty again, so that each further object of the class fails in the same
+// way.
 class VN_DATAMODEL_API MemberSet {
 public:
     // `type` is the class's meta type.
@@ -99,8 +102,8 @@ public:
     // Whether `initialize` ran.
     bool initialized() const noexcept { return m_bInitialized; }
     // Begins the set.  `object` is the instance whose fields are added, from which the offsets are
-    // taken; `className` the name of the class without its namespaces.  A class whose meta type isn't
-    // registered is refused.
+    // taken; `className` the name of the class without its namespaces.  A class whose meta type
+    // isn't registered is refused.
     void initialize(void * object, char const * className);
     // Appends a member.  `functions`, which is taken over, tells how to handle a container and is
     // null for other fields.  `extra` may be null; what it points to is set to null.  A field
@@ -109,8 +112,8 @@ public:
     // `typeName` is the run-time type name of the field, as the compiler or as a person writes it.
     // Refused are a name that the class has already, a kind that is null, a kind that the field is
     // known not to be of, and a vector without functions or functions without a vector.  A whole
-    // number may be of a kind of its size with or without a sign.  A type of another name, such as an
-    // enumeration, is taken for what the kind says.
+    // number may be of a kind of its size with or without a sign.  A type of another name, such as
+    // an enumeration, is taken for what the kind says.
     Member * addNewMember(std::string const & name, void * fieldAddress, char const * typeName,
                           MemberMetaType * type, TemplatizedFunctions * functions, void ** extra);
     // The set of the base class; null at the end.

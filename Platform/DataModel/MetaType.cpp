@@ -97,7 +97,9 @@ MemberSet * ValueMetaType::memberSetOf(void * value) {
 }
 
 MigrationHelper * ValueMetaType::doMigrationHelper(void *) const { return nullptr; }
-unsigned ValueMetaType::doMigratingVersion(void *, VisitorContext const &) const { return version(); }
+unsigned ValueMetaType::doMigratingVersion(void *, VisitorContext const &) const {
+    return version();
+}
 void ValueMetaType::doMigratingVersion(void *, unsigned, VisitorContext const &) const {}
 EMigrationStatusValue ValueMetaType::onPostMigrate(void *, unsigned, VisitorContext const &) const {
     return MigrationDone;

@@ -87,7 +87,8 @@ private:
     // `set->initialize(entity, "X")`, then the class's members of that version.
     virtual void onMigratingMemberSet(Entity * entity, unsigned version, MemberSet * set) = 0;
     virtual StrongRef<Entity> onCreateEntity(Segment * segment, unsigned long long id) = 0;
-    // The bytes of an entity beyond the instance size; unless overridden what the entity says itself.
+    // The bytes of an entity beyond the instance size; unless overridden what the entity says
+    // itself.
     virtual std::size_t onSizeInBytes(Entity const * entity) const;
     // Told around the saving and loading of each entity of the class.
     virtual void onPreSave(Entity * entity);
@@ -113,8 +114,8 @@ public:
     // Where a value is being handled; nothing at present.
     class VisitorContext {};
 
-    // The key of the class in documents, the name of the meta type, the version of the members, the name
-    // of the class of the values, and the id of the base, empty if there is none.
+    // The key of the class in documents, the name of the meta type, the version of the members, the
+    // name of the class of the values, and the id of the base, empty if there is none.
     ValueMetaType(std::string id, std::string name, unsigned version, std::string valueTypeName,
                   std::string baseIdentifier);
     ~ValueMetaType() override;
@@ -137,7 +138,8 @@ public:
     unsigned migratingVersion(void * value, VisitorContext const & context = {}) const {
         return doMigratingVersion(value, context);
     }
-    void migratingVersion(void * value, unsigned version, VisitorContext const & context = {}) const {
+    void migratingVersion(void * value, unsigned version,
+                          VisitorContext const & context = {}) const {
         doMigratingVersion(value, version, context);
     }
     void * queryMTInterface(void * value) const { return doQueryMTInterface(value); }

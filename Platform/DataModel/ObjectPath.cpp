@@ -36,7 +36,7 @@ bool readEscaped(std::wstring_view & text, std::wstring & part) {
     return true;
 }
 
-// Reads one name and leaves `text` behind it.
+// Reads one name and leaves `text` after it.
 bool readOnk(std::wstring_view & text, Onk & onk) {
     std::wstring name;
     if (!readEscaped(text, name) || name.empty()) return false;

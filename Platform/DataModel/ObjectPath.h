@@ -79,8 +79,8 @@ public:
     // The object at the end; null if the path leads nowhere at present.
     StrongRef<Entity> leaf() const;
     // Makes `leaf` answer with the object at the end at present for as long as that is alive, also
-    // where the path comes to lead elsewhere.  For whoever changes things that several paths lead
-    // through.
+    // where the path comes to lead elsewhere.  For callers that change things that several paths
+    // lead through.
     void bind();
 
     // "NamedViews/CmnData[2]"; empty for an empty path.

@@ -34,7 +34,7 @@ public:
     // The name of the step.
     std::wstring const & name() const noexcept { return m_name; }
 
-    // Runs the three stages below, each as long as the status is ok behind the one before.
+    // Runs the three stages below, each as long as the status is ok after the one before.
     Status execute();
     // Tells the request that what it did is being taken back.
     void cancel() { onCancel(); }

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "Platform/DataModel/Asset.h"
-#include "Platform/DataModel/Log/RecorderInternal.h"
+#include "Platform/DataModel/Log/Recorder.h"
 #include "Platform/DataModel/MetaType.h"
 
 namespace Vn {

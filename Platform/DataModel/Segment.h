@@ -56,12 +56,13 @@ private:
     SegmentTypeMgr() = default;
 };
 
-// A part of a document, with entities and with roots under keys.  It owns the roots, and nothing else.
+// A part of a document, with entities and with roots under keys.  It owns the roots, and nothing
+// else.
 class VN_DATAMODEL_API Segment {
 public:
-    // Creates a segment of the asset, which owns it.  An asset has one segment of each kind: if there
-    // is one already, the answer is that.  With `transient` the segment isn't written, whatever its
-    // kind says.  Null if the asset or the kind is null.
+    // Creates a segment of the asset, which owns it.  An asset has one segment of each kind: if
+    // there is one already, the answer is that.  With `transient` the segment isn't written,
+    // whatever its kind says.  Null if the asset or the kind is null.
     static Segment * create(Asset * asset, SegmentType * type, bool transient);
     ~Segment();
     Segment(Segment const &) = delete;
@@ -102,11 +103,11 @@ private:
     friend class DocumentFile;
 
     Segment(Asset * asset, SegmentType * type, bool transient);
-    // Roots stand in the order of their places, which are numbers with gaps: a place never changes, and
-    // is never given again except to the key that had it, when an undo brings that back.
+    // Roots stand in the order of their places, which are numbers with gaps: a place never changes,
+    // and is never given again except to the key that had it, when an undo brings that back.
 
-    // Puts a root in its place without recording it.  A key that is there stays where it is.  Null takes
-    // the key out.  Changes nothing if memory runs out.
+    // Puts a root in its place without recording it.  A key that is there stays where it is.  Null
+    // takes the key out.  Changes nothing if memory runs out.
     void placeRoot(StrongRef<Entity> entity, std::string const & key, std::size_t place);
     // The place of a key; if there is none, that of the next new one.
     std::size_t rootPlace(std::string_view key) const noexcept;
@@ -121,7 +122,8 @@ private:
     std::map<std::string_view, std::size_t> m_rootPlaces; // by the keys, which m_roots has
     std::set<std::pair<Entity const *, std::size_t>> m_placesOfRoots;
     std::size_t m_nextRootPlace = 0;
-    // Entities that were loaded and that nothing owned: kept, so that opening a document loses nothing.
+    // Entities that were loaded and that nothing owned: kept, so that opening a document loses
+    // nothing.
     std::vector<StrongRef<Entity>> m_unowned;
     std::unique_ptr<EntityEventSource> const m_pEvents;
     std::map<std::pair<void const *, MetaType const *>, MigrationHelper *> m_helpers;

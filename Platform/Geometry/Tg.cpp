@@ -56,8 +56,7 @@ bool TgVector3d::isEqualTo(TgVector3d const & other, TgTol const & tolerance) co
     return (*this - other).length() <= tolerance.equalVector();
 }
 
-TgMatrix3d::TgMatrix3d() noexcept
-    : m_entries{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1} {}
+TgMatrix3d::TgMatrix3d() noexcept : m_entries{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1} {}
 
 TgMatrix3d const TgMatrix3d::kIdentity;
 

@@ -47,11 +47,12 @@ public:
     double length() const noexcept;
     double dotProduct(TgVector3d const & other) const noexcept;
     TgVector3d crossProduct(TgVector3d const & other) const noexcept;
-    // The vector of length 1 in this direction.  One whose length is within the tolerance of a vector
-    // has none, and comes back as it is.
+    // The vector of length 1 in this direction.  One whose length is within the tolerance of a
+    // vector has none, and comes back as it is.
     TgVector3d normal(TgTol const & tolerance = TgContext::gTol) const noexcept;
     // Whether the difference is within the tolerance.
-    bool isEqualTo(TgVector3d const & other, TgTol const & tolerance = TgContext::gTol) const noexcept;
+    bool isEqualTo(TgVector3d const & other,
+                   TgTol const & tolerance = TgContext::gTol) const noexcept;
 
     // By components.
     TgVector3d operator-() const noexcept { return {-x, -y, -z}; }
@@ -86,7 +87,8 @@ public:
     // The length of the way to the other, in cm.
     double distanceTo(TgPoint3d const & other) const noexcept { return (*this - other).length(); }
     // Whether the distance is within the tolerance.
-    bool isEqualTo(TgPoint3d const & other, TgTol const & tolerance = TgContext::gTol) const noexcept {
+    bool isEqualTo(TgPoint3d const & other,
+                   TgTol const & tolerance = TgContext::gTol) const noexcept {
         return distanceTo(other) <= tolerance.equalPoint();
     }
     // The way from the origin.
@@ -120,8 +122,8 @@ public:
     // The map that changes nothing, and one that shifts.
     static TgMatrix3d const kIdentity;
     static TgMatrix3d translation(TgVector3d const & way) noexcept;
-    // About an axis through a point, by an angle in radians, counter-clockwise against the axis.  An axis
-    // without direction gives the map that changes nothing.
+    // About an axis through a point, by an angle in radians, counter-clockwise against the axis.
+    // An axis without direction gives the map that changes nothing.
     static TgMatrix3d rotation(double angle, TgVector3d const & axis,
                                TgPoint3d const & center = TgPoint3d::kOrigin) noexcept;
 

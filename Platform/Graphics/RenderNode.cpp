@@ -16,8 +16,7 @@ Vn::StrongRefCreator<GroupNode> GroupNode::make() {
 // A chain of groups that own each other ends group by group and not one within the other.
 GroupNode::~GroupNode() {
     std::vector<StrongRef<ARenderNode>> ending = std::move(m_children);
-    for (StrongRef<ARenderNode> const & child : ending)
-        child->m_pParent = nullptr;
+    for (StrongRef<ARenderNode> const & child : ending) child->m_pParent = nullptr;
     while (!ending.empty()) {
         StrongRef<ARenderNode> const node = std::move(ending.back());
         ending.pop_back();

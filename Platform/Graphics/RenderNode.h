@@ -44,7 +44,7 @@ public:
     std::size_t children() const noexcept { return m_children.size(); }
     ARenderNode * child(std::size_t index) const noexcept;
 
-    // Puts a node behind the other children, and takes it out of the group in which it was.
+    // Puts a node after the other children, and takes it out of the group in which it was.
     // Refused, with false, for null, for this group itself, and for a group in which this one
     // stands.
     bool addChild(ARenderNode * node);

@@ -64,9 +64,7 @@ std::wstring const & GlobalizedString::value() const {
     return m_rBody ? m_rBody->value() : noText();
 }
 
-bool GlobalizedString::isGlobalized() const noexcept {
-    return m_rBody && m_rBody->m_bGlobalized;
-}
+bool GlobalizedString::isGlobalized() const noexcept { return m_rBody && m_rBody->m_bGlobalized; }
 
 std::string const & GlobalizedString::module() const noexcept {
     return m_rBody ? m_rBody->m_module : noName();

@@ -16,9 +16,9 @@ inline constexpr unsigned int c_nestingLevels = 1000;
 // without a ceiling a short text ("2 cm^1000000000") would ask for gigabytes.
 inline constexpr std::size_t c_unitFactors = 4096;
 
-// Factors of all different units of one tree together.  The lists of a long product of units grow with
-// each step; this bounds what a hostile text makes of that to 128 MiB.  A product of the most factors
-// that one unit may have needs half of it.
+// Factors of all different units of one tree together.  The lists of a long product of units grow
+// with each step; this bounds what a hostile text makes of that to 128 MiB.  A product of the most
+// factors that one unit may have needs half of it.
 inline constexpr std::size_t c_treeUnitFactors = std::size_t{16} * 1024 * 1024;
 
 // Characters of one printed number.

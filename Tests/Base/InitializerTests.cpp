@@ -77,8 +77,7 @@ TEST_F(InitializerTests, ExceptionLeavesTheRestForTheNextCall) {
 TEST_F(InitializerTests, ThreadsRunEachOnce) {
     s_count = 0;
     std::vector<std::unique_ptr<Initializer>> all;
-    for (int i = 0; i < 200; ++i)
-        all.push_back(std::make_unique<Initializer>([] { ++s_count; }));
+    for (int i = 0; i < 200; ++i) all.push_back(std::make_unique<Initializer>([] { ++s_count; }));
     std::vector<std::jthread> threads;
     for (int t = 0; t < 4; ++t)
         threads.emplace_back([] {

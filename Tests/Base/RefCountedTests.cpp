@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Tests/Base/StartLine.h"
+#include "Tests/Support/StartLine.h"
 
 namespace {
 

@@ -300,9 +300,8 @@ TEST_F(StringTableTests, EmptyTranslationIsNone) {
 
 TEST_F(StringTableTests, NearestLanguageIsTaken) {
     Directory const directory("VnBaseTestsNearest");
-    for (char const * const language : {"xx", "xx_AA", "xx@old", "xx_AA@old"}) {
+    for (char const * const language : {"xx", "xx_AA", "xx@old", "xx_AA@old"})
         directory.write(language, compiled({{"", c_utf8}, {"lengthName\4Length", language}}));
-    }
     directory.write("xx_DD", "damaged");
     struct Row {
         char const * tag;

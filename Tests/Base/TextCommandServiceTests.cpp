@@ -28,8 +28,7 @@ private:
         std::wstring text;
         for (unsigned i = 0; i < parameters.parameters(); ++i)
             text += L"<" + parameters.parameter(i) + L">";
-        for (std::wstring const & flag : parameters.flags())
-            text += L"/" + flag;
+        for (std::wstring const & flag : parameters.flags()) text += L"/" + flag;
         return {0, text};
     }
 };
@@ -94,8 +93,7 @@ TEST_F(TextCommandServiceTests, LeavesWhenDestroyed) {
         EXPECT_NE(service().find(L"Testing", L"ShortLived"), nullptr);
     }
     EXPECT_EQ(service().find(L"Testing", L"ShortLived"), nullptr);
-    for (auto const * area : service().subjectAreas())
-        EXPECT_NE(area->name(), L"ShortLived");
+    for (auto const * area : service().subjectAreas()) EXPECT_NE(area->name(), L"ShortLived");
 }
 
 TEST_F(TextCommandServiceTests, FindsExactlyFirstThenFolded) {

@@ -29,8 +29,7 @@ void check(Census const & census) {
     EXPECT_EQ(counts, census.counts);
     EXPECT_EQ(hash, census.hash);
     // Nothing lies above.
-    for (char32_t c = 0x10000; c <= 0x110000; ++c)
-        ASSERT_FALSE(census.test(c)) << std::uint32_t{c};
+    for (char32_t c = 0x10000; c <= 0x110000; ++c) ASSERT_FALSE(census.test(c)) << std::uint32_t{c};
     EXPECT_FALSE(census.test(0xFFFFFFFF));
 }
 

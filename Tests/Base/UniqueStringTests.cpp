@@ -42,8 +42,7 @@ TEST(UniqueStringTests, ThreadsGetTheSamePointers) {
                     UniqueString::find("UniqueStringTests.thread" + std::to_string(i), true));
         });
     threads.clear();
-    for (auto const & others : found)
-        EXPECT_EQ(others, found.front());
+    for (auto const & others : found) EXPECT_EQ(others, found.front());
     for (std::size_t i = 0; i < c_names; ++i)
         EXPECT_EQ(found.front()[i]->string(), "UniqueStringTests.thread" + std::to_string(i));
 }

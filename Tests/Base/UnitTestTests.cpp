@@ -69,8 +69,7 @@ TEST(UnitTestTests, LeavesTheListWhenDestroyed) {
 
 TEST(UnitTestTests, ThreadsTakeTurnsOnOneCheck) {
     UnitTest test("UnitTestTests", "turns", [](UnitTest & t) {
-        for (int i = 0; i < 100; ++i)
-            t.Assert(i % 2 == 0, L"even");
+        for (int i = 0; i < 100; ++i) t.Assert(i % 2 == 0, L"even");
     });
     std::vector<std::jthread> threads;
     for (int t = 0; t < 4; ++t)

@@ -1,4 +1,4 @@
-#include "Console/Batch.h"
+#include "Console/CommandLine/Batch.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -8,7 +8,8 @@
 #include "Console/SettingsFields.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
-#include "Tests/Console/Process.h"
+#include "Tests/Support/Process.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Console::Tests {
 
@@ -26,9 +27,9 @@ std::vector<std::string> linesOf(std::string const & text) {
 std::string utf8(wchar_t const * text) { return Text::toUtf8(text); }
 
 TEST(BatchTests, AnswerHasEveryMemberInOrder) {
-    Outcome const outcome = runConsole(
-        {"batch"}, R"({"id":"a","text":"1' 9\"","context":"cm","display":"in"})"
-                   "\n");
+    Outcome const outcome =
+        runConsole({"batch"}, R"({"id":"a","text":"1' 9\"","context":"cm","display":"in"})"
+                              "\n");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out,
@@ -110,10 +111,10 @@ TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
         {"{\"id\":3}", R"({"id":3,"error":"there is no \"text\""})"},
         {R"({"id":4,"text":null})", R"({"id":4,"error":"\"text\" must be a text"})"},
         {R"({"id":5,"text":"2","context":"bogus"})",
-         R"({"id":5,"error":"\"context\": \"bogus\" is no unit"})"},
+         R"({"id":5,"error":"\"context\": \"bogus\" isn't a unit"})"},
         {R"({"id":6,"text":"2","context":1})", R"({"id":6,"error":"\"context\" must be a text"})"},
         {R"({"id":7,"text":"2","display":"bogus"})",
-         R"({"id":7,"error":"\"display\": \"bogus\" is no unit"})"},
+         R"({"id":7,"error":"\"display\": \"bogus\" isn't a unit"})"},
         {R"({"id":8,"text":"2","settings":[]})",
          R"({"id":8,"error":"\"settings\" must be an object"})"},
         {R"({"id":9,"text":"2","settings":{"precision":2}})",
@@ -128,9 +129,8 @@ TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
          R"({"id":13,"error":"generalPrecision takes a whole number from -32768 to 32767"})"},
     };
     std::string input;
-    for (Row const & row : rows) {
+    for (Row const & row : rows)
         input += row.line + std::string("\n\n{\"id\":\"good\",\"text\":\"2\"}\n");
-    }
     Outcome const outcome = runConsole({"batch"}, input);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "");
@@ -144,12 +144,11 @@ TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
 
 TEST(BatchTests, BytesThatAreNotUtf8AreABadLine) {
     std::string const null(1, '\0');
-    Outcome const outcome = runConsole(
-        {"batch"}, "{\"text\":\"2\xFF\"}\n{\"text\":\"2" + null + "\"}\n" + null + "\n");
+    Outcome const outcome =
+        runConsole({"batch"}, "{\"text\":\"2\xFF\"}\n{\"text\":\"2" + null + "\"}\n" + null + "\n");
     EXPECT_EQ(outcome.status, 1);
-    for (std::string const & line : linesOf(outcome.out)) {
+    for (std::string const & line : linesOf(outcome.out))
         EXPECT_TRUE(json::parse(line).contains("error")) << line;
-    }
     EXPECT_EQ(linesOf(outcome.out).size(), 3u);
 }
 
@@ -165,20 +164,19 @@ TEST(BatchTests, LongErrorsAreClipped) {
 
 TEST(BatchTests, SettingsComeFromTheFactoryAndTheLine) {
     std::vector<std::string> const lines = linesOf(
-        runConsole({"batch"},
-                   R"({"text":"2.5 cm","settings":{"generalPrecision":5,)"
-                   R"("hideTrailingZeroes":false}})"
-                   "\n"
-                   R"({"text":"2.5 cm","settings":{"displayAbbreviated":false}})"
-                   "\n"
-                   R"({"text":"2.5 cm","settings":{"decimalPointIsFullStop":false}})"
-                   "\n"
-                   R"({"text":"2.5 in","settings":{"lengthDisplay":1}})"
-                   "\n"
-                   R"({"text":"2.5 cm","settings":{}})"
-                   "\n"
-                   R"({"text":"2.5 cm","settings":null})"
-                   "\n")
+        runConsole({"batch"}, R"({"text":"2.5 cm","settings":{"generalPrecision":5,)"
+                              R"("hideTrailingZeroes":false}})"
+                              "\n"
+                              R"({"text":"2.5 cm","settings":{"displayAbbreviated":false}})"
+                              "\n"
+                              R"({"text":"2.5 cm","settings":{"decimalPointIsFullStop":false}})"
+                              "\n"
+                              R"({"text":"2.5 in","settings":{"lengthDisplay":1}})"
+                              "\n"
+                              R"({"text":"2.5 cm","settings":{}})"
+                              "\n"
+                              R"({"text":"2.5 cm","settings":null})"
+                              "\n")
             .out);
     ASSERT_EQ(lines.size(), 6u);
     EXPECT_EQ(json::parse(lines[0])["formatted"], "2.50000 cm");
@@ -190,8 +188,8 @@ TEST(BatchTests, SettingsComeFromTheFactoryAndTheLine) {
 }
 
 TEST(BatchTests, FileIsReadByName) {
-    TemporaryFile const file("{\"id\":1,\"text\":\"2\"}\r\n{\"id\":2,\"text\":\"3\"}");
-    Outcome const outcome = runConsole({"batch", file.path()});
+    Testing::TemporaryFile const file("{\"id\":1,\"text\":\"2\"}\r\n{\"id\":2,\"text\":\"3\"}");
+    Outcome const outcome = runConsole({"batch", file.text()});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(linesOf(outcome.out).size(), 2u);
@@ -239,8 +237,8 @@ TEST(BatchTests, HugeAndHostileLinesAreAnswered) {
     input += "{\"id\":2,\"text\":\"" + digits + "\"}\n";
     input += "{\"id\":3,\"text\":\"" + name + "\"}\n";
     input += "{\"id\":4,\"text\":\"a\\u0000b\"}\n";
-    input += "{\"id\":" + std::string(1000000, '[') + std::string(1000000, ']') +
-             ",\"text\":\"2\"}\n";
+    input +=
+        "{\"id\":" + std::string(1000000, '[') + std::string(1000000, ']') + ",\"text\":\"2\"}\n";
     input += std::string(1000000, '[') + "\n";
     input += "{\"id\":7,\"text\":\"\"}\n";
     input += "{\"id\":8,\"text\":\"2 cm^1000000000\"}\n";
@@ -265,8 +263,10 @@ json settingsObject(Units::UnitDisplaySettings const & settings) {
     json object = json::object();
     for (SettingsField const & field : settingsFields()) {
         double const value = field.get(settings);
-        if (field.kind == SettingsField::Kind::Flag) object[field.name] = value != 0.0;
-        else object[field.name] = value;
+        if (field.kind == SettingsField::Kind::Flag)
+            object[field.name] = value != 0.0;
+        else
+            object[field.name] = value;
     }
     return object;
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
-#include "Tests/Console/Process.h"
+#include "Tests/Support/Process.h"
 
 namespace Vn::Console::Tests {
 
@@ -96,16 +96,15 @@ TEST(UnitsTests, TableIsAligned) {
     Outcome const outcome = runConsole({"units", "LENGTH"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.out,
-              "name          abbreviation  symbol  kind    one is       prefixes\n"
-              "meter         m                     Length  100 cm       yes\n"
-              "micron        micron        \u00B5       Length  1e-04 cm     no\n"
-              "inch          in            \"       Length  2.54 cm      no\n"
-              "foot          ft                    Length  30.48 cm     no\n"
-              "yard          yd                    Length  91.44 cm     no\n"
-              "mile          mi                    Length  160934.4 cm  no\n"
-              "nauticalMile  nauticalMile          Length  185200 cm    no\n"
-              "mil           mil                   Length  0.00254 cm   no\n");
+    EXPECT_EQ(outcome.out, "name          abbreviation  symbol  kind    one is       prefixes\n"
+                           "meter         m                     Length  100 cm       yes\n"
+                           "micron        micron        \u00B5       Length  1e-04 cm     no\n"
+                           "inch          in            \"       Length  2.54 cm      no\n"
+                           "foot          ft                    Length  30.48 cm     no\n"
+                           "yard          yd                    Length  91.44 cm     no\n"
+                           "mile          mi                    Length  160934.4 cm  no\n"
+                           "nauticalMile  nauticalMile          Length  185200 cm    no\n"
+                           "mil           mil                   Length  0.00254 cm   no\n");
 }
 
 TEST(UnitsTests, PatternIsFoundInEveryColumnOfText) {
@@ -182,10 +181,9 @@ TEST(CommandLineTests, HelpHasExamples) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
     for (char const * const text :
-         {"eval", "units", "command", "batch", "document", "self-test", "tour", "--language TAG", "Examples:\n",
-          "vnconsole eval '1 in + 1 cm' --unit cm\n", "Exit status: 0 good"}) {
+         {"eval", "units", "command", "batch", "document", "self-test", "tour", "--language TAG",
+          "Examples:\n", "vnconsole eval '1 in + 1 cm' --unit cm\n", "Exit status: 0 good"})
         EXPECT_NE(outcome.out.find(text), std::string::npos) << text;
-    }
 }
 
 TEST(CommandLineTests, UsageErrorsHaveStatusTwo) {
@@ -232,16 +230,11 @@ TEST(CommandLineTests, TourEvaluatesItsExamples) {
         char const * text;
         char const * unit; // null for none
     };
-    Row const rows[] = {{"1 in + 1 cm", "cm"},
-                        {"2cm*2 + 3cm/2 - 2^3 + 4%3", "cm"},
-                        {"2' 6 3/4\"", "cm"},
-                        {"45 deg 30'", "deg"},
-                        {"5 kg * 2 m / s^2", "N"},
-                        {"Gravity * 3 s", "mph"},
-                        {"cos(60 deg) * 3 m", "m"},
-                        {"max(2 ft; 60 cm)", "cm"},
-                        {"20 C", "F"},
-                        {"7 / (2.2)", nullptr}};
+    Row const rows[] = {
+        {"1 in + 1 cm", "cm"},      {"2cm*2 + 3cm/2 - 2^3 + 4%3", "cm"}, {"2' 6 3/4\"", "cm"},
+        {"45 deg 30'", "deg"},      {"5 kg * 2 m / s^2", "N"},           {"Gravity * 3 s", "mph"},
+        {"cos(60 deg) * 3 m", "m"}, {"max(2 ft; 60 cm)", "cm"},          {"20 C", "F"},
+        {"7 / (2.2)", nullptr}};
     std::size_t lines = 0;
     for (Row const & row : rows) {
         std::vector<std::string> arguments{"eval", row.text};
@@ -278,8 +271,8 @@ TEST(CommandLineTests, BrokenPipeEndsQuietly) {
     EXPECT_EQ(killed.err, "");
     EXPECT_EQ(std::count(killed.out.begin(), killed.out.end(), '\n'), 1);
     // The same where the caller has switched the signal off.
-    Outcome const told = runShell(
-        "trap '' PIPE; { \"$VNCONSOLE\" batch; echo status $? >&2; } | head -n 1", input);
+    Outcome const told =
+        runShell("trap '' PIPE; { \"$VNCONSOLE\" batch; echo status $? >&2; } | head -n 1", input);
     EXPECT_EQ(told.err, "status 1\n");
 }
 #else

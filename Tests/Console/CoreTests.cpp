@@ -4,12 +4,12 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "Console/Excerpt.h"
-#include "Console/SelfTestCommand.h"
+#include "Console/CommandLine/SelfTestCommand.h"
+#include "Console/Session/Vocabulary.h"
 #include "Console/SettingsFields.h"
-#include "Console/Table.h"
+#include "Console/Terminal/Excerpt.h"
+#include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
-#include "Console/Vocabulary.h"
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/UnitTest.h"
@@ -32,17 +32,18 @@ TEST(ExcerptTests, BothLinesTakeTheSameColumns) {
         {L"abc", 3, L"   ^"},
         {L"abc", 4000000000, L"   ^"},
         {L"", 0, L"^"},
-        {L"\u65E5b", 1, L"  ^"},          // wide
-        {L"e\u0301b", 2, L" ^"},          // combining
-        {L"\U0001F4CFb", 2, L"  ^"},      // two 16-bit characters, two columns
-        {L"\U0001F4CFb", 1, L"  ^"},      // between them is behind them
-        {L"\tb", 1, L"\t^"},              // a tab for a tab
-        {L"\x01" L"b", 1, L" ^"},         // shown by its picture
-        {L"\uFF11b", 1, L"  ^"},          // fullwidth digit
+        {L"\u65E5b", 1, L"  ^"},     // wide
+        {L"e\u0301b", 2, L" ^"},     // combining
+        {L"\U0001F4CFb", 2, L"  ^"}, // two 16-bit characters, two columns
+        {L"\U0001F4CFb", 1, L"  ^"}, // between them is after them
+        {L"\tb", 1, L"\t^"},         // a tab for a tab
+        {L"\x01"
+         L"b",
+         1, L" ^"},              // shown by its picture
+        {L"\uFF11b", 1, L"  ^"}, // fullwidth digit
     };
-    for (Row const & row : rows) {
+    for (Row const & row : rows)
         EXPECT_EQ(excerptAt(row.text, row.position).caret, row.caret) << Text::toUtf8(row.text);
-    }
 }
 
 TEST(ExcerptTests, HalfOfASurrogatePairTakesAColumn) {
@@ -55,8 +56,8 @@ TEST(ExcerptTests, HalfOfASurrogatePairTakesAColumn) {
 
 TEST(ExcerptTests, WindowKeepsThePositionInSight) {
     std::wstring const text(10000000, L'x');
-    for (std::size_t const position : {std::size_t{0}, std::size_t{5}, text.size() / 2,
-                                       text.size() - 1, text.size()}) {
+    for (std::size_t const position :
+         {std::size_t{0}, std::size_t{5}, text.size() / 2, text.size() - 1, text.size()}) {
         Excerpt const excerpt = excerptAt(text, position);
         EXPECT_LE(excerpt.text.size(), 82u);
         EXPECT_LE(excerpt.caret.size() - 1, excerpt.text.size());
@@ -83,9 +84,9 @@ TEST(TextsTests, ShortestNumberReadsBack) {
         double value;
         wchar_t const * text;
     };
-    Row const rows[] = {{2.0, L"2"},        {0.1, L"0.1"},      {-1.5, L"-1.5"},
-                        {1e300, L"1e+300"}, {5e-324, L"5e-324"},
-                        {0.1 + 0.2, L"0.30000000000000004"}};
+    Row const rows[] = {{2.0, L"2"},         {0.1, L"0.1"},
+                        {-1.5, L"-1.5"},     {1e300, L"1e+300"},
+                        {5e-324, L"5e-324"}, {0.1 + 0.2, L"0.30000000000000004"}};
     for (Row const & row : rows) EXPECT_EQ(shortestNumber(row.value), row.text);
 }
 
@@ -105,13 +106,13 @@ TEST(TextsTests, CaseOfAsciiLettersDoesNotCount) {
 TEST(SettingsFieldsTests, SixteenFieldsInTheOrderOfTheRecord) {
     std::vector<std::string> names;
     for (SettingsField const & field : settingsFields()) names.emplace_back(field.name);
-    EXPECT_EQ(names, (std::vector<std::string>{
-                         "generalUnit", "generalPrecision", "angularPrecision",
-                         "scientificPrecision", "lengthDisplay", "degreeDisplay", "compressUnits",
-                         "scientificNotation", "decimalPointIsFullStop", "displayAbbreviated",
-                         "displaySymbol", "specifiedByNode", "hideTrailingZeroes",
-                         "minimumPrecision", "useScientificNotationAboveThreshold",
-                         "useScientificNotationBelowThreshold"}));
+    EXPECT_EQ(names,
+              (std::vector<std::string>{
+                  "generalUnit", "generalPrecision", "angularPrecision", "scientificPrecision",
+                  "lengthDisplay", "degreeDisplay", "compressUnits", "scientificNotation",
+                  "decimalPointIsFullStop", "displayAbbreviated", "displaySymbol",
+                  "specifiedByNode", "hideTrailingZeroes", "minimumPrecision",
+                  "useScientificNotationAboveThreshold", "useScientificNotationBelowThreshold"}));
 }
 
 TEST(SettingsFieldsTests, WhatIsSetIsRead) {
@@ -150,7 +151,7 @@ TEST(VocabularyTests, EveryWordIsUnderstoodByExpressions) {
             ++functions;
             continue;
         }
-        // A unit may share its spelling with a function, but not behind a number.
+        // A unit may share its spelling with a function, but not after a number.
         bool const isConstant = word.kind == Vocabulary::Kind::Constant;
         EXPECT_TRUE(Expressions::Expression(isConstant ? word.text : L"1 " + word.text))
             << Text::toUtf8(word.text);

@@ -104,9 +104,8 @@ TEST_F(DocumentCommandTests, JsonIsOneObjectALineAndNothingElse) {
     EXPECT_EQ(outcome.err, "");
     std::vector<nlohmann::json> objects;
     std::istringstream lines(outcome.out);
-    for (std::string line; std::getline(lines, line);) {
+    for (std::string line; std::getline(lines, line);)
         objects.push_back(nlohmann::json::parse(line));
-    }
     ASSERT_EQ(objects.size(), 4u);
     EXPECT_EQ(objects[0]["path"], "Groups");
     EXPECT_EQ(objects[0]["parent"], nullptr);
@@ -139,8 +138,9 @@ TEST_F(DocumentCommandTests, CommandsAreSeparatedByCommasOrThen) {
     fs::copy_file("b.vnd", "a.vnd", fs::copy_options::overwrite_existing);
     for (char const * const commands :
          {"make, add 2 2, delete 1", "make , add 2 2 , delete 1", "make then add 2 2 then delete 1",
-          "make,add 2 2,,delete 1,", "Groups.Make, groups.add 2 2, "
-                                                                "Delete 1"}) {
+          "make,add 2 2,,delete 1,",
+          "Groups.Make, groups.add 2 2, "
+          "Delete 1"}) {
         Outcome const outcome = document(commands);
         EXPECT_EQ(outcome.status, 0) << commands << '\n' << outcome.err;
         EXPECT_EQ(outcome.out, answers) << commands;
@@ -158,9 +158,8 @@ TEST_F(DocumentCommandTests, EveryFormOfAPathNamesTheSameEntity) {
         EXPECT_EQ(places(outcome.out), isPath ? "Groups/CmnData[0]/CmnData[0]/CmnData[1] #6\n" : "")
             << path;
     }
-    for (char const * const path : {".", "Groups", "#1"}) {
+    for (char const * const path : {".", "Groups", "#1"})
         EXPECT_EQ(places(document(std::string("tree ") + path).out), c_sample) << path;
-    }
 }
 
 TEST_F(DocumentCommandTests, WrongPathsAreExplained) {
@@ -173,19 +172,22 @@ TEST_F(DocumentCommandTests, WrongPathsAreExplained) {
         {"7", "Groups has no child 7: it has 0 to 1"},
         {"0/1", "Groups/CmnData[0] has no child 1: it has only 0"},
         {"1/0", "Groups/CmnData[1] has no children"},
-        {"0/0/0/0", "Groups/CmnData[0]/CmnData[0]/CmnData[0] is no group and has no children"},
+        {"0/0/0/0", "Groups/CmnData[0]/CmnData[0]/CmnData[0] isn't a group and has no children"},
         {"0/99999999999999999999", "Groups/CmnData[0] has no child 99999999999999999999: it has "
                                    "only 0"},
-        {"0/CmnDta[0]", "\"CmnDta[0]\" is no child of Groups/CmnData[0]: children are called 0 or "
-                        "CmnData[0], 1 or CmnData[1], and so on"},
+        {"0/CmnDta[0]",
+         "\"CmnDta[0]\" isn't a child of Groups/CmnData[0]: children are called 0 or "
+         "CmnData[0], 1 or CmnData[1], and so on"},
         {"Group/0", "the document has no root \"Group\"; its root is Groups"},
         {"#77", "no entity has the id #77"},
-        {"#x", "\"#x\" is no id: that is a number such as #12"},
-        {"#", "\"#\" is no id: that is a number such as #12"},
-        {"0//1", "\"0//1\" is no path: write it as 0/2, as Groups/CmnData[0]/CmnData[2], or as #12 "
-                 "with the id of the entity"},
-        {"0/[1", "\"0/[1\" is no path: write it as 0/2, as Groups/CmnData[0]/CmnData[2], or as #12 "
-                 "with the id of the entity"},
+        {"#x", "\"#x\" isn't an id: that is a number such as #12"},
+        {"#", "\"#\" isn't an id: that is a number such as #12"},
+        {"0//1",
+         "\"0//1\" isn't a path: write it as 0/2, as Groups/CmnData[0]/CmnData[2], or as #12 "
+         "with the id of the entity"},
+        {"0/[1",
+         "\"0/[1\" isn't a path: write it as 0/2, as Groups/CmnData[0]/CmnData[2], or as #12 "
+         "with the id of the entity"},
     };
     for (Row const & row : rows) {
         Outcome const outcome = document(std::string("remove ") + row.path);
@@ -203,38 +205,44 @@ TEST_F(DocumentCommandTests, WrongCommandsAreExplained) {
         char const * err;
     };
     Row const rows[] = {
-        {"make 0/0/0", "cannot make a group: Groups/CmnData[0]/CmnData[0]/CmnData[0] is no group\n"},
+        {"make 0/0/0",
+         "cannot make a group: Groups/CmnData[0]/CmnData[0]/CmnData[0] isn't a group\n"},
         {"make 0 1", "cannot make a group: \"1\" is too much: Groups.Make [Parent]\n"},
         {"add", "cannot add entities: more is needed: Groups.Add <Parent> [Count]\n"},
-        {"add 0 0", "cannot add entities: \"0\" is no whole number from 1 to 1000000\n"},
-        {"add 0 many", "cannot add entities: \"many\" is no whole number from 1 to 1000000\n"},
-        {"add 0 1000001", "cannot add entities: \"1000001\" is no whole number from 1 to 1000000\n"},
+        {"add 0 0", "cannot add entities: \"0\" isn't a whole number from 1 to 1000000\n"},
+        {"add 0 many", "cannot add entities: \"many\" isn't a whole number from 1 to 1000000\n"},
+        {"add 0 1000001",
+         "cannot add entities: \"1000001\" isn't a whole number from 1 to 1000000\n"},
         {"add 0 4294967297",
-         "cannot add entities: \"4294967297\" is no whole number from 1 to 1000000\n"},
-        {"add 0/0/0 2", "cannot add entities: Groups/CmnData[0]/CmnData[0]/CmnData[0] is no group\n"},
+         "cannot add entities: \"4294967297\" isn't a whole number from 1 to 1000000\n"},
+        {"add 0/0/0 2",
+         "cannot add entities: Groups/CmnData[0]/CmnData[0]/CmnData[0] isn't a group\n"},
         {"remove .", "cannot remove: Groups is a root of the tree\n"},
         {"remove 0", "cannot remove: Groups/CmnData[0] is a group with 4 entities below it; "
                      "Groups.Delete deletes them all\n"},
-        {"delete 0/0/0", "cannot delete: Groups/CmnData[0]/CmnData[0]/CmnData[0] is no group; "
+        {"delete 0/0/0", "cannot delete: Groups/CmnData[0]/CmnData[0]/CmnData[0] isn't a group; "
                          "Groups.Remove takes it out of its own\n"},
         {"delete Groups", "cannot delete: Groups is a root of the tree\n"},
         {"move 0", "cannot move: more is needed: Groups.Move <Path> before|after|into <Path>\n"},
         {"move 0 behind 1", "cannot move: an entity goes before or after another, or into a group, "
                             "not \"behind\"\n"},
         {"move 0 before 0", "cannot move: an entity has no place beside or within itself\n"},
-        {"move 0 before 0/0/1", "cannot move: Groups/CmnData[0]/CmnData[0]/CmnData[1] stands within "
-                                "Groups/CmnData[0]\n"},
+        {"move 0 before 0/0/1",
+         "cannot move: Groups/CmnData[0]/CmnData[0]/CmnData[1] stands within "
+         "Groups/CmnData[0]\n"},
         {"move 0 into 0/0",
          "cannot move: Groups/CmnData[0]/CmnData[0] stands within Groups/CmnData[0]\n"},
-        {"move 1 into 0/0/0", "cannot move: Groups/CmnData[0]/CmnData[0]/CmnData[0] is no group\n"},
+        {"move 1 into 0/0/0",
+         "cannot move: Groups/CmnData[0]/CmnData[0]/CmnData[0] isn't a group\n"},
         {"move . into 0", "cannot move: Groups is a root of the tree\n"},
         {"move 0 before .", "cannot move: Groups is a root and has no siblings\n"},
-        {"undo", "cannot undo: nothing was changed since the document was opened; the history isn't "
-                 "saved, and no earlier session can be undone\n"},
+        {"undo",
+         "cannot undo: nothing was changed since the document was opened; the history isn't "
+         "saved, and no earlier session can be undone\n"},
         {"make, undo, undo", "cannot undo: everything is undone already\n"},
         {"redo", "cannot redo: nothing was undone last\n"},
         {"make, undo, make, redo", "cannot redo: nothing was undone last\n"},
-        {"make 0 /Fast", "cannot make a group: \"/Fast\" is no flag of it, and a path goes in "
+        {"make 0 /Fast", "cannot make a group: \"/Fast\" isn't a flag of it, and a path goes in "
                          "quotes: Groups.Make [Parent]\n"},
     };
     std::string const before = readFile("a.vnd");
@@ -280,8 +288,8 @@ TEST_F(DocumentCommandTests, AnEntityThatIsMovedIntoItsOwnGroupGoesToTheEnd) {
 TEST_F(DocumentCommandTests, NothingIsSavedIfNothingChanged) {
     makeSample();
     std::string const before = readFile("a.vnd");
-    for (char const * const commands : {"tree", "history", "make, undo", "move 1 after 0",
-                                        "move 0/0 into 0"}) {
+    for (char const * const commands :
+         {"tree", "history", "make, undo", "move 1 after 0", "move 0/0 into 0"}) {
         Outcome const outcome = document(commands);
         EXPECT_EQ(outcome.status, 0) << commands << outcome.err;
         EXPECT_EQ(outcome.out.find("saved a.vnd"), std::string::npos) << commands;
@@ -290,7 +298,8 @@ TEST_F(DocumentCommandTests, NothingIsSavedIfNothingChanged) {
     EXPECT_EQ(document("move 1 after 0").out, "Groups/CmnData[1] is there already\n");
 }
 
-// A child that isn't saved, such as one in a transient segment, leaves null in the list of its group.
+// A child that isn't saved, such as one in a transient segment, leaves null in the list of its
+// group.
 TEST_F(DocumentCommandTests, AnEmptyPlaceInAGroupIsPassedOver) {
     ASSERT_EQ(document("new, add . 3").status, 0);
     execute("a.vnd", "UPDATE lists SET items='[2,null,4]' WHERE entity=1;"
@@ -312,7 +321,8 @@ TEST_F(DocumentCommandTests, AnEmptyPlaceInAGroupIsPassedOver) {
 
 TEST_F(DocumentCommandTests, ParentsThatLeadInACircleAreDamage) {
     ASSERT_EQ(document("new, make, make, add 0 1").status, 0);
-    execute("a.vnd", "UPDATE CommonBaseGroupEntity SET \"ManagedEntity.rParent\"=5-id WHERE id IN (2,3)");
+    execute("a.vnd",
+            "UPDATE CommonBaseGroupEntity SET \"ManagedEntity.rParent\"=5-id WHERE id IN (2,3)");
     for (char const * const commands : {"tree", "check", "make"}) {
         Outcome const outcome = document(commands);
         EXPECT_EQ(outcome.status, 1) << commands;
@@ -325,8 +335,7 @@ TEST_F(DocumentCommandTests, AMissingFileIsAnErrorForAllButNew) {
     for (char const * const commands : {"tree", "make", "undo", ""}) {
         Outcome const outcome = document(commands);
         EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.err,
-                  "cannot open the document: there is no a.vnd; --new makes it\n");
+        EXPECT_EQ(outcome.err, "cannot open the document: there is no a.vnd; --new makes it\n");
         EXPECT_FALSE(fs::exists("a.vnd"));
     }
     EXPECT_EQ(document("check").status, 1);
@@ -340,8 +349,9 @@ TEST_F(DocumentCommandTests, ANewDocumentReplacesAFileOnlyByForce) {
     for (char const * const commands : {"new", "--new", "--new make", "--new new"}) {
         Outcome const outcome = document(commands);
         EXPECT_EQ(outcome.status, 1) << commands;
-        EXPECT_EQ(outcome.err, "cannot make a new document: a.vnd is there already; the command new "
-                               "/Force replaces it\n");
+        EXPECT_EQ(outcome.err,
+                  "cannot make a new document: a.vnd is there already; the command new "
+                  "/Force replaces it\n");
     }
     EXPECT_EQ(readFile("a.vnd"), before);
     EXPECT_EQ(document("new /force, make").status, 0);
@@ -380,10 +390,11 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
         {"frobnicate",
          "vnconsole: there is no command \"frobnicate\" on documents; the commands are new, tree, "
          "undo, redo, history, check, make, add, remove, move, delete\n"},
-        {"Units.List", "vnconsole: there is no command \"Units.List\" on documents; the commands are "
-                       "new, tree, undo, redo, history, check, make, add, remove, move, delete\n"},
+        {"Units.List",
+         "vnconsole: there is no command \"Units.List\" on documents; the commands are "
+         "new, tree, undo, redo, history, check, make, add, remove, move, delete\n"},
         {"make, saveas b.vnd", "vnconsole: saveas belongs to a session; here the file is opened "
-                               "first and saved behind the last command\n"},
+                               "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},
         {"check, tree", "vnconsole: check stands alone, and looks at the file\n"},
         {"make --json", "vnconsole: --json goes with the command tree\n"},

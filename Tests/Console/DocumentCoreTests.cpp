@@ -6,10 +6,10 @@
 #include <sstream>
 #include <vector>
 
-#include "Console/DocumentPlace.h"
-#include "Console/DocumentSession.h"
-#include "Console/DocumentTextCommands.h"
-#include "Console/DocumentTree.h"
+#include "Console/Documents/Place.h"
+#include "Console/Documents/Session.h"
+#include "Console/Documents/TextCommands.h"
+#include "Console/Documents/Tree.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
 #include "Platform/DataModel/InterfaceId.h"
@@ -87,7 +87,7 @@ TEST_F(DocumentCoreTests, ARemovedEntityGoesUnlessSomebodyHoldsIt) {
     EXPECT_FALSE(m_session.asset().entity(4));
     EXPECT_EQ(tree().substr(tree().rfind('\n', tree().size() - 2) + 1),
               "1 entity stands outside the tree\n");
-    EXPECT_EQ(answer(L"tree #3"), "cannot show the tree: #3 is no part of the tree");
+    EXPECT_EQ(answer(L"tree #3"), "cannot show the tree: #3 isn't part of the tree");
 }
 
 TEST_F(DocumentCoreTests, DeletingTakesEverythingBelow) {
@@ -124,7 +124,7 @@ TEST_F(DocumentCoreTests, ParentsInACircleLeadToNoRoot) {
     EXPECT_EQ(entityPath(*first), L"");
     EXPECT_FALSE(isWithin(*first, *root));
     EXPECT_TRUE(isWithin(*first, *second));
-    EXPECT_EQ(answer(L"tree #2"), "cannot show the tree: #2 is no part of the tree");
+    EXPECT_EQ(answer(L"tree #2"), "cannot show the tree: #2 isn't part of the tree");
 }
 
 TEST_F(DocumentCoreTests, AnEntityThatAForeignGroupListsIsntMoved) {
@@ -155,7 +155,7 @@ TEST_F(DocumentCoreTests, ADocumentWithoutTheRootGroupGetsItByTheFirstChange) {
 TEST_F(DocumentCoreTests, ARootThatIsNoGroupIsRefused) {
     StrongRef<Entity> const plain = makeEntity(m_session.root());
     m_session.design().addRoot(plain, DocumentSession::c_rootKey);
-    EXPECT_EQ(answer(L"make"), "cannot make a group: Groups is no group");
+    EXPECT_EQ(answer(L"make"), "cannot make a group: Groups isn't a group");
 }
 
 TEST_F(DocumentCoreTests, AnEntityWithAKeyOfItsOwnIsTakenOutOnlyWhereAGroupListsIt) {
@@ -164,8 +164,9 @@ TEST_F(DocumentCoreTests, AnEntityWithAKeyOfItsOwnIsTakenOutOnlyWhereAGroupLists
     EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #2\nOther\\/1 #2\n");
     EXPECT_EQ(answer(L"remove #2"), "cannot remove: Other\\/1 is a root of the tree");
     EXPECT_EQ(answer(L"make Other\\/1"), "made Other\\/1/CmnData[0] (#3)");
-    EXPECT_EQ(answer(L"delete 0"), "deleted Groups/CmnData[0] (#2) and 1 entity below it; something "
-                                   "else holds it, and it stays in the document");
+    EXPECT_EQ(answer(L"delete 0"),
+              "deleted Groups/CmnData[0] (#2) and 1 entity below it; something "
+              "else holds it, and it stays in the document");
     EXPECT_EQ(places(tree()), "Groups #1\nOther\\/1 #2\nOther\\/1/CmnData[0] #3\n");
 }
 

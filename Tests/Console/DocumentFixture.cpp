@@ -1,30 +1,22 @@
 #include "Tests/Console/DocumentFixture.h"
 
 #include <fstream>
-#include <random>
 #include <sqlite3.h>
 #include <sstream>
 #include <vector>
 
-#include "Platform/DataModel/DocumentFileEngineInternal.h"
+#include "Platform/DataModel/File/Engine.h"
 #include "Tests/DataModel/DocumentEngine.h"
 
 namespace Vn::Console::Tests {
 
 namespace fs = std::filesystem;
 
-DocumentFixture::DocumentFixture() : m_before(fs::current_path()) {
-    std::random_device random;
-    do {
-        m_directory = fs::temp_directory_path() / ("vnconsole-test-" + std::to_string(random()));
-    } while (!fs::create_directory(m_directory));
-    fs::current_path(m_directory);
-}
+DocumentFixture::DocumentFixture() : m_before(fs::current_path()) { fs::current_path(directory()); }
 
 DocumentFixture::~DocumentFixture() {
     std::error_code ignored;
-    fs::current_path(m_before, ignored);
-    fs::remove_all(m_directory, ignored);
+    fs::current_path(m_before, ignored); // so that the other can go
 }
 
 void DocumentFixture::needFiles() {
@@ -39,7 +31,7 @@ Outcome DocumentFixture::document(std::string const & commands, std::string cons
 }
 
 std::string DocumentFixture::readFile(std::string const & name) const {
-    std::ifstream file(m_directory / name, std::ios::binary);
+    std::ifstream file(directory() / name, std::ios::binary);
     std::stringstream text;
     text << file.rdbuf();
     EXPECT_TRUE(file) << name;
@@ -49,7 +41,7 @@ std::string DocumentFixture::readFile(std::string const & name) const {
 void DocumentFixture::execute(std::string const & name, char const * sql) const {
     EXPECT_EQ(DataModel::missingEngine(), "");
     sqlite3 * database = nullptr;
-    EXPECT_EQ(sqlite3_open((m_directory / name).string().c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(sqlite3_open((directory() / name).string().c_str(), &database), SQLITE_OK);
     EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK)
         << sqlite3_errmsg(database);
     sqlite3_close(database);

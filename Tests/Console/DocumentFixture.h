@@ -7,7 +7,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "Tests/Console/Process.h"
+#include "Tests/Support/Process.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Console::Tests {
 
@@ -19,7 +20,7 @@ protected:
     // For SetUp of tests that save: skips them where documents can't be saved.
     static void needFiles();
 
-    std::filesystem::path const & directory() const { return m_directory; }
+    std::filesystem::path const & directory() const { return m_directory.path(); }
     // Runs commands on the file "a.vnd", or another.  Blanks separate arguments.
     static Outcome document(std::string const & commands, std::string const & file = "a.vnd");
 
@@ -33,7 +34,7 @@ protected:
 
 private:
     std::filesystem::path const m_before;
-    std::filesystem::path m_directory;
+    Testing::TemporaryDirectory const m_directory;
 };
 
 } // namespace Vn::Console::Tests

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "Console/DocumentSession.h"
-#include "Console/DocumentTextCommands.h"
-#include "Console/SessionCompletion.h"
+#include "Console/Documents/Session.h"
+#include "Console/Documents/TextCommands.h"
+#include "Console/Session/Completion.h"
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/Text.h"
 #include "Tests/Console/DocumentFixture.h"
@@ -70,7 +70,7 @@ TEST_F(DocumentSessionFileTests, EveryChangeIsTakenBackAndMadeAgain) {
         EXPECT_EQ(outcome.out.substr(undone, before.size()), before) << change;
         std::size_t const redone = outcome.out.find("Groups  #1  ", undone + before.size());
         EXPECT_EQ(outcome.out.substr(redone, after.size()), after) << change;
-        // What is undone is no change that could be lost.
+        // What is undone isn't a change that could be lost.
         EXPECT_EQ(outcome.status, 0) << change << outcome.err;
         EXPECT_NE(outcome.out.find("the document is as a.vnd has it\n"), std::string::npos);
     }
@@ -91,9 +91,10 @@ TEST_F(DocumentSessionTests, WithoutADocumentCommandsSayHowToGetOne) {
         Outcome const outcome = session(std::string(line) + "\n");
         EXPECT_EQ(outcome.status, 1) << line;
         EXPECT_EQ(outcome.err.substr(0, 7), "cannot ") << line;
-        EXPECT_NE(outcome.err.find(": no document is open; Document.New makes one, and Document.Open "
-                                   "FILE opens one\n"),
-                  std::string::npos)
+        EXPECT_NE(
+            outcome.err.find(": no document is open; Document.New makes one, and Document.Open "
+                             "FILE opens one\n"),
+            std::string::npos)
             << line;
     }
     EXPECT_EQ(session("check\n").err, "cannot check: there is no file; name one\n");
@@ -134,7 +135,8 @@ TEST_F(DocumentSessionFileTests, UnsavedChangesAreToldAtTheEnd) {
 
 #ifndef _WIN32
 
-// Whatever the limit is, a command that has no memory is taken back, and what was there before is saved.
+// Whatever the limit is, a command that has no memory is taken back, and what was there before is
+// saved.
 TEST_F(DocumentSessionFileTests, ACommandThatRunsOutOfMemoryIsTakenBack) {
     unsigned refused = 0;
     for (int const limit : {60'000, 80'000, 100'000, 140'000}) {
@@ -145,7 +147,8 @@ TEST_F(DocumentSessionFileTests, ACommandThatRunsOutOfMemoryIsTakenBack) {
         if (outcome.out.find("a new document") == std::string::npos) continue; // not even that
         if (!isRefused) break;
         ++refused;
-        EXPECT_EQ(outcome.err, "cannot add entities: memory ran out; the document is as it was before\n");
+        EXPECT_EQ(outcome.err,
+                  "cannot add entities: memory ran out; the document is as it was before\n");
         EXPECT_EQ(document("check", "b.vnd").status, 0);
         EXPECT_EQ(places(document("tree", "b.vnd").out), "Groups #1\n"
                                                          "Groups/CmnData[0] #2\n"
@@ -199,14 +202,15 @@ TEST_F(DocumentSessionFileTests, SavingSaysWhatItDid) {
 }
 
 TEST_F(DocumentSessionFileTests, AFailedOpenKeepsTheDocument) {
-    Outcome const outcome = session("new\nsaveas a.vnd\nopen nothing.vnd\nopen \"a\\\"b\"\nhistory\n");
+    Outcome const outcome =
+        session("new\nsaveas a.vnd\nopen nothing.vnd\nopen \"a\\\"b\"\nhistory\n");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.out.find("the document is as a.vnd has it\n"), std::string::npos);
     EXPECT_EQ(outcome.err,
               "cannot open the document 'nothing.vnd': not found: there is no such file\n"
               "cannot open the document 'a\"b': not found: there is no such file\n");
     EXPECT_EQ(session(std::string("open a\0b\n", 9)).err,
-              "cannot open the document: \"a\u2400b\" is no name of a file\n");
+              "cannot open the document: \"a\u2400b\" isn't a file name\n");
 }
 
 TEST_F(DocumentSessionFileTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
@@ -241,9 +245,8 @@ TEST_F(DocumentSessionTests, CommandsAreCompletedAndListed) {
     Initializer::runAll();
     auto const texts = [](wchar_t const * line) {
         std::vector<std::wstring> all;
-        for (auto const & candidate : completeSessionLine(line).candidates) {
+        for (auto const & candidate : completeSessionLine(line).candidates)
             all.push_back(candidate.text);
-        }
         return all;
     };
     EXPECT_TRUE(texts(L"Groups.").empty());
@@ -268,8 +271,9 @@ TEST_F(DocumentSessionTests, WithoutADatabaseEngineDocumentsGoOnAndArentSaved) {
                            "made Groups/CmnData[0] (#2)\n"
                            "undone: make Groups/CmnData[0]\n");
     for (char const * const file : {"a.vnd", "b.vnd"}) {
-        std::string const line = "cannot save the document '" + std::string(file) +
-                                 "': not supported: winsqlite3.dll of Windows 10 or later is missing";
+        std::string const line =
+            "cannot save the document '" + std::string(file) +
+            "': not supported: winsqlite3.dll of Windows 10 or later is missing";
         EXPECT_NE(outcome.err.find(line), std::string::npos) << outcome.err;
         EXPECT_FALSE(std::filesystem::exists(file));
     }

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Tests/Console/DocumentFixture.h"
-#include "Tests/Console/TerminalSession.h"
+#include "Tests/Support/TerminalSession.h"
 
 namespace Vn::Console::Tests {
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "Tests/Console/Process.h"
+#include "Tests/Support/Process.h"
 
 namespace Vn::Console::Tests {
 
@@ -84,7 +84,7 @@ TEST(EvalTests, StandardSettingsAreTheFactorySettings) {
                 "rebuilt    177000 cm\n"});
 }
 
-TEST(EvalTests, TextThatBeginsWithAMinusStandsBehindTwoDashes) {
+TEST(EvalTests, TextThatBeginsWithAMinusStandsAfterTwoDashes) {
     expectGood({{"eval", "--", "-5 in", "-PI"},
                 "-5 in\n"
                 "formatted  -5.00 in\n"
@@ -106,7 +106,7 @@ TEST(EvalTests, AnUnknownOptionTellsOfTheTwoDashes) {
     EXPECT_EQ(outcome.err,
               "TEXT is required\n"
               "Run with --help for more information.\n"
-              "A text that begins with \"-\" goes behind \"--\": vnconsole eval -- '-PI'\n");
+              "A text that begins with \"-\" goes after \"--\": vnconsole eval -- '-PI'\n");
 }
 
 // What the parser of the command line would take for a list, an end mark or nothing.
@@ -187,11 +187,11 @@ TEST(EvalTests, UnknownUnitOfAnOptionIsAUsageError) {
         char const * err;
     };
     Bad const rows[] = {
-        {{"eval", "2", "--unit", "bogus"}, "vnconsole: --unit: \"bogus\" is no unit\n"},
+        {{"eval", "2", "--unit", "bogus"}, "vnconsole: --unit: \"bogus\" isn't a unit\n"},
         {{"eval", "2", "--unit", "CM"},
-         "vnconsole: --unit: \"CM\" is no unit\n  did you mean cm?\n"},
-        {{"eval", "2", "--unit", "?"}, "vnconsole: --unit: \"?\" is no unit\n"},
-        {{"eval", "2", "--display", "2 cm"}, "vnconsole: --display: \"2 cm\" is no unit\n"},
+         "vnconsole: --unit: \"CM\" isn't a unit\n  did you mean cm?\n"},
+        {{"eval", "2", "--unit", "?"}, "vnconsole: --unit: \"?\" isn't a unit\n"},
+        {{"eval", "2", "--display", "2 cm"}, "vnconsole: --display: \"2 cm\" isn't a unit\n"},
     };
     for (Bad const & row : rows) {
         Outcome const outcome = runConsole(row.arguments);

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Tests/Console/Process.h"
+#include "Tests/Support/Process.h"
 
 namespace Vn::Console::Tests {
 
@@ -147,7 +147,7 @@ TEST(FailureTests, NothingIsSuggestedWhereNothingIsNear) {
     }
 }
 
-TEST(FailureTests, WhatStandsRightBehindAFractionGetsAHint) {
+TEST(FailureTests, WhatStandsRightAfterAFractionGetsAHint) {
     struct Hint {
         char const * text;
         char const * hint;
@@ -182,9 +182,8 @@ TEST(FailureTests, TheTextOfAHintGivesTheQuotient) {
                                         "((2 + 1/3) * 1 cm)", "(7/(2.2) * 1 cm)"});
     EXPECT_EQ(outcome.status, 0);
     for (char const * const value : {"\"value\":3.18181818", "\"value\":0.0005,",
-                                     "\"value\":2.33333333", "\"internalUnits\":\"cm\""}) {
+                                     "\"value\":2.33333333", "\"internalUnits\":\"cm\""})
         EXPECT_NE(outcome.out.find(value), std::string::npos) << value;
-    }
 }
 
 TEST(FailureTests, ExplanationsNameWhatIsWrong) {
@@ -198,7 +197,7 @@ TEST(FailureTests, ExplanationsNameWhatIsWrong) {
         {"cos()", "\"cos\" takes 1 argument, not 0"},
         {"random(1)", "\"random\" takes no arguments, not 1"},
         {"1 + pow(2) * 3", "\"pow\" takes 2 arguments, not 1"},
-        {"cos 3", "the arguments of \"cos\" go in brackets behind it"},
+        {"cos 3", "the arguments of \"cos\" go in brackets after it"},
         {"(1 + 2", "a bracket isn't closed"},
         {"1 + 2)", "this bracket closes none"},
         {"1; 2", "\";\" stands only between the arguments of a function"},
@@ -210,7 +209,7 @@ TEST(FailureTests, ExplanationsNameWhatIsWrong) {
                     "factors at most"},
         {"cm^-1", "the exponent of a unit must be a whole number above zero, and a unit has 4096 "
                   "factors at most"},
-        {"(2 + 3) cm", "a unit can stand only behind a number"},
+        {"(2 + 3) cm", "a unit can stand only after a number"},
         {"2 PI", "an operator is missing in front of \"PI\""},
         {"2 *", "nothing that can be used follows \"*\""},
         {"()", "nothing stands in the brackets"},
@@ -230,8 +229,11 @@ TEST(FailureTests, TooDeepNestingIsTold) {
     EXPECT_EQ(outcome.err,
               "Parse error at character 1000: brackets, functions and signs stand more than 1000 "
               "deep in one another\n"
-              "  ..." + std::string(40, '(') + std::string(36, '(') + "...\n"
-              "     " + std::string(40, ' ') + "^\n");
+              "  ..." +
+                  std::string(40, '(') + std::string(36, '(') +
+                  "...\n"
+                  "     " +
+                  std::string(40, ' ') + "^\n");
 }
 
 } // namespace

@@ -3,10 +3,11 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "Console/SessionCompletion.h"
+#include "Console/Session/Completion.h"
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/Text.h"
-#include "Tests/Console/Process.h"
+#include "Tests/Support/Process.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Console::Tests {
 
@@ -43,7 +44,7 @@ TEST(PipedSessionTests, BadLinesAreToldAndTheRestIsDone) {
               "no value: a divisor is nearly zero, a number is too large, or a function isn't "
               "defined for its argument\n"
               "the line isn't UTF-8\n"
-              "unit: \"bogus\" is no unit\n");
+              "unit: \"bogus\" isn't a unit\n");
 }
 
 TEST(PipedSessionTests, UnitAndDisplayAreKept) {
@@ -159,12 +160,10 @@ TEST(PipedSessionTests, HelpKnowsEveryTopicAndCommand) {
     std::string const help = runConsole({}, "help\n").out;
     for (char const * const word :
          {"help [TOPIC]", "unit [UNIT]", "display [UNIT]", "set [FIELD [VALUE]]", "standard",
-          "units [PATTERN]", "language", "quit"}) {
+          "units [PATTERN]", "language", "quit"})
         EXPECT_NE(help.find(std::string("\n  ") + word), std::string::npos) << word;
-    }
-    for (char const * const topic : {"expressions", "numbers", "functions", "constants",
-                                     "prefixes", "documents", "commands", "unit", "set",
-                                     "quit"}) {
+    for (char const * const topic : {"expressions", "numbers", "functions", "constants", "prefixes",
+                                     "documents", "commands", "unit", "set", "quit"}) {
         Outcome const outcome = runConsole({}, std::string("help ") + topic + "\n");
         EXPECT_EQ(outcome.status, 0) << topic;
         EXPECT_NE(outcome.out, "") << topic;
@@ -242,7 +241,8 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
         {L"sq", 2, {L"sqrt"}},
         {L"2 * Spee", 4, {L"SpeedOfLight"}},
         {L"un", 2, {L"unit", L"units"}},
-        {L"Units.", 6,
+        {L"Units.",
+         6,
          {L"Units.List", L"Units.MakeForMagnitude", L"Units.ShowComplexUnits",
           L"Units.DisplayInternalUnit"}},
         {L"units.l", 7, {L"Units.List"}},
@@ -266,8 +266,8 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
 }
 
 TEST(ProgressTests, NothingIsCountedElsewhere) {
-    TemporaryFile const file("{\"text\":\"2\"}\n");
-    EXPECT_EQ(runConsole({"batch", file.path()}).err, "");
+    Testing::TemporaryFile const file("{\"text\":\"2\"}\n");
+    EXPECT_EQ(runConsole({"batch", file.text()}).err, "");
 }
 
 } // namespace

@@ -9,8 +9,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Tests/Console/Process.h"
-#include "Tests/Console/TerminalSession.h"
+#include "Tests/Support/Process.h"
+#include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/TerminalSession.h"
 
 namespace Vn::Console::Tests {
 
@@ -18,27 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class TemporaryDirectory {
-public:
-    TemporaryDirectory() {
-        std::string name = (fs::temp_directory_path() / "vnconsole-test-XXXXXX").string();
-        m_path = ::mkdtemp(name.data());
-    }
-    ~TemporaryDirectory() {
-        std::error_code ignored;
-        fs::permissions(m_path, fs::perms::owner_all, ignored);
-        fs::remove_all(m_path, ignored);
-    }
-    TemporaryDirectory(TemporaryDirectory const &) = delete;
-    TemporaryDirectory & operator=(TemporaryDirectory const &) = delete;
-
-    fs::path const & path() const { return m_path; }
-
-private:
-    fs::path m_path;
-};
-
-// A terminal of somebody who never used the console before.
+// A terminal of someone who never used the console before.
 class InteractiveTests : public testing::Test {
 protected:
     std::map<std::string, std::string> environment() const {
@@ -46,7 +27,7 @@ protected:
     }
     fs::path history() const { return m_home.path() / ".local/state/vnconsole/history"; }
 
-    TemporaryDirectory const m_home;
+    Testing::TemporaryDirectory const m_home;
 };
 
 TEST_F(InteractiveTests, ExpressionIsEvaluatedWhenReturnIsPressed) {
@@ -141,7 +122,7 @@ TEST_F(InteractiveTests, HistoryIsKeptForTheNextSession) {
 }
 
 TEST_F(InteractiveTests, StateDirectoryIsTheUsersChoice) {
-    TemporaryDirectory const state;
+    Testing::TemporaryDirectory const state;
     std::map<std::string, std::string> chosen = environment();
     chosen["XDG_STATE_HOME"] = state.path().string();
     TerminalSession session({}, chosen);
@@ -171,7 +152,8 @@ TEST_F(InteractiveTests, WithoutAPlaceForTheHistoryNothingIsSaid) {
 TEST_F(InteractiveTests, LineCanBeEdited) {
     TerminalSession session({}, environment());
     ASSERT_TRUE(session.waitForPrompt());
-    session.type("2 ing\x7F\x01" "1\x05 + 0.5 in\r"); // erase, to the beginning, to the end
+    session.type("2 ing\x7F\x01"
+                 "1\x05 + 0.5 in\r"); // erase, to the beginning, to the end
     EXPECT_TRUE(session.waitFor("12.50 in\r\n")) << session.screen();
 }
 
@@ -192,7 +174,8 @@ TEST_F(InteractiveTests, ControlDEndsTheSession) {
 TEST_F(InteractiveTests, ControlCAbandonsTheLine) {
     TerminalSession session({}, environment());
     ASSERT_TRUE(session.waitForPrompt());
-    session.type("2 bogus\x03" "3 in\r");
+    session.type("2 bogus\x03"
+                 "3 in\r");
     EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
 }
 
@@ -205,8 +188,8 @@ TEST_F(InteractiveTests, BadLinesDoNotMakeTheStatusBad) {
 TEST(ProgressTests, LinesAreCountedOnATerminal) {
     std::string input;
     for (int i = 0; i < 2500; ++i) input += "{\"text\":\"2\"}\n";
-    TemporaryFile const file(input);
-    TerminalSession session({"batch", file.path()});
+    Testing::TemporaryFile const file(input);
+    TerminalSession session({"batch", file.text()});
     EXPECT_TRUE(session.waitFor("1000 lines\r"));
     EXPECT_TRUE(session.waitFor("2000 lines\r"));
     EXPECT_TRUE(session.waitFor("2500 lines\r\n"));

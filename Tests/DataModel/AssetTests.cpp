@@ -18,7 +18,7 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST(AssetTests, aNewDocumentHasADesignSegmentAndNothingToSave) {
+TEST(AssetTests, ANewDocumentHasADesignSegmentAndNothingToSave) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     EXPECT_EQ(asset->assetType(), nullptr);
     EXPECT_EQ(asset->segments(), 1U);
@@ -29,7 +29,7 @@ TEST(AssetTests, aNewDocumentHasADesignSegmentAndNothingToSave) {
     EXPECT_EQ(asset->adapter(), nullptr);
 }
 
-TEST(AssetTests, thereIsOneSegmentOfEachKind) {
+TEST(AssetTests, ThereIsOneSegmentOfEachKind) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     SegmentType * const transient = SegmentTypeMgr::get()->segmentType(2);
     Segment * const made = Segment::create(asset.get(), transient, true);
@@ -42,7 +42,7 @@ TEST(AssetTests, thereIsOneSegmentOfEachKind) {
     EXPECT_EQ(SegmentTypeMgr::get()->segmentType(4), nullptr);
 }
 
-TEST(AssetTests, whatHappensInATransientSegmentMakesNothingToSave) {
+TEST(AssetTests, WhatHappensInATransientSegmentMakesNothingToSave) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const segment =
         Segment::create(asset.get(), SegmentTypeMgr::get()->segmentType(2), true);
@@ -55,7 +55,7 @@ TEST(AssetTests, whatHappensInATransientSegmentMakesNothingToSave) {
     EXPECT_EQ(segment->rootEntity("root"), nullptr);
 }
 
-TEST(AssetTests, idsAreNeverUsedAgain) {
+TEST(AssetTests, IdsAreNeverUsedAgain) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     auto const first = Thing::make(*asset)->id();
     auto const second = Thing::make(*asset)->id();
@@ -65,7 +65,7 @@ TEST(AssetTests, idsAreNeverUsedAgain) {
     EXPECT_EQ(asset->entity(~0ULL), nullptr);
 }
 
-TEST(AssetTests, rootsKeepTheirOrder) {
+TEST(AssetTests, RootsKeepTheirOrder) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment & segment = *asset->segment(1U);
     StrongRef<Thing> const thing = Thing::make(*asset);
@@ -79,14 +79,14 @@ TEST(AssetTests, rootsKeepTheirOrder) {
     EXPECT_EQ(segment.rootEntity("d"), nullptr);
 }
 
-TEST(AssetTests, anEntityOfAnotherDocumentIsNoRoot) {
+TEST(AssetTests, AnEntityOfAnotherDocumentIsNoRoot) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Asset> const other = Asset::make(nullptr);
     asset->segment(1U)->addRoot(Thing::make(*other), "root");
     EXPECT_EQ(asset->segment(1U)->rootEntity("root"), nullptr);
 }
 
-TEST(AssetTests, aStrongReferenceIntoAnotherDocumentSurvivesUndo) {
+TEST(AssetTests, AStrongReferenceIntoAnotherDocumentSurvivesUndo) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Asset> other = Asset::make(nullptr);
     StrongRef<Thing> const thing = Thing::make(*asset);
@@ -103,7 +103,7 @@ TEST(AssetTests, aStrongReferenceIntoAnotherDocumentSurvivesUndo) {
     EXPECT_FALSE(foreign);
 }
 
-TEST(AssetTests, cyclesEndWithTheDocument) {
+TEST(AssetTests, CyclesEndWithTheDocument) {
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Thing> a = Thing::make(*asset);
     StrongRef<Thing> const b = Thing::make(*asset);
@@ -148,7 +148,7 @@ private:
     bool const m_bRaise;
 };
 
-TEST(AssetTests, aRequestIsOneStep) {
+TEST(AssetTests, ARequestIsOneStep) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     std::string told;
     EXPECT_TRUE(asset->run(std::make_unique<Counting>(asset.get(), told, false, false)).ok());
@@ -159,7 +159,7 @@ TEST(AssetTests, aRequestIsOneStep) {
     EXPECT_FALSE(asset->run(nullptr).ok());
 }
 
-TEST(AssetTests, aRequestThatFailsOrThrowsIsTakenBackWhole) {
+TEST(AssetTests, ARequestThatFailsOrThrowsIsTakenBackWhole) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     std::string told;
     EXPECT_FALSE(asset->run(std::make_unique<Counting>(asset.get(), told, true, false)).ok());
@@ -173,7 +173,7 @@ TEST(AssetTests, aRequestThatFailsOrThrowsIsTakenBackWhole) {
     EXPECT_FALSE(asset->history().canUndo());
 }
 
-TEST(MetaTypeTests, typesAreFoundByTheirIds) {
+TEST(MetaTypeTests, TypesAreFoundByTheirIds) {
     EXPECT_EQ(MetaTypeMgr::get()->metaType("Test-Thing"), Thing::s_metaType());
     EXPECT_EQ(MetaTypeMgr::get()->metaType("test-thing"), nullptr);
     EXPECT_EQ(MetaTypeMgr::get()->entityMetaType("TgPoint3d"), nullptr);
@@ -182,7 +182,7 @@ TEST(MetaTypeTests, typesAreFoundByTheirIds) {
     EXPECT_FALSE(Thing::s_metaType()->isA(AssetSettings::s_metaType()));
 }
 
-TEST(MetaTypeTests, membersStandInTheOrderOfTheirAddition) {
+TEST(MetaTypeTests, MembersStandInTheOrderOfTheirAddition) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Thing> const thing = Thing::make(*asset);
     MemberSet const & set = *Thing::s_metaType()->memberSet(c_latestVersion);
@@ -197,7 +197,7 @@ TEST(MetaTypeTests, membersStandInTheOrderOfTheirAddition) {
     EXPECT_EQ(set.find("nothing"), nullptr);
 }
 
-TEST(MetaTypeTests, optionsOfAMemberAreBits) {
+TEST(MetaTypeTests, OptionsOfAMemberAreBits) {
     MemberSet set(Thing::s_metaType());
     struct {
         double m_value = 0;
@@ -213,7 +213,7 @@ TEST(MetaTypeTests, optionsOfAMemberAreBits) {
     EXPECT_EQ(member.set(16).options(), Member::OptionsDefault);
 }
 
-TEST(MetaTypeTests, kindsAreFoundByTheirNames) {
+TEST(MetaTypeTests, KindsAreFoundByTheirNames) {
     EXPECT_EQ(MemberMetaType::find("double"), IntrinsicMetaType<double>::get());
     EXPECT_EQ(MemberMetaType::find("StrongRef"), StrongRefMetaType::get());
     EXPECT_EQ(MemberMetaType::find("Vector")->kind(), EMemberKind::Vector);
@@ -221,7 +221,7 @@ TEST(MetaTypeTests, kindsAreFoundByTheirNames) {
     EXPECT_EQ(MemberMetaType::find("none"), nullptr);
 }
 
-TEST(MetaTypeTests, theFunctionsOfAVectorHandleIt) {
+TEST(MetaTypeTests, TheFunctionsOfAVectorHandleIt) {
     std::unique_ptr<TemplatizedFunctions> const functions(
         TemplatizedFunctions::makeVector<std::string>(IntrinsicMetaType<std::string>::get()));
     EXPECT_EQ(functions->memberBytes(0), sizeof(std::string));
@@ -245,7 +245,7 @@ TEST(MetaTypeTests, theFunctionsOfAVectorHandleIt) {
     functions->destroyContainer(memory, 2);
 }
 
-TEST(MetaTypeTests, filtersLetDerivedTypesPass) {
+TEST(MetaTypeTests, FiltersLetDerivedTypesPass) {
     StrongRef<MetaTypeFilter> const all(MetaTypeFilter::make(nullptr));
     StrongRef<MetaTypeFilter> const things(MetaTypeFilter::make(Thing::s_metaType()));
     EXPECT_TRUE(all->matches(Thing::s_metaType()));
@@ -254,7 +254,7 @@ TEST(MetaTypeTests, filtersLetDerivedTypesPass) {
     EXPECT_FALSE(things->matches(nullptr));
 }
 
-TEST(EntityTableTests, idsNearAndFarAreFound) {
+TEST(EntityTableTests, IdsNearAndFarAreFound) {
     DataModel::EntityTable table;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     std::vector<StrongRef<Thing>> things;

@@ -8,6 +8,7 @@
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/TestEntities.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
 namespace {
@@ -20,9 +21,10 @@ void expectUnsupported(Status const & status, char const * operation) {
     EXPECT_THAT(status.cause(), ::testing::HasSubstr("missing"));
 }
 
-TEST(DocumentEngineTests, withoutItFilesAreUnsupportedAndDocumentsGoOn) {
+TEST(DocumentEngineTests, WithoutItFilesAreUnsupportedAndDocumentsGoOn) {
     if (whyNoFiles().empty()) GTEST_SKIP() << "this Windows has the engine";
-    std::filesystem::path const file = std::filesystem::temp_directory_path() / "vn-no-engine.vnd";
+    TemporaryDirectory const directory;
+    std::filesystem::path const file = directory.path() / "vn-no-engine.vnd";
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Thing> const root = Thing::make(*asset, L"root");
     {

@@ -7,10 +7,10 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/Base/SmallStack.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
+#include "Tests/Support/SmallStack.h"
 
 namespace Vn::Testing {
 
@@ -20,7 +20,7 @@ using ::testing::HasSubstr;
 
 // A value that owns, and an entity with nothing but a list of such values.
 struct Hook {
-    StrongRef<Piece> m_rHeld;
+    StrongRef<Piece> held;
 
     static ValueMetaType * s_metaType();
 };
@@ -41,7 +41,7 @@ private:
     void onMigratingMemberSet(void * value, unsigned, MemberSet * set,
                               VisitorContext const &) const override {
         set->initialize(value, "Hook");
-        Members(set).add("held", static_cast<Hook *>(value)->m_rHeld);
+        Members(set).add("held", static_cast<Hook *>(value)->held);
     }
 };
 
@@ -159,7 +159,7 @@ protected:
 
 } // namespace
 
-TEST_F(DocumentFileCirclesTests, theFirstSaveOfACircleIsRefused) {
+TEST_F(DocumentFileCirclesTests, TheFirstSaveOfACircleIsRefused) {
     StrongRef<Everything> const one = makeEverything();
     one->m_rOwned = StrongRef<Piece>(one);
     expectRefused(DocumentFile::saveAs(*m_rAsset, m_file.path()), circleOf(*one));
@@ -171,7 +171,7 @@ TEST_F(DocumentFileCirclesTests, theFirstSaveOfACircleIsRefused) {
     saveWhole();
 }
 
-TEST_F(DocumentFileCirclesTests, aSaveRefusesWithTheReasonOfALoad) {
+TEST_F(DocumentFileCirclesTests, ASaveRefusesWithTheReasonOfALoad) {
     StrongRef<Everything> const one = makeEverything();
     saveWhole();
     Sql(m_file.path()).run("UPDATE Everything SET \"Everything.rOwned\"=id");
@@ -184,7 +184,7 @@ TEST_F(DocumentFileCirclesTests, aSaveRefusesWithTheReasonOfALoad) {
     setOwned(*one, nullptr);
 }
 
-TEST_F(DocumentFileCirclesTests, anEntityThatOwnsItselfIsRefused) {
+TEST_F(DocumentFileCirclesTests, AnEntityThatOwnsItselfIsRefused) {
     StrongRef<Everything> const one = makeEverything();
     saveWhole();
     setOwned(*one, one.get());
@@ -193,7 +193,7 @@ TEST_F(DocumentFileCirclesTests, anEntityThatOwnsItselfIsRefused) {
     saveChanges();
 }
 
-TEST_F(DocumentFileCirclesTests, twoThatOwnEachOtherAreRefused) {
+TEST_F(DocumentFileCirclesTests, TwoThatOwnEachOtherAreRefused) {
     StrongRef<Everything> const one = makeEverything();
     StrongRef<Everything> const two = makeEverything();
     setOwned(*one, two.get());
@@ -205,7 +205,7 @@ TEST_F(DocumentFileCirclesTests, twoThatOwnEachOtherAreRefused) {
 }
 
 // Only one of its entities has changed since the save before.
-TEST_F(DocumentFileCirclesTests, aCircleThroughWhatWasSavedBeforeIsRefused) {
+TEST_F(DocumentFileCirclesTests, ACircleThroughWhatWasSavedBeforeIsRefused) {
     StrongRef<Everything> const before = makeEverything();
     StrongRef<Everything> const one = makeEverything();
     StrongRef<Everything> const two = makeEverything();
@@ -220,7 +220,7 @@ TEST_F(DocumentFileCirclesTests, aCircleThroughWhatWasSavedBeforeIsRefused) {
     saveChanges();
 }
 
-TEST_F(DocumentFileCirclesTests, aCircleThroughAListOfValuesIsRefused) {
+TEST_F(DocumentFileCirclesTests, ACircleThroughAListOfValuesIsRefused) {
     StrongRef<Rack> const rack = Rack::make(design(*m_rAsset));
     StrongRef<Everything> const held = makeEverything();
     rack->m_hooks.push_back({StrongRef<Piece>(held)});
@@ -231,7 +231,7 @@ TEST_F(DocumentFileCirclesTests, aCircleThroughAListOfValuesIsRefused) {
     saveChanges();
 }
 
-TEST_F(DocumentFileCirclesTests, whatIsOwnedTwiceIsSaved) {
+TEST_F(DocumentFileCirclesTests, WhatIsOwnedTwiceIsSaved) {
     StrongRef<Everything> const top = makeEverything();
     StrongRef<Everything> const left = makeEverything();
     StrongRef<Everything> const right = makeEverything();
@@ -245,7 +245,7 @@ TEST_F(DocumentFileCirclesTests, whatIsOwnedTwiceIsSaved) {
 }
 
 // The references that would close it are null in the file.
-TEST_F(DocumentFileCirclesTests, aCircleThroughATransientSegmentIsSaved) {
+TEST_F(DocumentFileCirclesTests, ACircleThroughATransientSegmentIsSaved) {
     Segment * const transient = Segment::create(
         m_rAsset.get(), SegmentTypeMgr::get()->segmentType(SegmentType::TransientSegment), false);
     StrongRef<Everything> const one = makeEverything();
@@ -254,8 +254,8 @@ TEST_F(DocumentFileCirclesTests, aCircleThroughATransientSegmentIsSaved) {
     setOwned(*fleeting, one.get());
     setOwned(*one, fleeting.get());
     for (bool const whole : {false, true}) {
-        Status const status = whole ? DocumentFile::saveAs(*m_rAsset, m_file.path())
-                                    : DocumentFile::save(*m_rAsset);
+        Status const status =
+            whole ? DocumentFile::saveAs(*m_rAsset, m_file.path()) : DocumentFile::save(*m_rAsset);
         EXPECT_TRUE(status) << status.toString();
         StrongRef<Asset> loaded;
         EXPECT_TRUE(DocumentFile::load(m_file.path(), nullptr, loaded));
@@ -263,7 +263,7 @@ TEST_F(DocumentFileCirclesTests, aCircleThroughATransientSegmentIsSaved) {
     setOwned(*one, nullptr);
 }
 
-TEST_F(DocumentFileCirclesTests, aLongCircleIsRefusedOnASmallStack) {
+TEST_F(DocumentFileCirclesTests, ALongCircleIsRefusedOnASmallStack) {
     onSmallStack([this] {
         StrongRef<Everything> const first = makeEverything();
         Everything * last = first.get();
@@ -284,7 +284,7 @@ TEST_F(DocumentFileCirclesTests, aLongCircleIsRefusedOnASmallStack) {
     });
 }
 
-TEST_F(DocumentFileCirclesTests, aCircleThatAHookClosesIsRefused) {
+TEST_F(DocumentFileCirclesTests, ACircleThatAHookClosesIsRefused) {
     StrongRef<Everything> const one = makeEverything();
     StrongRef<Rack> const rack = Rack::make(design(*m_rAsset));
     rack->m_beforeSave = [&] { setOwned(*one, one.get()); };
@@ -301,14 +301,14 @@ TEST_F(DocumentFileCirclesTests, aCircleThatAHookClosesIsRefused) {
 }
 
 // Whichever comes first in the file.
-TEST_F(DocumentFileCirclesTests, whatAHookChangesInAnotherEntityIsSaved) {
+TEST_F(DocumentFileCirclesTests, WhatAHookChangesInAnotherEntityIsSaved) {
     StrongRef<Everything> const before = makeEverything();
     StrongRef<Rack> const rack = Rack::make(design(*m_rAsset));
-    StrongRef<Everything> const behind = makeEverything();
+    StrongRef<Everything> const after = makeEverything();
     int saves = 0;
     rack->m_beforeSave = [&] {
         ++saves;
-        for (Everything * const other : {before.get(), behind.get()})
+        for (Everything * const other : {before.get(), after.get()})
             other->change([&] { other->m_int = saves; });
     };
     saveWhole();

@@ -70,17 +70,17 @@ bool tryFile(std::filesystem::path const & file) {
 }
 
 struct Damage {
-    std::string m_sql;
-    std::string m_cause;
-    EStatus m_code = StatusCorrupt;
-    bool m_bFound = true; // by the check, which knows nothing of classes
+    std::string sql;
+    std::string cause;
+    EStatus code = StatusCorrupt;
+    bool isFound = true; // by the check, which knows nothing of classes
 };
 
 std::string list(std::string const & member, std::string const & items) {
-    return "UPDATE lists SET items=" + items
-        + " WHERE member=(SELECT position FROM members WHERE type=(SELECT number FROM types WHERE "
-          "id='Test-Everything') AND name='"
-        + member + "')";
+    return "UPDATE lists SET items=" + items +
+           " WHERE member=(SELECT position FROM members WHERE type=(SELECT number FROM types WHERE "
+           "id='Test-Everything') AND name='" +
+           member + "')";
 }
 
 std::vector<Damage> damages() {
@@ -96,7 +96,8 @@ std::vector<Damage> damages() {
         {"DROP TABLE document; CREATE VIEW document AS SELECT 'a' AS id, 'b' AS stamp, 1 AS "
          "generation, 9 AS next_entity",
          "a document has no view document"},
-        {"CREATE TRIGGER t AFTER INSERT ON roots BEGIN SELECT 1; END", "a document has no trigger t"},
+        {"CREATE TRIGGER t AFTER INSERT ON roots BEGIN SELECT 1; END",
+         "a document has no trigger t"},
         {"CREATE INDEX i ON roots(key)", "a document has no index i"},
         {"CREATE TABLE extra(x)", "a document has no table extra"},
         {"ALTER TABLE Row ADD COLUMN extra", "the table Row isn't as it should be"},
@@ -114,21 +115,25 @@ std::vector<Damage> damages() {
          "the name of a type isn't UTF-8"},
         {"UPDATE types SET id='Unknown' WHERE id='Test-Row'",
          "the type RowMetaType (Unknown) isn't known to this program", StatusUnsupported, false},
-        {"DELETE FROM types WHERE id='Test-Piece'; UPDATE types SET id='Test-Piece' WHERE id='Test-Row'",
+        {"DELETE FROM types WHERE id='Test-Piece'; UPDATE types SET id='Test-Piece' WHERE "
+         "id='Test-Row'",
          "has entities and is abstract", StatusCorrupt, false},
-        {"UPDATE types SET id='Test-Spot' WHERE id='Test-Row'; DELETE FROM types WHERE what='value'",
+        {"UPDATE types SET id='Test-Spot' WHERE id='Test-Row'; DELETE FROM types WHERE "
+         "what='value'",
          "", StatusCorrupt, false},
         {"UPDATE types SET version=-1", "is out of range"},
         {"UPDATE types SET version='one'", "the version of a type isn't a whole number"},
         {"UPDATE types SET what='thing'", "is neither of entities nor of values"},
-        {"UPDATE types SET number=9000000 WHERE id='Test-Piece'", "the number of a type is out of range"},
+        {"UPDATE types SET number=9000000 WHERE id='Test-Piece'",
+         "the number of a type is out of range"},
         {"UPDATE types SET table_name='document' WHERE id='Test-Row'", "is unfit"},
-        {"UPDATE members SET kind='int' WHERE name='bool'", "isn't what the class has", StatusCorrupt, false},
+        {"UPDATE members SET kind='int' WHERE name='bool'", "isn't what the class has",
+         StatusCorrupt, false},
         {"UPDATE members SET kind='thing' WHERE name='x'", "is of no kind"},
         {"UPDATE members SET element='Vector' WHERE name='ints'", "has elements of no kind"},
         {"UPDATE members SET list=77 WHERE list IS NOT NULL", "belongs to no list"},
-        {"UPDATE members SET name='other' WHERE name='int'", "isn't what the class has", StatusCorrupt,
-         false},
+        {"UPDATE members SET name='other' WHERE name='int'", "isn't what the class has",
+         StatusCorrupt, false},
         {"DELETE FROM members WHERE name='int'", "is missing"},
         {"DELETE FROM members WHERE class='Row' AND position="
          "(SELECT max(position) FROM members WHERE class='Row')",
@@ -173,7 +178,8 @@ std::vector<Damage> damages() {
          StatusCorrupt, false},
         {"UPDATE Everything SET \"Everything.rOwned\"=1 WHERE id=1", "owns itself in a circle"},
         {"UPDATE Everything SET \"Everything.rOwned\"=1 WHERE id=2", "owns itself in a circle"},
-        {list("children", "'[3,4,99]'"), "entity 1, member Everything.children: there is no entity 99"},
+        {list("children", "'[3,4,99]'"),
+         "entity 1, member Everything.children: there is no entity 99"},
         {list("children", "'[1]'"), "owns itself in a circle"},
         {"UPDATE roots SET entity=99", "the root root: there is no such entity"},
         {"UPDATE roots SET entity='1'", "a root has no place"},
@@ -226,28 +232,28 @@ class DocumentFileDamageTests : public FileTest {};
 
 } // namespace
 
-TEST_F(DocumentFileDamageTests, whatIsWrongIsNamed) {
+TEST_F(DocumentFileDamageTests, WhatIsWrongIsNamed) {
     for (Damage const & damage : damages()) {
-        SCOPED_TRACE(damage.m_sql.substr(0, 200));
+        SCOPED_TRACE(damage.sql.substr(0, 200));
         TemporaryFile const file;
         saveSample(file.path());
         std::string const whole = contentOf(file.path());
-        Sql(file.path()).run(damage.m_sql);
+        Sql(file.path()).run(damage.sql);
         EXPECT_NE(contentOf(file.path()), whole) << "nothing was damaged";
         StrongRef<Asset> asset;
         Status const status = DocumentFile::load(file.path(), nullptr, asset);
-        EXPECT_EQ(status.code(), damage.m_code) << status.toString();
-        EXPECT_THAT(status.toString(), HasSubstr(damage.m_cause));
+        EXPECT_EQ(status.code(), damage.code) << status.toString();
+        EXPECT_THAT(status.toString(), HasSubstr(damage.cause));
         EXPECT_THAT(status.toString(), HasSubstr(file.text()));
         EXPECT_FALSE(asset);
         std::vector<std::string> findings;
         Status const checked = DocumentFile::check(file.path(), findings);
         EXPECT_TRUE(checked) << checked.toString();
-        EXPECT_EQ(!findings.empty(), damage.m_bFound) << ::testing::PrintToString(findings);
+        EXPECT_EQ(!findings.empty(), damage.isFound) << ::testing::PrintToString(findings);
     }
 }
 
-TEST_F(DocumentFileDamageTests, theSampleItselfIsWhole) {
+TEST_F(DocumentFileDamageTests, TheSampleItselfIsWhole) {
     TemporaryFile const file;
     saveSample(file.path());
     EXPECT_TRUE(tryFile(file.path()));
@@ -257,14 +263,14 @@ TEST_F(DocumentFileDamageTests, theSampleItselfIsWhole) {
     EXPECT_EQ(DocumentFile::check(file.text() + "x", findings).code(), StatusNotFound);
 }
 
-TEST_F(DocumentFileDamageTests, aWholeNumberServesAsAReal) {
+TEST_F(DocumentFileDamageTests, AWholeNumberServesAsAReal) {
     TemporaryFile const file;
     saveSample(file.path());
     Sql(file.path()).run("UPDATE Row SET \"Row.x\"=5");
     EXPECT_TRUE(tryFile(file.path()));
 }
 
-TEST_F(DocumentFileDamageTests, cutFilesAreRefused) {
+TEST_F(DocumentFileDamageTests, CutFilesAreRefused) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -282,7 +288,7 @@ TEST_F(DocumentFileDamageTests, cutFilesAreRefused) {
     EXPECT_FALSE(tryFile(file.path()));
 }
 
-TEST_F(DocumentFileDamageTests, flippedBytesDoNoHarm) {
+TEST_F(DocumentFileDamageTests, FlippedBytesDoNoHarm) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -306,7 +312,7 @@ TEST_F(DocumentFileDamageTests, flippedBytesDoNoHarm) {
     EXPECT_GT(refused, tried / 4);
 }
 
-TEST_F(DocumentFileDamageTests, exchangedPagesDoNoHarm) {
+TEST_F(DocumentFileDamageTests, ExchangedPagesDoNoHarm) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -321,8 +327,8 @@ TEST_F(DocumentFileDamageTests, exchangedPagesDoNoHarm) {
         }
 }
 
-// A file that fails late, behind a million children or a long chain, is left again without trouble.
-TEST_F(DocumentFileDamageTests, aLargeDocumentThatFailsLateGoesAgain) {
+// A file that fails late, after a million children or a long chain, is left again without trouble.
+TEST_F(DocumentFileDamageTests, ALargeDocumentThatFailsLateGoesAgain) {
     TemporaryFile const file;
     {
         StrongRef<Asset> const asset = Asset::make(nullptr);
@@ -343,8 +349,9 @@ TEST_F(DocumentFileDamageTests, aLargeDocumentThatFailsLateGoesAgain) {
     EXPECT_EQ(DocumentFile::load(file.path(), nullptr, asset).code(), StatusCorrupt);
     EXPECT_FALSE(asset);
     // The chain closed to a circle.
-    Sql(file.path()).run("UPDATE roots SET entity=1; UPDATE Everything SET \"Everything.rOwned\"=200002 "
-                         "WHERE id=(SELECT max(id) FROM Everything)");
+    Sql(file.path())
+        .run("UPDATE roots SET entity=1; UPDATE Everything SET \"Everything.rOwned\"=200002 "
+             "WHERE id=(SELECT max(id) FROM Everything)");
     Status const status = DocumentFile::load(file.path(), nullptr, asset);
     EXPECT_THAT(status.toString(), HasSubstr("owns itself in a circle"));
 }

@@ -40,7 +40,8 @@ public:
         root->change([&] {
             root->m_wide = L"changed";
             for (std::size_t i = 0; i < 400; ++i)
-                root->m_children.erase(root->m_children.begin() + static_cast<std::ptrdiff_t>(i * 2));
+                root->m_children.erase(root->m_children.begin() +
+                                       static_cast<std::ptrdiff_t>(i * 2));
             for (int i = 0; i < 50; ++i)
                 root->m_children.push_back(StrongRef<Piece>(Row::make(design(*asset))));
         });
@@ -60,22 +61,23 @@ using Save = std::function<Status(Scene &)>;
 Status saveAgain(Scene & scene) { return DocumentFile::save(*scene.asset); }
 Status saveOver(Scene & scene) { return DocumentFile::saveAs(*scene.asset, scene.file.path()); }
 
-// What must hold behind a save that may have failed.
+// What must hold after a save that may have failed.
 void expectOldOrNew(Scene & scene, Status const & status) {
     StrongRef<Asset> const found = load(scene.file.path());
     ASSERT_TRUE(found);
     std::string const text = dump(*found);
-    if (status)
+    if (status) {
         EXPECT_EQ(text, scene.after);
-    else
+    } else {
         EXPECT_TRUE(text == scene.before || text == scene.after);
+    }
     std::vector<std::string> findings;
     EXPECT_TRUE(DocumentFile::check(scene.file.path(), findings));
     EXPECT_TRUE(findings.empty()) << findings.front();
     if (!status) {
         EXPECT_FALSE(status.operation().empty());
         EXPECT_FALSE(status.cause().empty());
-        EXPECT_NE(status.subject().find("VnDocumentTests"), std::string::npos);
+        EXPECT_NE(status.subject().find(scene.file.text()), std::string::npos) << status.subject();
         EXPECT_EQ(dump(*scene.asset), scene.after);
         EXPECT_TRUE(scene.asset->isDirty());
     }
@@ -117,27 +119,27 @@ class DocumentFileFaultTests : public FileTest {};
 
 } // namespace
 
-TEST_F(DocumentFileFaultTests, everyFailingCallOfALaterSaveLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, EveryFailingCallOfALaterSaveLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveAgain, false, false), 10U);
 }
 
-TEST_F(DocumentFileFaultTests, everyFailingCallOfAWholeSaveLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, EveryFailingCallOfAWholeSaveLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveOver, false, false), 10U);
 }
 
-TEST_F(DocumentFileFaultTests, aDeviceThatFailsForGoodLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, ADeviceThatFailsForGoodLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveAgain, true, false), 10U);
     EXPECT_GT(forEachFailingCall(saveOver, true, false), 10U);
 }
 
-TEST_F(DocumentFileFaultTests, whenThePowerGoesTheOldOrTheNewDocumentIsLeft) {
+TEST_F(DocumentFileFaultTests, WhenThePowerGoesTheOldOrTheNewDocumentIsLeft) {
     for (unsigned seed = 0; seed < 3; ++seed) {
         EXPECT_GT(forEachFailingCall(saveAgain, true, true, seed), 10U);
         EXPECT_GT(forEachFailingCall(saveOver, true, true, seed), 10U);
     }
 }
 
-TEST_F(DocumentFileFaultTests, aFullDiskLeavesTheOldOrTheNewDocument) {
+TEST_F(DocumentFileFaultTests, AFullDiskLeavesTheOldOrTheNewDocument) {
     for (bool const whole : {false, true}) {
         FaultyFileSystem faulty;
         bool wasFull = false;
@@ -162,7 +164,7 @@ TEST_F(DocumentFileFaultTests, aFullDiskLeavesTheOldOrTheNewDocument) {
     }
 }
 
-TEST_F(DocumentFileFaultTests, theFirstSaveLeavesAFileOrNone) {
+TEST_F(DocumentFileFaultTests, TheFirstSaveLeavesAFileOrNone) {
     FaultyFileSystem faulty;
     for (unsigned call = 1;; ++call) {
         SCOPED_TRACE(call);
@@ -182,9 +184,9 @@ TEST_F(DocumentFileFaultTests, theFirstSaveLeavesAFileOrNone) {
     }
 }
 
-// A save that was cut short leaves a journal.  Whoever replaces the file must not leave it to the new
-// one.
-TEST_F(DocumentFileFaultTests, theJournalOfACrashIsntAppliedToTheFileThatReplacesIt) {
+// A save that was cut short leaves a journal.  What replaces the file must not leave it to the
+// new one.
+TEST_F(DocumentFileFaultTests, TheJournalOfACrashIsntAppliedToTheFileThatReplacesIt) {
     FaultyFileSystem faulty;
     Scene scene;
     for (unsigned call = 1;; ++call) {

@@ -1,6 +1,6 @@
 // How lists are cut into rows, and which rows are written when a list has changed.
 
-#include "Platform/DataModel/DocumentFileListsInternal.h"
+#include "Platform/DataModel/File/Lists.h"
 
 #include <algorithm>
 #include <map>
@@ -9,7 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Platform/DataModel/DocumentFileCirclesInternal.h"
+#include "Platform/DataModel/File/Circles.h"
 
 namespace Vn::Testing {
 
@@ -46,14 +46,14 @@ std::vector<StoredChunk> apply(std::vector<StoredChunk> const & stored,
                                std::vector<std::string> const & chunks,
                                ChunkChanges const & changes) {
     std::map<long long, std::string> rows;
-    for (StoredChunk const & row : stored) rows[row.m_number] = row.m_items;
-    for (long long const number : changes.m_erased) EXPECT_EQ(rows.erase(number), 1U);
-    for (auto const & row : changes.m_updated) {
-        EXPECT_TRUE(rows.contains(row.m_number));
-        rows[row.m_number] = chunks[row.m_chunk];
+    for (StoredChunk const & row : stored) rows[row.number] = row.items;
+    for (long long const number : changes.erased) EXPECT_EQ(rows.erase(number), 1U);
+    for (auto const & row : changes.updated) {
+        EXPECT_TRUE(rows.contains(row.number));
+        rows[row.number] = chunks[row.chunk];
     }
-    for (auto const & row : changes.m_inserted)
-        EXPECT_TRUE(rows.emplace(row.m_number, chunks[row.m_chunk]).second);
+    for (auto const & row : changes.inserted)
+        EXPECT_TRUE(rows.emplace(row.number, chunks[row.chunk]).second);
     std::vector<StoredChunk> result;
     for (auto const & [number, items] : rows) {
         EXPECT_GT(number, -c_chunkLimit);
@@ -64,7 +64,7 @@ std::vector<StoredChunk> apply(std::vector<StoredChunk> const & stored,
 }
 
 std::size_t written(ChunkChanges const & changes) {
-    return changes.m_erased.size() + changes.m_updated.size() + changes.m_inserted.size();
+    return changes.erased.size() + changes.updated.size() + changes.inserted.size();
 }
 
 std::vector<StoredChunk> replaced(std::vector<StoredChunk> const & stored,
@@ -74,13 +74,13 @@ std::vector<StoredChunk> replaced(std::vector<StoredChunk> const & stored,
     std::vector<StoredChunk> const result = apply(stored, chunks, changes);
     EXPECT_EQ(result.size(), chunks.size());
     for (std::size_t i = 0; i < std::min(result.size(), chunks.size()); ++i)
-        EXPECT_EQ(result[i].m_items, chunks[i]);
+        EXPECT_EQ(result[i].items, chunks[i]);
     return result;
 }
 
 } // namespace
 
-TEST(DocumentFileListsTests, aChunkHasAtMost512Elements) {
+TEST(DocumentFileListsTests, AChunkHasAtMost512Elements) {
     for (auto const & chunk : cut(numbers(100'000)))
         EXPECT_LE(std::count(chunk.begin(), chunk.end(), ','), 511);
     auto const same = cut(std::vector<int>(5'000, 7)); // whose elements all have one hash
@@ -90,7 +90,7 @@ TEST(DocumentFileListsTests, aChunkHasAtMost512Elements) {
     EXPECT_LT(cut(numbers(100'000)).size(), 1'000U);
 }
 
-TEST(DocumentFileListsTests, largeElementsMakeShortChunks) {
+TEST(DocumentFileListsTests, LargeElementsMakeShortChunks) {
     ChunkCutter cutter;
     for (int i = 0; i < 10; ++i) {
         cutter.beginElement() += std::string(40'000, 'x');
@@ -99,7 +99,7 @@ TEST(DocumentFileListsTests, largeElementsMakeShortChunks) {
     EXPECT_EQ(cutter.chunks().size(), 5U);
 }
 
-TEST(DocumentFileListsTests, oneChangeAnywhereWritesFewRows) {
+TEST(DocumentFileListsTests, OneChangeAnywhereWritesFewRows) {
     std::vector<int> const list = numbers(50'000);
     std::size_t rows = 0;
     std::vector<StoredChunk> const stored = replaced({}, cut(list), rows);
@@ -128,14 +128,14 @@ TEST(DocumentFileListsTests, oneChangeAnywhereWritesFewRows) {
     EXPECT_LE(rows, 30U);
 }
 
-TEST(DocumentFileListsTests, thousandsOfInsertionsAtOnePlaceFindRoom) {
+TEST(DocumentFileListsTests, ThousandsOfInsertionsAtOnePlaceFindRoom) {
     std::vector<int> list = numbers(20'000);
     std::size_t rows = 0;
     std::vector<StoredChunk> stored = replaced({}, cut(list), rows);
     std::mt19937 random(1);
     std::size_t most = 0;
     for (int i = 0; i < 4'000; ++i) {
-        // Right behind what came before, and now and then in front of all.
+        // Right after what came before, and now and then in front of all.
         list.insert(list.begin() + (i % 5 ? 10'000 + i : 0), static_cast<int>(random()));
         stored = replaced(stored, cut(list), rows);
         if (rows < 50) most = std::max(most, rows);
@@ -144,7 +144,7 @@ TEST(DocumentFileListsTests, thousandsOfInsertionsAtOnePlaceFindRoom) {
     EXPECT_LE(most, 8U);
 }
 
-TEST(DocumentFileListsTests, randomChangesGiveTheNewList) {
+TEST(DocumentFileListsTests, RandomChangesGiveTheNewList) {
     for (unsigned seed = 0; seed < 200; ++seed) {
         SCOPED_TRACE(seed);
         std::mt19937 random(seed);
@@ -161,20 +161,21 @@ TEST(DocumentFileListsTests, randomChangesGiveTheNewList) {
                 list.erase(list.begin() + place,
                            list.begin() + std::min(place + count, std::ssize(list)));
             else {
-                std::vector<int> const more(list.begin(), list.begin() + std::min(count, std::ssize(list)));
+                std::vector<int> const more(list.begin(),
+                                            list.begin() + std::min(count, std::ssize(list)));
                 list.insert(list.begin() + place, more.begin(), more.end());
             }
             stored = replaced(stored, cut(list), rows);
             std::vector<std::string> items;
-            for (StoredChunk const & row : stored) items.push_back(row.m_items);
+            for (StoredChunk const & row : stored) items.push_back(row.items);
             EXPECT_EQ(joined(items), joined(cut(list)));
         }
     }
 }
 
-TEST(DocumentFileListsTests, rowsOfAForeignFileAreNumberedAnewWhereThereIsNoRoom) {
-    std::vector<StoredChunk> const stored = {{-c_chunkLimit + 1, "[1]"}, {5, "[2]"}, {6, "[3]"},
-                                             {c_chunkLimit - 1, "[4]"}};
+TEST(DocumentFileListsTests, RowsOfAForeignFileAreNumberedAnewWhereThereIsNoRoom) {
+    std::vector<StoredChunk> const stored = {
+        {-c_chunkLimit + 1, "[1]"}, {5, "[2]"}, {6, "[3]"}, {c_chunkLimit - 1, "[4]"}};
     std::size_t rows = 0;
     replaced(stored, {"[0]", "[9]", "[1]", "[2]", "[7]", "[3]", "[4]", "[8]"}, rows);
     replaced(stored, {"[1]", "[2]", "[7]", "[3]", "[4]"}, rows);
@@ -184,14 +185,15 @@ TEST(DocumentFileListsTests, rowsOfAForeignFileAreNumberedAnewWhereThereIsNoRoom
     EXPECT_EQ(rows, 4U);
 }
 
-TEST(DocumentFileListsTests, aCircleIsFoundWhereThereIsOne) {
+TEST(DocumentFileListsTests, ACircleIsFoundWhereThereIsOne) {
     using Pairs = std::vector<std::pair<unsigned long long, unsigned long long>>;
     EXPECT_EQ(idOnCircle({}), 0U);
     EXPECT_EQ(idOnCircle({{1, 2}, {2, 3}, {1, 3}, {1, 3}}), 0U);
     EXPECT_EQ(idOnCircle({{4, 4}}), 4U);
     // What leads to the circle and what it leads to isn't on it.
     std::set<unsigned long long> const circle{3, 4, 5};
-    EXPECT_TRUE(circle.contains(idOnCircle({{1, 2}, {2, 3}, {3, 4}, {4, 5}, {5, 3}, {5, 6}, {6, 7}})));
+    EXPECT_TRUE(
+        circle.contains(idOnCircle({{1, 2}, {2, 3}, {3, 4}, {4, 5}, {5, 3}, {5, 6}, {6, 7}})));
     Pairs chain;
     for (unsigned long long i = 1; i < 200'000; ++i) chain.emplace_back(i, i + 1);
     EXPECT_EQ(idOnCircle(chain), 0U);

@@ -65,7 +65,7 @@ protected:
 
 } // namespace
 
-TEST_F(DocumentFileRangeTests, nextEntity4611686018427387904LeavesNoIdsForNewEntities) {
+TEST_F(DocumentFileRangeTests, NextEntity4611686018427387904LeavesNoIdsForNewEntities) {
     Sql(m_file.path()).run("UPDATE document SET next_entity=4611686018427387904");
     StrongRef<Asset> const asset = open(m_file.path());
     ASSERT_TRUE(asset);
@@ -77,7 +77,7 @@ TEST_F(DocumentFileRangeTests, nextEntity4611686018427387904LeavesNoIdsForNewEnt
     EXPECT_EQ(root(*open(m_file.path()))->m_name, L"changed");
 }
 
-TEST_F(DocumentFileRangeTests, theLastIdIsUsedAndSaved) {
+TEST_F(DocumentFileRangeTests, TheLastIdIsUsedAndSaved) {
     Sql(m_file.path()).run("UPDATE document SET next_entity=4611686018427387903");
     StrongRef<Asset> const asset = open(m_file.path());
     ASSERT_TRUE(asset);
@@ -90,7 +90,7 @@ TEST_F(DocumentFileRangeTests, theLastIdIsUsedAndSaved) {
     EXPECT_TRUE(open(m_file.path())->entity(4611686018427387903ULL));
 }
 
-TEST_F(DocumentFileRangeTests, generation9223372036854775807IsSavedUnderAnotherNameOnly) {
+TEST_F(DocumentFileRangeTests, Generation9223372036854775807IsSavedUnderAnotherNameOnly) {
     Sql(m_file.path()).run("UPDATE document SET generation=9223372036854775807");
     StrongRef<Asset> const asset = open(m_file.path());
     ASSERT_TRUE(asset);
@@ -109,7 +109,7 @@ TEST_F(DocumentFileRangeTests, generation9223372036854775807IsSavedUnderAnotherN
     EXPECT_EQ(query(m_other.path(), "SELECT generation FROM document").front().front(), "2");
 }
 
-TEST_F(DocumentFileRangeTests, theLastGenerationIsReached) {
+TEST_F(DocumentFileRangeTests, TheLastGenerationIsReached) {
     Sql(m_file.path()).run("UPDATE document SET generation=9223372036854775806");
     StrongRef<Asset> const asset = open(m_file.path());
     ASSERT_TRUE(asset);
@@ -121,7 +121,7 @@ TEST_F(DocumentFileRangeTests, theLastGenerationIsReached) {
     EXPECT_EQ(root(*open(m_file.path()))->m_name, L"changed");
 }
 
-TEST_F(DocumentFileRangeTests, whatACheckPassesALoadTakes) {
+TEST_F(DocumentFileRangeTests, WhatACheckPassesALoadTakes) {
     for (char const * const change :
          {"next_entity=0", "next_entity=1", "next_entity=-1", "next_entity=4611686018427387905",
           "next_entity=9223372036854775807", "next_entity=2.0", "generation=-1",
@@ -138,7 +138,7 @@ TEST_F(DocumentFileRangeTests, whatACheckPassesALoadTakes) {
 }
 
 // Of many roots each is found by its key and by its entity, and an undo puts it back where it was.
-TEST_F(DocumentFileRangeTests, manyRootsComeBackInTheirOrder) {
+TEST_F(DocumentFileRangeTests, ManyRootsComeBackInTheirOrder) {
     constexpr int c_roots = 80'000;
     StrongRef<Asset> const asset = open(m_file.path());
     ASSERT_TRUE(asset);
@@ -173,14 +173,16 @@ TEST_F(DocumentFileRangeTests, manyRootsComeBackInTheirOrder) {
     EXPECT_EQ(*design(*loaded)->rootKey(target.get()), "key 0");
 }
 
-TEST_F(DocumentFileRangeTests, aTypeBehindTheLastNumberIsRefused) {
-    Sql(m_file.path()).run("UPDATE members SET type=1000000; UPDATE types SET number=1000000 WHERE "
-                           "table_name IS NOT NULL");
+TEST_F(DocumentFileRangeTests, ATypeAfterTheLastNumberIsRefused) {
+    Sql(m_file.path())
+        .run("UPDATE members SET type=1000000; UPDATE types SET number=1000000 WHERE "
+             "table_name IS NOT NULL");
     StrongRef<Asset> const asset = open(m_file.path());
     ASSERT_TRUE(asset);
     std::string const bytes = contentOf(m_file.path());
     design(*asset)->addRoot(Everything::make(design(*asset)), "another");
-    EXPECT_THAT(DocumentFile::save(*asset).toString(), HasSubstr("no number left for another type"));
+    EXPECT_THAT(DocumentFile::save(*asset).toString(),
+                HasSubstr("no number left for another type"));
     EXPECT_EQ(contentOf(m_file.path()), bytes);
     Status const status = DocumentFile::saveAs(*asset, m_file.path());
     EXPECT_TRUE(status) << status.toString();
@@ -189,7 +191,7 @@ TEST_F(DocumentFileRangeTests, aTypeBehindTheLastNumberIsRefused) {
 
 #ifndef _WIN32
 
-TEST_F(DocumentFileRangeTests, aLimitOfFileSizesIsToldAsWhatItIs) {
+TEST_F(DocumentFileRangeTests, ALimitOfFileSizesIsToldAsWhatItIs) {
     StrongRef<Asset> const asset = open(m_file.path());
     ASSERT_TRUE(asset);
     for (int i = 0; i < 3000; ++i)

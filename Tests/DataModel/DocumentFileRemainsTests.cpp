@@ -1,4 +1,5 @@
-// What lies beside a document: what a crash left there, what other programs use, and what is forged.
+// What lies beside a document: what a crash left there, what other programs use, and what is
+// forged.
 
 #include <filesystem>
 #include <fstream>
@@ -64,8 +65,7 @@ void changeMuch(Asset & asset, unsigned seed) {
 
 std::string bigEndian(std::size_t number) {
     std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        bytes += static_cast<char>(number >> shift & 0xFF);
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(number >> shift & 0xFF);
     return bytes;
 }
 
@@ -73,8 +73,9 @@ std::string bigEndian(std::size_t number) {
 std::string journalThatNames(std::string const & super, fs::path const & database) {
     constexpr std::size_t c_pageSize = 4096;
     std::string const magic("\xd9\xd5\x05\xf9\x20\xa1\x63\xd7", 8);
-    std::string journal = magic + bigEndian(0) + bigEndian(7)
-        + bigEndian(fs::file_size(database) / c_pageSize) + bigEndian(512) + bigEndian(c_pageSize);
+    std::string journal = magic + bigEndian(0) + bigEndian(7) +
+                          bigEndian(fs::file_size(database) / c_pageSize) + bigEndian(512) +
+                          bigEndian(c_pageSize);
     journal.resize(512);
     std::size_t sum = 0;
     for (char const c : super) sum += static_cast<std::size_t>(static_cast<signed char>(c));
@@ -90,8 +91,9 @@ protected:
 
 } // namespace
 
-// A save is cut short at each of its calls, the file is moved away, and a new document takes its name.
-TEST_F(DocumentFileRemainsTests, aLeftoverJournalDoesntDestroyANewDocument) {
+// A save is cut short at each of its calls, the file is moved away, and a new document takes its
+// name.
+TEST_F(DocumentFileRemainsTests, ALeftoverJournalDoesntDestroyANewDocument) {
     FaultyFileSystem faulty;
     unsigned hot = 0;
     for (unsigned call = 1;; ++call) {
@@ -126,7 +128,7 @@ TEST_F(DocumentFileRemainsTests, aLeftoverJournalDoesntDestroyANewDocument) {
     EXPECT_GT(hot, 3U);
 }
 
-TEST_F(DocumentFileRemainsTests, whatIsKeptTakesNoNameThatIsThere) {
+TEST_F(DocumentFileRemainsTests, WhatIsKeptTakesNoNameThatIsThere) {
     write(m_file.text() + "-journal", "one");
     write(m_file.text() + "-journal.kept", "two");
     write(m_file.text() + "-wal", "three");
@@ -139,7 +141,7 @@ TEST_F(DocumentFileRemainsTests, whatIsKeptTakesNoNameThatIsThere) {
     expectSaved(*asset, m_file.path());
 }
 
-TEST_F(DocumentFileRemainsTests, aDirectoryUnderTheNameOfAJournalIsNamed) {
+TEST_F(DocumentFileRemainsTests, ADirectoryUnderTheNameOfAJournalIsNamed) {
     fs::create_directory(m_file.text() + "-journal");
     StrongRef<Asset> const asset = randomDocument(1, 10);
     Status const status = DocumentFile::saveAs(*asset, m_file.path());
@@ -150,7 +152,7 @@ TEST_F(DocumentFileRemainsTests, aDirectoryUnderTheNameOfAJournalIsNamed) {
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_other.path()));
 }
 
-TEST_F(DocumentFileRemainsTests, aForgedJournalDeletesNoStrangersFile) {
+TEST_F(DocumentFileRemainsTests, AForgedJournalDeletesNoStrangersFile) {
     StrongRef<Asset> const asset = randomDocument(2, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path()));
     std::string const strange = m_other.text();
@@ -186,7 +188,7 @@ TEST_F(DocumentFileRemainsTests, aForgedJournalDeletesNoStrangersFile) {
     expectSaved(*asset, m_file.path());
 }
 
-TEST_F(DocumentFileRemainsTests, aWriteAheadLogBesideIsntLookedAt) {
+TEST_F(DocumentFileRemainsTests, AWriteAheadLogBesideIsntLookedAt) {
     StrongRef<Asset> const asset = randomDocument(3, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path()));
     write(m_file.text() + "-wal", "a log");
@@ -197,7 +199,7 @@ TEST_F(DocumentFileRemainsTests, aWriteAheadLogBesideIsntLookedAt) {
     EXPECT_EQ(contentOf(m_file.text() + "-wal"), "a log");
 }
 
-TEST_F(DocumentFileRemainsTests, aLinkUnderTheNameOfTheFileToWriteIsntFollowed) {
+TEST_F(DocumentFileRemainsTests, ALinkUnderTheNameOfTheFileToWriteIsntFollowed) {
     StrongRef<Asset> const other = randomDocument(4, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*other, m_other.path()));
     std::string const bytes = contentOf(m_other.path());
@@ -215,7 +217,7 @@ TEST_F(DocumentFileRemainsTests, aLinkUnderTheNameOfTheFileToWriteIsntFollowed) 
     expectSaved(*asset, m_file.path());
 }
 
-TEST_F(DocumentFileRemainsTests, aWholeDocumentThatHadNoNameYetIsKept) {
+TEST_F(DocumentFileRemainsTests, AWholeDocumentThatHadNoNameYetIsKept) {
     StrongRef<Asset> const first = randomDocument(6, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*first, m_file.path()));
     fs::rename(m_file.path(), m_file.text() + ".saving");
@@ -226,7 +228,7 @@ TEST_F(DocumentFileRemainsTests, aWholeDocumentThatHadNoNameYetIsKept) {
     expectSaved(*first, m_kept.front());
 }
 
-TEST_F(DocumentFileRemainsTests, whatASaveThatWasCutShortHadWrittenIsRemoved) {
+TEST_F(DocumentFileRemainsTests, WhatASaveThatWasCutShortHadWrittenIsRemoved) {
     StrongRef<Asset> const asset = randomDocument(8, 200);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_other.path()));
     std::string const whole = contentOf(m_other.path());
@@ -240,7 +242,7 @@ TEST_F(DocumentFileRemainsTests, whatASaveThatWasCutShortHadWrittenIsRemoved) {
     }
 }
 
-TEST_F(DocumentFileRemainsTests, aFileThatAnotherProgramReplacedIsntWrittenTo) {
+TEST_F(DocumentFileRemainsTests, AFileThatAnotherProgramReplacedIsntWrittenTo) {
     StrongRef<Asset> const asset = randomDocument(9, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path()));
     StrongRef<Asset> const other = randomDocument(10, 10);
@@ -293,7 +295,7 @@ private:
 } // namespace
 
 // The other program has written half of its changes into the file, and then dies.
-TEST_F(DocumentFileRemainsTests, aFailedSaveOverAFileInUseLeavesItsJournal) {
+TEST_F(DocumentFileRemainsTests, AFailedSaveOverAFileInUseLeavesItsJournal) {
     StrongRef<Asset> const asset = randomDocument(11, 2000);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path()));
     std::string const before = dump(*asset);
@@ -317,7 +319,7 @@ TEST_F(DocumentFileRemainsTests, aFailedSaveOverAFileInUseLeavesItsJournal) {
     EXPECT_EQ(dumpOf(m_file.path()), before);
 }
 
-TEST_F(DocumentFileRemainsTests, aFileThatIsBeingReadIsntReplaced) {
+TEST_F(DocumentFileRemainsTests, AFileThatIsBeingReadIsntReplaced) {
     StrongRef<Asset> const asset = randomDocument(13, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path()));
     {
@@ -330,7 +332,7 @@ TEST_F(DocumentFileRemainsTests, aFileThatIsBeingReadIsntReplaced) {
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, m_file.path()));
 }
 
-TEST_F(DocumentFileRemainsTests, savesAtOnceDontDestroyEachOthersWork) {
+TEST_F(DocumentFileRemainsTests, SavesAtOnceDontDestroyEachOthersWork) {
     std::vector<pid_t> children;
     for (unsigned child = 0; child < 4; ++child) {
         children.push_back(fork());
@@ -358,8 +360,9 @@ TEST_F(DocumentFileRemainsTests, savesAtOnceDontDestroyEachOthersWork) {
         EXPECT_FALSE(entry.path().string().starts_with(m_file.text() + '.')) << entry.path();
 }
 
-// A save that is killed while the child has the new file leaves it; the next save isn't kept from its work.
-TEST_F(DocumentFileRemainsTests, theFileOfAKilledSaveIsBusyOnlyWhileItLives) {
+// A save that is killed while the child has the new file leaves it; the next save isn't kept from
+// its work.
+TEST_F(DocumentFileRemainsTests, TheFileOfAKilledSaveIsBusyOnlyWhileItLives) {
     StrongRef<Asset> const asset = randomDocument(14, 10);
     std::string const saving = m_file.text() + ".saving";
     {

@@ -10,10 +10,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Tests/Base/SmallStack.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
+#include "Tests/Support/SmallStack.h"
 
 namespace Vn::Testing {
 
@@ -82,14 +82,14 @@ class DocumentFileTests : public FileTest {};
 
 } // namespace
 
-TEST_F(DocumentFileTests, anEmptyDocumentComesBack) {
+TEST_F(DocumentFileTests, AnEmptyDocumentComesBack) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, everyKindOfMemberComesBack) {
+TEST_F(DocumentFileTests, EveryKindOfMemberComesBack) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const one = makeExtremes(*asset);
@@ -100,7 +100,7 @@ TEST_F(DocumentFileTests, everyKindOfMemberComesBack) {
     EXPECT_TRUE(std::signbit(static_cast<Everything *>(other->entity(one->id()).get())->m_double));
 }
 
-TEST_F(DocumentFileTests, randomDocumentsComeBackThroughManySaves) {
+TEST_F(DocumentFileTests, RandomDocumentsComeBackThroughManySaves) {
     for (unsigned seed = 0; seed < 40; ++seed) {
         SCOPED_TRACE(seed);
         TemporaryFile const file;
@@ -127,7 +127,7 @@ TEST_F(DocumentFileTests, randomDocumentsComeBackThroughManySaves) {
     }
 }
 
-TEST_F(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
+TEST_F(DocumentFileTests, SavingAgainWritesOnlyWhatChanged) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -167,7 +167,9 @@ TEST_F(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
     // A child more in the middle of the list: its row, that of the parent, and the chunk around it.
     StrongRef<Row> const more = Row::make(design(*asset));
     before = after;
-    root->change([&] { root->m_children.insert(root->m_children.begin() + 10'000, StrongRef<Piece>(more)); });
+    root->change([&] {
+        root->m_children.insert(root->m_children.begin() + 10'000, StrongRef<Piece>(more));
+    });
     VN_EXPECT_OK(DocumentFile::save(*asset));
     after = rowsOf(file.path());
     EXPECT_LE(differing(after, before).size(), 6U);
@@ -185,7 +187,7 @@ TEST_F(DocumentFileTests, savingAgainWritesOnlyWhatChanged) {
 }
 
 // Rows are written many at a time, of each class by itself.
-TEST_F(DocumentFileTests, anyNumberOfEntitiesComesBack) {
+TEST_F(DocumentFileTests, AnyNumberOfEntitiesComesBack) {
     for (std::size_t const count : {1U, 31U, 32U, 33U, 64U, 100U}) {
         TemporaryFile const file;
         StrongRef<Asset> const asset = Asset::make(nullptr);
@@ -207,7 +209,7 @@ TEST_F(DocumentFileTests, anyNumberOfEntitiesComesBack) {
     }
 }
 
-TEST_F(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
+TEST_F(DocumentFileTests, SaveAsLeavesTheOtherFileAlone) {
     TemporaryFile const first;
     TemporaryFile const second;
     StrongRef<Asset> const asset = randomDocument(1, 30);
@@ -224,7 +226,7 @@ TEST_F(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
     VN_EXPECT_OK(DocumentFile::save(*asset));
     EXPECT_EQ(dump(*load(first.path())), before);
     expectSaved(*asset, second.path());
-    // In place of another document, and of what is no document at all.
+    // In place of another document, and of what isn't a document at all.
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, first.path()));
     expectSaved(*asset, first.path());
     std::ofstream(second.path()) << "something else";
@@ -232,7 +234,7 @@ TEST_F(DocumentFileTests, saveAsLeavesTheOtherFileAlone) {
     expectSaved(*asset, second.path());
 }
 
-TEST_F(DocumentFileTests, whatACrashLeftBesideIsOverwritten) {
+TEST_F(DocumentFileTests, WhatACrashLeftBesideIsOverwritten) {
     TemporaryFile const file;
     std::ofstream(file.text() + ".saving") << std::string(100'000, 'x');
     StrongRef<Asset> const asset = randomDocument(2, 10);
@@ -241,7 +243,7 @@ TEST_F(DocumentFileTests, whatACrashLeftBesideIsOverwritten) {
     EXPECT_FALSE(std::filesystem::exists(file.text() + ".saving"));
 }
 
-TEST_F(DocumentFileTests, aLinkIsFollowed) {
+TEST_F(DocumentFileTests, ALinkIsFollowed) {
     TemporaryFile const file;
     TemporaryFile const link;
     StrongRef<Asset> const asset = randomDocument(3, 10);
@@ -253,7 +255,7 @@ TEST_F(DocumentFileTests, aLinkIsFollowed) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, idsSurviveAndAreNeverUsedAgain) {
+TEST_F(DocumentFileTests, IdsSurviveAndAreNeverUsedAgain) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Everything> root = Everything::make(design(*asset));
@@ -270,7 +272,7 @@ TEST_F(DocumentFileTests, idsSurviveAndAreNeverUsedAgain) {
     EXPECT_GT(next->id(), gone);
 }
 
-TEST_F(DocumentFileTests, transientSegmentsArentWritten) {
+TEST_F(DocumentFileTests, TransientSegmentsArentWritten) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const transient = segmentOf(*asset, SegmentType::TransientSegment);
@@ -297,7 +299,7 @@ TEST_F(DocumentFileTests, transientSegmentsArentWritten) {
     EXPECT_FALSE(loaded.m_children[0]);
 }
 
-TEST_F(DocumentFileTests, aReferenceToAnotherDocumentIsNeverWrittenAsNull) {
+TEST_F(DocumentFileTests, AReferenceToAnotherDocumentIsNeverWrittenAsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Asset> const another = Asset::make(nullptr);
@@ -308,8 +310,8 @@ TEST_F(DocumentFileTests, aReferenceToAnotherDocumentIsNeverWrittenAsNull) {
         Status const status = DocumentFile::saveAs(*asset, file.path());
         EXPECT_EQ(status.code(), StatusFailed);
         EXPECT_THAT(status.toString(),
-                    HasSubstr("entity 1, member Everything." + std::string(member)
-                              + ": it refers to an entity of another document"));
+                    HasSubstr("entity 1, member Everything." + std::string(member) +
+                              ": it refers to an entity of another document"));
         EXPECT_FALSE(std::filesystem::exists(file.path()));
     };
     root->m_rFriend = PassiveRef<Entity>(foreign.get());
@@ -325,7 +327,7 @@ TEST_F(DocumentFileTests, aReferenceToAnotherDocumentIsNeverWrittenAsNull) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
+TEST_F(DocumentFileTests, APassiveReferenceToWhatWasDeletedIsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -341,7 +343,7 @@ TEST_F(DocumentFileTests, aPassiveReferenceToWhatWasDeletedIsNull) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, whatNothingOwnsIsKept) {
+TEST_F(DocumentFileTests, WhatNothingOwnsIsKept) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     std::vector<StrongRef<Row>> rows;
@@ -354,7 +356,7 @@ TEST_F(DocumentFileTests, whatNothingOwnsIsKept) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, rootsComeBackInTheirOrder) {
+TEST_F(DocumentFileTests, RootsComeBackInTheirOrder) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const alone = segmentOf(*asset, SegmentType::StandaloneSegment);
@@ -370,7 +372,7 @@ TEST_F(DocumentFileTests, rootsComeBackInTheirOrder) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, whatIsUndoneBehindASaveIsSavedAgain) {
+TEST_F(DocumentFileTests, WhatIsUndoneAfterASaveIsSavedAgain) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -398,7 +400,7 @@ TEST_F(DocumentFileTests, whatIsUndoneBehindASaveIsSavedAgain) {
 }
 
 // It is changed, dies, the document is saved, and it comes back with the change.
-TEST_F(DocumentFileTests, whatDiedChangedAndComesBackIsSaved) {
+TEST_F(DocumentFileTests, WhatDiedChangedAndComesBackIsSaved) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -429,7 +431,7 @@ TEST_F(DocumentFileTests, whatDiedChangedAndComesBackIsSaved) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, hooksAreToldAroundEachEntity) {
+TEST_F(DocumentFileTests, HooksAreToldAroundEachEntity) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     auto & type = *Everything::s_metaType();
@@ -448,7 +450,7 @@ TEST_F(DocumentFileTests, hooksAreToldAroundEachEntity) {
     type.m_bListening = false;
 }
 
-TEST_F(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
+TEST_F(DocumentFileTests, ADocumentThatCantBeSavedSaysWhy) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(4, 10);
     EXPECT_EQ(DocumentFile::save(*asset).code(), StatusInvalidArgument); // there is no file yet
@@ -459,7 +461,8 @@ TEST_F(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
         EXPECT_THAT(status.toString(), HasSubstr("a transaction is open"));
         EXPECT_FALSE(std::filesystem::exists(file.path()));
     }
-    Status status = DocumentFile::saveAs(*asset, file.path().parent_path() / "no such" / "file.vnd");
+    Status status =
+        DocumentFile::saveAs(*asset, file.path().parent_path() / "no such" / "file.vnd");
     EXPECT_EQ(status.code(), StatusNotFound) << status.toString();
     if (std::filesystem::path const noFiles = "/proc/self"; std::filesystem::exists(noFiles)) {
         status = DocumentFile::saveAs(*asset, noFiles / "file.vnd");
@@ -479,7 +482,8 @@ TEST_F(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
     EXPECT_TRUE(asset->isDirty());
     std::filesystem::permissions(file.path(), std::filesystem::perms::owner_all);
     VN_EXPECT_OK(DocumentFile::save(*asset));
-    EXPECT_EQ(std::filesystem::status(file.path()).permissions(), std::filesystem::perms::owner_all);
+    EXPECT_EQ(std::filesystem::status(file.path()).permissions(),
+              std::filesystem::perms::owner_all);
     expectSaved(*asset, file.path());
 
     std::filesystem::remove(file.path());
@@ -489,7 +493,7 @@ TEST_F(DocumentFileTests, aDocumentThatCantBeSavedSaysWhy) {
     std::filesystem::remove(file.path());
 }
 
-TEST_F(DocumentFileTests, aFileThatSomebodyElseChangedIsntWrittenTo) {
+TEST_F(DocumentFileTests, AFileThatAnotherProgramChangedIsntWrittenTo) {
     TemporaryFile const file;
     TemporaryFile const elsewhere;
     StrongRef<Asset> const asset = randomDocument(5, 10);
@@ -509,7 +513,7 @@ TEST_F(DocumentFileTests, aFileThatSomebodyElseChangedIsntWrittenTo) {
     EXPECT_EQ(DocumentFile::save(*asset).code(), StatusFailed);
 }
 
-TEST_F(DocumentFileTests, aFileInUseIsBusy) {
+TEST_F(DocumentFileTests, AFileInUseIsBusy) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(7, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -527,7 +531,7 @@ TEST_F(DocumentFileTests, aFileInUseIsBusy) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, whatIsNoDocumentIsRefused) {
+TEST_F(DocumentFileTests, WhatIsNoDocumentIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset;
     auto const refused = [&] { return DocumentFile::load(file.path(), nullptr, asset); };
@@ -536,20 +540,22 @@ TEST_F(DocumentFileTests, whatIsNoDocumentIsRefused) {
     EXPECT_EQ(DocumentFile::load("/dev/null", nullptr, asset).code(), StatusInvalidArgument);
     EXPECT_EQ(DocumentFile::load(file.path().parent_path(), nullptr, asset).code(),
               StatusInvalidArgument);
-    for (std::string const & content : {std::string(), std::string("short"), std::string(5000, 'x')}) {
+    for (std::string const & content :
+         {std::string(), std::string("short"), std::string(5000, 'x')}) {
         std::ofstream(file.path(), std::ios::binary) << content;
         Status const status = refused();
         EXPECT_EQ(status.code(), StatusCorrupt);
         EXPECT_THAT(status.toString(), HasSubstr("it is not a document"));
         std::ofstream(file.path(), std::ios::binary | std::ios::app).flush();
-        EXPECT_EQ(std::filesystem::file_size(file.path()), content.size()); // looked at, not touched
+        EXPECT_EQ(std::filesystem::file_size(file.path()),
+                  content.size()); // looked at, not touched
     }
     std::filesystem::remove(file.path());
     Sql(file.path()).run("CREATE TABLE something(x)");
     EXPECT_THAT(refused().toString(), HasSubstr("it is not a document"));
 }
 
-TEST_F(DocumentFileTests, aLaterVersionOfTheFormatIsRefused) {
+TEST_F(DocumentFileTests, ALaterVersionOfTheFormatIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset = randomDocument(8, 5);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -560,7 +566,7 @@ TEST_F(DocumentFileTests, aLaterVersionOfTheFormatIsRefused) {
     EXPECT_FALSE(asset);
 }
 
-TEST_F(DocumentFileTests, aLaterVersionOfATypeIsRefused) {
+TEST_F(DocumentFileTests, ALaterVersionOfATypeIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset = randomDocument(9, 5);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -570,7 +576,7 @@ TEST_F(DocumentFileTests, aLaterVersionOfATypeIsRefused) {
     EXPECT_THAT(status.toString(), HasSubstr("EverythingMetaType (Test-Everything) has version 4"));
 }
 
-TEST_F(DocumentFileTests, anUnknownTypeIsNamed) {
+TEST_F(DocumentFileTests, AnUnknownTypeIsNamed) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     Changing::become(0);
@@ -592,7 +598,7 @@ TEST_F(DocumentFileTests, anUnknownTypeIsNamed) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, anOlderVersionIsMigrated) {
+TEST_F(DocumentFileTests, AnOlderVersionIsMigrated) {
     TemporaryFile const file;
     Changing::become(0);
     unsigned long long id = 0;
@@ -637,7 +643,8 @@ TEST_F(DocumentFileTests, anOlderVersionIsMigrated) {
         // The next save writes the file in the present version.
         changing.change([&] { changing.m_total = 4; });
         VN_EXPECT_OK(DocumentFile::save(*asset));
-        EXPECT_EQ(query(file.path(), "SELECT version FROM types WHERE id='Test-Changing'")[0][0], "1");
+        EXPECT_EQ(query(file.path(), "SELECT version FROM types WHERE id='Test-Changing'")[0][0],
+                  "1");
         expectSaved(*asset, file.path());
     }
     Changing::become(0);
@@ -646,7 +653,7 @@ TEST_F(DocumentFileTests, anOlderVersionIsMigrated) {
     Changing::end();
 }
 
-TEST_F(DocumentFileTests, aFailedMigrationLeavesNothingBehind) {
+TEST_F(DocumentFileTests, AFailedMigrationLeavesNothingBehind) {
     TemporaryFile const file;
     Changing::become(0);
     {
@@ -685,7 +692,7 @@ void saveAndLoadAChain() {
     EXPECT_THAT(findings, ::testing::IsEmpty());
 }
 
-TEST_F(DocumentFileTests, aLongChainAndALargeGroupAreLoadedOnASmallStack) {
+TEST_F(DocumentFileTests, ALongChainAndALargeGroupAreLoadedOnASmallStack) {
     onSmallStack(saveAndLoadAChain);
 }
 

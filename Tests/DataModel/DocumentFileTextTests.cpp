@@ -1,6 +1,6 @@
 // How texts and JSON are written into documents, and read again.
 
-#include "Platform/DataModel/DocumentFileTextInternal.h"
+#include "Platform/DataModel/File/Text.h"
 
 #include <bit>
 #include <cmath>
@@ -18,51 +18,53 @@ namespace {
 using namespace DataModel;
 
 struct Row {
-    std::wstring m_text;
-    std::string m_stored;
-    bool m_isText;
+    std::wstring text;
+    std::string stored;
+    bool isText;
 };
 
 wchar_t unit(std::uint32_t value) { return static_cast<wchar_t>(value); }
 
 std::vector<Row> rows() {
     return {
-        {L"", "", true},
-        {L"plain \x7F\t", "plain \x7F\t", true},
-        {L"\u00E4\u07FF\u0800\uFFFF", "\xC3\xA4\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF", true},
-        {L"\U0001F600\U0010FFFF", "\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF", true},
-        {std::wstring(L"a\0b", 3), std::string("a\0b", 3), false},
-        {{unit(0xD800)}, "\xED\xA0\x80", false},
-        {{L'a', unit(0xDFFF), L'b'}, "a\xED\xBF\xBF" "b", false},
+        {L"", "", true}, {L"plain \x7F\t", "plain \x7F\t", true},
+            {L"\u00E4\u07FF\u0800\uFFFF", "\xC3\xA4\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF", true},
+            {L"\U0001F600\U0010FFFF", "\xF0\x9F\x98\x80\xF4\x8F\xBF\xBF", true},
+            {std::wstring(L"a\0b", 3), std::string("a\0b", 3), false},
+            {{unit(0xD800)}, "\xED\xA0\x80", false},
+            {{L'a', unit(0xDFFF), L'b'},
+             "a\xED\xBF\xBF"
+             "b",
+             false},
 #if WCHAR_MAX > 0xFFFF
-        {{unit(0xD83D), unit(0xDE00)}, "\xED\xA0\xBD\xED\xB8\x80", false},
-        {{unit(0x110000)}, "\xF4\x90\x80\x80", false},
-        {{unit(0x1FFFFF)}, "\xF7\xBF\xBF\xBF", false},
-        {{unit(0x200000)}, "\xF8\x88\x80\x80\x80", false},
-        {{unit(0x3FFFFFF)}, "\xFB\xBF\xBF\xBF\xBF", false},
-        {{unit(0x4000000)}, "\xFC\x84\x80\x80\x80\x80", false},
-        {{unit(0x7FFFFFFF)}, "\xFD\xBF\xBF\xBF\xBF\xBF", false},
-        {{unit(0x80000000U)}, "\xFE\x82\x80\x80\x80\x80\x80", false},
-        {{unit(0xFFFFFFFFU)}, "\xFE\x83\xBF\xBF\xBF\xBF\xBF", false},
+            {{unit(0xD83D), unit(0xDE00)}, "\xED\xA0\xBD\xED\xB8\x80", false},
+            {{unit(0x110000)}, "\xF4\x90\x80\x80", false},
+            {{unit(0x1FFFFF)}, "\xF7\xBF\xBF\xBF", false},
+            {{unit(0x200000)}, "\xF8\x88\x80\x80\x80", false},
+            {{unit(0x3FFFFFF)}, "\xFB\xBF\xBF\xBF\xBF", false},
+            {{unit(0x4000000)}, "\xFC\x84\x80\x80\x80\x80", false},
+            {{unit(0x7FFFFFFF)}, "\xFD\xBF\xBF\xBF\xBF\xBF", false},
+            {{unit(0x80000000U)}, "\xFE\x82\x80\x80\x80\x80\x80", false},
+            {{unit(0xFFFFFFFFU)}, "\xFE\x83\xBF\xBF\xBF\xBF\xBF", false},
 #endif
     };
 }
 
 } // namespace
 
-TEST(DocumentFileTextTests, wideTextsAreStoredAsTheirBytesAndReadBack) {
+TEST(DocumentFileTextTests, WideTextsAreStoredAsTheirBytesAndReadBack) {
     for (Row const & row : rows()) {
         std::string stored;
-        EXPECT_EQ(encodeText(row.m_text, stored), row.m_isText);
-        EXPECT_EQ(stored, row.m_stored);
+        EXPECT_EQ(encodeText(row.text, stored), row.isText);
+        EXPECT_EQ(stored, row.stored);
         std::wstring text;
-        EXPECT_TRUE(row.m_isText ? decodeText(stored, text) : decodeBytes(stored, text));
-        EXPECT_EQ(text, row.m_text);
-        EXPECT_EQ(isText(stored), row.m_isText);
+        EXPECT_TRUE(row.isText ? decodeText(stored, text) : decodeBytes(stored, text));
+        EXPECT_EQ(text, row.text);
+        EXPECT_EQ(isText(stored), row.isText);
     }
 }
 
-TEST(DocumentFileTextTests, everyCharacterComesBack) {
+TEST(DocumentFileTextTests, EveryCharacterComesBack) {
     std::string stored;
     std::wstring text;
     for (std::uint32_t value = 0; value < 0x112000; value += value < 0x11000 ? 1 : 61) {
@@ -75,21 +77,23 @@ TEST(DocumentFileTextTests, everyCharacterComesBack) {
     }
 }
 
-TEST(DocumentFileTextTests, whatIsntWellFormedIsRefused) {
+TEST(DocumentFileTextTests, WhatIsntWellFormedIsRefused) {
     std::wstring text;
     for (char const * const bytes :
-         {"\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xC3", "\xC3\x28", "\xE0\x80\x80", "\xE0\x9F\xBF",
-          "\xED\xA0\x80", "\xF0\x80\x80\x80", "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\xFF", "a\xE2\x82"}) {
+         {"\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xC3", "\xC3\x28", "\xE0\x80\x80",
+          "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x80\x80\x80", "\xF4\x90\x80\x80",
+          "\xF8\x88\x80\x80\x80", "\xFF", "a\xE2\x82"}) {
         EXPECT_FALSE(decodeText(bytes, text)) << bytes;
         EXPECT_FALSE(isText(bytes)) << bytes;
     }
     for (char const * const bytes :
-         {"\x80", "\xC0\x80", "\xC3", "\xE0\x80\x80", "\xF8\x80\x80\x80\x80", "\xFC\x80\x80\x80\x80\x80",
-          "\xFE\x80\x80\x80\x80\x80\x80", "\xFE\x84\x80\x80\x80\x80\x80", "\xFE\x83\xBF", "\xFF"})
+         {"\x80", "\xC0\x80", "\xC3", "\xE0\x80\x80", "\xF8\x80\x80\x80\x80",
+          "\xFC\x80\x80\x80\x80\x80", "\xFE\x80\x80\x80\x80\x80\x80",
+          "\xFE\x84\x80\x80\x80\x80\x80", "\xFE\x83\xBF", "\xFF"})
         EXPECT_FALSE(decodeBytes(bytes, text)) << bytes;
 }
 
-TEST(DocumentFileTextTests, realsComeBackToTheBit) {
+TEST(DocumentFileTextTests, RealsComeBackToTheBit) {
     std::mt19937_64 random(1);
     std::string json;
     for (int i = 0; i < 20'000; ++i) {
@@ -102,20 +106,24 @@ TEST(DocumentFileTextTests, realsComeBackToTheBit) {
         JsonReader reader(json);
         double valueBack = 0;
         float narrowBack = 0;
-        ASSERT_TRUE(reader.readReal(valueBack) && reader.skip(' ') && reader.readReal(narrowBack)) << json;
+        ASSERT_TRUE(reader.readReal(valueBack) && reader.skip(' ') && reader.readReal(narrowBack))
+            << json;
         EXPECT_TRUE(reader.atEnd());
-        if (std::isnan(value))
+        if (std::isnan(value)) {
             EXPECT_TRUE(std::isnan(valueBack));
-        else
+        } else {
             EXPECT_EQ(std::bit_cast<std::uint64_t>(valueBack), std::bit_cast<std::uint64_t>(value));
-        if (std::isnan(narrow))
+        }
+        if (std::isnan(narrow)) {
             EXPECT_TRUE(std::isnan(narrowBack));
-        else
-            EXPECT_EQ(std::bit_cast<std::uint32_t>(narrowBack), std::bit_cast<std::uint32_t>(narrow));
+        } else {
+            EXPECT_EQ(std::bit_cast<std::uint32_t>(narrowBack),
+                      std::bit_cast<std::uint32_t>(narrow));
+        }
     }
 }
 
-TEST(DocumentFileTextTests, realsLookLikeReals) {
+TEST(DocumentFileTextTests, RealsLookLikeReals) {
     struct {
         double m_value;
         char const * m_json;
@@ -134,7 +142,7 @@ TEST(DocumentFileTextTests, realsLookLikeReals) {
     }
 }
 
-TEST(DocumentFileTextTests, textsOfEitherFormComeBackFromJson) {
+TEST(DocumentFileTextTests, TextsOfEitherFormComeBackFromJson) {
     for (std::string const & stored : {std::string(), std::string("a \"b\" \\ \x01\x1F\x7F/"),
                                        std::string("\xC3\xA4"), std::string("\xFF\0\x80", 3)}) {
         std::string json;
@@ -148,16 +156,17 @@ TEST(DocumentFileTextTests, textsOfEitherFormComeBackFromJson) {
     }
 }
 
-TEST(DocumentFileTextTests, escapesOfOtherProgramsAreRead) {
+TEST(DocumentFileTextTests, EscapesOfOtherProgramsAreRead) {
     std::string text;
     EXPECT_TRUE(JsonReader(R"("\"\\\/\b\f\n\r\t\u00e4\u00E4\ud83d\ude00")").readString(text));
     EXPECT_EQ(text, "\"\\/\b\f\n\r\t\xC3\xA4\xC3\xA4\xF0\x9F\x98\x80");
-    for (char const * const json : {"", "a", "\"", "\"\\", "\"\\x\"", "\"\\u12\"", "\"\\u123g\"", "\"\\ud800\"",
-                                    "\"\\ud800\\u0041\"", "\"\\udc00\"", "\"\n\"", "\"\xFF\""})
+    for (char const * const json :
+         {"", "a", "\"", "\"\\", "\"\\x\"", "\"\\u12\"", "\"\\u123g\"", "\"\\ud800\"",
+          "\"\\ud800\\u0041\"", "\"\\udc00\"", "\"\n\"", "\"\xFF\""})
         EXPECT_FALSE(JsonReader(json).readString(text)) << json;
 }
 
-TEST(DocumentFileTextTests, whatIsNoNumberIsRefused) {
+TEST(DocumentFileTextTests, WhatIsNoNumberIsRefused) {
     double real = 0;
     long long whole = 0;
     for (char const * const json : {"", "-", "+1", ".5", "inf", "nan", "-inf", "1e400", "x", "--1"})

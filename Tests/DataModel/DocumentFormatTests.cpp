@@ -27,7 +27,9 @@ public:
     void createHelper() {}
 
 protected:
-    explicit Thing(Segment * segment) : Entity(segment) { initializeMemberSetIfNeeded<Thing>(this); }
+    explicit Thing(Segment * segment) : Entity(segment) {
+        initializeMemberSetIfNeeded<Thing>(this);
+    }
     EntityMetaType * onMetaType() const override { return s_metaType(); }
 };
 
@@ -135,7 +137,7 @@ std::string withoutBlanks(std::string const & text) {
 
 class DocumentFormatTests : public FileTest {};
 
-TEST_F(DocumentFormatTests, theQueriesGiveTheRowsThatAreShown) {
+TEST_F(DocumentFormatTests, TheQueriesGiveTheRowsThatAreShown) {
     TemporaryFile const file;
     saveLibrary(file.path());
     auto const all = blocks();
@@ -147,7 +149,8 @@ TEST_F(DocumentFormatTests, theQueriesGiveTheRowsThatAreShown) {
         std::string shown;
         for (auto const & row : query(file.path(), all[i].second)) {
             for (std::size_t column = 0; column < row.size(); ++column)
-                shown += (column ? "|" : "") + (row[column] == "NULL" ? std::string() : row[column]);
+                shown +=
+                    (column ? "|" : "") + (row[column] == "NULL" ? std::string() : row[column]);
             shown += '\n';
         }
         EXPECT_EQ(shown, all[i + 1].second);
@@ -156,14 +159,15 @@ TEST_F(DocumentFormatTests, theQueriesGiveTheRowsThatAreShown) {
     EXPECT_EQ(queries, 3);
 }
 
-TEST_F(DocumentFormatTests, theTablesAreMadeByTheStatementsThatAreShown) {
+TEST_F(DocumentFormatTests, TheTablesAreMadeByTheStatementsThatAreShown) {
     TemporaryFile const file;
     saveLibrary(file.path());
     std::string shown;
     int tables = 0;
     for (auto const & [language, text] : blocks())
         if (text.starts_with("CREATE TABLE")) shown += withoutBlanks(text) + '\n';
-    for (auto const & row : query(file.path(), "SELECT sql FROM sqlite_schema WHERE type='table'")) {
+    for (auto const & row :
+         query(file.path(), "SELECT sql FROM sqlite_schema WHERE type='table'")) {
         if (row[0].find("\"Shelf\"") != std::string::npos) continue; // that of Book is shown
         EXPECT_NE(shown.find(withoutBlanks(row[0]) + '\n'), std::string::npos) << row[0];
         ++tables;
@@ -173,7 +177,7 @@ TEST_F(DocumentFormatTests, theTablesAreMadeByTheStatementsThatAreShown) {
     EXPECT_EQ(query(file.path(), "PRAGMA user_version")[0][0], "1");
 }
 
-TEST_F(DocumentFormatTests, everyListIsJsonForOtherProgramsToo) {
+TEST_F(DocumentFormatTests, EveryListIsJsonForOtherProgramsToo) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(3, 60);
     ASSERT_TRUE(DocumentFile::saveAs(*asset, file.path()));

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "Platform/DataModel/DocumentFileEngineInternal.h"
+#include "Platform/DataModel/File/Engine.h"
 
 namespace Vn::Testing {
 

@@ -80,9 +80,13 @@ void putReference(std::ostream & out, T const & reference) {
     out << (reference.get() ? std::to_string(reference.get()->id()) : "null");
 }
 template <class T>
-void put(std::ostream & out, StrongRef<T> const & reference) { putReference(out, reference); }
+void put(std::ostream & out, StrongRef<T> const & reference) {
+    putReference(out, reference);
+}
 template <class T>
-void put(std::ostream & out, PassiveRef<T> const & reference) { putReference(out, reference); }
+void put(std::ostream & out, PassiveRef<T> const & reference) {
+    putReference(out, reference);
+}
 void put(std::ostream & out, Spot const & spot) {
     put(out, spot.m_x);
     out << '@';
@@ -194,10 +198,10 @@ void Everything::initializeMembers(unsigned, MemberSet * set) {
 std::string Everything::dump() const {
     std::ostringstream out;
     out << Piece::dump();
-    putAll(out, m_bool, m_int, m_unsigned, m_int64, m_unsigned64, m_float, m_double, m_string, m_wide,
-           m_text, m_rOwned, m_rFriend, m_rRow, m_spot);
-    putAll(out, m_ints, m_unsigneds, m_int64s, m_unsigned64s, m_floats, m_doubles, m_strings, m_wides,
-           m_texts, m_children, m_friends, m_spots);
+    putAll(out, m_bool, m_int, m_unsigned, m_int64, m_unsigned64, m_float, m_double, m_string,
+           m_wide, m_text, m_rOwned, m_rFriend, m_rRow, m_spot);
+    putAll(out, m_ints, m_unsigneds, m_int64s, m_unsigned64s, m_floats, m_doubles, m_strings,
+           m_wides, m_texts, m_children, m_friends, m_spots);
     return out.str();
 }
 
@@ -233,7 +237,9 @@ void Changing::become(unsigned version) {
 void Changing::end() { s_changing.reset(); }
 EntityMetaType * Changing::s_metaType() { return s_changing.get(); }
 UniqueString const * Changing::interfaceId() { return s_changingId.get(); }
-Changing::Changing(Segment * segment) : Piece(segment) { initializeMemberSetIfNeeded<Changing>(this); }
+Changing::Changing(Segment * segment) : Piece(segment) {
+    initializeMemberSetIfNeeded<Changing>(this);
+}
 Changing::Changing(Segment * segment, unsigned long long id) : Piece(segment, id) {
     initializeMemberSetIfNeeded<Changing>(this);
 }
@@ -302,7 +308,8 @@ std::string dump(Asset const & asset, bool withTransient) {
     for (Entity const * const entity : asset.allEntities()) {
         if (entity->segment()->isTransient() && !withTransient) continue;
         out << entity->id() << " in " << entity->segment()->segmentType()->type() << ' '
-            << entity->metaType()->name() << ": " << static_cast<Piece const *>(entity)->dump() << '\n';
+            << entity->metaType()->name() << ": " << static_cast<Piece const *>(entity)->dump()
+            << '\n';
     }
     return out.str();
 }
@@ -315,9 +322,14 @@ StrongRef<Everything> makeExtremes(Asset & asset) {
     StrongRef<Everything> const one = Everything::make(design(asset));
     StrongRef<Everything> const two = Everything::make(design(asset));
     design(asset)->addRoot(one, "one");
-    std::wstring const odd{L'a', static_cast<wchar_t>(0xD800), L'\0', static_cast<wchar_t>(0xDC00),
-                           static_cast<wchar_t>(0x1F600), static_cast<wchar_t>(0x110000),
-                           static_cast<wchar_t>(0xFFFFFFFFU), static_cast<wchar_t>(0x7FFFFFFF)};
+    std::wstring const odd{L'a',
+                           static_cast<wchar_t>(0xD800),
+                           L'\0',
+                           static_cast<wchar_t>(0xDC00),
+                           static_cast<wchar_t>(0x1F600),
+                           static_cast<wchar_t>(0x110000),
+                           static_cast<wchar_t>(0xFFFFFFFFU),
+                           static_cast<wchar_t>(0x7FFFFFFF)};
     one->m_name = L"\u00E4\u6F22\U0001F600 \"quoted\" \\ \n";
     one->m_bool = true;
     one->m_int = std::numeric_limits<int>::min();
@@ -337,8 +349,18 @@ StrongRef<Everything> makeExtremes(Asset & asset) {
     one->m_int64s = {std::numeric_limits<long long>::min(), 0};
     one->m_unsigned64s = {std::numeric_limits<unsigned long long>::max(), 1ULL << 63, 0};
     one->m_floats = {-0.0F, Floats::infinity(), Floats::quiet_NaN(), 0.1F, Floats::denorm_min()};
-    one->m_doubles = {-0.0, 0.0, Doubles::infinity(), -Doubles::infinity(), Doubles::quiet_NaN(), 0.1,
-                      1.0, 1e22, Doubles::denorm_min(), Doubles::max(), 5e-324, 123456789.125};
+    one->m_doubles = {-0.0,
+                      0.0,
+                      Doubles::infinity(),
+                      -Doubles::infinity(),
+                      Doubles::quiet_NaN(),
+                      0.1,
+                      1.0,
+                      1e22,
+                      Doubles::denorm_min(),
+                      Doubles::max(),
+                      5e-324,
+                      123456789.125};
     one->m_strings = {"", "text", std::string("\0", 1), "\x80", "\"\\\n\x1F\x7F"};
     one->m_wides = {L"", L"\u00E4\U0001F600", odd, std::wstring(1, L'\0'), L"\"\\/\b\f\n\r\t"};
     one->m_texts = {GlobalizedString(), GlobalizedString(odd), GlobalizedString("\x80", "", odd),
@@ -359,14 +381,24 @@ std::wstring randomWide(std::mt19937 & random) {
     std::wstring text;
     for (auto length = random() % 12; length; --length) {
         switch (random() % 12) {
-        case 0: text += static_cast<wchar_t>(0xD800 + random() % 0x800); break;
-        case 1: text += static_cast<wchar_t>(random() % 0x10000); break;
-        case 2: text += static_cast<wchar_t>(random()); break;
-        case 3: text += L'\0'; break;
-        default: text += static_cast<wchar_t>(32 + random() % 95);
+        case 0:
+            text += static_cast<wchar_t>(0xD800 + random() % 0x800);
+            break;
+        case 1:
+            text += static_cast<wchar_t>(random() % 0x10000);
+            break;
+        case 2:
+            text += static_cast<wchar_t>(random());
+            break;
+        case 3:
+            text += L'\0';
+            break;
+        default:
+            text += static_cast<wchar_t>(32 + random() % 95);
         }
         // As a whole the texts are no worse than what programs make.
-        if (random() % 8) text.back() = static_cast<wchar_t>(L'a' + static_cast<int>(random() % 26));
+        if (random() % 8)
+            text.back() = static_cast<wchar_t>(L'a' + static_cast<int>(random() % 26));
     }
     return text;
 }
@@ -384,20 +416,28 @@ GlobalizedString randomText(std::mt19937 & random) {
 }
 
 double randomDouble(std::mt19937 & random) {
-    constexpr double c_odd[] = {0.0, -0.0, std::numeric_limits<double>::infinity(),
+    constexpr double c_odd[] = {0.0,
+                                -0.0,
+                                std::numeric_limits<double>::infinity(),
                                 -std::numeric_limits<double>::infinity(),
                                 std::numeric_limits<double>::quiet_NaN(),
                                 std::numeric_limits<double>::denorm_min(),
-                                std::numeric_limits<double>::max(), 0.1, 1e22, 12345678.0};
+                                std::numeric_limits<double>::max(),
+                                0.1,
+                                1e22,
+                                12345678.0};
     if (random() % 2) return c_odd[random() % std::size(c_odd)];
     return std::bit_cast<double>(static_cast<std::uint64_t>(random()) << 32 | random());
 }
 
 float randomFloat(std::mt19937 & random) {
-    constexpr float c_odd[] = {0.0F, -0.0F, std::numeric_limits<float>::infinity(),
+    constexpr float c_odd[] = {0.0F,
+                               -0.0F,
+                               std::numeric_limits<float>::infinity(),
                                std::numeric_limits<float>::quiet_NaN(),
                                std::numeric_limits<float>::denorm_min(),
-                               -std::numeric_limits<float>::max(), 0.1F};
+                               -std::numeric_limits<float>::max(),
+                               0.1F};
     if (random() % 2) return c_odd[random() % std::size(c_odd)];
     return std::bit_cast<float>(static_cast<std::uint32_t>(random()));
 }
@@ -461,9 +501,10 @@ void makeChild(Everything & parent, Asset & asset, std::mt19937 & random) {
         child = made;
     }
     parent.change([&] {
-        parent.m_children.insert(parent.m_children.begin()
-                                     + static_cast<std::ptrdiff_t>(random() % (parent.m_children.size() + 1)),
-                                 child);
+        parent.m_children.insert(
+            parent.m_children.begin() +
+                static_cast<std::ptrdiff_t>(random() % (parent.m_children.size() + 1)),
+            child);
     });
 }
 
@@ -482,8 +523,7 @@ StrongRef<Asset> randomDocument(unsigned seed, std::size_t entities) {
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
     design(*asset)->addRoot(root, "root");
-    while (asset->entities() < entities)
-        makeChild(*anyParent(*asset, random), *asset, random);
+    while (asset->entities() < entities) makeChild(*anyParent(*asset, random), *asset, random);
     return asset;
 }
 
@@ -492,13 +532,15 @@ void changeRandomly(Asset & asset, unsigned seed) {
     for (auto steps = 1 + random() % 8; steps; --steps) {
         Everything * const parent = anyParent(asset, random);
         switch (random() % 4) {
-        case 0: makeChild(*parent, asset, random); break;
+        case 0:
+            makeChild(*parent, asset, random);
+            break;
         case 1:
             if (!parent->m_children.empty())
                 parent->change([&] {
                     parent->m_children.erase(
-                        parent->m_children.begin()
-                        + static_cast<std::ptrdiff_t>(random() % parent->m_children.size()));
+                        parent->m_children.begin() +
+                        static_cast<std::ptrdiff_t>(random() % parent->m_children.size()));
                 });
             break;
         case 2: {
@@ -507,7 +549,8 @@ void changeRandomly(Asset & asset, unsigned seed) {
             segment->addRoot(random() % 2 ? StrongRef<Entity>(parent) : nullptr, key);
             break;
         }
-        default: parent->change([&] { fillRandomly(*parent, asset, random); });
+        default:
+            parent->change([&] { fillRandomly(*parent, asset, random); });
         }
     }
 }

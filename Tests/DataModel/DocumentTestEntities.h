@@ -1,5 +1,5 @@
-// Entities for the tests of documents on disk: one with a member of every kind, one that changed its
-// members from version to version, and what goes with them.
+// Entities for the tests of documents on disk: one with a member of every kind, one that changed
+// its members from version to version, and what goes with them.
 
 #ifndef VN_TESTS_DATAMODEL_DOCUMENTTESTENTITIES_H
 #define VN_TESTS_DATAMODEL_DOCUMENTTESTENTITIES_H
@@ -20,17 +20,18 @@
 #include "Platform/DataModel/MigrationHelper.h"
 #include "Platform/DataModel/Segment.h"
 #include "Platform/Types/GlobalizedString.h"
-#include "Tests/DataModel/TemporaryFile.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
 
-// The meta type of a class X that has s_metaTypeId, c_className and initializeMembers(version, set).
+// The meta type of a class X that has s_metaTypeId, c_className and initializeMembers(version,
+// set).
 template <class X>
 class DocumentMetaType : public EntityMetaType {
 public:
     DocumentMetaType(unsigned version, std::string base, EType type = TypeConcrete)
-        : EntityMetaType("Test", X::s_metaTypeId(), std::string(X::c_className) + "MetaType", version,
-                         std::move(base), type) {}
+        : EntityMetaType("Test", X::s_metaTypeId(), std::string(X::c_className) + "MetaType",
+                         version, std::move(base), type) {}
 
     std::vector<std::string> m_heard; // what happened to entities around saving and loading
     bool m_bListening = false;
@@ -69,7 +70,8 @@ void initializeMemberSetIfNeeded(X * self) {
     }
     if (self->isCreating()) return;
     Segment * const segment = self->segment();
-    if (segment->isTransient() || segment->isStandalone() || !segment->asset()->isMigrating()) return;
+    if (segment->isTransient() || segment->isStandalone() || !segment->asset()->isMigrating())
+        return;
     unsigned const version = segment->persistedMetaTypeVersion(type);
     if (version >= type->version()) return;
     self->migratingVersion(type, version);
@@ -88,10 +90,9 @@ public:
     }
     template <class T>
     void add(char const * name, std::vector<T> & field) {
-        m_pSet->addNewMember(name, &field, typeid(std::vector<T>).name(),
-                             MemberMetaType::find("Vector"),
-                             TemplatizedFunctions::makeVector<T>(kind(static_cast<T *>(nullptr))),
-                             nullptr);
+        m_pSet->addNewMember(
+            name, &field, typeid(std::vector<T>).name(), MemberMetaType::find("Vector"),
+            TemplatizedFunctions::makeVector<T>(kind(static_cast<T *>(nullptr))), nullptr);
     }
 
 private:
@@ -102,7 +103,9 @@ private:
         else
             return IntrinsicMetaType<T>::get();
     }
-    static MemberMetaType * kind(GlobalizedString *) { return MemberMetaType::find("GlobalizedString"); }
+    static MemberMetaType * kind(GlobalizedString *) {
+        return MemberMetaType::find("GlobalizedString");
+    }
     template <class T>
     static MemberMetaType * kind(StrongRef<T> *) {
         return StrongRefMetaType::get();
@@ -232,8 +235,8 @@ protected:
     EntityMetaType * onMetaType() const override { return s_metaType(); }
 };
 
-// Version 0 had "count" and "first"; version 1 has "count" and "total", and gives `total` what `first`
-// was, by way of a helper.  Which of the two the process has is for the tests to say.
+// Version 0 had "count" and "first"; version 1 has "count" and "total", and gives `total` what
+// `first` was, by way of a helper.  Which of the two the process has is for the tests to say.
 class Changing : public Piece {
 public:
     static constexpr char c_className[] = "Changing";
@@ -254,9 +257,9 @@ public:
     std::string dump() const override;
 
     int m_count = 0;
-    double m_first = 0; // of version 0
+    double m_first = 0;               // of version 0
     PassiveRef<Piece> m_rFirstFriend; // the same
-    double m_total = 0; // of version 1
+    double m_total = 0;               // of version 1
     PassiveRef<Piece> m_rTotalFriend; // the same
 
 protected:

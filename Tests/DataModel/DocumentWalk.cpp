@@ -8,7 +8,7 @@
 #include <sqlite3.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Platform/DataModel/DocumentFileEngineInternal.h"
+#include "Platform/DataModel/File/Engine.h"
 
 namespace Vn::Testing {
 
@@ -25,8 +25,8 @@ std::string idText(unsigned long long id) { return std::to_string(id); }
 bool runSql(std::filesystem::path const & file, char const * sql) {
     if (!DataModel::missingEngine().empty()) return false;
     sqlite3 * database = nullptr;
-    bool const isDone = sqlite3_open(file.string().c_str(), &database) == SQLITE_OK
-        && sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+    bool const isDone = sqlite3_open(file.string().c_str(), &database) == SQLITE_OK &&
+                        sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
     sqlite3_close(database);
     return isDone;
 }
@@ -54,7 +54,8 @@ void DocumentWalk::Keeper::keep(Entity * entity) {
             m_kept.pop_back();
         }
         break;
-    default: break;
+    default:
+        break;
     }
 }
 
@@ -84,9 +85,9 @@ void DocumentWalk::start(StrongRef<Asset> asset) {
     m_states = {m_model};
     m_present = 0;
     std::set<Id> reached;
-    for (auto const & [key, id] : m_model.m_roots) reach(id, reached);
+    for (auto const & [key, id] : m_model.roots) reach(id, reached);
     m_unowned.clear();
-    for (auto const & [id, node] : m_model.m_nodes)
+    for (auto const & [id, node] : m_model.nodes)
         if (!reached.contains(id)) m_unowned.push_back(id);
 }
 
@@ -97,10 +98,10 @@ void DocumentWalk::reach(Id from, std::set<Id> & reached) const {
         Id const id = way.back();
         way.pop_back();
         if (!id || !reached.insert(id).second) continue;
-        auto const node = m_model.m_nodes.find(id);
-        if (node == m_model.m_nodes.end()) continue;
-        way.insert(way.end(), node->second.m_children.begin(), node->second.m_children.end());
-        way.push_back(node->second.m_owned);
+        auto const node = m_model.nodes.find(id);
+        if (node == m_model.nodes.end()) continue;
+        way.insert(way.end(), node->second.children.begin(), node->second.children.end());
+        way.push_back(node->second.owned);
     }
 }
 
@@ -108,19 +109,19 @@ DocumentWalk::Model DocumentWalk::readAll() const {
     Model model;
     for (Entity * const entity : m_rAsset->allEntities()) {
         Thing const & thing = *query<Thing>(entity);
-        Node & node = model.m_nodes[thing.id()];
-        node.m_int = thing.m_int;
-        node.m_name = thing.m_name;
-        node.m_words = thing.m_words;
-        node.m_owned = idOf(thing.m_rOwned.get());
-        node.m_friend = idOf(thing.m_rFriend.get());
-        for (auto const & child : thing.m_children) node.m_children.push_back(idOf(child.get()));
-        for (auto const & other : thing.m_friends) node.m_friends.push_back(idOf(other.get()));
+        Node & node = model.nodes[thing.id()];
+        node.number = thing.m_int;
+        node.name = thing.m_name;
+        node.words = thing.m_words;
+        node.owned = idOf(thing.m_rOwned.get());
+        node.companion = idOf(thing.m_rFriend.get());
+        for (auto const & child : thing.m_children) node.children.push_back(idOf(child.get()));
+        for (auto const & other : thing.m_friends) node.friends.push_back(idOf(other.get()));
     }
     Segment const & design = *m_rAsset->segment(SegmentType::DesignSegment);
     std::vector<std::string> keys;
     design.rootEntityIds(keys);
-    for (std::string const & key : keys) model.m_roots[key] = idOf(design.rootEntity(key).get());
+    for (std::string const & key : keys) model.roots[key] = idOf(design.rootEntity(key).get());
     return model;
 }
 
@@ -142,9 +143,7 @@ bool DocumentWalk::step() {
     else if (what < 97)
         quietChange();
     else if (!m_file.empty())
-        save(what == 97   ? After::Nothing
-             : what == 98 ? After::Load
-                          : After::Migrate);
+        save(what == 97 ? After::Nothing : what == 98 ? After::Load : After::Migrate);
     if (m_wrong.empty()) check();
     return m_wrong.empty();
 }
@@ -156,8 +155,7 @@ StrongRef<Thing> DocumentWalk::thing(Id id) const {
 // An entity that is alive.
 DocumentWalk::Id DocumentWalk::pick() const {
     auto const all = m_rAsset->allEntities();
-    return all.empty() ? 0
-                       : all[m_source(static_cast<unsigned>(all.size()))]->id();
+    return all.empty() ? 0 : all[m_source(static_cast<unsigned>(all.size()))]->id();
 }
 
 bool DocumentWalk::reaches(Id from, Id to) const {
@@ -171,12 +169,11 @@ void DocumentWalk::transaction(unsigned depth) {
     bool isStep = false;
     {
         Transaction transaction(*m_rAsset, L"walk");
-        for (unsigned n = below(4) + 1; n--;) {
+        for (unsigned n = below(4) + 1; n--;)
             if (depth < 2 && below(8) == 0)
                 this->transaction(depth + 1);
             else
                 change();
-        }
         if (below(5) == 0) {
             m_did += "abort; ";
             transaction.abort();
@@ -213,9 +210,9 @@ void DocumentWalk::change() {
         StrongRef<Thing> made = Thing::make(*m_rAsset, name);
         Id const child = made->id();
         say("make " + idText(child) + " in");
-        m_model.m_nodes[child].m_name = name;
+        m_model.nodes[child].name = name;
         if (below(8)) {
-            auto & children = m_model.m_nodes[id].m_children;
+            auto & children = m_model.nodes[id].children;
             unsigned const place = below(static_cast<unsigned>(children.size()) + 1);
             entity->insert(made, place);
             children.insert(children.begin() + place, child);
@@ -225,7 +222,7 @@ void DocumentWalk::change() {
     }
     case 3:
     case 4: {
-        auto & children = m_model.m_nodes[id].m_children;
+        auto & children = m_model.nodes[id].children;
         if (children.empty()) break;
         unsigned const place = below(static_cast<unsigned>(children.size()));
         say("remove " + idText(children[place]) + " from");
@@ -240,7 +237,7 @@ void DocumentWalk::change() {
         StrongRef<Thing> const listed = thing(other);
         if (reaches(other, id)) break;
         say("list " + idText(other) + " in");
-        auto & children = m_model.m_nodes[id].m_children;
+        auto & children = m_model.nodes[id].children;
         unsigned const place = below(static_cast<unsigned>(children.size()) + 1);
         entity->insert(listed, place);
         children.insert(children.begin() + place, other);
@@ -251,32 +248,32 @@ void DocumentWalk::change() {
         if (other && reaches(other, id)) break;
         say("let own " + idText(other) + ':');
         entity->set(&Thing::m_rOwned, other ? thing(other) : StrongRef<Thing>());
-        m_model.m_nodes[id].m_owned = other;
+        m_model.nodes[id].owned = other;
         break;
     }
     case 8: {
         say("rename");
         std::wstring const name(below(20), static_cast<wchar_t>(L'a' + below(26)));
         entity->set(&Thing::m_name, name);
-        m_model.m_nodes[id].m_name = name;
+        m_model.nodes[id].name = name;
         break;
     }
     case 9: {
         say("number");
         int const number = static_cast<int>(below(5));
         entity->set(&Thing::m_int, number);
-        m_model.m_nodes[id].m_int = number;
+        m_model.nodes[id].number = number;
         break;
     }
     case 10: {
         Id const other = pick();
         say("befriend " + idText(other) + " by");
         entity->set(&Thing::m_rFriend, PassiveRef<Entity>(thing(other)));
-        m_model.m_nodes[id].m_friend = other;
+        m_model.nodes[id].companion = other;
         auto friends = entity->m_friends;
         friends.emplace_back(thing(other));
         entity->set(&Thing::m_friends, std::move(friends));
-        m_model.m_nodes[id].m_friends.push_back(other);
+        m_model.nodes[id].friends.push_back(other);
         break;
     }
     case 11: {
@@ -285,11 +282,11 @@ void DocumentWalk::change() {
         if (below(2)) {
             say("root " + key);
             design.addRoot(entity, key);
-            m_model.m_roots[key] = id;
+            m_model.roots[key] = id;
         } else {
             m_did += "no root " + key + "; ";
             design.addRoot(nullptr, key);
-            m_model.m_roots.erase(key);
+            m_model.roots.erase(key);
         }
         break;
     }
@@ -298,7 +295,7 @@ void DocumentWalk::change() {
         auto children = entity->m_children;
         std::reverse(children.begin(), children.end());
         entity->set(&Thing::m_children, std::move(children));
-        auto & ids = m_model.m_nodes[id].m_children;
+        auto & ids = m_model.nodes[id].children;
         std::reverse(ids.begin(), ids.end());
         break;
     }
@@ -315,7 +312,7 @@ void DocumentWalk::quietChange() {
     m_did += "quiet change of " + idText(id) + "; ";
     int const number = static_cast<int>(below(1000)) + 10;
     thing(id)->set(&Thing::m_int, number);
-    m_model.m_nodes[id].m_int = number;
+    m_model.nodes[id].number = number;
     m_states = {m_model};
     m_present = 0;
 }
@@ -354,7 +351,7 @@ void DocumentWalk::letGo() {
 
 void DocumentWalk::save(After after) {
     m_did += after == After::Nothing ? "save; "
-        : after == After::Load       ? "save and load; "
+             : after == After::Load  ? "save and load; "
                                      : "save, load and migrate; ";
     Status const saved = m_rAsset->file().empty() ? DocumentFile::saveAs(*m_rAsset, m_file)
                                                   : DocumentFile::save(*m_rAsset);
@@ -398,12 +395,16 @@ void DocumentWalk::save(After after) {
 
 bool DocumentWalk::migrate(Thing & entity) {
     switch (below(8)) {
-    case 0: entity.set(&Thing::m_name, std::wstring(L"migrated")); return true;
+    case 0:
+        entity.set(&Thing::m_name, std::wstring(L"migrated"));
+        return true;
     case 1:
         entity.m_int = static_cast<int>(below(1000));
         entity.markModified();
         return true;
-    case 2: entity.add(Thing::make(entity.segment(), L"made")); return true;
+    case 2:
+        entity.add(Thing::make(entity.segment(), L"made"));
+        return true;
     case 3:
         if (entity.m_children.empty()) return false;
         entity.remove(entity.m_children.size() - 1);
@@ -411,7 +412,8 @@ bool DocumentWalk::migrate(Thing & entity) {
     case 4:
         if (m_held.size() < c_mostHeld) m_held.emplace_back(&entity);
         return false;
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -424,38 +426,38 @@ bool DocumentWalk::fail(std::string why) {
 
 bool DocumentWalk::checkEntity(Thing const & entity, Node const & node) {
     std::string const which = "entity " + idText(entity.id()) + ": ";
-    if (entity.m_int != node.m_int) return fail(which + "its number");
-    if (entity.m_name != node.m_name) return fail(which + "its name");
-    if (idOf(entity.m_rOwned.get()) != node.m_owned) return fail(which + "what it owns");
+    if (entity.m_int != node.number) return fail(which + "its number");
+    if (entity.m_name != node.name) return fail(which + "its name");
+    if (idOf(entity.m_rOwned.get()) != node.owned) return fail(which + "what it owns");
     if (entity.m_rOwned && !entity.m_rOwned->isAlive()) return fail(which + "owns a dead entity");
     std::vector<Id> children;
     for (auto const & child : entity.m_children) {
         if (!child || !child->isAlive()) return fail(which + "lists a dead entity");
         children.push_back(child->id());
     }
-    if (children != node.m_children) return fail(which + "its children");
+    if (children != node.children) return fail(which + "its children");
     auto const isRight = [&](PassiveRef<Entity> const & reference, Id id) {
         return idOf(reference.get()) == (m_rAsset->entity(id) ? id : 0);
     };
-    if (!isRight(entity.m_rFriend, node.m_friend)) return fail(which + "its friend");
-    if (entity.m_friends.size() != node.m_friends.size()) return fail(which + "its friends");
-    for (std::size_t i = 0; i < node.m_friends.size(); ++i)
-        if (!isRight(entity.m_friends[i], node.m_friends[i])) return fail(which + "its friends");
+    if (!isRight(entity.m_rFriend, node.companion)) return fail(which + "its friend");
+    if (entity.m_friends.size() != node.friends.size()) return fail(which + "its friends");
+    for (std::size_t i = 0; i < node.friends.size(); ++i)
+        if (!isRight(entity.m_friends[i], node.friends[i])) return fail(which + "its friends");
     return true;
 }
 
 bool DocumentWalk::check() {
     ChangeHistory const & history = m_rAsset->history();
     if (history.undoSteps() != m_present || history.redoSteps() != m_states.size() - m_present - 1)
-        return fail("the number of steps: " + std::to_string(history.undoSteps()) + " and "
-                    + std::to_string(history.redoSteps()) + ", not " + std::to_string(m_present)
-                    + " and " + std::to_string(m_states.size() - m_present - 1));
+        return fail("the number of steps: " + std::to_string(history.undoSteps()) + " and " +
+                    std::to_string(history.redoSteps()) + ", not " + std::to_string(m_present) +
+                    " and " + std::to_string(m_states.size() - m_present - 1));
     Segment const & design = *m_rAsset->segment(SegmentType::DesignSegment);
     std::vector<std::string> keys;
     design.rootEntityIds(keys);
-    if (keys.size() != m_model.m_roots.size()) return fail("the number of roots");
+    if (keys.size() != m_model.roots.size()) return fail("the number of roots");
     std::set<Id> reached;
-    for (auto const & [key, id] : m_model.m_roots) {
+    for (auto const & [key, id] : m_model.roots) {
         if (idOf(design.rootEntity(key).get()) != id) return fail("the root " + key);
         reach(id, reached);
     }
@@ -467,10 +469,10 @@ bool DocumentWalk::check() {
     for (Id const id : m_unowned) reach(id, reached);
     for (Entity * const entity : m_rAsset->allEntities()) {
         if (!reached.contains(entity->id()))
-            return fail("entity " + idText(entity->id()) + " is alive without an owner, by "
-                        + std::to_string(entity->refCount()) + " references");
-        auto const node = m_model.m_nodes.find(entity->id());
-        if (node == m_model.m_nodes.end())
+            return fail("entity " + idText(entity->id()) + " is alive without an owner, by " +
+                        std::to_string(entity->refCount()) + " references");
+        auto const node = m_model.nodes.find(entity->id());
+        if (node == m_model.nodes.end())
             return fail("entity " + idText(entity->id()) + " isn't made yet");
         if (!checkEntity(*query<Thing>(entity), node->second)) return false;
     }

@@ -1,20 +1,22 @@
 // A walk through a document by a caller that keeps references.
 //
-// Operations are drawn from a source of numbers: entities are made, listed, owned, removed, renamed, linked and
-// made roots within transactions, which nest, commit and abort; steps are undone and redone; documents are
-// saved, loaded, and migrated from an older version; and all the while the caller and an observer take references to entities and let go of them
-// at any time, within a transaction, between two, and while they are told of changes.
+// Operations are drawn from a source of numbers: entities are made, listed, owned, removed,
+// renamed, linked and made roots within transactions, which nest, commit and abort; steps are
+// undone and redone; documents are saved, loaded, and migrated from an older version; and all the
+// while the caller and an observer take references to entities and let go of them at any time,
+// within a transaction, between two, and while they are told of changes.
 //
-// Beside the document goes a model of it, which keeps each state whole and knows nothing of references that
-// callers hold.  After each operation these laws are checked:
+// Beside the document goes a model of it, which keeps each state whole and knows nothing of
+// references that callers hold.  After each operation these laws are checked:
 //
-//   * What the model reaches from the roots is alive, and every alive entity is as the model has it:
-//     numbers, names, words, and whom it owns, in order.
+//   * What the model reaches from the roots is alive, and every alive entity is as the model has
+//     it: numbers, names, words, and whom it owns, in order.
 //   * A passive reference leads where the model says if that is alive, and is null otherwise.
-//   * What is alive is owned or held: reached from a root or from a reference that somebody keeps.
-//   * There are as many steps to undo and redo as the model has states before and after the present one.
-//   * What was saved is clean, opens, and is the document.  What hooks of a
-//     migration changed isn't.
+//   * What is alive is owned or held: reached from a root or from a reference that a caller keeps.
+//   * There are as many steps to undo and redo as the model has states before and after the present
+//     one.
+//   * What was saved is clean, opens, and is the document.  What hooks of a migration changed isn't
+//     clean.
 
 #ifndef VN_TESTS_DATAMODEL_DOCUMENTWALK_H
 #define VN_TESTS_DATAMODEL_DOCUMENTWALK_H
@@ -54,18 +56,18 @@ private:
     using Id = unsigned long long;
 
     struct Node {
-        int m_int = 0;
-        std::wstring m_name;
-        std::vector<std::wstring> m_words;
-        Id m_owned = 0;
-        Id m_friend = 0;
-        std::vector<Id> m_children;
-        std::vector<Id> m_friends;
+        int number = 0;
+        std::wstring name;
+        std::vector<std::wstring> words;
+        Id owned = 0;
+        Id companion = 0;
+        std::vector<Id> children;
+        std::vector<Id> friends;
     };
     // All that is or was there in a state, and the roots.
     struct Model {
-        std::map<Id, Node> m_nodes;
-        std::map<std::string, Id> m_roots;
+        std::map<Id, Node> nodes;
+        std::map<std::string, Id> roots;
     };
 
     // Keeps references to entities of whose changes it is told.
@@ -102,8 +104,8 @@ private:
     // How a save goes on.
     enum class After { Nothing, Load, Migrate };
     void save(After after);
-    // What the migration of an entity does: it may rename it, give it a child, take one away, and keep it.
-    // Whether that changed the document.
+    // What the migration of an entity does: it may rename it, give it a child, take one away, and
+    // keep it. Whether that changed the document.
     bool migrate(Thing & entity);
     void hold();
     void letGo();

@@ -27,13 +27,12 @@ protected:
     std::vector<std::string> m_heard;
 };
 
-EntityChange bracket(Entity * entity,
-                     DataChange::ETiming timing = DataChange::TimingPreAndPost,
+EntityChange bracket(Entity * entity, DataChange::ETiming timing = DataChange::TimingPreAndPost,
                      DataChange::EChangeType type = DataChange::ChangeValue) {
     return EntityChange(entity, DataChange::TransactDirect, type, timing, nullptr, true);
 }
 
-TEST_F(EntityChangeTests, tellsBeforeAndAfterAsItsTimingSays) {
+TEST_F(EntityChangeTests, TellsBeforeAndAfterAsItsTimingSays) {
     { EntityChange const change = bracket(m_rThing.get()); }
     EXPECT_THAT(m_heard, ElementsAre("pre 1", "post 1"));
     m_heard.clear();
@@ -44,7 +43,7 @@ TEST_F(EntityChangeTests, tellsBeforeAndAfterAsItsTimingSays) {
     EXPECT_THAT(m_heard, ElementsAre("post 1"));
 }
 
-TEST_F(EntityChangeTests, outerChangeIsTheBracketThatOpenedFirstOnTheEntity) {
+TEST_F(EntityChangeTests, OuterChangeIsTheBracketThatOpenedFirstOnTheEntity) {
     StrongRef<Thing> const other = Thing::make(*m_rAsset);
     EXPECT_EQ(m_rThing->outerChange(), nullptr);
     {
@@ -73,14 +72,14 @@ private:
     std::vector<std::string> & m_heard;
 };
 
-TEST_F(EntityChangeTests, aSummarizerHearsOfTheEndOfItsBracketAndEndsWithIt) {
+TEST_F(EntityChangeTests, ASummarizerHearsOfTheEndOfItsBracketAndEndsWithIt) {
     {
-        EntityChange outer = bracket(m_rThing.get(), DataChange::TimingPreAndPost,
-                                     DataChange::ChangeStructural);
+        EntityChange outer =
+            bracket(m_rThing.get(), DataChange::TimingPreAndPost, DataChange::ChangeStructural);
         EXPECT_EQ(outer.findSummarizer(EntityChangeSummarizer::interfaceId()), nullptr);
         {
-            EntityChange const inner = bracket(m_rThing.get(), DataChange::TimingPreAndPost,
-                                               DataChange::ChangeChildren);
+            EntityChange const inner =
+                bracket(m_rThing.get(), DataChange::TimingPreAndPost, DataChange::ChangeChildren);
             auto * const summarizer = new Summarizer(m_heard);
             m_rThing->outerChange()->add(summarizer);
             EXPECT_EQ(outer.findSummarizer(EntityChangeSummarizer::interfaceId()), summarizer);
@@ -88,11 +87,11 @@ TEST_F(EntityChangeTests, aSummarizerHearsOfTheEndOfItsBracketAndEndsWithIt) {
         }
         m_heard.push_back("end");
     }
-    EXPECT_THAT(m_heard, ElementsAre("pre 1", "pre 1", "summary pre ChangeChildren", "post 1", "end",
-                                     "post 1", "summary post ChangeChildren", "gone"));
+    EXPECT_THAT(m_heard, ElementsAre("pre 1", "pre 1", "summary pre ChangeChildren", "post 1",
+                                     "end", "post 1", "summary post ChangeChildren", "gone"));
 }
 
-TEST_F(EntityChangeTests, anExceptionClosesTheBracketsThatItLeaves) {
+TEST_F(EntityChangeTests, AnExceptionClosesTheBracketsThatItLeaves) {
     try {
         EntityChange const outer = bracket(m_rThing.get());
         EntityChange const inner = bracket(m_rThing.get());
@@ -102,7 +101,7 @@ TEST_F(EntityChangeTests, anExceptionClosesTheBracketsThatItLeaves) {
     EXPECT_EQ(m_rThing->outerChange(), nullptr);
 }
 
-TEST_F(EntityChangeTests, withoutUndoableAChangeLeavesTheHistoryAsItIs) {
+TEST_F(EntityChangeTests, WithoutUndoableAChangeLeavesTheHistoryAsItIs) {
     {
         Transaction transaction(*m_rAsset, L"change");
         m_rThing->set(&Thing::m_int, 1);
@@ -120,12 +119,14 @@ TEST_F(EntityChangeTests, withoutUndoableAChangeLeavesTheHistoryAsItIs) {
 }
 
 // Outside a transaction nothing else keeps the object.
-TEST_F(EntityChangeTests, anObjectThatDiesWithinItsBracketLastsUntilThatCloses) {
+TEST_F(EntityChangeTests, AnObjectThatDiesWithinItsBracketLastsUntilThatCloses) {
     struct Dropper : IEntityObserver {
-        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
+        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                       DataChange *) override {
             m_rThing.reset();
         }
-        void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
+        void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                        DataChange *) override {
             ++m_told;
         }
         void preDeletion(Entity *, DataChange::ETransact) override { ++m_deleted; }
@@ -145,7 +146,7 @@ TEST_F(EntityChangeTests, anObjectThatDiesWithinItsBracketLastsUntilThatCloses) 
     EXPECT_EQ(asset->entities(), 0U);
 }
 
-TEST_F(EntityChangeTests, observersMayComeAndGoWhileTheyAreTold) {
+TEST_F(EntityChangeTests, ObserversMayComeAndGoWhileTheyAreTold) {
     struct Observer : IEntityObserver {
         void preChange(Entity * entity, DataChange::ETransact, DataChange::EChangeType,
                        DataChange *) override {
@@ -183,23 +184,22 @@ TEST_F(EntityChangeTests, observersMayComeAndGoWhileTheyAreTold) {
     EXPECT_EQ(first.m_toldOfTheEnd, 0);
 }
 
-TEST(DataChangeTests, bitsAreReadByTest) {
+TEST(DataChangeTests, BitsAreReadByTest) {
     EXPECT_TRUE(DataChange::test(DataChange::TransactReplay, DataChange::TransactReplay));
     EXPECT_FALSE(DataChange::test(DataChange::TransactDirect, DataChange::TransactReplay));
     EXPECT_TRUE(DataChange::test(static_cast<DataChange::ETransact>(1 | 8),
                                  DataChange::TransactUnsummarized));
 }
 
-TEST(DataChangeTests, typesHaveWords) {
+TEST(DataChangeTests, TypesHaveWords) {
     EXPECT_EQ(DataChange::typeText(DataChange::ChangeStructural), L"ChangeStructural");
     EXPECT_EQ(DataChange::typeText(DataChange::ChangeValue), L"ChangeValue");
     EXPECT_EQ(DataChange::typeText(static_cast<DataChange::EChangeType>(0x30)),
               L"ChangeValue | ChangeChildren");
-    EXPECT_EQ(DataChange::typeText(static_cast<DataChange::EChangeType>(0x11)),
-              L"ChangeValue | 1");
+    EXPECT_EQ(DataChange::typeText(static_cast<DataChange::EChangeType>(0x11)), L"ChangeValue | 1");
 }
 
-TEST(DataChangeTests, aCopyHasItsOwnOfWhatTheOtherOwned) {
+TEST(DataChangeTests, ACopyHasItsOwnOfWhatTheOtherOwned) {
     DataChange borrowed;
     DataChange details;
     details.addDataChange(new DataChange, true);

@@ -9,7 +9,7 @@ namespace Vn::Testing {
 // stood in for.  For programs of one thread.
 class FailingAllocations {
 public:
-    // The n-th allocation from now fails, counted from 1; with `forGood` all behind it too.
+    // The n-th allocation from now fails, counted from 1; with `forGood` all after it too.
     static void failAt(unsigned long n, bool forGood) noexcept;
     // Nothing fails any more.
     static void heal() noexcept;

@@ -10,7 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Platform/DataModel/DocumentFileEngineInternal.h"
+#include "Platform/DataModel/File/Engine.h"
 
 namespace Vn::Testing {
 
@@ -31,7 +31,7 @@ std::uint64_t nodeOf(std::string const & path) {
 
 } // namespace
 
-// An open file; that of the file system below stands right behind it.
+// An open file; that of the file system below stands right after it.
 struct FaultyFile {
     sqlite3_file m_base;
     FaultyFileSystem * m_pSystem;
@@ -109,10 +109,25 @@ struct FaultyMethods {
 
     static int open(sqlite3_vfs * vfs, char const * name, sqlite3_file * file, int flags,
                     int * outFlags) {
-        static constexpr sqlite3_io_methods c_methods = {
-            1,        close,     read,   write,  truncate,          sync,        fileSize,
-            lock,     unlock,    checkReservedLock,                 fileControl, sectorSize,
-            deviceCharacteristics, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr};
+        static constexpr sqlite3_io_methods c_methods = {1,
+                                                         close,
+                                                         read,
+                                                         write,
+                                                         truncate,
+                                                         sync,
+                                                         fileSize,
+                                                         lock,
+                                                         unlock,
+                                                         checkReservedLock,
+                                                         fileControl,
+                                                         sectorSize,
+                                                         deviceCharacteristics,
+                                                         nullptr,
+                                                         nullptr,
+                                                         nullptr,
+                                                         nullptr,
+                                                         nullptr,
+                                                         nullptr};
         auto & system = *static_cast<FaultyFileSystem *>(vfs->pAppData);
         FaultyFile & self = FaultyFile::of(file);
         self.m_base.pMethods = nullptr;
@@ -138,7 +153,8 @@ struct FaultyMethods {
         auto const node = nodeOf(name);
         int const result = vfsBelow()->xDelete(vfsBelow(), name, syncDirectory);
         if (result == SQLITE_OK) system.m_synced.erase(node);
-        // To wait for the directory is a call of its own, which fails when the file is gone already.
+        // To wait for the directory is a call of its own, which fails when the file is gone
+        // already.
         return syncDirectory && system.fails() ? SQLITE_IOERR_DIR_FSYNC : result;
     }
     static int access(sqlite3_vfs *, char const * name, int flags, int * result) {

@@ -13,11 +13,11 @@
 
 namespace Vn::Testing {
 
-// Stands between the database engine and the file system below, and has the document file use it for
-// as long as it lives.  One at a time.
+// Stands between the database engine and the file system below, and has the document file use it
+// for as long as it lives.  One at a time.
 //
-// Counted calls are those that change something on the disk or wait for it: opening, writing, cutting
-// short, syncing, deleting.
+// Counted calls are those that change something on the disk or wait for it: opening, writing,
+// cutting short, syncing, deleting.
 class FaultyFileSystem {
 public:
     FaultyFileSystem();
@@ -25,8 +25,8 @@ public:
     FaultyFileSystem(FaultyFileSystem const &) = delete;
     FaultyFileSystem & operator=(FaultyFileSystem const &) = delete;
 
-    // The n-th counted call from now fails, counted from 1; with `forGood` all behind it too.  A write
-    // that fails has written half.
+    // The n-th counted call from now fails, counted from 1; with `forGood` all after it too.  A
+    // write that fails has written half.
     void failAt(unsigned call, bool forGood);
     // Writing makes files grow by no more than that many bytes from now on.
     void room(std::int64_t bytes);
@@ -37,8 +37,8 @@ public:
     // The counted calls since then.
     unsigned calls() const noexcept { return m_calls; }
 
-    // The power goes: of what was written since the last sync, some sectors have reached the disk and
-    // others haven't.
+    // The power goes: of what was written since the last sync, some sectors have reached the disk
+    // and others haven't.
     void forgetUnsynced(unsigned seed);
 
 private:
@@ -53,7 +53,8 @@ private:
     bool m_bForGood = false;
     bool m_bFailed = false;
     std::int64_t m_room = std::numeric_limits<std::int64_t>::max();
-    // The files, whatever their names are, by which they were opened, and what they hold for certain.
+    // The files, whatever their names are, by which they were opened, and what they hold for
+    // certain.
     std::map<std::uint64_t, std::pair<std::string, std::string>> m_synced;
 };
 

@@ -9,7 +9,7 @@
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentWalk.h"
-#include "Tests/DataModel/TemporaryFile.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
 namespace {
@@ -62,7 +62,7 @@ protected:
     unsigned long long m_id = 0;
 };
 
-TEST_F(HeldReferencesTests, aRemovedEntityIsLetGoAfterAnotherStepAndBothAreUndone) {
+TEST_F(HeldReferencesTests, ARemovedEntityIsLetGoAfterAnotherStepAndBothAreUndone) {
     removeL();
     renameX(L"y");
     letGo();
@@ -79,7 +79,7 @@ TEST_F(HeldReferencesTests, aRemovedEntityIsLetGoAfterAnotherStepAndBothAreUndon
     expectBothChildren();
 }
 
-TEST_F(HeldReferencesTests, aRemovedEntityIsLetGoBetweenUndoneAndNewSteps) {
+TEST_F(HeldReferencesTests, ARemovedEntityIsLetGoBetweenUndoneAndNewSteps) {
     removeL();
     renameX(L"y");
     letGo();
@@ -90,7 +90,7 @@ TEST_F(HeldReferencesTests, aRemovedEntityIsLetGoBetweenUndoneAndNewSteps) {
     expectBothChildren();
 }
 
-TEST_F(HeldReferencesTests, lettingGoOutsideATransactionTakesNoRedoStepAway) {
+TEST_F(HeldReferencesTests, LettingGoOutsideATransactionTakesNoRedoStepAway) {
     removeL();
     renameX(L"y");
     undo();
@@ -103,7 +103,7 @@ TEST_F(HeldReferencesTests, lettingGoOutsideATransactionTakesNoRedoStepAway) {
     expectBothChildren();
 }
 
-TEST_F(HeldReferencesTests, whatALetGoEntityOwnedComesBackWithIt) {
+TEST_F(HeldReferencesTests, WhatALetGoEntityOwnedComesBackWithIt) {
     step([&] { m_rL->add(Thing::make(asset(), L"below")); });
     StrongRef<Thing> below = m_rL->m_children[0];
     removeL();
@@ -120,9 +120,9 @@ TEST_F(HeldReferencesTests, whatALetGoEntityOwnedComesBackWithIt) {
     EXPECT_EQ(top().m_children[0]->m_children[0]->m_name, L"below");
 }
 
-TEST_F(HeldReferencesTests, aChangeOfAnEntityThatNothingOwnsIsUndoneAfterItIsLetGo) {
+TEST_F(HeldReferencesTests, AChangeOfAnEntityThatNothingOwnsIsUndoneAfterItIsLetGo) {
     removeL();
-    step([&] { m_rL->set(&Thing::m_int, 7); });      // by an exchange of numbers
+    step([&] { m_rL->set(&Thing::m_int, 7); }); // by an exchange of numbers
     step([&] { m_rL->set(&Thing::m_name, std::wstring(L"other")); });
     letGo();
     EXPECT_FALSE(asset().entity(m_id));
@@ -138,7 +138,7 @@ TEST_F(HeldReferencesTests, aChangeOfAnEntityThatNothingOwnsIsUndoneAfterItIsLet
     EXPECT_FALSE(asset().entity(m_id));
 }
 
-TEST_F(HeldReferencesTests, anObserverKeepsAnEntityWhoseChangeItHeardOf) {
+TEST_F(HeldReferencesTests, AnObserverKeepsAnEntityWhoseChangeItHeardOf) {
     struct Keeper : IEntityObserver {
         void preChange(Entity * entity, DataChange::ETransact, DataChange::EChangeType,
                        DataChange *) override {
@@ -163,7 +163,7 @@ TEST_F(HeldReferencesTests, anObserverKeepsAnEntityWhoseChangeItHeardOf) {
     expectBothChildren();
 }
 
-TEST_F(HeldReferencesTests, anEntityWhoseMakingIsUndoneIsNoRoot) {
+TEST_F(HeldReferencesTests, AnEntityWhoseMakingIsUndoneIsNoRoot) {
     StrongRef<Thing> made;
     step([&] {
         made = Thing::make(asset(), L"made");
@@ -180,8 +180,9 @@ TEST_F(HeldReferencesTests, anEntityWhoseMakingIsUndoneIsNoRoot) {
     EXPECT_EQ(design.rootEntity("made").get(), made.get());
 }
 
-// A class that takes whatever it is given may hold it; the object stays valid, and a redo brings it back.
-TEST_F(HeldReferencesTests, anEntityWhoseMakingIsUndoneStaysValidWhereAClassOwnsIt) {
+// A class that takes whatever it is given may hold it; the object stays valid, and a redo brings it
+// back.
+TEST_F(HeldReferencesTests, AnEntityWhoseMakingIsUndoneStaysValidWhereAClassOwnsIt) {
     StrongRef<Thing> made;
     step([&] {
         made = Thing::make(asset(), L"made");
@@ -203,7 +204,7 @@ TEST_F(HeldReferencesTests, anEntityWhoseMakingIsUndoneStaysValidWhereAClassOwns
     expectBothChildren();
 }
 
-TEST_F(HeldReferencesTests, aDeadEntityThatIsListedWithinATransactionIsSafeToUndo) {
+TEST_F(HeldReferencesTests, ADeadEntityThatIsListedWithinATransactionIsSafeToUndo) {
     StrongRef<Thing> made;
     step([&] {
         made = Thing::make(asset(), L"made");
@@ -219,7 +220,7 @@ TEST_F(HeldReferencesTests, aDeadEntityThatIsListedWithinATransactionIsSafeToUnd
     undo();
 }
 
-TEST_F(HeldReferencesTests, commitSaysWhetherAStepCameOfIt) {
+TEST_F(HeldReferencesTests, CommitSaysWhetherAStepCameOfIt) {
     Transaction outer(asset(), L"outer");
     {
         Transaction inner(asset(), L"inner");
@@ -232,7 +233,7 @@ TEST_F(HeldReferencesTests, commitSaysWhetherAStepCameOfIt) {
     EXPECT_FALSE(nothing.commit());
 }
 
-TEST_F(HeldReferencesTests, theHistorySaysWhichStateWasMarked) {
+TEST_F(HeldReferencesTests, TheHistorySaysWhichStateWasMarked) {
     history().clear();
     history().markClean();
     EXPECT_EQ(history().cleanSteps(), 0U);
@@ -248,13 +249,14 @@ TEST_F(HeldReferencesTests, theHistorySaysWhichStateWasMarked) {
     EXPECT_EQ(history().cleanSteps(), std::nullopt);
 }
 
-// The walks take as long as they are many: VN_TEST_SEEDS sets how many there are, VN_TEST_SEED the first.
-TEST(DocumentWalkTests, theLawsHoldWhateverIsHeld) {
+// The walks take as long as they are many: VN_TEST_SEEDS sets how many there are, VN_TEST_SEED the
+// first.
+TEST(DocumentWalkTests, TheLawsHoldWhateverIsHeld) {
     char const * const many = std::getenv("VN_TEST_SEEDS");
     char const * const given = std::getenv("VN_TEST_SEED");
     unsigned const seeds = many ? static_cast<unsigned>(std::strtoul(many, nullptr, 10)) : 20;
-    unsigned const first = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
-                                 : std::random_device()();
+    unsigned const first =
+        given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device()();
     std::cout << "seeds " << first << " to " << first + seeds - 1 << '\n';
     TemporaryFile const file;
     for (unsigned seed = first; seed != first + seeds; ++seed) {

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/IEntityObserver.h"
-#include "Tests/Base/SmallStack.h"
 #include "Tests/DataModel/TestEntities.h"
+#include "Tests/Support/SmallStack.h"
 
 namespace Vn::Testing {
 namespace {
@@ -21,10 +21,12 @@ using ::testing::ElementsAre;
 
 // Won't have a change.
 struct Thrower : IEntityObserver {
-    void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
+    void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                   DataChange *) override {
         throw std::runtime_error("no");
     }
-    void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {}
+    void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                    DataChange *) override {}
     void preDeletion(Entity *, DataChange::ETransact) override {}
 };
 
@@ -120,7 +122,7 @@ protected:
     StrongRef<Thing> m_rRoot;
 };
 
-TEST_F(HistoryTests, undoAndRedoRestoreEveryKindOfMember) {
+TEST_F(HistoryTests, UndoAndRedoRestoreEveryKindOfMember) {
     StrongRef<Thing> const other = Thing::make(asset(), L"other");
     Thing & t = root();
     expectReversible([&] { t.set(&Thing::m_bool, true); });
@@ -145,7 +147,7 @@ TEST_F(HistoryTests, undoAndRedoRestoreEveryKindOfMember) {
     expectReversible([&] { t.add(Thing::make(asset(), L"child")); });
 }
 
-TEST_F(HistoryTests, undoneCreationComesBackWithTheSameObjectIdAndPassiveReferences) {
+TEST_F(HistoryTests, UndoneCreationComesBackWithTheSameObjectIdAndPassiveReferences) {
     PassiveRef<Thing> child;
     {
         Transaction transaction(asset(), L"make");
@@ -168,7 +170,7 @@ TEST_F(HistoryTests, undoneCreationComesBackWithTheSameObjectIdAndPassiveReferen
     EXPECT_EQ(object->refCount(), 1U);
 }
 
-TEST_F(HistoryTests, undoneDeletionComesBackWithEverythingBelow) {
+TEST_F(HistoryTests, UndoneDeletionComesBackWithEverythingBelow) {
     {
         Transaction transaction(asset(), L"make");
         StrongRef<Thing> const group = Thing::make(asset(), L"group");
@@ -181,7 +183,7 @@ TEST_F(HistoryTests, undoneDeletionComesBackWithEverythingBelow) {
     EXPECT_EQ(root().m_children[0]->m_children.size(), 5U);
 }
 
-TEST_F(HistoryTests, whatMovesFromOneOwnerToAnotherStaysAlive) {
+TEST_F(HistoryTests, WhatMovesFromOneOwnerToAnotherStaysAlive) {
     Transaction making(asset(), L"make");
     root().add(Thing::make(asset(), L"a"));
     root().add(Thing::make(asset(), L"b"));
@@ -200,10 +202,11 @@ TEST_F(HistoryTests, whatMovesFromOneOwnerToAnotherStaysAlive) {
     redo();
     undo();
     EXPECT_TRUE(moved);
-    for (std::string const & line : heard) EXPECT_EQ(line.find("delete"), std::string::npos) << line;
+    for (std::string const & line : heard)
+        EXPECT_EQ(line.find("delete"), std::string::npos) << line;
 }
 
-TEST_F(HistoryTests, aMemberIsRecordedOnceWithinATransaction) {
+TEST_F(HistoryTests, AMemberIsRecordedOnceWithinATransaction) {
     std::size_t once = 0;
     for (int const times : {1, 1000}) {
         Transaction transaction(asset(), L"change");
@@ -211,8 +214,9 @@ TEST_F(HistoryTests, aMemberIsRecordedOnceWithinATransaction) {
         std::size_t const bytes = history().bytes();
         if (times == 1)
             once = bytes;
-        else
+        else {
             EXPECT_EQ(bytes, once);
+        }
         transaction.abort();
     }
     EXPECT_EQ(root().m_double, 0);
@@ -224,7 +228,7 @@ TEST_F(HistoryTests, aMemberIsRecordedOnceWithinATransaction) {
     EXPECT_EQ(history().bytes(), bytes);
 }
 
-TEST_F(HistoryTests, aLogFollowsTheSizeOfTheChange) {
+TEST_F(HistoryTests, ALogFollowsTheSizeOfTheChange) {
     {
         Transaction transaction(asset(), L"make");
         for (int i = 0; i < 10000; ++i) root().add(Thing::make(asset()));
@@ -245,7 +249,7 @@ TEST_F(HistoryTests, aLogFollowsTheSizeOfTheChange) {
     EXPECT_EQ(root().m_children.size(), 10000U);
 }
 
-TEST_F(HistoryTests, splicesOfOneTransactionAreUndoneInTheirOrder) {
+TEST_F(HistoryTests, SplicesOfOneTransactionAreUndoneInTheirOrder) {
     Transaction making(asset(), L"make");
     for (int i = 0; i < 6; ++i) root().add(Thing::make(asset(), std::to_wstring(i)));
     making.commit();
@@ -265,7 +269,7 @@ TEST_F(HistoryTests, splicesOfOneTransactionAreUndoneInTheirOrder) {
     });
 }
 
-TEST_F(HistoryTests, anOuterBracketWithoutSplicesRecordsTheWholeVector) {
+TEST_F(HistoryTests, AnOuterBracketWithoutSplicesRecordsTheWholeVector) {
     Transaction making(asset(), L"make");
     for (int i = 0; i < 3; ++i) root().add(Thing::make(asset(), std::to_wstring(i)));
     making.commit();
@@ -278,7 +282,7 @@ TEST_F(HistoryTests, anOuterBracketWithoutSplicesRecordsTheWholeVector) {
     });
 }
 
-TEST_F(HistoryTests, aTransactionThatIsNotCommittedLeavesNothing) {
+TEST_F(HistoryTests, ATransactionThatIsNotCommittedLeavesNothing) {
     std::wstring const before = dump(asset());
     {
         Transaction const transaction(asset(), L"dropped");
@@ -302,7 +306,7 @@ TEST_F(HistoryTests, aTransactionThatIsNotCommittedLeavesNothing) {
     EXPECT_EQ(root().outerChange(), nullptr);
 }
 
-TEST_F(HistoryTests, transactionsNest) {
+TEST_F(HistoryTests, TransactionsNest) {
     std::wstring const before = dump(asset());
     StrongRef<Thing> born;
     {
@@ -342,7 +346,7 @@ TEST_F(HistoryTests, transactionsNest) {
     EXPECT_EQ(dump(asset()), after);
 }
 
-TEST_F(HistoryTests, aReplayTellsEachEntityOnce) {
+TEST_F(HistoryTests, AReplayTellsEachEntityOnce) {
     {
         Transaction transaction(asset(), L"make");
         root().add(Thing::make(asset()));
@@ -368,7 +372,7 @@ TEST_F(HistoryTests, aReplayTellsEachEntityOnce) {
                                    "pre 1 replay", "post 1 replay"));
 }
 
-TEST_F(HistoryTests, aReplayOfNumbersTellsEachEntityOnceAndInTurn) {
+TEST_F(HistoryTests, AReplayOfNumbersTellsEachEntityOnceAndInTurn) {
     StrongRef<Thing> const other = Thing::make(asset());
     {
         Transaction transaction(asset(), L"change");
@@ -381,18 +385,18 @@ TEST_F(HistoryTests, aReplayOfNumbersTellsEachEntityOnceAndInTurn) {
     Thing::s_log = &heard;
     for (int i = 0; i < 2; ++i) {
         undo();
-        EXPECT_THAT(heard, ElementsAre("pre 1 replay", "post 1 replay", "pre 2 replay",
-                                       "post 2 replay"));
+        EXPECT_THAT(heard,
+                    ElementsAre("pre 1 replay", "post 1 replay", "pre 2 replay", "post 2 replay"));
         heard.clear();
         redo();
-        EXPECT_THAT(heard, ElementsAre("pre 2 replay", "post 2 replay", "pre 1 replay",
-                                       "post 1 replay"));
+        EXPECT_THAT(heard,
+                    ElementsAre("pre 2 replay", "post 2 replay", "pre 1 replay", "post 1 replay"));
         heard.clear();
     }
     Thing::s_log = nullptr;
 }
 
-TEST_F(HistoryTests, aNumberThatChangesAgainWithinANestedTransactionComesBack) {
+TEST_F(HistoryTests, ANumberThatChangesAgainWithinANestedTransactionComesBack) {
     expectReversible([&] {
         root().set(&Thing::m_int, 1);
         {
@@ -404,7 +408,7 @@ TEST_F(HistoryTests, aNumberThatChangesAgainWithinANestedTransactionComesBack) {
     });
 }
 
-TEST_F(HistoryTests, membersBeyondTheBitsOfARecordComeBack) {
+TEST_F(HistoryTests, MembersBeyondTheBitsOfARecordComeBack) {
     StrongRef<Wide> const wide = Wide::make(asset().segment(SegmentType::DesignSegment));
     {
         Transaction transaction(asset(), L"change");
@@ -423,9 +427,10 @@ TEST_F(HistoryTests, membersBeyondTheBitsOfARecordComeBack) {
 }
 
 // The step is of numbers only until the hook has its say.
-TEST_F(HistoryTests, whatHooksDoWithinAReplayOfNumbersIsTakenBackWithIt) {
+TEST_F(HistoryTests, WhatHooksDoWithinAReplayOfNumbersIsTakenBackWithIt) {
     struct Rooter : IEntityObserver {
-        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {}
+        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                       DataChange *) override {}
         void postChange(Entity * entity, DataChange::ETransact, DataChange::EChangeType,
                         DataChange *) override {
             if (!m_rHeld) return;
@@ -461,9 +466,10 @@ TEST_F(HistoryTests, whatHooksDoWithinAReplayOfNumbersIsTakenBackWithIt) {
     }
 }
 
-TEST_F(HistoryTests, nothingBeginsWithinAReplay) {
+TEST_F(HistoryTests, NothingBeginsWithinAReplay) {
     struct Meddler : IEntityObserver {
-        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {
+        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                       DataChange *) override {
             Asset & asset = *m_rRoot->asset();
             EXPECT_TRUE(asset.history().isReplaying());
             EXPECT_FALSE(asset.history().undo().ok());
@@ -472,7 +478,8 @@ TEST_F(HistoryTests, nothingBeginsWithinAReplay) {
             EXPECT_FALSE(transaction.isOpen());
             ++m_told;
         }
-        void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType, DataChange *) override {}
+        void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                        DataChange *) override {}
         void preDeletion(Entity *, DataChange::ETransact) override {}
         StrongRef<Thing> m_rRoot;
         int m_told = 0;
@@ -491,7 +498,7 @@ TEST_F(HistoryTests, nothingBeginsWithinAReplay) {
     EXPECT_TRUE(history().canRedo());
 }
 
-TEST_F(HistoryTests, whatAHookOfAReplayThrowsComesOutBehindIt) {
+TEST_F(HistoryTests, WhatAHookOfAReplayThrowsComesOutAfterIt) {
     Thrower thrower;
     Transaction transaction(asset(), L"change");
     root().set(&Thing::m_int, 1);
@@ -504,7 +511,7 @@ TEST_F(HistoryTests, whatAHookOfAReplayThrowsComesOutBehindIt) {
     EXPECT_EQ(root().m_int, 1);
 }
 
-TEST_F(HistoryTests, aBracketWhoseHookThrowsIsNotOpened) {
+TEST_F(HistoryTests, ABracketWhoseHookThrowsIsNotOpened) {
     Thrower thrower;
     root().subscribe(&thrower);
     EXPECT_THROW(root().set(&Thing::m_int, 1), std::runtime_error);
@@ -514,7 +521,7 @@ TEST_F(HistoryTests, aBracketWhoseHookThrowsIsNotOpened) {
     expectReversible([&] { root().set(&Thing::m_int, 2); });
 }
 
-TEST_F(HistoryTests, aKeptEntityOutlivesItsReferences) {
+TEST_F(HistoryTests, AKeptEntityOutlivesItsReferences) {
     StrongRef<Thing> held;
     {
         Transaction transaction(asset(), L"make");
@@ -522,7 +529,7 @@ TEST_F(HistoryTests, aKeptEntityOutlivesItsReferences) {
         root().add(held);
         transaction.commit();
     }
-    undo(); // gone from the document, although somebody holds it
+    undo(); // gone from the document, although it is held
     EXPECT_FALSE(held->isAlive());
     held.reset();
     redo();
@@ -532,7 +539,7 @@ TEST_F(HistoryTests, aKeptEntityOutlivesItsReferences) {
     EXPECT_EQ(asset().entities(), 1U);
 }
 
-TEST_F(HistoryTests, whoeverHoldsAnEntityPastItsEndHoldsTheObject) {
+TEST_F(HistoryTests, WhoeverHoldsAnEntityPastItsEndHoldsTheObject) {
     StrongRef<Thing> held;
     {
         Transaction transaction(asset(), L"make");
@@ -549,7 +556,7 @@ TEST_F(HistoryTests, whoeverHoldsAnEntityPastItsEndHoldsTheObject) {
     EXPECT_EQ(held->m_name, L"held");
 }
 
-TEST_F(HistoryTests, aDeathBehindATransactionBelongsToItsStep) {
+TEST_F(HistoryTests, ADeathAfterATransactionBelongsToItsStep) {
     StrongRef<Thing> held;
     {
         Transaction transaction(asset(), L"make");
@@ -575,7 +582,7 @@ TEST_F(HistoryTests, aDeathBehindATransactionBelongsToItsStep) {
     EXPECT_EQ(dump(asset()), before);
 }
 
-TEST_F(HistoryTests, aChangeOutsideATransactionEndsTheHistory) {
+TEST_F(HistoryTests, AChangeOutsideATransactionEndsTheHistory) {
     Transaction transaction(asset(), L"change");
     root().set(&Thing::m_int, 1);
     transaction.commit();
@@ -586,7 +593,7 @@ TEST_F(HistoryTests, aChangeOutsideATransactionEndsTheHistory) {
     EXPECT_EQ(history().bytes(), 0U);
 }
 
-TEST_F(HistoryTests, aLongChainIsDeletedOnASmallStack) {
+TEST_F(HistoryTests, ALongChainIsDeletedOnASmallStack) {
     onSmallStack([this] {
         {
             Transaction transaction(asset(), L"make");
@@ -615,7 +622,7 @@ TEST_F(HistoryTests, aLongChainIsDeletedOnASmallStack) {
     });
 }
 
-TEST_F(HistoryTests, theCleanMarkIsFoundAgain) {
+TEST_F(HistoryTests, TheCleanMarkIsFoundAgain) {
     EXPECT_FALSE(asset().isDirty());
     for (int i = 1; i <= 3; ++i) {
         Transaction transaction(asset(), L"change");
@@ -639,7 +646,7 @@ TEST_F(HistoryTests, theCleanMarkIsFoundAgain) {
     EXPECT_TRUE(asset().isDirty());
 }
 
-TEST_F(HistoryTests, aTransactionWithoutChangesLeavesNoStep) {
+TEST_F(HistoryTests, ATransactionWithoutChangesLeavesNoStep) {
     Transaction transaction(asset(), L"nothing");
     root().set(&Thing::m_int, root().m_int);
     transaction.commit();
@@ -648,7 +655,7 @@ TEST_F(HistoryTests, aTransactionWithoutChangesLeavesNoStep) {
     EXPECT_EQ(history().undo().code(), StatusNotFound);
 }
 
-TEST_F(HistoryTests, theOldestStepsGoWhenALimitIsReached) {
+TEST_F(HistoryTests, TheOldestStepsGoWhenALimitIsReached) {
     history().stepLimit(3);
     for (int i = 1; i <= 5; ++i) {
         Transaction transaction(asset(), std::to_wstring(i));
@@ -677,7 +684,7 @@ TEST_F(HistoryTests, theOldestStepsGoWhenALimitIsReached) {
     EXPECT_THAT(history().undoNames(), ElementsAre(L"again"));
 }
 
-TEST_F(HistoryTests, redoIsGivenUpByTheNextChange) {
+TEST_F(HistoryTests, RedoIsGivenUpByTheNextChange) {
     for (int i = 1; i <= 2; ++i) {
         Transaction transaction(asset(), std::to_wstring(i));
         root().add(Thing::make(asset()));
@@ -692,7 +699,7 @@ TEST_F(HistoryTests, redoIsGivenUpByTheNextChange) {
     EXPECT_EQ(history().redo().code(), StatusNotFound);
 }
 
-TEST_F(HistoryTests, rootsAreUndone) {
+TEST_F(HistoryTests, RootsAreUndone) {
     Segment & segment = *asset().segment(SegmentType::DesignSegment);
     expectReversible([&] { segment.addRoot(Thing::make(asset(), L"second"), "second"); });
     expectReversible([&] { segment.addRoot(Thing::make(asset(), L"instead"), "root"); });
@@ -700,15 +707,15 @@ TEST_F(HistoryTests, rootsAreUndone) {
     EXPECT_EQ(segment.rootEntity("root").get(), &root());
 }
 
-TEST_F(HistoryTests, eventsAreRaisedByReplaysToo) {
+TEST_F(HistoryTests, EventsAreRaisedByReplaysToo) {
     struct Site : EntityEventSite {
         void postCreate(EntityEvent * e) override {
-            m_heard.push_back("create " + std::to_string(e->entity()->id())
-                              + (e->transact() == DataChange::TransactReplay ? " replay" : ""));
+            m_heard.push_back("create " + std::to_string(e->entity()->id()) +
+                              (e->transact() == DataChange::TransactReplay ? " replay" : ""));
         }
         void preDelete(EntityEvent * e) override {
-            m_heard.push_back("delete " + std::to_string(e->entity()->id())
-                              + (e->transact() == DataChange::TransactReplay ? " replay" : ""));
+            m_heard.push_back("delete " + std::to_string(e->entity()->id()) +
+                              (e->transact() == DataChange::TransactReplay ? " replay" : ""));
         }
         std::vector<std::string> m_heard;
     } site;
@@ -730,7 +737,7 @@ TEST_F(HistoryTests, eventsAreRaisedByReplaysToo) {
                                           "delete 2 replay", "create 2 replay"));
 }
 
-TEST_F(HistoryTests, anEntityMadeAndDroppedWithinATransactionLeavesNoTrace) {
+TEST_F(HistoryTests, AnEntityMadeAndDroppedWithinATransactionLeavesNoTrace) {
     expectReversible([&] {
         root().set(&Thing::m_int, 1);
         root().add(Thing::make(asset(), L"short-lived"));

@@ -1,4 +1,5 @@
-// Documents of a size that shows a quadratic step or a recursion.  All of it runs on a stack of 1 MiB.
+// Documents of a size that shows a quadratic step or a recursion.  All of it runs on a stack of 1
+// MiB.
 
 #include <filesystem>
 #include <functional>
@@ -7,22 +8,16 @@
 
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentEngine.h"
-#include "Tests/Base/SmallStack.h"
 #include "Tests/DataModel/TestEntities.h"
+#include "Tests/Support/SmallStack.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
 namespace {
 
 class LargeDocumentTests : public ::testing::Test {
 protected:
-    LargeDocumentTests() { std::filesystem::create_directory(m_folder); }
-    ~LargeDocumentTests() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
-    }
-
-    std::filesystem::path const m_folder = std::filesystem::temp_directory_path()
-        / ("vn-large-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
+    TemporaryFile const m_file;
 
     // Makes a document by `fill`, and takes it through everything that can be done with it.
     void exercise(std::size_t entities, std::function<void(Thing &)> const & fill) {
@@ -49,11 +44,11 @@ protected:
             ASSERT_TRUE(asset->history().undo().ok());
             ASSERT_TRUE(asset->history().redo().ok());
             if (std::string const why = whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
-            Status status = DocumentFile::saveAs(*asset, m_folder / "large.vnd");
+            Status status = DocumentFile::saveAs(*asset, m_file.path());
             ASSERT_TRUE(status.ok()) << status.toString();
             std::wstring const before = dump(*asset);
             asset.reset();
-            status = DocumentFile::load(m_folder / "large.vnd", nullptr, asset);
+            status = DocumentFile::load(m_file.path(), nullptr, asset);
             ASSERT_TRUE(status.ok()) << status.toString();
             ASSERT_EQ(asset->entities(), entities);
             ASSERT_TRUE(dump(*asset) == before);
@@ -71,21 +66,21 @@ protected:
             status = DocumentFile::save(*asset);
             ASSERT_TRUE(status.ok()) << status.toString();
             asset.reset();
-            status = DocumentFile::load(m_folder / "large.vnd", nullptr, asset);
+            status = DocumentFile::load(m_file.path(), nullptr, asset);
             ASSERT_TRUE(status.ok()) << status.toString();
             ASSERT_EQ(asset->entities(), 1U);
         });
     }
 };
 
-TEST_F(LargeDocumentTests, aGroupOfAMillionChildren) {
+TEST_F(LargeDocumentTests, AGroupOfAMillionChildren) {
     constexpr std::size_t c_children = 1'000'000;
     exercise(c_children + 1, [](Thing & root) {
         for (std::size_t i = 0; i < c_children; ++i) root.add(Thing::make(*root.asset()));
     });
 }
 
-TEST_F(LargeDocumentTests, aChainOfAHundredThousandParents) {
+TEST_F(LargeDocumentTests, AChainOfAHundredThousandParents) {
     constexpr std::size_t c_length = 100'000;
     exercise(c_length + 1, [](Thing & root) {
         Thing * last = &root;

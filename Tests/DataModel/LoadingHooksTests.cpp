@@ -1,5 +1,5 @@
-// What constructors and hooks do to a document while it loads: it counts as changed, it is saved, and
-// it takes nothing of what the file has.
+// What constructors and hooks do to a document while it loads: it counts as changed, it is saved,
+// and it takes nothing of what the file has.
 
 #include <functional>
 #include <memory>
@@ -67,8 +67,8 @@ public:
         if (hook) hook(hooked);
     }
     static void clearHooks() {
-        for (Hook * const hook : {&s_construct, &s_preLoad, &s_postLoad, &s_entityPostMigrate,
-                                  &s_typePostMigrate})
+        for (Hook * const hook :
+             {&s_construct, &s_preLoad, &s_postLoad, &s_entityPostMigrate, &s_typePostMigrate})
             *hook = nullptr;
     }
     static inline Hook s_construct;
@@ -156,7 +156,7 @@ protected:
 
 } // namespace
 
-TEST_F(LoadingHooksTests, anEntityMadeInPostLoadHasAnIdOfItsOwnAndIsSaved) {
+TEST_F(LoadingHooksTests, AnEntityMadeInPostLoadHasAnIdOfItsOwnAndIsSaved) {
     Hooked::s_postLoad = makeChild;
     load();
     ASSERT_EQ(root().m_children.size(), 3U);
@@ -167,7 +167,7 @@ TEST_F(LoadingHooksTests, anEntityMadeInPostLoadHasAnIdOfItsOwnAndIsSaved) {
     EXPECT_EQ(root().m_children[2]->m_name, L"made");
 }
 
-TEST_F(LoadingHooksTests, anEntityMadeInPostMigrateHasAnIdOfItsOwnAndIsSaved) {
+TEST_F(LoadingHooksTests, AnEntityMadeInPostMigrateHasAnIdOfItsOwnAndIsSaved) {
     Hooked::become(1);
     Hooked::s_entityPostMigrate = makeChild;
     load();
@@ -176,7 +176,7 @@ TEST_F(LoadingHooksTests, anEntityMadeInPostMigrateHasAnIdOfItsOwnAndIsSaved) {
     expectDirtyAndSaved();
 }
 
-TEST_F(LoadingHooksTests, aRootMadeInPostMigrateDoesntReplaceTheOldOne) {
+TEST_F(LoadingHooksTests, ARootMadeInPostMigrateDoesntReplaceTheOldOne) {
     Hooked::become(1);
     Hooked::s_entityPostMigrate = [](Hooked & group) {
         StrongRef<Row> const row = Row::make(group.segment());
@@ -190,7 +190,7 @@ TEST_F(LoadingHooksTests, aRootMadeInPostMigrateDoesntReplaceTheOldOne) {
     EXPECT_TRUE(design(*m_rAsset)->rootEntity("more"));
 }
 
-TEST_F(LoadingHooksTests, whatPreLoadMakesTakesNoIdOfTheFile) {
+TEST_F(LoadingHooksTests, WhatPreLoadMakesTakesNoIdOfTheFile) {
     Hooked::s_preLoad = [](Hooked & group) {
         StrongRef<Row> const row = Row::make(group.segment());
         group.segment()->addRoot(row, "early");
@@ -202,7 +202,7 @@ TEST_F(LoadingHooksTests, whatPreLoadMakesTakesNoIdOfTheFile) {
     EXPECT_TRUE(design(*m_rAsset)->rootEntity("early"));
 }
 
-TEST_F(LoadingHooksTests, aHelperThatTheLoadingConstructorMakesIsSavedIfTheFileHasNone) {
+TEST_F(LoadingHooksTests, AHelperThatTheLoadingConstructorMakesIsSavedIfTheFileHasNone) {
     Hooked::become(1);
     Hooked::s_construct = [](Hooked & group) { group.m_rHelper = Row::make(group.segment()); };
     load();
@@ -219,14 +219,14 @@ TEST_F(LoadingHooksTests, aHelperThatTheLoadingConstructorMakesIsSavedIfTheFileH
     EXPECT_FALSE(m_rAsset->isDirty());
 }
 
-TEST_F(LoadingHooksTests, whatAHookChangesIsSaved) {
+TEST_F(LoadingHooksTests, WhatAHookChangesIsSaved) {
     Hooked::s_postLoad = [](Hooked & group) { group.change([&] { group.m_name = L"changed"; }); };
     load();
     expectDirtyAndSaved();
     EXPECT_EQ(root().m_name, L"changed");
 }
 
-TEST_F(LoadingHooksTests, whatAHookDeletesIsErasedFromTheFile) {
+TEST_F(LoadingHooksTests, WhatAHookDeletesIsErasedFromTheFile) {
     Hooked::s_postLoad = [](Hooked & group) { group.change([&] { group.m_children.pop_back(); }); };
     load();
     EXPECT_EQ(m_rAsset->entities(), 2U);
@@ -235,14 +235,14 @@ TEST_F(LoadingHooksTests, whatAHookDeletesIsErasedFromTheFile) {
     EXPECT_EQ(query(m_file.path(), "SELECT count(*) FROM Row")[0][0], "1");
 }
 
-TEST_F(LoadingHooksTests, whatAHookMakesAndLetsGoLeavesNothing) {
+TEST_F(LoadingHooksTests, WhatAHookMakesAndLetsGoLeavesNothing) {
     Hooked::s_postLoad = [](Hooked & group) { Row::make(group.segment()); };
     load();
     EXPECT_EQ(m_rAsset->entities(), 3U);
     EXPECT_FALSE(m_rAsset->isDirty());
 }
 
-TEST_F(LoadingHooksTests, aHookThatMakesItsOwnKindIsntToldOfThose) {
+TEST_F(LoadingHooksTests, AHookThatMakesItsOwnKindIsntToldOfThose) {
     int told = 0;
     Hooked::s_postLoad = [&](Hooked & group) {
         ++told;
@@ -253,7 +253,7 @@ TEST_F(LoadingHooksTests, aHookThatMakesItsOwnKindIsntToldOfThose) {
     EXPECT_EQ(m_rAsset->entities(), 4U);
 }
 
-TEST_F(LoadingHooksTests, aHookThatThrowsInTheMiddleLeavesNoDocument) {
+TEST_F(LoadingHooksTests, AHookThatThrowsInTheMiddleLeavesNoDocument) {
     Hooked::become(1);
     for (Hooked::Hook * const hook : {&Hooked::s_construct, &Hooked::s_preLoad, &Hooked::s_postLoad,
                                       &Hooked::s_entityPostMigrate, &Hooked::s_typePostMigrate}) {
@@ -271,7 +271,7 @@ TEST_F(LoadingHooksTests, aHookThatThrowsInTheMiddleLeavesNoDocument) {
     EXPECT_EQ(m_rAsset->entities(), 3U);
 }
 
-TEST_F(LoadingHooksTests, theMetaTypeIsToldOnceAfterTheEntityHasMigrated) {
+TEST_F(LoadingHooksTests, TheMetaTypeIsToldOnceAfterTheEntityHasMigrated) {
     std::vector<std::string> heard;
     Hooked::s_entityPostMigrate = [&](Hooked & group) {
         heard.push_back("entity " + std::to_string(group.id()));

@@ -15,8 +15,8 @@
 #include "Platform/DataModel/DocumentFile.h"
 #include "Platform/DataModel/GeometryMetaTypes.h"
 #include "Tests/DataModel/DocumentEngine.h"
-#include "Tests/DataModel/TemporaryFile.h"
 #include "Tests/DataModel/TestEntities.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
 
@@ -73,7 +73,7 @@ protected:
 
 } // namespace
 
-TEST_F(MemberSetTests, everyKindTakesAFieldOfItsType) {
+TEST_F(MemberSetTests, EveryKindTakesAFieldOfItsType) {
     Object & o = m_object;
     EXPECT_NE(add("bool", o.m_bool, IntrinsicMetaType<bool>::get()), nullptr);
     EXPECT_NE(add("int", o.m_int, IntrinsicMetaType<int>::get()), nullptr);
@@ -92,7 +92,7 @@ TEST_F(MemberSetTests, everyKindTakesAFieldOfItsType) {
     EXPECT_EQ(m_set.members(), 13U);
 }
 
-TEST_F(MemberSetTests, aTypeNameMayBeSpelledAsAPersonDoes) {
+TEST_F(MemberSetTests, ATypeNameMayBeSpelledAsAPersonDoes) {
     int place = 0;
     for (auto const & [typeName, kind] :
          std::initializer_list<std::pair<char const *, MemberMetaType *>>{
@@ -114,29 +114,30 @@ TEST_F(MemberSetTests, aTypeNameMayBeSpelledAsAPersonDoes) {
             << typeName;
 }
 
-TEST_F(MemberSetTests, aWideStringAddedAsDoubleIsRefused) {
-    std::string const why = refusal(
-        [&] { add("name", m_object.m_wide, IntrinsicMetaType<double>::get()); });
+TEST_F(MemberSetTests, AWideStringAddedAsDoubleIsRefused) {
+    std::string const why =
+        refusal([&] { add("name", m_object.m_wide, IntrinsicMetaType<double>::get()); });
     EXPECT_NE(why.find("Object.name"), std::string::npos) << why;
     EXPECT_NE(why.find("double"), std::string::npos) << why;
 }
 
-TEST_F(MemberSetTests, aVectorOfDoublesAddedAsIntIsRefused) {
+TEST_F(MemberSetTests, AVectorOfDoublesAddedAsIntIsRefused) {
     MemberMetaType * const whole = IntrinsicMetaType<int>::get();
     EXPECT_NE(refusal([&] { addList(m_object.m_doubles, whole, "vector"); }), "");
     m_set.initialize(&m_object, "Object");
     EXPECT_NE(refusal([&] { add("list", m_object.m_doubles, whole); }), "");
 }
 
-TEST_F(MemberSetTests, aKindThatIsNullIsRefused) {
+TEST_F(MemberSetTests, AKindThatIsNullIsRefused) {
     EXPECT_NE(refusal([&] { add("name", m_object.m_int, nullptr); }), "");
     m_set.initialize(&m_object, "Object");
     EXPECT_NE(refusal([&] { addList(m_object.m_doubles, nullptr, "vector"); }), "");
     m_set.initialize(&m_object, "Object");
-    EXPECT_NE(refusal([&] { add("list", m_object.m_doubles, MemberMetaType::find("Vector")); }), "");
+    EXPECT_NE(refusal([&] { add("list", m_object.m_doubles, MemberMetaType::find("Vector")); }),
+              "");
 }
 
-TEST_F(MemberSetTests, otherFieldsThatDontFitAreRefused) {
+TEST_F(MemberSetTests, OtherFieldsThatDontFitAreRefused) {
     Object & o = m_object;
     auto const isRefused = [&](auto & field, MemberMetaType * kind) {
         m_set.initialize(&o, "Object");
@@ -157,16 +158,16 @@ TEST_F(MemberSetTests, otherFieldsThatDontFitAreRefused) {
     m_set.initialize(&o, "Object");
     EXPECT_NE(refusal([&] { addList(o.m_things, PassiveRefMetaType::get(), "vector"); }), "");
     m_set.initialize(&o, "Object");
-    EXPECT_EQ(refusal([&] {
-                  addList(o.m_colors, IntrinsicMetaType<unsigned int>::get(), "vector");
-              }),
-              "");
+    EXPECT_EQ(
+        refusal([&] { addList(o.m_colors, IntrinsicMetaType<unsigned int>::get(), "vector"); }),
+        "");
 }
 
-TEST_F(MemberSetTests, twoMembersOfOneNameAreRefused) {
+TEST_F(MemberSetTests, TwoMembersOfOneNameAreRefused) {
     add("value", m_object.m_int, IntrinsicMetaType<int>::get());
-    EXPECT_NE(refusal([&] { add("value", m_object.m_double, IntrinsicMetaType<double>::get()); })
-                  .find("two members Object.value"),
+    EXPECT_NE(refusal([&] {
+                  add("value", m_object.m_double, IntrinsicMetaType<double>::get());
+              }).find("two members Object.value"),
               std::string::npos);
     // The set is as it was before the class began.
     EXPECT_FALSE(m_set.initialized());
@@ -202,7 +203,8 @@ public:
         MemberSet * const set = s_type->memberSet(c_latestVersion);
         if (set->initialized()) return;
         set->initialize(this, "Numbered");
-        set->addNewMember("value", &m_value, "int", IntrinsicMetaType<int>::get(), nullptr, nullptr);
+        set->addNewMember("value", &m_value, "int", IntrinsicMetaType<int>::get(), nullptr,
+                          nullptr);
         if (s_bTwice)
             set->addNewMember("value", &m_other, "int", IntrinsicMetaType<int>::get(), nullptr,
                               nullptr);
@@ -221,7 +223,7 @@ Segment * design(Asset & asset) { return asset.segment(SegmentType::DesignSegmen
 
 } // namespace
 
-TEST(MetaTypeIdTests, aClassWithTwoMembersOfOneNameMakesNoObject) {
+TEST(MetaTypeIdTests, AClassWithTwoMembersOfOneNameMakesNoObject) {
     using X = Numbered<1>;
     X::s_type.emplace("Test-Twice");
     X::s_bTwice = true;
@@ -232,7 +234,7 @@ TEST(MetaTypeIdTests, aClassWithTwoMembersOfOneNameMakesNoObject) {
     X::s_type.reset();
 }
 
-TEST(MetaTypeIdTests, theSecondClassOfAnIdIsRefusedAndTheFirstStays) {
+TEST(MetaTypeIdTests, TheSecondClassOfAnIdIsRefusedAndTheFirstStays) {
     using First = Numbered<2>;
     using Second = Numbered<3>;
     First::s_type.emplace("Test-Shared-Id");
@@ -261,7 +263,8 @@ TEST(MetaTypeIdTests, theSecondClassOfAnIdIsRefusedAndTheFirstStays) {
     First::s_type.reset();
 }
 
-// --- Options --------------------------------------------------------------------------------------
+// --- Options
+// --------------------------------------------------------------------------------------
 
 namespace {
 
@@ -314,7 +317,7 @@ class OptionTests : public FileTest {};
 
 } // namespace
 
-TEST_F(OptionTests, aMemberWithoutOption16IsWrittenReadAndUndone) {
+TEST_F(OptionTests, AMemberWithoutOption16IsWrittenReadAndUndone) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Cleared> const cleared(new Cleared(design(*asset)));
@@ -334,7 +337,7 @@ TEST_F(OptionTests, aMemberWithoutOption16IsWrittenReadAndUndone) {
     EXPECT_EQ(static_cast<Cleared &>(*design(*loaded)->rootEntity("root")).m_value, 5);
 }
 
-TEST(MetaTypeSizeTests, theHistoryCountsWhatTheMetaTypeSays) {
+TEST(MetaTypeSizeTests, TheHistoryCountsWhatTheMetaTypeSays) {
     auto const keptBytes = [](std::size_t extra) {
         s_cleared.m_extra = extra;
         StrongRef<Asset> const asset = Asset::make(nullptr);

@@ -1,6 +1,6 @@
 // Memory that runs out: the n-th allocation of an operation fails, n rising until nothing fails any
 // more.  Whichever it is, the document is afterwards what it was before the operation or what it is
-// behind it, and the history fits; or the history says that it isn't usable, and refuses.
+// after it, and the history fits; or the history says that it isn't usable, and refuses.
 
 #include <filesystem>
 #include <functional>
@@ -24,7 +24,7 @@ namespace {
 // How an operation under failing allocations ended.
 enum class EOutcome { Done, Refused, Threw };
 
-// A document with one step in its history, which knows what it is like behind each step.
+// A document with one step in its history, which knows what it is like after each step.
 class Scene {
 public:
     Scene() {
@@ -76,7 +76,7 @@ public:
         history().clear();
         m_states[L""] = state();
     }
-    // The state behind a step that isn't known yet.
+    // The state after a step that isn't known yet.
     void knows(std::wstring const & name, std::string const & state) {
         m_states.emplace(name, state);
     }
@@ -147,14 +147,14 @@ private:
 
 // Work within a transaction.
 struct Work {
-    std::string m_name;
-    std::function<void(Scene &)> m_run;
+    std::string name;
+    std::function<void(Scene &)> run;
 };
 
-void PrintTo(Work const & work, std::ostream * out) { *out << work.m_name; }
+void PrintTo(Work const & work, std::ostream * out) { *out << work.name; }
 
 template <class T, class U>
-Work setting(std::string name, T Everything::* member, U value) {
+Work setting(std::string name, T Everything::*member, U value) {
     return {std::move(name), [=](Scene & scene) {
                 T made(value);
                 scene.root().change([&] { scene.root().*member = std::move(made); });
@@ -312,17 +312,18 @@ std::string stateAfter(Operation const & operation) {
     return scene.state();
 }
 
-// What must hold behind an operation that may have failed.
+// What must hold after an operation that may have failed.
 void expectBeforeOrAfter(Scene & scene, EOutcome outcome, std::string const & before,
                          std::string const & after) {
     EXPECT_FALSE(scene.history().isInTransaction());
     EXPECT_FALSE(scene.history().isReplaying());
     if (!scene.history().isUsable()) return scene.expectRefuses();
     std::string const state = scene.state();
-    if (outcome == EOutcome::Done)
+    if (outcome == EOutcome::Done) {
         EXPECT_EQ(state, after);
-    else
+    } else {
         EXPECT_TRUE(state == before || state == after) << state << "\nbefore:\n" << before;
+    }
     scene.expectStepsFit();
     scene.expectGoesOn();
 }
@@ -343,8 +344,8 @@ bool runRound(Operation const & operation, std::string const & after, unsigned l
 void forEachFailure(std::function<bool(unsigned long n, bool forGood)> const & round) {
     for (bool const forGood : {false, true})
         for (unsigned long n = 1;; ++n) {
-            SCOPED_TRACE((forGood ? "for good from allocation " : "allocation ")
-                         + std::to_string(n));
+            SCOPED_TRACE((forGood ? "for good from allocation " : "allocation ") +
+                         std::to_string(n));
             bool hasFailed = false;
             long left = 1;
             // What is made once in a process is there in the second round.
@@ -360,9 +361,8 @@ void forEachFailure(std::function<bool(unsigned long n, bool forGood)> const & r
 
 void expectSurvivesFailures(Operation const & operation) {
     std::string const after = stateAfter(operation);
-    forEachFailure([&](unsigned long n, bool forGood) {
-        return runRound(operation, after, n, forGood);
-    });
+    forEachFailure(
+        [&](unsigned long n, bool forGood) { return runRound(operation, after, n, forGood); });
 }
 
 class OutOfMemoryStepTests : public ::testing::TestWithParam<Work> {
@@ -370,7 +370,7 @@ protected:
     // The parameter's work as a step.
     static Status work(Scene & scene) {
         Transaction transaction(scene.asset(), L"work");
-        GetParam().m_run(scene);
+        GetParam().run(scene);
         transaction.commit();
         return Status::success();
     }
@@ -379,29 +379,27 @@ protected:
     static void nothing(Scene &) {}
 };
 
-TEST_P(OutOfMemoryStepTests, aTransactionIsDoneOrTakenBack) {
+TEST_P(OutOfMemoryStepTests, ATransactionIsDoneOrTakenBack) {
     expectSurvivesFailures({nothing, work});
 }
 
-TEST_P(OutOfMemoryStepTests, anAbortTakesBackOrSaysThatItCouldnt) {
+TEST_P(OutOfMemoryStepTests, AnAbortTakesBackOrSaysThatItCouldnt) {
     expectSurvivesFailures({nothing, [](Scene & scene) {
                                 Transaction transaction(scene.asset(), L"work");
-                                GetParam().m_run(scene);
+                                GetParam().run(scene);
                                 transaction.abort();
                                 return Status::success();
                             }});
 }
 
-TEST_P(OutOfMemoryStepTests, anUndoIsDoneOrNotOrSaysThatItIsNeither) {
-    expectSurvivesFailures({[](Scene & scene) {
-                                scene.step(L"work", [&] { GetParam().m_run(scene); });
-                            },
-                            undo});
+TEST_P(OutOfMemoryStepTests, AnUndoIsDoneOrNotOrSaysThatItIsNeither) {
+    expectSurvivesFailures(
+        {[](Scene & scene) { scene.step(L"work", [&] { GetParam().run(scene); }); }, undo});
 }
 
-TEST_P(OutOfMemoryStepTests, aRedoIsDoneOrNotOrSaysThatItIsNeither) {
+TEST_P(OutOfMemoryStepTests, ARedoIsDoneOrNotOrSaysThatItIsNeither) {
     expectSurvivesFailures({[](Scene & scene) {
-                                scene.step(L"work", [&] { GetParam().m_run(scene); });
+                                scene.step(L"work", [&] { GetParam().run(scene); });
                                 EXPECT_TRUE(scene.history().undo());
                             },
                             redo});
@@ -410,12 +408,12 @@ TEST_P(OutOfMemoryStepTests, aRedoIsDoneOrNotOrSaysThatItIsNeither) {
 INSTANTIATE_TEST_SUITE_P(OfEachKind, OutOfMemoryStepTests, ::testing::ValuesIn(works()),
                          [](auto const & work) {
                              std::string name;
-                             for (char const c : work.param.m_name) name += c == ' ' ? '_' : c;
+                             for (char const c : work.param.name) name += c == ' ' ? '_' : c;
                              return name;
                          });
 
 // What dies outside a transaction belongs to the last step, and can't be refused.
-TEST(OutOfMemoryTests, theLastReferenceGoesAndTheHistoryFitsOrIsGivenUp) {
+TEST(OutOfMemoryTests, TheLastReferenceGoesAndTheHistoryFitsOrIsGivenUp) {
     expectSurvivesFailures({[](Scene & scene) {
                                 StrongRef<Everything> const parent =
                                     Everything::make(design(scene.asset()));
@@ -455,7 +453,7 @@ void letGoAfterSteps(Scene & scene) {
     EXPECT_TRUE(scene.history().redo());
 }
 
-TEST(OutOfMemoryTests, whatWasHeldAndLetGoIsUndoneOrNotOrTheHistorySaysThatItIsNeither) {
+TEST(OutOfMemoryTests, WhatWasHeldAndLetGoIsUndoneOrNotOrTheHistorySaysThatItIsNeither) {
     expectSurvivesFailures({[](Scene & scene) {
                                 letGoAfterSteps(scene);
                                 EXPECT_TRUE(scene.history().undo());
@@ -463,15 +461,16 @@ TEST(OutOfMemoryTests, whatWasHeldAndLetGoIsUndoneOrNotOrTheHistorySaysThatItIsN
                             [](Scene & scene) { return scene.history().undo(); }});
 }
 
-TEST(OutOfMemoryTests, whatWasHeldAndLetGoIsRedoneOrNotOrTheHistorySaysThatItIsNeither) {
+TEST(OutOfMemoryTests, WhatWasHeldAndLetGoIsRedoneOrNotOrTheHistorySaysThatItIsNeither) {
     expectSurvivesFailures({[](Scene & scene) {
                                 letGoAfterSteps(scene);
-                                while (scene.history().canUndo()) EXPECT_TRUE(scene.history().undo());
+                                while (scene.history().canUndo())
+                                    EXPECT_TRUE(scene.history().undo());
                             },
                             [](Scene & scene) { return scene.history().redo(); }});
 }
 
-TEST(OutOfMemoryTests, whatIsHeldBeyondTheHistoryMayOutliveTheDocument) {
+TEST(OutOfMemoryTests, WhatIsHeldBeyondTheHistoryMayOutliveTheDocument) {
     forEachFailure([&](unsigned long n, bool forGood) {
         Scene scene;
         scene.step(L"work", [&] { scene.makeChild(); });
@@ -489,7 +488,7 @@ TEST(OutOfMemoryTests, whatIsHeldBeyondTheHistoryMayOutliveTheDocument) {
     });
 }
 
-TEST(OutOfMemoryTests, aDocumentClosesWithoutMemory) {
+TEST(OutOfMemoryTests, ADocumentClosesWithoutMemory) {
     forEachFailure([&](unsigned long n, bool forGood) {
         Scene scene;
         FailingAllocations::failAt(n, forGood);
@@ -540,8 +539,7 @@ void expectSavesSurviveFailures(Save const & save) {
         FailingAllocations::failAt(n, forGood);
         try {
             isSaved = save(*asset, file.path()).ok();
-        } catch (std::bad_alloc const &) {
-        }
+        } catch (std::bad_alloc const &) {}
         FailingAllocations::heal();
         bool const hasFailed = FailingAllocations::hasFailed();
 
@@ -558,16 +556,16 @@ void expectSavesSurviveFailures(Save const & save) {
     });
 }
 
-TEST(OutOfMemoryTests, aSaveLeavesTheOldOrTheNewDocument) {
+TEST(OutOfMemoryTests, ASaveLeavesTheOldOrTheNewDocument) {
     expectSavesSurviveFailures(
         [](Asset & asset, std::filesystem::path const &) { return DocumentFile::save(asset); });
 }
 
-TEST(OutOfMemoryTests, aWholeSaveLeavesTheOldOrTheNewDocument) {
+TEST(OutOfMemoryTests, AWholeSaveLeavesTheOldOrTheNewDocument) {
     expectSavesSurviveFailures(&DocumentFile::saveAs);
 }
 
-TEST(OutOfMemoryTests, aLoadGivesTheDocumentOrNone) {
+TEST(OutOfMemoryTests, ALoadGivesTheDocumentOrNone) {
     TemporaryFile const file;
     std::string state;
     {
@@ -581,8 +579,7 @@ TEST(OutOfMemoryTests, aLoadGivesTheDocumentOrNone) {
         bool isLoaded = false;
         try {
             isLoaded = DocumentFile::load(file.path(), nullptr, asset).ok();
-        } catch (std::bad_alloc const &) {
-        }
+        } catch (std::bad_alloc const &) {}
         FailingAllocations::heal();
         EXPECT_EQ(isLoaded, static_cast<bool>(asset));
         EXPECT_TRUE(!asset || dump(*asset) == state);

@@ -12,6 +12,7 @@
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/TestEntities.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
 namespace {
@@ -19,12 +20,12 @@ namespace {
 using Id = unsigned long long;
 
 struct Node {
-    int m_int = 0;
-    double m_double = 0;
-    std::wstring m_name;
-    Id m_friend = 0;
-    std::vector<Id> m_children;
-    std::vector<Id> m_friends; // 0 in the slot of one that is gone
+    int number = 0;
+    double real = 0;
+    std::wstring name;
+    Id companion = 0;
+    std::vector<Id> children;
+    std::vector<Id> friends; // 0 in the slot of one that is gone
     bool operator==(Node const &) const = default;
 };
 
@@ -37,12 +38,12 @@ Model read(Asset const & asset) {
     for (Entity * const entity : asset.allEntities()) {
         Thing const & thing = *query<Thing>(entity);
         Node & node = model[thing.id()];
-        node.m_int = thing.m_int;
-        node.m_double = thing.m_double;
-        node.m_name = thing.m_name;
-        node.m_friend = id(thing.m_rFriend.get());
-        for (auto const & child : thing.m_children) node.m_children.push_back(child->id());
-        for (auto const & other : thing.m_friends) node.m_friends.push_back(id(other.get()));
+        node.number = thing.m_int;
+        node.real = thing.m_double;
+        node.name = thing.m_name;
+        node.companion = id(thing.m_rFriend.get());
+        for (auto const & child : thing.m_children) node.children.push_back(child->id());
+        for (auto const & other : thing.m_friends) node.friends.push_back(id(other.get()));
     }
     return model;
 }
@@ -50,11 +51,11 @@ Model read(Asset const & asset) {
 std::string text(Model const & model) {
     std::ostringstream out;
     for (auto const & [id, node] : model) {
-        out << id << ": " << node.m_int << ' ' << node.m_double << ' ' << node.m_name.size()
-            << " friend " << node.m_friend << " children";
-        for (Id const child : node.m_children) out << ' ' << child;
+        out << id << ": " << node.number << ' ' << node.real << ' ' << node.name.size()
+            << " friend " << node.companion << " children";
+        for (Id const child : node.children) out << ' ' << child;
         out << " friends";
-        for (Id const other : node.m_friends) out << ' ' << other;
+        for (Id const other : node.friends) out << ' ' << other;
         out << '\n';
     }
     return out.str();
@@ -101,7 +102,9 @@ public:
     }
 
 private:
-    unsigned below(unsigned limit) { return std::uniform_int_distribution<unsigned>(0, limit - 1)(m_random); }
+    unsigned below(unsigned limit) {
+        return std::uniform_int_distribution<unsigned>(0, limit - 1)(m_random);
+    }
     Id any() {
         auto i = m_model.begin();
         std::advance(i, below(static_cast<unsigned>(m_model.size())));
@@ -112,7 +115,7 @@ private:
     }
     Id parentOf(Id id) const {
         for (auto const & [parent, node] : m_model)
-            for (Id const child : node.m_children)
+            for (Id const child : node.children)
                 if (child == id) return parent;
         return 0;
     }
@@ -122,12 +125,12 @@ private:
         return false;
     }
     void forget(Id id) {
-        std::vector<Id> const children = m_model[id].m_children;
+        std::vector<Id> const children = m_model[id].children;
         m_model.erase(id);
         for (Id const child : children) forget(child);
         for (auto & [other, node] : m_model) {
-            if (node.m_friend == id) node.m_friend = 0;
-            for (Id & slot : node.m_friends)
+            if (node.companion == id) node.companion = 0;
+            for (Id & slot : node.friends)
                 if (slot == id) slot = 0;
         }
     }
@@ -135,12 +138,11 @@ private:
     void transaction(unsigned depth) {
         Model const before = m_model;
         Transaction transaction(*m_rAsset, L"random");
-        for (unsigned n = below(6) + 1; n--;) {
+        for (unsigned n = below(6) + 1; n--;)
             if (depth < 2 && below(8) == 0)
                 this->transaction(depth + 1);
             else
                 change();
-        }
         if (below(4) == 0) {
             m_did += ", abort";
             transaction.abort();
@@ -166,17 +168,17 @@ private:
             m_did = "create";
             std::wstring const name(below(30), L'n');
             StrongRef<Thing> const made = Thing::make(*m_rAsset, name);
-            unsigned const place = below(static_cast<unsigned>(node.m_children.size()) + 1);
+            unsigned const place = below(static_cast<unsigned>(node.children.size()) + 1);
             entity->insert(made, place);
-            node.m_children.insert(node.m_children.begin() + place, made->id());
-            m_model[made->id()].m_name = name;
+            node.children.insert(node.children.begin() + place, made->id());
+            m_model[made->id()].name = name;
             break;
         }
         case 2: {
             m_did = "delete";
             Id const parent = parentOf(id);
             if (!parent || (m_model.size() > 20 && below(3))) break;
-            auto & siblings = m_model[parent].m_children;
+            auto & siblings = m_model[parent].children;
             auto const place = std::find(siblings.begin(), siblings.end(), id) - siblings.begin();
             thing(parent)->remove(static_cast<std::size_t>(place));
             siblings.erase(siblings.begin() + place);
@@ -189,11 +191,11 @@ private:
             Id const parent = parentOf(id);
             Id const target = any();
             if (!parent || isBelow(target, id)) break;
-            auto & siblings = m_model[parent].m_children;
+            auto & siblings = m_model[parent].children;
             auto const place = std::find(siblings.begin(), siblings.end(), id) - siblings.begin();
             thing(parent)->remove(static_cast<std::size_t>(place));
             siblings.erase(siblings.begin() + place);
-            auto & others = m_model[target].m_children;
+            auto & others = m_model[target].children;
             unsigned const there = below(static_cast<unsigned>(others.size()) + 1);
             thing(target)->insert(entity, there);
             others.insert(others.begin() + there, id);
@@ -201,24 +203,24 @@ private:
         }
         case 5:
             m_did = "change";
-            node.m_int = static_cast<int>(below(5));
-            entity->set(&Thing::m_int, node.m_int);
+            node.number = static_cast<int>(below(5));
+            entity->set(&Thing::m_int, node.number);
             if (below(2)) {
-                node.m_double = below(7) * 0.25;
-                entity->set(&Thing::m_double, node.m_double);
+                node.real = below(7) * 0.25;
+                entity->set(&Thing::m_double, node.real);
             }
             break;
         case 6:
             m_did = "rename";
-            node.m_name = std::wstring(below(40), static_cast<wchar_t>(L'a' + below(26)));
-            entity->set(&Thing::m_name, node.m_name);
+            node.name = std::wstring(below(40), static_cast<wchar_t>(L'a' + below(26)));
+            entity->set(&Thing::m_name, node.name);
             break;
         case 7: {
             m_did = "befriend";
             Id const other = any();
-            node.m_friend = other;
+            node.companion = other;
             entity->set(&Thing::m_rFriend, PassiveRef<Entity>(thing(other)));
-            node.m_friends.push_back(other);
+            node.friends.push_back(other);
             auto friends = entity->m_friends;
             friends.emplace_back(thing(other));
             entity->set(&Thing::m_friends, std::move(friends));
@@ -226,8 +228,8 @@ private:
         }
         default: {
             m_did = "reorder";
-            if (node.m_children.size() < 2) break;
-            std::swap(node.m_children.front(), node.m_children.back());
+            if (node.children.size() < 2) break;
+            std::swap(node.children.front(), node.children.back());
             auto children = entity->m_children;
             std::swap(children.front(), children.back());
             entity->set(&Thing::m_children, std::move(children));
@@ -235,15 +237,11 @@ private:
         }
     }
 
-    std::filesystem::path file() const {
-        return std::filesystem::temp_directory_path()
-            / ("vn-random-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)) + ".vnd");
-    }
-
     bool saveAndGoOn() {
         m_did = "save";
-        Status const status = m_rAsset->file().empty() ? DocumentFile::saveAs(*m_rAsset, file())
-                                                       : DocumentFile::save(*m_rAsset);
+        Status const status = m_rAsset->file().empty()
+                                  ? DocumentFile::saveAs(*m_rAsset, m_file.path())
+                                  : DocumentFile::save(*m_rAsset);
         if (!status.ok()) m_did += ": " + status.toString();
         return status.ok() && !m_rAsset->isDirty();
     }
@@ -253,7 +251,7 @@ private:
         if (!saveAndGoOn()) return false;
         m_did = "load";
         StrongRef<Asset> loaded;
-        Status const status = DocumentFile::load(file(), nullptr, loaded);
+        Status const status = DocumentFile::load(m_file.path(), nullptr, loaded);
         if (!status.ok()) {
             m_did += ": " + status.toString();
             return false;
@@ -264,14 +262,8 @@ private:
         return true;
     }
 
-public:
-    ~Worker() {
-        std::error_code ignored;
-        std::filesystem::remove(file(), ignored);
-    }
-
-private:
     std::mt19937 m_random;
+    TemporaryFile const m_file;
     StrongRef<Asset> m_rAsset;
     Model m_model;
     std::vector<Model> m_states;
@@ -280,15 +272,16 @@ private:
     bool const m_bFiles = whyNoFiles().empty(); // without files there is more of the rest
 };
 
-TEST(RandomOperationsTests, agreesWithTheModelAfterEveryStep) {
+TEST(RandomOperationsTests, AgreesWithTheModelAfterEveryStep) {
     char const * const given = std::getenv("VN_TEST_SEED");
-    unsigned const seed = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
-                                : std::random_device()();
+    unsigned const seed =
+        given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device()();
     std::cout << "seed " << seed << '\n'; // VN_TEST_SEED runs it again
     Worker worker(seed);
     for (int i = 0; i < 10000; ++i)
-        ASSERT_TRUE(worker.step()) << "seed " << seed << ", step " << i << ", " << worker.did() << '\n'
-                                   << worker.difference();
+        ASSERT_TRUE(worker.step())
+            << "seed " << seed << ", step " << i << ", " << worker.did() << '\n'
+            << worker.difference();
 }
 
 } // namespace

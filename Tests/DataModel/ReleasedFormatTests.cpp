@@ -1,5 +1,5 @@
-// The files that released versions wrote stay readable, whatever becomes of the format.  A file of each
-// version lies in the folder Released, and is never written again.
+// The files that released versions wrote stay readable, whatever becomes of the format.  A file of
+// each version lies in the folder Released, and is never written again.
 
 #include <filesystem>
 #include <string>
@@ -29,7 +29,7 @@ protected:
     TemporaryFile m_file;
 };
 
-TEST_P(ReleasedFormatTests, isReadInFull) {
+TEST_P(ReleasedFormatTests, IsReadInFull) {
     StrongRef<Asset> const expected = Asset::make(nullptr);
     makeExtremes(*expected);
     StrongRef<Asset> asset;
@@ -38,7 +38,7 @@ TEST_P(ReleasedFormatTests, isReadInFull) {
     EXPECT_EQ(dump(*asset), dump(*expected));
 }
 
-TEST_P(ReleasedFormatTests, isWrittenToAndReadAgain) {
+TEST_P(ReleasedFormatTests, IsWrittenToAndReadAgain) {
     StrongRef<Asset> asset;
     ASSERT_TRUE(DocumentFile::load(m_file.path(), nullptr, asset));
     StrongRef<Entity> const root = design(*asset)->rootEntity("one");

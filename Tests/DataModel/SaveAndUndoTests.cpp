@@ -10,6 +10,7 @@
 #include "Platform/DataModel/IEntityObserver.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/TestEntities.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
 namespace {
@@ -18,17 +19,12 @@ class SaveAndUndoTests : public FileTest {
 protected:
     SaveAndUndoTests() : m_rAsset(Asset::make(nullptr)), m_rRoot(Thing::make(*m_rAsset, L"root")) {
         m_rAsset->segment(SegmentType::DesignSegment)->addRoot(m_rRoot, "root");
-        std::filesystem::create_directory(m_folder);
-    }
-    ~SaveAndUndoTests() override {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
     }
 
     void SetUp() override {
         FileTest::SetUp();
         if (IsSkipped()) return;
-        ASSERT_TRUE(DocumentFile::saveAs(*m_rAsset, m_folder / "a.vnd").ok());
+        ASSERT_TRUE(DocumentFile::saveAs(*m_rAsset, m_file.path()).ok());
     }
 
     template <class Work>
@@ -46,18 +42,17 @@ protected:
         ASSERT_TRUE(saved.ok()) << saved.toString();
         EXPECT_FALSE(m_rAsset->isDirty());
         StrongRef<Asset> loaded;
-        Status const status = DocumentFile::load(m_folder / "a.vnd", nullptr, loaded);
+        Status const status = DocumentFile::load(m_file.path(), nullptr, loaded);
         ASSERT_TRUE(status.ok()) << status.toString();
         EXPECT_EQ(dump(*loaded), dump(*m_rAsset));
     }
 
-    std::filesystem::path const m_folder = std::filesystem::temp_directory_path()
-        / ("vn-save-and-undo-" + std::to_string(reinterpret_cast<std::uintptr_t>(this)));
+    TemporaryFile const m_file;
     StrongRef<Asset> m_rAsset;
     StrongRef<Thing> m_rRoot;
 };
 
-TEST_F(SaveAndUndoTests, whatComesBackIsWrittenWhetherOrNotItWasSavedBefore) {
+TEST_F(SaveAndUndoTests, WhatComesBackIsWrittenWhetherOrNotItWasSavedBefore) {
     step([&] { m_rRoot->add(Thing::make(*m_rAsset, L"never saved alive")); });
     undo();
     expectSaved();
@@ -69,7 +64,7 @@ TEST_F(SaveAndUndoTests, whatComesBackIsWrittenWhetherOrNotItWasSavedBefore) {
     expectSaved();
 }
 
-TEST_F(SaveAndUndoTests, aPassiveReferenceIsWrittenForTheTimeWhenItsTargetComesBack) {
+TEST_F(SaveAndUndoTests, APassiveReferenceIsWrittenForTheTimeWhenItsTargetComesBack) {
     step([&] {
         m_rRoot->add(Thing::make(*m_rAsset, L"target"));
         m_rRoot->set(&Thing::m_rFriend, PassiveRef<Entity>(m_rRoot->m_children[0]));
@@ -85,7 +80,7 @@ TEST_F(SaveAndUndoTests, aPassiveReferenceIsWrittenForTheTimeWhenItsTargetComesB
     EXPECT_TRUE(m_rRoot->m_rFriend);
 }
 
-TEST_F(SaveAndUndoTests, whatIsGoneForGoodIsANullReferenceInTheFile) {
+TEST_F(SaveAndUndoTests, WhatIsGoneForGoodIsANullReferenceInTheFile) {
     step([&] {
         m_rRoot->add(Thing::make(*m_rAsset, L"target"));
         m_rRoot->set(&Thing::m_rFriend, PassiveRef<Entity>(m_rRoot->m_children[0]));
@@ -96,7 +91,7 @@ TEST_F(SaveAndUndoTests, whatIsGoneForGoodIsANullReferenceInTheFile) {
     expectSaved();
 }
 
-TEST_F(SaveAndUndoTests, theCleanStateIsTheSavedOne) {
+TEST_F(SaveAndUndoTests, TheCleanStateIsTheSavedOne) {
     step([&] { m_rRoot->set(&Thing::m_int, 1); });
     expectSaved();
     undo();
@@ -109,7 +104,7 @@ TEST_F(SaveAndUndoTests, theCleanStateIsTheSavedOne) {
 
 // --- Members that are stored without a bracket --------------------------------------------------
 
-TEST_F(SaveAndUndoTests, aStoreThatIsMarkedIsSavedAndIsNoStep) {
+TEST_F(SaveAndUndoTests, AStoreThatIsMarkedIsSavedAndIsNoStep) {
     step([&] { m_rRoot->set(&Thing::m_int, 1); });
     step([&] { m_rRoot->set(&Thing::m_int, 2); });
     undo();
@@ -132,7 +127,7 @@ TEST_F(SaveAndUndoTests, aStoreThatIsMarkedIsSavedAndIsNoStep) {
     expectSaved();
 }
 
-TEST_F(SaveAndUndoTests, aStoreInATransactionThatIsAbortedStaysAndIsSaved) {
+TEST_F(SaveAndUndoTests, AStoreInATransactionThatIsAbortedStaysAndIsSaved) {
     {
         Transaction transaction(*m_rAsset, L"step");
         m_rRoot->set(&Thing::m_int, 1);
@@ -145,7 +140,7 @@ TEST_F(SaveAndUndoTests, aStoreInATransactionThatIsAbortedStaysAndIsSaved) {
     expectSaved();
 }
 
-TEST_F(SaveAndUndoTests, aMarkWhereNothingIsSavedDoesNothing) {
+TEST_F(SaveAndUndoTests, AMarkWhereNothingIsSavedDoesNothing) {
     Segment * const transient = Segment::create(
         m_rAsset.get(), SegmentTypeMgr::get()->segmentType(SegmentType::TransientSegment), true);
     StrongRef<Thing> const passing = Thing::make(transient);
@@ -158,7 +153,7 @@ TEST_F(SaveAndUndoTests, aMarkWhereNothingIsSavedDoesNothing) {
 }
 
 // As of a document whose settings take the group of named views, which is then undone.
-TEST_F(SaveAndUndoTests, aStoredReferenceToWhatIsUndoneIsNullInTheFileUntilARedo) {
+TEST_F(SaveAndUndoTests, AStoredReferenceToWhatIsUndoneIsNullInTheFileUntilARedo) {
     step([&] { m_rRoot->m_rOwned = Thing::make(*m_rAsset, L"views"); });
     m_rRoot->markModified();
     StrongRef<Thing> const views = m_rRoot->m_rOwned;
@@ -166,7 +161,7 @@ TEST_F(SaveAndUndoTests, aStoredReferenceToWhatIsUndoneIsNullInTheFileUntilARedo
     EXPECT_FALSE(views->isAlive());
     ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
     StrongRef<Asset> loaded;
-    ASSERT_TRUE(DocumentFile::load(m_folder / "a.vnd", nullptr, loaded).ok());
+    ASSERT_TRUE(DocumentFile::load(m_file.path(), nullptr, loaded).ok());
     auto const root = [&]() -> Thing & {
         return static_cast<Thing &>(*loaded->segmentAt(0)->rootEntity("root"));
     };
@@ -176,21 +171,21 @@ TEST_F(SaveAndUndoTests, aStoredReferenceToWhatIsUndoneIsNullInTheFileUntilARedo
     redo();
     EXPECT_TRUE(views->isAlive());
     expectSaved();
-    ASSERT_TRUE(DocumentFile::load(m_folder / "a.vnd", nullptr, loaded).ok());
+    ASSERT_TRUE(DocumentFile::load(m_file.path(), nullptr, loaded).ok());
     ASSERT_TRUE(root().m_rOwned);
     EXPECT_EQ(root().m_rOwned->m_name, L"views");
 
     // Its owner didn't change, and the row that it refers to goes.
     undo();
     ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
-    Status const status = DocumentFile::load(m_folder / "a.vnd", nullptr, loaded);
+    Status const status = DocumentFile::load(m_file.path(), nullptr, loaded);
     ASSERT_TRUE(status.ok()) << status.toString();
     EXPECT_FALSE(root().m_rOwned);
     redo();
     expectSaved();
 }
 
-TEST_F(SaveAndUndoTests, storedListsOfWhatIsUndoneAreWrittenWithNulls) {
+TEST_F(SaveAndUndoTests, StoredListsOfWhatIsUndoneAreWrittenWithNulls) {
     StrongRef<Thing> const kept = Thing::make(*m_rAsset, L"kept");
     StrongRef<Thing> undone;
     step([&] { undone = Thing::make(*m_rAsset, L"undone"); });
@@ -201,7 +196,7 @@ TEST_F(SaveAndUndoTests, storedListsOfWhatIsUndoneAreWrittenWithNulls) {
     undo();
     ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
     StrongRef<Asset> loaded;
-    Status const status = DocumentFile::load(m_folder / "a.vnd", nullptr, loaded);
+    Status const status = DocumentFile::load(m_file.path(), nullptr, loaded);
     ASSERT_TRUE(status.ok()) << status.toString();
     auto const & root = static_cast<Thing &>(*loaded->segmentAt(0)->rootEntity("root"));
     ASSERT_EQ(root.m_children.size(), 2U);
@@ -213,7 +208,7 @@ TEST_F(SaveAndUndoTests, storedListsOfWhatIsUndoneAreWrittenWithNulls) {
     expectSaved();
 }
 
-TEST_F(SaveAndUndoTests, aStoreThatNobodyMarkedLeavesAFileThatOpens) {
+TEST_F(SaveAndUndoTests, AStoreThatNobodyMarkedLeavesAFileThatOpens) {
     StrongRef<Thing> views;
     step([&] { views = Thing::make(*m_rAsset, L"views"); });
     m_rRoot->m_rOwned = views; // and no mark
@@ -221,12 +216,12 @@ TEST_F(SaveAndUndoTests, aStoreThatNobodyMarkedLeavesAFileThatOpens) {
     step([&] { m_rRoot->set(&Thing::m_int, 1); });
     ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
     StrongRef<Asset> loaded;
-    Status const status = DocumentFile::load(m_folder / "a.vnd", nullptr, loaded);
+    Status const status = DocumentFile::load(m_file.path(), nullptr, loaded);
     EXPECT_TRUE(status.ok()) << status.toString();
 }
 
 // A hook of an undo made it, which isn't a step and marks nothing.
-TEST_F(SaveAndUndoTests, aTargetThatNobodyMarkedIsWrittenWithItsOwner) {
+TEST_F(SaveAndUndoTests, ATargetThatNobodyMarkedIsWrittenWithItsOwner) {
     struct Maker : IEntityObserver {
         void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
                        DataChange *) override {}
@@ -250,15 +245,16 @@ TEST_F(SaveAndUndoTests, aTargetThatNobodyMarkedIsWrittenWithItsOwner) {
     expectSaved();
 }
 
-TEST_F(SaveAndUndoTests, aReferenceIntoAnotherDocumentFailsTheSaveWithItsPlace) {
+TEST_F(SaveAndUndoTests, AReferenceIntoAnotherDocumentFailsTheSaveWithItsPlace) {
     expectSaved();
     std::wstring const saved = dump(*m_rAsset);
     StrongRef<Asset> other = Asset::make(nullptr);
     StrongRef<Thing> const stranger = Thing::make(*other, L"stranger");
+    TemporaryFile const beside;
     auto const expectRefused = [&](char const * member, char const * what) {
         m_rRoot->markModified();
-        for (Status const & status : {DocumentFile::save(*m_rAsset),
-                                      DocumentFile::saveAs(*m_rAsset, m_folder / "b.vnd")}) {
+        for (Status const & status :
+             {DocumentFile::save(*m_rAsset), DocumentFile::saveAs(*m_rAsset, beside.path())}) {
             EXPECT_FALSE(status.ok());
             std::string const text = status.toString();
             EXPECT_NE(text.find("entity 1, member Thing." + std::string(member)), std::string::npos)
@@ -266,9 +262,9 @@ TEST_F(SaveAndUndoTests, aReferenceIntoAnotherDocumentFailsTheSaveWithItsPlace) 
             EXPECT_NE(text.find(what), std::string::npos) << text;
         }
         EXPECT_TRUE(m_rAsset->isDirty());
-        EXPECT_FALSE(std::filesystem::exists(m_folder / "b.vnd"));
+        EXPECT_FALSE(std::filesystem::exists(beside.path()));
         StrongRef<Asset> loaded;
-        ASSERT_TRUE(DocumentFile::load(m_folder / "a.vnd", nullptr, loaded).ok());
+        ASSERT_TRUE(DocumentFile::load(m_file.path(), nullptr, loaded).ok());
         EXPECT_EQ(dump(*loaded), saved);
     };
     m_rRoot->m_rOwned = stranger;

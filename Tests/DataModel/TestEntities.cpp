@@ -29,9 +29,9 @@ constinit InterfaceId s_thingId("Vn::Testing::Thing");
 
 void heard(Entity const & entity, char const * what, DataChange::ETransact transact) {
     if (!Thing::s_log) return;
-    Thing::s_log->push_back(std::string(what) + ' ' + std::to_string(entity.id())
-                            + (DataChange::test(transact, DataChange::TransactReplay) ? " replay"
-                                                                                      : ""));
+    Thing::s_log->push_back(
+        std::string(what) + ' ' + std::to_string(entity.id()) +
+        (DataChange::test(transact, DataChange::TransactReplay) ? " replay" : ""));
 }
 
 } // namespace
@@ -80,16 +80,16 @@ void Thing::initializeMemberSet(MemberSet * set) {
     set->addNewMember("children", &m_children, "vector", vector,
                       TemplatizedFunctions::makeVector<StrongRef<Thing>>(StrongRefMetaType::get()),
                       nullptr);
-    set->addNewMember("friends", &m_friends, "vector", vector,
-                      TemplatizedFunctions::makeVector<PassiveRef<Entity>>(PassiveRefMetaType::get()),
-                      nullptr);
+    set->addNewMember(
+        "friends", &m_friends, "vector", vector,
+        TemplatizedFunctions::makeVector<PassiveRef<Entity>>(PassiveRefMetaType::get()), nullptr);
     set->addNewMember("numbers", &m_numbers, "vector", vector,
                       TemplatizedFunctions::makeVector<double>(IntrinsicMetaType<double>::get()),
                       nullptr);
-    set->addNewMember("words", &m_words, "vector", vector,
-                      TemplatizedFunctions::makeVector<std::wstring>(
-                          IntrinsicMetaType<std::wstring>::get()),
-                      nullptr);
+    set->addNewMember(
+        "words", &m_words, "vector", vector,
+        TemplatizedFunctions::makeVector<std::wstring>(IntrinsicMetaType<std::wstring>::get()),
+        nullptr);
 }
 
 void Thing::insert(StrongRef<Thing> const & child, std::size_t index) {

@@ -30,8 +30,7 @@ public:
     Thing(Segment * segment, unsigned long long id);
 
     template <class T>
-    void set(T Thing::* member, T value,
-             DataChange::EChangeType type = DataChange::ChangeValue) {
+    void set(T Thing::*member, T value, DataChange::EChangeType type = DataChange::ChangeValue) {
         EntityChange const change(this, DataChange::TransactDirect, type,
                                   DataChange::TimingPreAndPost, nullptr, true);
         this->*member = std::move(value);
@@ -64,8 +63,8 @@ public:
     std::vector<double> m_numbers;
     std::vector<std::wstring> m_words;
 
-    // Runs when an entity of version 0 migrates; empty if there is nothing to do.  The members of both
-    // versions are the same.
+    // Runs when an entity of version 0 migrates; empty if there is nothing to do.  The members of
+    // both versions are the same.
     static inline std::function<void(Thing &)> s_migrate;
 
     // What the hooks heard, when someone listens.

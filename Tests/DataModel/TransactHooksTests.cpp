@@ -26,7 +26,8 @@ public:
 private:
     explicit Hearer(Segment * segment) : Thing(segment) {}
     void hear(std::string const & what, DataChange::ETransact transact) {
-        s_heard.push_back(what + (DataChange::test(transact, DataChange::TransactReplay) ? " replay" : ""));
+        s_heard.push_back(
+            what + (DataChange::test(transact, DataChange::TransactReplay) ? " replay" : ""));
     }
     void onPreDelete() override {
         Thing::onPreDelete();
@@ -71,7 +72,7 @@ protected:
     StrongRef<Hearer> m_rRoot;
 };
 
-TEST_F(TransactHooksTests, anEntityThatChangedIsToldOnceAfterTheOutermostTransaction) {
+TEST_F(TransactHooksTests, AnEntityThatChangedIsToldOnceAfterTheOutermostTransaction) {
     step([&] {
         m_rRoot->set(&Thing::m_int, 1);
         step([&] { m_rRoot->set(&Thing::m_name, std::wstring(L"name")); });
@@ -85,14 +86,14 @@ TEST_F(TransactHooksTests, anEntityThatChangedIsToldOnceAfterTheOutermostTransac
     EXPECT_EQ(heard(), Heard{"changed replay"});
 }
 
-TEST_F(TransactHooksTests, aStepOfNumbersTellsToo) {
+TEST_F(TransactHooksTests, AStepOfNumbersTellsToo) {
     step([&] { m_rRoot->set(&Thing::m_int, 1); });
     EXPECT_EQ(heard(), Heard{"changed"});
     EXPECT_TRUE(history().undo());
     EXPECT_EQ(heard(), Heard{"changed replay"});
 }
 
-TEST_F(TransactHooksTests, anEntityThatCameIsToldThatAndNotThatItChanged) {
+TEST_F(TransactHooksTests, AnEntityThatCameIsToldThatAndNotThatItChanged) {
     step([&] {
         StrongRef<Hearer> const made = Hearer::make(*m_rAsset);
         m_rRoot->m_rOwned = made; // the root isn't told: nothing is recorded about it
@@ -105,7 +106,7 @@ TEST_F(TransactHooksTests, anEntityThatCameIsToldThatAndNotThatItChanged) {
     EXPECT_EQ(heard(), Heard{"came replay"});
 }
 
-TEST_F(TransactHooksTests, whatADeletionTookAwayCameWhenItIsUndone) {
+TEST_F(TransactHooksTests, WhatADeletionTookAwayCameWhenItIsUndone) {
     step([&] { m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>(Hearer::make(*m_rAsset))); });
     EXPECT_EQ(heard(), (Heard{"came", "changed"})); // in the order of what was recorded
     step([&] { m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>()); });
@@ -114,7 +115,7 @@ TEST_F(TransactHooksTests, whatADeletionTookAwayCameWhenItIsUndone) {
     EXPECT_EQ(heard(), (Heard{"changed replay", "came replay"}));
 }
 
-TEST_F(TransactHooksTests, anAbortTellsNothing) {
+TEST_F(TransactHooksTests, AnAbortTellsNothing) {
     {
         Transaction transaction(*m_rAsset, L"aborted");
         m_rRoot->set(&Thing::m_int, 1);
@@ -122,7 +123,7 @@ TEST_F(TransactHooksTests, anAbortTellsNothing) {
     EXPECT_EQ(heard(), Heard());
 }
 
-TEST_F(TransactHooksTests, whatAnAbortBroughtBackIsNotToldByALaterReplay) {
+TEST_F(TransactHooksTests, WhatAnAbortBroughtBackIsNotToldByALaterReplay) {
     step([&] { m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>(Hearer::make(*m_rAsset))); });
     {
         Transaction transaction(*m_rAsset, L"aborted");
@@ -136,7 +137,7 @@ TEST_F(TransactHooksTests, whatAnAbortBroughtBackIsNotToldByALaterReplay) {
     EXPECT_EQ(heard(), Heard{"changed replay"});
 }
 
-TEST_F(TransactHooksTests, whatAHookChangesThenIsNoPartOfTheStep) {
+TEST_F(TransactHooksTests, WhatAHookChangesThenIsNoPartOfTheStep) {
     step([&] { m_rRoot->set(&Thing::m_int, 1); });
     heard();
     Hearer::s_whenChanged = [&] {

@@ -1,6 +1,6 @@
-// Values inside entities whose class has another version than in the file.  Members of the same name
-// are read, others of the file are dropped, and new ones stay what the constructor made them; then
-// the class migrates each value.
+// Values inside entities whose class has another version than in the file.  Members of the same
+// name are read, others of the file are dropped, and new ones stay what the constructor made them;
+// then the class migrates each value.
 
 #include <deque>
 #include <memory>
@@ -20,7 +20,8 @@ namespace {
 
 using ::testing::HasSubstr;
 
-// Version 0 had "amount" in centimetres and "unit"; version 1 has "amount" in millimetres and "source".
+// Version 0 had "amount" in centimetres and "unit"; version 1 has "amount" in millimetres and
+// "source".
 struct Reading {
     double m_amount = 0;
     std::wstring m_unit;
@@ -145,8 +146,8 @@ protected:
     EntityMetaType * onMetaType() const override { return s_metaType(); }
 };
 
-// The types of one version of Reading.  Types are known by their addresses to the end of the process,
-// so that none has one that another had.
+// The types of one version of Reading.  Types are known by their addresses to the end of the
+// process, so that none has one that another had.
 struct Types {
     explicit Types(unsigned version) : m_reading(version), m_gauge(0, Piece::s_metaTypeId()) {}
 
@@ -216,7 +217,7 @@ protected:
 
 } // namespace
 
-TEST_F(ValueMigrationTests, eachValueOfAnOlderVersionIsMigratedOnceWhereverItStands) {
+TEST_F(ValueMigrationTests, EachValueOfAnOlderVersionIsMigratedOnceWhereverItStands) {
     become(1);
     Status const status = load();
     ASSERT_TRUE(status) << status.toString();
@@ -231,7 +232,7 @@ TEST_F(ValueMigrationTests, eachValueOfAnOlderVersionIsMigratedOnceWhereverItSta
     m_rAsset.reset();
 }
 
-TEST_F(ValueMigrationTests, aValueThatCantBeMigratedIsNamedAndThereIsNoDocument) {
+TEST_F(ValueMigrationTests, AValueThatCantBeMigratedIsNamedAndThereIsNoDocument) {
     become(1);
     ReadingMetaType::s_bRefusing = true;
     Status const status = load();
@@ -240,17 +241,18 @@ TEST_F(ValueMigrationTests, aValueThatCantBeMigratedIsNamedAndThereIsNoDocument)
     EXPECT_FALSE(m_rAsset);
 }
 
-TEST_F(ValueMigrationTests, aLaterVersionOfAValueIsRefusedWithTheReason) {
+TEST_F(ValueMigrationTests, ALaterVersionOfAValueIsRefusedWithTheReason) {
     Sql(m_file.path()).run("UPDATE types SET version=2 WHERE id='Test-Reading'");
     become(1);
     Status const status = load();
     EXPECT_EQ(status.code(), StatusNewerFormat);
-    EXPECT_THAT(status.toString(), HasSubstr("ReadingMetaType (Test-Reading) has version 2, and 1"));
+    EXPECT_THAT(status.toString(),
+                HasSubstr("ReadingMetaType (Test-Reading) has version 2, and 1"));
     EXPECT_FALSE(m_rAsset);
 }
 
 // Another set of members is no matter only where a version explains it.
-TEST_F(ValueMigrationTests, otherMembersInTheSameVersionAreDamage) {
+TEST_F(ValueMigrationTests, OtherMembersInTheSameVersionAreDamage) {
     Sql(m_file.path()).run("UPDATE types SET version=1 WHERE id='Test-Reading'");
     become(1);
     EXPECT_EQ(load().code(), StatusCorrupt);

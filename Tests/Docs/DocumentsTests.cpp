@@ -15,8 +15,8 @@
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Limits.h"
-#include "Tests/Console/Process.h"
 #include "Tests/Docs/Examples.h"
+#include "Tests/Support/Process.h"
 
 namespace Vn::Docs::Tests {
 
@@ -28,9 +28,7 @@ using Units::UnitDisplaySettings;
 
 constexpr char c_language[] = "Docs/expression-language.md";
 
-std::string where(Place const & place) {
-    return place.document + ":" + std::to_string(place.line);
-}
+std::string where(Place const & place) { return place.document + ":" + std::to_string(place.line); }
 
 std::optional<std::string> cell(Row const & row, char const * head) {
     auto const found = row.cells.find(head);
@@ -89,9 +87,8 @@ Answer answerFor(std::string_view head) {
         {"Outcome", [](Expression const & expression,
                        Row const &) { return Text::toUtf8(expression.result().toString()); }},
     };
-    for (auto const & [name, answer] : c_answers) {
+    for (auto const & [name, answer] : c_answers)
         if (name == head) return answer;
-    }
     return nullptr;
 }
 
@@ -137,9 +134,8 @@ TEST_F(DocumentsTests, EverySessionPrintsWhatItShows) {
             SCOPED_TRACE(where(session.place) + ": " + session.command);
             std::string command = session.command;
             // The script builds the console and hands its arguments on.
-            for (std::size_t at; (at = command.find("./run.sh")) != std::string::npos;) {
+            for (std::size_t at; (at = command.find("./run.sh")) != std::string::npos;)
                 command.replace(at, std::string_view("./run.sh").size(), "vnconsole");
-            }
             Console::Tests::Outcome const outcome = Console::Tests::runShell(
                 "vnconsole() { \"$VNCONSOLE\" \"$@\"; }; { " + command + "\n} 2>&1");
             EXPECT_EQ(outcome.out, session.output);
@@ -158,10 +154,11 @@ TEST_F(DocumentsTests, EveryBlockIsOfAKindThatIsTested) {
     for (Document const & document : m_documents) {
         bool const isFormat = document.name == "Docs/document-format.md";
         for (Block const & block : document.blocks) {
-            bool const isKnown = isFormat
-                ? std::find(c_databaseKinds.begin(), c_databaseKinds.end(), block.language)
-                    != c_databaseKinds.end()
-                : std::find(c_kinds.begin(), c_kinds.end(), block.language) != c_kinds.end();
+            bool const isKnown =
+                isFormat
+                    ? std::find(c_databaseKinds.begin(), c_databaseKinds.end(), block.language) !=
+                          c_databaseKinds.end()
+                    : std::find(c_kinds.begin(), c_kinds.end(), block.language) != c_kinds.end();
             EXPECT_TRUE(isKnown) << where(block.place) << ": " << block.language;
             if (block.language == "cpp") programs.push_back(document.name);
         }
@@ -174,8 +171,7 @@ TEST_F(DocumentsTests, TheProgramOfTheReadmePrintsWhatItShows) {
     std::string expected;
     for (Block const & block : readDocument("README.md").blocks) {
         if (block.language != "output") continue;
-        for (std::string const & line : block.lines)
-            expected += line + '\n';
+        for (std::string const & line : block.lines) expected += line + '\n';
     }
     Console::Tests::Outcome const outcome = Console::Tests::runProgram(VN_README_EXAMPLE, {});
     EXPECT_EQ(outcome.status, 0);
@@ -227,9 +223,8 @@ TEST_F(DocumentsTests, TheGuideNamesTheLimits) {
     EXPECT_EQ(Limits::c_nestingLevels, 1000u);
     EXPECT_EQ(Limits::c_unitFactors, 4096u);
     EXPECT_EQ(Limits::c_printedField, 511u);
-    for (char const * const limit : {"1,000 levels", "4,096 factors", "511 characters"}) {
+    for (char const * const limit : {"1,000 levels", "4,096 factors", "511 characters"})
         EXPECT_NE(text.find(limit), std::string::npos) << limit;
-    }
 }
 
 } // namespace

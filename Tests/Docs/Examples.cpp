@@ -25,7 +25,7 @@ std::string plain(std::string const & cell) {
     return code ? text.substr(1, text.size() - 2) : text;
 }
 
-// The cells of a line "| a | b |"; none if it is no row.  A "|" within code separates nothing.
+// The cells of a line "| a | b |"; none if it isn't a row.  A "|" within code separates nothing.
 std::vector<std::string> cellsOf(std::string const & line) {
     std::vector<std::string> cells;
     if (line.empty() || line.front() != '|') return cells;
@@ -62,9 +62,8 @@ std::vector<Session> sessionsOf(Block const & block) {
 void addSentences(std::string const & line, Place const & place, std::vector<Row> & rows) {
     static std::regex const s_gives("`([^`]+)` gives `([^`]*)`");
     static std::regex const s_fails("`([^`]+)` fails at ([0-9]+)");
-    for (std::sregex_iterator it(line.begin(), line.end(), s_gives), end; it != end; ++it) {
+    for (std::sregex_iterator it(line.begin(), line.end(), s_gives), end; it != end; ++it)
         rows.push_back({place, {{"Expression", (*it)[1]}, {"Shown", (*it)[2]}}});
-    }
     for (std::sregex_iterator it(line.begin(), line.end(), s_fails), end; it != end; ++it) {
         rows.push_back({place,
                         {{"Expression", (*it)[1]},
@@ -98,11 +97,10 @@ Document readDocument(std::string const & name) {
         Place const place{name, ++number};
         if (line.starts_with("```")) {
             endSentence();
-            if (block) {
+            if (block)
                 block = nullptr;
-            } else {
+            else
                 block = &document.blocks.emplace_back(Block{place, line.substr(3), {}});
-            }
             continue;
         }
         if (block) {
@@ -121,8 +119,7 @@ Document readDocument(std::string const & name) {
                                              ": a row has as many cells as its heading");
                 }
                 Row row{place, {}};
-                for (std::size_t i = 0; i < cells.size(); ++i)
-                    row.cells[heads[i]] = cells[i];
+                for (std::size_t i = 0; i < cells.size(); ++i) row.cells[heads[i]] = cells[i];
                 document.rows.push_back(std::move(row));
             }
             continue;
@@ -135,8 +132,7 @@ Document readDocument(std::string const & name) {
     endSentence();
     for (Block const & each : document.blocks) {
         if (each.language != "console") continue;
-        for (Session & session : sessionsOf(each))
-            document.sessions.push_back(std::move(session));
+        for (Session & session : sessionsOf(each)) document.sessions.push_back(std::move(session));
     }
     return document;
 }

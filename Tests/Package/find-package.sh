@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# A project of somebody else's finds the package with CMake.
+# Another project finds the package with CMake.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 work=$VN_WORK/find-package

@@ -14,5 +14,6 @@ for place in "$VN_WORK" "$VN_BUILD" "$VN_SOURCES"; do
 done
 
 # What isn't for users isn't there.
-found=$(find "$installed" -name '*Internal.h' -o -name Node.h -o -name LoadOrder.h -o -name '*.cpp')
+found=$(find "$installed" -name '*Internal.h' -o -name LoadOrder.h -o -name '*.cpp' \
+  -o -path '*/DataModel/File/*' -o -path '*/DataModel/Log/*')
 [ -z "$found" ] || fail "internal: $found"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# A project of somebody else's finds the package with pkg-config.
+# Another project finds the package with pkg-config.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 needs pkg-config
 

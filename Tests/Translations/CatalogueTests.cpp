@@ -49,15 +49,13 @@ void expectKeysOfTheProgram(std::vector<PoEntry> const & entries) {
 TEST(CatalogueTemplateTests, HasEveryTextOfTheProgramAndNoTranslation) {
     std::vector<PoEntry> const entries = readPoFile("VnCommonData.pot");
     expectKeysOfTheProgram(entries);
-    for (PoEntry const & entry : entries)
-        EXPECT_EQ(entry.text, "") << entry.context;
+    for (PoEntry const & entry : entries) EXPECT_EQ(entry.text, "") << entry.context;
 }
 
 TEST_P(CatalogueTests, TranslatesEveryTextOfTheProgram) {
     std::vector<PoEntry> const all = entries();
     expectKeysOfTheProgram(all);
-    for (PoEntry const & entry : all)
-        EXPECT_NE(entry.text, "") << entry.context;
+    for (PoEntry const & entry : all) EXPECT_NE(entry.text, "") << entry.context;
 }
 
 TEST_P(CatalogueTests, WordsAreNames) {
@@ -112,8 +110,7 @@ TEST_P(CatalogueTests, WordsOfTheTokenizersAndShortPrefixesStay) {
 TEST_P(CatalogueTests, ProgramReadsTheTranslations) {
     inLanguage([] {
         std::map<std::string, std::string> texts;
-        for (PoEntry const & entry : entries())
-            texts[entry.context] = entry.text;
+        for (PoEntry const & entry : entries()) texts[entry.context] = entry.text;
 #define VN_SIGN(number, name, text)
 #define VN_NO_TEXT(number, name, text)
 #define VN_WORD(number, name, text)                                                                \
@@ -141,9 +138,8 @@ TEST_P(CatalogueTests, NoConstantOrFunctionIsSpelledLikeAUnit) {
     inLanguage([] {
         for (PoEntry const & entry : entries()) {
             if (!isKeyBetween(entry.context, e_PI_CONSTANT, e_SPEED_OF_LIGHT_CONSTANT) &&
-                !isKeyBetween(entry.context, e_COS, e_RANDOM)) {
+                !isKeyBetween(entry.context, e_COS, e_RANDOM))
                 continue;
-            }
             // The least of two and a minute have one spelling in English already.
             if (entry.context == "e_MIN" && entry.text == entry.id) continue;
             EXPECT_EQ(Tokens::get()->findMatchingUnit(Text::fromUtf8(entry.text)), nullptr)

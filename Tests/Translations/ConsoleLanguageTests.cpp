@@ -1,6 +1,6 @@
 // The console in another language, with the catalogues that it finds beside itself.
 
-#include "Tests/Console/Process.h"
+#include "Tests/Support/Process.h"
 #include "Tests/Translations/TranslationsTesting.h"
 
 namespace Vn::Translations {

@@ -9,7 +9,7 @@
 
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/UnitTest.h"
-#include "Tests/CommonData/Units/FreshProcess.h"
+#include "Tests/Support/FreshProcess.h"
 #include "Tests/Translations/TranslationsTesting.h"
 
 namespace Vn::Translations {
@@ -30,9 +30,7 @@ std::string nameOf(Row const & row) {
 }
 
 // Found by the test framework.
-void PrintTo(Row const & row, std::ostream * out) {
-    *out << nameOf(row);
-}
+void PrintTo(Row const & row, std::ostream * out) { *out << nameOf(row); }
 
 // The last lookup of a unit folds case by the global locale of C++, in which a Turkish "I" isn't
 // the capital of "i".  That is all that shows.
@@ -57,9 +55,7 @@ class LocaleTests : public testing::TestWithParam<Row> {};
 INSTANTIATE_TEST_SUITE_P(Locales, LocaleTests, testing::ValuesIn(c_rows),
                          [](auto const & row) { return nameOf(row.param); });
 
-std::string localeName() {
-    return std::string(s_row->locale) + ".UTF-8";
-}
+std::string localeName() { return std::string(s_row->locale) + ".UTF-8"; }
 
 bool isInstalled(std::string const & name) {
     try {
@@ -71,11 +67,10 @@ bool isInstalled(std::string const & name) {
 }
 
 void runWorkedExpressions() {
-    if (s_row->of == Of::C) {
+    if (s_row->of == Of::C)
         std::setlocale(LC_ALL, localeName().c_str());
-    } else {
+    else
         std::locale::global(std::locale(localeName())); // which sets that of C too
-    }
     EXPECT_EQ(std::setlocale(LC_ALL, nullptr), localeName());
     StringTable::catalogueDirectory(VN_CATALOGUES);
     std::size_t checks = 0;
@@ -94,9 +89,8 @@ void runWorkedExpressions() {
 
 TEST_P(LocaleTests, WorkedExpressionsHold) {
     s_row = &GetParam();
-    if (!isInstalled(localeName())) {
+    if (!isInstalled(localeName()))
         GTEST_SKIP() << "the locale " << localeName() << " isn't installed";
-    }
     Units::expectInFreshProcess(&runWorkedExpressions);
 }
 

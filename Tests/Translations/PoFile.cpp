@@ -10,9 +10,8 @@ namespace {
 
 // A text in quotes, of which the escapes \" \\ and \n are known.
 std::string unquoted(std::string_view quoted) {
-    if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"') {
+    if (quoted.size() < 2 || quoted.front() != '"' || quoted.back() != '"')
         throw std::runtime_error("no text in quotes: " + std::string(quoted));
-    }
     std::string text;
     quoted = quoted.substr(1, quoted.size() - 2);
     for (std::size_t i = 0; i < quoted.size(); ++i) {

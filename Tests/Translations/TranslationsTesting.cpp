@@ -1,7 +1,7 @@
 #include "Tests/Translations/TranslationsTesting.h"
 
 #include "Platform/Base/StringTable.h"
-#include "Tests/CommonData/Units/FreshProcess.h"
+#include "Tests/Support/FreshProcess.h"
 
 namespace Vn::Translations {
 
@@ -37,13 +37,9 @@ bool isKeyBetween(std::string_view key, Expressions::EToken low, Expressions::ET
     return false;
 }
 
-void LanguageTest::SetUp() {
-    s_language = GetParam();
-}
+void LanguageTest::SetUp() { s_language = GetParam(); }
 
-std::string const & LanguageTest::language() {
-    return s_language;
-}
+std::string const & LanguageTest::language() { return s_language; }
 
 void LanguageTest::inLanguage(void (*check)()) {
     s_check = check;

@@ -42,9 +42,7 @@ protected:
     static std::string const & language();
 };
 
-inline std::string shown(std::wstring_view text) {
-    return '"' + Text::toUtf8(text) + '"';
-}
+inline std::string shown(std::wstring_view text) { return '"' + Text::toUtf8(text) + '"'; }
 
 } // namespace Vn::Translations
 

@@ -59,7 +59,7 @@ TEST_F(GlobalizedStringTests, IsLookedUpOnceForAllCopies) {
     EXPECT_EQ(&copy.value(), &early.value());
     EXPECT_EQ(copy.defaultText(), L"Modeling Length");
     EXPECT_EQ(modelingLength().value(), L"Modeling Length");
-    // The language in which it was looked up is no part of what it is.
+    // The language in which it was looked up isn't part of what it is.
     EXPECT_EQ(early, modelingLength());
 }
 

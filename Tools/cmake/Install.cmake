@@ -28,12 +28,11 @@ if(NOT WIN32)
   install(FILES Docs/vnconsole.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
 endif()
 
-# A header is public unless it says "Internal".  The nodes of a tree and the order of loading are of no
-# use without the headers that do.
+# A header is public unless it says "Internal" or its folder is internal.
 install(DIRECTORY Platform Server DESTINATION "${VN_INSTALL_HEADERS}" COMPONENT development
   FILES_MATCHING PATTERN "*.h"
   PATTERN "*Internal.h" EXCLUDE
-  PATTERN "Expressions/Node.h" EXCLUDE
+  REGEX "/Platform/DataModel/(File|Log)$" EXCLUDE
   PATTERN "AddIn" EXCLUDE)
 # Tables that public headers are made of.
 foreach(table IN ITEMS Expressions/Tokens.inc Units/UnitCatalogue.inc Units/UnitKinds.inc)

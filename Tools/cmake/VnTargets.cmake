@@ -81,7 +81,7 @@ function(vn_add_test name)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
 endfunction()
 
-# vn_add_catalogue(OUTPUT PO): compiles a catalogue of translations, once somebody depends on OUTPUT.
+# vn_add_catalogue(OUTPUT PO): compiles a catalogue of translations, once something depends on OUTPUT.
 find_program(MSGFMT msgfmt REQUIRED)
 function(vn_add_catalogue output po)
   cmake_path(GET output PARENT_PATH directory)

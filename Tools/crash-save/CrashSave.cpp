@@ -1,4 +1,5 @@
-// Kills a program while it saves a document, again and again, and looks at what is left; see README.md.
+// Kills a program while it saves a document, again and again, and looks at what is left; see
+// README.md.
 
 #include <cerrno>
 #include <chrono>
@@ -74,8 +75,8 @@ public:
         }
         close(pipes[1]);
 
-        // Some saves go well, and tell how long one takes.  The child dies in one that follows, or close
-        // behind it.
+        // Some saves go well, and tell how long one takes.  The child dies in one that follows, or
+        // close after it.
         using Clock = std::chrono::steady_clock;
         Entry entry{};
         std::size_t under = m_state; // the state that was being saved
@@ -134,13 +135,14 @@ private:
     void collect() {
         for (char const * const ending : {"-journal", ".saving"})
             if (fs::exists(beside(m_file, ending))) {
-                fs::path const copy = m_directory / ("left-" + std::to_string(m_random() % 20) + ending);
+                fs::path const copy =
+                    m_directory / ("left-" + std::to_string(m_random() % 20) + ending);
                 fs::copy_file(beside(m_file, ending), copy, fs::copy_options::overwrite_existing);
             }
     }
 
-    // The file is moved away, and another document takes its name; what the kill left lies there, or what an
-    // earlier one did.  The journal is given back to the file that was moved.
+    // The file is moved away, and another document takes its name; what the kill left lies there,
+    // or what an earlier one did.  The journal is given back to the file that was moved.
     bool replaceAndLook(std::size_t ended, std::size_t under) {
         fs::path const moved = m_directory / "moved.vnd";
         fs::rename(m_file, moved);
@@ -155,7 +157,8 @@ private:
         Status const saved = DocumentFile::saveAsKeeping(*asset, m_file, kept);
         if (!saved) return complain(saved.toString());
         for (char const * const ending : {"-journal", ".saving"})
-            if (fs::exists(beside(m_file, ending))) return complain("something is left beside the file");
+            if (fs::exists(beside(m_file, ending)))
+                return complain("something is left beside the file");
         ++m_replaced;
         std::size_t const state = stateOf(*asset);
         if (!look(m_file, state, state)) return false;
@@ -164,8 +167,7 @@ private:
             bool const isJournal = file.string().find("-journal.") != std::string::npos;
             if (isJournal && hasJournal)
                 fs::rename(file, beside(moved, "-journal"));
-            else if (!isJournal
-                     && (!DocumentFile::check(file, findings) || !findings.empty()))
+            else if (!isJournal && (!DocumentFile::check(file, findings) || !findings.empty()))
                 return complain(file.string() + " isn't worth keeping");
             fs::remove(file);
         }
@@ -221,7 +223,8 @@ int main(int count, char ** arguments) {
             return 1;
         }
     std::filesystem::remove_all(directory);
-    std::printf("%u kills, %u of them within a save: %u files had the document saved last, %u the one being "
+    std::printf("%u kills, %u of them within a save: %u files had the document saved last, %u the "
+                "one being "
                 "saved; %u were moved away, and another took the name\n",
                 kills, driver.within(), driver.kept(), driver.renewed(), driver.replaced());
     return 0;

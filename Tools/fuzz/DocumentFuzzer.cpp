@@ -44,7 +44,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     StrongRef<Asset> asset;
     Status const status = DocumentFile::load(s_file, nullptr, asset);
     expect(status.ok() == static_cast<bool>(asset), "a document exactly if it opens");
-    expect(status || (!status.cause().empty() && !status.subject().empty()), "a failure has a reason");
+    expect(status || (!status.cause().empty() && !status.subject().empty()),
+           "a failure has a reason");
     std::vector<std::string> findings;
     Status const checked = DocumentFile::check(s_file, findings);
     expect(checked || !checked.cause().empty(), "a failed check has a reason");
@@ -56,7 +57,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
         expect(DocumentFile::load(s_copy, nullptr, again).ok(), "what was saved opens");
         expect(Testing::dump(*again) == text, "and is the same");
         findings.clear();
-        expect(DocumentFile::check(s_copy, findings).ok() && findings.empty(), "and has no findings");
+        expect(DocumentFile::check(s_copy, findings).ok() && findings.empty(),
+               "and has no findings");
     }
     return 0;
 }

@@ -1,5 +1,5 @@
-// Writes what the fuzzer of documents starts from into a directory: real documents of a few entities, in
-// small pages, so that they are short.
+// Writes what the fuzzer of documents starts from into a directory: real documents of a few
+// entities, in small pages, so that they are short.
 
 #include <filesystem>
 #include <string>
@@ -19,9 +19,9 @@ int main(int count, char ** arguments) {
         std::filesystem::path const file = directory / std::to_string(seed);
         if (!DocumentFile::saveAs(*asset, file)) return 1;
         sqlite3 * database = nullptr;
-        bool const good = sqlite3_open(file.string().c_str(), &database) == SQLITE_OK
-            && sqlite3_exec(database, "PRAGMA page_size=512; VACUUM", nullptr, nullptr, nullptr)
-                == SQLITE_OK;
+        bool const good = sqlite3_open(file.string().c_str(), &database) == SQLITE_OK &&
+                          sqlite3_exec(database, "PRAGMA page_size=512; VACUUM", nullptr, nullptr,
+                                       nullptr) == SQLITE_OK;
         sqlite3_close(database);
         if (!good) return 1;
     }

@@ -137,9 +137,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     Fuzz::checkArchitectural(value, settings);
     Fuzz::checkDegMinSec(value, settings);
     Fuzz::checkHelpers(value, exponent);
-    for (wchar_t const * const unit : {L"cm", L"in", L"ft", L"deg", L"C", L"m/s^2", L""}) {
+    for (wchar_t const * const unit : {L"cm", L"in", L"ft", L"deg", L"C", L"m/s^2", L""})
         Fuzz::checkUnit(unit, value, settings);
-    }
     Fuzz::checkUnit(input.text(), value, settings);
     return 0;
 }

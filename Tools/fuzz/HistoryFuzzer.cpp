@@ -1,6 +1,6 @@
-// A string of operations on a document: make, list, remove, own, link, hold, let go, transactions that nest, undo, redo,
-// abort, save and load.  Each byte chooses what comes next; the laws of Tests/DataModel/DocumentWalk.h hold
-// after each operation.
+// A string of operations on a document: make, list, remove, own, link, hold, let go, transactions
+// that nest, undo, redo, abort, save and load.  Each byte chooses what comes next; the laws of
+// Tests/DataModel/DocumentWalk.h hold after each operation.
 
 #include <cstddef>
 #include <cstdint>

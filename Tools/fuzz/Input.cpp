@@ -24,8 +24,7 @@ std::uint8_t Input::byte() {
 
 int Input::wholeNumber() {
     std::uint32_t bits = 0;
-    for (int i = 0; i < 4; ++i)
-        bits = bits << 8 | byte();
+    for (int i = 0; i < 4; ++i) bits = bits << 8 | byte();
     return static_cast<int>(bits);
 }
 
@@ -37,8 +36,7 @@ short Input::smallNumber() {
 
 double Input::anyDouble() {
     std::uint64_t bits = 0;
-    for (int i = 0; i < 8; ++i)
-        bits = bits << 8 | byte();
+    for (int i = 0; i < 8; ++i) bits = bits << 8 | byte();
     return std::bit_cast<double>(bits);
 }
 
@@ -94,9 +92,7 @@ Units::UnitContext Input::context() {
     return Units::UnitContext(wide(line));
 }
 
-std::wstring Input::text() {
-    return wide(m_bytes);
-}
+std::wstring Input::text() { return wide(m_bytes); }
 
 std::wstring Input::wide(std::string_view bytes) const {
     if (!(m_flags & AnyCharacters)) return Text::fromUtf8(bytes);

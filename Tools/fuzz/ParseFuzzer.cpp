@@ -28,9 +28,8 @@ void checkFailure(std::wstring const & text, UnitContext const & context,
                "a mismatch is one");
         break;
     case EResult::expressionIsEmpty:
-        for (wchar_t const c : text) {
+        for (wchar_t const c : text)
             expect(Text::isSpace(static_cast<char32_t>(c)), "an empty expression is blank");
-        }
         break;
     case EResult::abruptTermination:
     case EResult::unitsDontEval:
@@ -73,11 +72,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     Expressions::Node * const node = Expressions::Interface::get()->parse(text, context, result);
     Fuzz::expect((node != nullptr) == (result.result() == Expressions::EResult::parsedOk),
                  "there is a tree exactly if the parse went well");
-    if (node) {
+    if (node)
         Fuzz::checkTree(node, context);
-    } else {
+    else
         Fuzz::checkFailure(text, context, result);
-    }
     Expressions::Interface::get()->destroy(node);
     return 0;
 }

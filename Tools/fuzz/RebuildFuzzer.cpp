@@ -16,8 +16,7 @@ using Units::UnitContext;
 // The meaning of a rare word depends on which units with prefixes are in use, and a text may bring
 // some of them into use.  Reading a text a few times settles what it means.
 void settle(std::wstring const & text, UnitContext const & context) {
-    for (int i = 0; i < 3; ++i)
-        Expression(text, context).textToStore();
+    for (int i = 0; i < 3; ++i) Expression(text, context).textToStore();
 }
 
 void checkTextToStore(std::wstring const & text, UnitContext const & context) {

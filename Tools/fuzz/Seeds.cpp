@@ -34,9 +34,8 @@ std::set<std::string> seeds() {
         all.insert(seed(row.context, row.expression));
         if (*row.rebuiltExpression) all.insert(seed(row.context, row.rebuiltExpression));
     }
-    for (Expressions::WorkedDisplay const & row : Expressions::workedDisplays()) {
+    for (Expressions::WorkedDisplay const & row : Expressions::workedDisplays())
         all.insert(seed(row.context, row.expression));
-    }
     return all;
 }
 
@@ -75,8 +74,7 @@ int main(int count, char ** arguments) {
     std::filesystem::create_directories(directory / "seeds");
     std::size_t number = 0;
     bool good = write(directory / "words.dict", dictionary());
-    for (std::string const & content : seeds()) {
+    for (std::string const & content : seeds())
         good = write(directory / "seeds" / std::to_string(++number), content) && good;
-    }
     return good ? 0 : 1;
 }

@@ -16,17 +16,15 @@ using namespace Expressions;
 // Where each 16-bit character of a text starts as a character in store.
 std::vector<std::size_t> storedPositions(std::wstring const & text) {
     std::vector<std::size_t> positions;
-    for (std::size_t i = 0; i < text.size(); ++i) {
+    for (std::size_t i = 0; i < text.size(); ++i)
         positions.insert(positions.end(), Text::length16({&text[i], 1}), i);
-    }
     positions.push_back(text.size());
     return positions;
 }
 
 void checkGap(std::wstring const & text, std::size_t from, std::size_t to) {
-    for (std::size_t i = from; i < to; ++i) {
+    for (std::size_t i = from; i < to; ++i)
         expect(Text::isSpace(static_cast<char32_t>(text[i])), "only white space is skipped");
-    }
 }
 
 void checkTokens(std::wstring const & text) {
@@ -65,11 +63,10 @@ void checkTokens(std::wstring const & text) {
             expect((std::isfinite(token->value) && token->value >= 0.0) || seconds,
                    "a number is finite");
         }
-        if (token->kind == TK_END || token->kind == TK_UNKNOWN) {
+        if (token->kind == TK_END || token->kind == TK_UNKNOWN)
             expect(!token->next && token->end == length, "a list ends where the text ends");
-        } else {
+        else
             expect(token->next, "nothing else ends a list");
-        }
         atNumber = token->kind == TK_NUMBER;
         end = token->end;
     }

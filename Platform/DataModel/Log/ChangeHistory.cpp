@@ -4,12 +4,12 @@
 #include <utility>
 
 #include "Platform/DataModel/EntityTableInternal.h"
-#include "Platform/DataModel/Log/ChangeHistoryInternal.h"
-#include "Platform/DataModel/Log/EntityAccessInternal.h"
-#include "Platform/DataModel/Log/LifetimesInternal.h"
-#include "Platform/DataModel/Log/LogEntriesInternal.h"
-#include "Platform/DataModel/Log/RecorderInternal.h"
-#include "Platform/DataModel/Log/ReplayInternal.h"
+#include "Platform/DataModel/Log/EntityAccess.h"
+#include "Platform/DataModel/Log/Lifetimes.h"
+#include "Platform/DataModel/Log/LogEntries.h"
+#include "Platform/DataModel/Log/Recorder.h"
+#include "Platform/DataModel/Log/Replay.h"
+#include "Platform/DataModel/Log/Step.h"
 
 namespace Vn {
 
@@ -48,10 +48,10 @@ Status ChangeHistory::move(bool undoing) {
     Steps & from = undoing ? m_undo : m_redo;
     Steps & to = undoing ? m_redo : m_undo;
     if (from.empty())
-        return Status::notFound(operation, {}, undoing ? "there is nothing to undo"
-                                                       : "there is nothing to redo");
-    // What may be refused comes first: room for the step in its new place, and for the inverse of a mixed
-    // log, which is used again and again.
+        return Status::notFound(operation, {},
+                                undoing ? "there is nothing to undo" : "there is nothing to redo");
+    // What may be refused comes first: room for the step in its new place, and for the inverse of a
+    // mixed log, which is used again and again.
     try {
         if (!m_pSpare) m_pSpare = std::make_unique<ChangeLog>(0);
         to.push_back(nullptr);
@@ -169,9 +169,8 @@ std::size_t ChangeHistory::bytes() const noexcept {
 
 void ChangeHistory::enforceLimits() {
     if (m_pLifetimes->isKilling() || m_telling) return;
-    while (m_undo.size() > 1
-           && ((m_stepLimit && m_undo.size() > m_stepLimit)
-               || (m_byteLimit && m_bytes + m_pLifetimes->bytes() > m_byteLimit))) {
+    while (m_undo.size() > 1 && ((m_stepLimit && m_undo.size() > m_stepLimit) ||
+                                 (m_byteLimit && m_bytes + m_pLifetimes->bytes() > m_byteLimit))) {
         m_baseState = m_undo.front()->m_state;
         dropOldest();
     }
@@ -193,8 +192,8 @@ bool ChangeHistory::isClean() const noexcept {
     return state() == m_cleanState;
 }
 
-// Steps that change nothing that is saved have the state of the one before.  Of several with the state that
-// was marked, the one that is nearest to the present is answered.
+// Steps that change nothing that is saved have the state of the one before.  Of several with the
+// state that was marked, the one that is nearest to the present is answered.
 std::optional<std::size_t> ChangeHistory::cleanSteps() const noexcept {
     for (std::size_t steps = m_undo.size();; --steps) {
         if ((steps ? m_undo[steps - 1]->m_state : m_baseState) == m_cleanState) return steps;
@@ -206,7 +205,8 @@ std::optional<std::size_t> ChangeHistory::cleanSteps() const noexcept {
 }
 
 std::uint32_t ChangeHistory::nextLogNumber() noexcept {
-    if (++m_lastLog == 0) { // once in four thousand million: no entity may take an old log for a new one
+    if (++m_lastLog ==
+        0) { // once in four thousand million: no entity may take an old log for a new one
         DataModel::EntityAccess::table(m_asset).forEach(
             [](Entity & entity) { DataModel::EntityAccess::state(entity).place(0, 0); });
         m_lastLog = 1;
@@ -216,11 +216,11 @@ std::uint32_t ChangeHistory::nextLogNumber() noexcept {
 
 void ChangeHistory::changedUnrecorded() noexcept {
     using DataModel::EntityAccess;
-    if (m_bReplaying || m_pLifetimes->isDropping() || EntityAccess::isLoading(m_asset)
-        || EntityAccess::isClosing(m_asset) || isInTransaction())
+    if (m_bReplaying || m_pLifetimes->isDropping() || EntityAccess::isLoading(m_asset) ||
+        EntityAccess::isClosing(m_asset) || isInTransaction())
         return;
     if (m_pLifetimes->isKilling()) return markModified(); // of a death that comes after its step
-    if (m_telling) markModified(); // the steps go once all are told
+    if (m_telling) markModified();                        // the steps go once all are told
     clear();
     m_baseState = ++m_lastState;
 }
@@ -272,7 +272,8 @@ bool ChangeHistory::commit() {
     ChangeLog * const around = step.m_pAround;
     // Room comes first: without it the transaction stays open.
     if (around && !around->words().reserve(log.words().size())) throw std::bad_alloc();
-    if (!around && m_pRecorder->takeLost()) { // what was recorded isn't all: nothing before can be reached
+    if (!around &&
+        m_pRecorder->takeLost()) { // what was recorded isn't all: nothing before can be reached
         std::unique_ptr<Step> const closed = std::move(m_open.back());
         m_open.pop_back();
         m_pRecorder->log(nullptr);
@@ -318,10 +319,12 @@ void ChangeHistory::joinLate() {
     m_pLate.reset();
 }
 
-// What hooks change now is no part of the transaction; while they are told the log stays.
+// What hooks change now isn't part of the transaction; while they are told the log stays.
 void ChangeHistory::tellCommitted(ChangeLog & log) {
     struct Telling {
-        explicit Telling(ChangeHistory & history) noexcept : m_history(history) { ++m_history.m_telling; }
+        explicit Telling(ChangeHistory & history) noexcept : m_history(history) {
+            ++m_history.m_telling;
+        }
         ~Telling() {
             if (--m_history.m_telling == 0 && std::exchange(m_history.m_bClearLater, false))
                 m_history.clear();
@@ -337,12 +340,12 @@ void ChangeHistory::join(ChangeLog & log, ChangeLog & around) {
     std::size_t const base = around.end();
     for (std::size_t end = log.end(); end; end = log.before(end)) {
         Record & record = log.record(end);
-        if (record.m_previousLog == log.number()) {
-            record.m_previousLog = around.number();
-            record.m_previous += static_cast<std::uint32_t>(base);
+        if (record.previousLog == log.number()) {
+            record.previousLog = around.number();
+            record.previous += static_cast<std::uint32_t>(base);
         }
-        if (!record.m_pEntity) continue;
-        DataModel::EntityState & state = DataModel::EntityAccess::state(*record.m_pEntity);
+        if (!record.entity) continue;
+        DataModel::EntityState & state = DataModel::EntityAccess::state(*record.entity);
         if (state.isIn(log.number()))
             state.place(around.number(), state.record() + static_cast<std::uint32_t>(base));
     }

@@ -1,4 +1,4 @@
-#include "Platform/DataModel/Log/LifetimesInternal.h"
+#include "Platform/DataModel/Log/Lifetimes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "Platform/DataModel/EntityTableInternal.h"
-#include "Platform/DataModel/Log/ChangeHistoryInternal.h"
-#include "Platform/DataModel/Log/EntityImageInternal.h"
-#include "Platform/DataModel/Log/LogEntriesInternal.h"
-#include "Platform/DataModel/Log/RecorderInternal.h"
+#include "Platform/DataModel/Log/EntityImage.h"
+#include "Platform/DataModel/Log/LogEntries.h"
+#include "Platform/DataModel/Log/Recorder.h"
+#include "Platform/DataModel/Log/Step.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
@@ -17,7 +17,9 @@ namespace Vn::DataModel {
 namespace {
 
 void nameIn(void *, Entity & entity) { stateOf(entity).name(); }
-void forgetIn(void * lifetimes, Entity & entity) { static_cast<Lifetimes *>(lifetimes)->forget(entity); }
+void forgetIn(void * lifetimes, Entity & entity) {
+    static_cast<Lifetimes *>(lifetimes)->forget(entity);
+}
 
 // A log is read from its end: the places of the records come first, where there is memory for them.
 template <class Visit>
@@ -32,7 +34,7 @@ void forEachForwards(ChangeLog & log, Visit && visit) {
     constexpr std::size_t c_ahead = 8;
     for (std::size_t i = places.size(); i--;) {
         if (i >= c_ahead)
-            __builtin_prefetch(log.record(static_cast<std::size_t>(places[i - c_ahead])).m_pEntity);
+            __builtin_prefetch(log.record(static_cast<std::size_t>(places[i - c_ahead])).entity);
         visit(static_cast<std::size_t>(places[i]));
     }
 }
@@ -62,7 +64,7 @@ void Lifetimes::unborn(Entity & entity) noexcept {
     if (stateOf(entity).names() == 0) return;
     m_history.forEachLog([&](ChangeLog & log) {
         for (std::size_t end = log.end(); end; end = log.before(end))
-            if (Record & record = log.record(end); record.m_pEntity == &entity) log.blank(end);
+            if (Record & record = log.record(end); record.entity == &entity) log.blank(end);
     });
 }
 
@@ -76,10 +78,12 @@ void Lifetimes::orphaned(Entity & entity) noexcept {
         if (EntityAccess::isClosing(m_asset)) return; // the asset ends its entities itself
         break;
     case EntityState::Dead:
-    case EntityState::Forgotten: // which a record may name again, if something owned it all the same
+    case EntityState::Forgotten: // which a record may name again, if something owned it all the
+                                 // same
         if (state.names() == 0 && !state.test(EntityState::Entombed)) end(entity);
         return;
-    default: return;
+    default:
+        return;
     }
     state.orphan();
     try {
@@ -94,8 +98,8 @@ void Lifetimes::orphaned(Entity & entity) noexcept {
 void Lifetimes::killOrphans(DataChange::ETransact transact) {
     if (m_orphans.empty() && !m_bUnlisted) return;
     // Outside a transaction, what the hooks of a death change is recorded beside the steps.
-    bool const isQuiet = !m_history.isReplaying() && !m_recorder.log()
-        && !EntityAccess::isLoading(m_asset);
+    bool const isQuiet =
+        !m_history.isReplaying() && !m_recorder.log() && !EntityAccess::isLoading(m_asset);
     if (!isQuiet) return endOrphans(transact);
     m_recorder.log(m_history.lateLog());
     endOrphans(transact);
@@ -161,13 +165,16 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
         if (layout.hasStrong()) image.visitStrong(nameIn, nullptr);
     }
     // What stands in the file and leaves no record makes the document differ from it.
-    bool const isRecorded = m_history.isReplaying()
-        || (m_recorder.log() && m_recorder.log()->isPersistent() && m_history.isInTransaction());
+    bool const isRecorded =
+        m_history.isReplaying() ||
+        (m_recorder.log() && m_recorder.log()->isPersistent() && m_history.isInTransaction());
     if (!isRecorded && state.test(EntityState::Stored)) m_history.markModified();
 
     state.die();
-    EntityAccess::strongCount(entity, entity.refCount() + 1); // hooks' references don't end it again
-    // A deletion can't be refused: what its hooks throw is dropped, but for a replay, which passes it on.
+    EntityAccess::strongCount(entity,
+                              entity.refCount() + 1); // hooks' references don't end it again
+    // A deletion can't be refused: what its hooks throw is dropped, but for a replay, which passes
+    // it on.
     try {
         entity.segment()->entityEventSource()->tellPreDelete(entity, transact);
         EntityAccess::tellPreDelete(entity);
@@ -200,12 +207,12 @@ bool Lifetimes::entomb(Entity & entity, EntityImage & image, bool mayReturn) {
     if (image.dropSame(forgetIn, this)) return true;
     try {
         auto made = std::make_unique<Tomb>();
-        made->m_pEntity = &entity;
+        made->entity = &entity;
         Tomb & tomb = *m_tombs.try_emplace(&entity, std::move(made)).first->second;
-        image.moveDifferences(tomb.m_words, forgetIn, this);
-        tomb.m_words.trim();
-        tomb.m_bytes = sizeof(Tomb) + tomb.m_words.heapBytes();
-        m_bytes += tomb.m_bytes;
+        image.moveDifferences(tomb.words, forgetIn, this);
+        tomb.words.trim();
+        tomb.bytes = sizeof(Tomb) + tomb.words.heapBytes();
+        m_bytes += tomb.bytes;
         stateOf(entity).set(EntityState::Entombed);
         return true;
     } catch (std::bad_alloc const &) {
@@ -272,23 +279,23 @@ void Lifetimes::end(Entity & entity) noexcept {
 
 // One after the other, however deep what they lead to is nested.
 void Lifetimes::giveUp(std::unique_ptr<Tomb> tomb) noexcept {
-    tomb->m_pNext = std::move(m_pGivenUp);
+    tomb->next = std::move(m_pGivenUp);
     m_pGivenUp = std::move(tomb);
     if (std::exchange(m_bGivingUp, true)) return;
     while (std::unique_ptr<Tomb> const next = std::move(m_pGivenUp)) {
-        m_pGivenUp = std::move(next->m_pNext);
+        m_pGivenUp = std::move(next->next);
         empty(*next);
-        stateOf(*next->m_pEntity).clear(EntityState::Entombed);
-        end(*next->m_pEntity);
+        stateOf(*next->entity).clear(EntityState::Entombed);
+        end(*next->entity);
     }
     m_bGivingUp = false;
 }
 
 void Lifetimes::empty(Tomb & tomb) noexcept {
     // Of the class, and so there even if the tomb of an entity leads round to it.
-    auto const & leaves = leavesOf(*tomb.m_pEntity);
-    WordBuffer & words = tomb.m_words;
-    discharge(tomb.m_bytes);
+    auto const & leaves = leavesOf(*tomb.entity);
+    WordBuffer & words = tomb.words;
+    discharge(tomb.bytes);
     visitEntries(leaves, words.data(), words.data() + words.size(), forgetIn, this);
     releaseEntries(leaves, words, 0);
 }
@@ -334,8 +341,9 @@ void Lifetimes::openTomb(Entity & entity) {
     if (!state.test(EntityState::Entombed)) return;
     auto const & leaves = leavesOf(entity);
     auto const i = m_tombs.find(&entity);
-    WordBuffer & words = i->second->m_words;
-    for (std::uint64_t const * place = words.data(), * const end = place + words.size(); place < end;) {
+    WordBuffer & words = i->second->words;
+    for (std::uint64_t const *place = words.data(), *const end = place + words.size();
+         place < end;) {
         Leaf const & leaf = leaves[entryLeaf(*place++)];
         visitStrong(
             leaf, place,
@@ -347,10 +355,11 @@ void Lifetimes::openTomb(Entity & entity) {
             this);
         restore(leaf, field(entity, leaf), place);
     }
-    visitEntries(leaves, words.data(), words.data() + words.size(),
-                 [](void *, Entity & owned) { stateOf(owned).unname(); }, nullptr);
+    visitEntries(
+        leaves, words.data(), words.data() + words.size(),
+        [](void *, Entity & owned) { stateOf(owned).unname(); }, nullptr);
     releaseEntries(leaves, words, 0);
-    discharge(i->second->m_bytes);
+    discharge(i->second->bytes);
     m_tombs.erase(i);
     state.clear(EntityState::Entombed);
 }
@@ -380,12 +389,12 @@ void Lifetimes::settle(bool isTold) {
 void Lifetimes::tellTransacted(ChangeLog & log, DataChange::ETransact transact) {
     forEachForwards(log, [&](std::size_t end) {
         Record const & record = log.record(end);
-        if (record.m_kind == ERecord::Unborn) return; // it is dead
-        if (!record.m_pEntity || !record.m_pEntity->isAlive()) return;
-        EntityState const & state = stateOf(*record.m_pEntity);
+        if (record.kind == ERecord::Unborn) return; // it is dead
+        if (!record.entity || !record.entity->isAlive()) return;
+        EntityState const & state = stateOf(*record.entity);
         // The last record about it, so that it is told once.
         if (!state.isIn(log.number()) || state.record() != end) return;
-        if (!state.test(EntityState::Returned)) tellOver(*record.m_pEntity, record.m_bBorn, transact);
+        if (!state.test(EntityState::Returned)) tellOver(*record.entity, record.isBorn, transact);
     });
     tellReturned(transact);
 }
@@ -419,7 +428,8 @@ void Lifetimes::unlistOrphans() noexcept {
 
 void Lifetimes::breakOff() noexcept {
     unlistOrphans();
-    for (StrongRef<Entity> const & revived : m_revived) stateOf(*revived).clear(EntityState::Returned);
+    for (StrongRef<Entity> const & revived : m_revived)
+        stateOf(*revived).clear(EntityState::Returned);
     for (Entity * const returned : m_returned) stateOf(*returned).clear(EntityState::Returned);
     m_returned.clear();
     m_revived.clear();
@@ -433,7 +443,7 @@ void Lifetimes::clear() noexcept {
         auto const i = m_tombs.begin();
         std::unique_ptr<Tomb> const tomb = std::move(i->second);
         m_tombs.erase(i);
-        stateOf(*tomb->m_pEntity).clear(EntityState::Entombed);
+        stateOf(*tomb->entity).clear(EntityState::Entombed);
         empty(*tomb);
     }
 }

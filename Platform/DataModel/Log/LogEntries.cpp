@@ -1,9 +1,9 @@
-#include "Platform/DataModel/Log/LogEntriesInternal.h"
+#include "Platform/DataModel/Log/LogEntries.h"
 
 #include <cstring>
 #include <new>
 
-#include "Platform/DataModel/Log/LifetimesInternal.h"
+#include "Platform/DataModel/Log/Lifetimes.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
@@ -14,7 +14,8 @@ void name(void *, Entity & entity) { stateOf(entity).name(); }
 
 } // namespace
 
-void releaseEntries(std::vector<Leaf> const & leaves, WordBuffer & words, std::size_t begin) noexcept {
+void releaseEntries(std::vector<Leaf> const & leaves, WordBuffer & words,
+                    std::size_t begin) noexcept {
     std::uint64_t const * const end = words.data() + words.size();
     for (std::uint64_t * i = words.data() + begin; i < end;) {
         Leaf const & leaf = leaves[entryLeaf(*i++)];
@@ -32,13 +33,13 @@ void visitEntries(std::vector<Leaf> const & leaves, std::uint64_t const * begin,
 Record continued(Entity & entity, ChangeLog & log) {
     EntityState const & state = stateOf(entity);
     Record record;
-    record.m_pEntity = &entity;
-    record.m_previous = state.record();
-    record.m_previousLog = state.log();
+    record.entity = &entity;
+    record.previous = state.record();
+    record.previousLog = state.log();
     if (state.isIn(log.number())) {
         Record const & last = log.record(state.record());
-        record.m_leaves = last.m_leaves;
-        record.m_bBorn = last.m_bBorn;
+        record.leaves = last.leaves;
+        record.isBorn = last.isBorn;
     }
     return record;
 }
@@ -49,23 +50,24 @@ void visitNames(ChangeLog & log, std::size_t end, VisitEntity visit, void * cont
     Record const & record = log.record(end);
     if (log.isOwning()) {
         std::uint64_t const * const words = log.payload(end);
-        switch (record.m_kind) {
+        switch (record.kind) {
         case ERecord::Changed:
-            visitEntries(leavesOf(*record.m_pEntity), words, words + record.m_words, visit, context);
+            visitEntries(leavesOf(*record.entity), words, words + record.words, visit, context);
             break;
         case ERecord::Erased:
-            visitStrongElements(leavesOf(*record.m_pEntity)[static_cast<std::size_t>(words[0])],
+            visitStrongElements(leavesOf(*record.entity)[static_cast<std::size_t>(words[0])],
                                 static_cast<std::size_t>(words[2]), words + 3, visit, context);
             break;
         case ERecord::Root:
-            if (record.m_leaves)
-                visit(context, *reinterpret_cast<Entity *>(
-                                   static_cast<std::uintptr_t>(record.m_leaves)));
+            if (record.leaves)
+                visit(context,
+                      *reinterpret_cast<Entity *>(static_cast<std::uintptr_t>(record.leaves)));
             break;
-        default: break;
+        default:
+            break;
         }
     }
-    if (record.m_pEntity) visit(context, *record.m_pEntity);
+    if (record.entity) visit(context, *record.entity);
 }
 
 void drop(ChangeLog & log, Lifetimes & lifetimes) noexcept {
@@ -80,16 +82,16 @@ void drop(ChangeLog & log, Lifetimes & lifetimes) noexcept {
         Record const & record = log.record(end);
         // Of the class, and so there even if the entity goes with its last name.
         std::vector<Leaf> const * const leaves =
-            log.isOwning() && record.m_pEntity ? &leavesOf(*record.m_pEntity) : nullptr;
+            log.isOwning() && record.entity ? &leavesOf(*record.entity) : nullptr;
         visitNames(log, end, forget, &lifetimes);
         if (!leaves) continue;
         std::uint64_t * words = log.payload(end);
-        if (record.m_kind == ERecord::Changed) {
-            for (std::uint64_t * const wordsEnd = words + record.m_words; words < wordsEnd;) {
+        if (record.kind == ERecord::Changed) {
+            for (std::uint64_t * const wordsEnd = words + record.words; words < wordsEnd;) {
                 Leaf const & leaf = (*leaves)[entryLeaf(*words++)];
                 release(leaf, words);
             }
-        } else if (record.m_kind == ERecord::Erased) {
+        } else if (record.kind == ERecord::Erased) {
             Leaf const & leaf = (*leaves)[static_cast<std::size_t>(words[0])];
             auto const count = static_cast<std::size_t>(words[2]);
             words += 3;
@@ -111,9 +113,9 @@ void recordRoot(ChangeLog & log, Segment & segment, std::string const & key, std
     payload[2] = key.size();
     std::memcpy(payload + 3, key.data(), key.size());
     Record record;
-    record.m_pEntity = nullptr; // the chains of entities don't run through roots
-    record.m_kind = ERecord::Root;
-    record.m_leaves = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(old));
+    record.entity = nullptr; // the chains of entities don't run through roots
+    record.kind = ERecord::Root;
+    record.leaves = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(old));
     if (old) log.owning();
     log.mixed();
     nameAll(log, log.close(begin, record));

@@ -1,4 +1,4 @@
-#include "Platform/DataModel/Log/RecorderInternal.h"
+#include "Platform/DataModel/Log/Recorder.h"
 
 #include <cstring>
 #include <new>
@@ -6,8 +6,8 @@
 
 #include "Platform/DataModel/ChangeHistory.h"
 #include "Platform/DataModel/EntityChange.h"
-#include "Platform/DataModel/Log/LifetimesInternal.h"
-#include "Platform/DataModel/Log/LogEntriesInternal.h"
+#include "Platform/DataModel/Log/Lifetimes.h"
+#include "Platform/DataModel/Log/LogEntries.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::DataModel {
@@ -22,7 +22,7 @@ bool isThere(Entity & entity) noexcept { return stateOf(entity).phase() < Entity
 // Appends a member with its number as the head.
 void keepWithHead(Entity & entity, std::size_t index, Leaf const & leaf, Asset const & asset,
                   WordBuffer & words) {
-    if (leaf.m_numberBytes) {
+    if (leaf.numberBytes) {
         std::uint64_t * const place = words.append(2);
         place[0] = entry(index, 1);
         place[1] = numberOf(leaf, field(entity, leaf));
@@ -75,14 +75,14 @@ void Recorder::keepMembers(EntityChange & change) {
     Entity & entity = *change.m_pEntity;
     Record const before = continued(entity, *m_pLog);
     change.m_log = m_pLog->number();
-    if (before.m_bBorn) return;
+    if (before.isBorn) return;
     auto const & leaves = leavesOf(entity);
     try {
         for (std::size_t i = 0; i < leaves.size(); ++i) {
             Leaf const & leaf = leaves[i];
-            if (!leaf.m_bUndoable || leaf.m_bInHelper || isRecorded(before.m_leaves, i)) continue;
-            if (m_pSplices && leaf.m_kind == EMemberKind::Vector
-                && splicesAnnounced(entity, static_cast<int>(i)))
+            if (!leaf.isUndoable || leaf.isInHelper || isRecorded(before.leaves, i)) continue;
+            if (m_pSplices && leaf.kind == EMemberKind::Vector &&
+                splicesAnnounced(entity, static_cast<int>(i)))
                 continue;
             keepWithHead(entity, i, leaf, m_asset, m_scratch);
             note(change.m_leaves, i);
@@ -127,11 +127,11 @@ void Recorder::record(EntityChange const & change) {
     if (!log) return;
     if (log->end() > begin) {
         if (isSaved(entity)) log->persistent();
-        record.m_kind = ERecord::Changed;
-        record.m_types = static_cast<std::uint8_t>(change.m_types);
+        record.kind = ERecord::Changed;
+        record.types = static_cast<std::uint8_t>(change.m_types);
         append(*log, begin, record);
     } else if (stateOf(entity).isIn(log->number()))
-        log->record(stateOf(entity).record()).m_types |= static_cast<std::uint8_t>(change.m_types);
+        log->record(stateOf(entity).record()).types |= static_cast<std::uint8_t>(change.m_types);
 }
 
 // Of the members kept when the bracket opened, those that differ go into the log.
@@ -142,7 +142,7 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
     std::uint64_t const * const end = m_scratch.data() + m_scratch.size();
     std::uint64_t const * place = begin;
     std::uint64_t * kept = begin; // the differences move together at the beginning
-    std::uint64_t recorded = record.m_leaves;
+    std::uint64_t recorded = record.leaves;
     bool owning = false;
     bool mixed = false;
     while (place < end) {
@@ -153,7 +153,7 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
         place += entryWords(head);
         bool const same = isStill(entity, leaf, value);
         if (same || !log || isRecorded(recorded, i)) {
-            if (leaf.m_bOwning) {
+            if (leaf.isOwning) {
                 auto * words = const_cast<std::uint64_t *>(value);
                 release(leaf, words);
             }
@@ -164,8 +164,8 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
         std::memmove(kept, value, words * sizeof(*kept));
         kept += words;
         note(recorded, i);
-        owning = owning || leaf.m_bOwning;
-        mixed = mixed || !leaf.m_numberBytes || i >= c_maskedLeaves;
+        owning = owning || leaf.isOwning;
+        mixed = mixed || !leaf.numberBytes || i >= c_maskedLeaves;
     }
     auto const words = static_cast<std::size_t>(kept - begin);
     m_scratch.truncate(change.m_snapshot + words);
@@ -177,7 +177,7 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
     }
     m_scratch.truncate(change.m_snapshot);
     log->words().push(begin, words);
-    record.m_leaves = recorded;
+    record.leaves = recorded;
     if (owning) log->owning();
     if (mixed) log->mixed();
 }
@@ -189,7 +189,7 @@ int Recorder::leafOf(Entity & entity, void const * member) {
     int const leaf = layout.find(entity, member);
     if (leaf < 0 || leaf >= c_maskedLeaves) return -1;
     Leaf const & found = layout.leaves()[static_cast<std::size_t>(leaf)];
-    return found.m_kind == EMemberKind::Vector && found.m_bUndoable ? leaf : -1;
+    return found.kind == EMemberKind::Vector && found.isUndoable ? leaf : -1;
 }
 
 bool Recorder::splicesAnnounced(Entity const & entity, int leaf) const noexcept {
@@ -224,15 +224,15 @@ void Recorder::spliced(MemberSplices const & splices, bool inserted, std::size_t
         types = outer.m_types;
     }
     Record record = continued(entity, *log);
-    if (record.m_bBorn || isRecorded(record.m_leaves, leafNumber)) return;
+    if (record.isBorn || isRecorded(record.leaves, leafNumber)) return;
     if (state.isIn(log->number())) {
         Record & last = log->record(state.record());
         // What goes on where the record before ended becomes a part of that.
         std::uint64_t * const payload = log->payload(state.record());
-        if (inserted && last.m_kind == ERecord::Inserted && payload[0] == leafNumber
-            && index >= payload[1] && index <= payload[1] + payload[2]) {
+        if (inserted && last.kind == ERecord::Inserted && payload[0] == leafNumber &&
+            index >= payload[1] && index <= payload[1] + payload[2]) {
             payload[2] += count;
-            last.m_types |= static_cast<std::uint8_t>(types);
+            last.types |= static_cast<std::uint8_t>(types);
             return;
         }
     }
@@ -254,10 +254,10 @@ void Recorder::spliced(MemberSplices const & splices, bool inserted, std::size_t
     payload[2] = count;
     if (!inserted) {
         keepElements(leaf, there, index, count, &m_asset, log->words());
-        if (leaf.m_bOwning) log->owning();
+        if (leaf.isOwning) log->owning();
     }
-    record.m_kind = inserted ? ERecord::Inserted : ERecord::Erased;
-    record.m_types = static_cast<std::uint8_t>(types);
+    record.kind = inserted ? ERecord::Inserted : ERecord::Erased;
+    record.types = static_cast<std::uint8_t>(types);
     log->mixed();
     append(*log, begin, record);
     makeRoom(*log, c_spliceWords); // for the next; if there is none, that is lost
@@ -269,9 +269,9 @@ void Recorder::recordBirth(ChangeLog & log, Entity & entity) {
     if (!makeRoom(log, c_recordWords)) throw std::bad_alloc();
     if (isSaved(entity)) log.persistent();
     Record record;
-    record.m_pEntity = &entity;
-    record.m_kind = ERecord::Born;
-    record.m_bBorn = true;
+    record.entity = &entity;
+    record.kind = ERecord::Born;
+    record.isBorn = true;
     log.mixed();
     append(log, log.end(), record);
 }

@@ -29,8 +29,7 @@ void ComponentChangeSummarizer::tell(DataChange::EChangeType type, Tell && tell)
     std::vector<IComponent *> components{m_pObject->component()};
     components.front()->collectComponents(components);
     ComponentDataChange const change(m_pObject, type);
-    for (IComponent * const component : components)
-        tell(*component, change);
+    for (IComponent * const component : components) tell(*component, change);
 }
 
 void ComponentChangeSummarizer::onPreChange(DataChange::EChangeType type) {

@@ -20,7 +20,7 @@ public:
     // in a circle.  Component objects on the way are asked for their own, by this operation; of
     // many, also those above one whose class has another answer.
     virtual IComponent * component() const;
-    // The parent as a component object; null if there is none or if it is no such object.
+    // The parent as a component object; null if there is none or if it isn't such an object.
     virtual IComponentObject * componentObjectParent() const;
     // The number of children, 0 unless the object is a managed group; and each as a component
     // object, null if it is none.  The index isn't checked.

@@ -14,8 +14,8 @@
 
 namespace Vn::Expressions {
 
-// Gives out pieces of blocks that double in size up to that of the pool.  Nothing is given back before
-// the end, and no destructor runs, so only objects that need none may live here.
+// Gives out pieces of blocks that double in size up to that of the pool.  Nothing is given back
+// before the end, and no destructor runs, so only objects that need none may live here.
 class Arena {
 public:
     // `buffer`, not owned, is used before the first block.
@@ -28,11 +28,10 @@ public:
         while (m_pBlocks) {
             Block * const block = m_pBlocks;
             m_pBlocks = block->next;
-            if (block->pooled) {
+            if (block->pooled)
                 BlockPool::give(block);
-            } else {
+            else
                 std::free(block);
-            }
         }
     }
 

@@ -1,9 +1,9 @@
 // Big blocks of memory for big trees.
 //
 // A tree of a million terms takes a hundred megabytes and gives them back a moment later.  To fetch
-// that from the system anew each time costs more than the work itself, so blocks that were given back
-// are kept for the next tree: the first few as they are, the others with their pages offered to the
-// system, which takes them when it needs memory.  Beyond a ceiling they are released.
+// that from the system anew each time costs more than the work itself, so blocks that were given
+// back are kept for the next tree: the first few as they are, the others with their pages offered
+// to the system, which takes them when it needs memory.  Beyond a ceiling they are released.
 //
 // Any thread may take and give.
 

@@ -1,6 +1,6 @@
 #include "Server/CommonData/Expressions/Expression.h"
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
 
 namespace Vn::Expressions {
 

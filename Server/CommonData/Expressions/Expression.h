@@ -44,21 +44,23 @@ public:
     // The value for the user, by default with the user's settings and in the context of the text.
     // Empty if there is none.
     std::wstring formatted(Units::EUnitDisplayMode mode = Units::ValueAndUnit) const;
-    std::wstring formatted(Units::EUnitDisplayMode mode, Units::UnitDisplaySettings const & settings,
+    std::wstring formatted(Units::EUnitDisplayMode mode,
+                           Units::UnitDisplaySettings const & settings,
                            Units::UnitContext const & display) const;
 
-    // The expression in standard spelling, by default with the factory settings.  Empty if there is no
-    // tree.
+    // The expression in standard spelling, by default with the factory settings.  Empty if there is
+    // no tree.
     std::wstring rebuilt() const;
     std::wstring rebuilt(Units::EUnitDisplayMode mode,
                          Units::UnitDisplaySettings const & settings) const;
 
     // Whether the rebuilt text reads back, in the same context, to the same value and units, shown
-    // alike, and rebuilds to itself.  Rounding in a rebuilt number can prevent that: 1/128 of an inch
-    // comes back as 1/64.
+    // alike, and rebuilds to itself.  Rounding in a rebuilt number can prevent that: 1/128 of an
+    // inch comes back as 1/64.
     bool rebuiltReadsBack() const;
 
-    // The text to store: the rebuilt text if it reads back, else the text as typed, which always does.
+    // The text to store: the rebuilt text if it reads back, else the text as typed, which always
+    // does.
     std::wstring textToStore() const;
 
     // Gives the tree to the caller, who ends it with Interface::destroy.

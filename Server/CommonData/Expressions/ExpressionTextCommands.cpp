@@ -25,11 +25,10 @@ TextCommandResult failure(std::wstring text) { return {1, std::move(text)}; }
 
 // Makes `context` that of a unit or a unit string.  False if the text is neither.
 bool readContext(std::wstring const & text, UnitContext & context) {
-    if (Units::SimpleUnit const * const unit = Tokens::get()->findMatchingUnit(text)) {
+    if (Units::SimpleUnit const * const unit = Tokens::get()->findMatchingUnit(text))
         context = UnitContext(unit);
-    } else {
+    else
         context = UnitContext(text);
-    }
     return context.hasExpectedUnits();
 }
 
@@ -82,8 +81,9 @@ private:
 
         UnitContext display = context;
         if (parameters.parameters() > 2 && !readContext(parameters.parameter(2), display)) {
-            return failure(L"The third parameter doesn't parse as display units - do you need to use "
-                           L"quotes?");
+            return failure(
+                L"The third parameter doesn't parse as display units - do you need to use "
+                L"quotes?");
         }
         if (units) {
             UnitDisplaySettings const & settings = UnitDisplaySettings::get();
@@ -94,7 +94,8 @@ private:
         }
         if (parameters.parameters() > 3) {
             answer += c_lineEnd;
-            answer += L"Did you need to use quotes so the expression came across as a single string??";
+            answer +=
+                L"Did you need to use quotes so the expression came across as a single string??";
         }
         return {0, std::move(answer)};
     }
@@ -115,9 +116,8 @@ private:
         TokenList tokens;
         TokenizerRegistry::get()->tokenize(text, tokens);
         std::wstring answer = text + L" parsed as ";
-        for (Token const * token = tokens.first(); token; token = token->next) {
+        for (Token const * token = tokens.first(); token; token = token->next)
             answer += token->text;
-        }
         return {0, std::move(answer)};
     }
 };

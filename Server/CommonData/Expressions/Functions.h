@@ -9,9 +9,27 @@ namespace Vn::Expressions {
 
 // The functions, numbered by their token less e_COS.
 enum FunctionId : unsigned char {
-    FunctionCos, FunctionAcos, FunctionCosh, FunctionSin, FunctionAsin, FunctionSinh, FunctionTan,
-    FunctionAtan, FunctionTanh, FunctionSqrt, FunctionExp, FunctionPow, FunctionLn, FunctionLog,
-    FunctionFloor, FunctionCeil, FunctionRound, FunctionAbs, FunctionSign, FunctionMax, FunctionMin,
+    FunctionCos,
+    FunctionAcos,
+    FunctionCosh,
+    FunctionSin,
+    FunctionAsin,
+    FunctionSinh,
+    FunctionTan,
+    FunctionAtan,
+    FunctionTanh,
+    FunctionSqrt,
+    FunctionExp,
+    FunctionPow,
+    FunctionLn,
+    FunctionLog,
+    FunctionFloor,
+    FunctionCeil,
+    FunctionRound,
+    FunctionAbs,
+    FunctionSign,
+    FunctionMax,
+    FunctionMin,
     FunctionRandom
 };
 

@@ -1,7 +1,8 @@
 #include "Server/CommonData/Expressions/Interface.h"
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
 #include "Server/CommonData/Expressions/ParserInternal.h"
+#include "Server/CommonData/Expressions/TreeInternal.h"
 
 namespace Vn::Expressions {
 

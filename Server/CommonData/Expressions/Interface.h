@@ -7,8 +7,8 @@
 //
 // Expression.h offers a handle that owns its tree.
 //
-// Bad input is a result, never an exception; only want of memory throws.  Different trees may be used
-// from different threads at once; one tree belongs to one thread at a time.
+// Bad input is a result, never an exception; only want of memory throws.  Different trees may be
+// used from different threads at once; one tree belongs to one thread at a time.
 
 #ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_INTERFACE_H
 #define VN_SERVER_COMMONDATA_EXPRESSIONS_INTERFACE_H
@@ -29,21 +29,21 @@ public:
     // The one engine of the process; it is never deleted.
     static Interface * get();
 
-    // The tree of `text`, owned by the caller until destroy; null on every failure, with the outcome
-    // in `result` in both cases.
+    // The tree of `text`, owned by the caller until destroy; null on every failure, with the
+    // outcome in `result` in both cases.
     Node * parse(std::wstring const & text, Units::UnitContext const & context,
                  ParseResult & result) const;
 
-    // The value in internal units.  False if it isn't finite, a divisor is nearly zero, or the domain
-    // of a function is left.
+    // The value in internal units.  False if it isn't finite, a divisor is nearly zero, or the
+    // domain of a function is left.
     bool evaluate(Node * node, double & value) const;
 
     // The units of the value.  False if they conflict.
     bool unitEvaluate(Node * node, Units::ComplexUnit & units,
                       Units::UnitContext const & context) const;
 
-    // The value for the user: in the expected units of the context, else in those that the expression
-    // was parsed with, else in its own.  Empty if it doesn't evaluate.
+    // The value for the user: in the expected units of the context, else in those that the
+    // expression was parsed with, else in its own.  Empty if it doesn't evaluate.
     std::wstring formattedValue(Node * node, Units::EUnitDisplayMode mode,
                                 Units::UnitDisplaySettings const & settings,
                                 Units::UnitContext const & context) const;

@@ -1,6 +1,7 @@
 // Evaluation: values and units.
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
+#include "Server/CommonData/Expressions/TreeInternal.h"
 
 #include <chrono>
 #include <cmath>
@@ -139,19 +140,18 @@ ComplexUnit const * divided(Tree & tree, ComplexUnit const & a, ComplexUnit cons
 
 ConstantNode::ConstantNode(Tree & tree, ComplexUnit const * defaultUnits, EToken constant,
                            ComplexUnit const * attachedUnits)
-    : NumericNode(tree, defaultUnits,
-                  attachedUnits
-                      ? attachedUnits->toInternal(Tokens::get()->getConstantValue(constant))
-                      : Tokens::get()->getConstantValue(constant),
-                  attachedUnits
-                      ? multiplied(tree, Tokens::get()->constantUnits(constant), *attachedUnits)
-                      : &Tokens::get()->constantUnits(constant)),
+    : NumericNode(
+          tree, defaultUnits,
+          attachedUnits ? attachedUnits->toInternal(Tokens::get()->getConstantValue(constant))
+                        : Tokens::get()->getConstantValue(constant),
+          attachedUnits ? multiplied(tree, Tokens::get()->constantUnits(constant), *attachedUnits)
+                        : &Tokens::get()->constantUnits(constant)),
       m_constant(constant), m_pAttachedUnits(attachedUnits) {}
 
 ComplexUnit const * ConstantNode::onUnitEvaluate(UnitContext const &) {
     // Too long a product leaves the constant without units of its own.
     return m_pAttachedUnits && ownUnits().isEmpty() && !m_pAttachedUnits->isEmpty() ? nullptr
-                                                                                   : &ownUnits();
+                                                                                    : &ownUnits();
 }
 
 // ---- One operand --------------------------------------------------------------------------------
@@ -187,9 +187,8 @@ BinaryOpNode * BinaryOpNode::leftWithoutUnits() const {
 bool BinaryOpNode::onEvaluate(double & value) {
     // From the bottom of the chain of left operands up, so that a step finds its left value there.
     boost::container::small_vector<BinaryOpNode *, 8> chain;
-    for (BinaryOpNode * op = leftWithoutValue(); op; op = op->leftWithoutValue()) {
+    for (BinaryOpNode * op = leftWithoutValue(); op; op = op->leftWithoutValue())
         chain.push_back(op);
-    }
     for (; !chain.empty(); chain.pop_back()) {
         BinaryOpNode & op = *chain.back();
         if (!op.keepValue(op.evaluateStep(value), value)) return false;
@@ -207,9 +206,8 @@ bool BinaryOpNode::evaluateStep(double & value) {
 
 ComplexUnit const * BinaryOpNode::onUnitEvaluate(UnitContext const & context) {
     boost::container::small_vector<BinaryOpNode *, 8> chain;
-    for (BinaryOpNode * op = leftWithoutUnits(); op; op = op->leftWithoutUnits()) {
+    for (BinaryOpNode * op = leftWithoutUnits(); op; op = op->leftWithoutUnits())
         chain.push_back(op);
-    }
     for (; !chain.empty(); chain.pop_back()) {
         BinaryOpNode & op = *chain.back();
         if (!op.keepUnits(op.unitEvaluateStep(context))) return nullptr;
@@ -248,9 +246,8 @@ ComplexUnit const * raised(Tree & tree, ComplexUnit const & base, double exponen
     if (exponent == 1.0) return &base;
     double const times = std::fabs(exponent);
     if (!(static_cast<double>(base.factors()) * times <=
-          static_cast<double>(Limits::c_unitFactors))) {
+          static_cast<double>(Limits::c_unitFactors)))
         return nullptr;
-    }
     if (tree.unitsExhausted()) return nullptr;
     ComplexUnit power;
     for (int i = Numeric::saturate<int>(times); i > 0; --i) power.multiplyBy(&base);
@@ -294,8 +291,7 @@ double ModuloOpNode::onCalculate(bool &, double left, double right) const {
 }
 
 ComplexUnit const * ModuloOpNode::onCalculateUnits(ComplexUnit const & left,
-                                                   ComplexUnit const & right,
-                                                   UnitContext const &) {
+                                                   ComplexUnit const & right, UnitContext const &) {
     return left.isDimensionallyEquivalent(&right) ? &left : nullptr;
 }
 
@@ -408,17 +404,25 @@ bool functionArgumentTakesDefaultUnit(FunctionId function, unsigned int argument
         units = &(prefersRadian ? radian : Units::UnitDegree::get())->asComplexUnit();
         return true;
     }
-    case Argument::None: units = &ComplexUnit::none(); return true;
-    case Argument::Inherits: break;
+    case Argument::None:
+        units = &ComplexUnit::none();
+        return true;
+    case Argument::Inherits:
+        break;
     }
     return false;
 }
 
 bool functionHasFixedResultUnit(FunctionId function, ComplexUnit const *& units) {
     switch (c_functions[function].result) {
-    case Result::Radian: units = &Units::UnitRadian::get()->asComplexUnit(); return true;
-    case Result::None: units = &ComplexUnit::none(); return true;
-    case Result::Inherits: break;
+    case Result::Radian:
+        units = &Units::UnitRadian::get()->asComplexUnit();
+        return true;
+    case Result::None:
+        units = &ComplexUnit::none();
+        return true;
+    case Result::Inherits:
+        break;
     }
     return false;
 }
@@ -445,31 +449,65 @@ bool FunctionOpNode::onEvaluate(double & value) {
     if (!operand(0).evaluate(x)) return false;
     constexpr double c_epsilon = 2.220446049250313e-15;
     switch (m_function) {
-    case FunctionCos: value = std::cos(x); return true;
-    case FunctionSin: value = std::sin(x); return true;
-    case FunctionTan: value = std::tan(x); return true;
-    case FunctionCosh: value = std::cosh(x); return true;
-    case FunctionSinh: value = std::sinh(x); return true;
-    case FunctionTanh: value = std::tanh(x); return true;
-    case FunctionAtan: value = std::atan(x); return true;
-    case FunctionSqrt: value = std::sqrt(x); return true;
-    case FunctionExp: value = std::exp(x); return true;
-    case FunctionLn: value = std::log(x); return true;
-    case FunctionLog: value = std::log10(x); return true;
+    case FunctionCos:
+        value = std::cos(x);
+        return true;
+    case FunctionSin:
+        value = std::sin(x);
+        return true;
+    case FunctionTan:
+        value = std::tan(x);
+        return true;
+    case FunctionCosh:
+        value = std::cosh(x);
+        return true;
+    case FunctionSinh:
+        value = std::sinh(x);
+        return true;
+    case FunctionTanh:
+        value = std::tanh(x);
+        return true;
+    case FunctionAtan:
+        value = std::atan(x);
+        return true;
+    case FunctionSqrt:
+        value = std::sqrt(x);
+        return true;
+    case FunctionExp:
+        value = std::exp(x);
+        return true;
+    case FunctionLn:
+        value = std::log(x);
+        return true;
+    case FunctionLog:
+        value = std::log10(x);
+        return true;
     case FunctionAcos:
     case FunctionAsin:
         if (x > 1.0 || x < -1.0) return false;
         value = m_function == FunctionAcos ? std::acos(x) : std::asin(x);
         return true;
-    case FunctionFloor: value = std::floor(x + c_epsilon); return true;
-    case FunctionCeil: value = std::ceil(x - c_epsilon); return true;
-    case FunctionRound: value = rounded(x); return true;
-    case FunctionAbs: value = std::fabs(x); return true;
-    case FunctionSign: value = x > 0.0 ? 1.0 : 0.0; return true; // deliberately no -1
+    case FunctionFloor:
+        value = std::floor(x + c_epsilon);
+        return true;
+    case FunctionCeil:
+        value = std::ceil(x - c_epsilon);
+        return true;
+    case FunctionRound:
+        value = rounded(x);
+        return true;
+    case FunctionAbs:
+        value = std::fabs(x);
+        return true;
+    case FunctionSign:
+        value = x > 0.0 ? 1.0 : 0.0;
+        return true; // deliberately no -1
     case FunctionPow:
     case FunctionMax:
-    case FunctionMin: return calculateSecond(x, value);
-    case FunctionRandom: break;
+    case FunctionMin:
+        return calculateSecond(x, value);
+    case FunctionRandom:
+        break;
     }
     return false;
 }
@@ -479,13 +517,12 @@ bool FunctionOpNode::calculateSecond(double first, double & value) {
     if (operands() < 2) return true;
     double second = 0.0;
     if (!operand(1).evaluate(second)) return false;
-    if (m_function == FunctionPow) {
+    if (m_function == FunctionPow)
         value = Numeric::power(first, second);
-    } else if (m_function == FunctionMax) {
+    else if (m_function == FunctionMax)
         value = second <= first ? first : second;
-    } else {
+    else
         value = first <= second ? first : second;
-    }
     return true;
 }
 
@@ -518,24 +555,28 @@ ComplexUnit const * FunctionOpNode::onUnitEvaluate(UnitContext const & context) 
     case FunctionSqrt:
     case FunctionExp:
     case FunctionLn:
-    case FunctionLog: return units->isUnitless() ? none : nullptr;
+    case FunctionLog:
+        return units->isUnitless() ? none : nullptr;
     case FunctionFloor:
     case FunctionCeil:
     case FunctionRound:
-    case FunctionAbs: return units;
-    case FunctionSign: return none;
+    case FunctionAbs:
+        return units;
+    case FunctionSign:
+        return none;
     case FunctionPow:
     case FunctionMax:
-    case FunctionMin: break;
-    case FunctionRandom: return none;
+    case FunctionMin:
+        break;
+    case FunctionRandom:
+        return none;
     }
     if (operands() < 2) return units;
     Node & second = operand(1);
     ComplexUnit const * const secondUnits = second.units(context);
     if (!secondUnits) return nullptr;
-    return m_function == FunctionPow
-               ? powerUnits(tree(), second, *units, *secondUnits)
-               : negotiate(argument, second, units, secondUnits, context);
+    return m_function == FunctionPow ? powerUnits(tree(), second, *units, *secondUnits)
+                                     : negotiate(argument, second, units, secondUnits, context);
 }
 
 } // namespace Vn::Expressions

@@ -6,10 +6,14 @@ namespace Vn::Expressions {
 
 std::wstring ParseResult::toString() const {
     switch (m_result) {
-    case EResult::unknownResult: return L"Unknown Result";
-    case EResult::parsedOk: return L"Success!";
-    case EResult::expressionIsEmpty: return L"Empty Expression";
-    case EResult::abruptTermination: return L"Abrupt Termination";
+    case EResult::unknownResult:
+        return L"Unknown Result";
+    case EResult::parsedOk:
+        return L"Success!";
+    case EResult::expressionIsEmpty:
+        return L"Empty Expression";
+    case EResult::abruptTermination:
+        return L"Abrupt Termination";
     case EResult::failedToParse:
         return (boost::wformat(L"Parse error at character %1%", std::locale::classic()) %
                 m_position)
@@ -19,8 +23,10 @@ std::wstring ParseResult::toString() const {
                                std::locale::classic()) %
                 m_expected.toString() % m_evaluated.toString())
             .str();
-    case EResult::unitsDontEval: return L"Units don't Evaluate";
-    case EResult::badUnitString: return L"Expected units specified incorrectly as a string";
+    case EResult::unitsDontEval:
+        return L"Units don't Evaluate";
+    case EResult::badUnitString:
+        return L"Expected units specified incorrectly as a string";
     }
     return L"Unexpected result";
 }

@@ -24,7 +24,7 @@ struct TreeDeleter {
     void operator()(Tree * tree) const { Tree::destroy(tree); }
 };
 
-// The units behind a number, while they are read.  A rule that fails gives back what it added.
+// The units after a number, while they are read.  A rule that fails gives back what it added.
 class UnitList {
 public:
     struct Mark {
@@ -105,7 +105,8 @@ private:
     [[gnu::noinline]] Node * parseParen(Token * bracket, ComplexUnit const * defaults);
     [[gnu::noinline]] Node * parseNumber(Token * number, ComplexUnit const * defaults);
     [[gnu::noinline]] Node * parseName(Token * name, ComplexUnit const * defaults);
-    [[gnu::noinline]] Node * parseFunction(Token * name, EToken function, ComplexUnit const * defaults);
+    [[gnu::noinline]] Node * parseFunction(Token * name, EToken function,
+                                           ComplexUnit const * defaults);
 
     // Works out the units and the value of a new node and returns it.  What is settled here would
     // be settled to the same end later; but so a long sum is gone through once instead of three
@@ -130,20 +131,20 @@ private:
     [[gnu::noinline]] FunctionOpNode * makeFunction(ComplexUnit const * defaults,
                                                     FunctionId function);
 
-    // Forty degrees below the zero of a scale, not below absolute zero: mirrors a number with such a
-    // unit, if `factor`, whose first token is of that kind, is one.
+    // Forty degrees below the zero of a scale, not below absolute zero: mirrors a number with such
+    // a unit, if `factor`, whose first token is of that kind, is one.
     [[gnu::noinline]] bool negatedInPlace(Node & factor, TokenKind first);
 
     // What bare numbers in the next argument of `function` take.
     [[gnu::noinline]] ComplexUnit const * argumentDefaults(FunctionOpNode const & function,
                                                            ComplexUnit const * inherited) const;
 
-    // Behind a bracket that wasn't closed: makes `bracket` the current token and, unless the list
-    // ends there, the token behind it unusable.
-    void rejectBehind(Token * token);
+    // After a bracket that wasn't closed: makes `bracket` the current token and, unless the list
+    // ends there, the token after it unusable.
+    void rejectAfter(Token * token);
 
-    Token * behind(Token * token) const { return m_rTokens.behind(token); }
-    Token * behind() const { return behind(m_pCurrent); }
+    Token * after(Token * token) const { return m_rTokens.after(token); }
+    Token * after() const { return after(m_pCurrent); }
 
     Tree & m_rTree;
     UnitContext const & m_rContext;
@@ -159,16 +160,16 @@ Node * Rules::parseExpression(Token * lookahead, ComplexUnit const * defaults) {
     Node * left = parseTerm(lookahead, defaults);
     if (!left) return nullptr;
     for (;;) {
-        Token * const op = behind();
+        Token * const op = after();
         if (!isKind(op, TK_PLUS) && !isKind(op, TK_MINUS)) return left;
         Token * const before = m_pCurrent;
-        Node * const right = parseTerm(behind(op), defaults);
+        Node * const right = parseTerm(after(op), defaults);
         if (!right) {
             m_pCurrent = before; // so that the end check reports the operator
             return left;
         }
         left = makeBinary(op->kind, defaults, left, right);
-        // At the outermost level no rule comes back to what lies behind.
+        // At the outermost level no rule comes back to what lies after.
         if (m_level == 0) m_rTokens.discardBefore(m_pCurrent);
     }
 }
@@ -177,15 +178,14 @@ Node * Rules::parseTerm(Token * lookahead, ComplexUnit const * defaults) {
     Node * left = parseFactor(lookahead, defaults);
     if (!left) return nullptr;
     for (;;) {
-        Token * const op = behind();
+        Token * const op = after();
         TokenKind const kind = op ? op->kind : TK_END;
-        if (kind != TK_MULTIPLY && kind != TK_DIVIDE && kind != TK_MODULO && kind != TK_POWER) {
+        if (kind != TK_MULTIPLY && kind != TK_DIVIDE && kind != TK_MODULO && kind != TK_POWER)
             return left;
-        }
         // Bare numbers in an exponent are always pure.
         Token * const before = m_pCurrent;
         Node * const right =
-            parseFactor(behind(op), kind == TK_POWER ? &ComplexUnit::none() : defaults);
+            parseFactor(after(op), kind == TK_POWER ? &ComplexUnit::none() : defaults);
         if (!right) {
             m_pCurrent = before;
             return left;
@@ -196,12 +196,18 @@ Node * Rules::parseTerm(Token * lookahead, ComplexUnit const * defaults) {
 
 Node * Rules::makeBinary(TokenKind op, ComplexUnit const * defaults, Node * left, Node * right) {
     switch (op) {
-    case TK_PLUS: return settled(m_rTree.make<PlusOpNode>(defaults, left, right));
-    case TK_MINUS: return settled(m_rTree.make<BinaryMinusOpNode>(defaults, left, right));
-    case TK_MULTIPLY: return settled(m_rTree.make<MultOpNode>(defaults, left, right));
-    case TK_DIVIDE: return settled(m_rTree.make<DivOpNode>(defaults, left, right));
-    case TK_MODULO: return settled(m_rTree.make<ModuloOpNode>(defaults, left, right));
-    default: return settled(m_rTree.make<PowerOpNode>(defaults, left, right));
+    case TK_PLUS:
+        return settled(m_rTree.make<PlusOpNode>(defaults, left, right));
+    case TK_MINUS:
+        return settled(m_rTree.make<BinaryMinusOpNode>(defaults, left, right));
+    case TK_MULTIPLY:
+        return settled(m_rTree.make<MultOpNode>(defaults, left, right));
+    case TK_DIVIDE:
+        return settled(m_rTree.make<DivOpNode>(defaults, left, right));
+    case TK_MODULO:
+        return settled(m_rTree.make<ModuloOpNode>(defaults, left, right));
+    default:
+        return settled(m_rTree.make<PowerOpNode>(defaults, left, right));
     }
 }
 
@@ -213,11 +219,16 @@ Node * Rules::makeUnary(TokenKind op, ComplexUnit const * defaults, Node * opera
 Node * Rules::parseFactor(Token * lookahead, ComplexUnit const * defaults) {
     if (!lookahead || m_pTooDeep) return nullptr;
     switch (lookahead->kind) {
-    case TK_NUMBER: return parseNumber(lookahead, defaults);
-    case TK_NAME: return parseName(lookahead, defaults);
-    case TK_LEFT_PAREN: return parseParen(lookahead, defaults);
-    case TK_MINUS: return parseMinus(lookahead, defaults);
-    default: return nullptr;
+    case TK_NUMBER:
+        return parseNumber(lookahead, defaults);
+    case TK_NAME:
+        return parseName(lookahead, defaults);
+    case TK_LEFT_PAREN:
+        return parseParen(lookahead, defaults);
+    case TK_MINUS:
+        return parseMinus(lookahead, defaults);
+    default:
+        return nullptr;
     }
 }
 
@@ -239,9 +250,9 @@ Node * Rules::settled(Node * node) {
 Node * Rules::parseMinus(Token * minus, ComplexUnit const * defaults) {
     if (!enter(minus)) return nullptr;
     m_pCurrent = minus;
-    Node * const factor = parseFactor(behind(minus), defaults);
+    Node * const factor = parseFactor(after(minus), defaults);
     leave();
-    if (!factor || negatedInPlace(*factor, behind(minus)->kind)) return factor;
+    if (!factor || negatedInPlace(*factor, after(minus)->kind)) return factor;
     return makeUnary(TK_MINUS, defaults, factor);
 }
 
@@ -258,29 +269,29 @@ bool Rules::negatedInPlace(Node & factor, TokenKind first) {
     return true;
 }
 
-void Rules::rejectBehind(Token * token) {
+void Rules::rejectAfter(Token * token) {
     m_pCurrent = token;
     if (isEnd(token)) return;
-    if (Token * const next = behind(token); next && !isEnd(next)) next->kind = TK_UNKNOWN;
+    if (Token * const next = after(token); next && !isEnd(next)) next->kind = TK_UNKNOWN;
 }
 
 Node * Rules::parseParen(Token * bracket, ComplexUnit const * defaults) {
     if (!enter(bracket)) return nullptr;
     m_pCurrent = bracket;
-    Node * const inner = parseExpression(behind(bracket), defaults);
+    Node * const inner = parseExpression(after(bracket), defaults);
     leave();
     if (!inner) return nullptr;
-    if (isKind(behind(), TK_RIGHT_PAREN)) {
-        m_pCurrent = behind();
+    if (isKind(after(), TK_RIGHT_PAREN)) {
+        m_pCurrent = after();
         return makeUnary(TK_LEFT_PAREN, defaults, inner);
     }
-    rejectBehind(bracket);
+    rejectAfter(bracket);
     return nullptr;
 }
 
 Node * Rules::parseNumber(Token * number, ComplexUnit const * defaults) {
     m_pCurrent = number;
-    ComplexUnit const * const units = parseUnits(behind(number));
+    ComplexUnit const * const units = parseUnits(after(number));
     NumericNode * const node = m_rTree.make<NumericNode>(
         defaults, units ? units->toInternal(number->value) : number->value, units);
     node->format(number->format);
@@ -289,18 +300,16 @@ Node * Rules::parseNumber(Token * number, ComplexUnit const * defaults) {
 
 Node * Rules::parseName(Token * name, ComplexUnit const * defaults) {
     Tokens const & tokens = *Tokens::get();
-    if (EToken const function = tokens.getFunctionToken(name->text); function != e_NONE) {
+    if (EToken const function = tokens.getFunctionToken(name->text); function != e_NONE)
         return parseFunction(name, function, defaults);
-    }
     if (EToken const constant = tokens.getConstantToken(name->text); constant != e_NONE) {
         name->kind = TK_CONSTANT;
         m_pCurrent = name;
-        return m_rTree.make<ConstantNode>(defaults, constant, parseUnits(behind(name)));
+        return m_rTree.make<ConstantNode>(defaults, constant, parseUnits(after(name)));
     }
     ComplexUnit const * const units = parseUnits(name);
     if (!units) return nullptr;
-    NumericNode * const node =
-        m_rTree.make<NumericNode>(defaults, units->toInternal(1.0), units);
+    NumericNode * const node = m_rTree.make<NumericNode>(defaults, units->toInternal(1.0), units);
     node->unitOnly(true);
     return node;
 }
@@ -326,28 +335,27 @@ FunctionOpNode * Rules::makeFunction(ComplexUnit const * defaults, FunctionId fu
 Node * Rules::parseCall(Token * name, FunctionId function, ComplexUnit const * defaults) {
     name->kind = TK_FUNCTION;
     FunctionOpNode * const node = makeFunction(defaults, function);
-    Token * const bracket = behind(name);
-    if (!isKind(bracket, TK_LEFT_PAREN) || isEnd(behind(bracket))) return nullptr;
+    Token * const bracket = after(name);
+    if (!isKind(bracket, TK_LEFT_PAREN) || isEnd(after(bracket))) return nullptr;
     m_pCurrent = bracket;
     for (;;) {
-        Node * const argument = parseExpression(behind(), argumentDefaults(*node, defaults));
+        Node * const argument = parseExpression(after(), argumentDefaults(*node, defaults));
         if (!argument) break;
         node->append(argument);
-        if (!isKind(behind(), TK_SEMICOLON)) break;
-        m_pCurrent = behind();
+        if (!isKind(after(), TK_SEMICOLON)) break;
+        m_pCurrent = after();
     }
     if (node->operands() != functionArity(function)) return nullptr;
     // A missing bracket at the end of the text is accepted.
-    if (isKind(behind(), TK_RIGHT_PAREN)) m_pCurrent = behind();
+    if (isKind(after(), TK_RIGHT_PAREN)) m_pCurrent = after();
     return settled(node);
 }
 
 ComplexUnit const * Rules::parseUnits(Token * lookahead) {
-    // Most numbers have nothing behind them that could be a unit.
+    // Most numbers have nothing after them that could be a unit.
     if (!isKind(lookahead, TK_NAME) && !isKind(lookahead, TK_UNIT) &&
-        !isKind(lookahead, TK_LEFT_PAREN)) {
+        !isKind(lookahead, TK_LEFT_PAREN))
         return nullptr;
-    }
     m_units.clear();
     if (parseUnitExpression(lookahead, false) == 0) return nullptr;
     // Once units conflict the tree is lost, and what it would have held isn't needed.
@@ -359,10 +367,10 @@ unsigned int Rules::parseUnitExpression(Token * lookahead, bool inverted) {
     unsigned int count = parseUnitTerm(lookahead, inverted);
     if (count == 0) return 0;
     for (;;) {
-        Token * const op = behind();
+        Token * const op = after();
         bool const divide = isKind(op, TK_DIVIDE);
         if (!divide && !isKind(op, TK_MULTIPLY)) return count;
-        unsigned int const taken = parseUnitTerm(behind(op), inverted != divide);
+        unsigned int const taken = parseUnitTerm(after(op), inverted != divide);
         if (taken == 0) return count; // the operator is for the enclosing expression
         count += taken + 1;
     }
@@ -372,7 +380,7 @@ unsigned int Rules::parseUnitTerm(Token * lookahead, bool inverted) {
     unsigned int count = 0;
     while (unsigned int const taken = parseUnitPower(lookahead, inverted)) {
         count += taken;
-        lookahead = behind();
+        lookahead = after();
     }
     return count;
 }
@@ -380,9 +388,9 @@ unsigned int Rules::parseUnitTerm(Token * lookahead, bool inverted) {
 unsigned int Rules::parseUnitPower(Token * lookahead, bool inverted) {
     UnitList::Mark const mark = m_units.mark();
     unsigned int const count = parseUnitAtom(lookahead, inverted);
-    if (count == 0 || !isKind(behind(), TK_POWER)) return count;
-    Token * const power = behind();
-    Token * const number = behind(power);
+    if (count == 0 || !isKind(after(), TK_POWER)) return count;
+    Token * const power = after();
+    Token * const number = after(power);
     double const exponent = isKind(number, TK_NUMBER) ? number->value : 0.0;
     double const more = static_cast<double>(m_units.factorsSince(mark)) * (exponent - 1.0);
     if (exponent > 0.0 && exponent == std::floor(exponent) &&
@@ -416,26 +424,26 @@ unsigned int Rules::parseUnitAtom(Token * lookahead, bool inverted) {
 unsigned int Rules::parseUnitBracket(Token * bracket, bool inverted) {
     Token * const before = m_pCurrent;
     UnitList::Mark const mark = m_units.mark();
-    unsigned int const count = parseUnitExpression(behind(bracket), inverted);
+    unsigned int const count = parseUnitExpression(after(bracket), inverted);
     if (count == 0) return 0;
-    if (isKind(behind(), TK_RIGHT_PAREN)) {
-        m_pCurrent = behind();
+    if (isKind(after(), TK_RIGHT_PAREN)) {
+        m_pCurrent = after();
         return count + 2;
     }
     m_units.giveBack(mark);
-    rejectBehind(before);
+    rejectAfter(before);
     return 0;
 }
 
 // The end check: whether the text was consumed to its end; otherwise says what happened.
-bool consumedAll(Node const * root, Token const * current, Token const * behind,
+bool consumedAll(Node const * root, Token const * current, Token const * after,
                  ParseResult & result) {
-    if (current->kind == TK_END || !behind) {
+    if (current->kind == TK_END || !after) {
         result.abruptTermination();
         return false;
     }
-    if (!isEnd(behind)) {
-        result.failedToParse(behind->start);
+    if (!isEnd(after)) {
+        result.failedToParse(after->start);
         return false;
     }
     if (!root) result.abruptTermination();
@@ -465,9 +473,8 @@ bool settleUnits(Node & root, UnitContext const & context, ComplexUnit const * e
         result.unitMismatch(*expected, *units);
         return false;
     }
-    if (context.hasExpectedUnits() && !root.defaultUnits().isIdentical(expected)) {
+    if (context.hasExpectedUnits() && !root.defaultUnits().isIdentical(expected))
         root.setDefaultUnits(*expected);
-    }
     result.parsedOk();
     return true;
 }
@@ -483,7 +490,7 @@ Node * Parser::parse(std::wstring_view text, UnitContext const & context,
                      ComplexUnit const * expected, ParseResult & result) const {
     TokenList list;
     TokenStream tokens(text, list);
-    Token * const first = tokens.behind(list.first());
+    Token * const first = tokens.after(list.first());
     if (isEnd(first)) {
         result.expressionIsEmpty();
         return nullptr;
@@ -497,9 +504,7 @@ Node * Parser::parse(std::wstring_view text, UnitContext const & context,
         result.failedToParse(rules.tooDeep()->start);
         return nullptr;
     }
-    if (!consumedAll(root, rules.current(), tokens.behind(rules.current()), result)) {
-        return nullptr;
-    }
+    if (!consumedAll(root, rules.current(), tokens.after(rules.current()), result)) return nullptr;
     if (rules.conflict()) {
         result.unitsDontEval();
         return nullptr;

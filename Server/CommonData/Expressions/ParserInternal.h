@@ -18,7 +18,7 @@
 // left.  Values are never multiplied by standing next to each other; units are.
 //
 // On success a rule leaves in the current token the last one that it consumed.  Where a rule fails
-// for good behind something that it had accepted, it marks the offending token unknown, so that
+// for good after something that it had accepted, it marks the offending token unknown, so that
 // nothing else takes it and the failure is reported there.
 
 #ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_PARSERINTERNAL_H
@@ -26,8 +26,9 @@
 
 #include <string_view>
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
 #include "Server/CommonData/Expressions/ParseResult.h"
+#include "Server/CommonData/Expressions/TreeInternal.h"
 
 namespace Vn::Expressions {
 

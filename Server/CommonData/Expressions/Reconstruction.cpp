@@ -83,11 +83,10 @@ void NumericNode::onReconstruct(Reconstruction & out, ComplexUnit const * units)
     own.degreeDisplay(m_format.degreeDisplay);
     EUnitDisplayMode mode = out.mode();
     if (m_bUnitOnly && mode == Units::ValueAndUnit) mode = Units::UnitOnly;
-    if (units && m_pOwnUnits->isEmpty()) {
+    if (units && m_pOwnUnits->isEmpty())
         units->appendReconstruction(out.text(), units->toInternal(m_value), mode, own);
-    } else {
+    else
         m_pOwnUnits->appendReconstruction(out.text(), m_value, mode, own);
-    }
 }
 
 void ConstantNode::onReconstruct(Reconstruction & out, ComplexUnit const *) {

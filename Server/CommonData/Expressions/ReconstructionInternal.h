@@ -1,8 +1,8 @@
 // The writing of an expression's text, from a list of pieces that nodes give.
 //
-// Each node gives its own pieces (signs, operands, units) in the order in which they are read; a piece
-// that is an operand is replaced by the pieces of that operand when its turn comes.  So the depth of a
-// tree costs no stack.
+// Each node gives its own pieces (signs, operands, units) in the order in which they are read; a
+// piece that is an operand is replaced by the pieces of that operand when its turn comes.  So the
+// depth of a tree costs no stack.
 
 #ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_RECONSTRUCTIONINTERNAL_H
 #define VN_SERVER_COMMONDATA_EXPRESSIONS_RECONSTRUCTIONINTERNAL_H
@@ -11,7 +11,7 @@
 
 #include <boost/container/small_vector.hpp>
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
 
 namespace Vn::Expressions {
 

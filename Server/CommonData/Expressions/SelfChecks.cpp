@@ -28,10 +28,10 @@ public:
 
     bool value(double got, double wanted, wchar_t const * what) {
         bool const same = essentiallyEqual(got, wanted);
-        return m_rTest.Assert(same, same ? std::wstring()
-                                         : (boost::wformat(L"%1%: %2%, not %3%") % rowText(what) %
-                                            got % wanted)
-                                               .str());
+        return m_rTest.Assert(
+            same,
+            same ? std::wstring()
+                 : (boost::wformat(L"%1%: %2%, not %3%") % rowText(what) % got % wanted).str());
     }
 
     // An empty text isn't pinned.
@@ -71,15 +71,13 @@ void checkRow(UnitTest & test, WorkedExpression const & row) {
     Expression const expression(row.expression, context);
     if (!check.that(static_cast<bool>(expression) == row.parsed,
                     row.parsed ? L"parses" : L"doesn't parse") ||
-        !expression) {
+        !expression)
         return;
-    }
     std::optional<double> const value = expression.value();
     if (!check.that(value.has_value() == row.evaluates,
                     row.evaluates ? L"evaluates" : L"doesn't evaluate") ||
-        !value) {
+        !value)
         return;
-    }
     check.value(*value, row.value, L"value");
     UnitContext const display =
         row.displayUnit[0] ? UnitContext(std::wstring(row.displayUnit)) : context;
@@ -92,9 +90,9 @@ void checkRow(UnitTest & test, WorkedExpression const & row) {
 
 void basicExpressionTests(UnitTest & test) {
     for (WorkedExpression const & row : workedExpressions()) checkRow(test, row);
-    test.note((boost::wformat(L"%1% rows, each rebuilt text read again") %
-               workedExpressions().size())
-                  .str());
+    test.note(
+        (boost::wformat(L"%1% rows, each rebuilt text read again") % workedExpressions().size())
+            .str());
 }
 
 void unitDisplaySettingsTests(UnitTest & test) {

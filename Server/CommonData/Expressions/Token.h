@@ -16,7 +16,7 @@ namespace Vn::Expressions {
 enum TokenKind : unsigned char {
     TK_UNKNOWN = 0, // nothing recognises the text; the parser also marks unusable tokens with it
     TK_START = 1,   // in front of every list; has no text
-    TK_END = 2,     // behind every list that reached the end of the text; has no text
+    TK_END = 2,     // after every list that reached the end of the text; has no text
     TK_PLUS = 3,
     TK_MINUS = 4,
     TK_MULTIPLY = 5,
@@ -72,7 +72,7 @@ public:
     Token * first() const { return m_pFirst; }
     Token * last() const { return m_pLast; }
 
-    // A new token behind the last.
+    // A new token after the last.
     Token * append(TokenKind kind) {
         if (m_used == c_tokensPerChunk) addChunk();
         Token * const token = ::new (m_pLastChunk->tokens + m_used++) Token;

@@ -23,12 +23,12 @@ namespace Vn::Expressions {
 // What a form reads at a place: a number or a name, and perhaps the name of a unit that a mark
 // stands for, which lies on the last character.
 struct Reading {
-    std::size_t length = 0; // 0: the form doesn't match
-    TokenKind kind = TK_NUMBER; // or TK_NAME
+    std::size_t length = 0;          // 0: the form doesn't match
+    TokenKind kind = TK_NUMBER;      // or TK_NAME
     EToken madeUpName = e_NONE;      // the unit of the mark, if there is one
     bool textEndsBeforeMark = false; // the token of the number leaves out the last character
-    NumberFormat format; // of a number
-    double value = 0.0;  // of a number, in the unit as typed
+    NumberFormat format;             // of a number
+    double value = 0.0;              // of a number, in the unit as typed
 };
 
 // One form of numbers or names.
@@ -60,12 +60,12 @@ public:
     // The one registry of the process.
     static TokenizerRegistry * get();
 
-    // The longest reading at `position` of those that the tokenizers offer, and among equals the one
-    // of the tokenizer that joined first.
+    // The longest reading at `position` of those that the tokenizers offer, and among equals the
+    // one of the tokenizer that joined first.
     Reading readLongest(std::wstring_view text, std::size_t position) const;
 
-    // Appends to `list`, which must be empty, all tokens of `text`: TK_START, the tokens, and TK_END
-    // if the text was recognised to its end.
+    // Appends to `list`, which must be empty, all tokens of `text`: TK_START, the tokens, and
+    // TK_END if the text was recognised to its end.
     void tokenize(std::wstring_view text, TokenList & list) const;
 
 private:
@@ -82,12 +82,12 @@ private:
 // The tokens of a text, made as they are asked for.
 class VN_COMMONDATA_API TokenStream {
 public:
-    // Appends to `list`, which must be empty and must outlive the stream, as must the text.  The first
-    // token, of kind TK_START, is there at once.
+    // Appends to `list`, which must be empty and must outlive the stream, as must the text.  The
+    // first token, of kind TK_START, is there at once.
     TokenStream(std::wstring_view text, TokenList & list);
 
-    // The token behind `token`; null behind the last.
-    Token * behind(Token * token) {
+    // The token after `token`; null after the last.
+    Token * after(Token * token) {
         if (!token->next && !m_finished) readNext();
         return token->next;
     }

@@ -66,9 +66,8 @@ public:
     std::size_t readDigits(double & value) {
         std::size_t const start = m_position;
         double sum = 0.0;
-        for (; m_position < m_text.size() && isDigit(m_text[m_position]); ++m_position) {
+        for (; m_position < m_text.size() && isDigit(m_text[m_position]); ++m_position)
             sum = sum * 10.0 + (m_text[m_position] - L'0');
-        }
         value = sum;
         return m_position - start;
     }
@@ -95,7 +94,7 @@ public:
         return false;
     }
 
-    // Reads digits and decimals behind either separator.  Returns whether there were any digits.
+    // Reads digits and decimals after either separator.  Returns whether there were any digits.
     bool readDecimal(double & value, std::size_t & decimals) {
         std::size_t digits = readDigits(value);
         decimals = 0;
@@ -122,14 +121,22 @@ short saturatedShort(std::size_t count) {
 // The count of decimals that write 1 over a power of two exactly, 8 at most.
 short fractionDigits(double denominator) {
     switch (Numeric::saturate<int>(denominator)) {
-    case 2: return 1;
-    case 4: return 2;
-    case 8: return 3;
-    case 16: return 4;
-    case 32: return 5;
-    case 64: return 6;
-    case 128: return 7;
-    default: return 8;
+    case 2:
+        return 1;
+    case 4:
+        return 2;
+    case 8:
+        return 3;
+    case 16:
+        return 4;
+    case 32:
+        return 5;
+    case 64:
+        return 6;
+    case 128:
+        return 7;
+    default:
+        return 8;
     }
 }
 
@@ -148,9 +155,8 @@ private:
         Reader in(text, position);
         if (!isDigit(text[position]) &&
             !(isDecimalSeparator(text[position]) && position + 1 < text.size() &&
-              isDigit(text[position + 1]))) {
+              isDigit(text[position + 1])))
             return {};
-        }
         double whole = 0.0;
         double fraction = 0.0;
         std::size_t decimals = 0;
@@ -175,15 +181,14 @@ private:
                 whole /= 10.0;
             }
         }
-        if (!Units::Utils::isFiniteNumber(reading.value)) {
+        if (!Units::Utils::isFiniteNumber(reading.value))
             reading.value = std::numeric_limits<double>::max();
-        }
         setPrecision(reading, saturatedShort(decimals));
         reading.length = in.position() - position;
         return reading;
     }
 
-    // What stands behind the "E".  False if that isn't an exponent, and the whole no number.
+    // What stands after the "E".  False if that isn't an exponent, and the whole no number.
     static bool readExponent(Reader & in, double & exponent) {
         if (in.atEnd()) return false;
         std::size_t const sign = in.position();
@@ -244,9 +249,9 @@ private:
         bool inchesOnly = false;
         if (in.take(L'\'')) {
             feet = first;
-            std::size_t const behindMark = in.position();
+            std::size_t const afterMark = in.position();
             if (!readInches(in, inches, numerator, denominator)) {
-                in.position(behindMark);
+                in.position(afterMark);
                 inches = numerator = denominator = 0.0;
             }
         } else {
@@ -273,7 +278,7 @@ private:
         return reading;
     }
 
-    // What stands behind the mark of feet.  False if that isn't inches with their mark.
+    // What stands after the mark of feet.  False if that isn't inches with their mark.
     static bool readInches(Reader & in, double & inches, double & numerator, double & denominator) {
         if (in.atEnd()) return false;
         in.skipSpace();
@@ -311,11 +316,11 @@ private:
         in.skipSpace();
         if (!in.take(L'\'')) return {};
 
-        std::size_t const behindMark = in.position();
+        std::size_t const afterMark = in.position();
         double seconds = 0.0;
         std::size_t precision = 1;
         if (!readSeconds(in, seconds, precision)) {
-            in.position(behindMark);
+            in.position(afterMark);
             seconds = 0.0;
             precision = 1;
         }
@@ -328,17 +333,16 @@ private:
         return reading;
     }
 
-    // What stands behind the mark of minutes.  False if the mark of seconds is missing; the seconds
+    // What stands after the mark of minutes.  False if the mark of seconds is missing; the seconds
     // themselves may be.
     static bool readSeconds(Reader & in, double & seconds, std::size_t & precision) {
         in.skipSpace();
         std::size_t const start = in.position();
         std::size_t decimals = 0;
-        if (in.readDecimal(seconds, decimals)) {
+        if (in.readDecimal(seconds, decimals))
             precision = decimals + 2;
-        } else {
-            in.position(start); // a lone separator is no seconds
-        }
+        else
+            in.position(start); // a lone separator doesn't make seconds
         in.skipSpace();
         return in.take(L'"');
     }
@@ -368,17 +372,28 @@ TokenizerNFUC const s_nfuc VN_LOAD_EXPRESSION_TABLES;
 
 TokenKind operatorKind(wchar_t c) {
     switch (c) {
-    case L'%': return TK_MODULO;
-    case L'(': return TK_LEFT_PAREN;
-    case L')': return TK_RIGHT_PAREN;
-    case L'*': return TK_MULTIPLY;
-    case L'+': return TK_PLUS;
-    case L'-': return TK_MINUS;
-    case L'/': return TK_DIVIDE;
-    case L';': return TK_SEMICOLON;
-    case L'=': return TK_EQUALS;
-    case L'^': return TK_POWER;
-    default: return TK_UNKNOWN;
+    case L'%':
+        return TK_MODULO;
+    case L'(':
+        return TK_LEFT_PAREN;
+    case L')':
+        return TK_RIGHT_PAREN;
+    case L'*':
+        return TK_MULTIPLY;
+    case L'+':
+        return TK_PLUS;
+    case L'-':
+        return TK_MINUS;
+    case L'/':
+        return TK_DIVIDE;
+    case L';':
+        return TK_SEMICOLON;
+    case L'=':
+        return TK_EQUALS;
+    case L'^':
+        return TK_POWER;
+    default:
+        return TK_UNKNOWN;
     }
 }
 
@@ -392,9 +407,7 @@ int firstOf(wchar_t c) {
 
 // ---- Tokenizer ----------------------------------------------------------------------------------
 
-Tokenizer::Tokenizer(int first) {
-    TokenizerRegistry::get()->m_tokenizers.push_back({this, first});
-}
+Tokenizer::Tokenizer(int first) { TokenizerRegistry::get()->m_tokenizers.push_back({this, first}); }
 
 Tokenizer::~Tokenizer() {
     std::erase_if(TokenizerRegistry::get()->m_tokenizers,
@@ -421,8 +434,7 @@ Reading TokenizerRegistry::readLongest(std::wstring_view text, std::size_t posit
 
 void TokenizerRegistry::tokenize(std::wstring_view text, TokenList & list) const {
     TokenStream stream(text, list);
-    while (stream.behind(list.last())) {
-    }
+    while (stream.after(list.last())) {}
 }
 
 // ---- TokenStream --------------------------------------------------------------------------------

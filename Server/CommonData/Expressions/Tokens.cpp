@@ -20,8 +20,8 @@ namespace {
 constexpr double c_constants[] = {3.141592653589793, 2.718281828459045, 980.665, 29979245800.0};
 
 constexpr double c_magnitudes[] = {
-    1e18,  1e18,  1e15, 1e15, 1e12, 1e12, 1e9, 1e9,   1e6,   1e6,   1e3,   // exa to kilo
-    1e3,   100,   100,  10,   10,   10,   0.1, 0.1,   0.01,  0.01,  0.001, // kilo to milli
+    1e18,  1e18,  1e15,  1e15,  1e12,  1e12,  1e9,   1e9,   1e6,   1e6,   1e3,   // exa to kilo
+    1e3,   100,   100,   10,    10,    10,    0.1,   0.1,   0.01,  0.01,  0.001, // kilo to milli
     0.001, 1e-06, 1e-06, 1e-09, 1e-09, 1e-12, 1e-12, 1e-15, 1e-15, 1e-18, 1e-18};
 static_assert(std::size(c_magnitudes) == e_ATTO_ABBR - e_EXA + 1);
 
@@ -49,8 +49,8 @@ ConstantUnits const & allConstantUnits() {
     return s_constantUnits.get([] { return new ConstantUnits; });
 }
 
-Initializer const s_initializeConstantUnits
-    VN_LOAD_CONSTANT_UNITS(&Tokens::initializeConstantUnits);
+Initializer const
+    s_initializeConstantUnits VN_LOAD_CONSTANT_UNITS(&Tokens::initializeConstantUnits);
 
 } // namespace
 
@@ -82,18 +82,16 @@ void Tokens::buildReverseMap() {
 }
 
 void Tokens::tokensFromString(std::wstring_view text, std::vector<EToken> & tokens) const {
-    if (auto const found = m_tokens.find(text); found != m_tokens.end()) {
+    if (auto const found = m_tokens.find(text); found != m_tokens.end())
         tokens.insert(tokens.end(), found->second.begin(), found->second.end());
-    }
 }
 
 EToken Tokens::tokenFromString(std::wstring_view text, EToken low, EToken high) const {
     if (text.size() > m_longest) return e_NONE;
     auto const found = m_tokens.find(text);
     if (found == m_tokens.end()) return e_NONE;
-    for (EToken const token : found->second) {
+    for (EToken const token : found->second)
         if (token >= low && token <= high) return token;
-    }
     return e_NONE;
 }
 
@@ -147,9 +145,8 @@ Units::SimpleUnit const * Tokens::findMatchingUnit(std::wstring_view name) const
     if (unit && prefix.empty()) return unit;
     if (unit && unit->supportsMagnitude()) {
         // The magnitude of the unit that was found is dropped: "kcm" is a kilometre.
-        if (EToken const magnitude = getMagnitudeToken(prefix); magnitude != e_NONE) {
+        if (EToken const magnitude = getMagnitudeToken(prefix); magnitude != e_NONE)
             return registry.findOrClone(unit->identifier(), getMagnitudeValue(magnitude));
-        }
     }
     return registry.findCaseInsensitive(name);
 }
@@ -168,9 +165,8 @@ bool Tokens::invalidNameCharsInStr(std::wstring_view text, std::size_t & positio
         return isNameBreak(c, allowSymbols) || Text::isSpace(static_cast<char32_t>(c));
     };
     if (ends(text[position]) || Text::isDigit(static_cast<char32_t>(text[position]))) return true;
-    while (++position < text.size()) {
+    while (++position < text.size())
         if (ends(text[position])) return true;
-    }
     return false;
 }
 
@@ -183,8 +179,8 @@ bool Tokens::invalidNameCharsInStr(std::wstring_view text, unsigned & position,
                                    bool allowSymbols) const {
     std::size_t reached = position;
     bool const invalid = invalidNameCharsInStr(text, reached, allowSymbols);
-    position = static_cast<unsigned>(
-        std::min<std::size_t>(reached, std::numeric_limits<unsigned>::max()));
+    position =
+        static_cast<unsigned>(std::min<std::size_t>(reached, std::numeric_limits<unsigned>::max()));
     return invalid;
 }
 

@@ -3,7 +3,7 @@
 //
 // Words come from the string table "VnCommonData", so a translation of the table changes what the
 // user types and reads.  They are read once, when the object is first asked for; the language of a
-// process can't change after that.  Lookups compare exactly: "pi" is no constant.
+// process can't change after that.  Lookups compare exactly: "pi" isn't a constant.
 
 #ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_TOKENS_H
 #define VN_SERVER_COMMONDATA_EXPRESSIONS_TOKENS_H
@@ -70,7 +70,7 @@ public:
 
     // Walks from `position` as far as a name reaches and leaves it there.  True if something in
     // the text ends the name, or no name starts here (the position is unmoved then), or the
-    // position is at or behind the end; false if the name reaches to the end of the text.  With
+    // position is at or after the end; false if the name reaches to the end of the text.  With
     // `allowSymbols` the symbols of degree, dollar and micron belong to names.
     bool invalidNameCharsInStr(std::wstring_view text, std::size_t & position,
                                bool allowSymbols) const;

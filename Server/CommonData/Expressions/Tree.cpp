@@ -3,7 +3,8 @@
 #include <cstdlib>
 #include <new>
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
+#include "Server/CommonData/Expressions/TreeInternal.h"
 #include "Server/CommonData/Limits.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
 
@@ -61,7 +62,8 @@ NodeDefaults const & Tree::findDefaults(ComplexUnit const * units) {
 }
 
 NodeDefaults const & Tree::ownDefaults(ComplexUnit const & units) {
-    return *::new (m_arena.allocate(sizeof(NodeDefaults))) NodeDefaults{*this, units, true, nullptr};
+    return *::new (m_arena.allocate(sizeof(NodeDefaults)))
+        NodeDefaults{*this, units, true, nullptr};
 }
 
 ComplexUnit const * Tree::keep(ComplexUnit const & units) {
@@ -97,9 +99,8 @@ ComplexUnit const * Tree::keep(Units::UnitSpan numerator, Units::UnitSpan denomi
     for (; m_pUnitTable[slot]; slot = (slot + 1) & (m_unitSlots - 1)) {
         OwnedUnits & owned = *m_pUnitTable[slot];
         if (owned.hash == hash && same(owned.units()->numerator(), numerator) &&
-            same(owned.units()->denominator(), denominator)) {
+            same(owned.units()->denominator(), denominator))
             return owned.units();
-        }
     }
     auto * const owned = static_cast<OwnedUnits *>(m_arena.allocate(sizeof(OwnedUnits)));
     ComplexUnit * const units = ::new (owned->storage) ComplexUnit;

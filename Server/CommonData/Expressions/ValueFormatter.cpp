@@ -22,8 +22,8 @@ namespace {
 // One printed number: narrow characters, cut off at the limit of a field.
 class Field {
 public:
-    // As "%.*f" and "%.*E" print it.  A double has no more than 1,074 digits behind the point; all
-    // that follow are zeroes, and far behind the end of a field.
+    // As "%.*f" and "%.*E" print it.  A double has no more than 1,074 digits after the point; all
+    // that follow are zeroes, and far after the end of a field.
     void fixed(double value, int decimals) { print(value, decimals, std::chars_format::fixed); }
 
     void scientific(double value, int decimals) {
@@ -32,8 +32,8 @@ public:
     }
 
     void integer(long value) {
-        m_size = static_cast<std::size_t>(std::to_chars(m_text, m_text + capacity, value).ptr -
-                                          m_text);
+        m_size =
+            static_cast<std::size_t>(std::to_chars(m_text, m_text + capacity, value).ptr - m_text);
     }
 
     void append(char c) {
@@ -104,7 +104,7 @@ bool wantsScientific(double value, UnitDisplaySettings const & settings) {
             a < settings.useScientificNotationBelowThreshold() || settings.specifiedByNode());
 }
 
-// Removes zeroes at the end behind the separator, down to `minimum` decimals; with a minimum of
+// Removes zeroes at the end after the separator, down to `minimum` decimals; with a minimum of
 // none, also a separator that nothing follows.
 void hideTrailingZeroes(Field & field, char separator, int minimum) {
     std::size_t point = field.size();
@@ -125,7 +125,7 @@ long sixtyFourths(double fraction) {
     return Numeric::saturate<long>(whole) + (up ? 1 : 0);
 }
 
-// Appends the fraction behind what was written from `start` on.
+// Appends the fraction after what was written from `start` on.
 void appendFractionFrom(std::wstring & text, std::size_t start, double fraction) {
     long numerator = sixtyFourths(fraction);
     if (numerator <= 0) return;
@@ -169,7 +169,7 @@ void valueFormatter::appendDecimal(std::wstring & text, double value,
         return;
     }
 
-    // Behind "0." or "1.".
+    // After "0." or "1.".
     char const * const digits = printed.data() + 2;
     std::size_t const count = printed.size() - 2;
     bool const allZero = std::all_of(digits, digits + count, [](char c) { return c == '0'; });
@@ -184,9 +184,8 @@ void valueFormatter::appendDecimal(std::wstring & text, double value,
     }
     result.append(separator);
     result.append(digits, count);
-    if (settings.hideTrailingZeroes()) {
+    if (settings.hideTrailingZeroes())
         hideTrailingZeroes(result, separator, settings.minimumPrecision());
-    }
     result.appendTo(text);
 }
 
@@ -354,11 +353,9 @@ std::wstring valueFormatter::formatExponent(short exponent) const {
 std::wstring const & valueFormatter::magnitudeString(double magnitude, bool abbreviated) const {
     Tokens const & tokens = *Tokens::get();
     if (magnitude != 1.0) {
-        for (int token = e_EXA; token <= e_ATTO; token += token == e_DECA ? 3 : 2) {
-            if (magnitude == tokens.getMagnitudeValue(static_cast<EToken>(token))) {
+        for (int token = e_EXA; token <= e_ATTO; token += token == e_DECA ? 3 : 2)
+            if (magnitude == tokens.getMagnitudeValue(static_cast<EToken>(token)))
                 return tokens.getString(static_cast<EToken>(token + (abbreviated ? 1 : 0)));
-            }
-        }
     }
     return tokens.getString(e_NONE);
 }

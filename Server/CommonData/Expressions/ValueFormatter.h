@@ -29,11 +29,10 @@ public:
     std::wstring formatFractional(double value) const;
     std::wstring formatArchitectural(double feet,
                                      Units::UnitDisplaySettings const & settings) const;
-    std::wstring formatDegMinSec(double degrees,
-                                 Units::UnitDisplaySettings const & settings) const;
+    std::wstring formatDegMinSec(double degrees, Units::UnitDisplaySettings const & settings) const;
     std::wstring formatExponent(short exponent) const;
 
-    // Each form behind what `text` holds already.
+    // Each form after what `text` holds already.
     void appendDecimal(std::wstring & text, double value,
                        Units::UnitDisplaySettings const & settings) const;
     void appendFractional(std::wstring & text, double value) const;
@@ -48,7 +47,7 @@ public:
     // none.  Magnitudes compare exactly.
     std::wstring const & magnitudeString(double magnitude, bool abbreviated) const;
 
-    // Appends the nearest fraction of 64ths, in lowest terms, behind a space if `text` isn't empty;
+    // Appends the nearest fraction of 64ths, in lowest terms, after a space if `text` isn't empty;
     // nothing for a fraction that rounds to zero.
     void appendFraction(std::wstring & text, double fraction) const;
 

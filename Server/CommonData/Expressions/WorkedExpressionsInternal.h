@@ -1,6 +1,7 @@
 // The worked expressions: inputs with the value, the formatted text and the rebuilt text that must
-// come out.  They settle what the expression language means, and the self-checks "basicExpressionTests"
-// and "unitDisplaySettingsTests" of the group "SmokeTest" hold the engine against them.
+// come out.  They settle what the expression language means, and the self-checks
+// "basicExpressionTests" and "unitDisplaySettingsTests" of the group "SmokeTest" hold the engine
+// against them.
 
 #ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_WORKEDEXPRESSIONSINTERNAL_H
 #define VN_SERVER_COMMONDATA_EXPRESSIONS_WORKEDEXPRESSIONSINTERNAL_H
@@ -25,7 +26,7 @@ struct WorkedExpression {
 };
 
 // A row for the standard and the non-standard settings; or, with an empty context and a name in
-// capitals as the expression, a change of the latter for all rows behind it.
+// capitals as the expression, a change of the latter for all rows after it.
 struct WorkedDisplay {
     wchar_t const * expression; // as typed
     wchar_t const * context;    // as workedContext reads it
@@ -41,8 +42,8 @@ struct WorkedDisplay {
 std::span<WorkedExpression const> workedExpressions();
 std::span<WorkedDisplay const> workedDisplays();
 
-// The context that a row means: "?" expects nothing, an empty text expects a unitless result, and any
-// other text is a unit string.
+// The context that a row means: "?" expects nothing, an empty text expects a unitless result, and
+// any other text is a unit string.
 Units::UnitContext workedContext(wchar_t const * context);
 
 // The non-standard settings at the beginning of the table, and as the control rows change them.

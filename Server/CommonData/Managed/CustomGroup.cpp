@@ -85,7 +85,7 @@ void CustomGroup::insertGroupChild(ICustomGroupChild * child, unsigned index) {
     child->groupParent(this);
     Details details(entity, Details::ChildInserted, index);
     ListChange change(this, &m_groupChildren, DataChange::ChangeStructural, &details);
-    // Whoever was told before the change may have shortened the list.
+    // What was told before the change may have shortened the list.
     std::size_t const place = std::min<std::size_t>(index, m_groupChildren.size());
     m_groupChildren.emplace_back(entity);
     std::rotate(m_groupChildren.begin() + static_cast<std::ptrdiff_t>(place),

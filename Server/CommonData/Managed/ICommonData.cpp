@@ -32,8 +32,8 @@ ICommonDataHelper & ICommonDataHelper::operator=(ICommonDataHelper const & other
     m_rClientObject = other.m_rClientObject;
     return *this;
 }
-// A client in another document outlives the object, and mustn't tell it of anything; nor one that an undo
-// may bring back.
+// A client in another document outlives the object, and mustn't tell it of anything; nor one that
+// an undo may bring back.
 ICommonDataHelper::~ICommonDataHelper() {
     Entity * const client = m_rClientObject.getKept();
     if (client && m_pObserver) client->unsubscribe(m_pObserver);

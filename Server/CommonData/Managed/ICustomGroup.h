@@ -13,7 +13,7 @@ class ICustomGroupChild;
 // Something that lists grouped things.
 class VN_COMMONDATA_API ICustomGroupParent {
 public:
-    // Puts a member behind the others, which sets its group parent; takes it out, which doesn't;
+    // Puts a member after the others, which sets its group parent; takes it out, which doesn't;
     // and puts it before the one at `index`, or after the others if there is none by then.  A null
     // member is ignored.
     virtual void addGroupChild(ICustomGroupChild * child) = 0;

@@ -20,7 +20,7 @@ class ManagedGroupEntity;
 // An entity that hangs in the document's managed tree: the base of all of them.
 //
 // A parent group owns its children and lists them; a child knows its parent by a passive reference.
-// The parent may be any entity; one that is no group lists nobody.
+// The parent may be any entity; one that isn't a group lists no children.
 class VN_COMMONDATA_API ManagedEntity : public Persisted<ManagedEntity, Entity, IScriptableObject> {
 public:
     // Name, meta-type id and version; and the meta type.
@@ -39,7 +39,7 @@ public:
     // The parent if it is a group, else null.
     StrongRef<ManagedGroupEntity> managedParent() const;
     // Forgets the parent, in a change of its own.  A group that lists the entity isn't told:
-    // whoever calls this sees to that.
+    // the caller sees to that.
     void nullParent();
 
 protected:
@@ -63,8 +63,8 @@ protected:
     explicit ManagedEntity(Segment * segment);
     ManagedEntity(Segment * segment, unsigned long long id);
 
-    // Whether this entity may list another, or have it as its parent: only what is alive and in the same
-    // document, since a document is saved and undone by itself.
+    // Whether this entity may list another, or have it as its parent: only what is alive and in the
+    // same document, since a document is saved and undone by itself.
     bool canReferTo(Entity const & other) const noexcept {
         return other.isAlive() && other.asset() == asset();
     }

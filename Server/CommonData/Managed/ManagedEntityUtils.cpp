@@ -30,8 +30,8 @@ std::optional<Index> place(ICustomGroupParent const & group, ICustomGroupChild c
     return std::nullopt;
 }
 
-// The place for a child that leaves the place `moved` and goes before or behind the one at
-// `target`; none if it is there already.  Taking it out shifts whatever stands behind it.
+// The place for a child that leaves the place `moved` and goes before or after the one at
+// `target`; none if it is there already.  Taking it out shifts whatever stands after it.
 std::optional<Index> newPlace(Index moved, Index target, bool insertAfter) {
     Index place = target;
     if (insertAfter) {
@@ -63,7 +63,8 @@ void reorderEntity(StrongRef<ManagedEntity> moved, StrongRef<ManagedEntity> targ
     if (!m) return;
     auto const n = newPlace(*m, *t, insertAfter);
     if (!n) return;
-    // Whoever is told of this may shorten the other list, and the insertion then goes to its end.
+    // An observer that is told of this may shorten the other list, and the insertion then goes to
+    // its end.
     movedParent->removeChild(moved);
     targetParent->insertChild(moved, static_cast<unsigned>(*n));
 }
@@ -73,7 +74,7 @@ void reorderGroupedEntity(ICustomGroupChild * moved, ICustomGroupChild * target,
     ICustomGroupParent * const movedParent = moved->groupParent();
     ICustomGroupParent * const targetParent = target->groupParent();
     if (!movedParent || !targetParent) return;
-    // Whoever is told of the removal may let go of any of them.
+    // An observer that is told of the removal may let go of any of them.
     StrongRef<Entity> const heldChild(query<Entity>(moved));
     StrongRef<Entity> const heldParent(query<Entity>(targetParent));
     auto const t = place(*targetParent, target);

@@ -17,7 +17,7 @@ namespace ManagedEntityUtils {
 // The parent of an entity in the managed tree; null if it has none, or isn't in that tree.
 VN_COMMONDATA_API StrongRef<Entity> parentOf(Entity const & entity);
 
-// Moves a child before or, with `insertAfter`, behind another.  If the other has another parent,
+// Moves a child before or, with `insertAfter`, after another.  If the other has another parent,
 // the child moves across and keeps its own as its parent.  Nothing happens if one of the two is
 // null or isn't listed by its parent, or if the child is there already.
 VN_COMMONDATA_API void reorderEntity(StrongRef<ManagedEntity> moved,

@@ -55,7 +55,7 @@ void ManagedGroupEntity::insertChild(StrongRef<ManagedEntity> const & child, uns
     if (child && !canReferTo(*child)) return;
     Details details(child, Details::ChildInserted, index);
     ListChange change(this, &m_children, DataChange::ChangeStructural, &details);
-    // Whoever was told before the change may have shortened the list.
+    // An observer that was told before the change may have shortened the list.
     std::size_t const place = std::min<std::size_t>(index, m_children.size());
     m_children.insert(m_children.begin() + static_cast<std::ptrdiff_t>(place),
                       details.managedEntity());
@@ -102,12 +102,11 @@ void ManagedGroupEntity::onPostChange(DataChange::ETransact transact, DataChange
     ManagedEntity::onPostChange(transact, type, details);
 }
 
-// The list is given up as a whole first, so that whoever is told of the end of a child meets a
+// The list is given up as a whole first, so that an observer of the end of a child meets a
 // group without children, and each is let go at the same cost.
 void ManagedGroupEntity::onPreDeletion(DataChange::ETransact transact) {
     while (!m_children.empty())
-        for (StrongRef<ManagedEntity> & child : std::exchange(m_children, {}))
-            child.reset();
+        for (StrongRef<ManagedEntity> & child : std::exchange(m_children, {})) child.reset();
     Entity::onPreDeletion(transact);
 }
 

@@ -38,9 +38,9 @@ public:
     }
     void childrenVector(std::vector<StrongRef<ManagedEntity>> & out) const { out = m_children; }
 
-    // Puts a child behind the others.  If no group is its parent, this one becomes it; else its
-    // parent stays.  A child that is listed already is listed twice.  Null is ignored, and so is one
-    // that isn't alive or is in another document.
+    // Puts a child after the others.  If no group is its parent, this one becomes it; else its
+    // parent stays.  A child that is listed already is listed twice.  Null is ignored, and so is
+    // one that isn't alive or is in another document.
     void addChild(StrongRef<ManagedEntity> const & child);
     // Puts a child before the one at `index`, or after the others if there is none by then.  Its
     // parent stays as it is.  Null takes a place that all others pass over; one that isn't alive or

@@ -20,8 +20,7 @@ using Stretch = std::span<ManagedEntity * const>;
 Children targets(std::vector<StrongRef<ManagedEntity>> const & children) {
     Children raw;
     raw.reserve(children.size());
-    for (StrongRef<ManagedEntity> const & child : children)
-        raw.push_back(child.get());
+    for (StrongRef<ManagedEntity> const & child : children) raw.push_back(child.get());
     return raw;
 }
 
@@ -52,8 +51,8 @@ Children sorted(Stretch stretch) {
 
 // How often children stand in a list, sorted by child.
 struct Tally {
-    ManagedEntity * m_pChild;
-    std::size_t m_count;
+    ManagedEntity * child;
+    std::size_t count;
 };
 
 // What stands in `a` more often than in `b`, and how much more often; both are sorted.
@@ -64,9 +63,9 @@ std::vector<Tally> difference(Children const & a, Children const & b) {
     while (i != a.end()) {
         auto const next = std::upper_bound(i, a.end(), *i, std::less<>());
         j = std::lower_bound(j, b.end(), *i, std::less<>());
-        auto const behind = std::upper_bound(j, b.end(), *i, std::less<>());
-        if (next - i > behind - j)
-            rest.push_back({*i, static_cast<std::size_t>((next - i) - (behind - j))});
+        auto const after = std::upper_bound(j, b.end(), *i, std::less<>());
+        if (next - i > after - j)
+            rest.push_back({*i, static_cast<std::size_t>((next - i) - (after - j))});
         i = next;
     }
     return rest;
@@ -75,8 +74,8 @@ std::vector<Tally> difference(Children const & a, Children const & b) {
 Tally * tallyOf(std::vector<Tally> & tallies, ManagedEntity * child) {
     auto const found = std::lower_bound(
         tallies.begin(), tallies.end(), child,
-        [](Tally const & a, ManagedEntity * b) { return std::less<>()(a.m_pChild, b); });
-    return found != tallies.end() && found->m_pChild == child ? &*found : nullptr;
+        [](Tally const & a, ManagedEntity * b) { return std::less<>()(a.child, b); });
+    return found != tallies.end() && found->child == child ? &*found : nullptr;
 }
 
 bool contains(Children const & all, ManagedEntity * child) {
@@ -87,18 +86,18 @@ bool contains(Children const & all, ManagedEntity * child) {
 Children missing(Children const & wanted, Children const & other, Comparison const & lists) {
     std::vector<Tally> rest;
     for (ManagedEntity * const child : wanted)
-        if ((rest.empty() || rest.back().m_pChild != child) && !contains(other, child))
+        if ((rest.empty() || rest.back().child != child) && !contains(other, child))
             rest.push_back({child, 1});
     // A child may be listed more than once.
     std::size_t left = rest.size();
     for (Stretch const end : {lists.m_head, lists.m_tail})
         for (std::size_t i = 0; left && i < end.size(); ++i) {
             Tally * const found = tallyOf(rest, end[i]);
-            if (found) left -= std::exchange(found->m_count, 0);
+            if (found) left -= std::exchange(found->count, 0);
         }
     Children children;
     for (Tally const & tally : rest)
-        if (tally.m_count) children.push_back(tally.m_pChild);
+        if (tally.count) children.push_back(tally.child);
     return children;
 }
 
@@ -182,14 +181,13 @@ void ManagedGroupEntityTransactChangeDetails::calculateChildrenDiff(
     Children removed;
     std::vector<Tally> gone = difference(before, after);
     std::size_t left = 0;
-    for (Tally const & tally : gone)
-        left += tally.m_count;
+    for (Tally const & tally : gone) left += tally.count;
     removed.reserve(left);
     for (auto i = m_snapshot.rbegin(); removed.size() < left; ++i) {
         Tally * const found = tallyOf(gone, *i);
-        if (!found || !found->m_count) continue;
+        if (!found || !found->count) continue;
         removed.push_back(*i);
-        --found->m_count;
+        --found->count;
     }
     std::reverse(removed.begin(), removed.end());
     std::erase(removed, nullptr);

@@ -48,7 +48,7 @@ private:
     unsigned m_insertionIndex;
 };
 
-// Goes with a replay, which changes a list behind its group's back: the difference between the list
+// Goes with a replay, which changes a list without its group: the difference between the list
 // before and after.  The pointers are good for as long as the change is told.
 class VN_COMMONDATA_API ManagedGroupEntityTransactChangeDetails : public DataChange {
 public:
@@ -64,7 +64,7 @@ public:
     // changed.
     std::vector<ManagedEntity *> const & addedChildren() const noexcept { return m_added; }
     // The children that aren't there any more, in the order that they had, without gaps.  An empty
-    // place of the list is no child, and isn't told here.
+    // place of the list isn't a child, and isn't told here.
     //
     // If only the order changed, all children are told here in the old order, and all as added in
     // the new.

@@ -46,8 +46,8 @@ protected:
     // Follows the entities of a type from now on.  For derived classes, after loading.
     void installMetaType(EntityMetaType * type);
 
-    // Puts an element after the others, unless it is in another document; and takes the first place of
-    // one out if there is one.
+    // Puts an element after the others, unless it is in another document; and takes the first place
+    // of one out if there is one.
     void addRootElement(StrongRef<Entity> const & element);
     void removeRootElement(StrongRef<Entity> const & element);
 

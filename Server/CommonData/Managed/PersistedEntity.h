@@ -22,10 +22,11 @@
 //         unsigned m_boards = 0;
 //     };
 //
-// Each constructor calls initializeMemberSetIfNeeded() as its last step.  initializeMemberSet adds the
-// members of the version that it is asked for: the latest one for the first object of the class, an
-// older one for the first object that comes from a file of that version.  s_metaType() returns the
-// address of the one static object of a class ShelfMetaType, derived from PersistedMetaType<Shelf>.
+// Each constructor calls initializeMemberSetIfNeeded() as its last step.  initializeMemberSet adds
+// the members of the version that it is asked for: the latest one for the first object of the
+// class, an older one for the first object that comes from a file of that version.  s_metaType()
+// returns the address of the one static object of a class ShelfMetaType, derived from
+// PersistedMetaType<Shelf>.
 //
 // The member set of a class is built by the first object of it, whichever thread makes that; all
 // later objects pay one test under a reader's lock.
@@ -82,8 +83,8 @@ struct PersistedClass {
 template <class T, class... Types>
 concept IsOneOf = (std::is_same_v<T, Types> || ...);
 
-// The kind of fields of a type that isn't a class of values.  There is none for other types than those below
-// and the intrinsic ones, which doesn't compile.
+// The kind of fields of a type that isn't a class of values.  There is none for other types than
+// those below and the intrinsic ones, which doesn't compile.
 template <class Field>
 struct FieldKind {
     // The kind of an intrinsic type.
@@ -94,10 +95,11 @@ struct FieldKind {
         return IntrinsicMetaType<Field>::get();
     }
 };
-// An enumeration, which is kept as the whole number behind it.
+// An enumeration, which is kept as its underlying whole number.
 template <class Field>
 requires std::is_enum_v<Field>
-struct FieldKind<Field> : FieldKind<std::underlying_type_t<Field>> {};
+struct FieldKind<Field> : FieldKind<std::underlying_type_t<Field>> {
+};
 // A text in the language of the user.
 template <>
 struct FieldKind<GlobalizedString> {
@@ -117,8 +119,8 @@ struct FieldKind<PassiveRef<T>> {
     static MemberMetaType * get() { return PassiveRefMetaType::get(); }
 };
 
-// Adds a field that is no container to a member set.  A kind that the field isn't of is refused, as by
-// MemberSet::addNewMember; without one it is that of the field's type.
+// Adds a field that isn't a container to a member set.  A kind that the field isn't of is refused,
+// as by MemberSet::addNewMember; without one it is that of the field's type.
 template <class Field>
 Member * addMember(MemberSet * set, char const * name, Field & field, MemberMetaType * kind) {
     return set->addNewMember(name, &field, fieldTypeName<Field>(), kind, nullptr, nullptr);
@@ -215,8 +217,8 @@ public:
     using Base::postMigrate;
     // What a step of X's own leaves behind; classes without one are done.
     EMigrationStatus postMigrate(unsigned) { return MigrationDone; }
-    // What reads members that X no longer has; null if there is none.  A class that needs it has this
-    // and the next two of its own.
+    // What reads members that X no longer has; null if there is none.  A class that needs it has
+    // this and the next two of its own.
     MigrationHelper *& migrationHelper() noexcept { return m_pMigrationHelper; }
     // Makes the helper; null for a class that needs none.
     MigrationHelper * createMigrationHelper() { return nullptr; }
@@ -226,8 +228,8 @@ public:
 protected:
     using Base::Base;
 
-    // The one way in which running code makes an object.  `place` is the parent or the segment; null
-    // if that is null, gone, or in a document that is closed.
+    // The one way in which running code makes an object.  `place` is the parent or the segment;
+    // null if that is null, gone, or in a document that is closed.
     template <class Place, class... Arguments>
     static StrongRefCreator<X> create(Place && place, Arguments &&... arguments) {
         if (!PersistedAccess::takesObjects(place)) return nullptr;

@@ -234,15 +234,13 @@ namespace {
 // groups written.
 std::size_t appendUnits(std::wstring & text, UnitSpan units, UnitDisplaySettings const & settings) {
     boost::container::small_vector<SimpleUnit const *, 8> ordered(units.begin(), units.end());
-    std::stable_partition(ordered.begin(), ordered.end(), [](SimpleUnit const * unit) {
-        return unit->unitType() != BaseUnitKind;
-    });
+    std::stable_partition(ordered.begin(), ordered.end(),
+                          [](SimpleUnit const * unit) { return unit->unitType() != BaseUnitKind; });
     std::size_t groups = 0;
     for (std::size_t i = 0; i < ordered.size();) {
         std::size_t run = 1;
-        if (settings.compressUnits()) {
+        if (settings.compressUnits())
             while (i + run < ordered.size() && ordered[i + run] == ordered[i]) ++run;
-        }
         if (groups > 0) text += Tokens::get()->getString(Expressions::e_SPACE);
         ordered[i]->appendDisplayString(text, settings);
         if (run > 1) valueFormatter::get()->appendExponent(text, run);
@@ -262,9 +260,8 @@ void ComplexUnit::onAppendReconstruction(std::wstring & text, double value, EUni
         return;
     }
     bool const unitless = isUnitless();
-    if (mode != UnitOnly) {
+    if (mode != UnitOnly)
         valueFormatter::get()->appendDecimal(text, unitless ? value : toThisUnit(value), settings);
-    }
     if (unitless || mode == ValueOnly) return;
 
     Tokens const & tokens = *Tokens::get();

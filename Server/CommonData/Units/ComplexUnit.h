@@ -118,7 +118,8 @@ public:
     // Gives `out` the units of the base form as its lists, in catalogue order.
     void produceBaseRepresentation(ComplexUnit & out) const;
 
-    // Whether the base form has been worked out; forgets it; works it out, in any case or if need be.
+    // Whether the base form has been worked out; forgets it; works it out, in any case or if need
+    // be.
     bool isBaseValid() const { return m_baseValid; }
     void invalidateBase() const { m_baseValid = false; }
     void validateBase() const;

@@ -27,9 +27,11 @@ double SimpleUnit::onToThisUnit(double value) const {
 GlobalizedString SimpleUnit::globalizedSimpleUnitTypeName(ESimpleUnitType type) {
     switch (type) {
 #define VN_BASE_KIND(number, name, internal)                                                       \
-    case UnitType##name: return GlobalizedString("VnCommonData", "UnitType" #name, L## #name);
+    case UnitType##name:                                                                           \
+        return GlobalizedString("VnCommonData", "UnitType" #name, L## #name);
 #define VN_COMPOSITE_KIND(number, name, numerator, denominator)                                    \
-    case UnitType##name: return GlobalizedString("VnCommonData", "UnitType" #name, L## #name);
+    case UnitType##name:                                                                           \
+        return GlobalizedString("VnCommonData", "UnitType" #name, L## #name);
 #include "Server/CommonData/Units/UnitKinds.inc"
     }
     return GlobalizedString(L"Invalid Unit Type");

@@ -56,7 +56,7 @@ public:
     // Whether the unit has a symbol besides its name and abbreviation.
     bool hasSymbol() const { return !onSymbol().empty(); }
 
-    // The texts of the unit behind the prefix of its magnitude: "kilometer", "km"; for the symbol
+    // The texts of the unit after the prefix of its magnitude: "kilometer", "km"; for the symbol
     // the settings choose between the long prefix and the short one.
     std::wstring name(UnitDisplaySettings const & settings) const;
     std::wstring abbreviation(UnitDisplaySettings const & settings) const;

@@ -117,9 +117,8 @@ SimpleUnit const * SimpleUnitRegistry::findCaseInsensitive(std::wstring_view tex
         found = unit;
     };
     for (auto const & [spelled, units] : m_spellings) {
-        if (spelled.size() != text.size() || !boost::algorithm::iequals(spelled, text, locale)) {
+        if (spelled.size() != text.size() || !boost::algorithm::iequals(spelled, text, locale))
             continue;
-        }
         // Two names that differ in case alone are two matches, even of one unit.
         if (units.byName && name) ambiguous = true;
         match(name, units.byName);
@@ -134,11 +133,9 @@ SimpleUnit const * SimpleUnitRegistry::findCaseInsensitive(std::wstring_view tex
 SimpleUnit const * SimpleUnitRegistry::findEquivalentSimpleUnit(ComplexUnit const & units) {
     std::vector<SimpleUnit const *> all;
     allUnits(all);
-    for (SimpleUnit const * const unit : all) {
-        if (unit->magnitude() == 1.0 && unit->asComplexUnit().isDimensionallyEquivalent(&units)) {
+    for (SimpleUnit const * const unit : all)
+        if (unit->magnitude() == 1.0 && unit->asComplexUnit().isDimensionallyEquivalent(&units))
             return unit;
-        }
-    }
     return nullptr;
 }
 

@@ -26,7 +26,7 @@ Identifiers const s_identifiers VN_LOAD_UNITS;
     VN_LOAD_UNITS std::wstring const unit::c_symbol = symbol;
 #include "Server/CommonData/Units/UnitCatalogue.inc"
 
-// The one object of each class, behind its statics.
+// The one object of each class, after its statics.
 class Catalogue {
 public:
 #define VN_UNIT(unit, kind, name, abbreviation, symbol, factor, offset, magnitudes) unit m_##unit;

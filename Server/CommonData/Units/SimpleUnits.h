@@ -34,16 +34,12 @@ template <class ConcreteUnit, class KindUnit, ECatalogueRow Row, bool SupportsMa
 class CatalogueUnit : public KindUnit {
 public:
     // The one object of a class without magnitudes.
-    static SimpleUnit const * get()
-        requires(!SupportsMagnitude)
-    {
+    static SimpleUnit const * get() requires(!SupportsMagnitude) {
         return &ConcreteUnit::instance();
     }
 
     // The object of that magnitude, made on first use; nobody owns it.
-    static SimpleUnit const * get(double magnitude)
-        requires SupportsMagnitude
-    {
+    static SimpleUnit const * get(double magnitude) requires SupportsMagnitude {
         return findOrCloneUnit(staticIdentifier(), magnitude);
     }
 
@@ -63,11 +59,10 @@ private:
     bool onSupportsMagnitude() const final { return SupportsMagnitude; }
 
     SimpleUnit const * onClone([[maybe_unused]] double magnitude) const final {
-        if constexpr (SupportsMagnitude) {
+        if constexpr (SupportsMagnitude)
             return new ConcreteUnit(static_cast<ConcreteUnit const &>(*this), magnitude);
-        } else {
+        else
             return nullptr;
-        }
     }
 };
 
@@ -75,7 +70,8 @@ private:
 #define VN_MAGNITUDES_no false
 #define VN_UNIT(unit, kind, name, abbreviation, symbol, factor, offset, magnitudes)                \
     class VN_COMMONDATA_API unit final                                                             \
-        : public CatalogueUnit<unit, kind##Unit, ECatalogueRow::unit, VN_MAGNITUDES_##magnitudes> { \
+        : public CatalogueUnit<unit, kind##Unit, ECatalogueRow::unit,                              \
+                               VN_MAGNITUDES_##magnitudes> {                                       \
     public:                                                                                        \
         static std::wstring const c_name;                                                          \
         static std::wstring const c_abbreviation;                                                  \

@@ -1,5 +1,5 @@
-// In which units a result is wanted, and which defaults hold for what a text leaves open: a bare "2"
-// in a field for lengths means centimetres if the context expects `cm`.
+// In which units a result is wanted, and which defaults hold for what a text leaves open: a bare
+// "2" in a field for lengths means centimetres if the context expects `cm`.
 //
 // A context of an empty unit expects a unitless result, which isn't the same as expecting nothing.
 // A context is a value and doesn't change once built; several threads may read one.

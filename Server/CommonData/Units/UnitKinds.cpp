@@ -20,7 +20,8 @@ enum BaseKind {
 BaseUnit const * internalUnit(BaseKind kind) {
     switch (kind) {
 #define VN_BASE_KIND(number, name, internal)                                                       \
-    case name: return name##Unit::staticInternalBaseUnit();
+    case name:                                                                                     \
+        return name##Unit::staticInternalBaseUnit();
 #include "Server/CommonData/Units/UnitKinds.inc"
     }
     return nullptr;
@@ -44,7 +45,8 @@ ComplexUnit const * makeInternal(std::initializer_list<BaseKind> numerator,
     }
 #include "Server/CommonData/Units/UnitKinds.inc"
 
-#define VN_KIND_LIST(...) {__VA_ARGS__}
+#define VN_KIND_LIST(...)                                                                          \
+    { __VA_ARGS__ }
 #define VN_COMPOSITE_KIND(number, name, numerator, denominator)                                    \
     ComplexUnit const * name##Unit::staticInternalComplexUnit() {                                  \
         static constinit Shared<ComplexUnit const> s_units;                                        \

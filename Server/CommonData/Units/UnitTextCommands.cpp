@@ -68,17 +68,13 @@ public:
 
 private:
     TextCommandResult onRun(TextCommandParameters const & parameters) override {
-        if (parameters.parameters() == 0) {
-            return {1, L"Need to specify the magnitude to use"};
-        }
+        if (parameters.parameters() == 0) return {1, L"Need to specify the magnitude to use"};
         int const power = boost::lexical_cast<int>(parameters.parameter(0));
         double const magnitude = Expressions::valueFormatter::get()->integerPower(10.0, power);
         std::vector<SimpleUnit const *> const before = allUnits();
-        for (SimpleUnit const * const unit : before) {
-            if (unit->supportsMagnitude()) {
+        for (SimpleUnit const * const unit : before)
+            if (unit->supportsMagnitude())
                 SimpleUnitRegistry::get().findOrClone(unit->identifier(), magnitude);
-            }
-        }
         return {0, (boost::wformat(L"There were %1% simple units and there now are %2%",
                                    std::locale::classic()) %
                     before.size() % allUnits().size())
@@ -106,8 +102,7 @@ private:
             units.toThisUnit(1.0);
             if (isBase) {
                 units.isBaseUnit(nullptr);
-                exercise(
-                    ComplexUnit(static_cast<BaseUnit const *>(unit)->internalBaseUnit()));
+                exercise(ComplexUnit(static_cast<BaseUnit const *>(unit)->internalBaseUnit()));
             } else {
                 exercise(units);
             }

@@ -12,8 +12,8 @@
 #include "Server/CommonData/Components/IComponent.h"
 #include "Server/CommonData/Components/IDefaultMaterialProvider.h"
 #include "Server/CommonData/Components/IVisibilityToggle.h"
-#include "Tests/Base/SmallStack.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
+#include "Tests/Support/SmallStack.h"
 
 namespace Vn::Managed::Testing {
 
@@ -30,19 +30,19 @@ using CommonData::IVisibilityToggle;
 struct Call {
     enum EStage { Pre, Post };
 
-    EStage m_stage;
-    IComponentObject * m_pChanged;
-    DataChange::EChangeType m_type;
+    EStage stage;
+    IComponentObject * changed;
+    DataChange::EChangeType type;
 
     friend bool operator==(Call const &, Call const &) = default;
 };
 
 // What components write their calls into, and whom they have told of the same change.
 struct Log {
-    std::vector<Call> m_calls;
-    std::vector<IComponent *> m_told;
-    std::vector<IComponent *> m_further;
-    int m_asked = 0;
+    std::vector<Call> calls;
+    std::vector<IComponent *> told;
+    std::vector<IComponent *> further;
+    int asked = 0;
 };
 
 // A component, which is a component object too.
@@ -67,7 +67,7 @@ public:
     void collectComponents(std::vector<IComponent *> & components) override {
         ASSERT_EQ(components.size(), 1U);
         EXPECT_EQ(components.front(), this);
-        components.insert(components.end(), m_pLog->m_further.begin(), m_pLog->m_further.end());
+        components.insert(components.end(), m_pLog->further.begin(), m_pLog->further.end());
     }
 
 private:
@@ -78,8 +78,8 @@ private:
     }
     void initializeMemberSet(unsigned, MemberSet *) {}
     void note(Call::EStage stage, ComponentDataChange const * change) {
-        m_pLog->m_told.push_back(this);
-        m_pLog->m_calls.push_back({stage, change->changedComponentObject(), change->changeType()});
+        m_pLog->told.push_back(this);
+        m_pLog->calls.push_back({stage, change->changedComponentObject(), change->changeType()});
     }
 
     Log * m_pLog = nullptr;
@@ -198,7 +198,7 @@ protected:
     StrongRef<Asked> askedBelow(StrongRef<ManagedGroupEntity> const & parent) const {
         return putBelow(parent, StrongRef<Asked>(Asked::make(m_document.segment())));
     }
-    void expectCalls(std::vector<Call> const & calls) const { EXPECT_EQ(m_log.m_calls, calls); }
+    void expectCalls(std::vector<Call> const & calls) const { EXPECT_EQ(m_log.calls, calls); }
 
     Log m_log;
     Document const m_document;
@@ -250,7 +250,7 @@ TEST_F(ComponentTests, TheTreeOfComponentObjectsIsThatOfTheManagedTree) {
     EXPECT_EQ(m_rPart->visibilityToggle(), nullptr);
 }
 
-// Common data that is no managed entity, and so has only the parent that it tells.
+// Common data that isn't a managed entity, and so has only the parent that it tells.
 class Outside : public CommonData::ICommonData, public IComponentObject {
 public:
     explicit Outside(StrongRef<Entity> parent) : m_rParent(std::move(parent)) {}
@@ -333,7 +333,7 @@ TEST_F(ComponentTests, AnObjectInACircleMayHaveItsOwnAnswer) {
 
 TEST_F(ComponentTests, ValueChangeBelow200000NestedObjectsTellsTheComponent) {
     StrongRef<Part> const bottom = nested(m_rPart, 200000);
-    m_log.m_calls.clear();
+    m_log.calls.clear();
     Vn::Testing::onSmallStack([&] { bottom->value(1); });
     expectCalls({{Call::Pre, bottom.get(), DataChange::ChangeValue},
                  {Call::Post, bottom.get(), DataChange::ChangeValue}});
@@ -361,11 +361,8 @@ TEST_F(ComponentTests, OverridesOneBelowAnotherAreAskedOnceEach) {
     std::vector<StrongRef<Asked>> all;
     for (int i = 0; i < 20000; ++i)
         all.push_back(i == 0 ? askedBelow(m_rPart) : askedBelow(all.back()));
-    Vn::Testing::onSmallStack([&] {
-        EXPECT_EQ(all.back()->component(), m_rComponent.get());
-    });
-    for (StrongRef<Asked> const & asked : all)
-        ASSERT_EQ(asked->m_asked, 1);
+    Vn::Testing::onSmallStack([&] { EXPECT_EQ(all.back()->component(), m_rComponent.get()); });
+    for (StrongRef<Asked> const & asked : all) ASSERT_EQ(asked->m_asked, 1);
 }
 
 TEST_F(ComponentTests, ANullChildIsNoComponentObject) {
@@ -374,7 +371,7 @@ TEST_F(ComponentTests, ANullChildIsNoComponentObject) {
     EXPECT_EQ(m_rOuter->componentObjectChild(0), nullptr);
     EXPECT_EQ(m_rOuter->componentObjectChild(1), static_cast<IComponentObject *>(m_rPart.get()));
     m_rPart->value(1);
-    EXPECT_EQ(m_log.m_calls.size(), 2U);
+    EXPECT_EQ(m_log.calls.size(), 2U);
 }
 
 // --- Summaries ----------------------------------------------------------------------------------
@@ -442,7 +439,7 @@ TEST_F(ComponentTests, NestedSettersShareOneSummarizer) {
             m_rPart->value(2);
             EXPECT_EQ(bracket.findSummarizer(ComponentChangeSummarizer::interfaceId()), first);
         });
-    EXPECT_EQ(m_log.m_calls.size(), 2U);
+    EXPECT_EQ(m_log.calls.size(), 2U);
 }
 
 // A structural bracket around makes none; the first change within that counts does.
@@ -454,10 +451,10 @@ TEST_F(ComponentTests, TheFirstChangeThatCountsMakesTheSummarizerOfTheBracketAro
                         m_rPart->value(1);
                         m_rPart->addChild(Leaf::make(m_document.segment()));
                     });
-    ASSERT_EQ(m_log.m_calls.size(), 2U);
-    EXPECT_EQ(m_log.m_calls[0], (Call{Call::Pre, m_rPart.get(), DataChange::ChangeValue}));
-    EXPECT_EQ(m_log.m_calls[1].m_stage, Call::Post);
-    EXPECT_EQ(m_log.m_calls[1].m_pChanged, m_rPart.get());
+    ASSERT_EQ(m_log.calls.size(), 2U);
+    EXPECT_EQ(m_log.calls[0], (Call{Call::Pre, m_rPart.get(), DataChange::ChangeValue}));
+    EXPECT_EQ(m_log.calls[1].stage, Call::Post);
+    EXPECT_EQ(m_log.calls[1].changed, m_rPart.get());
 }
 
 TEST_F(ComponentTests, BracketsOfDifferentEntitiesAreToldEach) {
@@ -479,20 +476,20 @@ TEST_F(ComponentTests, ABracketThatTellsOnlyBeforeMakesNoPostCall) {
     expectCalls({{Call::Pre, m_rPart.get(), DataChange::ChangeValue}});
 }
 
-TEST_F(ComponentTests, FurtherComponentsAreToldInTheirOrderBehindTheOwn) {
+TEST_F(ComponentTests, FurtherComponentsAreToldInTheirOrderAfterTheOwn) {
     StrongRef<Component> const second = Component::make(m_document.segment(), m_log);
     StrongRef<Component> const third = Component::make(m_document.segment(), m_log);
-    m_log.m_further = {third.get(), second.get()};
+    m_log.further = {third.get(), second.get()};
     m_rPart->value(1);
     std::vector<IComponent *> const once{m_rComponent.get(), third.get(), second.get()};
-    ASSERT_EQ(m_log.m_told.size(), 6U);
-    EXPECT_EQ(std::vector<IComponent *>(m_log.m_told.begin(), m_log.m_told.begin() + 3), once);
-    EXPECT_EQ(std::vector<IComponent *>(m_log.m_told.begin() + 3, m_log.m_told.end()), once);
+    ASSERT_EQ(m_log.told.size(), 6U);
+    EXPECT_EQ(std::vector<IComponent *>(m_log.told.begin(), m_log.told.begin() + 3), once);
+    EXPECT_EQ(std::vector<IComponent *>(m_log.told.begin() + 3, m_log.told.end()), once);
 }
 
 TEST_F(ComponentTests, AReplayIsToldLikeAnyChange) {
     m_document.step([&] { m_rPart->value(1); });
-    m_log.m_calls.clear();
+    m_log.calls.clear();
     m_document.undo();
     expectCalls({{Call::Pre, m_rPart.get(), DataChange::ChangeValue},
                  {Call::Post, m_rPart.get(), DataChange::ChangeValue}});
@@ -521,12 +518,12 @@ TEST(ComponentChangeSummarizerTests, TheComponentIsAskedForTwicePerStage) {
     };
     EXPECT_EQ(run(some), 2);
     EXPECT_EQ(run(none), 1);
-    ComponentChangeSummarizer nobody(nullptr);
-    nobody.preChange(DataChange::ChangeValue, DataChange::TimingPreAndPost);
-    nobody.postChange(DataChange::ChangeValue, DataChange::TimingPreAndPost);
-    EXPECT_EQ(nobody.queryInterface(ComponentChangeSummarizer::interfaceId()), &nobody);
-    EXPECT_EQ(nobody.queryInterface(EntityChangeSummarizer::interfaceId()), &nobody);
-    EXPECT_EQ(nobody.getInterfaceId(), ComponentChangeSummarizer::interfaceId());
+    ComponentChangeSummarizer ofNothing(nullptr);
+    ofNothing.preChange(DataChange::ChangeValue, DataChange::TimingPreAndPost);
+    ofNothing.postChange(DataChange::ChangeValue, DataChange::TimingPreAndPost);
+    EXPECT_EQ(ofNothing.queryInterface(ComponentChangeSummarizer::interfaceId()), &ofNothing);
+    EXPECT_EQ(ofNothing.queryInterface(EntityChangeSummarizer::interfaceId()), &ofNothing);
+    EXPECT_EQ(ofNothing.getInterfaceId(), ComponentChangeSummarizer::interfaceId());
 }
 
 TEST_F(ComponentTests, ARecordTellsTheChangeAndTheEntity) {

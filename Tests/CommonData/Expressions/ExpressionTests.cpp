@@ -3,7 +3,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
 #include "Tests/CommonData/Expressions/ExpressionsTesting.h"
 
 namespace Vn::Expressions {

@@ -18,7 +18,7 @@
 #include "Server/CommonData/Units/ComplexUnit.h"
 #include "Server/CommonData/Units/UnitContext.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
-#include "Tests/Base/SmallStack.h"
+#include "Tests/Support/SmallStack.h"
 
 namespace Vn::Expressions::Testing {
 
@@ -52,8 +52,7 @@ inline std::string shown(std::wstring_view text) {
 inline std::wstring repeated(std::wstring_view piece, std::size_t times) {
     std::wstring text;
     text.reserve(piece.size() * times);
-    for (std::size_t i = 0; i < times; ++i)
-        text += piece;
+    for (std::size_t i = 0; i < times; ++i) text += piece;
     return text;
 }
 

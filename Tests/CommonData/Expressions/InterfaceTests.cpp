@@ -1,6 +1,7 @@
 #include "Server/CommonData/Expressions/Interface.h"
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
+#include "Server/CommonData/Expressions/TreeInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Tests/CommonData/Expressions/ExpressionsTesting.h"
 
@@ -12,17 +13,11 @@ using namespace Testing;
 using Units::UnitContext;
 using Units::UnitDisplaySettings;
 
-Interface const & engine() {
-    return *Interface::get();
-}
+Interface const & engine() { return *Interface::get(); }
 
-TEST(InterfaceTests, ThereIsOneEngine) {
-    EXPECT_EQ(Interface::get(), Interface::get());
-}
+TEST(InterfaceTests, ThereIsOneEngine) { EXPECT_EQ(Interface::get(), Interface::get()); }
 
-TEST(InterfaceTests, DestroyIgnoresNull) {
-    engine().destroy(nullptr);
-}
+TEST(InterfaceTests, DestroyIgnoresNull) { engine().destroy(nullptr); }
 
 TEST(InterfaceTests, FailuresLeaveNoTree) {
     struct Row {

@@ -100,8 +100,7 @@ TEST_P(LocaleTests, WorkedExpressions) {
     ASSERT_EQ(reports.size(), 2U);
     for (UnitTest::Report const & report : reports) {
         EXPECT_GT(report.assertions, 200U);
-        for (std::wstring const & failure : report.failures)
-            ADD_FAILURE() << shown(failure);
+        for (std::wstring const & failure : report.failures) ADD_FAILURE() << shown(failure);
     }
 }
 

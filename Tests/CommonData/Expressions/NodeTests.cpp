@@ -1,4 +1,5 @@
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
+#include "Server/CommonData/Expressions/TreeInternal.h"
 
 #include <cmath>
 #include <initializer_list>
@@ -40,14 +41,12 @@ protected:
     FunctionOpNode * function(FunctionId id, std::initializer_list<Node *> arguments,
                               ComplexUnit const * defaultUnits = nullptr) {
         FunctionOpNode * const node = make<FunctionOpNode>(defaultUnits, id);
-        for (Node * const argument : arguments)
-            node->append(argument);
+        for (Node * const argument : arguments) node->append(argument);
         return node;
     }
     FunctionOpNode * function(FunctionId id, std::initializer_list<double> arguments) {
         FunctionOpNode * const node = make<FunctionOpNode>(nullptr, id);
-        for (double const argument : arguments)
-            node->append(number(argument));
+        for (double const argument : arguments) node->append(number(argument));
         return node;
     }
 
@@ -223,8 +222,7 @@ TEST_F(NodeTests, OperandThatDoesNotEvaluateEndsTheEvaluation) {
     EXPECT_EQ(valueOf(make<PlusOpNode>(nullptr, number(c_infinity), number(1.0))), c_none);
     EXPECT_EQ(valueOf(make<MultOpNode>(nullptr, number(0.0), number(c_infinity))), c_none);
     Node * chain = number(c_infinity);
-    for (int i = 0; i < 5; ++i)
-        chain = make<BinaryMinusOpNode>(nullptr, chain, number(1.0));
+    for (int i = 0; i < 5; ++i) chain = make<BinaryMinusOpNode>(nullptr, chain, number(1.0));
     EXPECT_EQ(valueOf(chain), c_none);
 }
 
@@ -304,16 +302,14 @@ TEST_F(NodeTests, SumHasTheUnitsOfItsLeftSide) {
               L"(inch) / (1)");
     EXPECT_EQ(unitsOf(make<PlusOpNode>(nullptr, number(1.0), number(2.0))), L"(1) / (1)");
     Node * chain = quantity(1.0, m_cm);
-    for (int i = 0; i < 5; ++i)
-        chain = make<PlusOpNode>(nullptr, chain, quantity(1.0, m_inch));
+    for (int i = 0; i < 5; ++i) chain = make<PlusOpNode>(nullptr, chain, quantity(1.0, m_inch));
     EXPECT_EQ(unitsOf(chain), L"(centimeter) / (1)");
     EXPECT_NEAR(valueOf(chain), 1.0 + 5 * 2.54, 1e-12);
 }
 
 TEST_F(NodeTests, ConflictDeepInAChainIsAConflict) {
     Node * chain = make<PlusOpNode>(nullptr, quantity(1.0, m_cm), quantity(1.0, m_kg));
-    for (int i = 0; i < 5; ++i)
-        chain = make<PlusOpNode>(nullptr, chain, quantity(1.0, m_cm));
+    for (int i = 0; i < 5; ++i) chain = make<PlusOpNode>(nullptr, chain, quantity(1.0, m_cm));
     EXPECT_EQ(unitsOf(chain), L"-");
     EXPECT_EQ(unitsOf(chain), L"-");         // a conflict isn't cached as a success
     EXPECT_NEAR(valueOf(chain), 7.0, 1e-12); // the value doesn't ask for units
@@ -574,8 +570,7 @@ TEST_F(NodeTests, RandomLiesBetweenZeroAndOneOnItsScale) {
 TEST_F(NodeTests, RandomIsDrawnOnceForANode) {
     Node * const random = make<FunctionOpNode>(nullptr, FunctionRandom);
     double const first = valueOf(random);
-    for (int i = 0; i < 10; ++i)
-        EXPECT_EQ(valueOf(random), first);
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(valueOf(random), first);
     EXPECT_EQ(unitsOf(random), L"(1) / (1)");
 }
 
@@ -585,7 +580,7 @@ TEST_F(NodeTests, AnglesOfFunctions) {
         EXPECT_EQ(unitsOf(function(id, {quantity(1.0, Units::UnitRadian::get())})), L"(1) / (1)");
         EXPECT_EQ(unitsOf(function(id, {quantity(1.0, Units::UnitDegree::get())})), L"(1) / (1)");
         EXPECT_EQ(unitsOf(function(id, {quantity(1.0, m_cm)})), L"-");
-        // A bare argument takes its default units, and is no angle without them.
+        // A bare argument takes its default units, and isn't an angle without them.
         EXPECT_EQ(unitsOf(function(id, {number(1.0)})), L"-");
         NumericNode * const bare = number(60.0, &Units::UnitDegree::get()->asComplexUnit());
         FunctionOpNode * const node = function(id, {bare});
@@ -652,9 +647,7 @@ TEST_F(NodeTests, OperandsKeepTheirOrder) {
 
 // ---- The tree -----------------------------------------------------------------------------------
 
-TEST_F(NodeTests, DestroyIgnoresNull) {
-    Tree::destroy(nullptr);
-}
+TEST_F(NodeTests, DestroyIgnoresNull) { Tree::destroy(nullptr); }
 
 TEST_F(NodeTests, TreeKeepsUnitsOfItsOwn) {
     ComplexUnit speed(m_cm);
@@ -693,8 +686,7 @@ TEST_F(NodeTests, EachOperandIsAskedOnce) {
     constexpr int c_count = 1000;
     auto const leaf = [this] { return make<CountingNode>(nullptr, 1.0, &m_cm->asComplexUnit()); };
     Node * left = leaf();
-    for (int i = 1; i < c_count; ++i)
-        left = make<PlusOpNode>(nullptr, left, leaf());
+    for (int i = 1; i < c_count; ++i) left = make<PlusOpNode>(nullptr, left, leaf());
     Node * right = leaf();
     for (int i = 1; i < c_count; ++i)
         right = make<BinaryMinusOpNode>(nullptr, leaf(), make<ParenOpNode>(nullptr, right));
@@ -711,8 +703,7 @@ TEST_F(NodeTests, EachOperandIsAskedOnce) {
 
 TEST_F(NodeTests, ManyNodesLiveInOneTree) {
     Node * chain = number(1.0);
-    for (int i = 0; i < 100000; ++i)
-        chain = make<PlusOpNode>(nullptr, chain, number(1.0));
+    for (int i = 0; i < 100000; ++i) chain = make<PlusOpNode>(nullptr, chain, number(1.0));
     EXPECT_EQ(valueOf(chain), 100001.0);
 }
 

@@ -12,12 +12,8 @@ using Vn::Units::ComplexUnit;
 using Vn::Units::UnitGram;
 using Vn::Units::UnitMeter;
 
-ComplexUnit kilogram() {
-    return ComplexUnit(UnitGram::get(1000.0));
-}
-ComplexUnit centimeter() {
-    return ComplexUnit(UnitMeter::get(0.01));
-}
+ComplexUnit kilogram() { return ComplexUnit(UnitGram::get(1000.0)); }
+ComplexUnit centimeter() { return ComplexUnit(UnitMeter::get(0.01)); }
 
 TEST(ParseResultTests, OutcomesHaveTheirNumbers) {
     EXPECT_EQ(static_cast<int>(EResult::unknownResult), 0);

@@ -47,8 +47,7 @@ void checkFailures(std::vector<Bad> const & rows) {
 }
 
 void checkParses(std::vector<wchar_t const *> const & texts) {
-    for (wchar_t const * const text : texts)
-        EXPECT_EQ(outcome(text), L"Success!") << shown(text);
+    for (wchar_t const * const text : texts) EXPECT_EQ(outcome(text), L"Success!") << shown(text);
 }
 
 // ---- Operators ----------------------------------------------------------------------------------
@@ -201,14 +200,14 @@ TEST(ParserTests, NameIsAFunctionThenAConstantThenAUnit) {
     checkFailures({{L"min", -1}, {L"min 2", 4}});
 }
 
-TEST(ParserTests, UnitsBehindAConstantBelongToIt) {
+TEST(ParserTests, UnitsAfterAConstantBelongToIt) {
     check({
         {L"Gravity s s", L"cm", 980.665, L"Gravity s^2"},
         {L"Gravity s^2", L"cm", 980.665, L"Gravity s^2"},
         {L"SpeedOfLight s", L"cm", 29979245800.0, L"SpeedOfLight s"},
         {L"Gravity km", L"?", 98066500.0, L"Gravity km"},
         {L"3 cm * acos(0) / PI rad", L"cm", 1.5, L"3 cm * acos(0) / PI rad"},
-        // One unit with an offset converts the value as behind a number.
+        // One unit with an offset converts the value as after a number.
         {L"PI C", L"?", 276.3015926535898, L"PI C"},
     });
     Expression const gravity(L"Gravity km");
@@ -323,7 +322,7 @@ TEST(ParserTests, TextThatEndsTooEarlyTerminatesAbruptly) {
                    {L"2e", -1}});
 }
 
-TEST(ParserTests, FailureIsReportedAtTheTokenBehindTheLastAccepted) {
+TEST(ParserTests, FailureIsReportedAtTheTokenAfterTheLastAccepted) {
     checkFailures({
         {L"1CM", 1},
         {L"2*", 1},
@@ -352,7 +351,7 @@ TEST(ParserTests, FailureIsReportedAtTheTokenBehindTheLastAccepted) {
     });
 }
 
-TEST(ParserTests, UnitBracketWhoseInsideFailsSpoilsTheTokenBehind) {
+TEST(ParserTests, UnitBracketWhoseInsideFailsSpoilsTheTokenAfter) {
     checkFailures({
         {L"1 m / (s + 2 s)", 4},
         {L"1 ()", 2},

@@ -1,6 +1,7 @@
 // The texts of a tree: the value for the user, and the expression again.
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
+#include "Server/CommonData/Expressions/TreeInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Tests/CommonData/Expressions/ExpressionsTesting.h"
 

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "Server/CommonData/Expressions/Node.h"
+#include "Server/CommonData/Expressions/NodeInternal.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
 #include "Server/CommonData/Expressions/ValueFormatter.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
@@ -357,7 +357,7 @@ TEST(RobustnessTests, TreeOfTooManyDifferentUnitsIsRefused) {
     for (wchar_t const * const unit : {L"s", L"kg", L"A", L"K", L"J", L"N"})
         text += L"+" + product(unit);
     EXPECT_EQ(onSmallStack(text).outcome, L"Units don't Evaluate");
-    // So it is for units behind numbers, each with a list of its own.
+    // So it is for units after numbers, each with a list of its own.
     text = L"1";
     for (int length = 1; length <= 4096; ++length)
         for (wchar_t const * const unit : {L"m", L"s", L"kg"})
@@ -372,15 +372,15 @@ void checkCover(std::wstring_view text) {
     TokenList list;
     TokenizerRegistry::get()->tokenize(text, list);
     auto const size = static_cast<unsigned int>(Text::length16(text));
-    unsigned int behind = 0;
+    unsigned int after = 0;
     for (Token const * token = list.first()->next; token; token = token->next) {
         ASSERT_LE(token->start, token->end) << shown(text);
         ASSERT_LE(token->end, size) << shown(text);
         // A name that a mark stands for may lie on the last character of its number.
-        ASSERT_GE(token->start + 1, behind) << shown(text);
-        ASSERT_TRUE(token->end > behind || token->kind == TK_END || token->end == token->start + 1)
+        ASSERT_GE(token->start + 1, after) << shown(text);
+        ASSERT_TRUE(token->end > after || token->kind == TK_END || token->end == token->start + 1)
             << shown(text);
-        behind = token->end;
+        after = token->end;
     }
     TokenKind const last = list.last()->kind;
     ASSERT_TRUE(last == TK_END || last == TK_UNKNOWN) << shown(text);

@@ -223,8 +223,7 @@ private:
                         L"(ft)", L"in^1", L"micron"});
         if (m_family == c_temperatures) return one({L"C", L"F", L"K", L"C/s s", L"f"});
         std::wstring text = unit();
-        for (int more = below(6) - 3; more > 0; --more)
-            text += one({L" ", L"*", L" / "}) + unit();
+        for (int more = below(6) - 3; more > 0; --more) text += one({L" ", L"*", L" / "}) + unit();
         return text;
     }
 
@@ -272,13 +271,9 @@ void checkRandomExpressions(unsigned int seed) {
     EXPECT_GE(evaluated, 500);
 }
 
-TEST(RoundTripTests, RandomExpressionsOfAFixedSeed) {
-    checkRandomExpressions(20240607);
-}
+TEST(RoundTripTests, RandomExpressionsOfAFixedSeed) { checkRandomExpressions(20240607); }
 
-TEST(RoundTripTests, RandomExpressionsOfANewSeed) {
-    checkRandomExpressions(newSeed());
-}
+TEST(RoundTripTests, RandomExpressionsOfANewSeed) { checkRandomExpressions(newSeed()); }
 
 // ---- All short texts ----------------------------------------------------------------------------
 
@@ -287,8 +282,7 @@ void checkAllTexts(std::vector<std::wstring> const & pieces, std::size_t length,
                    std::vector<std::wstring> const & contexts, std::size_t & texts,
                    std::size_t & trees) {
     std::vector<UnitContext> read;
-    for (std::wstring const & context : contexts)
-        read.push_back(contextOf(context));
+    for (std::wstring const & context : contexts) read.push_back(contextOf(context));
     std::vector<std::size_t> chosen;
     std::wstring text;
     for (;;) {
@@ -301,13 +295,11 @@ void checkAllTexts(std::vector<std::wstring> const & pieces, std::size_t length,
         if (chosen.size() < length) {
             chosen.push_back(0);
         } else {
-            while (!chosen.empty() && ++chosen.back() == pieces.size())
-                chosen.pop_back();
+            while (!chosen.empty() && ++chosen.back() == pieces.size()) chosen.pop_back();
             if (chosen.empty()) return;
         }
         text.clear();
-        for (std::size_t const piece : chosen)
-            text += pieces[piece];
+        for (std::size_t const piece : chosen) text += pieces[piece];
     }
 }
 

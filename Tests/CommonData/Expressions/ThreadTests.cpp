@@ -24,12 +24,10 @@ void onThreads(Work const & work) {
     for (unsigned int number = 0; number < c_threads; ++number)
         threads.emplace_back([&, number] {
             ++ready;
-            while (ready < c_threads)
-                std::this_thread::yield();
+            while (ready < c_threads) std::this_thread::yield();
             work(number);
         });
-    for (std::thread & thread : threads)
-        thread.join();
+    for (std::thread & thread : threads) thread.join();
 }
 
 // Everything that an expression answers, in one line.
@@ -85,8 +83,7 @@ TEST(ThreadTests, PrefixesMakeTheirUnitsOnce) {
                     Tokens::get()->findMatchingUnit(std::wstring(prefix) + unit));
     });
     std::vector<std::wstring> alone;
-    for (std::wstring const & text : texts)
-        alone.push_back(line(text, Units::UnitContext()));
+    for (std::wstring const & text : texts) alone.push_back(line(text, Units::UnitContext()));
     for (std::size_t i = 0; i < texts.size(); ++i)
         EXPECT_EQ(alone[i].substr(0, 9), L"Success!|") << shown(texts[i]);
     for (unsigned int number = 0; number < c_threads; ++number) {
@@ -120,8 +117,7 @@ TEST(ThreadTests, OneContextServesAllThreads) {
         for (int i = 0; i < 50; ++i)
             lines[number] = line(L"1 + 2 newton + 3 kg * Gravity", context);
     });
-    for (std::wstring const & each : lines)
-        EXPECT_EQ(each, lines[0]);
+    for (std::wstring const & each : lines) EXPECT_EQ(each, lines[0]);
     EXPECT_EQ(lines[0].substr(0, 9), L"Success!|");
 }
 
@@ -142,12 +138,10 @@ TEST(ThreadTests, RandomNumbersNeedNoCommonState) {
 TEST(ThreadTests, RandomNumbersOfThreadsDiffer) {
     std::vector<std::vector<std::optional<double>>> drawn(c_threads);
     onThreads([&](unsigned int number) {
-        for (int i = 0; i < 16; ++i)
-            drawn[number].push_back(Expression(L"random()").value());
+        for (int i = 0; i < 16; ++i) drawn[number].push_back(Expression(L"random()").value());
     });
     for (unsigned int a = 0; a < c_threads; ++a)
-        for (unsigned int b = 0; b < a; ++b)
-            EXPECT_NE(drawn[a], drawn[b]);
+        for (unsigned int b = 0; b < a; ++b) EXPECT_NE(drawn[a], drawn[b]);
 }
 
 TEST(ThreadTests, DeepAndLongTextsOnAllThreads) {

@@ -49,9 +49,7 @@ Seen name(unsigned int start, unsigned int end, std::wstring text) {
 Seen unknown(unsigned int start, unsigned int end, std::wstring text) {
     return {TK_UNKNOWN, start, end, std::move(text)};
 }
-Seen end(unsigned int at) {
-    return {TK_END, at, at, L""};
-}
+Seen end(unsigned int at) { return {TK_END, at, at, L""}; }
 
 Seen decimal(unsigned int start, unsigned int end, std::wstring text, double value,
              int precision = 0) {
@@ -87,7 +85,7 @@ Form formOf(Token const & token) {
     return Form::None;
 }
 
-// The tokens of `text` behind TK_START.
+// The tokens of `text` after TK_START.
 std::vector<Seen> tokens(std::wstring_view text) {
     TokenList list;
     TokenizerRegistry::get()->tokenize(text, list);
@@ -114,8 +112,7 @@ struct Row {
 };
 
 void check(std::vector<Row> const & rows) {
-    for (Row const & row : rows)
-        EXPECT_EQ(tokens(row.text), row.tokens) << shown(row.text);
+    for (Row const & row : rows) EXPECT_EQ(tokens(row.text), row.tokens) << shown(row.text);
 }
 
 double const c_largest = std::numeric_limits<double>::max();
@@ -234,7 +231,7 @@ TEST(TokenizerTests, ScientificNumbers) {
 }
 
 TEST(TokenizerTests, ScientificNumberIsNormalisedForWritingBack) {
-    // One more decimal for each digit that moves behind the point, while the exponent is negative.
+    // One more decimal for each digit that moves after the point, while the exponent is negative.
     check({
         {L"22E-2", {scientific(0, 5, L"22E-2", 0.22, 1, -2), end(5)}},
         {L"222E-2", {scientific(0, 6, L"222E-2", 2.22, 2, -2), end(6)}},
@@ -262,7 +259,7 @@ TEST(TokenizerTests, ExponentWithoutDigitsIsNoNumber) {
     });
 }
 
-TEST(TokenizerTests, SignBehindAnExponentAtTheEndIsATokenOfItsOwn) {
+TEST(TokenizerTests, SignAfterAnExponentAtTheEndIsATokenOfItsOwn) {
     check({
         {L"2e-", {scientific(0, 2, L"2e", 2.0, 0, 0), sign(TK_MINUS, 2), end(3)}},
         {L"2e+", {scientific(0, 2, L"2e", 2.0, 0, 0), sign(TK_PLUS, 2), end(3)}},
@@ -285,13 +282,13 @@ TEST(TokenizerTests, ValueThatIsNotFiniteIsTheLargestDouble) {
     check({
         {L"1E308", {scientific(0, 5, L"1E308", 1e308, 0, 308), end(5)}},
         {L"1E309", {scientific(0, 5, L"1E309", c_largest, 0, 309), end(5)}},
-        // Zero times infinity is no number.
+        // Zero times infinity isn't a number.
         {L"0E999", {scientific(0, 5, L"0E999", c_largest, 0, 999), end(5)}},
         {L"0E308", {scientific(0, 5, L"0E308", 0.0, 0, 308), end(5)}},
     });
     std::wstring const digits(400, L'9');
     check({{digits, {decimal(0, 400, digits, c_largest), end(400)}}});
-    // As many ones behind the point: infinity over infinity.
+    // As many ones after the point: infinity over infinity.
     std::wstring const decimals = L"0." + std::wstring(400, L'1');
     check({{decimals, {decimal(0, 402, decimals, c_largest, 400), end(402)}}});
 }
@@ -321,7 +318,7 @@ TEST(TokenizerTests, Fractions) {
     });
 }
 
-TEST(TokenizerTests, BlanksBehindAFractionBelongToIt) {
+TEST(TokenizerTests, BlanksAfterAFractionBelongToIt) {
     check({
         {L"3 / 2 s", {fraction(0, 6, L"3 / 2 ", 1.5, 1), name(6, 7, L"s"), end(7)}},
         {L"1/2  ", {fraction(0, 5, L"1/2  ", 0.5, 1), end(5)}},
@@ -415,7 +412,7 @@ TEST(TokenizerTests, FeetAndInches) {
     });
 }
 
-TEST(TokenizerTests, FeetAloneEndBehindTheirMark) {
+TEST(TokenizerTests, FeetAloneEndAfterTheirMark) {
     check({
         {L"2' 6",
          {feet(0, 1, L"2", 2.0, 8), name(1, 2, L"foot"), decimal(3, 4, L"6", 6.0), end(4)}},
@@ -486,7 +483,7 @@ TEST(TokenizerTests, MarkOfSecondsIsTakenInWithoutSeconds) {
     check({
         {L"45 deg 30' \"",
          {degrees(0, 12, L"45 deg 30' \"", 45.5, 1), name(11, 12, L"degree"), end(12)}},
-        // A lone separator is no seconds.
+        // A lone separator doesn't make seconds.
         {L"45 deg 30' .\"",
          {degrees(0, 10, L"45 deg 30'", 45.5, 1), name(9, 10, L"degree"), unknown(11, 13, L".\"")}},
     });
@@ -546,7 +543,7 @@ TEST(TokenizerTests, WhatNothingRecognisesReachesToTheEnd) {
 }
 
 TEST(TokenizerTests, PositionsCountSixteenBitCharacters) {
-    // A musical clef takes two, is no punctuation, no blank and no digit.
+    // A musical clef takes two, isn't punctuation, no blank and no digit.
     check({
         {L"\U0001D11E", {name(0, 2, L"\U0001D11E"), end(2)}},
         {L"\U0001D11E+1",
@@ -579,8 +576,7 @@ public:
 private:
     Reading onRead(std::wstring_view text, std::size_t position) const override {
         std::size_t last = position;
-        while (last < text.size() && text[last] == L'!')
-            ++last;
+        while (last < text.size() && text[last] == L'!') ++last;
         Reading reading;
         reading.kind = TK_NAME;
         reading.length = last - position;

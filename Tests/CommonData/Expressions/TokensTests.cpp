@@ -117,9 +117,7 @@ TEST(TokensTests, EightyTokensHaveTheirNumbersAndDefaultTexts) {
     }
 }
 
-TEST(TokensTests, ThereIsOneVocabulary) {
-    EXPECT_EQ(Tokens::get(), Tokens::get());
-}
+TEST(TokensTests, ThereIsOneVocabulary) { EXPECT_EQ(Tokens::get(), Tokens::get()); }
 
 TEST(TokensTests, ConstantsHaveTheirValues) {
     Tokens const & tokens = *Tokens::get();
@@ -279,9 +277,9 @@ TEST(TokensTests, NamesEndWhereTheyEnd) {
         {L"\u03BCm", 0, false, false, 2}, // a Greek mu is a letter
         {L"\u00E4\u00DF", 0, false, false, 2},
         {L"\u4E2D\u6587+", 0, true, true, 2},
-        {L"\u0661", 0, true, false, 1}, // an Arabic digit is no digit here
+        {L"\u0661", 0, true, false, 1}, // an Arabic digit isn't a digit here
         {L"\U0001D11E", 0, true, false, std::wstring_view(L"\U0001D11E").size()},
-        // At or behind the end: true, and the position stays.
+        // At or after the end: true, and the position stays.
         {L"", 0, true, true, 0},
         {L"cm", 2, true, true, 2},
         {L"cm", 7, true, true, 7},
@@ -348,7 +346,7 @@ TEST(TokensTests, WordsNameUnits) {
         {L"kin", nullptr},
         {L"xm", nullptr},
         {L"Km", nullptr},
-        {L"\u212A", nullptr}, // a Kelvin sign is no k
+        {L"\u212A", nullptr}, // a Kelvin sign isn't a k
         {L"cos", nullptr},
     };
     for (Row const & row : rows)
@@ -359,7 +357,7 @@ TEST(TokensTests, EveryPrefixMakesItsMagnitude) {
     for (int number = 17; number <= 49; ++number) {
         if (number == 33) continue;
         auto const token = static_cast<EToken>(number);
-        // Behind every other unit a spelling could be read in two ways: "dam" is no "d" of "am".
+        // After every other unit a spelling could be read in two ways: "dam" is no "d" of "am".
         std::wstring const word = Tokens::get()->getString(token) + L"hertz";
         SimpleUnit const * const unit = Tokens::get()->findMatchingUnit(word);
         ASSERT_NE(unit, nullptr) << shown(word);

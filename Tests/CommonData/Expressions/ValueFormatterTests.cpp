@@ -27,9 +27,7 @@ struct Row {
 std::wstring decimal(double value, Change const & change = {}) {
     return valueFormatter::get()->formatDecimal(value, standardBut(change));
 }
-std::wstring fractional(double value) {
-    return valueFormatter::get()->formatFractional(value);
-}
+std::wstring fractional(double value) { return valueFormatter::get()->formatFractional(value); }
 std::wstring architectural(double feet, Change const & change = {}) {
     return valueFormatter::get()->formatArchitectural(feet, standardBut(change));
 }
@@ -38,8 +36,7 @@ std::wstring degMinSec(double degrees, Change const & change = {}) {
 }
 
 void checkDecimal(Change const & change, std::vector<Row> const & rows) {
-    for (Row const & row : rows)
-        EXPECT_EQ(decimal(row.value, change), row.text) << row.value;
+    for (Row const & row : rows) EXPECT_EQ(decimal(row.value, change), row.text) << row.value;
 }
 
 // So many decimals, all of them written, never with an exponent.
@@ -161,7 +158,7 @@ TEST(FormatDecimalTests, BiasLiftsWhatStandsJustBelowARoundingPoint) {
     // It is a hundred-millionth up to five decimals.
     checkDecimal(plain(2), {{0.004999995, L"0.01"}, {0.00499998, L"0.00"}});
     checkDecimal(plain(5), {{0.000004995, L"0.00001"}, {0.00000498, L"0.00000"}});
-    // Behind that, a thousandth of the last place.
+    // After that, a thousandth of the last place.
     checkDecimal(plain(6), {{0.0000004995, L"0.000001"}, {0.0000004985, L"0.000000"}});
     checkDecimal(plain(9), {{0.0000000004995, L"0.000000001"}, {0.0000000004985, L"0.000000000"}});
     // None beyond nineteen decimals.
@@ -342,8 +339,7 @@ TEST(FormatFractionalTests, SixtyFourthsInLowestTerms) {
         {1.0 / 3.0, L"21/64"},
         {1000000000.5, L"1000000000 1/2"},
     };
-    for (Row const & row : rows)
-        EXPECT_EQ(fractional(row.value), row.text) << row.value;
+    for (Row const & row : rows) EXPECT_EQ(fractional(row.value), row.text) << row.value;
 }
 
 TEST(FormatFractionalTests, SignStandsBeforeTheSpaceOfAFraction) {
@@ -421,9 +417,7 @@ TEST(RoundsToWholeTests, FromSixtyThreeAndAHalfSixtyFourths) {
 
 // ---- Feet and inches ----------------------------------------------------------------------------
 
-void showZeroes(Settings & settings) {
-    settings.hideTrailingZeroes(false);
-}
+void showZeroes(Settings & settings) { settings.hideTrailingZeroes(false); }
 
 TEST(FormatArchitecturalTests, FeetAndInches) {
     struct FeetRow {

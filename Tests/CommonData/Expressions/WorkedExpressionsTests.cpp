@@ -24,8 +24,7 @@ void checkPassed(std::string_view name, std::size_t atLeast, wchar_t const * not
     for (UnitTest * const test : smokeTests()) {
         if (test->name() != name) continue;
         UnitTest::Report const report = UnitTest::run(*test);
-        for (std::wstring const & failure : report.failures)
-            ADD_FAILURE() << shown(failure);
+        for (std::wstring const & failure : report.failures) ADD_FAILURE() << shown(failure);
         EXPECT_GE(report.assertions, atLeast);
         EXPECT_EQ(report.notes, std::vector<std::wstring>{note});
         return;
@@ -35,8 +34,7 @@ void checkPassed(std::string_view name, std::size_t atLeast, wchar_t const * not
 
 TEST(WorkedExpressionsTests, SelfChecksAreThere) {
     std::vector<std::string> names;
-    for (UnitTest * const test : smokeTests())
-        names.push_back(test->name());
+    for (UnitTest * const test : smokeTests()) names.push_back(test->name());
     EXPECT_EQ(names,
               (std::vector<std::string>{"basicExpressionTests", "unitDisplaySettingsTests"}));
 }
@@ -117,8 +115,7 @@ TEST(WorkedExpressionsTests, NonStandardSettingsAndTheirChanges) {
     EXPECT_FALSE(settings.hideTrailingZeroes());
     EXPECT_EQ(settings.useScientificNotationAboveThreshold(), 1000.0);
     EXPECT_EQ(settings.useScientificNotationBelowThreshold(), 0.0001);
-    for (WorkedDisplay const & row : workedDisplays())
-        applyControlRow(row, settings);
+    for (WorkedDisplay const & row : workedDisplays()) applyControlRow(row, settings);
     EXPECT_EQ(settings.lengthDisplay(), Units::LengthArchitectural);
     EXPECT_EQ(settings.angularPrecision(), 5);
     EXPECT_EQ(settings.minimumPrecision(), 0);

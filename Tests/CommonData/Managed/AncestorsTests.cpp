@@ -32,22 +32,20 @@ TEST(AncestorWalkTests, GoesThroughAllAncestorsInOrder) {
         auto const chain = chainOf(document, length, length);
         std::size_t place = 0;
         AncestorWalk walk(chain.front());
-        for (; walk; walk.goTo(parentOf(*walk)))
-            EXPECT_EQ(walk.at(), chain[place++]);
+        for (; walk; walk.goTo(parentOf(*walk))) EXPECT_EQ(walk.at(), chain[place++]);
         EXPECT_EQ(place, length);
         EXPECT_FALSE(walk.metCircle());
     }
 }
 
-TEST(AncestorWalkTests, EndsInACircleOfAnyLengthBehindAnyWay) {
+TEST(AncestorWalkTests, EndsInACircleOfAnyLengthAfterAnyWay) {
     Document const document;
     for (std::size_t const length : {1U, 2U, 3U, 5U, 8U, 17U, 100U}) {
         for (std::size_t circle = 0; circle < length; ++circle) {
             auto const chain = chainOf(document, length, circle);
             std::size_t steps = 0;
             AncestorWalk walk(chain.front());
-            for (; walk && steps < 5 * length; walk.goTo(parentOf(*walk)))
-                ++steps;
+            for (; walk && steps < 5 * length; walk.goTo(parentOf(*walk))) ++steps;
             EXPECT_TRUE(walk.metCircle()) << length << ", from " << circle;
             EXPECT_GE(steps, length) << "nobody is left out";
             chain.back()->nullParent();

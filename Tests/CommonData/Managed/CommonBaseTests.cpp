@@ -180,8 +180,7 @@ TEST_F(CommonBaseTests, ParentsInACircleHaveNoAncestor) {
     for (int const length : {1, 2, 3, 1000}) {
         StrongRef<DataGroup> const top = DataGroup::make(m_document.segment());
         StrongRef<DataGroup> bottom = top;
-        for (int i = 1; i < length; ++i)
-            bottom = DataGroup::make(PassiveRef<Entity>(bottom));
+        for (int i = 1; i < length; ++i) bottom = DataGroup::make(PassiveRef<Entity>(bottom));
         StrongRef<Data> const data = Data::make(PassiveRef<Entity>(bottom));
         EXPECT_EQ(data->commonDataAncestor(), top) << length;
         bottom->addChild(top); // which has no parent yet
@@ -199,7 +198,7 @@ TEST_F(CommonBaseTests, AClientIsSetInAStructuralChangeAndObserved) {
     Recorder recorder(*data);
     data->commonDataClientObject(m_rClient.get());
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
     EXPECT_EQ(data->commonDataClientObject(), m_rClient.get());
     m_rClient->touch();
     EXPECT_EQ(data->m_changes, 1);
@@ -347,7 +346,7 @@ TEST_F(CommonBaseTests, CommonDataIsSetInAStructuralChange) {
     Recorder recorder(*m_rClient);
     m_rClient->commonData(data.get());
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
     m_rClient->unsubscribe(&recorder);
 }
 
@@ -371,7 +370,7 @@ TEST_F(CommonBaseTests, AClientThatDiesReleasesItsOrphan) {
     EXPECT_FALSE(watched);
 }
 
-TEST_F(CommonBaseTests, QueryInterfaceOffersCommonDataBehindTheManagedBase) {
+TEST_F(CommonBaseTests, QueryInterfaceOffersCommonDataAfterTheManagedBase) {
     StrongRef<Data> const data = Data::make(m_document.segment());
     StrongRef<DataGroup> const group = DataGroup::make(m_document.segment());
     StrongRef<DataCollection> const collection = DataCollection::make(m_document.segment());
@@ -428,7 +427,7 @@ TEST_F(CommonBaseTests, TheClientOfACollectionIsNoMemberAndThatOfOthersIs) {
     EXPECT_EQ(collection->commonDataClientObject(), m_rClient.get());
 }
 
-// A file as version 0 wrote it: the class's own "rooted" and "rootId" stand behind those of its
+// A file as version 0 wrote it: the class's own "rooted" and "rootId" stand after those of its
 // base.
 TEST_F(CommonBaseTests, ARootCollectionOfVersionZeroLoadsWithWhatItsBaseStored) {
     if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;

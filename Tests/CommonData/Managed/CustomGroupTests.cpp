@@ -62,28 +62,24 @@ protected:
         : m_rTree(Group::make(m_document.segment())),
           m_rGroups(CustomGroups::make(PassiveRef<Entity>(m_rTree))),
           m_rTop(CustomGroup::make(m_rGroups, &m_nobody)) {
-        for (int i = 0; i < 3; ++i)
-            m_things.push_back(Grouped::make(PassiveRef<Entity>(m_rTree)));
+        for (int i = 0; i < 3; ++i) m_things.push_back(Grouped::make(PassiveRef<Entity>(m_rTree)));
     }
 
     std::vector<ICustomGroupChild *> members(CustomGroup const & group) const {
         std::vector<ICustomGroupChild *> all;
-        for (unsigned i = 0; i < group.groupChildren(); ++i)
-            all.push_back(group.groupChild(i));
+        for (unsigned i = 0; i < group.groupChildren(); ++i) all.push_back(group.groupChild(i));
         return all;
     }
     std::vector<ICustomGroupChild *> things(std::initializer_list<std::size_t> places) const {
         std::vector<ICustomGroupChild *> all;
-        for (std::size_t const place : places)
-            all.push_back(m_things[place].get());
+        for (std::size_t const place : places) all.push_back(m_things[place].get());
         return all;
     }
     void addAll() const {
-        for (auto const & thing : m_things)
-            m_rTop->addGroupChild(thing.get());
+        for (auto const & thing : m_things) m_rTop->addGroupChild(thing.get());
     }
 
-    // A holder that is no managed entity.
+    // A holder that isn't a managed entity.
     struct Nobody : ICustomGroupParent {
         void addGroupChild(ICustomGroupChild *) override {}
         void removeGroupChild(ICustomGroupChild *) override {}
@@ -144,7 +140,7 @@ TEST_F(CustomGroupTests, GetNextIdIsAStructuralChangeThatCanBeUndone) {
     Recorder recorder(*m_rGroups);
     m_document.step([&] { EXPECT_EQ(m_rGroups->getNextID(), 2); });
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
     m_document.undo();
     EXPECT_EQ(m_rGroups->getNextID(), 2);
     m_rGroups->unsubscribe(&recorder);
@@ -182,7 +178,7 @@ TEST_F(CustomGroupTests, AddGroupChildSetsTheGroupParentBeforeTheListChanges) {
     EXPECT_EQ(at, m_rTop.get());
     EXPECT_EQ(count, 0U);
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeChildren);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeChildren);
     EXPECT_EQ(members(*m_rTop), things({0}));
     m_rTop->unsubscribe(&recorder);
 }
@@ -208,7 +204,7 @@ TEST_F(CustomGroupTests, InsertGroupChildIsAStructuralChangeAndSetsTheGroupParen
     };
     m_rTop->insertGroupChild(m_things[2].get(), 1);
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
     EXPECT_EQ(members(*m_rTop), things({0, 2, 1}));
     EXPECT_EQ(m_things[2]->groupParent(), m_rTop.get());
     m_rTop->unsubscribe(&recorder);
@@ -222,8 +218,8 @@ TEST_F(CustomGroupTests, InsertGroupChildAtTheEndDiffersFromAddGroupChildInTheTy
     EXPECT_EQ(members(*m_rTop), things({0, 1, 2}));
     EXPECT_EQ(m_things[1]->groupParent(), m_things[2]->groupParent());
     ASSERT_EQ(recorder.m_told.size(), 4U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
-    EXPECT_EQ(recorder.m_told[2].m_type, DataChange::ChangeChildren);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[2].type, DataChange::ChangeChildren);
     m_rTop->unsubscribe(&recorder);
 }
 
@@ -235,11 +231,11 @@ TEST_F(CustomGroupTests, RemoveGroupChildTakesTheFirstPlaceAndLeavesTheGroupPare
     EXPECT_EQ(members(*m_rTop), things({0, 2, 1}));
     EXPECT_EQ(m_things[1]->groupParent(), m_rTop.get());
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeChildren);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeChildren);
     m_rTop->unsubscribe(&recorder);
 }
 
-// What a hook takes out shifts what stands behind it.
+// What a hook takes out shifts what stands after it.
 TEST_F(CustomGroupTests, RemoveGroupChildTakesItsMemberWhateverAHookHasRemovedMeanwhile) {
     addAll();
     for (std::size_t const other : {0, 1, 2}) {
@@ -332,8 +328,7 @@ TEST_F(CustomGroupTests, AMemberThatHasDiedLeavesASlotWhichReplaysSkip) {
         ASSERT_NE(found, nullptr);
         EXPECT_EQ(found->addedChildren(),
                   (std::vector<ManagedEntity *>{nullptr, m_things[2].get()}));
-        for (ManagedEntity * const added : found->addedChildren())
-            EXPECT_NE(added, second);
+        for (ManagedEntity * const added : found->addedChildren()) EXPECT_NE(added, second);
         EXPECT_TRUE(found->removedChildren().empty());
         ++compared;
     };
@@ -396,15 +391,14 @@ TEST_F(CustomGroupTests, GroupParentIsSetInAStructuralChange) {
     inner->groupParent(other.get());
     EXPECT_EQ(inner->groupParent(), other.get());
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
     inner->unsubscribe(&recorder);
 }
 
 TEST_F(CustomGroupTests, ADeletedGroupLeavesItsMembersInTheTreeWithoutAGroup) {
     StrongRef<CustomGroup> inner = CustomGroup::make(m_rGroups, m_rTop.get());
     m_rTop->addGroupChild(inner.get());
-    for (auto const & thing : m_things)
-        inner->addGroupChild(thing.get());
+    for (auto const & thing : m_things) inner->addGroupChild(thing.get());
     auto request = CustomGroupDeleteRequest::make(&m_document.asset(), inner);
     EXPECT_EQ(request->asset(0), &m_document.asset());
     auto const index = inner->creationIndex();

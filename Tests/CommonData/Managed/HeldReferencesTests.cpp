@@ -42,8 +42,7 @@ TEST_F(HeldReferencesTests, AGroupThatAPanelHoldsIsDeletedLetGoAndBroughtBack) {
         holder->addGroupChild(panel.get());
     });
     unsigned const index = panel->creationIndex();
-    EXPECT_TRUE(m_document.asset().run(
-        CustomGroupDeleteRequest::make(&m_document.asset(), panel)));
+    EXPECT_TRUE(m_document.asset().run(CustomGroupDeleteRequest::make(&m_document.asset(), panel)));
     EXPECT_EQ(groups->groups(), 1U);
     m_document.step([&] { StrongRef<Leaf> const made = Leaf::make(PassiveRef<Entity>(m_rTop)); });
     panel.reset();
@@ -166,14 +165,19 @@ public:
             break;
         }
         case 4:
-        case 5: return move(true);
-        case 6: return move(false);
-        case 7: hold(); break;
+        case 5:
+            return move(true);
+        case 6:
+            return move(false);
+        case 7:
+            hold();
+            break;
         case 8: {
             auto const all = std::exchange(m_held, {});
             break;
         }
-        default: letGo();
+        default:
+            letGo();
         }
         return check();
     }
@@ -226,7 +230,9 @@ private:
             m_held.emplace_back(
                 StrongRef<Leaf>(Leaf::make(PassiveRef<Entity>(group), below(2) ? 0 : ~0U)));
             break;
-        case 2: m_held.emplace_back(StrongRef<Group>(Group::make(PassiveRef<Entity>(group)))); break;
+        case 2:
+            m_held.emplace_back(StrongRef<Group>(Group::make(PassiveRef<Entity>(group))));
+            break;
         case 3: {
             StrongRef<ManagedGroupEntity> const parent = entity->managedParent();
             if (!parent || entity == m_rTop) break;
@@ -246,7 +252,8 @@ private:
             break;
         }
         case 6:
-            if (auto * const leaf = query<Leaf>(entity.get())) leaf->value(static_cast<int>(below(9)));
+            if (auto * const leaf = query<Leaf>(entity.get()))
+                leaf->value(static_cast<int>(below(9)));
             break;
         case 7: {
             StrongRef<CustomGroup> const made = CustomGroup::make(m_rGroups, m_rHolder.get());
@@ -311,7 +318,7 @@ private:
             }
             out << '\n';
         }
-        // References that own nothing lead to what somebody holds, too; that is left out.
+        // References that own nothing lead to what is held, too; that is left out.
         out << "members:";
         for (auto const & member : m_rHolder->groupChildrenVector())
             if (member && reached.contains(member->id())) out << ' ' << member->id();
@@ -326,11 +333,12 @@ private:
 
     std::string check() {
         ChangeHistory const & history = m_document.asset().history();
-        if (history.undoSteps() != m_present
-            || history.redoSteps() != m_states.size() - m_present - 1)
-            return "there are " + std::to_string(history.undoSteps()) + " and "
-                + std::to_string(history.redoSteps()) + " steps, not " + std::to_string(m_present)
-                + " and " + std::to_string(m_states.size() - m_present - 1);
+        if (history.undoSteps() != m_present ||
+            history.redoSteps() != m_states.size() - m_present - 1)
+            return "there are " + std::to_string(history.undoSteps()) + " and " +
+                   std::to_string(history.redoSteps()) + " steps, not " +
+                   std::to_string(m_present) + " and " +
+                   std::to_string(m_states.size() - m_present - 1);
         std::string const now = state();
         if (now.find("dead") != std::string::npos) return "a dead entity is listed:\n" + now;
         if (now == m_states[m_present]) return {};
@@ -355,8 +363,8 @@ TEST(ManagedWalkTests, TheTreeIsWhatTheStepsSayWhateverIsHeld) {
     char const * const many = std::getenv("VN_TEST_SEEDS");
     char const * const given = std::getenv("VN_TEST_SEED");
     unsigned const seeds = many ? static_cast<unsigned>(std::strtoul(many, nullptr, 10)) : 20;
-    unsigned const first = given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10))
-                                 : std::random_device()();
+    unsigned const first =
+        given ? static_cast<unsigned>(std::strtoul(given, nullptr, 10)) : std::random_device()();
     std::cout << "seeds " << first << " to " << first + seeds - 1 << '\n';
     for (unsigned seed = first; seed != first + seeds; ++seed) {
         Walk walk(seed);

@@ -8,9 +8,9 @@
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/ScriptableObject.h"
 #include "Platform/Scene/INodeSource.h"
-#include "Tests/Base/SmallStack.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
 #include "Tests/DataModel/DocumentEngine.h"
+#include "Tests/Support/SmallStack.h"
 
 namespace Vn::Managed::Testing {
 
@@ -74,7 +74,7 @@ TEST(ManagedEntityTests, AnInsertionIndexIsThePlaceAmongTheSiblings) {
     StrongRef<Leaf> const between = Leaf::make(PassiveRef<Entity>(group), 1);
     EXPECT_EQ(group->childrenVector(), (Children{leaves[0], between, leaves[1]}));
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
     group->unsubscribe(&recorder);
 }
 
@@ -96,12 +96,12 @@ TEST(ManagedEntityTests, NullParentForgetsTheParentAndLeavesTheList) {
     EXPECT_EQ(leaf->parent(), nullptr);
     EXPECT_EQ(group->childrenVector(), Children{leaf});
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_what, Told::Pre);
-    EXPECT_EQ(recorder.m_told[1].m_what, Told::Post);
+    EXPECT_EQ(recorder.m_told[0].what, Told::Pre);
+    EXPECT_EQ(recorder.m_told[1].what, Told::Post);
     for (Told const & told : recorder.m_told) {
-        EXPECT_EQ(told.m_type, DataChange::ChangeStructural);
-        EXPECT_EQ(told.m_transact, DataChange::TransactDirect);
-        EXPECT_FALSE(told.m_bDetails);
+        EXPECT_EQ(told.type, DataChange::ChangeStructural);
+        EXPECT_EQ(told.transact, DataChange::TransactDirect);
+        EXPECT_FALSE(told.hasDetails);
     }
     document.undo();
     EXPECT_EQ(leaf->parent(), group);
@@ -261,8 +261,7 @@ TEST(ManagedEntityTests, GetChildObjectThroughAChainOf100000LeavesIsTheGroupsAns
     Document const document;
     StrongRef<Group> const group = Group::make(document.segment());
     std::vector<StrongRef<Leaf>> chain = makeLeaves(group, 1);
-    for (int i = 0; i < 100000; ++i)
-        chain.push_back(Leaf::make(PassiveRef<Entity>(chain.back())));
+    for (int i = 0; i < 100000; ++i) chain.push_back(Leaf::make(PassiveRef<Entity>(chain.back())));
     ObjectPath const path;
     Vn::Testing::onSmallStack([&] {
         EXPECT_EQ(chain.back()->getChildObject(Onk(L"CmnData", 0), path),
@@ -283,9 +282,9 @@ TEST(ManagedEntityTests, ParentsThatLeadInACircleAreNotSaved) {
     StrongRef<Leaf> const below = Leaf::make(PassiveRef<Entity>(two));
     ASSERT_TRUE(DocumentFile::saveAs(document.asset(), file.path()));
     auto const isRefused = [](Status const & status) {
-        return status.code() == StatusCorrupt
-            && status.cause().find("the parents of entity ") != std::string::npos
-            && status.cause().find(" lead in a circle") != std::string::npos;
+        return status.code() == StatusCorrupt &&
+               status.cause().find("the parents of entity ") != std::string::npos &&
+               status.cause().find(" lead in a circle") != std::string::npos;
     };
     document.step([&] { one->parent(two); });
     EXPECT_TRUE(isRefused(DocumentFile::save(document.asset())));

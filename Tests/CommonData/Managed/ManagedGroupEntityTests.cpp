@@ -56,8 +56,8 @@ TEST_F(ManagedGroupEntityTests, AddChildPutsTheChildAtTheEndAndTellsOfIt) {
     EXPECT_EQ(m_rGroup->childrenVector(), (Children{leaves[0], leaf}));
     ASSERT_EQ(catcher.m_told.size(), 2U);
     for (Told const & told : catcher.m_told) {
-        EXPECT_EQ(told.m_type, DataChange::ChangeChildren);
-        EXPECT_EQ(told.m_transact, DataChange::TransactDirect);
+        EXPECT_EQ(told.type, DataChange::ChangeChildren);
+        EXPECT_EQ(told.transact, DataChange::TransactDirect);
     }
     ASSERT_EQ(catcher.m_caught.size(), 1U);
     EXPECT_EQ(catcher.m_caught[0].managedEntity(), leaf);
@@ -71,7 +71,7 @@ TEST_F(ManagedGroupEntityTests, AddChildBecomesTheParentOfAParentlessChildInABra
     m_rGroup->addChild(leaf);
     EXPECT_EQ(leaf->parent(), m_rGroup);
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
     leaf->unsubscribe(&recorder);
 }
 
@@ -101,8 +101,7 @@ TEST_F(ManagedGroupEntityTests, AddChildTwiceListsTheChildTwice) {
 
 TEST_F(ManagedGroupEntityTests, AddChildTakesAnElementOfItsOwnList) {
     auto const leaves = makeLeaves(m_rGroup, 1);
-    for (int i = 0; i < 100; ++i)
-        m_rGroup->addChild(m_rGroup->child(0));
+    for (int i = 0; i < 100; ++i) m_rGroup->addChild(m_rGroup->child(0));
     ASSERT_EQ(m_rGroup->children(), 101U);
     EXPECT_EQ(m_rGroup->child(100), leaves[0]);
 }
@@ -115,7 +114,8 @@ TEST_F(ManagedGroupEntityTests, AddChildOfNullIsIgnored) {
     m_rGroup->unsubscribe(&recorder);
 }
 
-// Whoever hears of the new parent takes the child out of the list that the caller named it by.
+// An observer that hears of the new parent takes the child out of the list that the caller named it
+// by.
 TEST_F(ManagedGroupEntityTests, AddChildAddsTheChildWhateverHappensToTheListThatItIsTakenFrom) {
     StrongRef<Leaf> const first = Leaf::make(m_document.segment());
     StrongRef<Leaf> const second = Leaf::make(m_document.segment());
@@ -137,7 +137,7 @@ TEST_F(ManagedGroupEntityTests, InsertChildIsAStructuralChangeWithTheIndex) {
     m_rGroup->insertChild(leaf, 1);
     EXPECT_EQ(m_rGroup->childrenVector(), (Children{leaves[0], leaf, leaves[1]}));
     ASSERT_EQ(catcher.m_told.size(), 2U);
-    EXPECT_EQ(catcher.m_told[0].m_type, DataChange::ChangeStructural);
+    EXPECT_EQ(catcher.m_told[0].type, DataChange::ChangeStructural);
     ASSERT_EQ(catcher.m_caught.size(), 1U);
     EXPECT_EQ(catcher.m_caught[0].managedEntity(), leaf);
     EXPECT_EQ(catcher.m_caught[0].changeType(), Details::ChildInserted);
@@ -224,7 +224,7 @@ TEST_F(ManagedGroupEntityTests, RemoveChildTakesTheFirstPlaceAndTellsOfIt) {
     m_rGroup->removeChild(leaves[1]);
     EXPECT_EQ(m_rGroup->childrenVector(), pick(leaves, {0, 2, 1}));
     ASSERT_EQ(catcher.m_told.size(), 2U);
-    EXPECT_EQ(catcher.m_told[0].m_type, DataChange::ChangeChildren);
+    EXPECT_EQ(catcher.m_told[0].type, DataChange::ChangeChildren);
     ASSERT_EQ(catcher.m_caught.size(), 1U);
     EXPECT_EQ(catcher.m_caught[0].managedEntity(), leaves[1]);
     EXPECT_EQ(catcher.m_caught[0].changeType(), Details::ChildRemoved);
@@ -255,7 +255,7 @@ TEST_F(ManagedGroupEntityTests, RemoveChildTakesAnElementOfItsOwnList) {
     EXPECT_EQ(m_rGroup->childrenVector(), pick(leaves, {1}));
 }
 
-// What a hook takes out shifts what stands behind it.
+// What a hook takes out shifts what stands after it.
 TEST_F(ManagedGroupEntityTests, RemoveChildTakesItsChildWhateverAHookHasRemovedMeanwhile) {
     auto const leaves = makeLeaves(m_rGroup, 3);
     for (std::size_t const other : {0, 1, 2}) {
@@ -345,7 +345,7 @@ TEST_F(ManagedGroupEntityTests, AGroupThatGoesGivesUpItsChildrenInListOrder) {
     EXPECT_EQ(m_document.asset().entities(), 1U);
 }
 
-TEST_F(ManagedGroupEntityTests, AGroupThatGoesIsToldOfItBehindItsChildrenAndThemTheyOutlive) {
+TEST_F(ManagedGroupEntityTests, AGroupThatGoesIsToldOfItAfterItsChildrenAndThemTheyOutlive) {
     StrongRef<Group> group = Group::make(m_document.segment());
     auto const leaves = makeLeaves(group, 2);
     struct Watcher : Recorder {
@@ -386,8 +386,7 @@ TEST_F(ManagedGroupEntityTests, AGroupThatWentComesBackWithItsChildrenInOrder) {
 
 Raw raw(Children const & children) {
     Raw all;
-    for (auto const & child : children)
-        all.push_back(child.get());
+    for (auto const & child : children) all.push_back(child.get());
     return all;
 }
 
@@ -573,7 +572,7 @@ TEST_F(ReplayTests, AReplayStandsAsTheDetailsOfItsChange) {
     m_document.undo();
     ASSERT_EQ(catcher.m_told.size(), 2U);
     for (Told const & told : catcher.m_told)
-        EXPECT_TRUE(DataChange::test(told.m_transact, DataChange::TransactReplay));
+        EXPECT_TRUE(DataChange::test(told.transact, DataChange::TransactReplay));
     ASSERT_EQ(catcher.m_caught.size(), 1U);
     EXPECT_EQ(catcher.m_caught[0].addedChildren(), some({-1, 1, -1, -1}));
     EXPECT_TRUE(catcher.m_caught[0].removedChildren().empty());
@@ -632,8 +631,7 @@ TEST_F(ReplayTests, AHookThatTakesChildrenOutInAReplayLeavesAListThatCanStillBeR
     Recorder recorder(*m_rGroup);
     recorder.m_onPost = [&](DataChange * details) {
         if (!details->find(Difference::interfaceId())) return;
-        for (std::size_t i = 0; i < 4; ++i)
-            m_rGroup->removeChild(m_leaves[i]);
+        for (std::size_t i = 0; i < 4; ++i) m_rGroup->removeChild(m_leaves[i]);
     };
     m_document.undo();
     EXPECT_EQ(m_rGroup->childrenVector(), Children{first});
@@ -685,17 +683,17 @@ TEST_F(ReorderTests, TheFirstBeforeTheSecondIsThereAlready) {
     m_rGroup->unsubscribe(&recorder);
 }
 
-TEST_F(ReorderTests, TheFirstBehindTheLastGoesToTheEnd) { expectMoved(0, 2, true, {1, 2, 0}); }
+TEST_F(ReorderTests, TheFirstAfterTheLastGoesToTheEnd) { expectMoved(0, 2, true, {1, 2, 0}); }
 TEST_F(ReorderTests, TheLastBeforeTheFirstGoesToTheBeginning) {
     expectMoved(2, 0, false, {2, 0, 1});
 }
-TEST_F(ReorderTests, TheLastBehindTheFirstGoesBetween) { expectMoved(2, 0, true, {0, 2, 1}); }
+TEST_F(ReorderTests, TheLastAfterTheFirstGoesBetween) { expectMoved(2, 0, true, {0, 2, 1}); }
 TEST_F(ReorderTests, TheFirstBeforeTheLastGoesBetween) { expectMoved(0, 2, false, {1, 0, 2}); }
-TEST_F(ReorderTests, TheFirstBehindTheSecondChangesPlacesWithIt) {
+TEST_F(ReorderTests, TheFirstAfterTheSecondChangesPlacesWithIt) {
     expectMoved(0, 1, true, {1, 0, 2});
 }
-TEST_F(ReorderTests, TheSecondBehindTheFirstIsThereAlready) { expectMoved(1, 0, true, {0, 1, 2}); }
-TEST_F(ReorderTests, AChildBeforeOrBehindItselfStays) {
+TEST_F(ReorderTests, TheSecondAfterTheFirstIsThereAlready) { expectMoved(1, 0, true, {0, 1, 2}); }
+TEST_F(ReorderTests, AChildBeforeOrAfterItselfStays) {
     expectMoved(1, 1, false, {0, 1, 2});
     expectMoved(1, 1, true, {0, 1, 2});
 }

@@ -140,9 +140,9 @@ TEST_F(ManagedRootCollectionTests, RemovingAnAbsentElementOpensABracketAllTheSam
     Recorder recorder(*collection);
     collection->removeRootElement(element);
     ASSERT_EQ(recorder.m_told.size(), 2U);
-    EXPECT_EQ(recorder.m_told[0].m_type, DataChange::ChangeStructural);
-    EXPECT_EQ(recorder.m_told[1].m_type, DataChange::ChangeStructural);
-    EXPECT_FALSE(recorder.m_told[0].m_bDetails);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeStructural);
+    EXPECT_EQ(recorder.m_told[1].type, DataChange::ChangeStructural);
+    EXPECT_FALSE(recorder.m_told[0].hasDetails);
     collection->unsubscribe(&recorder);
 }
 

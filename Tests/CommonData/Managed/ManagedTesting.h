@@ -21,7 +21,7 @@
 #include "Server/CommonData/Managed/CustomGroups.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 #include "Server/CommonData/Managed/ManagedRootCollection.h"
-#include "Tests/DataModel/TemporaryFile.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Managed::Testing {
 
@@ -134,11 +134,11 @@ private:
 struct Told {
     enum EWhat { Pre, Post, Deletion };
 
-    EWhat m_what;
-    Entity * m_pEntity;
-    DataChange::ETransact m_transact;
-    DataChange::EChangeType m_type;
-    bool m_bDetails;
+    EWhat what;
+    Entity * entity;
+    DataChange::ETransact transact;
+    DataChange::EChangeType type;
+    bool hasDetails;
 };
 
 // Writes down what it is told, and may look at details while they last.
@@ -172,8 +172,7 @@ using Children = std::vector<StrongRef<ManagedEntity>>;
 inline std::vector<StrongRef<Leaf>> makeLeaves(StrongRef<ManagedGroupEntity> const & group,
                                                int count) {
     std::vector<StrongRef<Leaf>> leaves;
-    for (int i = 0; i < count; ++i)
-        leaves.push_back(Leaf::make(PassiveRef<Entity>(group)));
+    for (int i = 0; i < count; ++i) leaves.push_back(Leaf::make(PassiveRef<Entity>(group)));
     return leaves;
 }
 
@@ -181,8 +180,7 @@ inline std::vector<StrongRef<Leaf>> makeLeaves(StrongRef<ManagedGroupEntity> con
 inline Children pick(std::vector<StrongRef<Leaf>> const & leaves,
                      std::initializer_list<std::size_t> places) {
     Children children;
-    for (std::size_t const place : places)
-        children.push_back(leaves[place]);
+    for (std::size_t const place : places) children.push_back(leaves[place]);
     return children;
 }
 

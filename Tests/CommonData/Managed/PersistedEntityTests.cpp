@@ -329,8 +329,7 @@ TEST(PersistedEntityTests, TwoThreadsWithTheFirstTwoObjectsBuildTheMemberSetOnce
     auto const make = [] {
         Document const document; // each thread has its own
         ++X::s_waiting;
-        while (X::s_waiting < 2)
-            std::this_thread::yield();
+        while (X::s_waiting < 2) std::this_thread::yield();
         StrongRef<X> const made = X::make(document.segment());
         expectDeclaredOrder(*made->memberSet());
     };
@@ -402,7 +401,7 @@ TEST(PersistedEntityTests, TheVersionIsThatOfTheRecordPerMetaType) {
 
 // --- Migration ----------------------------------------------------------------------------------
 
-// Whether a document is loading, and from which versions, is set by whoever loads; here by an
+// Whether a document is loading, and from which versions, is set by what loads; here by an
 // explicit instantiation, which may name private members.
 using Versions = std::unordered_map<MetaType const *, unsigned>;
 bool Asset::*migratingFlag();
@@ -617,8 +616,7 @@ TEST_F(MigrationTests, TheLatestMembersAreAskedForByThePresentVersionAndOlderOne
     EXPECT_EQ(latest.find("numbers")->functions()->elementType(), IntrinsicMetaType<double>::get());
 
     persisted(Grown::s_metaType(), 0);
-    StrongRef<Entity> const older =
-        Grown::s_metaType()->createEntity(m_document.segment(), ++m_id);
+    StrongRef<Entity> const older = Grown::s_metaType()->createEntity(m_document.segment(), ++m_id);
     ASSERT_NE(Grown::s_metaType()->memberSet(0), nullptr);
     EXPECT_EQ(Grown::s_metaType()->memberSet(0)->members(), 1U);
     EXPECT_EQ(Grown::s_asked, (std::vector<unsigned>{1, 0}));

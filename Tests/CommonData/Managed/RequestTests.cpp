@@ -141,7 +141,7 @@ TEST(RequestTests, WhatARequestDidThatFailsIsTakenBack) {
     EXPECT_FALSE(asset.history().canUndo());
 }
 
-// Moves what is pasted before or behind the target.
+// Moves what is pasted before or after the target.
 class MovePaste : public IPasteRequest {
 public:
     using IPasteRequest::IPasteRequest;

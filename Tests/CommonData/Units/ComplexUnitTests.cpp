@@ -358,7 +358,7 @@ TEST(ComplexUnitTests, ConversionsComeBack) {
     }
 }
 
-// A relation of equivalence over all units: reflexive, symmetric, and whoever is equivalent to one
+// A relation of equivalence over all units: reflexive, symmetric, and whatever is equivalent to one
 // member of a class is so to all.
 TEST(ComplexUnitTests, DimensionalEquivalenceSortsAllUnitsIntoClasses) {
     std::vector<SimpleUnit const *> const units = catalogueUnits();
@@ -412,8 +412,7 @@ TEST(ComplexUnitTests, DiagnosticTextJoinsTheNames) {
         {complexUnit({}, {L"m"}), L"(1) / (meter)"},
         {complexUnit({L"micron", L"N"}, {L"\""}), L"(micron*newton) / (inch)"},
     };
-    for (Row const & row : rows)
-        EXPECT_EQ(row.units.toString(), row.text);
+    for (Row const & row : rows) EXPECT_EQ(row.units.toString(), row.text);
 }
 
 TEST(ComplexUnitTests, LongListsCompareAndCancel) {

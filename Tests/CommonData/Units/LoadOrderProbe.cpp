@@ -35,9 +35,7 @@ struct PendingAccess {
 };
 template struct PendingAccess<&SimpleUnitRegistry::m_pending>;
 
-Pending const & pendingUnits() {
-    return SimpleUnitRegistry::get().*pendingMember();
-}
+Pending const & pendingUnits() { return SimpleUnitRegistry::get().*pendingMember(); }
 
 std::size_t metaTypes() {
     MetaTypeMgr const & manager = *MetaTypeMgr::get();

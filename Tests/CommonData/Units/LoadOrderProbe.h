@@ -11,11 +11,11 @@ struct LoadSnapshot {
     std::size_t areas;
     std::size_t commands; // of the areas "Expressions" and "Units"
     std::size_t checks;
-    std::size_t units; // catalogue objects handed to the registry
+    std::size_t units;     // catalogue objects handed to the registry
     std::size_t metaTypes; // of the add-in's classes of entities
 };
 
-// A pause stands behind each step of the load order and one before the first.
+// A pause stands after each step of the load order and one before the first.
 inline constexpr std::size_t c_loadPauses = 15;
 
 extern "C" using LoadSnapshots = LoadSnapshot const * ();

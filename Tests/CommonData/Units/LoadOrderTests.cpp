@@ -11,9 +11,9 @@
 #include "Platform/Base/OS.h"
 #include "Platform/Base/TextCommandService.h"
 #include "Platform/Base/UnitTest.h"
-#include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/LoadOrderProbe.h"
 #include "Tests/CommonData/Units/UnitTables.h"
+#include "Tests/Support/FreshProcess.h"
 
 namespace Vn::Units {
 
@@ -116,7 +116,7 @@ TEST(LoadOrderTests, StepsFollowEachOther) {
         ASSERT_NE(snapshots, nullptr);
         module.keep();
         struct Row {
-            char const * behind;
+            char const * after;
             LoadSnapshot at;
         };
         Row const rows[c_loadPauses] = {
@@ -138,11 +138,11 @@ TEST(LoadOrderTests, StepsFollowEachOther) {
         };
         for (std::size_t i = 0; i < c_loadPauses; ++i) {
             LoadSnapshot const & got = snapshots()[i];
-            EXPECT_EQ(got.areas, rows[i].at.areas) << rows[i].behind;
-            EXPECT_EQ(got.commands, rows[i].at.commands) << rows[i].behind;
-            EXPECT_EQ(got.checks, rows[i].at.checks) << rows[i].behind;
-            EXPECT_EQ(got.units, rows[i].at.units) << rows[i].behind;
-            EXPECT_EQ(got.metaTypes, rows[i].at.metaTypes) << rows[i].behind;
+            EXPECT_EQ(got.areas, rows[i].at.areas) << rows[i].after;
+            EXPECT_EQ(got.commands, rows[i].at.commands) << rows[i].after;
+            EXPECT_EQ(got.checks, rows[i].at.checks) << rows[i].after;
+            EXPECT_EQ(got.units, rows[i].at.units) << rows[i].after;
+            EXPECT_EQ(got.metaTypes, rows[i].at.metaTypes) << rows[i].after;
         }
     });
 }

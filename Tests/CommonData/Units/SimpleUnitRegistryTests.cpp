@@ -15,10 +15,10 @@
 
 #include "Platform/Base/ScopedLock.h"
 #include "Platform/Base/StringTable.h"
-#include "Tests/Base/StartLine.h"
-#include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/UnitTables.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
+#include "Tests/Support/FreshProcess.h"
+#include "Tests/Support/StartLine.h"
 
 namespace Vn::Units {
 
@@ -28,13 +28,9 @@ using UnitTables::c_catalogue;
 using UnitTables::c_prefixes;
 using UnitTables::PrefixRow;
 
-SimpleUnitRegistry & registry() {
-    return SimpleUnitRegistry::get();
-}
+SimpleUnitRegistry & registry() { return SimpleUnitRegistry::get(); }
 
-TEST(SimpleUnitRegistryTests, IsOneObject) {
-    EXPECT_EQ(&registry(), &registry());
-}
+TEST(SimpleUnitRegistryTests, IsOneObject) { EXPECT_EQ(&registry(), &registry()); }
 
 TEST(SimpleUnitRegistryTests, ListsTheCatalogueInOrderBeforeAnyClone) {
     expectInFreshProcess([] {
@@ -241,10 +237,10 @@ TEST(SimpleUnitRegistryTests, PrefixesAreReadInFullAndInShort) {
     });
 }
 
-// The magnitude of the unit behind the prefix is dropped.
+// The magnitude of the unit after the prefix is dropped.
 TEST(SimpleUnitRegistryTests, PrefixOfAPrefixedUnitTakesItsPlace) {
     expectInFreshProcess([] {
-        // "kc" is no prefix as long as "cm" isn't a unit of its own.
+        // "kc" isn't a prefix as long as "cm" isn't a unit of its own.
         EXPECT_EQ(unitOf(L"kcm"), nullptr);
         ASSERT_EQ(unitOf(L"cm"), UnitMeter::get(0.01));
         EXPECT_EQ(unitOf(L"kcm"), UnitMeter::get(1000.0));
@@ -413,18 +409,15 @@ TEST(SimpleUnitRegistryTests, LongTextsAreLookedUp) {
     EXPECT_EQ(unitOf(text), nullptr);
     EXPECT_EQ(unitOf(std::wstring(10'000'000, L'k')), nullptr);
     // As many lookups as a long list of words would make.
-    for (int i = 0; i < 10'000; ++i)
-        EXPECT_EQ(registry().findCaseInsensitive(text), nullptr);
-    for (int i = 0; i < 10'000; ++i)
-        EXPECT_EQ(unitOf(text), nullptr);
+    for (int i = 0; i < 10'000; ++i) EXPECT_EQ(registry().findCaseInsensitive(text), nullptr);
+    for (int i = 0; i < 10'000; ++i) EXPECT_EQ(unitOf(text), nullptr);
 }
 
 TEST(SimpleUnitRegistryTests, OddCharactersAreNoUnits) {
     for (std::wstring const & text :
          {std::wstring(1, L'\0'), std::wstring(L"m\0", 2), std::wstring(L"\uFFFF"),
-          std::wstring(L"\U0001D7D8"), std::wstring(L"\u2103"), std::wstring(L"\u03BC")}) {
+          std::wstring(L"\U0001D7D8"), std::wstring(L"\u2103"), std::wstring(L"\u03BC")})
         EXPECT_EQ(unitOf(text), nullptr) << testing::PrintToString(text);
-    }
 }
 
 TEST(SimpleUnitRegistryTests, WorksWithLockingSwitchedOff) {
@@ -498,8 +491,7 @@ Found findEverything(std::size_t thread) {
 void expectThreadsToAgree() {
     std::vector<Found> found(8);
     onEightThreads([&found](std::size_t thread) { found[thread] = findEverything(thread); });
-    for (Found const & others : found)
-        EXPECT_TRUE(others == found.front());
+    for (Found const & others : found) EXPECT_TRUE(others == found.front());
     std::size_t const rows = std::size(c_catalogue);
     for (std::size_t cell = 0; cell < rows * std::size(c_prefixes); ++cell) {
         UnitTables::CatalogueRow const & row = c_catalogue[cell % rows];
@@ -513,21 +505,16 @@ void expectThreadsToAgree() {
             EXPECT_EQ(clone->magnitude(), c_prefixes[cell / rows].magnitude);
         }
     }
-    for (ComplexUnit const * const units : found.front().complexUnits) {
+    for (ComplexUnit const * const units : found.front().complexUnits)
         if (units) {
             EXPECT_TRUE(units->isBaseValid());
         }
-    }
 }
 
-TEST(SimpleUnitRegistryTests, ThreadsGetTheSameUnits) {
-    expectThreadsToAgree();
-}
+TEST(SimpleUnitRegistryTests, ThreadsGetTheSameUnits) { expectThreadsToAgree(); }
 
 // The first lookups, which index the catalogue, come from all threads at once.
-TEST(SimpleUnitRegistryTests, FirstLookupsMayRace) {
-    expectInFreshProcess(&expectThreadsToAgree);
-}
+TEST(SimpleUnitRegistryTests, FirstLookupsMayRace) { expectInFreshProcess(&expectThreadsToAgree); }
 
 TEST(SimpleUnitRegistryTests, ThreadsRaceForOneClone) {
     // Magnitudes that no other test uses.

@@ -15,9 +15,9 @@
 
 #include "Platform/Base/StringTable.h"
 #include "Server/CommonData/Units/Utils.h"
-#include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/UnitTables.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
+#include "Tests/Support/FreshProcess.h"
 
 namespace Vn::Units {
 
@@ -27,9 +27,7 @@ using UnitTables::c_prefixes;
 using UnitTables::PrefixRow;
 using Utils::essentiallyEqual;
 
-std::uint64_t bits(double value) {
-    return std::bit_cast<std::uint64_t>(value);
-}
+std::uint64_t bits(double value) { return std::bit_cast<std::uint64_t>(value); }
 
 // The catalogue units and their clones of every prefix.
 std::vector<SimpleUnit const *> unitsOfAllMagnitudes() {
@@ -250,8 +248,7 @@ TEST(SimpleUnitTests, DiagnosticLineOfABaseUnit) {
          L"BaseUnit Id: UnitMole, Magnitude: 1e-06, Name: microMole, Internal of 1.0 = 1e+06 "
          L"micromole, 1.0 micromole = 1e-06 Internal, internalBaseType (UnitMole * 1)"},
     };
-    for (Row const & row : rows)
-        EXPECT_EQ(row.unit->toString(), row.line);
+    for (Row const & row : rows) EXPECT_EQ(row.unit->toString(), row.line);
 }
 
 TEST(SimpleUnitTests, DiagnosticLineOfACompositeUnit) {
@@ -284,8 +281,7 @@ TEST(SimpleUnitTests, DiagnosticLineOfACompositeUnit) {
          L"0.0338138 fl_oz, 1.0 fl_oz = 29.5737 Internal, internally represented "
          L"(centimeter*centimeter*centimeter) / (1)"},
     };
-    for (Row const & row : rows)
-        EXPECT_EQ(row.unit->toString(), row.line);
+    for (Row const & row : rows) EXPECT_EQ(row.unit->toString(), row.line);
 }
 
 // A C++ locale with a decimal comma and grouping.

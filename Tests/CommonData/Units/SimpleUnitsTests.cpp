@@ -10,9 +10,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/UnitTables.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
+#include "Tests/Support/FreshProcess.h"
 
 namespace Vn::Units {
 
@@ -45,11 +45,10 @@ concept StandsAlone = requires {
 template <class ConcreteUnit>
 ClassStatics statics() {
     SimpleUnit const * object = nullptr;
-    if constexpr (TakesMagnitudes<ConcreteUnit>) {
+    if constexpr (TakesMagnitudes<ConcreteUnit>)
         object = ConcreteUnit::get(1.0);
-    } else {
+    else
         object = ConcreteUnit::get();
-    }
     return {ConcreteUnit::staticIdentifier(),
             &ConcreteUnit::c_name,
             &ConcreteUnit::c_abbreviation,
@@ -101,9 +100,7 @@ std::vector<ClassStatics> allStatics() {
     };
 }
 
-std::uint64_t bits(double value) {
-    return std::bit_cast<std::uint64_t>(value);
-}
+std::uint64_t bits(double value) { return std::bit_cast<std::uint64_t>(value); }
 
 TEST(SimpleUnitsTests, EachClassHasTheValuesOfItsRow) {
     std::vector<ClassStatics> const classes = allStatics();
@@ -158,8 +155,7 @@ TEST(SimpleUnitsTests, IdentifiersRiseInCatalogueOrder) {
     EXPECT_TRUE(std::ranges::is_sorted(classes, std::less<>(), &ClassStatics::identifier));
     std::vector<SimpleUnit const *> const units = catalogueUnits();
     ASSERT_EQ(units.size(), classes.size());
-    for (std::size_t i = 0; i < units.size(); ++i)
-        EXPECT_EQ(units[i], classes[i].object);
+    for (std::size_t i = 0; i < units.size(); ++i) EXPECT_EQ(units[i], classes[i].object);
 }
 
 TEST(SimpleUnitsTests, IdentifiersAreDistinct) {
@@ -202,8 +198,7 @@ TEST(SimpleUnitsTests, FactorsAgreeWithTheirRulesToTheLastBit) {
         {"farenheit", UnitFarenheit::c_conversion, 5.0 / 9.0},
         {"offset of farenheit", UnitFarenheit::c_offset, 273.16 - 32 * 5.0 / 9.0},
     };
-    for (Row const & row : rows)
-        EXPECT_EQ(bits(row.factor), bits(row.byRule)) << row.rule;
+    for (Row const & row : rows) EXPECT_EQ(bits(row.factor), bits(row.byRule)) << row.rule;
 }
 
 // Text keys must not take each other's place: no two units share a name, an abbreviation or a

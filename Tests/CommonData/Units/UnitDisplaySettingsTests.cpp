@@ -10,9 +10,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Tests/Base/StartLine.h"
-#include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
+#include "Tests/Support/FreshProcess.h"
+#include "Tests/Support/StartLine.h"
 
 namespace Vn::Units {
 

@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include "Server/CommonData/Units/SimpleUnits.h"
-#include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/UnitTables.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
+#include "Tests/Support/FreshProcess.h"
 
 namespace Vn::Units {
 
@@ -101,8 +101,7 @@ TEST(UnitKindsTests, EachCompositeKindHasItsInternalProduct) {
         EXPECT_EQ(products[i]->toString(), row.toString);
         EXPECT_DOUBLE_EQ(products[i]->baseConversionFactor(), 1.0);
         for (UnitSpan const list : {products[i]->numerator(), products[i]->denominator()})
-            for (SimpleUnit const * const unit : list)
-                EXPECT_EQ(unit->unitType(), BaseUnitKind);
+            for (SimpleUnit const * const unit : list) EXPECT_EQ(unit->unitType(), BaseUnitKind);
     }
 }
 

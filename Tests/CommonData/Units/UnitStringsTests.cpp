@@ -293,8 +293,7 @@ TEST(UnitStringsTests, NamesAndSymbolsShowInLists) {
 
 TEST(UnitStringsTests, LongListsAreWritten) {
     ComplexUnit units;
-    for (int i = 0; i < 100'000; ++i)
-        units.addToNumerator(UnitMeter::get(1.0));
+    for (int i = 0; i < 100'000; ++i) units.addToNumerator(UnitMeter::get(1.0));
     EXPECT_EQ(units.reconstructString(0.0, UnitOnly, Settings::standard()), L"m^100000");
     Settings plain = Settings::standard();
     plain.compressUnits(false);

@@ -50,7 +50,7 @@ TEST(UnitSystemChoiceTests, FailureLeavesTheUnitUntouched) {
     }
 }
 
-// A unit string is an expression behind a "1", and any tree counts.
+// A unit string is an expression after a "1", and any tree counts.
 TEST(UnitSystemChoiceTests, ExpressionCountsAsItsUnits) {
     struct Row {
         wchar_t const * text;
@@ -153,7 +153,7 @@ TEST(UnitSystemChoiceTests, TextOfEveryInverseReadsBack) {
     }
 }
 
-// Behind the "/" of a quotient without a numerator a factor is read, and the word "min" is a
+// After the "/" of a quotient without a numerator a factor is read, and the word "min" is a
 // function there before it is a unit.
 TEST(UnitSystemChoiceTests, InverseMinuteReadsBackOnlyInFull) {
     ComplexUnit inverse(UnitMinute::get());

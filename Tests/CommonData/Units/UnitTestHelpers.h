@@ -85,11 +85,10 @@ inline std::wstring shown(std::wstring const & expression, UnitContext const & c
 
 // Prints the units of a failing comparison by what they are called.
 inline void PrintTo(SimpleUnit const * unit, std::ostream * out) {
-    if (unit) {
+    if (unit)
         *out << *unit->identifier() << " * " << unit->magnitude();
-    } else {
+    else
         *out << "no unit";
-    }
 }
 
 } // namespace Vn::Units

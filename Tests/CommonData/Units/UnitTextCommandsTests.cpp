@@ -11,9 +11,9 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Base/TextCommandService.h"
-#include "Tests/CommonData/Units/FreshProcess.h"
 #include "Tests/CommonData/Units/UnitTables.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
+#include "Tests/Support/FreshProcess.h"
 
 namespace Vn::Units {
 
@@ -22,9 +22,7 @@ namespace {
 using UnitTables::c_catalogue;
 using UnitTables::CatalogueRow;
 
-TextCommandResult run(std::wstring const & line) {
-    return TextCommandService::get().run(line);
-}
+TextCommandResult run(std::wstring const & line) { return TextCommandService::get().run(line); }
 
 std::wstring answer(std::wstring const & line) {
     TextCommandResult const result = run(line);
@@ -93,9 +91,7 @@ std::wstring printed(double value) {
     return out.str();
 }
 
-std::wstring widened(char const * text) {
-    return std::wstring(text, text + std::strlen(text));
-}
+std::wstring widened(char const * text) { return std::wstring(text, text + std::strlen(text)); }
 
 std::wstring verboseLine(CatalogueRow const & row) {
     double const toThisUnit = (1.0 - row.offset) / row.factor;

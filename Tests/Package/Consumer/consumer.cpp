@@ -1,4 +1,4 @@
-// A program of somebody else's that uses the package through its public headers.
+// A program of someone else's that uses the package through its public headers.
 
 #include <iostream>
 #include <typeinfo>
@@ -28,9 +28,7 @@ class Inches final : public Units::UnitSystem {
     }
 };
 
-std::string utf8(std::wstring const & text) {
-    return Text::toUtf8(text);
-}
+std::string utf8(std::wstring const & text) { return Text::toUtf8(text); }
 
 bool isBase(Units::Unit const & unit) {
     return dynamic_cast<Units::BaseUnit const *>(&unit) != nullptr;

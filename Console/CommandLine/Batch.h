@@ -1,0 +1,53 @@
+// Expressions by the thousand: JSON Lines in, JSON Lines out.
+//
+// Each line of the input is an object:
+//
+//   id        any value, given back as it is
+//   text      the expression
+//   context   "?" expects nothing (and so does a missing one), "" expects a unitless result, any
+//             other text is a unit such as "m / (s s)"
+//   display   null, or the unit in which the value is formatted instead
+//   settings  an object with any of the sixteen display settings; what is missing is standard
+//
+// Each line of the output answers one line, in order: id, tokens, parsed, result, position,
+// message, evaluated, value, units, formatted, rebuilt, formattedValueOnly, formattedUnitOnly,
+// rebuiltValueOnly; or id and error, where the line can't be understood.  Blank lines are skipped.
+// All text is UTF-8.
+
+#ifndef VN_CONSOLE_COMMANDLINE_BATCH_H
+#define VN_CONSOLE_COMMANDLINE_BATCH_H
+
+#include <cstddef>
+#include <functional>
+#include <iosfwd>
+#include <string>
+
+#include "Server/CommonData/Expressions/ParseResult.h"
+
+namespace Vn::Console {
+
+// The name of the enumerator.
+char const * resultName(Expressions::EResult result);
+
+struct BatchAnswer {
+    std::string text;        // one line, without its end
+    bool understood = false; // whether the line was: an expression that doesn't parse is
+};
+
+BatchAnswer answerBatchLine(std::string const & line);
+
+struct BatchOutcome {
+    std::size_t lines = 0;    // read, blank ones included
+    std::size_t badLines = 0; // couldn't be understood
+    bool inputFailed = false;
+    bool outputFailed = false; // at once ends the run
+};
+
+// Answers every line of `in` on `out`.  `progress`, if given, is told the count of lines now and
+// then and at the end.
+BatchOutcome runBatch(std::istream & in, std::ostream & out,
+                      std::function<void(std::size_t lines)> const & progress);
+
+} // namespace Vn::Console
+
+#endif

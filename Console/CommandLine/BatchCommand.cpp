@@ -1,0 +1,54 @@
+#include "Console/CommandLine/BatchCommand.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <ostream>
+
+#include "Console/CommandLine/Batch.h"
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+
+namespace Vn::Console {
+
+namespace {
+
+int cannotRead(std::string const & name, char const * reason, std::ostream & err) {
+    err << "vnconsole: can't read " << name << ": " << reason << '\n';
+    return ExitBadInput;
+}
+
+int statusOf(BatchOutcome const & outcome, std::string const & name, std::ostream & err) {
+    if (outcome.inputFailed) return cannotRead(name, std::strerror(EIO), err);
+    return outcome.outputFailed || outcome.badLines > 0 ? ExitBadInput : ExitGood;
+}
+
+} // namespace
+
+int runBatchCommand(std::string const & path, bool progress, std::istream & in, std::ostream & out,
+                    std::ostream & err) {
+    if (path.empty() || path == "-")
+        return statusOf(runBatch(in, out, {}), "the standard input", err);
+    std::string const name = Text::toUtf8(printable(Text::fromUtf8(path)));
+    std::filesystem::path const file(std::u8string(path.begin(), path.end()));
+    std::error_code ignored;
+    if (std::filesystem::is_directory(file, ignored))
+        return cannotRead(name, std::strerror(EISDIR), err);
+    errno = 0;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream) return cannotRead(name, std::strerror(errno != 0 ? errno : EIO), err);
+    if (!progress) return statusOf(runBatch(stream, out, {}), name, err);
+
+    std::size_t lines = 0;
+    BatchOutcome const outcome = runBatch(stream, out, [&](std::size_t count) {
+        lines = count;
+        // The cursor goes back, so that what comes next takes the place of the line.
+        err << count << " lines\r" << std::flush;
+    });
+    err << lines << " lines\n";
+    return statusOf(outcome, name, err);
+}
+
+} // namespace Vn::Console

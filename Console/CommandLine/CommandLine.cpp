@@ -1,0 +1,295 @@
+#include "Console/CommandLine/CommandLine.h"
+
+#include <algorithm>
+#include <ostream>
+
+#include <CLI/CLI.hpp>
+
+#include "Console/CommandLine/BatchCommand.h"
+#include "Console/CommandLine/EvalCommand.h"
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/CommandLine/SelfTestCommand.h"
+#include "Console/CommandLine/UnitsCommand.h"
+#include "Console/Documents/Command.h"
+#include "Console/Documents/Session.h"
+#include "Console/Documents/TextCommands.h"
+#include "Console/Session/Interactive.h"
+#include "Console/Session/TextCommands.h"
+#include "Console/Session/Tour.h"
+#include "Console/Terminal/Terminal.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Initializer.h"
+#include "Platform/Base/OS.h"
+#include "Platform/Base/StringTable.h"
+#include "Platform/Base/Text.h"
+
+namespace Vn::Console {
+
+namespace {
+
+constexpr char c_description[] =
+    R"(Evaluates expressions with units, and keeps documents. Without a subcommand it
+reads lines: from the terminal with editing, history and completion, from a file
+or a pipe without.)";
+
+constexpr char c_examples[] = R"(Examples:
+  vnconsole
+  vnconsole eval '1 in + 1 cm' --unit cm
+  vnconsole eval '60 mph' --display 'km / hr'
+  vnconsole eval --json '2 ft' '3 yd'
+  vnconsole eval --unit cm -- '-5 + 2 in'
+  vnconsole units pressure
+  vnconsole command 'Units.List /Verbose'
+  vnconsole batch expressions.jsonl > results.jsonl
+  vnconsole document --new a.vnd make, add 0 3, tree
+
+Exit status: 0 good, 1 the input was not good, 2 the command line was not understood.
+)";
+
+constexpr char c_batchFormat[] = R"(Each line of the input is an object with the members
+  id        any value, given back with the answer
+  text      the expression
+  context   "?" expects nothing, "" a result without units, else a unit
+  display   null, or the unit in which the value is formatted
+  settings  an object with any of the display settings
+Each is answered by one line, in order. A line that can't be understood is
+answered by its id and an error; the exit status is then 1.
+)";
+
+constexpr char c_documentCommands[] = R"(Commands:
+  tree [PATH]                     the entities; the one command if there is none
+  make [PARENT]                   a group in a group
+  add PARENT [COUNT]              entities in a group
+  move PATH before|after PATH     beside another; or into PATH: to the end of a group
+  remove PATH                     takes an entity out of its group
+  delete PATH                     a group with everything below it
+  undo, redo, history             of the changes of this call
+  check                           looks for damage in the file; status 1 if there is any
+  new                             as --new; new /Force replaces a file
+A path is 0/2, Groups/CmnData[0]/CmnData[2], or '#12' by the id of the entity;
+"." is the root group. The document is saved after the last command; if one
+fails, nothing is saved.
+)";
+
+// To the parser of the command line some texts are more than a text: one in square brackets is a
+// list, and "++" ends a subcommand.  They pass it after this mark.
+constexpr char c_mark = '\1';
+
+std::string marked(std::string const & argument) {
+    bool const special = !argument.empty() && (argument.front() == '[' || argument == "++");
+    return special ? c_mark + argument : argument;
+}
+
+std::wstring wide(std::string_view argument) {
+    if (!argument.empty() && argument.front() == c_mark) argument.remove_prefix(1);
+    return Text::fromUtf8(argument);
+}
+
+// The command line as it is declared, and what was read.
+class CommandLine {
+public:
+    CommandLine() : m_app(c_description, "vnconsole") {
+        m_app.set_version_flag("--version", "vnconsole " VN_CONSOLE_VERSION);
+        m_app.require_subcommand(0, 1);
+        m_app.footer(c_examples);
+        m_app.add_option("--language", m_language, "The language of the words, such as de")
+            ->type_name("TAG");
+        addEval();
+        addUnits();
+        addCommand();
+        addBatch();
+        addDocument();
+        addSelfTest();
+        m_tour = addSubcommand("tour", "Shows a few expressions and what they evaluate to");
+    }
+
+    // Throws CLI::ParseError for a command line that can't be understood, and for a request for
+    // help.
+    void parse(std::vector<std::string> const & arguments) {
+        std::vector<std::string> reversed;
+        std::transform(arguments.rbegin(), arguments.rend(), std::back_inserter(reversed), marked);
+        m_app.parse(std::move(reversed));
+    }
+
+    int exit(CLI::ParseError const & error, std::ostream & out, std::ostream & err) const {
+        return m_app.exit(error, out, err) == 0 ? ExitGood : ExitBadUsage;
+    }
+
+    std::string const & language() const { return m_language; }
+
+    int run(DocumentSession & document, std::istream & in, std::ostream & out,
+            std::ostream & err) const {
+        if (*m_eval) return runEval(evalOptions(), out, err);
+        if (*m_units) return runUnits(wide(m_pattern), m_json, out, err);
+        if (*m_command) return runTextCommand(texts(*m_words), out, err);
+        if (*m_batch)
+            return runBatchCommand(Text::toUtf8(wide(m_file)), errorIsTerminal(), in, out, err);
+        if (*m_document) return runDocument(documentOptions(), document, out, err);
+        if (*m_selfTest) return runSelfTest(Text::toUtf8(wide(m_group)), out, err);
+        if (*m_tour) return runTour(out);
+        return runInteractive(document, in, out, err);
+    }
+
+private:
+    CLI::App * addSubcommand(char const * name, char const * description) {
+        CLI::App * const command = m_app.add_subcommand(name, description);
+        command->fallthrough();
+        command->allow_windows_style_options(false);
+        return command;
+    }
+
+    // As they were typed: the parser of the command line would convert "{}" to an empty list.
+    static std::vector<std::wstring> texts(CLI::Option const & option) {
+        std::vector<std::wstring> result;
+        for (std::string const & text : option.results()) result.push_back(wide(text));
+        return result;
+    }
+
+    void addEval() {
+        m_eval = addSubcommand("eval", "Evaluates expressions");
+        m_texts = m_eval->add_option("TEXT", m_converted, "The expressions");
+        m_texts->type_name("")->required();
+        m_unitOption = m_eval->add_option(
+            "--unit,-u", m_unit, "The unit of the result; an empty one for a result without units");
+        m_unitOption->type_name("UNIT");
+        m_displayOption =
+            m_eval->add_option("--display,-d", m_display, "The unit in which the value is shown");
+        m_displayOption->type_name("UNIT");
+        m_eval->add_flag("--standard", m_standard, "With the factory display settings");
+        m_eval->add_flag("--json", m_json, "One JSON object a line for each text");
+        m_eval->footer("A text that begins with \"-\" goes after \"--\".\n");
+    }
+
+    void addUnits() {
+        m_units = addSubcommand("units", "Lists the units that expressions know");
+        m_units->add_option("PATTERN", m_pattern, "A part of a name, abbreviation, symbol or kind")
+            ->type_name("");
+        m_units->add_flag("--json", m_json, "One JSON object a line for each unit");
+    }
+
+    void addCommand() {
+        m_command = addSubcommand("command", "Runs a text command; without one, lists them");
+        m_words = m_command->add_option("COMMAND", m_converted,
+                                        "The command with its parameters and flags");
+        m_words->type_name("");
+    }
+
+    void addBatch() {
+        m_batch = addSubcommand("batch", "Evaluates JSON Lines");
+        m_batch->add_option("FILE", m_file, "The input; the standard input if it is missing or -")
+            ->type_name("");
+        m_batch->footer(c_batchFormat);
+    }
+
+    void addDocument() {
+        m_document = addSubcommand("document", "Runs commands on a document, and saves it");
+        m_document->add_option("FILE", m_file, "The document")->type_name("")->required();
+        m_calls = m_document->add_option("COMMAND", m_converted,
+                                         "Commands, with a comma or \"then\" between them");
+        m_calls->type_name("");
+        m_document->add_flag("--new", m_new, "Makes the file, which must not be there");
+        m_document->add_flag("--json", m_json,
+                             "The tree as one JSON object a line, and nothing else");
+        m_document->footer(c_documentCommands);
+    }
+
+    void addSelfTest() {
+        m_selfTest = addSubcommand("self-test", "Runs the library's checks of itself");
+        m_selfTest->add_option("GROUP", m_group, "One group of checks only")->type_name("");
+    }
+
+    EvalOptions evalOptions() const {
+        EvalOptions options;
+        options.texts = texts(*m_texts);
+        if (m_unitOption->count() > 0) options.unit = wide(m_unit);
+        if (m_displayOption->count() > 0) options.display = wide(m_display);
+        options.standard = m_standard;
+        options.json = m_json;
+        return options;
+    }
+
+    DocumentOptions documentOptions() const {
+        DocumentOptions options;
+        options.file = wide(m_file);
+        options.words = texts(*m_calls);
+        options.isNew = m_new;
+        options.json = m_json;
+        return options;
+    }
+
+    CLI::App m_app;
+    CLI::App * m_eval = nullptr;
+    CLI::App * m_units = nullptr;
+    CLI::App * m_command = nullptr;
+    CLI::App * m_batch = nullptr;
+    CLI::App * m_document = nullptr;
+    CLI::App * m_selfTest = nullptr;
+    CLI::App * m_tour = nullptr;
+    CLI::Option * m_texts = nullptr;
+    CLI::Option * m_words = nullptr;
+    CLI::Option * m_calls = nullptr;
+    CLI::Option * m_unitOption = nullptr;
+    CLI::Option * m_displayOption = nullptr;
+    std::vector<std::string> m_converted; // what the options want to write to, and nobody reads
+    std::string m_language;
+    std::string m_unit;
+    std::string m_display;
+    std::string m_pattern;
+    std::string m_file;
+    std::string m_group;
+    bool m_standard = false;
+    bool m_json = false;
+    bool m_new = false;
+};
+
+bool areUtf8(std::vector<std::string> const & arguments, std::ostream & err) {
+    std::wstring text;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (Text::fromUtf8(arguments[i], text)) continue;
+        err << "vnconsole: argument " << i + 1
+            << " isn't UTF-8: " << Text::toUtf8(inQuotes(Text::fromUtf8(arguments[i]))) << '\n';
+        return false;
+    }
+    return true;
+}
+
+// Whether an argument that was taken for an option was meant as a text.
+bool looksLikeText(std::vector<std::string> const & arguments) {
+    return std::any_of(arguments.begin(), arguments.end(), [](std::string const & argument) {
+        return argument.size() > 1 && argument[0] == '-' && argument[1] != '-' &&
+               (argument.size() > 2 || Text::isDigit(static_cast<unsigned char>(argument[1])));
+    });
+}
+
+// Everything that depends on the language comes after this.
+void prepareProcess(std::string const & language) {
+    std::filesystem::path const program = OS::executableDirectory();
+    if (!program.empty()) {
+        std::u8string const catalogues = (program.parent_path() / "share" / "locale").u8string();
+        StringTable::catalogueDirectory(std::string(catalogues.begin(), catalogues.end()));
+    }
+    StringTable::language(language);
+    Initializer::runAll();
+}
+
+} // namespace
+
+int runCommandLine(std::vector<std::string> const & arguments, std::istream & in,
+                   std::ostream & out, std::ostream & err) {
+    if (!areUtf8(arguments, err)) return ExitBadUsage;
+    CommandLine commandLine;
+    try {
+        commandLine.parse(arguments);
+    } catch (CLI::ParseError const & error) {
+        int const status = commandLine.exit(error, out, err);
+        if (status != ExitGood && looksLikeText(arguments))
+            err << "A text that begins with \"-\" goes after \"--\": vnconsole eval -- '-PI'\n";
+        return status;
+    }
+    prepareProcess(commandLine.language());
+    DocumentSession document;
+    DocumentTextCommands const documentCommands(document, &out);
+    return commandLine.run(document, in, out, err);
+}
+
+} // namespace Vn::Console

@@ -1,0 +1,233 @@
+#include "Console/Documents/Command.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <ostream>
+
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/Documents/Place.h"
+#include "Console/Documents/Session.h"
+#include "Console/Documents/Tree.h"
+#include "Console/Spelling.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+#include "Platform/Base/TextCommandService.h"
+
+namespace Vn::Console {
+
+namespace {
+
+constexpr wchar_t const * c_areas[] = {L"Document", L"Groups"};
+
+// One command: as it was typed, and as it is understood.
+struct Call {
+    std::vector<std::wstring> words;
+    TextCommand * command = nullptr;
+    std::vector<std::wstring> parameters = {};
+    std::vector<std::wstring> flags = {};
+
+    bool is(std::wstring_view name) const { return command->name() == name; }
+    bool changes() const { return !is(L"Tree") && !is(L"History") && !is(L"Check"); }
+};
+
+// Takes an argument apart, which may hold several words, and commas.
+void addWords(std::wstring_view argument, std::vector<Call> & calls) {
+    while (!(argument = trimmed(argument)).empty()) {
+        std::size_t end = 0;
+        while (end < argument.size() && argument[end] != L',' &&
+               !Text::isSpace(static_cast<char32_t>(argument[end])))
+            ++end;
+        std::wstring const word(argument.substr(0, end));
+        if (word == L"then")
+            calls.emplace_back();
+        else if (!word.empty())
+            calls.back().words.push_back(word);
+        argument.remove_prefix(end);
+        if (argument.starts_with(L',')) {
+            calls.emplace_back();
+            argument.remove_prefix(1);
+        }
+    }
+}
+
+std::vector<Call> takeApart(std::vector<std::wstring> const & words) {
+    std::vector<Call> calls(1);
+    for (std::wstring const & word : words) addWords(word, calls);
+    std::erase_if(calls, [](Call const & call) { return call.words.empty(); });
+    return calls;
+}
+
+// The command by its alias, or by its full name.
+TextCommand * findCommand(std::wstring const & word) {
+    TextCommandService const & service = TextCommandService::get();
+    std::size_t const stop = word.find(L'.');
+    TextCommand * const command = stop == word.npos
+                                      ? service.find({}, word)
+                                      : service.find(std::wstring_view(word).substr(0, stop),
+                                                     std::wstring_view(word).substr(stop + 1));
+    if (!command) return nullptr;
+    bool const known =
+        std::any_of(std::begin(c_areas), std::end(c_areas),
+                    [&](std::wstring_view area) { return command->subjectArea() == area; });
+    return known ? command : nullptr;
+}
+
+bool belongsToSession(TextCommand const & command) {
+    return command.name() == L"Open" || command.name() == L"Save" || command.name() == L"SaveAs";
+}
+
+int unknown(std::wstring const & word, std::ostream & err) {
+    std::wstring all;
+    std::wstring nearest;
+    std::size_t least = allowedMistakes(word.size()) + 1;
+    for (wchar_t const * const area : c_areas) {
+        for (TextCommand const * const command : TextCommandService::get().commands(area)) {
+            if (belongsToSession(*command)) continue;
+            std::wstring const name = Text::widen(command->alias());
+            all += (all.empty() ? L" " : L", ") + name;
+            std::size_t const count = word.size() > 2 * name.size() ? least : mistakes(word, name);
+            if (count >= least) continue;
+            least = count;
+            nearest = name;
+        }
+    }
+    err << "vnconsole: there is no command " << Text::toUtf8(inQuotes(word)) << " on documents; "
+        << Text::toUtf8(nearest.empty() ? L"the commands are" + all
+                                        : L"did you mean " + nearest + L"?")
+        << '\n';
+    return ExitBadUsage;
+}
+
+int badUsage(std::string const & message, std::ostream & err) {
+    err << "vnconsole: " << message << '\n';
+    return ExitBadUsage;
+}
+
+// Finds the commands, and looks whether they go together; nothing is done yet.
+int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ostream & err) {
+    for (Call & call : calls) {
+        call.command = findCommand(call.words.front());
+        if (!call.command) return unknown(call.words.front(), err);
+        if (belongsToSession(*call.command)) {
+            return badUsage(Text::toUtf8(call.words.front()) +
+                                " belongs to a session; here the file is opened first and saved "
+                                "after the last command",
+                            err);
+        }
+        for (std::size_t i = 1; i < call.words.size(); ++i) {
+            std::wstring const & word = call.words[i];
+            if (word.front() == L'/')
+                call.flags.push_back(word.substr(1));
+            else
+                call.parameters.push_back(word);
+        }
+        if (call.is(L"New") && &call != &calls.front())
+            return badUsage("new stands in front of all other commands", err);
+        if (call.is(L"Check") && (calls.size() > 1 || call.words.size() > 1 || options.isNew))
+            return badUsage("check stands alone, and looks at the file", err);
+    }
+    bool const hasTree =
+        std::any_of(calls.begin(), calls.end(), [](Call const & call) { return call.is(L"Tree"); });
+    if (options.json && !hasTree) return badUsage("--json goes with the command tree", err);
+    return ExitGood;
+}
+
+// Whether there is something under the name, even if it leads nowhere.
+bool isThere(std::filesystem::path const & file) {
+    std::error_code ignored;
+    return std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
+}
+
+// Opens the file, or looks whether a new one may take its name.
+int begin(std::filesystem::path const & file, Call const & first, DocumentSession & session,
+          std::ostream & err) {
+    if (first.is(L"New")) {
+        if (!first.flags.empty() || !isThere(file)) return ExitGood;
+        err << "cannot make a new document: " << Text::toUtf8(shown(file))
+            << " is there already; the command new /Force replaces it\n";
+        return ExitBadInput;
+    }
+    if (!isThere(file)) {
+        err << "cannot open the document: there is no " << Text::toUtf8(shown(file))
+            << "; --new makes it\n";
+        return ExitBadInput;
+    }
+    if (Status const status = session.open(file); !status) {
+        err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
+        return ExitBadInput;
+    }
+    return ExitGood;
+}
+
+// The tree is written as it is walked, since it may be long; the answers of the others are short.
+int run(Call const & call, bool json, DocumentSession & session, std::ostream & out,
+        std::ostream & err) {
+    TextCommandResult result;
+    if (call.is(L"Tree") && call.parameters.size() <= 1 && call.flags.empty()) {
+        DocumentPlace place;
+        if (call.parameters.empty()) {
+            writeTree(session, json, out);
+            return ExitGood;
+        }
+        std::wstring const why = findPlace(session, call.parameters.front(), place);
+        if (why.empty()) {
+            writeTree(place, json, out);
+            return ExitGood;
+        }
+        result = {ExitBadInput, L"cannot show the tree: " + why};
+    } else {
+        result = call.command->run(TextCommandParameters(call.parameters, call.flags));
+    }
+    out.flush();
+    if (result.status != 0)
+        err << Text::toUtf8(result.text) << '\n';
+    else if (!json || call.is(L"Tree"))
+        out << Text::toUtf8(result.text) << '\n';
+    return result.status;
+}
+
+int save(std::filesystem::path const & file, bool isNew, bool json, DocumentSession & session,
+         std::ostream & out, std::ostream & err) {
+    if (!isNew && !session.hasUnsavedChanges()) return ExitGood;
+    Status const status = isNew ? session.saveAs(file) : session.save();
+    if (!status) {
+        out.flush();
+        err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
+        return ExitBadInput;
+    }
+    if (std::wstring const kept = session.whatWasKept(); !kept.empty()) {
+        out.flush();
+        err << "note: " << Text::toUtf8(kept) << '\n';
+    }
+    if (!json) out << "saved " << Text::toUtf8(session.name()) << '\n';
+    return ExitGood;
+}
+
+} // namespace
+
+int runDocument(DocumentOptions const & options, DocumentSession & session, std::ostream & out,
+                std::ostream & err) {
+    std::vector<Call> calls = takeApart(options.words);
+    if (calls.empty() && !options.isNew) calls.push_back({{L"tree"}});
+    bool const saysNew =
+        !calls.empty() && findCommand(calls.front().words.front()) == findCommand(L"new");
+    if (options.isNew && !saysNew) calls.insert(calls.begin(), {{L"new"}});
+    if (int const status = prepare(options, calls, err); status != ExitGood) return status;
+    if (options.file.empty()) return badUsage("the name of the file is empty", err);
+
+    Call const & first = calls.front();
+    std::filesystem::path const file = pathOf(options.file);
+    if (first.is(L"Check"))
+        return run({first.words, first.command, {options.file}}, false, session, out, err);
+    if (int const status = begin(file, first, session, err); status != ExitGood) return status;
+    for (Call const & call : calls) {
+        int const status = run(call, options.json, session, out, err);
+        if (status == ExitGood) continue;
+        if (std::any_of(calls.begin(), calls.end(), [](Call const & c) { return c.changes(); }))
+            err << "nothing was saved\n";
+        return status;
+    }
+    return save(file, first.is(L"New"), options.json, session, out, err);
+}
+
+} // namespace Vn::Console

@@ -1,0 +1,245 @@
+// The text commands of the subject area "Groups".
+
+#include <string_view>
+#include <utility>
+
+#include "Console/Documents/Place.h"
+#include "Console/Documents/Session.h"
+#include "Console/Documents/TextCommands.h"
+#include "Console/Documents/Tree.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/DataModel/Segment.h"
+#include "Server/CommonData/Managed/ManagedEntityUtils.h"
+
+namespace Vn::Console {
+
+using Managed::ManagedEntity;
+using Managed::ManagedGroupEntity;
+
+namespace {
+
+using Parameters = TextCommandParameters;
+using Result = TextCommandResult;
+
+constexpr unsigned c_mostAtOnce = 1'000'000;
+
+std::wstring withId(std::wstring const & path, unsigned long long id) {
+    return shownPath(path) + L" (#" + std::to_wstring(id) + L')';
+}
+
+std::wstring counted(std::size_t count) {
+    return std::to_wstring(count) + (count == 1 ? L" entity" : L" entities");
+}
+
+ManagedGroupEntity * groupAt(DocumentPlace const & place) {
+    return query<ManagedGroupEntity>(place.entity.get());
+}
+
+// Finds a group that is to get children.  The root group is the one without a name, and is made by
+// the change if the document came without it: there is no entity then.
+std::wstring findGroup(DocumentSession const & session, std::wstring const & text,
+                       DocumentPlace & place) {
+    bool const isRoot =
+        text.empty() || text == L"." || text == Text::widen(DocumentSession::c_rootKey);
+    if (isRoot && !session.root()) {
+        place = {nullptr, nullptr, Text::widen(DocumentSession::c_rootKey)};
+        return {};
+    }
+    DocumentPlace found;
+    std::wstring const why = findPlace(session, isRoot ? L"." : text, found);
+    if (!why.empty()) return why;
+    if (!groupAt(found)) return shownPath(found.path) + L" isn't a group";
+    place = std::move(found);
+    return {};
+}
+
+// The group at a place, made if it isn't there yet.
+StrongRef<Entity> groupFor(DocumentSession & session, DocumentPlace const & place) {
+    if (place.entity) return place.entity;
+    return makeRootGroup(session.design());
+}
+
+std::size_t children(DocumentPlace const & place) {
+    return place.entity ? groupAt(place)->children() : 0;
+}
+
+Result make(DocumentSession & session, Parameters const & parameters) {
+    DocumentPlace parent;
+    std::wstring const why = findGroup(session, parameters.parameter(0), parent);
+    if (!why.empty()) return cannot(L"make a group", why);
+    std::wstring const path = childPath(parent.path, children(parent));
+    unsigned long long id = 0;
+    session.change(L"make " + shownPath(path),
+                   [&] { id = makeGroup(groupFor(session, parent))->id(); });
+    return {0, L"made " + withId(path, id)};
+}
+
+// Zero for what isn't a number of entities.
+unsigned readCount(std::wstring const & text) {
+    unsigned count = 0;
+    for (wchar_t const c : text) {
+        if (!Text::isDigit(static_cast<char32_t>(c)) || count > c_mostAtOnce) return 0;
+        count = 10 * count + static_cast<unsigned>(c - L'0');
+    }
+    return count <= c_mostAtOnce ? count : 0;
+}
+
+Result add(DocumentSession & session, Parameters const & parameters) {
+    DocumentPlace parent;
+    std::wstring const why = findGroup(session, parameters.parameter(0), parent);
+    if (!why.empty()) return cannot(L"add entities", why);
+    unsigned count = 1;
+    if (parameters.parameters() > 1) count = readCount(parameters.parameter(1));
+    if (count == 0) {
+        return cannot(L"add entities", inQuotes(parameters.parameter(1)) +
+                                           L" isn't a whole number from 1 to " +
+                                           std::to_wstring(c_mostAtOnce));
+    }
+    std::size_t const first = children(parent);
+    unsigned long long id = 0;
+    session.change(L"add " + counted(count) + L" to " + shownPath(parent.path), [&] {
+        StrongRef<Entity> const group = groupFor(session, parent);
+        for (unsigned i = 0; i < count; ++i) id = makeEntity(group)->id();
+    });
+    if (count == 1) return {0, L"added " + withId(childPath(parent.path, first), id)};
+    return {0, L"added " + counted(count) + L": " + shownPath(childPath(parent.path, first)) +
+                   L" to " + shownPath(childPath(parent.path, first + count - 1))};
+}
+
+// Takes an entity out of the group that lists it.  The answer tells whether it has gone.
+bool takeOut(DocumentSession & session, std::wstring const & name, DocumentPlace & place) {
+    unsigned long long const id = place.entity->id();
+    session.change(name, [&] {
+        StrongRef<ManagedEntity> child(query<ManagedEntity>(place.entity.get()));
+        place.entity.reset();
+        place.group->removeChild(child);
+    });
+    return !session.asset().entity(id);
+}
+
+std::wstring stillThere(bool gone) {
+    return gone ? std::wstring() : L"; something else holds it, and it stays in the document";
+}
+
+Result remove(DocumentSession & session, Parameters const & parameters) {
+    DocumentPlace place;
+    std::wstring const why = findPlace(session, parameters.parameter(0), place);
+    if (!why.empty()) return cannot(L"remove", why);
+    std::wstring const path = shownPath(place.path);
+    if (!place.group) return cannot(L"remove", path + L" is a root of the tree");
+    if (auto const * const group = groupAt(place); group && group->children() > 0) {
+        std::size_t const below = entitiesBelow(*place.entity);
+        return cannot(L"remove", path + L" is a group with " + counted(below) +
+                                     L" below it; Groups.Delete deletes them all");
+    }
+    std::wstring const answer = L"removed " + withId(place.path, place.entity->id());
+    return {0, answer + stillThere(takeOut(session, L"remove " + path, place))};
+}
+
+Result deleteGroup(DocumentSession & session, Parameters const & parameters) {
+    DocumentPlace place;
+    std::wstring const why = findPlace(session, parameters.parameter(0), place);
+    if (!why.empty()) return cannot(L"delete", why);
+    std::wstring const path = shownPath(place.path);
+    if (!place.group) return cannot(L"delete", path + L" is a root of the tree");
+    if (!groupAt(place))
+        return cannot(L"delete", path + L" isn't a group; Groups.Remove takes it out of its own");
+    std::size_t const below = entitiesBelow(*place.entity);
+    std::wstring const answer =
+        L"deleted " + withId(place.path, place.entity->id()) +
+        (below > 0 ? L" and " + counted(below) + L" below it" : std::wstring());
+    return {0, answer + stillThere(takeOut(session, L"delete " + path, place))};
+}
+
+// Where a moved entity goes.
+enum class Where { Before, After, Into };
+
+bool readWhere(std::wstring const & text, Where & where) {
+    constexpr std::pair<std::wstring_view, Where> c_words[] = {
+        {L"before", Where::Before}, {L"after", Where::After}, {L"into", Where::Into}};
+    for (auto const & [word, meaning] : c_words) {
+        if (!Text::foldedEqual(std::wstring_view(text), word)) continue;
+        where = meaning;
+        return true;
+    }
+    return false;
+}
+
+// Why an entity can't go to a place.
+std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & target, Where where) {
+    std::wstring const from = shownPath(moved.path);
+    std::wstring const to = shownPath(target.path);
+    if (!moved.group) return from + L" is a root of the tree";
+    if (where == Where::Into && !groupAt(target)) return to + L" isn't a group";
+    if (where != Where::Into && !target.group) return to + L" is a root and has no siblings";
+    if (!(query<ManagedEntity>(moved.entity.get())->managedParent() == moved.group))
+        return from + L" has another parent than the group that lists it";
+    if (where != Where::Into &&
+        !(query<ManagedEntity>(target.entity.get())->managedParent() == target.group))
+        return to + L" has another parent than the group that lists it";
+    Entity const & group =
+        where == Where::Into ? *target.entity : static_cast<Entity const &>(*target.group);
+    if (isWithin(group, *moved.entity)) return to + L" stands within " + from;
+    return {};
+}
+
+Result move(DocumentSession & session, Parameters const & parameters) {
+    DocumentPlace moved;
+    DocumentPlace target;
+    Where where = Where::Before;
+    std::wstring why = findPlace(session, parameters.parameter(0), moved);
+    if (why.empty() && !readWhere(parameters.parameter(1), where)) {
+        why = L"an entity goes before or after another, or into a group, not " +
+              inQuotes(parameters.parameter(1));
+    }
+    if (why.empty()) why = findPlace(session, parameters.parameter(2), target);
+    bool const isSame = why.empty() && moved.entity == target.entity;
+    if (why.empty() && !isSame) why = whyNotMove(moved, target, where);
+    if (isSame) why = L"an entity has no place beside or within itself";
+    if (!why.empty()) return cannot(L"move", why);
+
+    StrongRef<ManagedGroupEntity> const group =
+        where == Where::Into ? StrongRef<ManagedGroupEntity>(groupAt(target)) : target.group;
+    StrongRef<ManagedEntity> const child(query<ManagedEntity>(moved.entity.get()));
+    StrongRef<ManagedEntity> const sibling(query<ManagedEntity>(target.entity.get()));
+    std::wstring const before = shownPath(moved.path);
+    std::wstring const name =
+        L"move " + before + L' ' + parameters.parameter(1) + L' ' + shownPath(target.path);
+    session.change(name, [&] {
+        // Into its own group it goes after its siblings.
+        if (!(group == moved.group) ||
+            (where == Where::Into && !(group->childrenVector().back() == child))) {
+            moved.group->removeChild(child);
+            child->nullParent();
+            group->addChild(child);
+        }
+        if (where != Where::Into) {
+            Managed::ManagedEntityUtils::reorderEntity(child, sibling, where == Where::After);
+        }
+    });
+    std::wstring const now = entityPath(*child);
+    if (now == moved.path) return {0, before + L" is there already"};
+    return {0, L"moved " + before + L" to " + withId(now, child->id())};
+}
+
+} // namespace
+
+std::vector<DocumentTextCommand> groupTextCommands() {
+    return {
+        {L"Make", "make", L"[Parent]", L"Makes a group in a group, or in the root group",
+         L"make a group", 0, 1, nullptr, true, &make},
+        {L"Add", "add", L"<Parent> [Count]", L"Adds entities to a group", L"add entities", 1, 2,
+         nullptr, true, &add},
+        {L"Remove", "remove", L"<Path>", L"Takes an entity out of its group", L"remove", 1, 1,
+         nullptr, true, &remove},
+        {L"Move", "move", L"<Path> before|after|into <Path>",
+         L"Moves an entity before or after another, or to the end of a group", L"move", 3, 3,
+         nullptr, true, &move},
+        {L"Delete", "delete", L"<Path>", L"Deletes a group with everything below it", L"delete", 1,
+         1, nullptr, true, &deleteGroup},
+    };
+}
+
+} // namespace Vn::Console

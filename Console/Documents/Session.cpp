@@ -1,0 +1,128 @@
+#include "Console/Documents/Session.h"
+
+#include <memory>
+#include <new>
+
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+#include "Platform/DataModel/DocumentFile.h"
+#include "Platform/DataModel/Segment.h"
+
+namespace Vn::Console {
+
+StrongRef<CommonData::CommonBaseEntity> makeEntity(StrongRef<Entity> const & parent) {
+    return CommonData::CommonBaseEntity::make(PassiveRef<Entity>(parent));
+}
+
+StrongRef<CommonData::CommonBaseGroupEntity> makeGroup(StrongRef<Entity> const & parent) {
+    return CommonData::CommonBaseGroupEntity::make(PassiveRef<Entity>(parent));
+}
+
+StrongRef<CommonData::CommonBaseGroupEntity> makeRootGroup(Segment & segment) {
+    StrongRef<CommonData::CommonBaseGroupEntity> const group =
+        CommonData::CommonBaseGroupEntity::make(&segment);
+    segment.addRoot(group, DocumentSession::c_rootKey);
+    return group;
+}
+
+std::wstring shown(std::filesystem::path const & file) {
+    std::u8string const utf8 = file.u8string();
+    return printable(
+        Text::fromUtf8(std::string_view(reinterpret_cast<char const *>(utf8.data()), utf8.size())));
+}
+
+std::filesystem::path pathOf(std::wstring const & name) {
+    std::string const utf8 = Text::toUtf8(name);
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+Segment & DocumentSession::design() const noexcept {
+    return *m_rAsset->segment(SegmentType::DesignSegment);
+}
+
+StrongRef<Entity> DocumentSession::root() const { return design().rootEntity(c_rootKey); }
+
+void DocumentSession::makeNew() {
+    StrongRef<Asset> asset = Asset::make(nullptr);
+    makeRootGroup(*asset->segment(SegmentType::DesignSegment));
+    asset->history().clear();
+    asset->history().markClean();
+    m_rAsset = std::move(asset);
+    m_name.clear();
+    marked();
+}
+
+Status DocumentSession::open(std::filesystem::path const & file) {
+    StrongRef<Asset> asset;
+    Status status = DocumentFile::load(file, nullptr, asset);
+    if (!status) return status;
+    m_rAsset = std::move(asset);
+    m_name = shown(file);
+    marked();
+    return status;
+}
+
+Status DocumentSession::save() {
+    m_kept.clear();
+    Status status = DocumentFile::save(*m_rAsset);
+    if (status) marked();
+    return status;
+}
+
+Status DocumentSession::saveAs(std::filesystem::path const & file) {
+    Status status = DocumentFile::saveAsKeeping(*m_rAsset, file, m_kept);
+    if (!status) return status;
+    m_name = shown(file);
+    marked();
+    return status;
+}
+
+void DocumentSession::change(std::wstring_view name, std::function<void()> const & work) {
+    std::size_t const before = history().undoSteps();
+    std::size_t const bytes = history().bytes();
+    // To take a change back needs memory, which may just have run out.
+    constexpr std::size_t c_reserve = std::size_t{16} << 20;
+    std::unique_ptr<char[]> reserve(new (std::nothrow) char[c_reserve]);
+    Transaction transaction(*m_rAsset, name);
+    try {
+        work();
+        transaction.commit();
+    } catch (std::bad_alloc const &) {
+        reserve.reset();
+        throw;
+    }
+    reserve.reset();
+    if (history().undoSteps() == before && history().bytes() == bytes) return; // nothing changed
+    // A new step takes the place of those that could have been redone, and the oldest steps go when
+    // there are too many.
+    bool const dropped = m_savedStep && *m_savedStep > before;
+    if (dropped || history().undoSteps() != before + 1) m_savedStep.reset();
+}
+
+std::wstring DocumentSession::unsavedChanges() const {
+    std::size_t const steps = history().undoSteps();
+    if (!m_savedStep || *m_savedStep >= steps) return name() + L" has changes that aren't saved";
+    std::size_t const count = steps - *m_savedStep;
+    std::wstring const last = L'"' + history().undoNames().front() + L'"';
+    if (count == 1) return name() + L" has a change that isn't saved, " + last;
+    return name() + L" has " + std::to_wstring(count) + L" changes that aren't saved, the last " +
+           last;
+}
+
+std::wstring DocumentSession::whatWasKept() const {
+    std::wstring text;
+    for (std::filesystem::path const & file : m_kept) {
+        std::filesystem::path before = file;
+        while (before.extension() != ".kept") before.replace_extension();
+        before.replace_extension();
+        text += (text.empty() ? L"" : L"\n") + shown(before) +
+                L", which was left beside it, is kept as " + shown(file.filename());
+    }
+    return text;
+}
+
+std::wstring DocumentSession::name() const { return m_name.empty() ? L"the new document" : m_name; }
+
+void DocumentSession::marked() { m_savedStep = history().undoSteps(); }
+
+} // namespace Vn::Console

@@ -1,0 +1,157 @@
+#include "Console/Documents/Tree.h"
+
+#include <ostream>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "Console/Documents/Place.h"
+#include "Console/Documents/Session.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Platform/DataModel/ObjectPath.h"
+#include "Platform/DataModel/Segment.h"
+#include "Server/CommonData/Managed/ManagedGroupEntity.h"
+
+namespace Vn::Console {
+
+using Managed::ManagedGroupEntity;
+
+namespace {
+
+// Goes through entities and all below them, without depending on how deep they stand or on whether
+// groups list each other in a circle.
+class TreeWalk {
+public:
+    // An entity on the way.
+    struct Step {
+        Entity const & entity;
+        ManagedGroupEntity const * parent; // that lists it; null for the first of a walk
+        unsigned index;                    // among the children of `parent`
+        ManagedGroupEntity const * group;  // the entity itself, if it is one
+        bool repeated;                     // a group that was there before, and isn't entered again
+        std::wstring const & path;
+    };
+
+    template <class Visit>
+    void from(Entity const & first, std::wstring const & path, Visit && visit) {
+        m_path = path;
+        enter(first, nullptr, 0, visit);
+        while (!m_open.empty()) {
+            Level & level = m_open.back();
+            m_path.resize(level.pathLength);
+            if (level.next == level.group->children()) {
+                m_open.pop_back();
+                continue;
+            }
+            unsigned const index = level.next++;
+            ManagedGroupEntity const * const parent = level.group;
+            Entity const * const child = parent->child(index).get();
+            if (!child) continue; // it wasn't saved, and left its place empty
+            appendChild(m_path, index);
+            enter(*child, parent, index, visit);
+        }
+    }
+
+private:
+    struct Level {
+        ManagedGroupEntity const * group;
+        std::size_t pathLength;
+        unsigned next;
+    };
+
+    template <class Visit>
+    void enter(Entity const & entity, ManagedGroupEntity const * parent, unsigned index,
+               Visit && visit) {
+        auto const * const group = query<ManagedGroupEntity>(&entity);
+        bool const repeated = group && !m_entered.insert(group).second;
+        visit(Step{entity, parent, index, group, repeated, m_path});
+        if (group && !repeated) m_open.push_back({group, m_path.size(), 0});
+    }
+
+    std::vector<Level> m_open;
+    std::unordered_set<ManagedGroupEntity const *> m_entered;
+    std::wstring m_path;
+};
+
+// "CommonBaseEntity" of the meta type "CommonBaseEntityMetaType".
+std::string className(Entity const & entity) {
+    std::string name(entity.metaType()->name());
+    constexpr std::string_view c_end = "MetaType";
+    if (name.ends_with(c_end)) name.resize(name.size() - c_end.size());
+    return name;
+}
+
+std::string jsonLine(TreeWalk::Step const & step, std::wstring const & text) {
+    nlohmann::ordered_json line;
+    if (step.path.size() <= c_longestPath)
+        line["path"] = Text::toUtf8(step.path);
+    else
+        line["path"] = nullptr;
+    line["id"] = step.entity.id();
+    if (step.parent) {
+        line["parent"] = step.parent->id();
+        line["index"] = step.index;
+    } else {
+        line["parent"] = nullptr;
+        line["index"] = nullptr;
+    }
+    line["class"] = className(step.entity);
+    if (step.group)
+        line["children"] = step.group->children();
+    else
+        line["children"] = nullptr;
+    if (step.repeated) line["repeated"] = true;
+    line["text"] = Text::toUtf8(text);
+    return line.dump();
+}
+
+void writeLine(TreeWalk::Step const & step, bool json, std::ostream & out) {
+    std::wstring const text = step.entity.toString();
+    if (json) {
+        out << jsonLine(step, text) << '\n';
+        return;
+    }
+    out << Text::toUtf8(shownPath(step.path)) << "  #" << step.entity.id() << "  "
+        << Text::toUtf8(printable(text));
+    if (step.repeated && step.group->children() > 0) out << "  (its children are shown above)";
+    out << '\n';
+}
+
+} // namespace
+
+void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
+    TreeWalk walk;
+    std::unordered_set<Entity const *> seen;
+    std::vector<std::string> keys;
+    session.design().rootEntityIds(keys);
+    for (std::string const & key : keys) {
+        StrongRef<Entity> const root = session.design().rootEntity(key);
+        walk.from(*root, Onk(Text::fromUtf8(key)).toString(), [&](TreeWalk::Step const & step) {
+            if (!json) seen.insert(&step.entity);
+            writeLine(step, json, out);
+        });
+    }
+    if (json) return;
+    std::size_t const outside = session.asset().entities() - seen.size();
+    if (outside == 0) return;
+    out << outside << (outside == 1 ? " entity stands" : " entities stand")
+        << " outside the tree\n";
+}
+
+void writeTree(DocumentPlace const & place, bool json, std::ostream & out) {
+    TreeWalk().from(*place.entity, place.path,
+                    [&](TreeWalk::Step const & step) { writeLine(step, json, out); });
+}
+
+std::size_t entitiesBelow(Entity const & entity) {
+    std::unordered_set<Entity const *> below;
+    TreeWalk().from(entity, {}, [&](TreeWalk::Step const & step) { below.insert(&step.entity); });
+    return below.size() - 1;
+}
+
+} // namespace Vn::Console

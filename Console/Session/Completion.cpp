@@ -1,0 +1,115 @@
+#include "Console/Session/Completion.h"
+
+#include <algorithm>
+
+#include "Console/Session/Session.h"
+#include "Console/Session/TextCommands.h"
+#include "Console/Session/Vocabulary.h"
+#include "Console/SettingsFields.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Tokens.h"
+
+namespace Vn::Console {
+
+namespace {
+
+using Candidates = std::vector<Completion::Candidate>;
+
+bool isSpace(wchar_t c) { return Text::isSpace(static_cast<char32_t>(c)); }
+
+// After the last blank.
+std::wstring_view lastWord(std::wstring_view line) {
+    std::size_t begin = line.size();
+    while (begin > 0 && !isSpace(line[begin - 1])) --begin;
+    return line.substr(begin);
+}
+
+// The name that the line ends with, as an expression would read it: "kilom" of "2kilom".
+std::wstring_view lastName(std::wstring_view line) {
+    Expressions::Tokens const & tokens = *Expressions::Tokens::get();
+    std::size_t begin = line.size();
+    while (begin > 0 && !isSpace(line[begin - 1]) &&
+           (Text::isDigit(static_cast<char32_t>(line[begin - 1])) ||
+            !tokens.invalidNameCharsInStr(line.substr(begin - 1, 1), true)))
+        --begin;
+    while (begin < line.size() && Text::isDigit(static_cast<char32_t>(line[begin]))) ++begin;
+    return line.substr(begin);
+}
+
+bool begins(std::wstring_view text, std::wstring_view begun, bool folded) {
+    std::wstring_view const front = text.substr(0, begun.size());
+    return folded ? Text::foldedEqual(front, begun) : front == begun;
+}
+
+Completion choose(Candidates const & all, std::wstring_view begun) {
+    Completion completion;
+    completion.begun = begun.size();
+    for (bool const folded : {false, true}) {
+        for (Completion::Candidate const & candidate : all) {
+            bool const known = std::any_of(
+                completion.candidates.begin(), completion.candidates.end(),
+                [&](Completion::Candidate const & c) { return c.text == candidate.text; });
+            if (!known && begins(candidate.text, begun, folded))
+                completion.candidates.push_back(candidate);
+        }
+        if (!completion.candidates.empty()) break;
+    }
+    return completion;
+}
+
+Candidates settings() {
+    Candidates all;
+    for (SettingsField const & field : settingsFields())
+        all.push_back({Text::widen(field.name), L" "});
+    return all;
+}
+
+Candidates topics() {
+    Candidates all;
+    for (Session::Topic const & topic : Session::topics()) all.push_back({topic.name, L""});
+    for (Session::Command const & command : Session::commands()) all.push_back({command.name, L""});
+    return all;
+}
+
+Candidates commands() {
+    Candidates all;
+    for (Session::Command const & command : Session::commands())
+        all.push_back({command.name, *command.arguments ? L" " : L""});
+    for (std::wstring const & name : textCommandNames()) all.push_back({name, L" "});
+    return all;
+}
+
+Candidates words() {
+    Candidates all;
+    for (Vocabulary::Word const & word : Vocabulary::get().words())
+        all.push_back({word.text, word.kind == Vocabulary::Kind::Function ? L"(" : L""});
+    return all;
+}
+
+} // namespace
+
+Completion completeSessionLine(std::wstring_view line) {
+    while (!line.empty() && isSpace(line.front())) line.remove_prefix(1);
+    std::wstring_view const word = lastWord(line);
+    std::wstring_view const front = trimmed(line.substr(0, line.size() - word.size()));
+    if (front == L"set") return choose(settings(), word);
+    if (front == L"help") return choose(topics(), word);
+
+    Candidates all;
+    if (front.empty()) all = commands();
+    if (front.empty() && word.find(L'.') != word.npos && !choose(all, word).candidates.empty())
+        return choose(all, word);
+    std::wstring_view const name = lastName(line);
+    // With nothing begun everything fits, which helps nobody; only a whole line has few beginnings.
+    if (name.empty() && !front.empty()) return {};
+    if (name.size() < word.size()) all.clear();
+    if (!name.empty()) {
+        Candidates const known = words();
+        all.insert(all.end(), known.begin(), known.end());
+    }
+    if (name.empty() && !word.empty()) return {};
+    return choose(all, name);
+}
+
+} // namespace Vn::Console

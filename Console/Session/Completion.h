@@ -1,0 +1,19 @@
+// What the tab key offers in a session.
+
+#ifndef VN_CONSOLE_SESSION_COMPLETION_H
+#define VN_CONSOLE_SESSION_COMPLETION_H
+
+#include <string_view>
+
+#include "Console/Terminal/LineReader.h"
+
+namespace Vn::Console {
+
+// The words that can stand where the line ends: at its beginning a command of the session or a text
+// command; after "set" a setting, after "help" a topic; and anywhere what an expression can hold.
+// The case must be as typed, unless nothing begins so.
+Completion completeSessionLine(std::wstring_view line);
+
+} // namespace Vn::Console
+
+#endif

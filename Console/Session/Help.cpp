@@ -1,0 +1,167 @@
+// What `help` tells.
+
+#include <ostream>
+
+#include "Console/Session/Session.h"
+#include "Console/Session/TextCommands.h"
+#include "Console/Terminal/Table.h"
+#include "Console/Texts.h"
+#include "Console/UnitTexts.h"
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Functions.h"
+#include "Server/CommonData/Expressions/Tokens.h"
+
+namespace Vn::Console {
+
+using Expressions::EToken;
+using Expressions::Tokens;
+
+namespace {
+
+struct Example {
+    wchar_t const * text;
+    wchar_t const * meaning;
+};
+
+constexpr Example c_operators[] = {
+    {L"1 in + 1 cm", L"sums and differences of one kind of quantity"},
+    {L"5 kg * 2 m / s^2", L"products and quotients; a power of a unit is a whole number"},
+    {L"7 % 4", L"the remainder"},
+    {L"2 ^ 3", L"a power"},
+    {L"2 + 3 * (4 - 1)", L"brackets; products and powers go before sums, from left to right"},
+    {L"max(2 ft; 60 cm)", L"functions; arguments are separated by semicolons"},
+    {L"7 / (2.2)", L"a divisor in brackets: 7/2.2 begins with the fraction 7/2"},
+};
+
+constexpr Example c_numbers[] = {
+    {L"2.5 cm  2,5 cm", L"decimals after a full stop or a comma"},
+    {L"2.2E-6 m", L"an exponent"},
+    {L"1 3/4 in  3/4\"", L"fractions with a divisor of 2, 4, 8, 16, 32, 64 or 128"},
+    {L"2' 6 3/4\"", L"feet and inches"},
+    {L"45 deg 30' 15\"", L"degrees, minutes and seconds"},
+    {L"20 C", L"temperatures have a zero of their own"},
+    {L"cm", L"a unit alone is one of it"},
+};
+
+constexpr Example c_documents[] = {
+    {L"new", L"a new document, in memory"},
+    {L"make", L"a group in the root group \"Groups\""},
+    {L"make 0", L"a group in that one, which is the first child of the root"},
+    {L"add 0/0 3", L"three entities in that, which is Groups/CmnData[0]/CmnData[0]"},
+    {L"move 0/0/2 before 0/0/0", L"an entity before a sibling; also after it, or into a group"},
+    {L"move #4 into .", L"by the id that the tree shows, to the end of the root group"},
+    {L"tree", L"all entities with their paths and ids"},
+    {L"undo", L"takes the last change back; redo makes it again, history lists all"},
+    {L"remove 0/0/0", L"takes an entity out of its group"},
+    {L"delete 0", L"deletes a group with everything below it"},
+    {L"saveas a.vnd", L"saves the document; save does it again, open opens another"},
+    {L"check a.vnd", L"looks for damage in a file"},
+};
+
+template <std::size_t N>
+void show(Example const (&examples)[N], std::ostream & out) {
+    Table table;
+    for (Example const & example : examples) table.add({example.text, example.meaning});
+    out << table.toUtf8("  ");
+}
+
+std::wstring functionText(EToken token) {
+    auto const function = static_cast<Expressions::FunctionId>(token - Expressions::e_COS);
+    std::wstring text = Tokens::get()->getString(token) + L'(';
+    constexpr wchar_t const * c_arguments[] = {L"", L"a", L"a; b"};
+    return text + c_arguments[Expressions::functionArity(function)] + L')';
+}
+
+} // namespace
+
+std::span<Session::Topic const> Session::topics() {
+    static constexpr Topic c_topics[] = {
+        {L"expressions", L"operators, brackets and functions", &Session::helpOnExpressions},
+        {L"numbers", L"the forms in which numbers are typed", &Session::helpOnNumbers},
+        {L"functions", L"the functions and their arguments", &Session::helpOnFunctions},
+        {L"constants", L"the constants and their values", &Session::helpOnConstants},
+        {L"prefixes", L"the prefixes of units", &Session::helpOnPrefixes},
+        {L"documents", L"documents and their groups", &Session::helpOnDocuments},
+        {L"commands", L"the text commands", &Session::helpOnCommands},
+    };
+    return c_topics;
+}
+
+Session::Result Session::help(std::wstring const & topic) {
+    for (Topic const & each : topics()) {
+        if (topic != each.name) continue;
+        (this->*each.show)();
+        return Result::Good;
+    }
+    for (Command const & command : commands()) {
+        if (topic != command.name) continue;
+        Table table;
+        table.add({std::wstring(command.name) + L' ' + command.arguments, command.meaning});
+        m_rOut << table.toUtf8("  ");
+        return Result::Good;
+    }
+    if (!topic.empty()) return bad(L"there is no help on " + inQuotes(topic));
+
+    m_rOut << "Type an expression, such as 1 in + 1 cm, to evaluate it; a text command, such as\n"
+              "Units.List, to run it; or one of these:\n\n";
+    Table table;
+    for (Command const & command : commands())
+        table.add({std::wstring(command.name) + L' ' + command.arguments, command.meaning});
+    m_rOut << table.toUtf8("  ") << "\nMore is told by help with one of these topics:\n\n";
+    Table more;
+    for (Topic const & each : topics()) more.add({each.name, each.meaning});
+    m_rOut << more.toUtf8("  ")
+           << "\nOn a terminal the tab key completes words, and the arrow keys bring lines back.\n";
+    return Result::Good;
+}
+
+void Session::helpOnExpressions() { show(c_operators, m_rOut); }
+
+void Session::helpOnNumbers() { show(c_numbers, m_rOut); }
+
+void Session::helpOnFunctions() {
+    Table table;
+    std::vector<std::wstring> row;
+    for (int token = Expressions::e_COS; token <= Expressions::e_RANDOM; ++token) {
+        row.push_back(functionText(static_cast<EToken>(token)));
+        if (row.size() < 6) continue;
+        table.add(std::exchange(row, {}));
+    }
+    table.add(row);
+    m_rOut << table.toUtf8("  ");
+}
+
+void Session::helpOnConstants() {
+    Table table;
+    for (EToken const token :
+         {Expressions::e_PI_CONSTANT, Expressions::e_E_CONSTANT, Expressions::e_GRAVITY_CONSTANT,
+          Expressions::e_SPEED_OF_LIGHT_CONSTANT}) {
+        Tokens const & tokens = *Tokens::get();
+        std::wstring const units =
+            internalUnitText(tokens.constantUnits(token), Units::UnitDisplaySettings::standard());
+        table.add({tokens.getString(token), shortestNumber(tokens.getConstantValue(token)), units});
+    }
+    m_rOut << table.toUtf8("  ");
+}
+
+void Session::helpOnPrefixes() {
+    Tokens const & tokens = *Tokens::get();
+    Table table;
+    for (int token = Expressions::e_EXA; token <= Expressions::e_ATTO; ++token) {
+        if (token == Expressions::e_DECA_RESERVED) continue;
+        auto const longForm = static_cast<EToken>(token);
+        auto const shortForm = static_cast<EToken>(++token);
+        table.add({tokens.getString(longForm), tokens.getString(shortForm),
+                   shortestNumber(tokens.getMagnitudeValue(longForm))});
+    }
+    m_rOut << table.toUtf8("  ");
+}
+
+void Session::helpOnDocuments() {
+    show(c_documents, m_rOut);
+    m_rOut << "These are short for Document.New, Groups.Make and so on.\n";
+}
+
+void Session::helpOnCommands() { runTextCommand({}, m_rOut, m_rErr); }
+
+} // namespace Vn::Console

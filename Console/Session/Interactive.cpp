@@ -1,0 +1,59 @@
+#include "Console/Session/Interactive.h"
+
+#include <ostream>
+
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/Documents/Session.h"
+#include "Console/Session/Completion.h"
+#include "Console/Session/Session.h"
+#include "Console/Terminal/LineReader.h"
+#include "Console/Terminal/Terminal.h"
+#include "Platform/Base/Text.h"
+
+namespace Vn::Console {
+
+namespace {
+
+std::unique_ptr<LineReader> makeEditor() {
+    if (!inputIsTerminal() || !outputIsTerminal()) return nullptr;
+    return makeLineEditor(&completeSessionLine);
+}
+
+} // namespace
+
+int runInteractive(DocumentSession const & document, std::istream & in, std::ostream & out,
+                   std::ostream & err) {
+    std::unique_ptr<LineReader> reader = makeEditor();
+    bool const somebodyTypes = reader != nullptr;
+    if (somebodyTypes)
+        out << "Type an expression, such as 1 in + 1 cm; help tells more, quit ends.\n";
+    else
+        reader = std::make_unique<StreamLineReader>(in);
+    Session session(out, err);
+    bool good = true;
+    bool warned = false; // of what would be lost, by the line before
+    while (out.flush()) {
+        std::optional<std::string> const line = reader->read(session.prompt());
+        // The prompt is left standing by the end of the input.
+        if (!line && somebodyTypes) out << '\n' << std::flush;
+        Session::Result const result = line ? session.execute(*line) : Session::Result::Quit;
+        good &= result != Session::Result::Bad;
+        if (result != Session::Result::Quit) {
+            warned = false;
+            continue;
+        }
+        if (!document.hasUnsavedChanges() || warned) break;
+        err << Text::toUtf8(document.unsavedChanges())
+            << (somebodyTypes ? "; Document.Save keeps it, quitting once more doesn't\n"
+                              : "; what isn't saved is lost\n")
+            << std::flush;
+        warned = true;
+        if (!somebodyTypes) {
+            good = false;
+            break;
+        }
+    }
+    return good || somebodyTypes ? ExitGood : ExitBadInput;
+}
+
+} // namespace Vn::Console

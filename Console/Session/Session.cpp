@@ -1,0 +1,221 @@
+#include "Console/Session/Session.h"
+
+#include <charconv>
+#include <cmath>
+#include <ostream>
+
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/CommandLine/UnitsCommand.h"
+#include "Console/Evaluation.h"
+#include "Console/Session/TextCommands.h"
+#include "Console/SettingsFields.h"
+#include "Console/Spelling.h"
+#include "Console/Terminal/Table.h"
+#include "Console/Texts.h"
+#include "Console/UnitTexts.h"
+#include "Platform/Base/StringTable.h"
+#include "Platform/Base/Text.h"
+
+namespace Vn::Console {
+
+using Expressions::Expression;
+using Units::UnitContext;
+using Units::UnitDisplaySettings;
+
+namespace {
+
+// The user's own, so that text commands show values in the same way.
+UnitDisplaySettings & settings() { return UnitDisplaySettings::userEditableSettings(); }
+
+// The word that a line begins with; the rest of the line, without blanks around it, stays in
+// `line`.
+std::wstring takeWord(std::wstring_view & line) {
+    std::size_t end = 0;
+    while (end < line.size() && !Text::isSpace(static_cast<char32_t>(line[end]))) ++end;
+    std::wstring const word(line.substr(0, end));
+    line = trimmed(line.substr(end));
+    return word;
+}
+
+std::wstring valueText(SettingsField const & field) {
+    double const value = field.get(settings());
+    if (field.kind == SettingsField::Kind::Flag) return value != 0.0 ? L"true" : L"false";
+    return shortestNumber(value);
+}
+
+// The field by its name in any case.
+SettingsField const * findField(std::wstring const & name) {
+    for (SettingsField const & field : settingsFields())
+        if (Text::foldedEqual(std::string_view(field.name), Text::toUtf8(name))) return &field;
+    return nullptr;
+}
+
+std::wstring nearestField(std::wstring const & name) {
+    std::size_t least = allowedMistakes(name.size()) + 1;
+    std::wstring nearest;
+    for (SettingsField const & field : settingsFields()) {
+        std::wstring const candidate = Text::widen(field.name);
+        if (name.size() > 2 * candidate.size()) continue;
+        std::size_t const count = mistakes(name, candidate);
+        if (count >= least) continue;
+        least = count;
+        nearest = candidate;
+    }
+    return nearest;
+}
+
+// NaN for what can't be read.
+double readValue(SettingsField const & field, std::wstring const & text) {
+    if (field.kind == SettingsField::Kind::Flag) {
+        for (wchar_t const * const yes : {L"true", L"on", L"yes", L"1"})
+            if (Text::foldedEqual(text, std::wstring_view(yes))) return 1.0;
+        for (wchar_t const * const no : {L"false", L"off", L"no", L"0"})
+            if (Text::foldedEqual(text, std::wstring_view(no))) return 0.0;
+        return std::nan("");
+    }
+    std::string const utf8 = Text::toUtf8(text);
+    double value = 0.0;
+    auto const [end, error] = std::from_chars(utf8.data(), utf8.data() + utf8.size(), value);
+    return error == std::errc() && end == utf8.data() + utf8.size() ? value : std::nan("");
+}
+
+} // namespace
+
+std::span<Session::Command const> Session::commands() {
+    static constexpr Command c_commands[] = {
+        {L"help", L"[TOPIC]", L"what can be typed", &Session::help},
+        {L"unit", L"[UNIT]", L"the unit of results: shows it, sets it; \"none\" expects nothing",
+         &Session::unit},
+        {L"display", L"[UNIT]", L"the unit in which values are shown; \"none\" for their own",
+         &Session::display},
+        {L"set", L"[FIELD [VALUE]]", L"the display settings: shows them, or changes one",
+         &Session::set},
+        {L"standard", L"", L"back to the factory display settings", &Session::standard},
+        {L"units", L"[PATTERN]", L"the units that expressions know", &Session::units},
+        {L"language", L"", L"the language of words and messages", &Session::language},
+        {L"quit", L"", L"ends the session; so does Ctrl-D", &Session::quit},
+    };
+    return c_commands;
+}
+
+std::wstring Session::prompt() const {
+    UnitDisplaySettings const & standard = UnitDisplaySettings::standard();
+    if (!m_context.hasExpectedUnits()) return L"> ";
+    std::wstring const unit = clipped(unitText(*m_context.expectedUnits(), standard), 20);
+    return (unit.empty() ? L"no unit" : unit) + L"> ";
+}
+
+Session::Result Session::execute(std::string const & utf8Line) {
+    std::wstring decoded;
+    if (!Text::fromUtf8(utf8Line, decoded)) return bad(L"the line isn't UTF-8");
+    std::wstring_view rest = trimmed(decoded);
+    if (rest.empty()) return Result::Good;
+    std::wstring const line(rest);
+    std::wstring const first = takeWord(rest);
+    for (Command const & command : commands())
+        if (first == command.name) return (this->*command.run)(std::wstring(rest));
+    if (namesTextCommand(first))
+        return runTextCommand({line}, m_rOut, m_rErr) == ExitGood ? Result::Good : Result::Bad;
+    return evaluate(line);
+}
+
+Session::Result Session::evaluate(std::wstring const & text) {
+    UnitContext const & display = m_display.hasExpectedUnits() ? m_display : m_context;
+    bool const good = showBriefly(Expression(text, m_context), settings(), display, m_rOut, m_rErr);
+    return good ? Result::Good : Result::Bad;
+}
+
+Session::Result Session::bad(std::wstring const & message) {
+    m_rOut.flush();
+    m_rErr << Text::toUtf8(message) << '\n' << std::flush;
+    return Result::Bad;
+}
+
+bool Session::readUnit(std::wstring const & text, char const * what, UnitContext & context) {
+    if (text == L"none") {
+        context = UnitContext();
+        return true;
+    }
+    return readUnitContext(text == L"\"\"" ? std::wstring() : text, what, context, m_rErr);
+}
+
+void Session::showUnit(char const * what, UnitContext const & context) {
+    m_rOut << what << ": "
+           << (context.hasExpectedUnits()
+                   ? Text::toUtf8(namedUnits(*context.expectedUnits(), settings()))
+                   : std::string("none"))
+           << '\n';
+}
+
+Session::Result Session::unit(std::wstring const & text) {
+    if (!text.empty() && !readUnit(text, "unit", m_context)) return Result::Bad;
+    showUnit("expected unit", m_context);
+    return Result::Good;
+}
+
+Session::Result Session::display(std::wstring const & text) {
+    if (!text.empty() && !readUnit(text, "display", m_display)) return Result::Bad;
+    showUnit("display unit", m_display);
+    return Result::Good;
+}
+
+void Session::showSettings() {
+    Table table;
+    for (SettingsField const & field : settingsFields())
+        table.add({Text::widen(field.name), valueText(field), Text::widen(field.meaning)});
+    m_rOut << table.toUtf8();
+}
+
+Session::Result Session::set(std::wstring const & argument) {
+    std::wstring_view rest = argument;
+    std::wstring const name = takeWord(rest);
+    if (name.empty()) {
+        showSettings();
+        return Result::Good;
+    }
+    SettingsField const * const field = findField(name);
+    if (!field) {
+        std::wstring const nearest = nearestField(name);
+        return bad(L"there is no setting " + inQuotes(name) +
+                   (nearest.empty() ? L"; \"set\" alone lists them"
+                                    : L"; did you mean " + nearest + L"?"));
+    }
+    if (!rest.empty()) {
+        double const value = readValue(*field, std::wstring(rest));
+        if (std::isnan(value)) {
+            return bad(Text::widen(field->name) +
+                       (field->kind == SettingsField::Kind::Flag ? L" is true or false, not "
+                                                                 : L" is a number, not ") +
+                       inQuotes(rest));
+        }
+        std::string const wrong = setSettingsField(*field, settings(), value);
+        if (!wrong.empty()) return bad(Text::widen(wrong));
+    }
+    m_rOut << field->name << ' ' << Text::toUtf8(valueText(*field)) << '\n';
+    return Result::Good;
+}
+
+Session::Result Session::standard(std::wstring const &) {
+    settings() = UnitDisplaySettings::standard();
+    m_rOut << "the display settings are the factory's again\n";
+    return Result::Good;
+}
+
+Session::Result Session::units(std::wstring const & pattern) {
+    return runUnits(pattern, false, m_rOut, m_rErr) == ExitGood ? Result::Good : Result::Bad;
+}
+
+Session::Result Session::language(std::wstring const & tag) {
+    std::string const language = StringTable::language();
+    if (!tag.empty()) {
+        return bad(L"the language is chosen when the console starts: vnconsole --language " +
+                   clipped(printable(tag)));
+    }
+    m_rOut << "language: " << (language.empty() ? "English" : language)
+           << "; another is chosen by vnconsole --language TAG\n";
+    return Result::Good;
+}
+
+Session::Result Session::quit(std::wstring const &) { return Result::Quit; }
+
+} // namespace Vn::Console

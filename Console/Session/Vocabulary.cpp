@@ -1,0 +1,134 @@
+#include "Console/Session/Vocabulary.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "Console/Spelling.h"
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Tokens.h"
+#include "Server/CommonData/Units/SimpleUnit.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
+#include "Server/CommonData/Units/UnitLookup.h"
+
+namespace Vn::Console {
+
+using Expressions::EToken;
+using Expressions::Tokens;
+using Units::SimpleUnit;
+using Units::UnitDisplaySettings;
+
+namespace {
+
+constexpr std::size_t c_suggestions = 3;
+
+// "mm2" for "mm^2".
+std::wstring asPower(std::wstring_view name) {
+    std::size_t end = name.size();
+    while (end > 0 && Text::isDigit(static_cast<char32_t>(name[end - 1]))) --end;
+    if (end == 0 || end == name.size() || name.size() - end > 2) return {};
+    if (!Vocabulary::isKnown(name.substr(0, end))) return {};
+    return std::wstring(name.substr(0, end)) + L'^' + std::wstring(name.substr(end));
+}
+
+} // namespace
+
+Vocabulary const & Vocabulary::get() {
+    static Vocabulary const s_vocabulary;
+    return s_vocabulary;
+}
+
+Vocabulary::Vocabulary() {
+    Tokens const & tokens = *Tokens::get();
+    for (int token = Expressions::e_COS; token <= Expressions::e_RANDOM; ++token)
+        add(tokens.getString(static_cast<EToken>(token)), Kind::Function);
+    for (int token = Expressions::e_PI_CONSTANT; token <= Expressions::e_SPEED_OF_LIGHT_CONSTANT;
+         ++token)
+        add(tokens.getString(static_cast<EToken>(token)), Kind::Constant);
+    addUnits();
+    std::stable_sort(m_words.begin(), m_words.end(),
+                     [](Word const & a, Word const & b) { return a.kind < b.kind; });
+}
+
+void Vocabulary::addUnits() {
+    Tokens const & tokens = *Tokens::get();
+    UnitDisplaySettings const & settings = UnitDisplaySettings::get();
+    for (SimpleUnit const * const unit : Units::listUnits()) {
+        if (unit->magnitude() != 1.0) continue;
+        std::wstring const name = unit->name(settings);
+        std::wstring const abbreviation = unit->abbreviation(settings);
+        add(name, Kind::Unit);
+        if (abbreviation != name) add(abbreviation, Kind::Unit);
+        if (unit->hasSymbol()) add(unit->symbol(settings), Kind::Unit);
+        if (!unit->supportsMagnitude()) continue;
+        // A long prefix is followed by its short one.
+        for (int token = Expressions::e_EXA; token <= Expressions::e_ATTO; ++token) {
+            auto const prefix = static_cast<EToken>(token);
+            if (token == Expressions::e_DECA_RESERVED) continue;
+            std::wstring const & text = tokens.getString(prefix);
+            bool const isLong = token < Expressions::e_DECA_RESERVED
+                                    ? (token - Expressions::e_EXA) % 2 == 0
+                                    : (token - Expressions::e_DECI) % 2 == 0;
+            add(text + (isLong ? name : abbreviation), Kind::PrefixedUnit,
+                tokens.getMagnitudeValue(prefix));
+        }
+    }
+}
+
+void Vocabulary::add(std::wstring const & text, Kind kind, double magnitude) {
+    // A unit may have a spelling that no text can hold as one word.
+    if (text.empty() || Tokens::get()->invalidNameCharsInStr(text, true)) return;
+    m_words.push_back({text, kind, magnitude});
+    m_longest = std::max(m_longest, text.size());
+}
+
+bool Vocabulary::isKnown(std::wstring_view name) {
+    Tokens const & tokens = *Tokens::get();
+    if (tokens.getFunctionToken(name) != Expressions::e_NONE ||
+        tokens.getConstantToken(name) != Expressions::e_NONE)
+        return true;
+    std::wstring_view prefix;
+    SimpleUnit const * const unit = Units::findUnit(name, &prefix);
+    if (unit && (prefix.empty() || (unit->supportsMagnitude() &&
+                                    tokens.getMagnitudeToken(prefix) != Expressions::e_NONE)))
+        return true;
+    return Units::findUnitInAnyCase(name) != nullptr;
+}
+
+std::vector<std::wstring> Vocabulary::nearest(std::wstring_view name) const {
+    std::size_t const allowed = allowedMistakes(name.size());
+    if (name.size() > m_longest + allowed) return {};
+    if (std::wstring const power = asPower(name); !power.empty()) return {power};
+
+    std::size_t least = allowed;
+    std::vector<Word const *> found;
+    for (Word const & word : m_words) {
+        std::size_t const longer = std::max(word.text.size(), name.size());
+        if (2 * longer - word.text.size() - name.size() > least) continue;
+        std::size_t const count = mistakes(name, word.text);
+        if (count > least) continue;
+        if (count < least) found.clear();
+        least = count;
+        found.push_back(&word);
+    }
+    if (found.empty() && name.size() >= 2) {
+        // "lb" for "lbmass" and "lbforce".
+        for (Word const & word : m_words)
+            if (word.kind != Kind::PrefixedUnit && word.text.size() > name.size() &&
+                Text::foldedEqual(std::wstring_view(word.text).substr(0, name.size()), name))
+                found.push_back(&word);
+    }
+    // Of words that are equally near, one with a common prefix is likelier to be meant.
+    std::stable_sort(found.begin(), found.end(), [](Word const * a, Word const * b) {
+        return std::fabs(std::log10(a->magnitude)) < std::fabs(std::log10(b->magnitude));
+    });
+    std::vector<std::wstring> texts;
+    for (Word const * const word : found) {
+        if (texts.size() == c_suggestions) break;
+        if (std::find(texts.begin(), texts.end(), word->text) == texts.end())
+            texts.push_back(word->text);
+    }
+    return texts;
+}
+
+} // namespace Vn::Console

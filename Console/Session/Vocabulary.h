@@ -1,0 +1,48 @@
+// The words that an expression may hold, as they can be typed: functions, constants, and units with
+// every prefix.  For suggestions and completion; looking a word up here makes no units.
+
+#ifndef VN_CONSOLE_SESSION_VOCABULARY_H
+#define VN_CONSOLE_SESSION_VOCABULARY_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Vn::Console {
+
+class Vocabulary {
+public:
+    enum class Kind { Function, Constant, Unit, PrefixedUnit };
+
+    struct Word {
+        std::wstring text;
+        Kind kind;
+        double magnitude; // of the prefix
+    };
+
+    // Made when first asked for, in the language chosen by then.
+    static Vocabulary const & get();
+
+    // In the order functions, constants, units by the catalogue, and these with each prefix.
+    std::vector<Word> const & words() const { return m_words; }
+
+    // Whether an expression may hold `name` at all.
+    static bool isKnown(std::wstring_view name);
+
+    // The known spellings nearest to a name that isn't known, the likeliest first, three at most;
+    // none if nothing is near.  The cost doesn't grow with the length of a long name.
+    std::vector<std::wstring> nearest(std::wstring_view name) const;
+
+private:
+    Vocabulary();
+
+    void add(std::wstring const & text, Kind kind, double magnitude = 1.0);
+    void addUnits();
+
+    std::vector<Word> m_words;
+    std::size_t m_longest = 0;
+};
+
+} // namespace Vn::Console
+
+#endif

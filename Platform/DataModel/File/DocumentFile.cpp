@@ -1,0 +1,125 @@
+#include "Platform/DataModel/DocumentFile.h"
+
+#include <exception>
+#include <mutex>
+#include <new>
+#include <utility>
+
+#include "Platform/Base/OS.h"
+#include "Platform/DataModel/File/Checker.h"
+#include "Platform/DataModel/File/Engine.h"
+#include "Platform/DataModel/File/Reader.h"
+#include "Platform/DataModel/File/Writer.h"
+
+namespace Vn {
+
+namespace {
+
+// The name of the virtual file system.
+class FileSystemName {
+public:
+    static void set(std::string name) {
+        std::lock_guard const guard(s_mutex);
+        value() = std::move(name);
+    }
+    static std::string get() {
+        std::lock_guard const guard(s_mutex);
+        return value();
+    }
+
+private:
+    static std::string & value() {
+        static auto * const s_name = new std::string;
+        return *s_name;
+    }
+    static inline std::mutex s_mutex;
+};
+
+// Runs what may throw, and tells the outcome in a Status.
+template <class Work>
+Status guarded(char const * operation, std::filesystem::path const & file, Work && work) {
+    OS::FileSizeLimitFails const limit;
+    try {
+        if (std::string const & cause = DataModel::missingEngine(); !cause.empty())
+            return Status(StatusUnsupported, operation, DataModel::pathText(file), cause);
+        work();
+        return Status::success();
+    } catch (DataModel::FileFailure const & failure) {
+        if (failure.status.code() == StatusIO && limit.wasReached())
+            return Status(StatusNoSpace, operation, DataModel::pathText(file),
+                          "it would be larger than files may be");
+        return failure.status;
+    } catch (std::bad_alloc const &) {
+        return Status(StatusOutOfMemory, operation);
+    } catch (std::exception const & exception) {
+        return Status::failed(operation, DataModel::pathText(file), exception.what());
+    } catch (...) {
+        return Status::failed(operation, DataModel::pathText(file), "a hook of an entity threw");
+    }
+}
+
+constexpr char c_save[] = "save the document";
+constexpr char c_open[] = "open the document";
+constexpr char c_check[] = "check the document";
+
+Status refuseWithinChanges(Asset & asset, std::filesystem::path const & file) {
+    ChangeHistory const & history = asset.history();
+    if (!history.isUsable())
+        return Status::failed(c_save, DataModel::pathText(file),
+                              "memory ran out while a change was taken back or made again");
+    if (!history.isInTransaction() && !history.isReplaying()) return Status::success();
+    return Status::failed(c_save, DataModel::pathText(file),
+                          history.isReplaying() ? "an undo or a redo is running"
+                                                : "a transaction is open");
+}
+
+} // namespace
+
+Status DocumentFile::save(Asset & asset) {
+    if (asset.m_file.empty())
+        return Status::invalidArgument(c_save, {}, "the document has no file yet");
+    if (Status const refused = refuseWithinChanges(asset, asset.m_file); !refused) return refused;
+    std::filesystem::path const file = asset.m_file;
+    return guarded(c_save, file, [&] {
+        Writer writer(asset, c_save, FileSystemName::get());
+        writer.noteStale();
+        writer.saveChanges();
+    });
+}
+
+Status DocumentFile::saveAs(Asset & asset, std::filesystem::path const & file) {
+    std::vector<std::filesystem::path> kept;
+    return saveAsKeeping(asset, file, kept);
+}
+
+Status DocumentFile::saveAsKeeping(Asset & asset, std::filesystem::path const & file,
+                                   std::vector<std::filesystem::path> & kept) {
+    kept.clear();
+    if (file.empty()) return Status::invalidArgument(c_save, {}, "the name is empty");
+    if (Status const refused = refuseWithinChanges(asset, file); !refused) return refused;
+    return guarded(c_save, file,
+                   [&] { Writer(asset, c_save, FileSystemName::get()).saveWhole(file, kept); });
+}
+
+Status DocumentFile::load(std::filesystem::path const & file, AssetType const * type,
+                          StrongRef<Asset> & asset) {
+    asset.reset();
+    if (file.empty()) return Status::invalidArgument(c_open, {}, "the name is empty");
+    return guarded(c_open, file, [&] {
+        Reader reader(file, type, c_open, FileSystemName::get());
+        asset = reader.read();
+    });
+}
+
+Status DocumentFile::check(std::filesystem::path const & file,
+                           std::vector<std::string> & findings) {
+    findings.clear();
+    if (file.empty()) return Status::invalidArgument(c_check, {}, "the name is empty");
+    return guarded(c_check, file, [&] {
+        DataModel::DocumentChecker(file, c_check, FileSystemName::get(), findings).check();
+    });
+}
+
+void DocumentFile::fileSystem(std::string name) { FileSystemName::set(std::move(name)); }
+
+} // namespace Vn

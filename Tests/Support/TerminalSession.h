@@ -1,0 +1,49 @@
+// The console in a terminal of its own, with a person who types.
+
+#ifndef VN_TESTS_SUPPORT_TERMINALSESSION_H
+#define VN_TESTS_SUPPORT_TERMINALSESSION_H
+
+#include <map>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace Vn::Console::Tests {
+
+class TerminalSession {
+public:
+    explicit TerminalSession(std::vector<std::string> const & arguments,
+                             std::map<std::string, std::string> const & environment = {});
+    ~TerminalSession();
+    TerminalSession(TerminalSession const &) = delete;
+    TerminalSession & operator=(TerminalSession const &) = delete;
+
+    // Presses keys.
+    void type(std::string const & keys);
+
+    // Waits until `text` appears after what was waited for before.  False if the process ends, or
+    // falls silent for long, without it.
+    bool waitFor(std::string const & text);
+
+    // Waits for the prompt, and until the console takes single keys: what is typed before, the
+    // terminal keeps back for a whole line, and Ctrl-C and Ctrl-D have another meaning.
+    bool waitForPrompt(std::string const & prompt = "> ");
+
+    // Waits for the end of the process and returns its exit status, or 128 and the signal.
+    int waitForEnd();
+
+    // All that appeared so far, without the sequences that move the cursor.
+    std::string screen() const;
+
+private:
+    bool readSome();
+
+    int m_terminal = -1;
+    pid_t m_process = -1;
+    std::string m_output;
+    std::size_t m_seen = 0;
+};
+
+} // namespace Vn::Console::Tests
+
+#endif
