@@ -13,6 +13,7 @@ packages=(
   locales                                        # tests in other locales
   dpkg-dev file                                  # the Debian packages
   doxygen                                        # the reference of the public headers
+  clang-format                                   # the test that the sources are formatted
 )
 if [ "${1:-}" = fuzz ]; then packages+=(clang-14 libclang-rt-14-dev); fi
 if [ "${1:-}" = windows ]; then packages+=(g++-mingw-w64-x86-64-posix googletest wine wine64); fi
