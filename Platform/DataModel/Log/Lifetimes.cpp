@@ -375,6 +375,7 @@ void Lifetimes::tellRevived() {
 }
 
 void Lifetimes::settle(bool isTold) {
+    if (m_revived.empty() && m_orphans.empty() && !m_bUnlisted) return; // as after most replays
     if (isTold) m_returned.reserve(m_returned.size() + m_revived.size());
     for (StrongRef<Entity> const & revived : m_revived)
         if (isTold)
@@ -405,6 +406,7 @@ void Lifetimes::tellExchanged(Entity & entity) {
 }
 
 void Lifetimes::tellReturned(DataChange::ETransact transact) {
+    if (m_returned.empty()) return;
     for (std::size_t i = 0; i < m_returned.size(); ++i) {
         stateOf(*m_returned[i]).clear(EntityState::Returned);
         if (m_returned[i]->isAlive()) tellOver(*m_returned[i], true, transact);

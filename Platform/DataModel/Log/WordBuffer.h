@@ -51,9 +51,15 @@ public:
     }
     // Cuts down to `size`.
     void truncate(std::size_t size) noexcept { m_size = size; }
-    // Gives back what isn't used, if that is much.
+    // Gives back what isn't used, if that is much; few words go back into the object.
     void trim() noexcept {
-        if (m_pWords != m_few && m_capacity - m_size > m_size / 8 + c_few) reallocate(m_size);
+        if (m_pWords == m_few) return;
+        if (m_size <= c_few) {
+            std::memcpy(m_few, m_pWords, m_size * sizeof(std::uint64_t));
+            std::free(std::exchange(m_pWords, m_few));
+            m_capacity = c_few;
+        } else if (m_capacity - m_size > m_size / 8 + c_few)
+            reallocate(m_size);
     }
     // Exchanges the words of two buffers.
     void swap(WordBuffer & other) noexcept {
