@@ -1,12 +1,11 @@
 #include "Tests/Console/DocumentFixture.h"
 
 #include <fstream>
-#include <sqlite3.h>
 #include <sstream>
 #include <vector>
 
-#include "Platform/DataModel/File/Engine.h"
 #include "Tests/DataModel/DocumentEngine.h"
+#include "Tests/DataModel/DocumentSql.h"
 
 namespace Vn::Console::Tests {
 
@@ -39,12 +38,7 @@ std::string DocumentFixture::readFile(std::string const & name) const {
 }
 
 void DocumentFixture::execute(std::string const & name, char const * sql) const {
-    EXPECT_EQ(DataModel::missingEngine(), "");
-    sqlite3 * database = nullptr;
-    EXPECT_EQ(sqlite3_open((directory() / name).string().c_str(), &database), SQLITE_OK);
-    EXPECT_EQ(sqlite3_exec(database, sql, nullptr, nullptr, nullptr), SQLITE_OK)
-        << sqlite3_errmsg(database);
-    sqlite3_close(database);
+    Vn::Testing::Sql(directory() / name).run(sql);
 }
 
 std::string DocumentFixture::places(std::string const & tree) {

@@ -21,7 +21,7 @@ unsigned long long idOf(Entity const * entity) { return entity ? entity->id() : 
 
 std::string idText(unsigned long long id) { return std::to_string(id); }
 
-// Without the helpers of tests, since the walk is also taken by programs that are none.
+// Not Sql of DocumentSql.h, which needs the test framework: the fuzzer, which walks too, has none.
 bool runSql(std::filesystem::path const & file, char const * sql) {
     if (!DataModel::missingEngine().empty()) return false;
     sqlite3 * database = nullptr;

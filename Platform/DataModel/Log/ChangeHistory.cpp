@@ -205,8 +205,8 @@ std::optional<std::size_t> ChangeHistory::cleanSteps() const noexcept {
 }
 
 std::uint32_t ChangeHistory::nextLogNumber() noexcept {
-    if (++m_lastLog ==
-        0) { // once in four thousand million: no entity may take an old log for a new one
+    // Once in four thousand million: no entity may take an old log for a new one.
+    if (++m_lastLog == 0) {
         DataModel::EntityAccess::table(m_asset).forEach(
             [](Entity & entity) { DataModel::EntityAccess::state(entity).place(0, 0); });
         m_lastLog = 1;
@@ -272,8 +272,8 @@ bool ChangeHistory::commit() {
     ChangeLog * const around = step.m_pAround;
     // Room comes first: without it the transaction stays open.
     if (around && !around->words().reserve(log.words().size())) throw std::bad_alloc();
-    if (!around &&
-        m_pRecorder->takeLost()) { // what was recorded isn't all: nothing before can be reached
+    // What was recorded isn't all: nothing before can be reached.
+    if (!around && m_pRecorder->takeLost()) {
         std::unique_ptr<Step> const closed = std::move(m_open.back());
         m_open.pop_back();
         m_pRecorder->log(nullptr);

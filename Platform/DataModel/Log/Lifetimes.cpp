@@ -171,8 +171,8 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     if (!isRecorded && state.test(EntityState::Stored)) m_history.markModified();
 
     state.die();
-    EntityAccess::strongCount(entity,
-                              entity.refCount() + 1); // hooks' references don't end it again
+    // Hooks' references don't end it again.
+    EntityAccess::strongCount(entity, entity.refCount() + 1);
     // A deletion can't be refused: what its hooks throw is dropped, but for a replay, which passes
     // it on.
     try {

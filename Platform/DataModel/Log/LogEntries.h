@@ -26,13 +26,6 @@ inline std::vector<Leaf> const & leavesOf(Entity & entity) {
     return entity.metaType()->layout().leaves();
 }
 
-// Whether a member is still what the kept value says.  Numbers, the most frequent kind, are
-// compared here.
-inline bool isStill(Entity & entity, Leaf const & leaf, std::uint64_t const * value) {
-    void const * const present = field(entity, leaf);
-    return leaf.numberBytes ? numberOf(leaf, present) == *value : isKept(leaf, present, value);
-}
-
 // Whether a leaf stands in a mask of leaves, and putting it there.
 inline bool isRecorded(std::uint64_t leaves, std::size_t leaf) noexcept {
     return leaf < c_maskedLeaves && (leaves >> leaf & 1);

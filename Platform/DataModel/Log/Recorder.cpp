@@ -19,6 +19,13 @@ bool isSaved(Entity const & entity) noexcept { return !entity.segment()->isTrans
 // In its document and not on its way out of it.
 bool isThere(Entity & entity) noexcept { return stateOf(entity).phase() < EntityState::Dying; }
 
+// Whether a member is still what the kept value says.  Numbers, the most frequent kind, are
+// compared here.
+bool isStill(Entity & entity, Leaf const & leaf, std::uint64_t const * value) {
+    void const * const present = field(entity, leaf);
+    return leaf.numberBytes ? numberOf(leaf, present) == *value : isKept(leaf, present, value);
+}
+
 // Appends a member with its number as the head.
 void keepWithHead(Entity & entity, std::size_t index, Leaf const & leaf, Asset const & asset,
                   WordBuffer & words) {
