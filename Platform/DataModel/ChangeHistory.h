@@ -207,7 +207,7 @@ private:
     Asset & m_asset;
     std::unique_ptr<DataModel::Recorder> const m_pRecorder;
     std::unique_ptr<DataModel::Lifetimes> const m_pLifetimes;
-    std::unique_ptr<DataModel::ChangeLog> m_pSpare; // for the next inverse
+    std::unique_ptr<DataModel::ChangeLog> m_pSpare; // for the next step or inverse
     std::unique_ptr<DataModel::ChangeLog> m_pLate;  // since the present state was reached
     std::unique_ptr<char[]> m_pReserve;             // memory for an abort
     std::shared_ptr<std::wstring const> m_pName;    // of the step begun last

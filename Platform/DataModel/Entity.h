@@ -128,7 +128,8 @@ protected:
                              DataChange * details);
     virtual void onPostChange(DataChange::ETransact transact, DataChange::EChangeType type,
                               DataChange * details);
-    // Before the entity leaves the document.
+    // Before the entity leaves the document.  If it comes back, so do the references and lists that
+    // this let go, with or without a bracket; of other members, what was changed within a bracket.
     virtual void onPreDeletion(DataChange::ETransact transact);
     // Once it is complete.
     virtual void onPostCreation(DataChange::ETransact transact);

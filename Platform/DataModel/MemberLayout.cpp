@@ -297,6 +297,11 @@ bool holdsStrong(Leaf const & leaf) {
     return std::any_of(parts.begin(), parts.end(), [](Leaf const & part) { return part.isStrong; });
 }
 
+bool isReference(EMemberKind kind) noexcept {
+    return kind == EMemberKind::PassiveRef || kind == EMemberKind::StrongRef ||
+           kind == EMemberKind::Vector;
+}
+
 // Makes all strong references of a leaf null.
 void dropStrong(Leaf const & leaf, void * field) noexcept {
     if (leaf.kind == EMemberKind::StrongRef) return strong(field).reset();
@@ -305,26 +310,6 @@ void dropStrong(Leaf const & leaf, void * field) noexcept {
                   [&](EMemberKind kind, char * element) {
                       if (kind == EMemberKind::StrongRef) strong(element).reset();
                   });
-}
-
-// The leaves that aren't in a helper, numbers without a gap between them together.
-std::vector<Piece> piecesOf(std::vector<Leaf> const & leaves) {
-    std::vector<Piece> pieces;
-    for (std::uint32_t i = 0; i < leaves.size(); ++i) {
-        Leaf const & leaf = leaves[i];
-        if (leaf.isInHelper) continue;
-        if (leaf.numberBytes && !pieces.empty()) {
-            Piece & last = pieces.back();
-            if (last.bytes && last.leaf + last.leaves == i &&
-                last.offset + last.bytes == leaf.offset) {
-                last.bytes += leaf.numberBytes;
-                ++last.leaves;
-                continue;
-            }
-        }
-        pieces.push_back({leaf.offset, leaf.numberBytes, i, 1});
-    }
-    return pieces;
 }
 
 } // namespace
@@ -377,7 +362,9 @@ MemberLayout::MemberLayout(MemberSet const * set) {
     for (auto i = chain.rbegin(); i != chain.rend(); ++i) appendLeaves(**i, m_leaves);
     m_bStrong = std::any_of(m_leaves.begin(), m_leaves.end(),
                             [](Leaf const & leaf) { return leaf.isStrong; });
-    m_pieces = piecesOf(m_leaves);
+    for (std::uint32_t i = 0; i < m_leaves.size(); ++i)
+        if (!m_leaves[i].isInHelper)
+            (isReference(m_leaves[i].kind) ? m_references : m_plain).push_back(i);
     auto const parent = std::find_if(m_leaves.begin(), m_leaves.end(), [](Leaf const & leaf) {
         return leaf.kind == EMemberKind::PassiveRef && !leaf.isInHelper &&
                leaf.member->test(Member::OptionParent);

@@ -57,14 +57,6 @@ struct Leaf {
 // The leaves of a member set without those of its base.
 void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves);
 
-// Numbers that lie side by side, or one leaf of another kind.
-struct Piece {
-    std::ptrdiff_t offset = 0; // from the entity
-    std::uint32_t bytes = 0;   // of the numbers; 0 for another kind
-    std::uint32_t leaf = 0;    // the first
-    std::uint32_t leaves = 0;  // how many
-};
-
 // All leaves of a class of entities, base first.
 class MemberLayout {
 public:
@@ -73,8 +65,10 @@ public:
     std::vector<Leaf> const & leaves() const noexcept { return m_leaves; }
     // The leaf of the field at an address of the entity; -1 if there is none.
     int find(Entity const & entity, void const * field) const noexcept;
-    // The leaves that aren't in a helper, as few pieces.
-    std::vector<Piece> const & pieces() const noexcept { return m_pieces; }
+    // The numbers of the leaves that are references or lists, and of all others; without those in
+    // helpers.
+    std::vector<std::uint32_t> const & references() const noexcept { return m_references; }
+    std::vector<std::uint32_t> const & plain() const noexcept { return m_plain; }
     // Whether any leaf holds strong references.
     bool hasStrong() const noexcept { return m_bStrong; }
     // The passive reference to what an entity stands in; null if there is none.
@@ -86,7 +80,8 @@ public:
 
 private:
     std::vector<Leaf> m_leaves;
-    std::vector<Piece> m_pieces;
+    std::vector<std::uint32_t> m_references;
+    std::vector<std::uint32_t> m_plain;
     std::size_t m_parent = 0; // its number; after the last if there is none
     bool m_bStrong = false;
 };

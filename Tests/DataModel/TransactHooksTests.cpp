@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -22,6 +23,7 @@ public:
 
     static inline std::vector<std::string> s_heard;
     static inline std::function<void()> s_whenChanged;
+    static inline std::function<void(Hearer &)> s_whenDeleted;
 
 private:
     explicit Hearer(Segment * segment) : Thing(segment) {}
@@ -35,6 +37,7 @@ private:
     }
     void onPreDeletion(DataChange::ETransact transact) override {
         hear("preDeletion", transact);
+        if (s_whenDeleted) s_whenDeleted(*this);
         Thing::onPreDeletion(transact);
     }
     void onPostTransactChange(DataChange::ETransact transact) override {
@@ -56,7 +59,10 @@ protected:
         m_rAsset->segment(SegmentType::DesignSegment)->addRoot(m_rRoot, "root");
         m_rAsset->history().clear();
     }
-    ~TransactHooksTests() override { Hearer::s_whenChanged = nullptr; }
+    ~TransactHooksTests() override {
+        Hearer::s_whenChanged = nullptr;
+        Hearer::s_whenDeleted = nullptr;
+    }
 
     ChangeHistory & history() { return m_rAsset->history(); }
     // What was heard since the last call.
@@ -157,6 +163,137 @@ TEST_F(TransactHooksTests, WhatAHookChangesThenIsNoPartOfTheStep) {
     step([&] { m_rRoot->set(&Thing::m_int, 3); });
     EXPECT_EQ(history().undoSteps(), 0U);
     EXPECT_TRUE(m_rAsset->isDirty());
+}
+
+// --- What hooks of a deletion change -----------------------------------------------------------
+
+class DeletionHooksTests : public TransactHooksTests {
+protected:
+    DeletionHooksTests() {
+        step([&] {
+            StrongRef<Hearer> const made = Hearer::make(*m_rAsset);
+            m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>(made));
+            made->m_int = 7;
+            made->m_name = L"owned";
+            made->m_rFriend = PassiveRef<Entity>(m_rRoot);
+            made->m_numbers = {1, 2, 3};
+            made->m_rOwned = Thing::make(*m_rAsset, L"below");
+        });
+    }
+
+    Thing & owned() { return *m_rRoot->m_rOwned; }
+    void removeOwned() {
+        step([&] { m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>()); });
+    }
+    void expectAsItWas() {
+        ASSERT_TRUE(m_rRoot->m_rOwned);
+        EXPECT_EQ(owned().m_int, 7);
+        EXPECT_EQ(owned().m_name, L"owned");
+        EXPECT_EQ(owned().m_rFriend.get(), m_rRoot.get());
+        EXPECT_EQ(owned().m_numbers, (std::vector<double>{1, 2, 3}));
+        ASSERT_TRUE(owned().m_rOwned);
+        EXPECT_EQ(owned().m_rOwned->m_name, L"below");
+    }
+    // By undo of the removal, by a second undo after a redo, and by redo of the making.
+    void expectAsItWasAfterEachReturn() {
+        removeOwned();
+        EXPECT_TRUE(history().undo());
+        expectAsItWas();
+        EXPECT_TRUE(history().redo());
+        EXPECT_TRUE(history().undo());
+        expectAsItWas();
+        EXPECT_TRUE(history().undo());
+        EXPECT_FALSE(m_rRoot->m_rOwned);
+        EXPECT_TRUE(history().redo());
+        expectAsItWas();
+    }
+};
+
+TEST_F(DeletionHooksTests, ReferencesAndListsThatAreLetGoComeBack) {
+    Hearer::s_whenDeleted = [](Hearer & dying) {
+        dying.m_rFriend.reset();
+        dying.m_numbers.clear();
+        dying.m_rOwned.reset();
+    };
+    expectAsItWasAfterEachReturn();
+}
+
+TEST_F(DeletionHooksTests, WhatIsChangedWithinBracketsComesBack) {
+    Hearer::s_whenDeleted = [](Hearer & dying) {
+        dying.set(&Thing::m_int, 8);
+        dying.set(&Thing::m_name, std::wstring(L"dying"));
+        dying.set(&Thing::m_rFriend, PassiveRef<Entity>());
+        dying.set(&Thing::m_rOwned, StrongRef<Thing>());
+    };
+    expectAsItWasAfterEachReturn();
+}
+
+TEST_F(DeletionHooksTests, ANumberThatIsStoredWithoutABracketStays) {
+    Hearer::s_whenDeleted = [](Hearer & dying) { dying.m_int = 8; };
+    removeOwned();
+    EXPECT_TRUE(history().undo());
+    EXPECT_EQ(owned().m_int, 8);
+}
+
+TEST_F(DeletionHooksTests, ABracketThatIsOpenAlreadyCoversWhatTheHooksChange) {
+    Hearer::s_whenDeleted = [](Hearer & dying) {
+        dying.m_int = 8;
+        dying.set(&Thing::m_name, std::wstring(L"dying"));
+    };
+    step([&] {
+        EntityChange const change(&owned(), DataChange::TransactDirect, DataChange::ChangeValue,
+                                  DataChange::TimingPreAndPost, nullptr, true);
+        m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>());
+    });
+    EXPECT_TRUE(history().undo());
+    expectAsItWas();
+    EXPECT_TRUE(history().redo());
+    EXPECT_FALSE(m_rRoot->m_rOwned);
+    EXPECT_TRUE(history().undo());
+    expectAsItWas();
+}
+
+// While one is dying, its hook takes back a transaction in which another died, whose hook changes
+// it.
+TEST_F(DeletionHooksTests, DeathsNestThroughATransactionThatIsTakenBack) {
+    StrongRef<Hearer> outer = Hearer::make(*m_rAsset);
+    StrongRef<Thing> const owner = Thing::make(*m_rAsset);
+    owner->m_rOwned = outer;
+    outer->m_int = 5;
+    history().clear();
+    Entity * const dyingFirst = outer.get();
+    outer.reset();
+    Hearer::s_whenDeleted = [&](Hearer & dying) {
+        dying.set(&Thing::m_double, dying.m_double + 1);
+        if (&dying != dyingFirst) return;
+        Transaction transaction(*m_rAsset, L"taken back");
+        m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>());
+    };
+    step([&] { owner->set(&Thing::m_rOwned, StrongRef<Thing>()); });
+    Hearer::s_whenDeleted = nullptr;
+    expectAsItWas();
+    EXPECT_TRUE(history().undo());
+    expectAsItWas();
+    ASSERT_EQ(owner->m_rOwned.get(), dyingFirst);
+    EXPECT_EQ(owner->m_rOwned->m_int, 5);
+    EXPECT_EQ(owner->m_rOwned->m_double, 0.0);
+}
+
+// What is changed within a bracket that was open before such a transaction belongs to the step
+// around it, and what it leads to is kept for the undo of that.
+TEST_F(DeletionHooksTests, ADeathInATransactionThatIsTakenBackIsUndoneWithTheBracketAroundIt) {
+    StrongRef<Hearer> child = Hearer::make(*m_rAsset);
+    m_rRoot->m_children.push_back(child);
+    history().clear();
+    Hearer::s_whenDeleted = [&, dyingFirst = std::exchange(child, nullptr).get()](Hearer & dying) {
+        if (&dying != dyingFirst) return;
+        Transaction transaction(*m_rAsset, L"taken back");
+        m_rRoot->set(&Thing::m_rOwned, StrongRef<Thing>());
+    };
+    step([&] { m_rRoot->remove(0); }); // whose bracket is open when the hook runs
+    EXPECT_FALSE(m_rRoot->m_rOwned);
+    EXPECT_TRUE(history().undo());
+    expectAsItWas();
 }
 
 } // namespace

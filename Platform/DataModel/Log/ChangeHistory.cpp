@@ -92,8 +92,8 @@ void ChangeHistory::replay(Step & step, bool undoing) {
     if (log.isPersistent()) m_pSpare->persistent();
     m_pLifetimes->tellTransacted(*m_pSpare, DataChange::TransactReplay);
     log.swap(*m_pSpare);
-    log.words().trim();
     DataModel::drop(*m_pSpare, *m_pLifetimes);
+    log.words().trim(&m_pSpare->words());
     if (m_pSpare->words().heapBytes() > c_spareBytes) m_pSpare.reset();
 }
 
@@ -141,6 +141,7 @@ void ChangeHistory::dropOldest() noexcept {
 }
 
 void ChangeHistory::dropRedo() noexcept {
+    if (m_redo.empty()) return;
     Lifetimes::Dropping const dropping(*m_pLifetimes);
     while (!m_redo.empty()) {
         auto const step = std::move(m_redo.front());
@@ -261,7 +262,10 @@ bool ChangeHistory::begin(std::wstring_view name) {
     // Steps of the same name share it.
     if (!m_pName || *m_pName != name) m_pName = std::make_shared<std::wstring const>(name);
     m_open.push_back(std::make_unique<Step>(m_pName, nextLogNumber(), m_pRecorder->log()));
-    m_pRecorder->log(&m_open.back()->m_log);
+    ChangeLog & log = m_open.back()->m_log;
+    if (!m_pSpare) m_pSpare.reset(new (std::nothrow) ChangeLog(0));
+    if (m_pSpare) log.words().swap(m_pSpare->words()); // the room that the step before had
+    m_pRecorder->log(&log);
     if (!m_pReserve) m_pReserve.reset(new (std::nothrow) char[c_reserveBytes]);
     return true;
 }
@@ -300,7 +304,7 @@ bool ChangeHistory::commit() {
     m_pRecorder->log(around);
     if (around && !log.empty()) join(log, *around);
     if (!isStep) return false;
-    log.words().trim();
+    log.words().trim(m_pSpare ? &m_pSpare->words() : nullptr);
     step.m_state = log.isPersistent() ? ++m_lastState : before;
     m_bytes += log.bytes();
     dropRedo();

@@ -85,6 +85,9 @@ public:
         return m_words.size();
     }
 
+    // Whether there is one record, as in most steps.
+    bool isOne() noexcept { return !empty() && before(end()) == 0; }
+
     // The record is about nothing any more.
     void blank(std::size_t end) noexcept {
         record(end).entity = nullptr;

@@ -1,12 +1,10 @@
 #include "Platform/DataModel/Log/Lifetimes.h"
 
 #include <algorithm>
-#include <cstring>
 #include <new>
 #include <utility>
 
 #include "Platform/DataModel/EntityTableInternal.h"
-#include "Platform/DataModel/Log/EntityImage.h"
 #include "Platform/DataModel/Log/LogEntries.h"
 #include "Platform/DataModel/Log/Recorder.h"
 #include "Platform/DataModel/Log/Step.h"
@@ -150,19 +148,24 @@ void Lifetimes::killLeftOrphans() noexcept {
 void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isForGood) {
     EntityState & state = stateOf(entity);
     MemberLayout const & layout = entity.metaType()->layout();
-    EntityImage image(m_images);
-    // Without a log that is open or names it, nothing leads back, nor does anything after an abort.
-    bool mayReturn = !isForGood && (state.names() > 0 || m_recorder.log() != nullptr);
-    if (mayReturn) {
+    Death death(entity, layout);
+    // Without a log that is open or names it, or a bracket whose record may, nothing leads back,
+    // nor does anything after an abort.
+    death.mayReturn =
+        !isForGood && (state.names() > 0 || m_recorder.log() || m_recorder.scratch().size() > 0);
+    if (death.mayReturn) {
         try {
-            image.take(entity, layout, m_asset);
+            keepMembers(death, layout.references());
+            if (state.test(EntityState::Changing)) changing(death);
         } catch (std::bad_alloc const &) {
             if (m_history.isReplaying()) throw;
             m_history.lose(); // a death can't be refused
-            mayReturn = state.names() > 0;
+            death.mayReturn = state.names() > 0;
         }
         // From here on nothing that the entity owns goes before its tomb is made.
-        if (layout.hasStrong()) image.visitStrong(nameIn, nullptr);
+        if (layout.hasStrong())
+            visitEntries(layout.leaves(), death.words.data(),
+                         death.words.data() + death.words.size(), nameIn, nullptr);
     }
     // What stands in the file and leaves no record makes the document differ from it.
     bool const isRecorded =
@@ -173,6 +176,7 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     state.die();
     // Hooks' references don't end it again.
     EntityAccess::strongCount(entity, entity.refCount() + 1);
+    death.around = std::exchange(m_pDeath, &death);
     // A deletion can't be refused: what its hooks throw is dropped, but for a replay, which passes
     // it on.
     try {
@@ -182,13 +186,14 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     } catch (...) {
         if (m_history.isReplaying()) hookThrew();
     }
+    m_pDeath = death.around;
     layout.dropStrong(entity);
     EntityAccess::leave(m_asset, entity);
     EntityAccess::suspendPassive(entity);
     state.depart();
     // Members that open brackets keep may lead to it, and become a record that names it.
     if (m_recorder.scratch().size() > 0) wait(entity);
-    bool const isGood = entomb(entity, image, mayReturn && state.names() > 0);
+    bool const isGood = entomb(death);
     EntityAccess::strongCount(entity, entity.refCount() - 1);
     if (state.names() == 0)
         finish(entity);
@@ -199,25 +204,55 @@ void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isFor
     m_history.lose();
 }
 
-bool Lifetimes::entomb(Entity & entity, EntityImage & image, bool mayReturn) {
-    if (!mayReturn) {
-        image.visitStrong(forgetIn, this);
-        return true;
+void Lifetimes::changing(Entity & entity) {
+    for (Death * death = m_pDeath; death; death = death->around)
+        if (&death->entity == &entity) return changing(*death);
+}
+
+void Lifetimes::changing(Death & death) {
+    if (!death.mayReturn || death.isWhole) return;
+    keepMembers(death, death.layout.plain());
+    death.isWhole = true;
+}
+
+void Lifetimes::keepMembers(Death & death, std::vector<std::uint32_t> const & leaves) {
+    auto const & all = death.layout.leaves();
+    std::size_t const begin = death.words.size();
+    try {
+        for (std::uint32_t const i : leaves)
+            keepEntry(death.entity, i, all[i], m_asset, death.words);
+    } catch (std::bad_alloc const &) {
+        releaseEntries(all, death.words, begin);
+        throw;
     }
-    if (image.dropSame(forgetIn, this)) return true;
+}
+
+bool Lifetimes::entomb(Death & death) {
+    if (death.words.size() == 0) return true;
+    Entity & entity = death.entity;
+    auto const & leaves = death.layout.leaves();
+    bool const mayReturn = death.mayReturn && stateOf(entity).names() > 0;
+    keepEntries(leaves, death.words, 0,
+                [&](std::size_t, Leaf const & leaf, std::uint64_t const * value) {
+                    if (mayReturn && !isStill(entity, leaf, value)) return true;
+                    if (leaf.isStrong) visitStrong(leaf, value, forgetIn, this);
+                    return false;
+                });
+    if (death.words.size() == 0) return true;
     try {
         auto made = std::make_unique<Tomb>();
         made->entity = &entity;
         Tomb & tomb = *m_tombs.try_emplace(&entity, std::move(made)).first->second;
-        image.moveDifferences(tomb.words, forgetIn, this);
+        tomb.words.swap(death.words);
         tomb.words.trim();
         tomb.bytes = sizeof(Tomb) + tomb.words.heapBytes();
         m_bytes += tomb.bytes;
         stateOf(entity).set(EntityState::Entombed);
         return true;
     } catch (std::bad_alloc const &) {
-        m_tombs.erase(&entity);
-        image.visitStrong(forgetIn, this);
+        visitEntries(leaves, death.words.data(), death.words.data() + death.words.size(), forgetIn,
+                     this);
+        releaseEntries(leaves, death.words, 0);
         return false;
     }
 }
@@ -388,7 +423,7 @@ void Lifetimes::settle(bool isTold) {
 }
 
 void Lifetimes::tellTransacted(ChangeLog & log, DataChange::ETransact transact) {
-    forEachForwards(log, [&](std::size_t end) {
+    auto const tell = [&](std::size_t end) {
         Record const & record = log.record(end);
         if (record.kind == ERecord::Unborn) return; // it is dead
         if (!record.entity || !record.entity->isAlive()) return;
@@ -396,7 +431,11 @@ void Lifetimes::tellTransacted(ChangeLog & log, DataChange::ETransact transact) 
         // The last record about it, so that it is told once.
         if (!state.isIn(log.number()) || state.record() != end) return;
         if (!state.test(EntityState::Returned)) tellOver(*record.entity, record.isBorn, transact);
-    });
+    };
+    if (log.isOne())
+        tell(log.end());
+    else
+        forEachForwards(log, tell);
     tellReturned(transact);
 }
 

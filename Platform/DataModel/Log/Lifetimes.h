@@ -4,10 +4,10 @@
 // depends on whether a log names it:
 //
 //   * If none does, nothing can bring it back, and its object is deleted.
-//   * If one does, the object stays.  What its deletion hooks change, and the strong references
-//     that it gives up, are put into its "tomb" as they were before.  A replay that gives it an
-//     owner again, or that has a record about it, revives it: it gets back what is in the tomb, and
-//     with that what it owned.
+//   * If one does, the object stays.  The references and lists that it gives up, and what else its
+//     deletion hooks change within brackets, are put into its "tomb" as they were before.  A replay
+//     that gives it an owner again, or that has a record about it, revives it: it gets back what is
+//     in the tomb, and with that what it owned.
 //
 // A tomb names what it leads to, as a log does.  So an entity can be revived as long as anything
 // leads to it that may be restored, and all that it owned with it; no order of deaths matters.
@@ -42,7 +42,7 @@ class Entity;
 namespace Vn::DataModel {
 
 class ChangeLog;
-class EntityImage;
+class MemberLayout;
 class Recorder;
 
 class Lifetimes {
@@ -58,6 +58,9 @@ public:
     void unborn(Entity & entity) noexcept;
     // The last strong reference to an entity has gone.
     void orphaned(Entity & entity) noexcept;
+    // A bracket opens on an entity whose deletion hooks are running.  Throws std::bad_alloc if its
+    // members can't be kept.
+    void changing(Entity & entity);
     // The outermost bracket on an entity has closed, which may be what its end waited for.
     void bracketClosed(Entity & entity) noexcept;
     // No bracket is open any more.
@@ -125,6 +128,19 @@ private:
         Entity * entity = nullptr;
     };
 
+    // A death whose hooks are running.
+    struct Death {
+        Death(Entity & dying, MemberLayout const & members) noexcept
+            : entity(dying), layout(members) {}
+
+        Entity & entity;
+        MemberLayout const & layout;
+        WordBuffer words;     // members as they were, with heads as in a Changed record
+        bool isWhole = false; // all of them, not only references and lists
+        bool mayReturn = false;
+        Death * around = nullptr;
+    };
+
     // Tells one entity that the transaction or replay is over.
     void tellOver(Entity & entity, bool came, DataChange::ETransact transact);
     void kill(Entity & entity, DataChange::ETransact transact, bool isForGood);
@@ -133,9 +149,11 @@ private:
     void killLeftOrphans() noexcept;
     // From now on the phase alone tells which entities wait: some that are listed may be dead.
     void unlistOrphans() noexcept;
+    void changing(Death & death);
+    void keepMembers(Death & death, std::vector<std::uint32_t> const & leaves);
     // Moves the members that differ now from what they were into a tomb, if the entity may return.
     // False if there was no memory.
-    bool entomb(Entity & entity, EntityImage & image, bool mayReturn);
+    bool entomb(Death & death);
     void reviveOne(Entity & entity);
     // Gives an entity back what is in its tomb, and revives what that leads to.
     void openTomb(Entity & entity);
@@ -155,7 +173,7 @@ private:
     Recorder & m_recorder;
     std::unordered_map<Entity const *, std::unique_ptr<Tomb>> m_tombs;
     std::unique_ptr<Tomb> m_pGivenUp; // tombs that wait to be given up, one after the other
-    WordBuffer m_images;              // of the entities whose hooks of deletion are running
+    Death * m_pDeath = nullptr;       // the innermost
     std::vector<Entity *> m_orphans;
     std::vector<Entity *> m_waiting;          // with a name each
     std::vector<StrongRef<Entity>> m_revived; // by the replay that is running

@@ -14,6 +14,25 @@ void name(void *, Entity & entity) { stateOf(entity).name(); }
 
 } // namespace
 
+void keepEntry(Entity & entity, std::size_t index, Leaf const & leaf, Asset const & asset,
+               WordBuffer & words) {
+    if (leaf.numberBytes) {
+        std::uint64_t * const place = words.append(2);
+        place[0] = entry(index, 1);
+        place[1] = numberOf(leaf, field(entity, leaf));
+        return;
+    }
+    std::size_t const head = words.size();
+    words.push(0);
+    try {
+        keep(leaf, field(entity, leaf), &asset, words);
+    } catch (...) {
+        words.truncate(head);
+        throw;
+    }
+    words[head] = entry(index, words.size() - head - 1);
+}
+
 void releaseEntries(std::vector<Leaf> const & leaves, WordBuffer & words,
                     std::size_t begin) noexcept {
     std::uint64_t const * const end = words.data() + words.size();

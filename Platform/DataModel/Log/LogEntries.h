@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,38 @@ inline std::uint64_t entry(std::size_t leaf, std::size_t words) noexcept {
 inline std::size_t entryLeaf(std::uint64_t head) noexcept { return head & 0xFFFFFFFFU; }
 inline std::size_t entryWords(std::uint64_t head) noexcept { return head >> 32; }
 
+// Appends the value of a member with its head.  If memory runs out, nothing is appended.
+void keepEntry(Entity & entity, std::size_t index, Leaf const & leaf, Asset const & asset,
+               WordBuffer & words);
+// Whether a member is still what the kept value says.  Numbers, the most frequent kind, are
+// compared here.
+inline bool isStill(Entity & entity, Leaf const & leaf, std::uint64_t const * value) {
+    void const * const present = field(entity, leaf);
+    return leaf.numberBytes ? numberOf(leaf, present) == *value : isKept(leaf, present, value);
+}
+// Of values with their heads, which stand at the end of `words` from `begin` on, keeps those for
+// which `isWanted(number, leaf, value)` says so, and takes the others back.
+template <class IsWanted>
+void keepEntries(std::vector<Leaf> const & leaves, WordBuffer & words, std::size_t begin,
+                 IsWanted && isWanted) {
+    std::uint64_t const * place = words.data() + begin;
+    std::uint64_t const * const end = words.data() + words.size();
+    std::uint64_t * kept = words.data() + begin; // they move together at the beginning
+    while (place < end) {
+        std::size_t const count = 1 + entryWords(*place);
+        std::size_t const i = entryLeaf(*place);
+        Leaf const & leaf = leaves[i];
+        if (isWanted(i, leaf, place + 1)) {
+            if (kept != place) std::memmove(kept, place, count * sizeof(*kept));
+            kept += count;
+        } else if (leaf.isOwning) {
+            auto * value = const_cast<std::uint64_t *>(place + 1);
+            release(leaf, value);
+        }
+        place += count;
+    }
+    words.truncate(static_cast<std::size_t>(kept - words.data()));
+}
 // Takes values with their heads back, which stand at the end of `words` from `begin` on.
 void releaseEntries(std::vector<Leaf> const & leaves, WordBuffer & words,
                     std::size_t begin) noexcept;
@@ -58,9 +91,10 @@ void nameAll(ChangeLog & log, std::size_t end);
 // to, and its entity, whose place it becomes.  Inline, so that the record is put together where it
 // stands in the end.
 inline void append(ChangeLog & log, std::size_t begin, Record const & record) {
+    bool const hasPayload = log.end() > begin;
     std::size_t const end = log.close(begin, record);
     EntityState & state = stateOf(*record.entity);
-    if (log.isOwning())
+    if (hasPayload && log.isOwning())
         nameAll(log, end);
     else
         state.name();

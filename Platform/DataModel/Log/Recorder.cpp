@@ -1,6 +1,5 @@
 #include "Platform/DataModel/Log/Recorder.h"
 
-#include <cstring>
 #include <new>
 #include <utility>
 
@@ -19,33 +18,6 @@ bool isSaved(Entity const & entity) noexcept { return !entity.segment()->isTrans
 // In its document and not on its way out of it.
 bool isThere(Entity & entity) noexcept { return stateOf(entity).phase() < EntityState::Dying; }
 
-// Whether a member is still what the kept value says.  Numbers, the most frequent kind, are
-// compared here.
-bool isStill(Entity & entity, Leaf const & leaf, std::uint64_t const * value) {
-    void const * const present = field(entity, leaf);
-    return leaf.numberBytes ? numberOf(leaf, present) == *value : isKept(leaf, present, value);
-}
-
-// Appends a member with its number as the head.
-void keepWithHead(Entity & entity, std::size_t index, Leaf const & leaf, Asset const & asset,
-                  WordBuffer & words) {
-    if (leaf.numberBytes) {
-        std::uint64_t * const place = words.append(2);
-        place[0] = entry(index, 1);
-        place[1] = numberOf(leaf, field(entity, leaf));
-        return;
-    }
-    std::size_t const head = words.size();
-    words.push(0);
-    try {
-        keep(leaf, field(entity, leaf), &asset, words);
-    } catch (...) {
-        words.truncate(head);
-        throw;
-    }
-    words[head] = entry(index, words.size() - head - 1);
-}
-
 // What a splice takes in a log beside its elements.
 constexpr std::size_t c_spliceWords = 3 + c_recordWords;
 
@@ -63,6 +35,8 @@ EntityChange * Recorder::outermost(Entity const & entity) const noexcept {
 void Recorder::open(EntityChange & change) {
     Entity & entity = *change.m_pEntity;
     EntityState & state = stateOf(entity);
+    if (state.phase() == EntityState::Dying && change.m_bUndoable)
+        m_history.lifetimes().changing(entity);
     if (state.test(EntityState::Changing)) {
         change.m_pOutermost = outermost(entity);
         change.m_pOutermost->m_told = change.m_type;
@@ -91,7 +65,7 @@ void Recorder::keepMembers(EntityChange & change) {
             if (m_pSplices && leaf.kind == EMemberKind::Vector &&
                 splicesAnnounced(entity, static_cast<int>(i)))
                 continue;
-            keepWithHead(entity, i, leaf, m_asset, m_scratch);
+            keepEntry(entity, i, leaf, m_asset, m_scratch);
             note(change.m_leaves, i);
         }
         if (!makeRoom(*m_pLog, c_recordWords)) throw std::bad_alloc();
@@ -145,37 +119,19 @@ void Recorder::record(EntityChange const & change) {
 void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Record & record) {
     Entity & entity = *change.m_pEntity;
     auto const & leaves = leavesOf(entity);
-    std::uint64_t * const begin = m_scratch.data() + change.m_snapshot;
-    std::uint64_t const * const end = m_scratch.data() + m_scratch.size();
-    std::uint64_t const * place = begin;
-    std::uint64_t * kept = begin; // the differences move together at the beginning
     std::uint64_t recorded = record.leaves;
     bool owning = false;
     bool mixed = false;
-    while (place < end) {
-        std::uint64_t const head = *place++;
-        std::size_t const i = entryLeaf(head);
-        Leaf const & leaf = leaves[i];
-        std::uint64_t const * const value = place;
-        place += entryWords(head);
-        bool const same = isStill(entity, leaf, value);
-        if (same || !log || isRecorded(recorded, i)) {
-            if (leaf.isOwning) {
-                auto * words = const_cast<std::uint64_t *>(value);
-                release(leaf, words);
-            }
-            continue;
-        }
-        std::size_t const words = entryWords(head);
-        *kept++ = head;
-        std::memmove(kept, value, words * sizeof(*kept));
-        kept += words;
-        note(recorded, i);
-        owning = owning || leaf.isOwning;
-        mixed = mixed || !leaf.numberBytes || i >= c_maskedLeaves;
-    }
-    auto const words = static_cast<std::size_t>(kept - begin);
-    m_scratch.truncate(change.m_snapshot + words);
+    keepEntries(leaves, m_scratch, change.m_snapshot,
+                [&](std::size_t i, Leaf const & leaf, std::uint64_t const * value) {
+                    if (isStill(entity, leaf, value) || !log || isRecorded(recorded, i))
+                        return false;
+                    note(recorded, i);
+                    owning = owning || leaf.isOwning;
+                    mixed = mixed || !leaf.numberBytes || i >= c_maskedLeaves;
+                    return true;
+                });
+    std::size_t const words = m_scratch.size() - change.m_snapshot;
     if (!words) return;
     if (!log->words().reserve(words + c_recordWords)) { // only if hooks left brackets open
         releaseEntries(leaves, m_scratch, change.m_snapshot);
@@ -183,7 +139,7 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
         return;
     }
     m_scratch.truncate(change.m_snapshot);
-    log->words().push(begin, words);
+    log->words().push(m_scratch.data() + change.m_snapshot, words);
     record.leaves = recorded;
     if (owning) log->owning();
     if (mixed) log->mixed();

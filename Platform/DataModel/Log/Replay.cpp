@@ -253,6 +253,12 @@ void Replay::restoreRoot(std::size_t end) {
 
 // Hooks may append records to the log meanwhile, and make it a mixed one.
 void Replay::exchange(bool undoing) {
+    if (m_log.isOne() && m_log.record(m_log.end()).kind != ERecord::Blank) {
+        std::size_t const end = m_log.end();
+        exchangeEntity(end);
+        m_lifetimes.tellExchanged(*m_log.record(end).entity);
+        return m_lifetimes.settle(true);
+    }
     WordBuffer & scratch = m_recorder.scratch();
     std::size_t const after = m_log.end();
     std::size_t const first = scratch.size();

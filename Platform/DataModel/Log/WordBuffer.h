@@ -51,12 +51,18 @@ public:
     }
     // Cuts down to `size`.
     void truncate(std::size_t size) noexcept { m_size = size; }
-    // Gives back what isn't used, if that is much; few words go back into the object.
-    void trim() noexcept {
+    // Gives back what isn't used, if that is much.  Few words go back into the object, and their
+    // room becomes that of `spare`, which must be empty or null, unless it is too large for that.
+    void trim(WordBuffer * spare = nullptr) noexcept {
         if (m_pWords == m_few) return;
         if (m_size <= c_few) {
             std::memcpy(m_few, m_pWords, m_size * sizeof(std::uint64_t));
-            std::free(std::exchange(m_pWords, m_few));
+            std::uint64_t * const room = std::exchange(m_pWords, m_few);
+            if (spare && spare->m_pWords == spare->m_few && m_capacity <= c_spare) {
+                spare->m_pWords = room;
+                spare->m_capacity = m_capacity;
+            } else
+                std::free(room);
             m_capacity = c_few;
         } else if (m_capacity - m_size > m_size / 8 + c_few)
             reallocate(m_size);
@@ -76,6 +82,7 @@ public:
 private:
     // What the record of one number that changed takes.
     static constexpr std::size_t c_few = 6;
+    static constexpr std::size_t c_spare = 8192;
 
     bool reallocate(std::size_t capacity) noexcept {
         bool const isFew = m_pWords == m_few;
