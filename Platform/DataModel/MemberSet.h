@@ -7,13 +7,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include <tbb/spin_rw_mutex.h>
 
+#include "Platform/Base/Status.h"
 #include "Platform/DataModel/Export.h"
 #include "Platform/DataModel/MemberMetaType.h"
 
@@ -25,6 +28,7 @@ using spin_rw_mutex_v3 = spin_rw_mutex;
 
 namespace Vn {
 
+class Entity;
 class MetaType;
 
 // One persisted field.
@@ -72,6 +76,36 @@ public:
         return *this;
     }
 
+    // How EntityMembers sets the field, which stores values by itself unless the class says here
+    // what else is to happen.  Undo, redo and loading ask neither.
+
+    // Has the field refuse every value, with the reason as a part of a sentence: "the number is
+    // given when the group is made".
+    Member & readOnly(std::string reason) {
+        m_readOnly = std::move(reason);
+        return *this;
+    }
+    // Why the field can't be set; empty if it can.
+    std::string const & readOnly() const noexcept { return m_readOnly; }
+
+    // Has values go through an operation of the class, which opens its own bracket, or refuses the
+    // value with a Status whose cause says why.  `Value` is the type of the field.
+    template <class Class, class Value>
+    Member & setter(Status (*operation)(Class & object, Value const & value)) {
+        m_setter = [operation](Entity & entity, std::function<void(void *)> const & read) {
+            Value value{};
+            read(&value);
+            return operation(static_cast<Class &>(entity), value);
+        };
+        return *this;
+    }
+    // Whether there is such an operation, and calling it: `read` puts the value into a field of the
+    // type.  For the data model's own use.
+    bool hasSetter() const noexcept { return static_cast<bool>(m_setter); }
+    Status set(Entity & entity, std::function<void(void *)> const & read) const {
+        return m_setter(entity, read);
+    }
+
 private:
     std::string const m_name;
     std::string const m_typeName;
@@ -80,6 +114,8 @@ private:
     std::ptrdiff_t const m_offset;
     bool const m_bInHelper;
     std::uint32_t m_options = OptionsDefault;
+    std::string m_readOnly;
+    std::function<Status(Entity &, std::function<void(void *)> const &)> m_setter;
 };
 
 // The persisted fields of one class in one version, in order, chained to those of its base.  It is

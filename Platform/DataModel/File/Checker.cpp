@@ -128,7 +128,7 @@ void DocumentChecker::checkEntities(FileType const & type) {
                     checkReference(member.m_kind, static_cast<unsigned long long>(row.integer(0)),
                                    reference, where);
             }
-            place += member.m_kind == EMemberKind::GlobalizedString ? 3 : 1;
+            place += memberKind(member.m_kind).columns;
         }
     }
 }

@@ -18,8 +18,10 @@ namespace Vn {
 
 using DataModel::DescribedType;
 using DataModel::FileType;
+using DataModel::isReference;
 using DataModel::JsonReader;
 using DataModel::Leaf;
+using DataModel::memberKind;
 
 // The class that a reference leads to, as far as the member tells.
 struct DocumentFile::Reader::Target {
@@ -98,10 +100,6 @@ std::string targetClass(std::string const & typeName) {
     std::string found = name.substr(begin, end - begin);
     while (!found.empty() && found.back() == ' ') found.pop_back();
     return found == "Vn::Entity" ? std::string() : found;
-}
-
-bool isReference(EMemberKind kind) noexcept {
-    return kind == EMemberKind::StrongRef || kind == EMemberKind::PassiveRef;
 }
 
 } // namespace
@@ -294,7 +292,7 @@ DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
         } else {
             plan->columns.push_back({&member, place, !home, home ? home->leaf->offset : 0,
                                      home ? home->helper : nullptr, std::move(target)});
-            place += member.m_kind == EMemberKind::GlobalizedString ? 3 : 1;
+            place += memberKind(member.m_kind).columns;
         }
     }
     for (Home const & home : all) {

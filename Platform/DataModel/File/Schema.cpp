@@ -35,23 +35,6 @@ constexpr FixedTable c_fixedTables[] = {
      "CREATE TABLE lists(entity, member, chunk, items, PRIMARY KEY(entity, member, chunk))"},
 };
 
-constexpr std::pair<EMemberKind, std::string_view> c_kinds[] = {
-    {EMemberKind::Bool, "bool"},
-    {EMemberKind::Int, "int"},
-    {EMemberKind::UnsignedInt, "unsigned int"},
-    {EMemberKind::Int64, "long long"},
-    {EMemberKind::UnsignedInt64, "unsigned long long"},
-    {EMemberKind::Float, "float"},
-    {EMemberKind::Double, "double"},
-    {EMemberKind::String, "std::string"},
-    {EMemberKind::WideString, "std::wstring"},
-    {EMemberKind::GlobalizedString, "GlobalizedString"},
-    {EMemberKind::StrongRef, "StrongRef"},
-    {EMemberKind::PassiveRef, "PassiveRef"},
-    {EMemberKind::Vector, "Vector"},
-    {EMemberKind::Value, "Value"},
-};
-
 // Names that differ only in the case of ASCII letters are one to SQL.
 std::string folded(std::string_view name) {
     std::string folded(name);
@@ -113,21 +96,6 @@ void nameColumns(std::vector<FileMember> & members) {
 bool FileMember::isListOfReferences() const noexcept {
     return m_kind == EMemberKind::Vector &&
            (m_element == EMemberKind::StrongRef || m_element == EMemberKind::PassiveRef);
-}
-
-std::string_view kindText(EMemberKind kind) noexcept {
-    for (auto const & [known, name] : c_kinds)
-        if (known == kind) return name;
-    return {};
-}
-
-bool kindOf(std::string_view text, EMemberKind & kind) noexcept {
-    for (auto const & [known, name] : c_kinds)
-        if (name == text) {
-            kind = known;
-            return true;
-        }
-    return false;
 }
 
 SegmentType * storedSegment(long long kind) noexcept {
@@ -341,9 +309,9 @@ void FileSchema::insertMembers(FileType const & type) {
         row.bind(2, position++);
         row.bindText(3, member.m_class);
         row.bindText(4, member.m_name);
-        row.bindText(5, kindText(member.m_kind));
+        row.bindText(5, memberKind(member.m_kind).name);
         if (member.m_kind == EMemberKind::Vector)
-            row.bindText(6, kindText(member.m_element));
+            row.bindText(6, memberKind(member.m_element).name);
         else
             row.bindNull(6);
         if (member.isColumn())

@@ -66,10 +66,6 @@ struct FileHead {
     unsigned long long nextEntity = 1;
 };
 
-// The name of a kind in files.
-std::string_view kindText(EMemberKind kind) noexcept;
-bool kindOf(std::string_view text, EMemberKind & kind) noexcept;
-
 // The kind of segment with that number; null if a file has no such segments.
 SegmentType * storedSegment(long long kind) noexcept;
 

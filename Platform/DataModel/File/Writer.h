@@ -12,6 +12,7 @@
 #include "Platform/DataModel/File/Database.h"
 #include "Platform/DataModel/File/Lists.h"
 #include "Platform/DataModel/File/Schema.h"
+#include "Platform/DataModel/File/Values.h"
 
 namespace Vn {
 
@@ -28,11 +29,11 @@ struct DocumentFileStamp {
 };
 
 // Writes one document.  Failures are thrown as FileFailure.
-class DocumentFile::Writer {
+class DocumentFile::Writer : private DataModel::ValueWriter {
 public:
     // `operation` is for messages.
     Writer(Asset & asset, std::string operation, std::string fileSystem);
-    ~Writer();
+    ~Writer() override;
 
     // `kept` gets the new names of what lay beside the file and was kept.
     void saveWhole(std::filesystem::path const & file, std::vector<std::filesystem::path> & kept);
@@ -68,15 +69,13 @@ private:
     void bindColumns(Class & target, Entity const & entity, DataModel::Statement & rows,
                      std::size_t row);
     void writeLists(Class & target, Entity & entity);
-    void appendElement(std::string & json, EMemberKind kind, void const * element);
     Class & classOf(Entity & entity);
     enum class EFate { Null, Written, Gap, Foreign };
     // What becomes of a reference in the file.
     EFate fateOf(Entity const * target) const noexcept;
     EFate fateOf(PassiveRef<Entity> const & reference) const noexcept;
-    // What is written of a reference; 0 for null.
-    unsigned long long idOf(Entity const * target) const noexcept;
-    unsigned long long idOf(PassiveRef<Entity> const & reference) const noexcept;
+    unsigned long long onIdOf(Entity const * target) const noexcept override;
+    unsigned long long onIdOf(PassiveRef<Entity> const & reference) const noexcept override;
     static bool isWritten(Entity const & entity) noexcept;
     bool isOurs(Entity const & entity) const noexcept;
 
@@ -105,7 +104,6 @@ private:
     Class * m_pLastClass = nullptr;
     std::unique_ptr<DataModel::ListWriter> m_pLists;
     DataModel::ChunkCutter m_cutter;
-    std::string m_scratch;
 };
 
 } // namespace Vn
