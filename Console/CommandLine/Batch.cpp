@@ -8,7 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "Console/SettingsFields.h"
+#include "Console/SettingsTexts.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
@@ -61,12 +61,13 @@ UnitDisplaySettings settingsOf(json const & object) {
     if (given == object.end() || given->is_null()) return settings;
     if (!given->is_object()) throw LineError("\"settings\" must be an object");
     for (auto const & [name, value] : given->items()) {
-        SettingsField const * const field = findSettingsField(name);
+        Units::UnitDisplaySettingsField const * const field =
+            Units::findUnitDisplaySettingsField(name);
         if (!field) throw LineError("\"settings\" has no " + inQuotesUtf8(Text::fromUtf8(name)));
-        bool const flag = field->kind == SettingsField::Kind::Flag;
+        bool const flag = field->kind == Units::ESettingsField::Flag;
         if (flag ? !value.is_boolean() : !value.is_number())
             throw LineError("\"" + name + "\" must be " + (flag ? "true or false" : "a number"));
-        std::string const wrong = setSettingsField(
+        std::string const wrong = setSetting(
             *field, settings, flag ? (value.get<bool>() ? 1.0 : 0.0) : value.get<double>());
         if (!wrong.empty()) throw LineError(wrong);
     }

@@ -5,10 +5,10 @@
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Session/Vocabulary.h"
-#include "Console/SettingsFields.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Tokens.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
 namespace Vn::Console {
 
@@ -60,7 +60,7 @@ Completion choose(Candidates const & all, std::wstring_view begun) {
 
 Candidates settings() {
     Candidates all;
-    for (SettingsField const & field : settingsFields())
+    for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields())
         all.push_back({Text::widen(field.name), L" "});
     return all;
 }

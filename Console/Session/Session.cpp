@@ -8,7 +8,7 @@
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Evaluation.h"
 #include "Console/Session/TextCommands.h"
-#include "Console/SettingsFields.h"
+#include "Console/SettingsTexts.h"
 #include "Console/Spelling.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
@@ -20,6 +20,8 @@ namespace Vn::Console {
 
 using Expressions::Expression;
 using Units::UnitContext;
+using Field = Units::UnitDisplaySettingsField;
+using Units::ESettingsField;
 using Units::UnitDisplaySettings;
 
 namespace {
@@ -37,15 +39,15 @@ std::wstring takeWord(std::wstring_view & line) {
     return word;
 }
 
-std::wstring valueText(SettingsField const & field) {
+std::wstring valueText(Field const & field) {
     double const value = field.get(settings());
-    if (field.kind == SettingsField::Kind::Flag) return value != 0.0 ? L"true" : L"false";
+    if (field.kind == ESettingsField::Flag) return value != 0.0 ? L"true" : L"false";
     return shortestNumber(value);
 }
 
 // The field by its name in any case.
-SettingsField const * findField(std::wstring const & name) {
-    for (SettingsField const & field : settingsFields())
+Field const * findField(std::wstring const & name) {
+    for (Field const & field : Units::unitDisplaySettingsFields())
         if (Text::foldedEqual(std::string_view(field.name), Text::toUtf8(name))) return &field;
     return nullptr;
 }
@@ -53,7 +55,7 @@ SettingsField const * findField(std::wstring const & name) {
 std::wstring nearestField(std::wstring const & name) {
     std::size_t least = allowedMistakes(name.size()) + 1;
     std::wstring nearest;
-    for (SettingsField const & field : settingsFields()) {
+    for (Field const & field : Units::unitDisplaySettingsFields()) {
         std::wstring const candidate = Text::widen(field.name);
         if (name.size() > 2 * candidate.size()) continue;
         std::size_t const count = mistakes(name, candidate);
@@ -65,8 +67,8 @@ std::wstring nearestField(std::wstring const & name) {
 }
 
 // NaN for what can't be read.
-double readValue(SettingsField const & field, std::wstring const & text) {
-    if (field.kind == SettingsField::Kind::Flag) {
+double readValue(Field const & field, std::wstring const & text) {
+    if (field.kind == ESettingsField::Flag) {
         for (wchar_t const * const yes : {L"true", L"on", L"yes", L"1"})
             if (Text::foldedEqual(text, std::wstring_view(yes))) return 1.0;
         for (wchar_t const * const no : {L"false", L"off", L"no", L"0"})
@@ -161,8 +163,8 @@ Session::Result Session::display(std::wstring const & text) {
 
 void Session::showSettings() {
     Table table;
-    for (SettingsField const & field : settingsFields())
-        table.add({Text::widen(field.name), valueText(field), Text::widen(field.meaning)});
+    for (Field const & field : Units::unitDisplaySettingsFields())
+        table.add({Text::widen(field.name), valueText(field), settingMeaning(field)});
     m_rOut << table.toUtf8();
 }
 
@@ -173,7 +175,7 @@ Session::Result Session::set(std::wstring const & argument) {
         showSettings();
         return Result::Good;
     }
-    SettingsField const * const field = findField(name);
+    Field const * const field = findField(name);
     if (!field) {
         std::wstring const nearest = nearestField(name);
         return bad(L"there is no setting " + inQuotes(name) +
@@ -184,11 +186,11 @@ Session::Result Session::set(std::wstring const & argument) {
         double const value = readValue(*field, std::wstring(rest));
         if (std::isnan(value)) {
             return bad(Text::widen(field->name) +
-                       (field->kind == SettingsField::Kind::Flag ? L" is true or false, not "
-                                                                 : L" is a number, not ") +
+                       (field->kind == ESettingsField::Flag ? L" is true or false, not "
+                                                            : L" is a number, not ") +
                        inQuotes(rest));
         }
-        std::string const wrong = setSettingsField(*field, settings(), value);
+        std::string const wrong = setSetting(*field, settings(), value);
         if (!wrong.empty()) return bad(Text::widen(wrong));
     }
     m_rOut << field->name << ' ' << Text::toUtf8(valueText(*field)) << '\n';

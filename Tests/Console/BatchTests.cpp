@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "Console/SettingsFields.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 #include "Tests/Support/Process.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -261,9 +261,9 @@ TEST(BatchTests, HugeAndHostileLinesAreAnswered) {
 
 json settingsObject(Units::UnitDisplaySettings const & settings) {
     json object = json::object();
-    for (SettingsField const & field : settingsFields()) {
+    for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields()) {
         double const value = field.get(settings);
-        if (field.kind == SettingsField::Kind::Flag)
+        if (field.kind == Units::ESettingsField::Flag)
             object[field.name] = value != 0.0;
         else
             object[field.name] = value;

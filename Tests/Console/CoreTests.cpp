@@ -1,12 +1,12 @@
 // The parts of the console that a process doesn't show alone.
 
-#include <cmath>
 #include <gtest/gtest.h>
+#include <set>
 #include <sstream>
 
 #include "Console/CommandLine/SelfTestCommand.h"
 #include "Console/Session/Vocabulary.h"
-#include "Console/SettingsFields.h"
+#include "Console/SettingsTexts.h"
 #include "Console/Terminal/Excerpt.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
@@ -103,43 +103,26 @@ TEST(TextsTests, CaseOfAsciiLettersDoesNotCount) {
     EXPECT_FALSE(containsFolded(L"\u00C4", L"\u00E4"));
 }
 
-TEST(SettingsFieldsTests, SixteenFieldsInTheOrderOfTheRecord) {
-    std::vector<std::string> names;
-    for (SettingsField const & field : settingsFields()) names.emplace_back(field.name);
-    EXPECT_EQ(names,
-              (std::vector<std::string>{
-                  "generalUnit", "generalPrecision", "angularPrecision", "scientificPrecision",
-                  "lengthDisplay", "degreeDisplay", "compressUnits", "scientificNotation",
-                  "decimalPointIsFullStop", "displayAbbreviated", "displaySymbol",
-                  "specifiedByNode", "hideTrailingZeroes", "minimumPrecision",
-                  "useScientificNotationAboveThreshold", "useScientificNotationBelowThreshold"}));
-}
-
-TEST(SettingsFieldsTests, WhatIsSetIsRead) {
-    Units::UnitDisplaySettings const & standard = Units::UnitDisplaySettings::standard();
-    for (SettingsField const & field : settingsFields()) {
-        Units::UnitDisplaySettings settings = standard;
-        double const other = field.get(settings) == 1.0 ? 0.0 : 1.0;
-        EXPECT_EQ(setSettingsField(field, settings, other), "") << field.name;
-        EXPECT_EQ(field.get(settings), other) << field.name;
-        // And no other field moves.
-        for (SettingsField const & untouched : settingsFields()) {
-            if (&untouched == &field) continue;
-            EXPECT_EQ(untouched.get(settings), untouched.get(standard))
-                << field.name << ' ' << untouched.name;
-        }
+TEST(SettingsTextsTests, EachFieldHasAMeaningOfItsOwn) {
+    std::set<std::wstring> meanings;
+    for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields()) {
+        EXPECT_FALSE(settingMeaning(field).empty()) << field.name;
+        meanings.insert(settingMeaning(field));
     }
+    EXPECT_EQ(meanings.size(), Units::unitDisplaySettingsFields().size());
 }
 
-TEST(SettingsFieldsTests, WholeNumbersHaveARange) {
+TEST(SettingsTextsTests, ValuesOutsideTheRangeAreExplained) {
     Units::UnitDisplaySettings settings = Units::UnitDisplaySettings::standard();
-    SettingsField const & field = *findSettingsField("degreeDisplay");
-    for (double const value : {2.0, -1.0, 0.5, 1e300, std::nan("")}) {
-        EXPECT_EQ(setSettingsField(field, settings, value),
+    Units::UnitDisplaySettingsField const & field =
+        *Units::findUnitDisplaySettingsField("degreeDisplay");
+    for (double const value : {2.0, -1.0, 0.5, 1e300}) {
+        EXPECT_EQ(setSetting(field, settings, value),
                   "degreeDisplay takes a whole number from 0 to 1");
     }
     EXPECT_EQ(field.get(settings), 0.0);
-    EXPECT_EQ(findSettingsField("DegreeDisplay"), nullptr);
+    EXPECT_EQ(setSetting(field, settings, 1.0), "");
+    EXPECT_EQ(field.get(settings), 1.0);
 }
 
 TEST(VocabularyTests, EveryWordIsUnderstoodByExpressions) {

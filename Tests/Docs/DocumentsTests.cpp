@@ -8,13 +8,13 @@
 
 #include <gtest/gtest.h>
 
-#include "Console/SettingsFields.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Limits.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 #include "Tests/Docs/Examples.h"
 #include "Tests/Support/Process.h"
 
@@ -51,12 +51,13 @@ UnitDisplaySettings settingsOf(std::string const & text) {
     std::string value;
     while (words >> name >> equals >> value) {
         if (value.back() == ',') value.pop_back();
-        Console::SettingsField const * const field = Console::findSettingsField(name);
+        Units::UnitDisplaySettingsField const * const field =
+            Units::findUnitDisplaySettingsField(name);
         EXPECT_TRUE(field) << name;
         EXPECT_EQ(equals, "=");
         if (!field) continue;
         double const number = value == "true" ? 1.0 : value == "false" ? 0.0 : std::stod(value);
-        EXPECT_EQ(Console::setSettingsField(*field, settings, number), "");
+        EXPECT_TRUE(Units::setUnitDisplaySettingsField(*field, settings, number));
     }
     EXPECT_TRUE(words.eof());
     return settings;
@@ -207,9 +208,9 @@ TEST_F(DocumentsTests, TheGuideNamesEveryWordOfTheLanguage) {
 
 TEST_F(DocumentsTests, TheGuideNamesEverySettingAndItsDefault) {
     std::string const text = readFile(c_language);
-    for (Console::SettingsField const & field : Console::settingsFields()) {
+    for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields()) {
         double const value = field.get(UnitDisplaySettings::standard());
-        std::string const shown = field.kind == Console::SettingsField::Kind::Flag
+        std::string const shown = field.kind == Units::ESettingsField::Flag
                                       ? (value != 0.0 ? "true" : "false")
                                       : Text::toUtf8(Console::shortestNumber(value));
         EXPECT_NE(text.find("| `" + std::string(field.name) + "` | `" + shown + "` |"),
