@@ -22,7 +22,7 @@ namespace {
 
 Json jsonText(std::wstring_view text) { return Text::toUtf8(text); }
 
-void showJson(Evaluation const & e, Json & object) {
+void showJson(Evaluation const & e, Expression const & expression, Json & object) {
     object["parsed"] = true;
     object["evaluated"] = e.value.has_value();
     object["formatted"] = jsonText(e.formatted);
@@ -31,7 +31,7 @@ void showJson(Evaluation const & e, Json & object) {
     object["units"] = jsonText(e.units);
     object["rebuilt"] = jsonText(e.rebuilt);
     object["rebuiltReadsBack"] = e.readsBack;
-    object["textToStore"] = jsonText(e.store);
+    object["textToStore"] = jsonText(textToStore(e, expression));
     if (!e.error.empty()) object["error"] = jsonText(e.error);
 }
 
@@ -55,7 +55,7 @@ bool evaluateAsJson(Expression const & expression, UnitDisplaySettings const & s
     bool good = false;
     if (expression) {
         Evaluation const e = evaluate(expression, settings, display);
-        showJson(e, object);
+        showJson(e, expression, object);
         good = e.error.empty();
     } else {
         showJson(expression, explainFailure(expression), object);

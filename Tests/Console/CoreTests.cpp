@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <set>
 #include <sstream>
+#include <utility>
 
 #include "Console/CommandLine/SelfTestCommand.h"
+#include "Console/Evaluation.h"
 #include "Console/Session/Vocabulary.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Terminal/Excerpt.h"
@@ -14,6 +16,7 @@
 #include "Platform/Base/Text.h"
 #include "Platform/Base/UnitTest.h"
 #include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/Tokenizer.h"
 #include "Server/CommonData/Units/UnitLookup.h"
 
 namespace Vn::Console::Tests {
@@ -162,6 +165,66 @@ TEST(VocabularyTests, WhatCannotBeTypedIsNotSuggested) {
 
 TEST(VocabularyTests, LongNamesAreNearNothing) {
     EXPECT_TRUE(Vocabulary::get().nearest(std::wstring(10000000, L'm')).empty());
+}
+
+// Reads nothing, and keeps the texts that are parsed while it is there: each is read once from its
+// beginning, if that is a digit.
+class TextKeeper final : public Expressions::Tokenizer {
+public:
+    TextKeeper() : Tokenizer(FirstDigit) {}
+
+    std::vector<std::wstring> takeTexts() { return std::exchange(m_texts, {}); }
+
+private:
+    Expressions::Reading onRead(std::wstring_view text, std::size_t position) const override {
+        if (position == 0) m_texts.emplace_back(text);
+        return {};
+    }
+
+    mutable std::vector<std::wstring> m_texts;
+};
+
+TEST(EvaluationTests, ARebuiltTextIsReadOnce) {
+    Initializer::runAll();
+    using Units::UnitDisplaySettings;
+    using Texts = std::vector<std::wstring>;
+    UnitDisplaySettings inWords = UnitDisplaySettings::standard();
+    inWords.displayAbbreviated(false);
+    Units::UnitContext const anything;
+    TextKeeper keeper;
+    std::ostringstream out;
+
+    Expressions::Expression const length(L"1 in+2cm");
+    Expressions::Expression const rounded(L"1/128 in");
+    EXPECT_EQ(keeper.takeTexts(), (Texts{L"1 in+2cm", L"1/128 in"}));
+    for (auto const show : {&showEvaluation, &showBriefly}) {
+        EXPECT_TRUE(show(length, UnitDisplaySettings::standard(), anything, out, out));
+        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 in + 2 cm"});
+        // A copy of the factory settings, as the user's are at first.
+        EXPECT_TRUE(
+            show(length, UnitDisplaySettings(UnitDisplaySettings::standard()), anything, out, out));
+        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 in + 2 cm"});
+        EXPECT_TRUE(show(length, inWords, anything, out, out));
+        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 inch + 2 centimeter"});
+        // What is stored then isn't the text that is shown.
+        EXPECT_TRUE(show(rounded, UnitDisplaySettings::standard(), anything, out, out));
+        EXPECT_EQ(keeper.takeTexts(), Texts{L"1/64\""});
+    }
+}
+
+TEST(EvaluationTests, TheTextToStoreIsThatOfTheExpression) {
+    Initializer::runAll();
+    Units::UnitDisplaySettings inWords = Units::UnitDisplaySettings::standard();
+    inWords.displayAbbreviated(false);
+    for (wchar_t const * const text : {L"1 in+2cm", L"1/128 in", L"1/0", L"2"}) {
+        Expressions::Expression const expression(text);
+        for (Units::UnitDisplaySettings const & settings :
+             {Units::UnitDisplaySettings::standard(), inWords}) {
+            Evaluation const evaluation = evaluate(expression, settings, {});
+            EXPECT_EQ(textToStore(evaluation, expression), expression.textToStore())
+                << Text::toUtf8(text);
+        }
+    }
 }
 
 void failing(UnitTest & test) {

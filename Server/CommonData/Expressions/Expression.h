@@ -58,6 +58,8 @@ public:
     // alike, and rebuilds to itself.  Rounding in a rebuilt number can prevent that: 1/128 of an
     // inch comes back as 1/64.
     bool rebuiltReadsBack() const;
+    // The same for a caller that has the text already: `rebuilt` is what rebuilt() answers.
+    bool rebuiltReadsBack(std::wstring const & rebuilt) const;
 
     // The text to store: the rebuilt text if it reads back, else the text as typed, which always
     // does.
@@ -67,9 +69,6 @@ public:
     Node * release();
 
 private:
-    // Whether `text`, which is the rebuilt one, reads back.
-    bool readsBack(std::wstring const & text) const;
-
     struct Destroy {
         void operator()(Node * node) const { Interface::get()->destroy(node); }
     };
