@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Console/Documents/CommandTable.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Session/Vocabulary.h"
@@ -69,6 +70,8 @@ Candidates topics() {
     Candidates all;
     for (Session::Topic const & topic : Session::topics()) all.push_back({topic.name, L""});
     for (Session::Command const & command : Session::commands()) all.push_back({command.name, L""});
+    for (DocumentCommand const & command : documentCommands())
+        all.push_back({Text::widen(command.alias), L""});
     return all;
 }
 

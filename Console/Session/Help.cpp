@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "Console/Documents/CommandTable.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Terminal/Table.h"
@@ -43,21 +44,6 @@ constexpr Example c_numbers[] = {
     {L"cm", L"a unit alone is one of it"},
 };
 
-constexpr Example c_documents[] = {
-    {L"new", L"a new document, in memory"},
-    {L"make", L"a group in the root group \"Groups\""},
-    {L"make 0", L"a group in that one, which is the first child of the root"},
-    {L"add 0/0 3", L"three entities in that, which is Groups/CmnData[0]/CmnData[0]"},
-    {L"move 0/0/2 before 0/0/0", L"an entity before a sibling; also after it, or into a group"},
-    {L"move #4 into .", L"by the id that the tree shows, to the end of the root group"},
-    {L"tree", L"all entities with their paths and ids"},
-    {L"undo", L"takes the last change back; redo makes it again, history lists all"},
-    {L"remove 0/0/0", L"takes an entity out of its group"},
-    {L"delete 0", L"deletes a group with everything below it"},
-    {L"saveas a.vnd", L"saves the document; save does it again, open opens another"},
-    {L"check a.vnd", L"looks for damage in a file"},
-};
-
 template <std::size_t N>
 void show(Example const (&examples)[N], std::ostream & out) {
     Table table;
@@ -97,6 +83,12 @@ Session::Result Session::help(std::wstring const & topic) {
         if (topic != command.name) continue;
         Table table;
         table.add({std::wstring(command.name) + L' ' + command.arguments, command.meaning});
+        m_rOut << table.toUtf8("  ");
+        return Result::Good;
+    }
+    if (DocumentCommand const * const command = findDocumentCommand(topic)) {
+        Table table;
+        table.add({Text::widen(command->alias) + L' ' + command->usage, command->meaning});
         m_rOut << table.toUtf8("  ");
         return Result::Good;
     }
@@ -158,8 +150,11 @@ void Session::helpOnPrefixes() {
 }
 
 void Session::helpOnDocuments() {
-    show(c_documents, m_rOut);
-    m_rOut << "These are short for Document.New, Groups.Make and so on.\n";
+    Table table;
+    for (DocumentCommand const & command : documentCommands())
+        for (DocumentExample const & example : command.examples)
+            if (example.line) table.add({example.line, example.meaning});
+    m_rOut << table.toUtf8("  ") << "These are short for Document.New, Groups.Make and so on.\n";
 }
 
 void Session::helpOnCommands() { runTextCommand({}, m_rOut, m_rErr); }

@@ -122,7 +122,8 @@ TEST_F(DocumentCommandTests, JsonIsOneObjectALineAndNothingElse) {
                                   "HasParent: 1) HasClientObject: 0");
     // The flag of the text command does the same.
     std::string const all = document("tree --json").out;
-    EXPECT_EQ(document("tree /Json").out, all + "\n");
+    EXPECT_EQ(document("tree /Json").out, all);
+    EXPECT_EQ(document("--json tree /json").out, all);
     EXPECT_EQ(document("--json").out, all);
 }
 
@@ -388,11 +389,11 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
         {"make, mvoe 0 before 1",
          "vnconsole: there is no command \"mvoe\" on documents; did you mean move?\n"},
         {"frobnicate",
-         "vnconsole: there is no command \"frobnicate\" on documents; the commands are new, tree, "
-         "undo, redo, history, check, make, add, remove, move, delete\n"},
+         "vnconsole: there is no command \"frobnicate\" on documents; the commands are new, make, "
+         "add, remove, move, delete, tree, undo, redo, history, check\n"},
         {"Units.List",
          "vnconsole: there is no command \"Units.List\" on documents; the commands are "
-         "new, tree, undo, redo, history, check, make, add, remove, move, delete\n"},
+         "new, make, add, remove, move, delete, tree, undo, redo, history, check\n"},
         {"make, saveas b.vnd", "vnconsole: saveas belongs to a session; here the file is opened "
                                "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},

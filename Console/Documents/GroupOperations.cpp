@@ -1,11 +1,11 @@
-// The text commands of the subject area "Groups".
+// What the commands of the subject area "Groups" do.
 
 #include <string_view>
 #include <utility>
 
+#include "Console/Documents/Operations.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
-#include "Console/Documents/TextCommands.h"
 #include "Console/Documents/Tree.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
@@ -18,10 +18,9 @@ namespace Vn::Console {
 using Managed::ManagedEntity;
 using Managed::ManagedGroupEntity;
 
-namespace {
-
 using Parameters = TextCommandParameters;
-using Result = TextCommandResult;
+
+namespace {
 
 constexpr unsigned c_mostAtOnce = 1'000'000;
 
@@ -65,7 +64,9 @@ std::size_t children(DocumentPlace const & place) {
     return place.entity ? groupAt(place)->children() : 0;
 }
 
-Result make(DocumentSession & session, Parameters const & parameters) {
+} // namespace
+
+TextCommandResult makeGroupAt(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
     std::wstring const why = findGroup(session, parameters.parameter(0), parent);
     if (!why.empty()) return cannot(L"make a group", why);
@@ -75,6 +76,8 @@ Result make(DocumentSession & session, Parameters const & parameters) {
                    [&] { id = makeGroup(groupFor(session, parent))->id(); });
     return {0, L"made " + withId(path, id)};
 }
+
+namespace {
 
 // Zero for what isn't a number of entities.
 unsigned readCount(std::wstring const & text) {
@@ -86,7 +89,9 @@ unsigned readCount(std::wstring const & text) {
     return count <= c_mostAtOnce ? count : 0;
 }
 
-Result add(DocumentSession & session, Parameters const & parameters) {
+} // namespace
+
+TextCommandResult addEntities(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
     std::wstring const why = findGroup(session, parameters.parameter(0), parent);
     if (!why.empty()) return cannot(L"add entities", why);
@@ -108,6 +113,8 @@ Result add(DocumentSession & session, Parameters const & parameters) {
                    L" to " + shownPath(childPath(parent.path, first + count - 1))};
 }
 
+namespace {
+
 // Takes an entity out of the group that lists it.  The answer tells whether it has gone.
 bool takeOut(DocumentSession & session, std::wstring const & name, DocumentPlace & place) {
     unsigned long long const id = place.entity->id();
@@ -123,7 +130,9 @@ std::wstring stillThere(bool gone) {
     return gone ? std::wstring() : L"; something else holds it, and it stays in the document";
 }
 
-Result remove(DocumentSession & session, Parameters const & parameters) {
+} // namespace
+
+TextCommandResult removeEntity(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
     std::wstring const why = findPlace(session, parameters.parameter(0), place);
     if (!why.empty()) return cannot(L"remove", why);
@@ -138,7 +147,7 @@ Result remove(DocumentSession & session, Parameters const & parameters) {
     return {0, answer + stillThere(takeOut(session, L"remove " + path, place))};
 }
 
-Result deleteGroup(DocumentSession & session, Parameters const & parameters) {
+TextCommandResult deleteGroup(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
     std::wstring const why = findPlace(session, parameters.parameter(0), place);
     if (!why.empty()) return cannot(L"delete", why);
@@ -152,6 +161,8 @@ Result deleteGroup(DocumentSession & session, Parameters const & parameters) {
         (below > 0 ? L" and " + counted(below) + L" below it" : std::wstring());
     return {0, answer + stillThere(takeOut(session, L"delete " + path, place))};
 }
+
+namespace {
 
 // Where a moved entity goes.
 enum class Where { Before, After, Into };
@@ -185,7 +196,9 @@ std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & targe
     return {};
 }
 
-Result move(DocumentSession & session, Parameters const & parameters) {
+} // namespace
+
+TextCommandResult moveEntity(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace moved;
     DocumentPlace target;
     Where where = Where::Before;
@@ -222,24 +235,6 @@ Result move(DocumentSession & session, Parameters const & parameters) {
     std::wstring const now = entityPath(*child);
     if (now == moved.path) return {0, before + L" is there already"};
     return {0, L"moved " + before + L" to " + withId(now, child->id())};
-}
-
-} // namespace
-
-std::vector<DocumentTextCommand> groupTextCommands() {
-    return {
-        {L"Make", "make", L"[Parent]", L"Makes a group in a group, or in the root group",
-         L"make a group", 0, 1, nullptr, true, &make},
-        {L"Add", "add", L"<Parent> [Count]", L"Adds entities to a group", L"add entities", 1, 2,
-         nullptr, true, &add},
-        {L"Remove", "remove", L"<Path>", L"Takes an entity out of its group", L"remove", 1, 1,
-         nullptr, true, &remove},
-        {L"Move", "move", L"<Path> before|after|into <Path>",
-         L"Moves an entity before or after another, or to the end of a group", L"move", 3, 3,
-         nullptr, true, &move},
-        {L"Delete", "delete", L"<Path>", L"Deletes a group with everything below it", L"delete", 1,
-         1, nullptr, true, &deleteGroup},
-    };
 }
 
 } // namespace Vn::Console
