@@ -118,78 +118,21 @@ std::string answerObject(json const & object) {
     return answer;
 }
 
-// A walk through a line that is known to be sound JSON.
-class RawObject {
-public:
-    explicit RawObject(std::string_view line) : m_line(line) {}
+// Whether arrays and objects stand in one another no deeper than that.
+bool isShallow(json const & value, unsigned levels) {
+    if (!value.is_structured()) return true;
+    return levels > 0 && std::all_of(value.begin(), value.end(), [&](json const & member) {
+               return isShallow(member, levels - 1);
+           });
+}
 
-    // The value of a member of the object, as it is written; empty if there is none.  Of several
-    // the last counts.
-    std::string_view member(std::string_view wanted) {
-        std::string_view found;
-        m_at = m_line.find('{') + 1;
-        while (next() == '"') {
-            std::string_view const key = takeString();
-            next(); // the colon
-            ++m_at;
-            next();
-            std::string_view const value = takeValue();
-            if (isKey(key, wanted)) found = value;
-            if (next() == ',') ++m_at;
-        }
-        return found;
-    }
-
-private:
-    static bool isKey(std::string_view typed, std::string_view wanted) {
-        if (typed.find('\\') == typed.npos) return typed.substr(1, typed.size() - 2) == wanted;
-        return json::parse(typed).get_ref<std::string const &>() == wanted;
-    }
-
-    // The next character that isn't blank.
-    char next() {
-        m_at = m_line.find_first_not_of(" \t\r\n", m_at);
-        return m_at < m_line.size() ? m_line[m_at] : '\0';
-    }
-
-    // A text with its quotes.
-    std::string_view takeString() {
-        std::size_t const start = m_at;
-        for (++m_at; m_line[m_at] != '"'; ++m_at)
-            if (m_line[m_at] == '\\') ++m_at;
-        ++m_at;
-        return m_line.substr(start, m_at - start);
-    }
-
-    std::string_view takeValue() {
-        std::size_t const start = m_at;
-        std::size_t depth = 0;
-        do {
-            switch (m_line[m_at]) {
-            case '"':
-                takeString();
-                continue;
-            case '{':
-            case '[':
-                ++depth;
-                break;
-            case '}':
-            case ']':
-                --depth;
-                break;
-            default:
-                if (depth > 0) break;
-                m_at = std::min(m_line.find_first_of(",}] \t\r\n", m_at), m_line.size());
-                continue;
-            }
-            ++m_at;
-        } while (depth > 0);
-        return m_line.substr(start, m_at - start);
-    }
-
-    std::string_view const m_line;
-    std::size_t m_at = 0;
-};
+std::string idOf(json const & object) {
+    auto const given = object.find("id");
+    if (given == object.end()) return "null";
+    // Writing it takes a piece of the stack for each level.
+    if (!isShallow(*given, 1000)) throw LineError("\"id\" has more than 1000 levels");
+    return given->dump();
+}
 
 BatchAnswer errorAnswer(std::string const & id, std::string_view what) {
     constexpr std::size_t c_longestMessage = 300;
@@ -229,7 +172,7 @@ BatchAnswer answerBatchLine(std::string const & line) {
     try {
         json const object = json::parse(line);
         if (!object.is_object()) throw LineError("a line must be an object");
-        if (std::string_view const given = RawObject(line).member("id"); !given.empty()) id = given;
+        id = idOf(object);
         return {"{\"id\":" + id + ',' + answerObject(object) + '}', true};
     } catch (json::exception const & error) {
         return errorAnswer(id, error.what());

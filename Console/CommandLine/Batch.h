@@ -2,7 +2,8 @@
 //
 // Each line of the input is an object:
 //
-//   id        any value, given back as it is
+//   id        any value up to a thousand levels deep, given back; its members may be in another
+//             order, and a whole number that 64 bits don't hold is rounded
 //   text      the expression
 //   context   "?" expects nothing (and so does a missing one), "" expects a unitless result, any
 //             other text is a unit such as "m / (s s)"

@@ -71,16 +71,25 @@ TEST(BatchTests, TextThatDoesNotEvaluateHasNoValue) {
     EXPECT_EQ(answer["rebuilt"], "1 / 0");
 }
 
-TEST(BatchTests, IdIsGivenBackAsItWasWritten) {
-    char const * const ids[] = {"null",
-                                "true",
-                                "1.10",
-                                "123456789012345678901234567890",
-                                "\"\\u00e9 \\\" }\"",
-                                "[1, {\"b\": \"]\", \"a\": []}]",
-                                "{}"};
+TEST(BatchTests, IdIsGivenBackAsTheSameValue) {
+    struct Row {
+        char const * written;
+        char const * answered;
+    };
+    Row const rows[] = {
+        {"null", "null"},
+        {"true", "true"},
+        {"-7", "-7"},
+        {"18446744073709551615", "18446744073709551615"},
+        {"1.10", "1.1"},
+        {"0.30000000000000004", "0.30000000000000004"},
+        {"\"123456789012345678901234567890\"", "\"123456789012345678901234567890\""},
+        {"\"\\u00e9 \\\" }\"", "\"\u00e9 \\\" }\""},
+        {"[1, {\"b\": \"]\", \"a\": []}]", "[1,{\"a\":[],\"b\":\"]\"}]"},
+        {"{}", "{}"}};
     std::string input;
-    for (std::string const id : ids) {
+    for (Row const & row : rows) {
+        std::string const id = row.written;
         input += "{\"x\":{\"id\":5},\"text\":\"2\", \"id\" : " + id + " }\n";
         input += "{\"id\":" + id + ",\"text\":2}\n";
     }
@@ -88,15 +97,27 @@ TEST(BatchTests, IdIsGivenBackAsItWasWritten) {
              "{\"id\":1,\"text\":\"2\",\"id\":2}\n"
              "{\"text\":\"2\"}\n";
     std::vector<std::string> const lines = linesOf(runConsole({"batch"}, input).out);
-    ASSERT_EQ(lines.size(), 2 * std::size(ids) + 3);
+    ASSERT_EQ(lines.size(), 2 * std::size(rows) + 3);
     std::size_t i = 0;
-    for (std::string const id : ids) {
+    for (Row const & row : rows) {
+        std::string const id = row.answered;
         EXPECT_EQ(lines[i++].substr(0, id.size() + 15), "{\"id\":" + id + ",\"tokens\"");
         EXPECT_EQ(lines[i++], "{\"id\":" + id + R"(,"error":"\"text\" must be a text"})");
     }
     EXPECT_EQ(lines[i++].substr(0, 8), "{\"id\":7,");
     EXPECT_EQ(lines[i++].substr(0, 8), "{\"id\":2,");
     EXPECT_EQ(lines[i++].substr(0, 11), "{\"id\":null,");
+}
+
+TEST(BatchTests, AnIdHasAThousandLevelsAtMost) {
+    auto const answer = [](std::size_t levels) {
+        return runConsole({"batch"}, "{\"id\":" + std::string(levels, '[') +
+                                         std::string(levels, ']') + ",\"text\":\"2\"}\n");
+    };
+    EXPECT_NE(answer(1000).out.find("]]],\"tokens\":[["), std::string::npos);
+    Outcome const outcome = answer(1001);
+    EXPECT_EQ(outcome.out, "{\"id\":null,\"error\":\"\\\"id\\\" has more than 1000 levels\"}\n");
+    EXPECT_EQ(outcome.status, 1);
 }
 
 TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
@@ -253,7 +274,7 @@ TEST(BatchTests, HugeAndHostileLinesAreAnswered) {
     holds(1, "\"parsed\":true,");
     holds(2, "\"result\":\"abruptTermination\"");
     holds(3, "[14,0,3,\"a\\u0000b\"]");
-    holds(4, "]]]]]],\"tokens\":[[1,0,0,\"\"],[11,0,1,\"2\"],");
+    holds(4, "{\"id\":null,\"error\":\"\\\"id\\\" has more than 1000 levels\"}");
     holds(5, "{\"id\":null,\"error\":\"");
     holds(6, "\"result\":\"expressionIsEmpty\"");
     holds(7, "\"result\":\"failedToParse\",\"position\":4,");
