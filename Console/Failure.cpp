@@ -139,8 +139,7 @@ private:
 
     static std::optional<Problem> wrongCount(Bracket const & bracket) {
         if (!bracket.function) return std::nullopt;
-        auto const function = static_cast<FunctionId>(functionOf(*bracket.function) - e_COS);
-        unsigned int const wanted = functionArity(function);
+        unsigned int const wanted = functionArity(*functionOfToken(functionOf(*bracket.function)));
         unsigned int const given = bracket.arguments();
         if (given == wanted) return std::nullopt;
         return Problem{bracket.function,

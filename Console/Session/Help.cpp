@@ -52,10 +52,10 @@ void show(Example const (&examples)[N], std::ostream & out) {
 }
 
 std::wstring functionText(EToken token) {
-    auto const function = static_cast<Expressions::FunctionId>(token - Expressions::e_COS);
     std::wstring text = Tokens::get()->getString(token) + L'(';
     constexpr wchar_t const * c_arguments[] = {L"", L"a", L"a; b"};
-    return text + c_arguments[Expressions::functionArity(function)] + L')';
+    return text + c_arguments[Expressions::functionArity(*Expressions::functionOfToken(token))] +
+           L')';
 }
 
 } // namespace
@@ -114,8 +114,8 @@ void Session::helpOnNumbers() { show(c_numbers, m_rOut); }
 void Session::helpOnFunctions() {
     Table table;
     std::vector<std::wstring> row;
-    for (int token = Expressions::e_COS; token <= Expressions::e_RANDOM; ++token) {
-        row.push_back(functionText(static_cast<EToken>(token)));
+    for (EToken const token : Expressions::c_functionTokens) {
+        row.push_back(functionText(token));
         if (row.size() < 6) continue;
         table.add(std::exchange(row, {}));
     }

@@ -6,6 +6,7 @@
 
 #include "Console/Spelling.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
@@ -40,8 +41,8 @@ Vocabulary const & Vocabulary::get() {
 
 Vocabulary::Vocabulary() {
     Tokens const & tokens = *Tokens::get();
-    for (int token = Expressions::e_COS; token <= Expressions::e_RANDOM; ++token)
-        add(tokens.getString(static_cast<EToken>(token)), Kind::Function);
+    for (EToken const token : Expressions::c_functionTokens)
+        add(tokens.getString(token), Kind::Function);
     for (int token = Expressions::e_PI_CONSTANT; token <= Expressions::e_SPEED_OF_LIGHT_CONSTANT;
          ++token)
         add(tokens.getString(static_cast<EToken>(token)), Kind::Constant);

@@ -37,6 +37,13 @@ bool isKeyBetween(std::string_view key, Expressions::EToken low, Expressions::ET
     return false;
 }
 
+bool isKeyOfFunction(std::string_view key) {
+#define VN_FUNCTION(number, word, name, text, arguments, first, second, result, value)             \
+    if (key == "e_" #word) return true;
+#include "Server/CommonData/Expressions/Functions.inc"
+    return false;
+}
+
 void LanguageTest::SetUp() { s_language = GetParam(); }
 
 std::string const & LanguageTest::language() { return s_language; }

@@ -377,7 +377,10 @@ private:
     Units::ComplexUnit const * onUnitEvaluate(Units::UnitContext const & context) override;
     void onReconstruct(Reconstruction & out, Units::ComplexUnit const * units) override;
 
-    bool calculateSecond(double first, double & value);
+    // The units of the operand of that index, which must exist; null if the function can't take
+    // them.
+    Units::ComplexUnit const * argumentUnits(unsigned int index,
+                                             Units::UnitContext const & context);
 
     FunctionId const m_function;
 };

@@ -1,5 +1,6 @@
 #include <cmath>
 #include <memory>
+#include <optional>
 
 #include <boost/container/small_vector.hpp>
 
@@ -105,7 +106,7 @@ private:
     [[gnu::noinline]] Node * parseParen(Token * bracket, ComplexUnit const * defaults);
     [[gnu::noinline]] Node * parseNumber(Token * number, ComplexUnit const * defaults);
     [[gnu::noinline]] Node * parseName(Token * name, ComplexUnit const * defaults);
-    [[gnu::noinline]] Node * parseFunction(Token * name, EToken function,
+    [[gnu::noinline]] Node * parseFunction(Token * name, FunctionId function,
                                            ComplexUnit const * defaults);
 
     // Works out the units and the value of a new node and returns it.  What is settled here would
@@ -300,8 +301,8 @@ Node * Rules::parseNumber(Token * number, ComplexUnit const * defaults) {
 
 Node * Rules::parseName(Token * name, ComplexUnit const * defaults) {
     Tokens const & tokens = *Tokens::get();
-    if (EToken const function = tokens.getFunctionToken(name->text); function != e_NONE)
-        return parseFunction(name, function, defaults);
+    if (std::optional const function = functionOfToken(tokens.getFunctionToken(name->text)))
+        return parseFunction(name, *function, defaults);
     if (EToken const constant = tokens.getConstantToken(name->text); constant != e_NONE) {
         name->kind = TK_CONSTANT;
         m_pCurrent = name;
@@ -321,9 +322,9 @@ ComplexUnit const * Rules::argumentDefaults(FunctionOpNode const & function,
     return inherited;
 }
 
-Node * Rules::parseFunction(Token * name, EToken token, ComplexUnit const * defaults) {
+Node * Rules::parseFunction(Token * name, FunctionId function, ComplexUnit const * defaults) {
     if (!enter(name)) return nullptr;
-    Node * const node = parseCall(name, static_cast<FunctionId>(token - e_COS), defaults);
+    Node * const node = parseCall(name, function, defaults);
     leave();
     return node;
 }
