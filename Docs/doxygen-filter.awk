@@ -103,6 +103,7 @@ function opensScope(line) {
     return line ~ /^[ \t]*(class|struct|union|enum|namespace|extern|typedef enum)([ \t<]|$)/
 }
 
+bodies > 0 && (inMacro || /^[ \t]*#/) { inMacro = /\\$/; print ""; next }
 bodies > 0 { print; follow($0); next }
 
 /^[ \t]*\/\// {
