@@ -185,6 +185,25 @@ TEST_F(DocumentsTests, TheProgramOfTheReadmePrintsWhatItShows) {
     EXPECT_EQ(out, expected);
 }
 
+// "internal units (cm, kg, ...)", which may go over the end of a line.
+TEST_F(DocumentsTests, TheInternalUnitsCanBeTyped) {
+    for (char const * const document : {"README.md", c_language}) {
+        std::string text = readFile(document);
+        std::replace(text.begin(), text.end(), '\n', ' ');
+        std::size_t const begin = text.find("(cm, kg, ");
+        ASSERT_NE(begin, std::string::npos) << document;
+        std::istringstream units(text.substr(begin + 1, text.find(')', begin) - begin - 1));
+        std::size_t count = 0;
+        for (std::string unit; std::getline(units >> std::ws, unit, ',');) {
+            ++count;
+            Expression const one(L"1 " + Text::fromUtf8(unit));
+            EXPECT_TRUE(one) << document << ": " << unit;
+            EXPECT_EQ(one.value(), 1.0) << document << ": " << unit;
+        }
+        EXPECT_EQ(count, 9u) << document;
+    }
+}
+
 TEST_F(DocumentsTests, TheReadmeIsOnePage) {
     std::string const text = readFile("README.md");
     EXPECT_LE(std::count(text.begin(), text.end(), '\n'), 100);
