@@ -67,16 +67,17 @@ Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & s
     e.units = unitText(units, settings);
     e.internalUnits = internalUnitText(units, settings);
     rebuild(expression, settings, e);
-    ComplexUnit const * const shown = display.expectedUnits();
-    if (!e.value) {
-        e.error = L"no value: " + explainNoValue();
-    } else if (shown && !shown->isDimensionallyEquivalent(&units)) {
-        e.error = L"the value is " + describeUnits(units, settings) + L" and can't be shown " +
-                  describeUnits(*shown, settings);
-    } else {
-        e.formatted = expression.formatted(Units::ValueAndUnit, settings, display);
-    }
+    e.error = e.value ? whyNotShown(units, settings, display) : L"no value: " + explainNoValue();
+    if (e.error.empty()) e.formatted = expression.formatted(Units::ValueAndUnit, settings, display);
     return e;
+}
+
+std::wstring whyNotShown(ComplexUnit const & units, UnitDisplaySettings const & settings,
+                         UnitContext const & display) {
+    ComplexUnit const * const shown = display.expectedUnits();
+    if (!shown || shown->isDimensionallyEquivalent(&units)) return {};
+    return L"the value is " + describeUnits(units, settings) + L" and can't be shown " +
+           describeUnits(*shown, settings);
 }
 
 std::wstring textToStore(Evaluation const & evaluation, Expression const & expression) {

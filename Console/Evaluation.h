@@ -27,6 +27,11 @@ Evaluation evaluate(Expressions::Expression const & expression,
                     Units::UnitDisplaySettings const & settings,
                     Units::UnitContext const & display);
 
+// Why a value in `units` can't be shown in the units that `display` expects; empty if it can.
+std::wstring whyNotShown(Units::ComplexUnit const & units,
+                         Units::UnitDisplaySettings const & settings,
+                         Units::UnitContext const & display);
+
 // The text to store for an expression that was evaluated so.
 std::wstring textToStore(Evaluation const & evaluation, Expressions::Expression const & expression);
 

@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Console/Evaluation.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
@@ -103,6 +104,11 @@ std::string answerObject(json const & object) {
     };
     std::optional<double> const value = expression.value();
     std::optional<Units::ComplexUnit> const units = expression.units();
+    if (value) {
+        std::wstring const why =
+            whyNotShown(units.value_or(Units::ComplexUnit::none()), settings, display);
+        if (!why.empty()) throw LineError(Text::toUtf8(why));
+    }
     add("parsed", expression ? "true" : "false");
     add("result", std::string("\"") + resultName(expression.result().result()) + '"');
     add("position", std::to_string(expression.result().position()));

@@ -7,7 +7,7 @@
 //   text      the expression
 //   context   "?" expects nothing (and so does a missing one), "" expects a unitless result, any
 //             other text is a unit such as "m / (s s)"
-//   display   null, or the unit in which the value is formatted instead
+//   display   null, or the unit in which the value is formatted instead, of the same dimension
 //   settings  an object with any of the sixteen display settings; what is missing is standard
 //
 // Each line of the output answers one line, in order: id, tokens, parsed, result, position,

@@ -163,6 +163,42 @@ TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
     }
 }
 
+TEST(BatchTests, AValueIsNotShownInUnitsOfAnotherDimension) {
+    std::vector<std::vector<std::string>> const rows = {
+        {"2 cm", "kg"}, {"2 cm", ""}, {"2", "kg"}, {"3 m / s", "s"}};
+    std::string input;
+    for (auto const & row : rows)
+        input += json{{"id", row[0]}, {"text", row[0]}, {"display", row[1]}}.dump() + '\n';
+    Outcome const outcome = runConsole({"batch"}, input);
+    EXPECT_EQ(outcome.status, 1);
+    std::vector<std::string> const lines = linesOf(outcome.out);
+    ASSERT_EQ(lines.size(), rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        // As `eval` answers.
+        json const shown =
+            json::parse(runConsole({"eval", "--json", rows[i][0], "--display", rows[i][1]}).out);
+        EXPECT_EQ(json::parse(lines[i]), (json{{"id", rows[i][0]}, {"error", shown["error"]}}));
+    }
+    EXPECT_EQ(json::parse(lines[0])["error"],
+              "the value is in cm (Length) and can't be shown in kg (Mass)");
+}
+
+TEST(BatchTests, ADisplayUnitOfTheSameDimensionIsTaken) {
+    std::vector<std::string> const lines =
+        linesOf(runConsole({"batch"}, R"({"text":"20 C","display":"K"})"
+                                      "\n"
+                                      R"({"text":"2","context":"cm","display":"in"})"
+                                      "\n"
+                                      R"({"text":"1/0","display":"kg"})"
+                                      "\n")
+                    .out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(json::parse(lines[0])["formatted"], "293.16 K");
+    EXPECT_EQ(json::parse(lines[1])["formatted"], "0.787 in");
+    // There is nothing to show.
+    EXPECT_EQ(json::parse(lines[2])["evaluated"], false);
+}
+
 TEST(BatchTests, BytesThatAreNotUtf8AreABadLine) {
     std::string const null(1, '\0');
     Outcome const outcome =

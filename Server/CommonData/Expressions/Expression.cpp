@@ -29,7 +29,12 @@ std::wstring Expression::formatted(Units::EUnitDisplayMode mode) const {
 std::wstring Expression::formatted(Units::EUnitDisplayMode mode,
                                    UnitDisplaySettings const & settings,
                                    Units::UnitContext const & display) const {
-    return m_node ? m_node->formattedValue(mode, settings, display) : std::wstring();
+    if (!m_node) return {};
+    if (Units::ComplexUnit const * const shown = display.expectedUnits()) {
+        Units::ComplexUnit const * const own = m_node->units(m_context);
+        if (!own || !shown->isDimensionallyEquivalent(own)) return {};
+    }
+    return m_node->formattedValue(mode, settings, display);
 }
 
 std::wstring Expression::rebuilt() const {

@@ -42,7 +42,7 @@ public:
     std::optional<Units::ComplexUnit> units() const;
 
     // The value for the user, by default with the user's settings and in the context of the text.
-    // Empty if there is none.
+    // Empty if there is none, or if `display` expects units of another dimension.
     std::wstring formatted(Units::EUnitDisplayMode mode = Units::ValueAndUnit) const;
     std::wstring formatted(Units::EUnitDisplayMode mode,
                            Units::UnitDisplaySettings const & settings,
@@ -65,6 +65,8 @@ public:
     // does.
     std::wstring textToStore() const;
 
+    // The tree, for the operations of Interface; null if there is none.  It stays the expression's.
+    Node * node() const { return m_node.get(); }
     // Gives the tree to the caller, who ends it with Interface::destroy.
     Node * release();
 
