@@ -166,6 +166,8 @@ inMacro { inMacro = /\\$/; print ""; next }
     } else if (tops && className(line) == own) {
         for (i = 1; i <= tops; ++i) print top[i]
     }
+    # Doxygen doesn't find what a template inherits through another template.
+    sub(/: public Identified<X, Base, Interfaces\.\.\.>/, ": public Base, public Identified<X, Base, Interfaces...>", line)
     if (heading != "") {
         print heading
         follow(heading)

@@ -8,8 +8,8 @@
 #include "Console/Documents/Session.h"
 #include "Console/Documents/Tree.h"
 #include "Console/Texts.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/Segment.h"
 #include "Server/CommonData/Managed/ManagedEntityUtils.h"
 

@@ -6,8 +6,8 @@
 
 #include "Console/Documents/Session.h"
 #include "Console/Texts.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/Segment.h"
 #include "Server/CommonData/Managed/Ancestors.h"

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/ChangeHistory.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/IEntityObserver.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/Log/Lifetimes.h"
 #include "Platform/DataModel/Log/Recorder.h"
 #include "Platform/DataModel/MetaType.h"

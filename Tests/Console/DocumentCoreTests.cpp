@@ -12,9 +12,9 @@
 #include "Console/Documents/Session.h"
 #include "Console/Documents/TextCommands.h"
 #include "Console/Documents/Tree.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 #include "Tests/Console/DocumentFixture.h"
 

@@ -2,7 +2,6 @@
 
 #include <vector>
 
-#include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Components/ComponentDataChange.h"
 #include "Server/CommonData/Components/IComponent.h"
@@ -33,18 +32,6 @@ private:
 } // namespace
 
 ComponentChangeSummarizer::~ComponentChangeSummarizer() = default;
-
-UniqueString const * ComponentChangeSummarizer::interfaceId() {
-    static constinit InterfaceId s_id("Vn::CommonData::ComponentChangeSummarizer");
-    return s_id.get();
-}
-
-UniqueString const * ComponentChangeSummarizer::getInterfaceId() const { return interfaceId(); }
-
-void * ComponentChangeSummarizer::queryInterface(UniqueString const * id) const {
-    return id == interfaceId() ? const_cast<ComponentChangeSummarizer *>(this)
-                               : EntityChangeSummarizer::queryInterface(id);
-}
 
 template <class Tell>
 void ComponentChangeSummarizer::tell(DataChange::EChangeType type, Tell && tell) {

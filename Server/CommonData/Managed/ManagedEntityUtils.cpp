@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Server/CommonData/Managed/ICustomGroup.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 
