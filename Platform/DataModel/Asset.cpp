@@ -6,6 +6,7 @@
 
 #include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/EntityTableInternal.h"
+#include "Platform/DataModel/Limits.h"
 #include "Platform/DataModel/Log/Lifetimes.h"
 #include "Platform/DataModel/MemberLayoutInternal.h"
 #include "Platform/DataModel/MetaType.h"
@@ -90,7 +91,7 @@ std::vector<Entity *> Asset::allEntities() const {
 bool Asset::isDirty() const noexcept { return !m_history.isClean(); }
 
 unsigned long long Asset::takeId() {
-    if (m_nextId >= DataModel::c_idLimit)
+    if (m_nextId >= Limits::c_entityId)
         throw std::length_error("the document has no ids left for new entities");
     return m_nextId++;
 }

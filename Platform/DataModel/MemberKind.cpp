@@ -9,10 +9,10 @@
 
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Entity.h"
-#include "Platform/DataModel/EntityTableInternal.h"
 #include "Platform/DataModel/File/Database.h"
 #include "Platform/DataModel/File/Text.h"
 #include "Platform/DataModel/File/Values.h"
+#include "Platform/DataModel/Limits.h"
 #include "Platform/Types/GlobalizedString.h"
 
 namespace Vn::DataModel {
@@ -399,7 +399,7 @@ struct ReferenceKind : OneWord {
             json += "null";
     }
     static bool isId(long long value) noexcept {
-        return value > 0 && static_cast<unsigned long long>(value) < c_idLimit;
+        return value > 0 && static_cast<unsigned long long>(value) < Limits::c_entityId;
     }
     static char const * readColumn(ValueReader &, Statement & row, int place, void *,
                                    unsigned long long & reference) {

@@ -6,13 +6,11 @@
 
 #include "Platform/DataModel/File/Circles.h"
 #include "Platform/DataModel/File/Lists.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn::DataModel {
 
 namespace {
-
-// More says nothing that these don't.
-constexpr std::size_t c_mostFindings = 1000;
 
 // Thrown when there are enough findings.
 struct Enough {};
@@ -25,7 +23,7 @@ DocumentChecker::DocumentChecker(std::filesystem::path file, std::string operati
       m_schema(m_database), m_findings(findings) {}
 
 void DocumentChecker::found(std::string finding) {
-    if (m_findings.size() == c_mostFindings) {
+    if (m_findings.size() == Limits::c_findings) {
         m_findings.push_back("and more");
         throw Enough();
     }
@@ -140,8 +138,8 @@ void DocumentChecker::checkLists() {
         long long const id = row.integer(0);
         std::string const where = "a list of entity " + std::to_string(id);
         if (row.type(0) != SQLITE_INTEGER || row.type(1) != SQLITE_INTEGER ||
-            row.type(2) != SQLITE_INTEGER || row.integer(2) <= -c_chunkLimit ||
-            row.integer(2) >= c_chunkLimit) {
+            row.type(2) != SQLITE_INTEGER || row.integer(2) <= -Limits::c_chunkNumber ||
+            row.integer(2) >= Limits::c_chunkNumber) {
             found(where + ": its key isn't one");
             continue;
         }

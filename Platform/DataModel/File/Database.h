@@ -18,9 +18,6 @@
 
 namespace Vn::DataModel {
 
-// How many parameters a statement may have.
-inline constexpr int c_mostParameters = 2'000;
-
 // What ends an operation on a file: thrown by the sources of the document file, and turned into the
 // Status at their edge.
 struct FileFailure {

@@ -11,6 +11,7 @@
 #include "Platform/DataModel/File/Circles.h"
 #include "Platform/DataModel/File/Lists.h"
 #include "Platform/DataModel/File/Writer.h"
+#include "Platform/DataModel/Limits.h"
 #include "Platform/DataModel/MigrationHelper.h"
 #include "Platform/DataModel/Segment.h"
 
@@ -496,7 +497,7 @@ void DocumentFile::Reader::readLists() {
         if (member < 0 || member >= static_cast<long long>(plan.listOfMember.size()) ||
             plan.listOfMember[static_cast<std::size_t>(member)] < 0)
             refuse("there is no such member");
-        if (row.integer(2) <= -DataModel::c_chunkLimit || row.integer(2) >= DataModel::c_chunkLimit)
+        if (row.integer(2) <= -Limits::c_chunkNumber || row.integer(2) >= Limits::c_chunkNumber)
             refuse("the number of a chunk is out of range");
         if (row.type(3) != SQLITE_TEXT) refuse("its items aren't a text");
         int const list = plan.listOfMember[static_cast<std::size_t>(member)];

@@ -9,6 +9,7 @@
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/File/Checker.h"
 #include "Platform/DataModel/File/Schema.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn::DataModel {
 
@@ -17,8 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char c_saving[] = ".saving";
-constexpr int c_mostAttempts = 100;
-constexpr int c_mostNames = 10'000;
 
 fs::file_type typeOf(fs::path const & file) {
     std::error_code error;
@@ -65,7 +64,7 @@ fs::path FileName::beside(char const * ending) const {
 }
 
 fs::path FileName::keep(fs::path const & file) {
-    for (int i = 1; i < c_mostNames; ++i) {
+    for (int i = 1; i <= Limits::c_keptFiles; ++i) {
         fs::path name = file;
         name += i == 1 ? ".kept" : ".kept." + std::to_string(i);
         Status const renamed = OS::renameToFreeName(file, name);
@@ -80,7 +79,7 @@ fs::path FileName::keep(fs::path const & file) {
 // --- The file to write -------------------------------------------------------------------------
 
 Database & FileName::makeSaving() {
-    for (int i = 0; i < c_mostAttempts; ++i) {
+    for (int i = 0; i < Limits::c_savingAttempts; ++i) {
         Status const made = OS::createFile(m_saving);
         if (made.code() == StatusAlreadyExists) {
             keepOldSaving();

@@ -13,6 +13,7 @@
 #include "Platform/DataModel/File/Circles.h"
 #include "Platform/DataModel/File/Remains.h"
 #include "Platform/DataModel/File/Text.h"
+#include "Platform/DataModel/Limits.h"
 #include "Platform/DataModel/Segment.h"
 #include "Platform/Types/GlobalizedString.h"
 
@@ -218,7 +219,7 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file,
         if (m_asset.m_fileStamp.size()) {
             DocumentFileStamp const stamp = DocumentFileStamp::parse(m_asset.m_fileStamp);
             // One that can't be saved again under its own id becomes another document.
-            if (stamp.m_generation < DataModel::c_mostGenerations) {
+            if (stamp.m_generation < Limits::c_generations) {
                 head.id = stamp.m_id;
                 head.generation = stamp.m_generation;
             }
@@ -301,7 +302,7 @@ void DocumentFile::Writer::saveChanges() {
             if (head.id != stamp.m_id)
                 refuse(StatusFailed, "another program has put another document in its place");
             if (head.stamp != stamp.m_stamp && !isDoubtful) refuse(StatusFailed, c_changed);
-            if (head.generation >= DataModel::c_mostGenerations)
+            if (head.generation >= Limits::c_generations)
                 refuse(StatusFailed,
                        "it can't be saved more often under its own name; save it under "
                        "another");
@@ -628,7 +629,7 @@ DocumentFile::Writer::Class & DocumentFile::Writer::classOf(Entity & entity) {
                        DataModel::sqlName(fileType->table) + " VALUES";
         made->width = place;
         made->rowsTogether = static_cast<std::size_t>(
-            std::clamp(DataModel::c_mostParameters / place, 1, c_rowsTogether));
+            std::clamp(Limits::c_statementParameters / place, 1, c_rowsTogether));
         for (Column & column : made->columns) column.texts.resize(made->rowsTogether);
         made->row = Statement(*m_pDatabase, made->insert + rowsOfParameters(1, place));
         target = std::move(made);
