@@ -7,9 +7,9 @@
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/CommandTable.h"
 #include "Console/Documents/Session.h"
-#include "Console/Spelling.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
+#include "Platform/Base/Spelling.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
 
@@ -69,20 +69,14 @@ bool takesJson(DocumentCommand const & command) {
 }
 
 int unknown(std::wstring const & word, std::ostream & err) {
-    std::wstring nearest;
-    std::size_t least = allowedMistakes(word.size()) + 1;
-    for (DocumentCommand const & command : documentCommands()) {
-        if (command.call == EDocumentCall::None) continue;
-        std::wstring const name = Text::widen(command.alias);
-        std::size_t const count = word.size() > 2 * name.size() ? least : mistakes(word, name);
-        if (count >= least) continue;
-        least = count;
-        nearest = name;
-    }
+    std::vector<std::wstring> names;
+    for (DocumentCommand const & command : documentCommands())
+        if (command.call != EDocumentCall::None) names.push_back(Text::widen(command.alias));
+    auto const nearest = Spelling::nearest(word, names, Spelling::allowedMistakes(word.size()));
     err << "vnconsole: there is no command " << Text::toUtf8(inQuotes(word)) << " on documents; "
         << Text::toUtf8(nearest.empty() ? L"the commands are " +
                                               aliases(L", ", [](auto const &) { return true; })
-                                        : L"did you mean " + nearest + L"?")
+                                        : L"did you mean " + *nearest.front() + L"?")
         << '\n';
     return ExitBadUsage;
 }

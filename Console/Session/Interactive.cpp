@@ -24,8 +24,8 @@ std::unique_ptr<LineReader> makeEditor() {
 int runInteractive(DocumentSession const & document, std::istream & in, std::ostream & out,
                    std::ostream & err) {
     std::unique_ptr<LineReader> reader = makeEditor();
-    bool const somebodyTypes = reader != nullptr;
-    if (somebodyTypes)
+    bool const isTyped = reader != nullptr;
+    if (isTyped)
         out << "Type an expression, such as 1 in + 1 cm; help tells more, quit ends.\n";
     else
         reader = std::make_unique<StreamLineReader>(in);
@@ -35,7 +35,7 @@ int runInteractive(DocumentSession const & document, std::istream & in, std::ost
     while (out.flush()) {
         std::optional<std::string> const line = reader->read(session.prompt());
         // The prompt is left standing by the end of the input.
-        if (!line && somebodyTypes) out << '\n' << std::flush;
+        if (!line && isTyped) out << '\n' << std::flush;
         Session::Result const result = line ? session.execute(*line) : Session::Result::Quit;
         good &= result != Session::Result::Bad;
         if (result != Session::Result::Quit) {
@@ -44,16 +44,16 @@ int runInteractive(DocumentSession const & document, std::istream & in, std::ost
         }
         if (!document.hasUnsavedChanges() || warned) break;
         err << Text::toUtf8(document.unsavedChanges())
-            << (somebodyTypes ? "; Document.Save keeps it, quitting once more doesn't\n"
-                              : "; what isn't saved is lost\n")
+            << (isTyped ? "; Document.Save keeps it, quitting once more doesn't\n"
+                        : "; what isn't saved is lost\n")
             << std::flush;
         warned = true;
-        if (!somebodyTypes) {
+        if (!isTyped) {
             good = false;
             break;
         }
     }
-    return good || somebodyTypes ? ExitGood : ExitBadInput;
+    return good || isTyped ? ExitGood : ExitBadInput;
 }
 
 } // namespace Vn::Console

@@ -9,10 +9,10 @@
 #include "Console/Evaluation.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/SettingsTexts.h"
-#include "Console/Spelling.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
+#include "Platform/Base/Spelling.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
 
@@ -53,17 +53,10 @@ Field const * findField(std::wstring const & name) {
 }
 
 std::wstring nearestField(std::wstring const & name) {
-    std::size_t least = allowedMistakes(name.size()) + 1;
-    std::wstring nearest;
-    for (Field const & field : Units::unitDisplaySettingsFields()) {
-        std::wstring const candidate = Text::widen(field.name);
-        if (name.size() > 2 * candidate.size()) continue;
-        std::size_t const count = mistakes(name, candidate);
-        if (count >= least) continue;
-        least = count;
-        nearest = candidate;
-    }
-    return nearest;
+    auto const nameOf = [](Field const & field) { return Text::widen(field.name); };
+    auto const nearest = Spelling::nearest(name, Units::unitDisplaySettingsFields(),
+                                           Spelling::allowedMistakes(name.size()), nameOf);
+    return nearest.empty() ? std::wstring() : nameOf(*nearest.front());
 }
 
 // NaN for what can't be read.

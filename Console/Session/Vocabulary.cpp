@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "Console/Spelling.h"
+#include "Platform/Base/Spelling.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Expressions/Tokens.h"
@@ -97,21 +97,11 @@ bool Vocabulary::isKnown(std::wstring_view name) {
 }
 
 std::vector<std::wstring> Vocabulary::nearest(std::wstring_view name) const {
-    std::size_t const allowed = allowedMistakes(name.size());
+    std::size_t const allowed = Spelling::allowedMistakes(name.size());
     if (name.size() > m_longest + allowed) return {};
     if (std::wstring const power = asPower(name); !power.empty()) return {power};
 
-    std::size_t least = allowed;
-    std::vector<Word const *> found;
-    for (Word const & word : m_words) {
-        std::size_t const longer = std::max(word.text.size(), name.size());
-        if (2 * longer - word.text.size() - name.size() > least) continue;
-        std::size_t const count = mistakes(name, word.text);
-        if (count > least) continue;
-        if (count < least) found.clear();
-        least = count;
-        found.push_back(&word);
-    }
+    std::vector<Word const *> found = Spelling::nearest(name, m_words, allowed, &Word::text);
     if (found.empty() && name.size() >= 2) {
         // "lb" for "lbmass" and "lbforce".
         for (Word const & word : m_words)
