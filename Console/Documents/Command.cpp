@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/CommandTable.h"
@@ -23,24 +25,56 @@ struct Call {
     DocumentCommand const * command = nullptr;
     std::vector<std::wstring> parameters = {};
     std::vector<std::wstring> flags = {};
+    std::vector<std::size_t> quoted = {}; // which of the words stood in quotes
 
     bool is(EDocumentCall kind) const { return command->call == kind; }
     bool changes() const { return is(EDocumentCall::Changes) || is(EDocumentCall::Begins); }
 };
 
+bool endsWord(wchar_t c) noexcept { return c == L',' || Text::isSpace(static_cast<char32_t>(c)); }
+
+// Reads a word in double quotes, as text commands have them: the quote that closes stands before a
+// blank, a comma or the end, and \" is one that doesn't.  False, and nothing read, if none closes.
+bool readQuoted(std::wstring_view & text, std::wstring & word) {
+    if (!text.starts_with(L'"')) return false;
+    word.clear();
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        bool const isLast = i + 1 == text.size();
+        if (text[i] == L'\\' && !isLast && text[i + 1] == L'"')
+            word += text[++i];
+        else if (text[i] == L'"' && (isLast || endsWord(text[i + 1]))) {
+            text.remove_prefix(i + 1);
+            return true;
+        } else
+            word += text[i];
+    }
+    return false;
+}
+
+// Reads up to a blank or a comma that stands outside of square brackets.
+std::wstring readPlain(std::wstring_view & text) {
+    std::size_t end = 0;
+    for (std::size_t depth = 0; end < text.size() && (depth > 0 || !endsWord(text[end])); ++end)
+        if (text[end] == L'[')
+            ++depth;
+        else if (text[end] == L']' && depth > 0)
+            --depth;
+    std::wstring word(text.substr(0, end));
+    text.remove_prefix(end);
+    return word;
+}
+
 // Takes an argument apart, which may hold several words, and commas.
 void addWords(std::wstring_view argument, std::vector<Call> & calls) {
     while (!(argument = trimmed(argument)).empty()) {
-        std::size_t end = 0;
-        while (end < argument.size() && argument[end] != L',' &&
-               !Text::isSpace(static_cast<char32_t>(argument[end])))
-            ++end;
-        std::wstring const word(argument.substr(0, end));
-        if (word == L"then")
+        std::wstring word;
+        if (readQuoted(argument, word)) {
+            calls.back().quoted.push_back(calls.back().words.size());
+            calls.back().words.push_back(word);
+        } else if (word = readPlain(argument); word == L"then")
             calls.emplace_back();
         else if (!word.empty())
             calls.back().words.push_back(word);
-        argument.remove_prefix(end);
         if (argument.starts_with(L',')) {
             calls.emplace_back();
             argument.remove_prefix(1);
@@ -99,7 +133,9 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
         }
         for (std::size_t i = 1; i < call.words.size(); ++i) {
             std::wstring const & word = call.words[i];
-            if (word.front() == L'/')
+            bool const isQuoted =
+                std::find(call.quoted.begin(), call.quoted.end(), i) != call.quoted.end();
+            if (!isQuoted && word.front() == L'/')
                 call.flags.push_back(word.substr(1));
             else
                 call.parameters.push_back(word);

@@ -72,8 +72,11 @@ TextCommandResult makeGroupAt(DocumentSession & session, Parameters const & para
     if (!why.empty()) return cannot(L"make a group", why);
     std::wstring const path = childPath(parent.path, children(parent));
     unsigned long long id = 0;
-    session.change(L"make " + shownPath(path),
-                   [&] { id = makeGroup(groupFor(session, parent))->id(); });
+    bool const isCustom = parameters.hasFlag(L"Custom");
+    session.change(L"make " + shownPath(path), [&] {
+        StrongRef<Entity> const group = groupFor(session, parent);
+        id = isCustom ? makeCustomGroups(group)->id() : makeGroup(group)->id();
+    });
     return {0, L"made " + withId(path, id)};
 }
 

@@ -26,6 +26,11 @@ TextCommandResult showHistory(DocumentSession & session, TextCommandParameters c
 TextCommandResult checkDocument(DocumentSession & session,
                                 TextCommandParameters const & parameters);
 
+// The members of an entity.
+TextCommandResult showMembers(DocumentSession const & session,
+                              TextCommandParameters const & parameters, std::ostream & out);
+TextCommandResult setMember(DocumentSession & session, TextCommandParameters const & parameters);
+
 // The groups.
 TextCommandResult makeGroupAt(DocumentSession & session, TextCommandParameters const & parameters);
 TextCommandResult addEntities(DocumentSession & session, TextCommandParameters const & parameters);

@@ -18,6 +18,10 @@ StrongRef<CommonData::CommonBaseGroupEntity> makeGroup(StrongRef<Entity> const &
     return CommonData::CommonBaseGroupEntity::make(PassiveRef<Entity>(parent));
 }
 
+StrongRef<Managed::CustomGroups> makeCustomGroups(StrongRef<Entity> const & parent) {
+    return Managed::CustomGroups::make(PassiveRef<Entity>(parent));
+}
+
 StrongRef<CommonData::CommonBaseGroupEntity> makeRootGroup(Segment & segment) {
     StrongRef<CommonData::CommonBaseGroupEntity> const group =
         CommonData::CommonBaseGroupEntity::make(&segment);

@@ -16,6 +16,7 @@
 #include "Platform/DataModel/Asset.h"
 #include "Server/CommonData/Managed/CommonBaseEntity.h"
 #include "Server/CommonData/Managed/CommonBaseGroupEntity.h"
+#include "Server/CommonData/Managed/CustomGroups.h"
 
 namespace Vn::Console {
 
@@ -70,9 +71,11 @@ private:
     std::vector<std::filesystem::path> m_kept;
 };
 
-// New entities, which `parent` lists at its end; and a new group without a parent.
+// New entities, which `parent` lists at its end, the last to hold custom groups; and a new group
+// without a parent.
 StrongRef<CommonData::CommonBaseEntity> makeEntity(StrongRef<Entity> const & parent);
 StrongRef<CommonData::CommonBaseGroupEntity> makeGroup(StrongRef<Entity> const & parent);
+StrongRef<Managed::CustomGroups> makeCustomGroups(StrongRef<Entity> const & parent);
 StrongRef<CommonData::CommonBaseGroupEntity> makeRootGroup(Segment & segment);
 
 // A path as it is shown, and the path that a text names.
