@@ -67,7 +67,7 @@ Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & s
     e.units = unitText(units, settings);
     e.internalUnits = internalUnitText(units, settings);
     rebuild(expression, settings, e);
-    e.error = e.value ? whyNotShown(units, settings, display) : L"no value: " + explainNoValue();
+    e.error = e.value ? whyNotShown(units, settings, display) : explainFailure(expression).message;
     if (e.error.empty()) e.formatted = expression.formatted(Units::ValueAndUnit, settings, display);
     return e;
 }
@@ -87,7 +87,7 @@ std::wstring textToStore(Evaluation const & evaluation, Expression const & expre
 bool showEvaluation(Expression const & expression, UnitDisplaySettings const & settings,
                     UnitContext const & display, std::ostream & out, std::ostream & err) {
     if (!expression) {
-        tell(failureText(expression), out, err);
+        tell(failureLines(expression), out, err);
         return false;
     }
     Evaluation const e = evaluate(expression, settings, display);
@@ -109,7 +109,7 @@ bool showEvaluation(Expression const & expression, UnitDisplaySettings const & s
 bool showBriefly(Expression const & expression, UnitDisplaySettings const & settings,
                  UnitContext const & display, std::ostream & out, std::ostream & err) {
     if (!expression) {
-        tell(failureText(expression), out, err);
+        tell(failureLines(expression), out, err);
         return false;
     }
     Evaluation const e = evaluate(expression, settings, display);
@@ -134,8 +134,7 @@ bool readUnitContext(std::wstring const & text, std::string const & what, UnitCo
     }
     err << what << ": " << Text::toUtf8(inQuotes(text)) << " isn't a unit\n";
     // A unit is read as the unit of a number.
-    Failure const failure = explainFailure(Expression(L"1 " + text));
-    err << Text::toUtf8(suggestionLine(failure)) << std::flush;
+    err << Text::toUtf8(questionLine(explainFailure(Expression(L"1 " + text)))) << std::flush;
     return false;
 }
 

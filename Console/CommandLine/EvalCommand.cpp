@@ -7,13 +7,14 @@
 #include "Console/CommandLine/Batch.h"
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Evaluation.h"
-#include "Console/Failure.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
 
 namespace Vn::Console {
 
 using Expressions::Expression;
+using Expressions::FailureExplanation;
 using Json = nlohmann::ordered_json;
 using Units::UnitContext;
 using Units::UnitDisplaySettings;
@@ -35,11 +36,14 @@ void showJson(Evaluation const & e, Expression const & expression, Json & object
     if (!e.error.empty()) object["error"] = jsonText(e.error);
 }
 
-void showJson(Expression const & expression, Failure const & failure, Json & object) {
+void showJson(Expression const & expression, FailureExplanation const & failure, Json & object) {
     object["parsed"] = false;
     object["result"] = resultName(expression.result().result());
     object["position"] = failure.position;
-    object["error"] = jsonText(failure.message);
+    object["reason"] = failureName(failure.reason);
+    object["start"] = failure.start;
+    object["end"] = failure.end;
+    object["error"] = jsonText(failure.outcome);
     object["explanation"] = jsonText(failure.explanation);
     Json suggestions = Json::array();
     for (std::wstring const & suggestion : failure.suggestions)

@@ -5,10 +5,10 @@
 #include "Console/Documents/CommandTable.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
-#include "Console/Session/Vocabulary.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Tokens.h"
+#include "Server/CommonData/Expressions/Vocabulary.h"
 #include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
 namespace Vn::Console {
@@ -85,8 +85,9 @@ Candidates commands() {
 
 Candidates words() {
     Candidates all;
+    using Expressions::Vocabulary;
     for (Vocabulary::Word const & word : Vocabulary::get().words())
-        all.push_back({word.text, word.kind == Vocabulary::Kind::Function ? L"(" : L""});
+        all.push_back({word.text, word.kind == Vocabulary::EKind::Function ? L"(" : L""});
     return all;
 }
 

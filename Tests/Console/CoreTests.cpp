@@ -7,7 +7,6 @@
 
 #include "Console/CommandLine/SelfTestCommand.h"
 #include "Console/Evaluation.h"
-#include "Console/Session/Vocabulary.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Terminal/Excerpt.h"
 #include "Console/Terminal/Table.h"
@@ -17,7 +16,6 @@
 #include "Platform/Base/UnitTest.h"
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
-#include "Server/CommonData/Units/UnitLookup.h"
 
 namespace Vn::Console::Tests {
 
@@ -46,14 +44,39 @@ TEST(ExcerptTests, BothLinesTakeTheSameColumns) {
         {L"\uFF11b", 1, L"  ^"}, // fullwidth digit
     };
     for (Row const & row : rows)
-        EXPECT_EQ(excerptAt(row.text, row.position).caret, row.caret) << Text::toUtf8(row.text);
+        EXPECT_EQ(excerptAt(row.text, row.position).marks, row.caret) << Text::toUtf8(row.text);
+}
+
+TEST(ExcerptTests, APieceElsewhereIsUnderlined) {
+    struct Row {
+        wchar_t const * text;
+        std::size_t position;
+        std::size_t start;
+        std::size_t end;
+        wchar_t const * marks;
+    };
+    Row const rows[] = {
+        {L"2 + me 5", 2, 4, 6, L"  ^ ~~"},
+        {L"pow(2)", 5, 0, 3, L"~~~  ^"},
+        {L"abc", 1, 1, 3, L" ^"},            // begins there
+        {L"abc", 2, 0, 3, L"~~^"},           // goes on around it
+        {L"1+\u65E5", 1, 2, 3, L" ^~~"},     // wide
+        {L"\u65E5+x", 0, 2, 3, L"^  ~"},     // after a wide one
+        {L"1\t+\tx", 2, 4, 5, L" \t^\t~"},   // tabs
+        {L"abc", 0, 3, 3, L"^"},             // nothing to underline
+        {L"abc", 3, 1, 4000000000, L" ~~^"}, // beyond the end
+    };
+    for (Row const & row : rows) {
+        EXPECT_EQ(excerptAt(row.text, row.position, row.start, row.end).marks, row.marks)
+            << Text::toUtf8(row.text);
+    }
 }
 
 TEST(ExcerptTests, HalfOfASurrogatePairTakesAColumn) {
     for (int const half : {0xD83D, 0xDCCF}) {
         Excerpt const excerpt = excerptAt(std::wstring(1, static_cast<wchar_t>(half)) + L"b", 1);
         EXPECT_EQ(Text::toUtf8(excerpt.text), "\uFFFDb") << half;
-        EXPECT_EQ(excerpt.caret, L" ^") << half;
+        EXPECT_EQ(excerpt.marks, L" ^") << half;
     }
 }
 
@@ -63,8 +86,8 @@ TEST(ExcerptTests, WindowKeepsThePositionInSight) {
          {std::size_t{0}, std::size_t{5}, text.size() / 2, text.size() - 1, text.size()}) {
         Excerpt const excerpt = excerptAt(text, position);
         EXPECT_LE(excerpt.text.size(), 82u);
-        EXPECT_LE(excerpt.caret.size() - 1, excerpt.text.size());
-        EXPECT_EQ(excerpt.caret.back(), L'^');
+        EXPECT_LE(excerpt.marks.size() - 1, excerpt.text.size());
+        EXPECT_EQ(excerpt.marks.back(), L'^');
         EXPECT_EQ(excerpt.text.substr(0, 3) == L"...", position > 43);
     }
 }
@@ -126,45 +149,6 @@ TEST(SettingsTextsTests, ValuesOutsideTheRangeAreExplained) {
     EXPECT_EQ(field.get(settings), 0.0);
     EXPECT_EQ(setSetting(field, settings, 1.0), "");
     EXPECT_EQ(field.get(settings), 1.0);
-}
-
-TEST(VocabularyTests, EveryWordIsUnderstoodByExpressions) {
-    Initializer::runAll();
-    std::size_t functions = 0;
-    for (Vocabulary::Word const & word : Vocabulary::get().words()) {
-        EXPECT_TRUE(Vocabulary::isKnown(word.text)) << Text::toUtf8(word.text);
-        if (word.kind == Vocabulary::Kind::Function) {
-            ++functions;
-            continue;
-        }
-        // A unit may share its spelling with a function, but not after a number.
-        bool const isConstant = word.kind == Vocabulary::Kind::Constant;
-        EXPECT_TRUE(Expressions::Expression(isConstant ? word.text : L"1 " + word.text))
-            << Text::toUtf8(word.text);
-    }
-    EXPECT_EQ(functions, 22u);
-}
-
-TEST(VocabularyTests, LookingWordsUpMakesNoUnits) {
-    Initializer::runAll();
-    Vocabulary const & vocabulary = Vocabulary::get();
-    auto const units = [] { return Units::listUnits().size(); };
-    std::size_t const before = units();
-    EXPECT_TRUE(Vocabulary::isKnown(L"attohenry"));
-    EXPECT_TRUE(Vocabulary::isKnown(L"Es"));
-    vocabulary.nearest(L"ATTOHENRI");
-    EXPECT_EQ(units(), before);
-}
-
-TEST(VocabularyTests, WhatCannotBeTypedIsNotSuggested) {
-    for (Vocabulary::Word const & word : Vocabulary::get().words()) {
-        EXPECT_EQ(word.text.find(L'_'), std::wstring::npos) << Text::toUtf8(word.text);
-        EXPECT_NE(word.text, L"\"");
-    }
-}
-
-TEST(VocabularyTests, LongNamesAreNearNothing) {
-    EXPECT_TRUE(Vocabulary::get().nearest(std::wstring(10000000, L'm')).empty());
 }
 
 // Reads nothing, and keeps the texts that are parsed while it is there: each is read once from its

@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "Platform/Base/StringTable.h"
 #include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
@@ -63,6 +64,34 @@ TEST_P(CatalogueTests, TranslatesEveryTextOfTheProgram) {
     std::vector<PoEntry> const all = entries();
     expectKeysOfTheProgram(all);
     for (PoEntry const & entry : all) EXPECT_NE(entry.text, "") << entry.context;
+}
+
+// "%1%" and the like, in their order by number, each as often as it is there.
+std::multiset<std::string> placesOf(std::string const & text) {
+    std::multiset<std::string> places;
+    for (std::size_t i = 0; (i = text.find('%', i)) != text.npos; ++i) {
+        std::size_t const end = text.find('%', i + 1);
+        if (end == text.npos) {
+            places.insert("a single %");
+            break;
+        }
+        places.insert(text.substr(i, end + 1 - i));
+        i = end;
+    }
+    return places;
+}
+
+TEST_P(CatalogueTests, ValuesHaveTheirPlacesInEveryText) {
+    std::size_t places = 0;
+    for (PoEntry const & entry : entries()) {
+        if (!entry.context.starts_with("Failure")) continue;
+        EXPECT_EQ(placesOf(entry.text), placesOf(entry.id)) << entry.context;
+        for (std::string const & place : placesOf(entry.text)) {
+            EXPECT_TRUE(place == "%1%" || place == "%2%" || place == "%3%") << entry.context;
+            ++places;
+        }
+    }
+    EXPECT_GE(places, 30U);
 }
 
 TEST_P(CatalogueTests, WordsAreNames) {
@@ -127,6 +156,11 @@ TEST_P(CatalogueTests, ProgramReadsTheTranslations) {
 #define VN_COMPOSITE_KIND(number, name, numerator, denominator) VN_KIND_TEXT(name)
 #include "Server/CommonData/Units/UnitKinds.inc"
 #undef VN_KIND_TEXT
+#define VN_FAILURE_TEXT(name, text)                                                                \
+    EXPECT_EQ(                                                                                     \
+        Text::toUtf8(StringTable::getLocalizedString("VnCommonData", "Failure" #name, text)),      \
+        texts["Failure" #name]);
+#include "Server/CommonData/Expressions/FailureTexts.inc"
     });
 }
 

@@ -20,6 +20,8 @@ std::vector<Source> makeSources() {
 #define VN_COMPOSITE_KIND(number, name, numerator, denominator)                                    \
     result.push_back({"UnitType" #name, #name});
 #include "Server/CommonData/Units/UnitKinds.inc"
+#define VN_FAILURE_TEXT(name, text) result.push_back({"Failure" #name, Text::toUtf8(text)});
+#include "Server/CommonData/Expressions/FailureTexts.inc"
     return result;
 }
 

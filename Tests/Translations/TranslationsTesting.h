@@ -23,7 +23,8 @@ struct Source {
     std::string text;
 };
 
-// Every one of them: the words of the expression language, then the kinds of units.
+// Every one of them: the words of the expression language, the kinds of units, and what is told of
+// failures.
 std::vector<Source> const & sources();
 
 // Whether the key is that of a token from `low` to `high`.

@@ -217,6 +217,13 @@ ComplexUnit const * BinaryOpNode::onUnitEvaluate(UnitContext const & context) {
     return unitEvaluateStep(context);
 }
 
+EParseFailure BinaryOpNode::onConflict(UnitContext const & context) {
+    ComplexUnit const * const left = m_rLeft.units(context);
+    if (!left) return m_rLeft.conflict(context);
+    ComplexUnit const * const right = m_rRight.units(context);
+    return right ? onCalculateConflict(*left, *right) : m_rRight.conflict(context);
+}
+
 ComplexUnit const * BinaryOpNode::unitEvaluateStep(UnitContext const & context) {
     ComplexUnit const * const left = m_rLeft.units(context);
     ComplexUnit const * const right = left ? m_rRight.units(context) : nullptr;
@@ -266,6 +273,14 @@ ComplexUnit const * powerUnits(Tree & tree, Node & exponentNode, ComplexUnit con
     return raised(tree, base, exponent);
 }
 
+// Why powerUnits gives null for them.
+EParseFailure powerConflict(Node & exponentNode, ComplexUnit const & exponentUnits) {
+    double exponent = 0.0;
+    bool const fits = exponentUnits.isUnitless() && exponentNode.evaluate(exponent) &&
+                      exponent == std::floor(exponent);
+    return fits ? EParseFailure::unitTooLong : EParseFailure::unitsOfPower;
+}
+
 } // namespace
 
 ComplexUnit const * SumOpNode::onCalculateUnits(ComplexUnit const & left, ComplexUnit const & right,
@@ -304,6 +319,10 @@ double PowerOpNode::onCalculate(bool &, double left, double right) const {
 ComplexUnit const * PowerOpNode::onCalculateUnits(ComplexUnit const & left,
                                                   ComplexUnit const & right, UnitContext const &) {
     return powerUnits(tree(), this->right(), left, right);
+}
+
+EParseFailure PowerOpNode::onCalculateConflict(ComplexUnit const &, ComplexUnit const & right) {
+    return powerConflict(this->right(), right);
 }
 
 // ---- Functions ----------------------------------------------------------------------------------
@@ -477,6 +496,20 @@ ComplexUnit const * FunctionOpNode::onUnitEvaluate(UnitContext const & context) 
             units = negotiate(operand(0), operand(1), units, second, context);
     }
     return units ? resultUnits(m_function, units) : nullptr;
+}
+
+EParseFailure FunctionOpNode::onConflict(UnitContext const & context) {
+    for (unsigned int i = 0; i < operands(); ++i)
+        if (!operand(i).units(context)) return operand(i).conflict(context);
+    switch (m_function) {
+    case FunctionPow:
+        return powerConflict(operand(1), *operand(1).units(context));
+    case FunctionMax:
+    case FunctionMin:
+        return EParseFailure::differentUnits;
+    default:
+        return EParseFailure::unitsOfArgument;
+    }
 }
 
 } // namespace Vn::Expressions
