@@ -11,10 +11,12 @@
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Segment.h"
-#include "Server/CommonData/Managed/ManagedEntityUtils.h"
+#include "Server/CommonData/Managed/TreePlace.h"
 
 namespace Vn::Console {
 
+using Managed::EMove;
+using Managed::EMoveFault;
 using Managed::ManagedEntity;
 using Managed::ManagedGroupEntity;
 
@@ -167,12 +169,9 @@ TextCommandResult deleteGroup(DocumentSession & session, Parameters const & para
 
 namespace {
 
-// Where a moved entity goes.
-enum class Where { Before, After, Into };
-
-bool readWhere(std::wstring const & text, Where & where) {
-    constexpr std::pair<std::wstring_view, Where> c_words[] = {
-        {L"before", Where::Before}, {L"after", Where::After}, {L"into", Where::Into}};
+bool readWhere(std::wstring const & text, EMove & where) {
+    constexpr std::pair<std::wstring_view, EMove> c_words[] = {
+        {L"before", EMove::Before}, {L"after", EMove::After}, {L"into", EMove::Into}};
     for (auto const & [word, meaning] : c_words) {
         if (!Text::foldedEqual(std::wstring_view(text), word)) continue;
         where = meaning;
@@ -182,20 +181,30 @@ bool readWhere(std::wstring const & text, Where & where) {
 }
 
 // Why an entity can't go to a place.
-std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & target, Where where) {
+std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & target, EMove where) {
     std::wstring const from = shownPath(moved.path);
     std::wstring const to = shownPath(target.path);
-    if (!moved.group) return from + L" is a root of the tree";
-    if (where == Where::Into && !groupAt(target)) return to + L" isn't a group";
-    if (where != Where::Into && !target.group) return to + L" is a root and has no siblings";
-    if (!(query<ManagedEntity>(moved.entity.get())->managedParent() == moved.group))
+    switch (Managed::whyNotMove(moved, where, target)) {
+    case EMoveFault::None:
+        break;
+    case EMoveFault::Same:
+        return L"an entity has no place beside or within itself";
+    case EMoveFault::Root:
+        return from + L" is a root of the tree";
+    case EMoveFault::NotAGroup:
+        return to + L" isn't a group";
+    case EMoveFault::NoSiblings:
+        return to + L" is a root and has no siblings";
+    case EMoveFault::Foreign:
         return from + L" has another parent than the group that lists it";
-    if (where != Where::Into &&
-        !(query<ManagedEntity>(target.entity.get())->managedParent() == target.group))
+    case EMoveFault::TargetForeign:
         return to + L" has another parent than the group that lists it";
-    Entity const & group =
-        where == Where::Into ? *target.entity : static_cast<Entity const &>(*target.group);
-    if (isWithin(group, *moved.entity)) return to + L" stands within " + from;
+    case EMoveFault::Within:
+        return to + L" stands within " + from;
+    case EMoveFault::Dead: // not what a path leads to
+    case EMoveFault::OtherDocument:
+        return to + L" isn't in the same document";
+    }
     return {};
 }
 
@@ -204,40 +213,25 @@ std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & targe
 TextCommandResult moveEntity(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace moved;
     DocumentPlace target;
-    Where where = Where::Before;
+    EMove where = EMove::Before;
     std::wstring why = findPlace(session, parameters.parameter(0), moved);
     if (why.empty() && !readWhere(parameters.parameter(1), where)) {
         why = L"an entity goes before or after another, or into a group, not " +
               inQuotes(parameters.parameter(1));
     }
     if (why.empty()) why = findPlace(session, parameters.parameter(2), target);
-    bool const isSame = why.empty() && moved.entity == target.entity;
-    if (why.empty() && !isSame) why = whyNotMove(moved, target, where);
-    if (isSame) why = L"an entity has no place beside or within itself";
+    if (why.empty()) why = whyNotMove(moved, target, where);
     if (!why.empty()) return cannot(L"move", why);
 
-    StrongRef<ManagedGroupEntity> const group =
-        where == Where::Into ? StrongRef<ManagedGroupEntity>(groupAt(target)) : target.group;
-    StrongRef<ManagedEntity> const child(query<ManagedEntity>(moved.entity.get()));
-    StrongRef<ManagedEntity> const sibling(query<ManagedEntity>(target.entity.get()));
     std::wstring const before = shownPath(moved.path);
     std::wstring const name =
         L"move " + before + L' ' + parameters.parameter(1) + L' ' + shownPath(target.path);
-    session.change(name, [&] {
-        // Into its own group it goes after its siblings.
-        if (!(group == moved.group) ||
-            (where == Where::Into && !(group->childrenVector().back() == child))) {
-            moved.group->removeChild(child);
-            child->nullParent();
-            group->addChild(child);
-        }
-        if (where != Where::Into) {
-            Managed::ManagedEntityUtils::reorderEntity(child, sibling, where == Where::After);
-        }
-    });
-    std::wstring const now = entityPath(*child);
+    Status status;
+    session.change(name, [&] { status = Managed::moveEntity(moved, where, target, name); });
+    if (!status) return {1, Text::fromUtf8(status.toString())};
+    std::wstring const now = entityPath(*moved.entity);
     if (now == moved.path) return {0, before + L" is there already"};
-    return {0, L"moved " + before + L" to " + withId(now, child->id())};
+    return {0, L"moved " + before + L" to " + withId(now, moved.entity->id())};
 }
 
 } // namespace Vn::Console

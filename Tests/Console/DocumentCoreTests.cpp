@@ -148,8 +148,8 @@ TEST_F(DocumentCoreTests, ParentsInACircleLeadToNoRoot) {
     first->nullParent();
     second->addChild(first);
     EXPECT_EQ(entityPath(*first), L"");
-    EXPECT_FALSE(isWithin(*first, *root));
-    EXPECT_TRUE(isWithin(*first, *second));
+    EXPECT_FALSE(Managed::isWithin(*first, *root));
+    EXPECT_TRUE(Managed::isWithin(*first, *second));
     EXPECT_EQ(answer(L"tree #2"), "cannot show the tree: #2 isn't part of the tree");
 }
 

@@ -132,7 +132,7 @@ void ManagedEntity::getOnk(Onk & onk) const {
     if (!group) return;
     for (unsigned i = 0; i < group->children(); ++i) {
         if (!(group->child(i) == this)) continue;
-        onk.strName(L"CmnData");
+        onk.strName(ManagedEntityUtils::c_childName);
         onk.rep(static_cast<int>(i));
         return;
     }
