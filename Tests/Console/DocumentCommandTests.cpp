@@ -125,6 +125,12 @@ TEST_F(DocumentCommandTests, JsonIsOneObjectALineAndNothingElse) {
     EXPECT_EQ(document("tree /Json").out, all);
     EXPECT_EQ(document("--json tree /json").out, all);
     EXPECT_EQ(document("--json").out, all);
+    // A part of it is told as within the whole.
+    for (char const * const part : {"tree 0/1 --json", "tree #4 --json"}) {
+        std::string const line = document(part).out;
+        ASSERT_FALSE(line.empty());
+        EXPECT_NE(all.find('\n' + line), std::string::npos) << line;
+    }
 }
 
 TEST_F(DocumentCommandTests, CommandsAreSeparatedByCommasOrThen) {
