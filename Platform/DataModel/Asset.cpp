@@ -46,7 +46,12 @@ Asset::~Asset() {
         entity.addRef();
         entity.m_state.close();
     });
-    m_pTable->forEach([](Entity & entity) { entity.metaType()->layout().dropStrong(entity); });
+    m_pTable->forEach([](Entity & entity) {
+        try {
+            entity.metaType()->layout().dropStrong(entity);
+        } catch (std::bad_alloc const &) { // of a class without a finished object: it ends with it
+        }
+    });
     m_pTable->forEach([](Entity & entity) {
         if (entity.refCount() <= 1) return;
         entity.suspendPassive();

@@ -124,7 +124,8 @@ private:
 // A class that describes itself wrongly is a programmer's mistake.  It shows at the first object:
 // the operations that fill the set throw std::invalid_argument, which names the class and the
 // member, and the set is empty again, so that each further object of the class fails in the same
-// way.
+// way.  If memory runs out they throw std::bad_alloc, the set is empty too, and the next object
+// fills it.  What else may throw while a class fills its set ends with `clear`.
 class VN_DATAMODEL_API MemberSet {
 public:
     // `type` is the class's meta type.
@@ -152,6 +153,8 @@ public:
     // an enumeration, is taken for what the kind says.
     Member * addNewMember(std::string const & name, void * fieldAddress, char const * typeName,
                           MemberMetaType * type, TemplatizedFunctions * functions, void ** extra);
+    // Empties the set, as it was before `initialize`: for a filling that something ended.
+    void clear() noexcept;
     // The set of the base class; null at the end.
     void base(MemberSet * set) noexcept { m_pBase = set; }
     MemberSet * base() const noexcept { return m_pBase; }
@@ -166,6 +169,8 @@ public:
     Member const * find(std::string_view name) const noexcept;
 
 private:
+    Member * add(std::string const & name, void * fieldAddress, char const * typeName,
+                 MemberMetaType * type, std::unique_ptr<TemplatizedFunctions> & functions);
     [[noreturn]] void refuse(std::string const & cause);
     void checkKind(std::string const & path, char const * typeName, MemberMetaType * type,
                    TemplatizedFunctions const * functions);

@@ -259,9 +259,14 @@ private:
 
     void fillMemberSet(EntityMetaType & type, MemberSet * set) {
         PersistedAccess::markCoreAddIn(type);
-        set->initialize(static_cast<X *>(this), X::c_class.name());
-        PersistedAccess::initializeMemberSet(static_cast<X &>(*this), type.version(), set);
-        set->base(PersistedAccess::baseMemberSet(type));
+        try {
+            set->initialize(static_cast<X *>(this), X::c_class.name());
+            PersistedAccess::initializeMemberSet(static_cast<X &>(*this), type.version(), set);
+            set->base(PersistedAccess::baseMemberSet(type));
+        } catch (...) { // the next object fills it
+            set->clear();
+            throw;
+        }
     }
 
     void beginMigration(EntityMetaType & type) {
