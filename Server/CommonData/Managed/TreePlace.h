@@ -21,8 +21,9 @@ namespace Vn::Managed {
 
 // An entity, and the list in which it stands there.  More than one group may list an entity.
 struct TreePlace {
+    // What stands there, and the group that lists it, which is null for a root.
     StrongRef<Entity> entity;
-    StrongRef<ManagedGroupEntity> group; // that lists the entity; null for a root
+    StrongRef<ManagedGroupEntity> group;
 };
 
 // The place at which an entity stands by its parent: in that group, or as a root.
