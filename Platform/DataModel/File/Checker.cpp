@@ -18,9 +18,10 @@ struct Enough {};
 } // namespace
 
 DocumentChecker::DocumentChecker(std::filesystem::path file, std::string operation,
-                                 std::string fileSystem, std::vector<std::string> & findings)
+                                 std::string fileSystem, std::vector<std::string> & findings,
+                                 std::vector<std::string> & unknownTypes)
     : m_database(std::move(operation), std::move(file), std::move(fileSystem)),
-      m_schema(m_database), m_findings(findings) {}
+      m_schema(m_database), m_findings(findings), m_unknownTypes(unknownTypes) {}
 
 void DocumentChecker::found(std::string finding) {
     if (m_findings.size() == Limits::c_findings) {
@@ -33,6 +34,7 @@ void DocumentChecker::found(std::string finding) {
 void DocumentChecker::check() {
     std::error_code error;
     auto const status = std::filesystem::status(m_database.file(), error);
+    m_database.refuseUnseen(error);
     if (!std::filesystem::exists(status)) m_database.fail(StatusNotFound, "there is no such file");
     if (!std::filesystem::is_regular_file(status))
         m_database.fail(StatusInvalidArgument, "it isn't a file");
@@ -43,6 +45,7 @@ void DocumentChecker::check() {
         m_schema.read();
         m_head = m_schema.readHead();
         checkSegments();
+        findUnknownTypes();
         readIds();
         for (FileType const & type : m_schema.types())
             if (!type.table.empty()) checkEntities(type);
@@ -72,6 +75,14 @@ void DocumentChecker::checkSegments() {
         if (!storedSegment(kind))
             found("there is no segment of kind " + std::to_string(kind) + " to load");
         m_segments.insert(kind);
+    }
+}
+
+void DocumentChecker::findUnknownTypes() {
+    for (FileType const & type : m_schema.types()) {
+        if (type.table.empty() || MetaTypeMgr::get()->metaType(type.id)) continue;
+        Statement row(m_database, "SELECT 1 FROM " + sqlName(type.table) + " LIMIT 1");
+        if (row.step()) m_unknownTypes.push_back(type.name + " (" + type.id + ")");
     }
 }
 

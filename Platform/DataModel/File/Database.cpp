@@ -120,6 +120,13 @@ bool Database::readHeader(Header & header) const {
     return true;
 }
 
+void Database::refuseUnseen(std::error_code const & error) const {
+    if (error == std::errc::filename_too_long)
+        fail(StatusInvalidArgument, "the name is longer than names may be");
+    if (error == std::errc::permission_denied)
+        fail(StatusAccessDenied, "its directory can't be looked into");
+}
+
 void Database::run(std::string const & sql) const {
     int const result = sqlite3_exec(m_pDatabase, sql.c_str(), nullptr, nullptr, nullptr);
     if (result != SQLITE_OK) fail(result);

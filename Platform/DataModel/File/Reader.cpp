@@ -108,7 +108,9 @@ std::string targetClass(std::string const & typeName) {
 DocumentFile::Reader::Reader(std::filesystem::path file, AssetType const * type,
                              std::string operation, std::string fileSystem)
     : m_pType(type), m_database(std::move(operation), std::move(file), std::move(fileSystem)),
-      m_schema(m_database) {}
+      m_schema(m_database) {
+    m_database.endsWhenInterrupted();
+}
 
 DocumentFile::Reader::~Reader() {
     if (!m_rAsset) return;
@@ -137,6 +139,7 @@ void DocumentFile::Reader::uninitializeHelpers() noexcept {
 StrongRef<Asset> DocumentFile::Reader::read() {
     std::error_code error;
     auto const status = std::filesystem::status(m_database.file(), error);
+    m_database.refuseUnseen(error);
     if (!std::filesystem::exists(status)) m_database.fail(StatusNotFound, "there is no such file");
     if (std::filesystem::is_directory(status))
         m_database.fail(StatusInvalidArgument, "it is a directory");

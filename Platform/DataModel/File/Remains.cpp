@@ -90,6 +90,9 @@ Database & FileName::makeSaving() {
         if (made.code() == StatusAccessDenied ||
             (made.code() == StatusNotFound && fs::is_directory(m_saving.parent_path(), error)))
             fail(StatusAccessDenied, "no file can be made in its directory");
+        if (!made && !fs::exists(m_saving, error) && error == std::errc::filename_too_long)
+            fail(StatusInvalidArgument, "the name is too long for \".saving\" to stand after it "
+                                        "until the document is saved");
         if (!made) fail(made.code(), made.cause());
         m_bMade = true;
         m_database.open(m_saving);
@@ -139,8 +142,9 @@ bool FileName::isWorthKeeping(fs::path const & file) const {
     std::string const first = firstBytes<100>(file);
     if (isZero(first)) return false; // nothing, or a save that hadn't come to its end
     std::vector<std::string> findings;
+    std::vector<std::string> unknownTypes;
     try {
-        DocumentChecker(file, m_operation, m_fileSystem, findings).check();
+        DocumentChecker(file, m_operation, m_fileSystem, findings, unknownTypes).check();
     } catch (FileFailure const &) {
         return true; // who knows
     }

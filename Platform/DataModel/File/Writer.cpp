@@ -189,6 +189,8 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file,
     if (std::filesystem::is_symlink(file, error)) target = std::filesystem::canonical(file, error);
     if (error) target = file;
     auto const status = std::filesystem::status(target, error);
+    if (error == std::errc::filename_too_long)
+        refuse(StatusInvalidArgument, "the name is longer than names may be");
     bool const exists = std::filesystem::exists(status);
     if (std::filesystem::is_directory(status)) refuse(StatusInvalidArgument, "it is a directory");
     if (exists && !std::filesystem::is_regular_file(status))
