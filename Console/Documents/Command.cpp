@@ -8,6 +8,7 @@
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/CommandTable.h"
+#include "Console/Documents/Interruption.h"
 #include "Console/Documents/Session.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
@@ -162,6 +163,12 @@ bool isThere(std::filesystem::path const & file) {
     return std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
 }
 
+// Whether the system doesn't tell, which opening the file then does.
+bool isUnseen(std::filesystem::path const & file) {
+    std::error_code ignored;
+    return !std::filesystem::status_known(std::filesystem::symlink_status(file, ignored));
+}
+
 // Opens the file, or looks whether a new one may take its name.
 int begin(std::filesystem::path const & file, Call const & first, DocumentSession & session,
           std::ostream & err) {
@@ -171,14 +178,14 @@ int begin(std::filesystem::path const & file, Call const & first, DocumentSessio
             << " is there already; the command new /Force replaces it\n";
         return ExitBadInput;
     }
-    if (!isThere(file)) {
+    if (!isThere(file) && !isUnseen(file)) {
         err << "cannot open the document: there is no " << Text::toUtf8(shown(file))
             << "; --new makes it\n";
         return ExitBadInput;
     }
     if (Status const status = session.open(file); !status) {
         err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
-        return ExitBadInput;
+        return status.code() == StatusCancelled ? ExitInterrupted : ExitBadInput;
     }
     return ExitGood;
 }
@@ -230,6 +237,7 @@ std::string documentCallsText() {
 
 int runDocument(DocumentOptions const & options, DocumentSession & session, std::ostream & out,
                 std::ostream & err) {
+    OS::NotedInterruptions const noted; // a save comes to its end
     std::vector<Call> calls = takeApart(options.words);
     if (calls.empty() && !options.isNew) calls.push_back({{L"tree"}});
     bool const saysNew = !calls.empty() && findDocumentCommand(calls.front().words.front()) ==
@@ -249,6 +257,10 @@ int runDocument(DocumentOptions const & options, DocumentSession & session, std:
         if (std::any_of(calls.begin(), calls.end(), [](Call const & c) { return c.changes(); }))
             err << "nothing was saved\n";
         return status;
+    }
+    if (OS::wasInterrupted()) {
+        err << "interrupted: nothing was saved\n";
+        return ExitInterrupted;
     }
     return save(file, first.is(EDocumentCall::Begins), options.json, session, out, err);
 }

@@ -3,6 +3,7 @@
 #include <string_view>
 #include <utility>
 
+#include "Console/Documents/Interruption.h"
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
@@ -111,7 +112,10 @@ TextCommandResult addEntities(DocumentSession & session, Parameters const & para
     unsigned long long id = 0;
     session.change(L"add " + counted(count) + L" to " + shownPath(parent.path), [&] {
         StrongRef<Entity> const group = groupFor(session, parent);
-        for (unsigned i = 0; i < count; ++i) id = makeEntity(group)->id();
+        for (unsigned i = 0; i < count; ++i) {
+            endIfInterrupted();
+            id = makeEntity(group)->id();
+        }
     });
     if (count == 1) return {0, L"added " + withId(childPath(parent.path, first), id)};
     return {0, L"added " + counted(count) + L": " + shownPath(childPath(parent.path, first)) +

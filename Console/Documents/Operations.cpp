@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/Tree.h"
@@ -19,6 +20,10 @@ using Parameters = TextCommandParameters;
 namespace {
 
 std::wstring textOf(Status const & status) { return printable(Text::fromUtf8(status.toString())); }
+
+TextCommandResult failure(Status const & status) {
+    return {status.code() == StatusCancelled ? ExitInterrupted : ExitBadInput, textOf(status)};
+}
 
 // Why a document can't take the place of the one that is open.
 std::wstring whyNotReplace(DocumentSession const & session, Parameters const & parameters) {
@@ -43,6 +48,26 @@ std::wstring howItDiffers(DocumentSession const & session) {
                    : L"the document has changes and no file";
 }
 
+// Whether a document that can't be opened for a reason of that kind may be damaged.
+bool mayBeDamage(EStatus code) {
+    switch (code) {
+    case StatusNewerFormat:
+    case StatusUnsupported:
+    case StatusOutOfMemory:
+    case StatusBusy:
+    case StatusCancelled:
+        return false;
+    default:
+        return true;
+    }
+}
+
+std::wstring listOf(std::vector<std::string> const & lines) {
+    std::wstring text;
+    for (std::string const & line : lines) text += L"\n  " + printable(Text::fromUtf8(line));
+    return text;
+}
+
 } // namespace
 
 TextCommandResult cannot(std::wstring const & what, std::wstring const & reason) {
@@ -61,7 +86,7 @@ TextCommandResult openDocument(DocumentSession & session, Parameters const & par
     std::wstring why = whyNoFile(name);
     if (why.empty()) why = whyNotReplace(session, parameters);
     if (!why.empty()) return cannot(L"open the document", why);
-    if (Status const status = session.open(pathOf(name)); !status) return {1, textOf(status)};
+    if (Status const status = session.open(pathOf(name)); !status) return failure(status);
     std::size_t const count = session.asset().entities();
     return {0, L"opened " + session.name() + L" with " + std::to_wstring(count) +
                    (count == 1 ? L" entity" : L" entities")};
@@ -164,18 +189,25 @@ TextCommandResult checkDocument(DocumentSession & session, Parameters const & pa
     fs::path const file = isOwn ? session.asset().file() : pathOf(parameters.parameter(0));
     std::wstring const name = isOwn ? session.name() : shown(file);
     std::vector<std::string> findings;
-    if (Status const status = DocumentFile::check(file, findings); !status)
-        return {1, textOf(status)};
-    if (findings.empty()) { // as far as can be told without the classes
+    std::vector<std::string> unknownTypes;
+    if (Status const status = DocumentFile::check(file, findings, unknownTypes); !status)
+        return failure(status);
+    if (findings.empty() && unknownTypes.empty()) { // as far as can be told without the classes
         StrongRef<Asset> asset;
-        if (Status const status = DocumentFile::load(file, nullptr, asset); !status)
-            findings.push_back(status.cause());
+        Status const status = DocumentFile::load(file, nullptr, asset);
+        if (!status && !mayBeDamage(status.code())) return failure(status);
+        if (!status) findings.push_back(status.cause());
     }
-    if (findings.empty()) return {0, L"nothing is wrong with " + name};
-    std::wstring text = name + L" is damaged:";
-    for (std::string const & finding : findings)
-        text += L"\n  " + printable(Text::fromUtf8(finding));
-    return {1, text};
+    if (findings.empty() && unknownTypes.empty()) return {0, L"nothing is wrong with " + name};
+    std::wstring text;
+    if (!findings.empty()) text = name + L" is damaged:" + listOf(findings) + L'\n';
+    if (!unknownTypes.empty()) {
+        text += (findings.empty() ? L"nothing is damaged in " + name + L", but it"
+                                  : std::wstring(L"it also")) +
+                L" has entities of types that this program doesn't know:" + listOf(unknownTypes);
+    } else
+        text.pop_back();
+    return {findings.empty() ? ExitUnknownTypes : ExitBadInput, text};
 }
 
 } // namespace Vn::Console

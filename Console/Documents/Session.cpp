@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "Console/Documents/Interruption.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/DocumentFile.h"
@@ -90,6 +91,7 @@ void DocumentSession::change(std::wstring_view name, std::function<void()> const
     Transaction transaction(*m_rAsset, name);
     try {
         work();
+        endIfInterrupted();
         transaction.commit();
     } catch (std::bad_alloc const &) {
         reserve.reset();

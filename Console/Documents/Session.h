@@ -49,7 +49,8 @@ public:
     // nothing.
     std::wstring whatWasKept() const;
 
-    // Does some work on the document as one step of its history; takes it back if it throws.
+    // Does some work on the document as one step of its history; takes it back if it throws, or
+    // throws Interrupted itself if the user wishes to end it.
     void change(std::wstring_view name, std::function<void()> const & work);
 
     // Whether work would be lost if the document went.

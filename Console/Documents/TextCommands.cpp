@@ -5,7 +5,9 @@
 #include <stdexcept>
 #include <string>
 
+#include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/CommandTable.h"
+#include "Console/Documents/Interruption.h"
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/Session.h"
 #include "Console/Texts.h"
@@ -53,7 +55,15 @@ private:
         }
         // A change that throws was taken back.
         try {
+            endIfInterrupted();
             return m_rCommand.write ? write(parameters) : m_rCommand.run(m_rSession, parameters);
+        } catch (Interrupted const &) {
+            return {ExitInterrupted,
+                    cannot(m_rCommand.purpose, m_rCommand.write
+                                                   ? L"it was interrupted"
+                                                   : L"it was interrupted; the document is as it "
+                                                     L"was before")
+                        .text};
         } catch (std::bad_alloc const &) {
             return cannot(m_rCommand.purpose, L"memory ran out; the document is as it was before");
         } catch (std::length_error const & error) {

@@ -7,6 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Console/Documents/Interruption.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
 #include "Console/Texts.h"
@@ -44,6 +45,7 @@ public:
         m_path = path;
         enter(first, group, place, visit);
         while (!m_open.empty()) {
+            endIfInterrupted();
             Level & level = m_open.back();
             m_path.resize(level.pathLength);
             if (level.next == level.group->children()) {

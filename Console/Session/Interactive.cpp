@@ -1,5 +1,6 @@
 #include "Console/Session/Interactive.h"
 
+#include <optional>
 #include <ostream>
 
 #include "Console/CommandLine/ExitStatus.h"
@@ -8,6 +9,7 @@
 #include "Console/Session/Session.h"
 #include "Console/Terminal/LineReader.h"
 #include "Console/Terminal/Terminal.h"
+#include "Platform/Base/OS.h"
 #include "Platform/Base/Text.h"
 
 namespace Vn::Console {
@@ -31,12 +33,31 @@ int runInteractive(DocumentSession const & document, std::istream & in, std::ost
         reader = std::make_unique<StreamLineReader>(in);
     Session session(out, err);
     bool good = true;
-    bool warned = false; // of what would be lost, by the line before
+    int status = ExitBadInput; // unless all was good
+    bool warned = false;       // of what would be lost, by the line before
+    // Where lines are typed, Ctrl-C never ends the session.
+    std::optional<OS::NotedInterruptions> noted;
+    if (isTyped) noted.emplace();
     while (out.flush()) {
+        OS::forgetInterruption(); // what comes from now on is meant for the next line
         std::optional<std::string> const line = reader->read(session.prompt());
         // The prompt is left standing by the end of the input.
         if (!line && isTyped) out << '\n' << std::flush;
-        Session::Result const result = line ? session.execute(*line) : Session::Result::Quit;
+        bool interrupted = false;
+        Session::Result result = Session::Result::Quit;
+        if (line) {
+            OS::NotedInterruptions const during;
+            result = session.execute(*line);
+            interrupted = OS::wasInterrupted();
+        }
+        // Elsewhere it ends the command, and the lines after it aren't read.
+        if (interrupted && !isTyped) {
+            out.flush();
+            err << "interrupted: the lines that follow aren't run\n" << std::flush;
+            status = ExitInterrupted;
+            good = false;
+            result = Session::Result::Quit;
+        }
         good &= result != Session::Result::Bad;
         if (result != Session::Result::Quit) {
             warned = false;
@@ -53,7 +74,7 @@ int runInteractive(DocumentSession const & document, std::istream & in, std::ost
             break;
         }
     }
-    return good || isTyped ? ExitGood : ExitBadInput;
+    return good || isTyped ? ExitGood : status;
 }
 
 } // namespace Vn::Console

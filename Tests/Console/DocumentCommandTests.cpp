@@ -441,6 +441,50 @@ TEST_F(DocumentCommandTests, CheckTellsWhatIsWrong) {
     EXPECT_EQ(foreign.err, "a.vnd is damaged:\n  it is not a document\n");
 }
 
+#ifndef _WIN32
+
+TEST_F(DocumentCommandTests, AFileNameThatIsTooLongIsToldAsThat) {
+    std::string const name(300, 'x');
+    std::string const why =
+        " the document '" + name + "': invalid argument: the name is longer than names may be\n";
+    EXPECT_EQ(document("make", name).err, "cannot open" + why);
+    EXPECT_EQ(document("check", name).err, "cannot check" + why);
+    EXPECT_EQ(document("new", name).err, "cannot save" + why);
+}
+
+#endif
+
+TEST_F(DocumentCommandTests, CheckTellsTypesOfAnotherProgramFromDamage) {
+    makeSample();
+    execute("a.vnd", "UPDATE types SET id = 'Foreign', name = 'ForeignMetaType' "
+                     "WHERE name = 'CommonBaseEntityMetaType'");
+    Outcome const foreign = document("check");
+    EXPECT_EQ(foreign.status, 3);
+    EXPECT_EQ(foreign.out, "");
+    EXPECT_EQ(foreign.err, "nothing is damaged in a.vnd, but it has entities of types that this "
+                           "program doesn't know:\n  ForeignMetaType (Foreign)\n");
+    Outcome const opened = document("tree");
+    EXPECT_EQ(opened.status, 1);
+    EXPECT_EQ(opened.err, "cannot open the document 'a.vnd': not supported: the type "
+                          "ForeignMetaType (Foreign) isn't known to this program\n");
+
+    execute("a.vnd", "UPDATE roots SET entity = 99");
+    Outcome const both = document("check");
+    EXPECT_EQ(both.status, 1);
+    EXPECT_EQ(both.err, "a.vnd is damaged:\n  the root Groups: there is no such entity\n"
+                        "it also has entities of types that this program doesn't know:\n"
+                        "  ForeignMetaType (Foreign)\n");
+}
+
+TEST_F(DocumentCommandTests, CheckDoesNotTakeALaterVersionForDamage) {
+    makeSample();
+    execute("a.vnd", "UPDATE types SET version = 77 WHERE name = 'CommonBaseEntityMetaType'");
+    Outcome const outcome = document("check");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err.find("damaged"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("written by a later version"), std::string::npos) << outcome.err;
+}
+
 TEST_F(DocumentCommandTests, CutFilesEndInAReasonAndNeverInACrash) {
     makeSample();
     std::string const whole = readFile("a.vnd");
