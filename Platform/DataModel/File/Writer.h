@@ -35,8 +35,12 @@ public:
     Writer(Asset & asset, std::string operation, std::string fileSystem);
     ~Writer() override;
 
-    // `kept` gets the new names of what lay beside the file and was kept.
+    // Writes a new file beside the old one, which it replaces once it is complete and flushed: at
+    // each moment the name leads to the old document or to the new one.  `kept` gets the new names
+    // of what lay beside the file and was kept.
     void saveWhole(std::filesystem::path const & file, std::vector<std::filesystem::path> & kept);
+    // Writes the rows of what changed into the document's own file, in one transaction of the
+    // database.  A file that isn't as the last save left it is refused, and stays.
     void saveChanges();
     // Has the next save of changes write the entities whose rows don't tell any more what they
     // refer to, since a target came or went, although they themselves didn't change.
@@ -56,7 +60,8 @@ private:
     // make, change and delete entities.
     template <class Visit>
     void forEachToWrite(Visit && visit, std::size_t first = 0) const;
-    // Tells the hooks, and refuses what a load would refuse.
+    // Tells the hooks, which may still change the document, and refuses what a load would refuse;
+    // nothing is written before.
     void prepare(std::filesystem::path const & file);
     // Refuses references that can't be written, has targets that aren't in the file written too,
     // and collects the gaps.
@@ -88,6 +93,8 @@ private:
         std::string stamp;
     };
     static Saved makeSaved(std::filesystem::path const & file, DataModel::FileHead const & head);
+    // Both only after the file is complete, and without anything that could fail: a save that was
+    // reported as good is the one that the document remembers.
     void finish(Saved saved) noexcept;
     void markSaved();
 
