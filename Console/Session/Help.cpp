@@ -79,17 +79,15 @@ Session::Result Session::help(std::wstring const & topic) {
         (this->*each.show)();
         return Result::Good;
     }
-    for (Command const & command : commands()) {
-        if (topic != command.name) continue;
-        Table table;
-        table.add({std::wstring(command.name) + L' ' + command.arguments, command.meaning});
-        m_rOut << table.toUtf8("  ");
-        return Result::Good;
-    }
-    if (DocumentCommand const * const command = findDocumentCommand(topic)) {
-        Table table;
-        table.add({Text::widen(command->alias) + L' ' + command->usage, command->meaning});
-        m_rOut << table.toUtf8("  ");
+    // A command of the session and one on documents may have the same name.
+    Table named;
+    for (Command const & command : commands())
+        if (topic == command.name)
+            named.add({std::wstring(command.name) + L' ' + command.arguments, command.meaning});
+    if (DocumentCommand const * const command = findDocumentCommand(topic))
+        named.add({Text::widen(command->alias) + L' ' + command->usage, command->meaning});
+    if (std::string const text = named.toUtf8("  "); !text.empty()) {
+        m_rOut << text;
         return Result::Good;
     }
     if (!topic.empty()) return bad(L"there is no help on " + inQuotes(topic));

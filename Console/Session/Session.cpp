@@ -169,6 +169,12 @@ Session::Result Session::set(std::wstring const & argument) {
         return Result::Good;
     }
     Field const * const field = findField(name);
+    // A setting has one value; with more words it is a member of an entity.
+    std::wstring_view more = rest;
+    if (!field && (takeWord(more), !more.empty()))
+        return runTextCommand({L"Document.Set " + argument}, m_rOut, m_rErr) == ExitGood
+                   ? Result::Good
+                   : Result::Bad;
     if (!field) {
         std::wstring const nearest = nearestField(name);
         return bad(L"there is no setting " + inQuotes(name) +

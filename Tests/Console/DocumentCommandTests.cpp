@@ -214,7 +214,7 @@ TEST_F(DocumentCommandTests, WrongCommandsAreExplained) {
     Row const rows[] = {
         {"make 0/0/0",
          "cannot make a group: Groups/CmnData[0]/CmnData[0]/CmnData[0] isn't a group\n"},
-        {"make 0 1", "cannot make a group: \"1\" is too much: Groups.Make [Parent]\n"},
+        {"make 0 1", "cannot make a group: \"1\" is too much: Groups.Make [Parent] [/Custom]\n"},
         {"add", "cannot add entities: more is needed: Groups.Add <Parent> [Count]\n"},
         {"add 0 0", "cannot add entities: \"0\" isn't a whole number from 1 to 1000000\n"},
         {"add 0 many", "cannot add entities: \"many\" isn't a whole number from 1 to 1000000\n"},
@@ -250,7 +250,7 @@ TEST_F(DocumentCommandTests, WrongCommandsAreExplained) {
         {"redo", "cannot redo: nothing was undone last\n"},
         {"make, undo, make, redo", "cannot redo: nothing was undone last\n"},
         {"make 0 /Fast", "cannot make a group: \"/Fast\" isn't a flag of it, and a path goes in "
-                         "quotes: Groups.Make [Parent]\n"},
+                         "quotes: Groups.Make [Parent] [/Custom]\n"},
     };
     std::string const before = readFile("a.vnd");
     for (Row const & row : rows) {
@@ -396,15 +396,15 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
          "vnconsole: there is no command \"mvoe\" on documents; did you mean move?\n"},
         {"frobnicate",
          "vnconsole: there is no command \"frobnicate\" on documents; the commands are new, make, "
-         "add, remove, move, delete, tree, undo, redo, history, check\n"},
+         "add, remove, move, delete, show, set, tree, undo, redo, history, check\n"},
         {"Units.List",
          "vnconsole: there is no command \"Units.List\" on documents; the commands are "
-         "new, make, add, remove, move, delete, tree, undo, redo, history, check\n"},
+         "new, make, add, remove, move, delete, show, set, tree, undo, redo, history, check\n"},
         {"make, saveas b.vnd", "vnconsole: saveas belongs to a session; here the file is opened "
                                "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},
         {"check, tree", "vnconsole: check stands alone, and looks at the file\n"},
-        {"make --json", "vnconsole: --json goes with the command tree\n"},
+        {"make --json", "vnconsole: --json goes with the command show or tree\n"},
     };
     makeSample();
     std::string const before = readFile("a.vnd");

@@ -81,8 +81,22 @@ TEST_F(DocumentMemberTests, AMemberThatIsNotThereIsToldWithThoseThatAre) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "cannot show the member: Groups/CmnData[0] has no member \"weight\"; "
                            "its members are rParent, children, rClientObject, highWaterMark\n");
-    EXPECT_EQ(document("show 7").err, "cannot show the members: Groups has 1 child, and no place "
-                                      "7\n");
+    EXPECT_EQ(document("show 7").err,
+              "cannot show the members: Groups has no child 7: it has only 0\n");
+}
+
+// Where "set" alone is about the display settings.
+TEST_F(DocumentMemberTests, ASessionTellsAMemberFromASetting) {
+    Outcome const outcome = runConsole({}, "open a.vnd\nset 0 highWaterMark 7\nundo\n"
+                                           "show 0 highWaterMark\nDocument.Set 0 highWaterMark 8\n"
+                                           "set generalPrecision 4\nset nothing 4\n");
+    EXPECT_EQ(outcome.out, "opened a.vnd with 3 entities\n"
+                           "set highWaterMark of Groups/CmnData[0] from \"0\" to \"7\"\n"
+                           "undone: set highWaterMark of Groups/CmnData[0]\n"
+                           "0\n"
+                           "set highWaterMark of Groups/CmnData[0] from \"0\" to \"8\"\n"
+                           "generalPrecision 4\n");
+    EXPECT_TRUE(outcome.err.starts_with("there is no setting \"nothing\""));
 }
 
 TEST_F(DocumentMemberTests, JsonHasALineForEachMember) {

@@ -235,7 +235,7 @@ TEST_F(DocumentSessionFileTests, TheExamplesOfHelpFollowOneAnother) {
         lines += line.substr(2, line.find("  ", 2) - 2) + '\n';
         ++count;
     }
-    EXPECT_EQ(count, 14u);
+    EXPECT_EQ(count, 15u);
     Outcome const outcome = session(lines);
     EXPECT_EQ(outcome.status, 0) << lines;
     EXPECT_EQ(outcome.err, "");
@@ -271,7 +271,8 @@ TEST_F(DocumentSessionTests, CommandsAreCompletedAndListed) {
                   (std::vector<std::wstring>{L"Groups.Make", L"Groups.Add", L"Groups.Remove",
                                              L"Groups.Move", L"Groups.Delete"}));
         EXPECT_EQ(texts(L"document.s"),
-                  (std::vector<std::wstring>{L"Document.Save", L"Document.SaveAs"}));
+                  (std::vector<std::wstring>{L"Document.Show", L"Document.Set", L"Document.Save",
+                                             L"Document.SaveAs"}));
         EXPECT_EQ(texts(L"sav"), (std::vector<std::wstring>{L"save", L"saveas"}));
         EXPECT_EQ(texts(L"und"), std::vector<std::wstring>{L"undo"});
         EXPECT_EQ(texts(L"help dele"), std::vector<std::wstring>{L"delete"});

@@ -1,3 +1,4 @@
+cmake_minimum_required(VERSION 3.25)
 # Writes the C++ blocks of DOCUMENT, one after the other, to PROGRAM.
 file(READ "${DOCUMENT}" text)
 set(program "")

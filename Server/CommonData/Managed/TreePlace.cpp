@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <string>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/ChangeHistory.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/Segment.h"
 #include "Server/CommonData/Managed/Ancestors.h"
 #include "Server/CommonData/Managed/ManagedEntityUtils.h"

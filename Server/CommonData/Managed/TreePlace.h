@@ -47,7 +47,7 @@ enum class EPathFault {
 };
 
 // How far a path leads.
-struct PathEnd {
+struct VN_COMMONDATA_API PathEnd {
     // The place at the end, or the last one on the way; without an entity if there is no root.
     TreePlace place;
     // How many of the names lead there.
@@ -58,7 +58,7 @@ struct PathEnd {
     // Whether the path leads to an entity.
     explicit operator bool() const noexcept { return fault == EPathFault::None; }
     // The same as a status, NotFound unless it is success, which tells the path as its subject.
-    VN_COMMONDATA_API Status status(ObjectPath const & path) const;
+    Status status(ObjectPath const & path) const;
 };
 
 // Follows a path from the roots of a segment through the lists of groups.  The names after the
