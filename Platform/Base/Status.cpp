@@ -12,7 +12,7 @@ namespace {
 
 constinit Shared<std::string> s_noText;
 
-// Without memory from the heap, which there may be none of when somebody asks why something failed.
+// Without memory from the heap: there may be none when the reason of a failure is asked for.
 std::string const & noText() noexcept {
     alignas(std::string) static unsigned char s_place[sizeof(std::string)];
     return s_noText.get([] { return new (s_place) std::string; });
