@@ -52,11 +52,14 @@ bool readQuoted(std::wstring_view & text, std::wstring & word) {
     return false;
 }
 
-// Reads up to a blank or a comma that stands outside of square brackets.
+// Reads up to a blank or a comma that stands outside of square brackets.  A bracket that isn't
+// closed encloses nothing.
 std::wstring readPlain(std::wstring_view & text) {
+    bool const isClosed =
+        std::count(text.begin(), text.end(), L'[') <= std::count(text.begin(), text.end(), L']');
     std::size_t end = 0;
     for (std::size_t depth = 0; end < text.size() && (depth > 0 || !endsWord(text[end])); ++end)
-        if (text[end] == L'[')
+        if (text[end] == L'[' && isClosed)
             ++depth;
         else if (text[end] == L']' && depth > 0)
             --depth;

@@ -72,8 +72,8 @@ public:
     // A name of an entity is given up.  The object goes if nothing else leads to it.
     void forget(Entity & entity) noexcept;
 
-    // For a replay.  Ends a living entity whose making is undone, even if it is held; for good if no
-    // redo can bring it back.  Its object stays as long as it is held or named.
+    // For a replay.  Ends a living entity whose making is undone, even if it is held; for good if
+    // no redo can bring it back.  Its object stays as long as it is held or named.
     void unmake(Entity & entity, bool isForGood);
     // Brings a dead entity back, with all that it owned, and that owned, as they were when they
     // died.  Those that are unmade stay dead: only the redo of their making brings them back.
