@@ -1,5 +1,6 @@
 #include "Console/Evaluation.h"
 
+#include <algorithm>
 #include <ostream>
 
 #include "Console/Failure.h"
@@ -7,6 +8,7 @@
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
 namespace Vn::Console {
 
@@ -17,10 +19,29 @@ using Units::UnitDisplaySettings;
 
 namespace {
 
+// Whether texts come out as they do by the factory settings.
+bool areStandard(UnitDisplaySettings const & settings) {
+    auto const fields = Units::unitDisplaySettingsFields();
+    return std::all_of(fields.begin(), fields.end(), [&](auto const & field) {
+        return field.get(settings) == field.get(UnitDisplaySettings::standard());
+    });
+}
+
 // For a rebuilt text that is spelled by other settings than the standard ones.
 bool readsBack(Expression const & expression, std::wstring const & rebuilt) {
     Expression const again(rebuilt, expression.context());
     return again && again.value() == expression.value();
+}
+
+// Rebuilds an expression, and reads the text back once.
+void rebuild(Expression const & expression, UnitDisplaySettings const & settings, Evaluation & e) {
+    e.rebuilt = expression.rebuilt(Units::ValueAndUnit, settings);
+    if (!areStandard(settings) && e.rebuilt != expression.rebuilt()) {
+        e.readsBack = readsBack(expression, e.rebuilt);
+        return;
+    }
+    e.readsBack = expression.rebuiltReadsBack(e.rebuilt);
+    e.stored = e.readsBack ? e.rebuilt : expression.text();
 }
 
 std::wstring orNone(std::wstring const & units) { return units.empty() ? L"none" : units; }
@@ -45,28 +66,28 @@ Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & s
     ComplexUnit const units = expression.units().value_or(ComplexUnit::none());
     e.units = unitText(units, settings);
     e.internalUnits = internalUnitText(units, settings);
-    e.rebuilt = expression.rebuilt(Units::ValueAndUnit, settings);
-    std::wstring const standard = expression.rebuilt();
-    bool const standardReadsBack = expression.rebuiltReadsBack();
-    e.readsBack = e.rebuilt == standard ? standardReadsBack : readsBack(expression, e.rebuilt);
-    // Its textToStore, for which it would read the standard text once more.
-    e.store = standardReadsBack ? standard : expression.text();
-    ComplexUnit const * const shown = display.expectedUnits();
-    if (!e.value) {
-        e.error = L"no value: " + explainNoValue();
-    } else if (shown && !shown->isDimensionallyEquivalent(&units)) {
-        e.error = L"the value is " + describeUnits(units, settings) + L" and can't be shown " +
-                  describeUnits(*shown, settings);
-    } else {
-        e.formatted = expression.formatted(Units::ValueAndUnit, settings, display);
-    }
+    rebuild(expression, settings, e);
+    e.error = e.value ? whyNotShown(units, settings, display) : explainFailure(expression).message;
+    if (e.error.empty()) e.formatted = expression.formatted(Units::ValueAndUnit, settings, display);
     return e;
+}
+
+std::wstring whyNotShown(ComplexUnit const & units, UnitDisplaySettings const & settings,
+                         UnitContext const & display) {
+    ComplexUnit const * const shown = display.expectedUnits();
+    if (!shown || shown->isDimensionallyEquivalent(&units)) return {};
+    return L"the value is " + describeUnits(units, settings) + L" and can't be shown " +
+           describeUnits(*shown, settings);
+}
+
+std::wstring textToStore(Evaluation const & evaluation, Expression const & expression) {
+    return evaluation.stored ? *evaluation.stored : expression.textToStore();
 }
 
 bool showEvaluation(Expression const & expression, UnitDisplaySettings const & settings,
                     UnitContext const & display, std::ostream & out, std::ostream & err) {
     if (!expression) {
-        tell(failureText(expression), out, err);
+        tell(failureLines(expression), out, err);
         return false;
     }
     Evaluation const e = evaluate(expression, settings, display);
@@ -76,7 +97,7 @@ bool showEvaluation(Expression const & expression, UnitDisplaySettings const & s
     table.add({L"units", orNone(e.units)});
     table.add({L"rebuilt", e.rebuilt});
     if (!e.readsBack) {
-        table.add({L"store", printable(e.store)});
+        table.add({L"store", printable(textToStore(e, expression))});
         table.add({L"", L"(the rebuilt text would not read back to the same value)"});
     }
     out << table.toUtf8();
@@ -88,7 +109,7 @@ bool showEvaluation(Expression const & expression, UnitDisplaySettings const & s
 bool showBriefly(Expression const & expression, UnitDisplaySettings const & settings,
                  UnitContext const & display, std::ostream & out, std::ostream & err) {
     if (!expression) {
-        tell(failureText(expression), out, err);
+        tell(failureLines(expression), out, err);
         return false;
     }
     Evaluation const e = evaluate(expression, settings, display);
@@ -100,7 +121,7 @@ bool showBriefly(Expression const & expression, UnitDisplaySettings const & sett
                         orNone(e.units) + L", rebuilt " + e.rebuilt + L'\n');
     if (!e.readsBack) {
         out << "  the rebuilt text would not read back to the same value; store "
-            << Text::toUtf8(printable(e.store)) << '\n';
+            << Text::toUtf8(printable(textToStore(e, expression))) << '\n';
     }
     return true;
 }
@@ -113,8 +134,7 @@ bool readUnitContext(std::wstring const & text, std::string const & what, UnitCo
     }
     err << what << ": " << Text::toUtf8(inQuotes(text)) << " isn't a unit\n";
     // A unit is read as the unit of a number.
-    Failure const failure = explainFailure(Expression(L"1 " + text));
-    err << Text::toUtf8(suggestionLine(failure)) << std::flush;
+    err << Text::toUtf8(questionLine(explainFailure(Expression(L"1 " + text)))) << std::flush;
     return false;
 }
 

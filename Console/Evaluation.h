@@ -17,15 +17,23 @@ struct Evaluation {
     std::wstring units;         // empty for none
     std::wstring internalUnits; // of the value
     std::wstring rebuilt;
-    bool readsBack = false; // the rebuilt text, to the same value
-    std::wstring store;
-    std::wstring error; // why there is no value to show; empty if there is
+    bool readsBack = false;             // the rebuilt text, to the same value
+    std::optional<std::wstring> stored; // the text to store, if it had to be found out
+    std::wstring error;                 // why there is no value to show; empty if there is
 };
 
 // The expression must have a tree.
 Evaluation evaluate(Expressions::Expression const & expression,
                     Units::UnitDisplaySettings const & settings,
                     Units::UnitContext const & display);
+
+// Why a value in `units` can't be shown in the units that `display` expects; empty if it can.
+std::wstring whyNotShown(Units::ComplexUnit const & units,
+                         Units::UnitDisplaySettings const & settings,
+                         Units::UnitContext const & display);
+
+// The text to store for an expression that was evaluated so.
+std::wstring textToStore(Evaluation const & evaluation, Expressions::Expression const & expression);
 
 // Shows an expression as a table, or why there is none on `err`.  False if it isn't good.
 bool showEvaluation(Expressions::Expression const & expression,

@@ -103,6 +103,7 @@ function opensScope(line) {
     return line ~ /^[ \t]*(class|struct|union|enum|namespace|extern|typedef enum)([ \t<]|$)/
 }
 
+bodies > 0 && (inMacro || /^[ \t]*#/) { inMacro = /\\$/; print ""; next }
 bodies > 0 { print; follow($0); next }
 
 /^[ \t]*\/\// {
@@ -165,6 +166,8 @@ inMacro { inMacro = /\\$/; print ""; next }
     } else if (tops && className(line) == own) {
         for (i = 1; i <= tops; ++i) print top[i]
     }
+    # Doxygen doesn't find what a template inherits through another template.
+    sub(/: public Identified<X, Base, Interfaces\.\.\.>/, ": public Base, public Identified<X, Base, Interfaces...>", line)
     if (heading != "") {
         print heading
         follow(heading)

@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <charconv>
 #include <istream>
+#include <limits>
+#include <map>
+#include <new>
 #include <ostream>
 #include <stdexcept>
 
 #include <nlohmann/json.hpp>
 
-#include "Console/SettingsFields.h"
+#include "Console/Evaluation.h"
+#include "Console/SettingsTexts.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
@@ -30,6 +34,102 @@ class LineError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// Reads a line as it comes.  A tree of the values isn't made: to end one takes memory, and a
+// program ends that has none.
+class LineHandler final : public json::json_sax_t {
+public:
+    using Members = std::map<std::string, json>;
+
+    // The members of the line, and of the object "settings" in it.  Of arrays and objects nothing
+    // is kept but what they are; of several members of one name the last counts.
+    Members members;
+    Members settings;
+    // The value of "id", as it is given back.
+    std::string id = "null";
+
+    bool null() override { return scalar(json(), "null"); }
+    bool boolean(bool value) override { return scalar(value, value ? "true" : "false"); }
+    bool number_integer(number_integer_t value) override {
+        return scalar(value, std::to_string(value));
+    }
+    bool number_unsigned(number_unsigned_t value) override {
+        return scalar(value, std::to_string(value));
+    }
+    bool number_float(number_float_t value, string_t const & written) override {
+        return scalar(value, written);
+    }
+    bool string(string_t & value) override {
+        json const text(value);
+        return scalar(text, isInId() ? text.dump() : std::string());
+    }
+    bool binary(binary_t &) override { return false; } // there is none in a text
+    bool start_object(std::size_t) override { return start(json::object(), '{'); }
+    bool end_object() override { return end('}'); }
+    bool start_array(std::size_t) override { return start(json::array(), '['); }
+    bool end_array() override { return end(']'); }
+
+    bool key(string_t & name) override {
+        if (isInId()) write(json(name).dump() + ':');
+        m_bFirst = true;
+        if (m_depth == 1) {
+            m_member = name;
+            if (name == "id") id.clear();
+            if (name == "settings") settings.clear();
+        } else if (m_depth == 2) {
+            m_setting = name;
+        }
+        return true;
+    }
+
+    bool parse_error(std::size_t, std::string const &, json::exception const & error) override {
+        throw LineError(error.what());
+    }
+
+private:
+    // Whether what comes next belongs to the id.
+    bool isInId() const { return m_depth > 1 ? m_member == "id" : m_depth == 1 && id.empty(); }
+
+    void keep(json const & value) {
+        if (m_depth == 0 && !value.is_object()) throw LineError("a line must be an object");
+        if (m_depth == 1) members[m_member] = value;
+        if (m_depth == 2 && m_member == "settings") settings[m_setting] = value;
+    }
+
+    void write(std::string_view text) {
+        if (!m_bFirst) id += ',';
+        id += text;
+        m_bFirst = false;
+    }
+
+    bool scalar(json const & value, std::string const & written) {
+        keep(value);
+        if (isInId()) write(written);
+        return true;
+    }
+
+    bool start(json const & value, char bracket) {
+        keep(value);
+        if (isInId()) write(std::string(1, bracket));
+        m_bFirst = true;
+        ++m_depth;
+        return true;
+    }
+
+    bool end(char bracket) {
+        if (isInId()) id += bracket;
+        m_bFirst = false;
+        --m_depth;
+        return true;
+    }
+
+    std::size_t m_depth = 0;
+    std::string m_member;  // of the line, that is read
+    std::string m_setting; // of "settings"
+    bool m_bFirst = true;  // no comma stands before what comes next
+};
+
+using Members = LineHandler::Members;
+
 std::string jsonText(std::wstring_view text) { return json(Text::toUtf8(text)).dump(); }
 
 std::string number(double value) {
@@ -41,8 +141,8 @@ std::string number(double value) {
 
 std::string inQuotesUtf8(std::wstring const & text) { return Text::toUtf8(inQuotes(text)); }
 
-std::wstring textOf(json const & object, char const * key) {
-    json const & value = object.at(key);
+std::wstring textOf(Members const & members, char const * key) {
+    json const & value = members.at(key);
     if (!value.is_string()) throw LineError(std::string("\"") + key + "\" must be a text");
     return Text::fromUtf8(value.get_ref<std::string const &>());
 }
@@ -55,18 +155,19 @@ UnitContext contextOf(std::wstring const & text, char const * key) {
     return *std::move(context);
 }
 
-UnitDisplaySettings settingsOf(json const & object) {
+UnitDisplaySettings settingsOf(LineHandler const & line) {
     UnitDisplaySettings settings = UnitDisplaySettings::standard();
-    auto const given = object.find("settings");
-    if (given == object.end() || given->is_null()) return settings;
-    if (!given->is_object()) throw LineError("\"settings\" must be an object");
-    for (auto const & [name, value] : given->items()) {
-        SettingsField const * const field = findSettingsField(name);
+    auto const given = line.members.find("settings");
+    if (given == line.members.end() || given->second.is_null()) return settings;
+    if (!given->second.is_object()) throw LineError("\"settings\" must be an object");
+    for (auto const & [name, value] : line.settings) {
+        Units::UnitDisplaySettingsField const * const field =
+            Units::findUnitDisplaySettingsField(name);
         if (!field) throw LineError("\"settings\" has no " + inQuotesUtf8(Text::fromUtf8(name)));
-        bool const flag = field->kind == SettingsField::Kind::Flag;
+        bool const flag = field->kind == Units::ESettingsField::Flag;
         if (flag ? !value.is_boolean() : !value.is_number())
             throw LineError("\"" + name + "\" must be " + (flag ? "true or false" : "a number"));
-        std::string const wrong = setSettingsField(
+        std::string const wrong = setSetting(
             *field, settings, flag ? (value.get<bool>() ? 1.0 : 0.0) : value.get<double>());
         if (!wrong.empty()) throw LineError(wrong);
     }
@@ -85,15 +186,17 @@ std::string tokensOf(std::wstring const & text) {
     return answer + ']';
 }
 
-std::string answerObject(json const & object) {
-    if (!object.contains("text")) throw LineError("there is no \"text\"");
-    std::wstring const text = textOf(object, "text");
+std::string answerMembers(LineHandler const & line) {
+    Members const & members = line.members;
+    if (!members.contains("text")) throw LineError("there is no \"text\"");
+    std::wstring const text = textOf(members, "text");
     UnitContext const context =
-        contextOf(object.contains("context") ? textOf(object, "context") : L"?", "context");
+        contextOf(members.contains("context") ? textOf(members, "context") : L"?", "context");
     UnitContext display = context;
-    if (auto const given = object.find("display"); given != object.end() && !given->is_null())
-        display = contextOf(textOf(object, "display"), "display");
-    UnitDisplaySettings const settings = settingsOf(object);
+    if (auto const given = members.find("display");
+        given != members.end() && !given->second.is_null())
+        display = contextOf(textOf(members, "display"), "display");
+    UnitDisplaySettings const settings = settingsOf(line);
 
     std::string answer = "\"tokens\":" + tokensOf(text);
     Expression const expression(text, context);
@@ -102,6 +205,11 @@ std::string answerObject(json const & object) {
     };
     std::optional<double> const value = expression.value();
     std::optional<Units::ComplexUnit> const units = expression.units();
+    if (value) {
+        std::wstring const why =
+            whyNotShown(units.value_or(Units::ComplexUnit::none()), settings, display);
+        if (!why.empty()) throw LineError(Text::toUtf8(why));
+    }
     add("parsed", expression ? "true" : "false");
     add("result", std::string("\"") + resultName(expression.result().result()) + '"');
     add("position", std::to_string(expression.result().position()));
@@ -117,79 +225,6 @@ std::string answerObject(json const & object) {
     return answer;
 }
 
-// A walk through a line that is known to be sound JSON.
-class RawObject {
-public:
-    explicit RawObject(std::string_view line) : m_line(line) {}
-
-    // The value of a member of the object, as it is written; empty if there is none.  Of several
-    // the last counts.
-    std::string_view member(std::string_view wanted) {
-        std::string_view found;
-        m_at = m_line.find('{') + 1;
-        while (next() == '"') {
-            std::string_view const key = takeString();
-            next(); // the colon
-            ++m_at;
-            next();
-            std::string_view const value = takeValue();
-            if (isKey(key, wanted)) found = value;
-            if (next() == ',') ++m_at;
-        }
-        return found;
-    }
-
-private:
-    static bool isKey(std::string_view typed, std::string_view wanted) {
-        if (typed.find('\\') == typed.npos) return typed.substr(1, typed.size() - 2) == wanted;
-        return json::parse(typed).get_ref<std::string const &>() == wanted;
-    }
-
-    // The next character that isn't blank.
-    char next() {
-        m_at = m_line.find_first_not_of(" \t\r\n", m_at);
-        return m_at < m_line.size() ? m_line[m_at] : '\0';
-    }
-
-    // A text with its quotes.
-    std::string_view takeString() {
-        std::size_t const start = m_at;
-        for (++m_at; m_line[m_at] != '"'; ++m_at)
-            if (m_line[m_at] == '\\') ++m_at;
-        ++m_at;
-        return m_line.substr(start, m_at - start);
-    }
-
-    std::string_view takeValue() {
-        std::size_t const start = m_at;
-        std::size_t depth = 0;
-        do {
-            switch (m_line[m_at]) {
-            case '"':
-                takeString();
-                continue;
-            case '{':
-            case '[':
-                ++depth;
-                break;
-            case '}':
-            case ']':
-                --depth;
-                break;
-            default:
-                if (depth > 0) break;
-                m_at = std::min(m_line.find_first_of(",}] \t\r\n", m_at), m_line.size());
-                continue;
-            }
-            ++m_at;
-        } while (depth > 0);
-        return m_line.substr(start, m_at - start);
-    }
-
-    std::string_view const m_line;
-    std::size_t m_at = 0;
-};
-
 BatchAnswer errorAnswer(std::string const & id, std::string_view what) {
     constexpr std::size_t c_longestMessage = 300;
     // The JSON library begins its messages with a number in square brackets.
@@ -197,6 +232,37 @@ BatchAnswer errorAnswer(std::string const & id, std::string_view what) {
     // What it couldn't read needn't be UTF-8, nor short.
     std::wstring const message = clipped(Text::fromUtf8(what), c_longestMessage);
     return {"{\"id\":" + id + ",\"error\":" + jsonText(message) + '}', false};
+}
+
+BatchAnswer outOfMemory(std::string const & id) {
+    constexpr std::string_view c_what = "memory ran out";
+    try {
+        return errorAnswer(id, c_what);
+    } catch (std::bad_alloc const &) {
+        return errorAnswer("null", c_what); // an id may be long
+    }
+}
+
+enum class ERead { Line, TooLong, End };
+
+// Reads a line; of one that memory doesn't hold nothing is left.
+ERead readLine(std::istream & in, std::string & line) {
+    std::ios::iostate const before = in.exceptions();
+    ERead read = ERead::End;
+    try {
+        in.exceptions(std::ios::badbit); // else the stream keeps to itself what went wrong
+        if (std::getline(in, line)) read = ERead::Line;
+    } catch (std::bad_alloc const &) {
+        std::string().swap(line);
+        in.exceptions(std::ios::goodbit);
+        in.clear();
+        in.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+        read = ERead::TooLong;
+    } catch (std::ios::failure const &) {
+        // The stream is bad.
+    }
+    in.exceptions(before);
+    return read;
 }
 
 } // namespace
@@ -224,16 +290,18 @@ char const * resultName(EResult result) {
 }
 
 BatchAnswer answerBatchLine(std::string const & line) {
-    std::string id = "null";
+    std::string id = "null"; // as long as the line isn't read to its end
     try {
-        json const object = json::parse(line);
-        if (!object.is_object()) throw LineError("a line must be an object");
-        if (std::string_view const given = RawObject(line).member("id"); !given.empty()) id = given;
-        return {"{\"id\":" + id + ',' + answerObject(object) + '}', true};
-    } catch (json::exception const & error) {
-        return errorAnswer(id, error.what());
-    } catch (LineError const & error) {
-        return errorAnswer(id, error.what());
+        try {
+            LineHandler handler;
+            json::sax_parse(line, &handler);
+            id = std::move(handler.id);
+            return {"{\"id\":" + id + ',' + answerMembers(handler) + '}', true};
+        } catch (LineError const & error) {
+            return errorAnswer(id, error.what());
+        }
+    } catch (std::bad_alloc const &) {
+        return outOfMemory(id);
     }
 }
 
@@ -242,11 +310,14 @@ BatchOutcome runBatch(std::istream & in, std::ostream & out,
     constexpr std::size_t c_linesBetweenReports = 1000;
     BatchOutcome outcome;
     std::string line;
-    while (out && std::getline(in, line)) {
+    while (out) {
+        ERead const read = readLine(in, line);
+        if (read == ERead::End) break;
         ++outcome.lines;
         if (progress && outcome.lines % c_linesBetweenReports == 0) progress(outcome.lines);
-        if (line.find_first_not_of(" \t\r") == std::string::npos) continue;
-        BatchAnswer const answer = answerBatchLine(line);
+        bool const isRead = read == ERead::Line;
+        if (isRead && line.find_first_not_of(" \t\r") == std::string::npos) continue;
+        BatchAnswer const answer = isRead ? answerBatchLine(line) : outOfMemory("null");
         if (!answer.understood) ++outcome.badLines;
         out << answer.text << '\n';
         // A reader at the other end of a pipe waits for its answer.

@@ -2,17 +2,17 @@
 //
 // Each line of the input is an object:
 //
-//   id        any value, given back as it is
+//   id        any value, given back; texts in it may be written with other escapes
 //   text      the expression
 //   context   "?" expects nothing (and so does a missing one), "" expects a unitless result, any
 //             other text is a unit such as "m / (s s)"
-//   display   null, or the unit in which the value is formatted instead
+//   display   null, or the unit in which the value is formatted instead, of the same dimension
 //   settings  an object with any of the sixteen display settings; what is missing is standard
 //
 // Each line of the output answers one line, in order: id, tokens, parsed, result, position,
 // message, evaluated, value, units, formatted, rebuilt, formattedValueOnly, formattedUnitOnly,
-// rebuiltValueOnly; or id and error, where the line can't be understood.  Blank lines are skipped.
-// All text is UTF-8.
+// rebuiltValueOnly; or id and error, where the line can't be understood, the value can't be shown
+// in the unit of display, or memory runs out.  Blank lines are skipped.  All text is UTF-8.
 
 #ifndef VN_CONSOLE_COMMANDLINE_BATCH_H
 #define VN_CONSOLE_COMMANDLINE_BATCH_H

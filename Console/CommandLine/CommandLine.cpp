@@ -56,17 +56,8 @@ Each is answered by one line, in order. A line that can't be understood is
 answered by its id and an error; the exit status is then 1.
 )";
 
-constexpr char c_documentCommands[] = R"(Commands:
-  tree [PATH]                     the entities; the one command if there is none
-  make [PARENT]                   a group in a group
-  add PARENT [COUNT]              entities in a group
-  move PATH before|after PATH     beside another; or into PATH: to the end of a group
-  remove PATH                     takes an entity out of its group
-  delete PATH                     a group with everything below it
-  undo, redo, history             of the changes of this call
-  check                           looks for damage in the file; status 1 if there is any
-  new                             as --new; new /Force replaces a file
-A path is 0/2, Groups/CmnData[0]/CmnData[2], or '#12' by the id of the entity;
+constexpr char c_documentPaths[] =
+    R"(A path is 0/2, Groups/CmnData[0]/CmnData[2], or '#12' by the id of the entity;
 "." is the root group. The document is saved after the last command; if one
 fails, nothing is saved.
 )";
@@ -190,7 +181,7 @@ private:
         m_document->add_flag("--new", m_new, "Makes the file, which must not be there");
         m_document->add_flag("--json", m_json,
                              "The tree as one JSON object a line, and nothing else");
-        m_document->footer(c_documentCommands);
+        m_document->footer([] { return documentCallsText() + c_documentPaths; });
     }
 
     void addSelfTest() {

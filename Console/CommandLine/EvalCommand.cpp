@@ -7,13 +7,14 @@
 #include "Console/CommandLine/Batch.h"
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Evaluation.h"
-#include "Console/Failure.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
 
 namespace Vn::Console {
 
 using Expressions::Expression;
+using Expressions::FailureExplanation;
 using Json = nlohmann::ordered_json;
 using Units::UnitContext;
 using Units::UnitDisplaySettings;
@@ -22,7 +23,7 @@ namespace {
 
 Json jsonText(std::wstring_view text) { return Text::toUtf8(text); }
 
-void showJson(Evaluation const & e, Json & object) {
+void showJson(Evaluation const & e, Expression const & expression, Json & object) {
     object["parsed"] = true;
     object["evaluated"] = e.value.has_value();
     object["formatted"] = jsonText(e.formatted);
@@ -31,15 +32,18 @@ void showJson(Evaluation const & e, Json & object) {
     object["units"] = jsonText(e.units);
     object["rebuilt"] = jsonText(e.rebuilt);
     object["rebuiltReadsBack"] = e.readsBack;
-    object["textToStore"] = jsonText(e.store);
+    object["textToStore"] = jsonText(textToStore(e, expression));
     if (!e.error.empty()) object["error"] = jsonText(e.error);
 }
 
-void showJson(Expression const & expression, Failure const & failure, Json & object) {
+void showJson(Expression const & expression, FailureExplanation const & failure, Json & object) {
     object["parsed"] = false;
     object["result"] = resultName(expression.result().result());
     object["position"] = failure.position;
-    object["error"] = jsonText(failure.message);
+    object["reason"] = failureName(failure.reason);
+    object["start"] = failure.start;
+    object["end"] = failure.end;
+    object["error"] = jsonText(failure.outcome);
     object["explanation"] = jsonText(failure.explanation);
     Json suggestions = Json::array();
     for (std::wstring const & suggestion : failure.suggestions)
@@ -55,7 +59,7 @@ bool evaluateAsJson(Expression const & expression, UnitDisplaySettings const & s
     bool good = false;
     if (expression) {
         Evaluation const e = evaluate(expression, settings, display);
-        showJson(e, object);
+        showJson(e, expression, object);
         good = e.error.empty();
     } else {
         showJson(expression, explainFailure(expression), object);

@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <filesystem>
 #include <ostream>
+#include <string>
+#include <vector>
 
 #include "Console/CommandLine/ExitStatus.h"
-#include "Console/Documents/Place.h"
+#include "Console/Documents/CommandTable.h"
+#include "Console/Documents/Interruption.h"
 #include "Console/Documents/Session.h"
-#include "Console/Documents/Tree.h"
-#include "Console/Spelling.h"
+#include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
+#include "Platform/Base/Spelling.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
 
@@ -17,32 +20,65 @@ namespace Vn::Console {
 
 namespace {
 
-constexpr wchar_t const * c_areas[] = {L"Document", L"Groups"};
-
 // One command: as it was typed, and as it is understood.
 struct Call {
     std::vector<std::wstring> words;
-    TextCommand * command = nullptr;
+    DocumentCommand const * command = nullptr;
     std::vector<std::wstring> parameters = {};
     std::vector<std::wstring> flags = {};
+    std::vector<std::size_t> quoted = {}; // which of the words stood in quotes
 
-    bool is(std::wstring_view name) const { return command->name() == name; }
-    bool changes() const { return !is(L"Tree") && !is(L"History") && !is(L"Check"); }
+    bool is(EDocumentCall kind) const { return command->call == kind; }
+    bool changes() const { return is(EDocumentCall::Changes) || is(EDocumentCall::Begins); }
 };
+
+bool endsWord(wchar_t c) noexcept { return c == L',' || Text::isSpace(static_cast<char32_t>(c)); }
+
+// Reads a word in double quotes, as text commands have them: the quote that closes stands before a
+// blank, a comma or the end, and \" is one that doesn't.  False, and nothing read, if none closes.
+bool readQuoted(std::wstring_view & text, std::wstring & word) {
+    if (!text.starts_with(L'"')) return false;
+    word.clear();
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        bool const isLast = i + 1 == text.size();
+        if (text[i] == L'\\' && !isLast && text[i + 1] == L'"')
+            word += text[++i];
+        else if (text[i] == L'"' && (isLast || endsWord(text[i + 1]))) {
+            text.remove_prefix(i + 1);
+            return true;
+        } else
+            word += text[i];
+    }
+    return false;
+}
+
+// Reads up to a blank or a comma that stands outside of square brackets.  A bracket that isn't
+// closed encloses nothing.
+std::wstring readPlain(std::wstring_view & text) {
+    bool const isClosed =
+        std::count(text.begin(), text.end(), L'[') <= std::count(text.begin(), text.end(), L']');
+    std::size_t end = 0;
+    for (std::size_t depth = 0; end < text.size() && (depth > 0 || !endsWord(text[end])); ++end)
+        if (text[end] == L'[' && isClosed)
+            ++depth;
+        else if (text[end] == L']' && depth > 0)
+            --depth;
+    std::wstring word(text.substr(0, end));
+    text.remove_prefix(end);
+    return word;
+}
 
 // Takes an argument apart, which may hold several words, and commas.
 void addWords(std::wstring_view argument, std::vector<Call> & calls) {
     while (!(argument = trimmed(argument)).empty()) {
-        std::size_t end = 0;
-        while (end < argument.size() && argument[end] != L',' &&
-               !Text::isSpace(static_cast<char32_t>(argument[end])))
-            ++end;
-        std::wstring const word(argument.substr(0, end));
-        if (word == L"then")
+        std::wstring word;
+        if (readQuoted(argument, word)) {
+            calls.back().quoted.push_back(calls.back().words.size());
+            calls.back().words.push_back(word);
+        } else if (word = readPlain(argument); word == L"then")
             calls.emplace_back();
         else if (!word.empty())
             calls.back().words.push_back(word);
-        argument.remove_prefix(end);
         if (argument.starts_with(L',')) {
             calls.emplace_back();
             argument.remove_prefix(1);
@@ -57,43 +93,28 @@ std::vector<Call> takeApart(std::vector<std::wstring> const & words) {
     return calls;
 }
 
-// The command by its alias, or by its full name.
-TextCommand * findCommand(std::wstring const & word) {
-    TextCommandService const & service = TextCommandService::get();
-    std::size_t const stop = word.find(L'.');
-    TextCommand * const command = stop == word.npos
-                                      ? service.find({}, word)
-                                      : service.find(std::wstring_view(word).substr(0, stop),
-                                                     std::wstring_view(word).substr(stop + 1));
-    if (!command) return nullptr;
-    bool const known =
-        std::any_of(std::begin(c_areas), std::end(c_areas),
-                    [&](std::wstring_view area) { return command->subjectArea() == area; });
-    return known ? command : nullptr;
+// The aliases of the commands that a call may hold and that are `wanted`.
+std::wstring aliases(wchar_t const * separator, bool (*wanted)(DocumentCommand const &)) {
+    std::wstring all;
+    for (DocumentCommand const & command : documentCommands())
+        if (command.call != EDocumentCall::None && wanted(command))
+            all += (all.empty() ? L"" : separator) + Text::widen(command.alias);
+    return all;
 }
 
-bool belongsToSession(TextCommand const & command) {
-    return command.name() == L"Open" || command.name() == L"Save" || command.name() == L"SaveAs";
+bool takesJson(DocumentCommand const & command) {
+    return command.flag && std::wstring_view(command.flag) == L"Json";
 }
 
 int unknown(std::wstring const & word, std::ostream & err) {
-    std::wstring all;
-    std::wstring nearest;
-    std::size_t least = allowedMistakes(word.size()) + 1;
-    for (wchar_t const * const area : c_areas) {
-        for (TextCommand const * const command : TextCommandService::get().commands(area)) {
-            if (belongsToSession(*command)) continue;
-            std::wstring const name = Text::widen(command->alias());
-            all += (all.empty() ? L" " : L", ") + name;
-            std::size_t const count = word.size() > 2 * name.size() ? least : mistakes(word, name);
-            if (count >= least) continue;
-            least = count;
-            nearest = name;
-        }
-    }
+    std::vector<std::wstring> names;
+    for (DocumentCommand const & command : documentCommands())
+        if (command.call != EDocumentCall::None) names.push_back(Text::widen(command.alias));
+    auto const nearest = Spelling::nearest(word, names, Spelling::allowedMistakes(word.size()));
     err << "vnconsole: there is no command " << Text::toUtf8(inQuotes(word)) << " on documents; "
-        << Text::toUtf8(nearest.empty() ? L"the commands are" + all
-                                        : L"did you mean " + nearest + L"?")
+        << Text::toUtf8(nearest.empty() ? L"the commands are " +
+                                              aliases(L", ", [](auto const &) { return true; })
+                                        : L"did you mean " + *nearest.front() + L"?")
         << '\n';
     return ExitBadUsage;
 }
@@ -106,9 +127,9 @@ int badUsage(std::string const & message, std::ostream & err) {
 // Finds the commands, and looks whether they go together; nothing is done yet.
 int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ostream & err) {
     for (Call & call : calls) {
-        call.command = findCommand(call.words.front());
+        call.command = findDocumentCommand(call.words.front());
         if (!call.command) return unknown(call.words.front(), err);
-        if (belongsToSession(*call.command)) {
+        if (call.is(EDocumentCall::None)) {
             return badUsage(Text::toUtf8(call.words.front()) +
                                 " belongs to a session; here the file is opened first and saved "
                                 "after the last command",
@@ -116,19 +137,26 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
         }
         for (std::size_t i = 1; i < call.words.size(); ++i) {
             std::wstring const & word = call.words[i];
-            if (word.front() == L'/')
+            bool const isQuoted =
+                std::find(call.quoted.begin(), call.quoted.end(), i) != call.quoted.end();
+            if (!isQuoted && word.front() == L'/')
                 call.flags.push_back(word.substr(1));
             else
                 call.parameters.push_back(word);
         }
-        if (call.is(L"New") && &call != &calls.front())
-            return badUsage("new stands in front of all other commands", err);
-        if (call.is(L"Check") && (calls.size() > 1 || call.words.size() > 1 || options.isNew))
-            return badUsage("check stands alone, and looks at the file", err);
+        std::string const name = call.command->alias;
+        if (call.is(EDocumentCall::Begins) && &call != &calls.front())
+            return badUsage(name + " stands in front of all other commands", err);
+        bool const isAlone = calls.size() == 1 && call.words.size() == 1 && !options.isNew;
+        if (call.is(EDocumentCall::Alone) && !isAlone)
+            return badUsage(name + " stands alone, and looks at the file", err);
     }
-    bool const hasTree =
-        std::any_of(calls.begin(), calls.end(), [](Call const & call) { return call.is(L"Tree"); });
-    if (options.json && !hasTree) return badUsage("--json goes with the command tree", err);
+    bool const showsJson = std::any_of(calls.begin(), calls.end(),
+                                       [](Call const & call) { return takesJson(*call.command); });
+    if (options.json && !showsJson) {
+        return badUsage(
+            "--json goes with the command " + Text::toUtf8(aliases(L" or ", &takesJson)), err);
+    }
     return ExitGood;
 }
 
@@ -138,50 +166,44 @@ bool isThere(std::filesystem::path const & file) {
     return std::filesystem::exists(std::filesystem::symlink_status(file, ignored));
 }
 
+// Whether the system doesn't tell, which opening the file then does.
+bool isUnseen(std::filesystem::path const & file) {
+    std::error_code ignored;
+    return !std::filesystem::status_known(std::filesystem::symlink_status(file, ignored));
+}
+
 // Opens the file, or looks whether a new one may take its name.
 int begin(std::filesystem::path const & file, Call const & first, DocumentSession & session,
           std::ostream & err) {
-    if (first.is(L"New")) {
+    if (first.is(EDocumentCall::Begins)) {
         if (!first.flags.empty() || !isThere(file)) return ExitGood;
         err << "cannot make a new document: " << Text::toUtf8(shown(file))
             << " is there already; the command new /Force replaces it\n";
         return ExitBadInput;
     }
-    if (!isThere(file)) {
+    if (!isThere(file) && !isUnseen(file)) {
         err << "cannot open the document: there is no " << Text::toUtf8(shown(file))
             << "; --new makes it\n";
         return ExitBadInput;
     }
     if (Status const status = session.open(file); !status) {
         err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
-        return ExitBadInput;
+        return status.code() == StatusCancelled ? ExitInterrupted : ExitBadInput;
     }
     return ExitGood;
 }
 
-// The tree is written as it is walked, since it may be long; the answers of the others are short.
-int run(Call const & call, bool json, DocumentSession & session, std::ostream & out,
-        std::ostream & err) {
-    TextCommandResult result;
-    if (call.is(L"Tree") && call.parameters.size() <= 1 && call.flags.empty()) {
-        DocumentPlace place;
-        if (call.parameters.empty()) {
-            writeTree(session, json, out);
-            return ExitGood;
-        }
-        std::wstring const why = findPlace(session, call.parameters.front(), place);
-        if (why.empty()) {
-            writeTree(place, json, out);
-            return ExitGood;
-        }
-        result = {ExitBadInput, L"cannot show the tree: " + why};
-    } else {
-        result = call.command->run(TextCommandParameters(call.parameters, call.flags));
-    }
+// A long answer was written already.
+int run(Call const & call, bool json, std::ostream & out, std::ostream & err) {
+    DocumentCommand const & row = *call.command;
+    std::vector<std::wstring> flags = call.flags;
+    if (json && takesJson(row)) flags.push_back(row.flag);
+    TextCommand * const command = TextCommandService::get().find(row.area, row.name);
+    TextCommandResult const result = command->run(TextCommandParameters(call.parameters, flags));
     out.flush();
     if (result.status != 0)
         err << Text::toUtf8(result.text) << '\n';
-    else if (!json || call.is(L"Tree"))
+    else if (!result.text.empty() && (!json || takesJson(row)))
         out << Text::toUtf8(result.text) << '\n';
     return result.status;
 }
@@ -205,29 +227,45 @@ int save(std::filesystem::path const & file, bool isNew, bool json, DocumentSess
 
 } // namespace
 
+std::string documentCallsText() {
+    Table table;
+    for (DocumentCommand const & command : documentCommands()) {
+        if (command.call == EDocumentCall::None) continue;
+        std::wstring const usage =
+            *command.callUsage ? L' ' + std::wstring(command.callUsage) : L"";
+        table.add({Text::widen(command.alias) + usage, command.callMeaning});
+    }
+    return "Commands:\n" + table.toUtf8("  ");
+}
+
 int runDocument(DocumentOptions const & options, DocumentSession & session, std::ostream & out,
                 std::ostream & err) {
+    OS::NotedInterruptions const noted; // a save comes to its end
     std::vector<Call> calls = takeApart(options.words);
     if (calls.empty() && !options.isNew) calls.push_back({{L"tree"}});
-    bool const saysNew =
-        !calls.empty() && findCommand(calls.front().words.front()) == findCommand(L"new");
+    bool const saysNew = !calls.empty() && findDocumentCommand(calls.front().words.front()) ==
+                                               findDocumentCommand(L"new");
     if (options.isNew && !saysNew) calls.insert(calls.begin(), {{L"new"}});
     if (int const status = prepare(options, calls, err); status != ExitGood) return status;
     if (options.file.empty()) return badUsage("the name of the file is empty", err);
 
     Call const & first = calls.front();
     std::filesystem::path const file = pathOf(options.file);
-    if (first.is(L"Check"))
-        return run({first.words, first.command, {options.file}}, false, session, out, err);
+    if (first.is(EDocumentCall::Alone))
+        return run({first.words, first.command, {options.file}}, false, out, err);
     if (int const status = begin(file, first, session, err); status != ExitGood) return status;
     for (Call const & call : calls) {
-        int const status = run(call, options.json, session, out, err);
+        int const status = run(call, options.json, out, err);
         if (status == ExitGood) continue;
         if (std::any_of(calls.begin(), calls.end(), [](Call const & c) { return c.changes(); }))
             err << "nothing was saved\n";
         return status;
     }
-    return save(file, first.is(L"New"), options.json, session, out, err);
+    if (OS::wasInterrupted()) {
+        err << "interrupted: nothing was saved\n";
+        return ExitInterrupted;
+    }
+    return save(file, first.is(EDocumentCall::Begins), options.json, session, out, err);
 }
 
 } // namespace Vn::Console

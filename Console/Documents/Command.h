@@ -20,6 +20,9 @@ struct DocumentOptions {
     bool json = false;  // the tree is written as JSON, and nothing else is
 };
 
+// The commands that a call may hold, a line for each.
+std::string documentCallsText();
+
 // Runs text commands of the areas "Document" and "Groups" on a file, which is saved after the last
 // if all were good and the document changed.  If one fails, those after it aren't run and nothing
 // is saved.  The commands must be there, and work on `session`.

@@ -6,24 +6,20 @@
 
 #include "Console/Documents/Session.h"
 #include "Console/Texts.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/Segment.h"
-#include "Server/CommonData/Managed/Ancestors.h"
-#include "Server/CommonData/Managed/ManagedEntity.h"
 #include "Server/CommonData/Managed/ManagedEntityUtils.h"
 
 namespace Vn::Console {
 
-using Managed::AncestorWalk;
-using Managed::ManagedEntity;
+using Managed::EPathFault;
 using Managed::ManagedGroupEntity;
-using Managed::ManagedEntityUtils::parentOf;
+using Managed::siblingIndex;
+using Managed::ManagedEntityUtils::c_childName;
 
 namespace {
-
-constexpr wchar_t c_child[] = L"CmnData";
 
 bool isNumber(std::wstring_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](wchar_t c) {
@@ -31,19 +27,11 @@ bool isNumber(std::wstring_view text) {
     });
 }
 
-// The place among siblings that a name of a path tells; -1 if it isn't such a name.
-int indexOf(Onk const & onk) {
-    if (onk.strName() == c_child) return onk.repAsInt();
-    Onk number;
-    if (onk.rep().empty()) number.rep(onk.strName());
-    return number.repAsInt();
-}
-
 std::wstring rootPath(std::wstring key) { return Onk(std::move(key)).toString(); }
 
 std::wstring noChild(ManagedGroupEntity const & group, std::wstring const & path, Onk const & onk) {
     std::wstring const here = shownPath(path);
-    if (indexOf(onk) < 0 && !isNumber(onk.strName()) && onk.strName() != c_child) {
+    if (siblingIndex(onk) < 0 && !isNumber(onk.strName()) && onk.strName() != c_childName) {
         return inQuotes(onk.toString()) + L" isn't a child of " + here +
                L": children are called 0 or CmnData[0], 1 or CmnData[1], and so on";
     }
@@ -78,9 +66,7 @@ std::wstring findById(DocumentSession const & session, std::wstring const & text
     if (!entity) return L"no entity has the id " + text;
     std::wstring path = entityPath(*entity);
     if (path.empty()) return text + L" isn't part of the tree";
-    auto const * const managed = query<ManagedEntity>(entity.get());
-    bool const isRoot = entity->segment()->rootKey(entity.get()) != nullptr;
-    place = {entity, isRoot || !managed ? nullptr : managed->managedParent(), std::move(path)};
+    place = {Managed::placeOf(entity), std::move(path)};
     return {};
 }
 
@@ -88,7 +74,7 @@ std::wstring findById(DocumentSession const & session, std::wstring const & text
 
 void appendChild(std::wstring & path, std::size_t index) {
     path += L'/';
-    path += c_child;
+    path += c_childName;
     path += L'[';
     path += std::to_wstring(index);
     path += L']';
@@ -107,33 +93,7 @@ std::wstring shownPath(std::wstring const & path) {
 }
 
 std::wstring entityPath(Entity const & entity) {
-    if (!entity.segment()) return {};
-    std::vector<int> places; // among their siblings, from below
-    Onk onk;
-    std::string const * key = nullptr;
-    AncestorWalk walk{StrongRef<Entity>(const_cast<Entity *>(&entity))};
-    for (; walk; walk.goTo(parentOf(*walk))) {
-        key = entity.segment()->rootKey(&*walk);
-        if (key) break;
-        auto const * const managed = query<ManagedEntity>(&*walk);
-        if (!managed) return {};
-        onk.rep(std::wstring());
-        managed->getOnk(onk);
-        if (onk.repAsInt() < 0) return {};
-        places.push_back(onk.repAsInt());
-    }
-    if (!key) return {}; // a damaged document may have parents that lead in a circle
-    std::wstring path = rootPath(Text::fromUtf8(*key));
-    for (auto place = places.rbegin(); place != places.rend(); ++place)
-        appendChild(path, static_cast<std::size_t>(*place));
-    return path;
-}
-
-bool isWithin(Entity const & entity, Entity const & above) {
-    if (&entity == &above) return true;
-    AncestorWalk walk(parentOf(entity));
-    while (walk && !(walk.at() == &above)) walk.goTo(parentOf(*walk));
-    return static_cast<bool>(walk);
+    return Managed::ManagedEntityUtils::objectPath(entity).toString();
 }
 
 std::wstring findPlace(DocumentSession const & session, std::wstring const & text,
@@ -146,32 +106,28 @@ std::wstring findPlace(DocumentSession const & session, std::wstring const & tex
                                 L"id of the entity";
     }
     // A number in front counts the children of the root group.
-    Onk first(Text::widen(DocumentSession::c_rootKey));
-    bool isShort = true;
-    if (!path.empty()) {
-        Onk const & front = path.onks().front();
-        isShort = isNumber(front.strName()) && front.rep().empty();
-        if (!isShort) first = front;
-    }
-    StrongRef<Entity> root;
-    if (first.rep().empty()) root = session.design().rootEntity(Text::toUtf8(first.strName()));
-    if (!root) return noRoot(session, first);
+    std::vector<Onk> onks = path.onks();
+    if (onks.empty() || (isNumber(onks.front().strName()) && onks.front().rep().empty()))
+        onks.insert(onks.begin(), Onk(Text::widen(DocumentSession::c_rootKey)));
+    Managed::PathEnd const end =
+        Managed::followPath(session.design(), ObjectPath(&session.design(), onks));
+    if (end.fault == EPathFault::NoRoot) return noRoot(session, onks.front());
 
-    DocumentPlace found{root, nullptr, rootPath(first.strName())};
-    for (std::size_t i = isShort ? 0 : 1; i < path.onks().size(); ++i) {
-        Onk const & onk = path.onks()[i];
-        auto * const group = query<ManagedGroupEntity>(found.entity.get());
-        if (!group) return shownPath(found.path) + L" isn't a group and has no children";
-        int const index = indexOf(onk);
-        if (index < 0 || static_cast<unsigned>(index) >= group->children())
-            return noChild(*group, found.path, onk);
-        found.group = StrongRef<ManagedGroupEntity>(group);
-        found.entity = group->child(static_cast<unsigned>(index));
-        appendChild(found.path, static_cast<std::size_t>(index));
-        if (!found.entity)
-            return shownPath(found.path) + L" is empty: what stood there wasn't saved";
+    std::wstring found = rootPath(onks.front().strName());
+    for (std::size_t i = 1; i < end.onks; ++i)
+        appendChild(found, static_cast<std::size_t>(siblingIndex(onks[i])));
+    switch (end.fault) {
+    case EPathFault::NotAGroup:
+        return shownPath(found) + L" isn't a group and has no children";
+    case EPathFault::NoChild:
+        return noChild(*query<ManagedGroupEntity>(end.place.entity.get()), found, onks[end.onks]);
+    case EPathFault::EmptyPlace:
+        appendChild(found, static_cast<std::size_t>(siblingIndex(onks[end.onks])));
+        return shownPath(found) + L" is empty: what stood there wasn't saved";
+    default:
+        break;
     }
-    place = std::move(found);
+    place = {end.place, std::move(found)};
     return {};
 }
 

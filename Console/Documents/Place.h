@@ -12,18 +12,16 @@
 #include <cstddef>
 #include <string>
 
-#include "Platform/Base/RefCounted.h"
 #include "Platform/DataModel/Entity.h"
-#include "Server/CommonData/Managed/ManagedGroupEntity.h"
+#include "Server/CommonData/Managed/TreePlace.h"
 
 namespace Vn::Console {
 
 class DocumentSession;
 
-struct DocumentPlace {
-    StrongRef<Entity> entity;
-    StrongRef<Managed::ManagedGroupEntity> group; // that lists the entity; null for a root
-    std::wstring path;                            // the object path
+// A place, and the object path by which it is shown.
+struct DocumentPlace : Managed::TreePlace {
+    std::wstring path;
 };
 
 // Finds the place that a text names in the open document.  The answer is empty, or says why there
@@ -38,9 +36,6 @@ std::wstring childPath(std::wstring path, std::size_t index);
 std::wstring entityPath(Entity const & entity);
 // A path as it is shown: of a long one only the end.
 std::wstring shownPath(std::wstring const & path);
-
-// Whether an entity is `above` or stands below it, by its parents.
-bool isWithin(Entity const & entity, Entity const & above);
 
 // The longest path that is shown in full.
 inline constexpr std::size_t c_longestPath = 1000;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "Console/Documents/Interruption.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/DocumentFile.h"
@@ -16,6 +17,10 @@ StrongRef<CommonData::CommonBaseEntity> makeEntity(StrongRef<Entity> const & par
 
 StrongRef<CommonData::CommonBaseGroupEntity> makeGroup(StrongRef<Entity> const & parent) {
     return CommonData::CommonBaseGroupEntity::make(PassiveRef<Entity>(parent));
+}
+
+StrongRef<Managed::CustomGroups> makeCustomGroups(StrongRef<Entity> const & parent) {
+    return Managed::CustomGroups::make(PassiveRef<Entity>(parent));
 }
 
 StrongRef<CommonData::CommonBaseGroupEntity> makeRootGroup(Segment & segment) {
@@ -86,6 +91,7 @@ void DocumentSession::change(std::wstring_view name, std::function<void()> const
     Transaction transaction(*m_rAsset, name);
     try {
         work();
+        endIfInterrupted();
         transaction.commit();
     } catch (std::bad_alloc const &) {
         reserve.reset();

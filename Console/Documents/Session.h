@@ -16,6 +16,7 @@
 #include "Platform/DataModel/Asset.h"
 #include "Server/CommonData/Managed/CommonBaseEntity.h"
 #include "Server/CommonData/Managed/CommonBaseGroupEntity.h"
+#include "Server/CommonData/Managed/CustomGroups.h"
 
 namespace Vn::Console {
 
@@ -48,7 +49,8 @@ public:
     // nothing.
     std::wstring whatWasKept() const;
 
-    // Does some work on the document as one step of its history; takes it back if it throws.
+    // Does some work on the document as one step of its history; takes it back if it throws, or
+    // throws Interrupted itself if the user wishes to end it.
     void change(std::wstring_view name, std::function<void()> const & work);
 
     // Whether work would be lost if the document went.
@@ -70,9 +72,11 @@ private:
     std::vector<std::filesystem::path> m_kept;
 };
 
-// New entities, which `parent` lists at its end; and a new group without a parent.
+// New entities, which `parent` lists at its end, the last to hold custom groups; and a new group
+// without a parent.
 StrongRef<CommonData::CommonBaseEntity> makeEntity(StrongRef<Entity> const & parent);
 StrongRef<CommonData::CommonBaseGroupEntity> makeGroup(StrongRef<Entity> const & parent);
+StrongRef<Managed::CustomGroups> makeCustomGroups(StrongRef<Entity> const & parent);
 StrongRef<CommonData::CommonBaseGroupEntity> makeRootGroup(Segment & segment);
 
 // A path as it is shown, and the path that a text names.

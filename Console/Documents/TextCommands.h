@@ -5,7 +5,6 @@
 
 #include <iosfwd>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "Platform/Base/TextCommand.h"
@@ -13,30 +12,6 @@
 namespace Vn::Console {
 
 class DocumentSession;
-
-// How a text command on documents is called, and what it does.
-struct DocumentTextCommand {
-    wchar_t const * name;
-    char const * alias;
-    wchar_t const * usage; // what stands after the name
-    wchar_t const * meaning;
-    wchar_t const * purpose; // after "cannot"
-    unsigned least;          // the number of parameters
-    unsigned most;
-    wchar_t const * flag; // the one that it knows; null if it knows none
-    bool needsDocument;
-    TextCommandResult (*run)(DocumentSession & session, TextCommandParameters const & parameters);
-    // In place of `run`, for a text that may be long: writes it, unless it answers why it can't.
-    TextCommandResult (*write)(DocumentSession const & session,
-                               TextCommandParameters const & parameters,
-                               std::ostream & out) = nullptr;
-};
-
-// "cannot ...: ...".
-TextCommandResult cannot(std::wstring const & what, std::wstring const & reason);
-
-// The commands of the area "Groups".
-std::vector<DocumentTextCommand> groupTextCommands();
 
 // The commands, which are there as long as this object is and work on the document of `session`,
 // which must live as long.
@@ -50,10 +25,6 @@ public:
     DocumentTextCommands & operator=(DocumentTextCommands const &) = delete;
 
 private:
-    void add(wchar_t const * area, wchar_t const * description,
-             std::vector<DocumentTextCommand> const & commands, DocumentSession & session,
-             std::ostream * out);
-
     std::vector<std::unique_ptr<TextCommandSubjectArea>> m_areas;
     std::vector<std::unique_ptr<TextCommand>> m_commands;
 };

@@ -7,11 +7,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Console/Documents/Interruption.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
 #include "Console/Texts.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/Segment.h"
@@ -30,18 +31,21 @@ public:
     // An entity on the way.
     struct Step {
         Entity const & entity;
-        ManagedGroupEntity const * parent; // that lists it; null for the first of a walk
+        ManagedGroupEntity const * parent; // that lists it; null for a root
         unsigned index;                    // among the children of `parent`
         ManagedGroupEntity const * group;  // the entity itself, if it is one
         bool repeated;                     // a group that was there before, and isn't entered again
         std::wstring const & path;
     };
 
+    // Begins at an entity, which is the child at `place` of `group`, or a root if that is null.
     template <class Visit>
-    void from(Entity const & first, std::wstring const & path, Visit && visit) {
+    void from(Entity const & first, ManagedGroupEntity const * group, unsigned place,
+              std::wstring const & path, Visit && visit) {
         m_path = path;
-        enter(first, nullptr, 0, visit);
+        enter(first, group, place, visit);
         while (!m_open.empty()) {
+            endIfInterrupted();
             Level & level = m_open.back();
             m_path.resize(level.pathLength);
             if (level.next == level.group->children()) {
@@ -84,6 +88,13 @@ std::string className(Entity const & entity) {
     constexpr std::string_view c_end = "MetaType";
     if (name.ends_with(c_end)) name.resize(name.size() - c_end.size());
     return name;
+}
+
+// Which of the children of its group a place is, by the last name of its path; 0 for a root.
+unsigned indexIn(DocumentPlace const & place) {
+    ObjectPath path;
+    if (!place.group || !ObjectPath::fromString(place.path, nullptr, path)) return 0;
+    return static_cast<unsigned>(Managed::siblingIndex(path.onks().back()));
 }
 
 std::string jsonLine(TreeWalk::Step const & step, std::wstring const & text) {
@@ -131,10 +142,11 @@ void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
     session.design().rootEntityIds(keys);
     for (std::string const & key : keys) {
         StrongRef<Entity> const root = session.design().rootEntity(key);
-        walk.from(*root, Onk(Text::fromUtf8(key)).toString(), [&](TreeWalk::Step const & step) {
-            if (!json) seen.insert(&step.entity);
-            writeLine(step, json, out);
-        });
+        walk.from(*root, nullptr, 0, Onk(Text::fromUtf8(key)).toString(),
+                  [&](TreeWalk::Step const & step) {
+                      if (!json) seen.insert(&step.entity);
+                      writeLine(step, json, out);
+                  });
     }
     if (json) return;
     std::size_t const outside = session.asset().entities() - seen.size();
@@ -144,13 +156,14 @@ void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
 }
 
 void writeTree(DocumentPlace const & place, bool json, std::ostream & out) {
-    TreeWalk().from(*place.entity, place.path,
+    TreeWalk().from(*place.entity, place.group.get(), indexIn(place), place.path,
                     [&](TreeWalk::Step const & step) { writeLine(step, json, out); });
 }
 
 std::size_t entitiesBelow(Entity const & entity) {
     std::unordered_set<Entity const *> below;
-    TreeWalk().from(entity, {}, [&](TreeWalk::Step const & step) { below.insert(&step.entity); });
+    TreeWalk().from(entity, nullptr, 0, {},
+                    [&](TreeWalk::Step const & step) { below.insert(&step.entity); });
     return below.size() - 1;
 }
 

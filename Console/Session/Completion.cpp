@@ -2,13 +2,14 @@
 
 #include <algorithm>
 
+#include "Console/Documents/CommandTable.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
-#include "Console/Session/Vocabulary.h"
-#include "Console/SettingsFields.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Tokens.h"
+#include "Server/CommonData/Expressions/Vocabulary.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
 namespace Vn::Console {
 
@@ -60,7 +61,7 @@ Completion choose(Candidates const & all, std::wstring_view begun) {
 
 Candidates settings() {
     Candidates all;
-    for (SettingsField const & field : settingsFields())
+    for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields())
         all.push_back({Text::widen(field.name), L" "});
     return all;
 }
@@ -69,6 +70,8 @@ Candidates topics() {
     Candidates all;
     for (Session::Topic const & topic : Session::topics()) all.push_back({topic.name, L""});
     for (Session::Command const & command : Session::commands()) all.push_back({command.name, L""});
+    for (DocumentCommand const & command : documentCommands())
+        all.push_back({Text::widen(command.alias), L""});
     return all;
 }
 
@@ -82,8 +85,9 @@ Candidates commands() {
 
 Candidates words() {
     Candidates all;
+    using Expressions::Vocabulary;
     for (Vocabulary::Word const & word : Vocabulary::get().words())
-        all.push_back({word.text, word.kind == Vocabulary::Kind::Function ? L"(" : L""});
+        all.push_back({word.text, word.kind == Vocabulary::EKind::Function ? L"(" : L""});
     return all;
 }
 

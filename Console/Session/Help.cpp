@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "Console/Documents/CommandTable.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Terminal/Table.h"
@@ -43,21 +44,6 @@ constexpr Example c_numbers[] = {
     {L"cm", L"a unit alone is one of it"},
 };
 
-constexpr Example c_documents[] = {
-    {L"new", L"a new document, in memory"},
-    {L"make", L"a group in the root group \"Groups\""},
-    {L"make 0", L"a group in that one, which is the first child of the root"},
-    {L"add 0/0 3", L"three entities in that, which is Groups/CmnData[0]/CmnData[0]"},
-    {L"move 0/0/2 before 0/0/0", L"an entity before a sibling; also after it, or into a group"},
-    {L"move #4 into .", L"by the id that the tree shows, to the end of the root group"},
-    {L"tree", L"all entities with their paths and ids"},
-    {L"undo", L"takes the last change back; redo makes it again, history lists all"},
-    {L"remove 0/0/0", L"takes an entity out of its group"},
-    {L"delete 0", L"deletes a group with everything below it"},
-    {L"saveas a.vnd", L"saves the document; save does it again, open opens another"},
-    {L"check a.vnd", L"looks for damage in a file"},
-};
-
 template <std::size_t N>
 void show(Example const (&examples)[N], std::ostream & out) {
     Table table;
@@ -66,10 +52,10 @@ void show(Example const (&examples)[N], std::ostream & out) {
 }
 
 std::wstring functionText(EToken token) {
-    auto const function = static_cast<Expressions::FunctionId>(token - Expressions::e_COS);
     std::wstring text = Tokens::get()->getString(token) + L'(';
     constexpr wchar_t const * c_arguments[] = {L"", L"a", L"a; b"};
-    return text + c_arguments[Expressions::functionArity(function)] + L')';
+    return text + c_arguments[Expressions::functionArity(*Expressions::functionOfToken(token))] +
+           L')';
 }
 
 } // namespace
@@ -93,11 +79,15 @@ Session::Result Session::help(std::wstring const & topic) {
         (this->*each.show)();
         return Result::Good;
     }
-    for (Command const & command : commands()) {
-        if (topic != command.name) continue;
-        Table table;
-        table.add({std::wstring(command.name) + L' ' + command.arguments, command.meaning});
-        m_rOut << table.toUtf8("  ");
+    // A command of the session and one on documents may have the same name.
+    Table named;
+    for (Command const & command : commands())
+        if (topic == command.name)
+            named.add({std::wstring(command.name) + L' ' + command.arguments, command.meaning});
+    if (DocumentCommand const * const command = findDocumentCommand(topic))
+        named.add({Text::widen(command->alias) + L' ' + command->usage, command->meaning});
+    if (std::string const text = named.toUtf8("  "); !text.empty()) {
+        m_rOut << text;
         return Result::Good;
     }
     if (!topic.empty()) return bad(L"there is no help on " + inQuotes(topic));
@@ -122,8 +112,8 @@ void Session::helpOnNumbers() { show(c_numbers, m_rOut); }
 void Session::helpOnFunctions() {
     Table table;
     std::vector<std::wstring> row;
-    for (int token = Expressions::e_COS; token <= Expressions::e_RANDOM; ++token) {
-        row.push_back(functionText(static_cast<EToken>(token)));
+    for (EToken const token : Expressions::c_functionTokens) {
+        row.push_back(functionText(token));
         if (row.size() < 6) continue;
         table.add(std::exchange(row, {}));
     }
@@ -158,8 +148,11 @@ void Session::helpOnPrefixes() {
 }
 
 void Session::helpOnDocuments() {
-    show(c_documents, m_rOut);
-    m_rOut << "These are short for Document.New, Groups.Make and so on.\n";
+    Table table;
+    for (DocumentCommand const & command : documentCommands())
+        for (DocumentExample const & example : command.examples)
+            if (example.line) table.add({example.line, example.meaning});
+    m_rOut << table.toUtf8("  ") << "These are short for Document.New, Groups.Make and so on.\n";
 }
 
 void Session::helpOnCommands() { runTextCommand({}, m_rOut, m_rErr); }

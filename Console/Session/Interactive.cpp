@@ -1,5 +1,6 @@
 #include "Console/Session/Interactive.h"
 
+#include <optional>
 #include <ostream>
 
 #include "Console/CommandLine/ExitStatus.h"
@@ -8,6 +9,7 @@
 #include "Console/Session/Session.h"
 #include "Console/Terminal/LineReader.h"
 #include "Console/Terminal/Terminal.h"
+#include "Platform/Base/OS.h"
 #include "Platform/Base/Text.h"
 
 namespace Vn::Console {
@@ -24,19 +26,38 @@ std::unique_ptr<LineReader> makeEditor() {
 int runInteractive(DocumentSession const & document, std::istream & in, std::ostream & out,
                    std::ostream & err) {
     std::unique_ptr<LineReader> reader = makeEditor();
-    bool const somebodyTypes = reader != nullptr;
-    if (somebodyTypes)
+    bool const isTyped = reader != nullptr;
+    if (isTyped)
         out << "Type an expression, such as 1 in + 1 cm; help tells more, quit ends.\n";
     else
         reader = std::make_unique<StreamLineReader>(in);
     Session session(out, err);
     bool good = true;
-    bool warned = false; // of what would be lost, by the line before
+    int status = ExitBadInput; // unless all was good
+    bool warned = false;       // of what would be lost, by the line before
+    // Where lines are typed, Ctrl-C never ends the session.
+    std::optional<OS::NotedInterruptions> noted;
+    if (isTyped) noted.emplace();
     while (out.flush()) {
+        OS::forgetInterruption(); // what comes from now on is meant for the next line
         std::optional<std::string> const line = reader->read(session.prompt());
         // The prompt is left standing by the end of the input.
-        if (!line && somebodyTypes) out << '\n' << std::flush;
-        Session::Result const result = line ? session.execute(*line) : Session::Result::Quit;
+        if (!line && isTyped) out << '\n' << std::flush;
+        bool interrupted = false;
+        Session::Result result = Session::Result::Quit;
+        if (line) {
+            OS::NotedInterruptions const during;
+            result = session.execute(*line);
+            interrupted = OS::wasInterrupted();
+        }
+        // Elsewhere it ends the command, and the lines after it aren't read.
+        if (interrupted && !isTyped) {
+            out.flush();
+            err << "interrupted: the lines that follow aren't run\n" << std::flush;
+            status = ExitInterrupted;
+            good = false;
+            result = Session::Result::Quit;
+        }
         good &= result != Session::Result::Bad;
         if (result != Session::Result::Quit) {
             warned = false;
@@ -44,16 +65,16 @@ int runInteractive(DocumentSession const & document, std::istream & in, std::ost
         }
         if (!document.hasUnsavedChanges() || warned) break;
         err << Text::toUtf8(document.unsavedChanges())
-            << (somebodyTypes ? "; Document.Save keeps it, quitting once more doesn't\n"
-                              : "; what isn't saved is lost\n")
+            << (isTyped ? "; Document.Save keeps it, quitting once more doesn't\n"
+                        : "; what isn't saved is lost\n")
             << std::flush;
         warned = true;
-        if (!somebodyTypes) {
+        if (!isTyped) {
             good = false;
             break;
         }
     }
-    return good || somebodyTypes ? ExitGood : ExitBadInput;
+    return good || isTyped ? ExitGood : status;
 }
 
 } // namespace Vn::Console

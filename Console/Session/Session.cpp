@@ -8,11 +8,11 @@
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Evaluation.h"
 #include "Console/Session/TextCommands.h"
-#include "Console/SettingsFields.h"
-#include "Console/Spelling.h"
+#include "Console/SettingsTexts.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
+#include "Platform/Base/Spelling.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
 
@@ -20,6 +20,8 @@ namespace Vn::Console {
 
 using Expressions::Expression;
 using Units::UnitContext;
+using Field = Units::UnitDisplaySettingsField;
+using Units::ESettingsField;
 using Units::UnitDisplaySettings;
 
 namespace {
@@ -37,36 +39,29 @@ std::wstring takeWord(std::wstring_view & line) {
     return word;
 }
 
-std::wstring valueText(SettingsField const & field) {
+std::wstring valueText(Field const & field) {
     double const value = field.get(settings());
-    if (field.kind == SettingsField::Kind::Flag) return value != 0.0 ? L"true" : L"false";
+    if (field.kind == ESettingsField::Flag) return value != 0.0 ? L"true" : L"false";
     return shortestNumber(value);
 }
 
 // The field by its name in any case.
-SettingsField const * findField(std::wstring const & name) {
-    for (SettingsField const & field : settingsFields())
+Field const * findField(std::wstring const & name) {
+    for (Field const & field : Units::unitDisplaySettingsFields())
         if (Text::foldedEqual(std::string_view(field.name), Text::toUtf8(name))) return &field;
     return nullptr;
 }
 
 std::wstring nearestField(std::wstring const & name) {
-    std::size_t least = allowedMistakes(name.size()) + 1;
-    std::wstring nearest;
-    for (SettingsField const & field : settingsFields()) {
-        std::wstring const candidate = Text::widen(field.name);
-        if (name.size() > 2 * candidate.size()) continue;
-        std::size_t const count = mistakes(name, candidate);
-        if (count >= least) continue;
-        least = count;
-        nearest = candidate;
-    }
-    return nearest;
+    auto const nameOf = [](Field const & field) { return Text::widen(field.name); };
+    auto const nearest = Spelling::nearest(name, Units::unitDisplaySettingsFields(),
+                                           Spelling::allowedMistakes(name.size()), nameOf);
+    return nearest.empty() ? std::wstring() : nameOf(*nearest.front());
 }
 
 // NaN for what can't be read.
-double readValue(SettingsField const & field, std::wstring const & text) {
-    if (field.kind == SettingsField::Kind::Flag) {
+double readValue(Field const & field, std::wstring const & text) {
+    if (field.kind == ESettingsField::Flag) {
         for (wchar_t const * const yes : {L"true", L"on", L"yes", L"1"})
             if (Text::foldedEqual(text, std::wstring_view(yes))) return 1.0;
         for (wchar_t const * const no : {L"false", L"off", L"no", L"0"})
@@ -161,8 +156,8 @@ Session::Result Session::display(std::wstring const & text) {
 
 void Session::showSettings() {
     Table table;
-    for (SettingsField const & field : settingsFields())
-        table.add({Text::widen(field.name), valueText(field), Text::widen(field.meaning)});
+    for (Field const & field : Units::unitDisplaySettingsFields())
+        table.add({Text::widen(field.name), valueText(field), settingMeaning(field)});
     m_rOut << table.toUtf8();
 }
 
@@ -173,7 +168,13 @@ Session::Result Session::set(std::wstring const & argument) {
         showSettings();
         return Result::Good;
     }
-    SettingsField const * const field = findField(name);
+    Field const * const field = findField(name);
+    // A setting has one value; with more words it is a member of an entity.
+    std::wstring_view more = rest;
+    if (!field && (takeWord(more), !more.empty()))
+        return runTextCommand({L"Document.Set " + argument}, m_rOut, m_rErr) == ExitGood
+                   ? Result::Good
+                   : Result::Bad;
     if (!field) {
         std::wstring const nearest = nearestField(name);
         return bad(L"there is no setting " + inQuotes(name) +
@@ -184,11 +185,11 @@ Session::Result Session::set(std::wstring const & argument) {
         double const value = readValue(*field, std::wstring(rest));
         if (std::isnan(value)) {
             return bad(Text::widen(field->name) +
-                       (field->kind == SettingsField::Kind::Flag ? L" is true or false, not "
-                                                                 : L" is a number, not ") +
+                       (field->kind == ESettingsField::Flag ? L" is true or false, not "
+                                                            : L" is a number, not ") +
                        inQuotes(rest));
         }
-        std::string const wrong = setSettingsField(*field, settings(), value);
+        std::string const wrong = setSetting(*field, settings(), value);
         if (!wrong.empty()) return bad(Text::widen(wrong));
     }
     m_rOut << field->name << ' ' << Text::toUtf8(valueText(*field)) << '\n';

@@ -81,6 +81,9 @@ std::vector<std::wstring> textCommandNames() {
         if (area->hidden()) continue;
         for (TextCommand const * const command : service.commands(area->name()))
             if (!command->hidden()) names.push_back(area->name() + L'.' + command->name());
+        for (TextCommand const * const command : service.commands(area->name()))
+            if (!command->hidden() && !command->alias().empty())
+                names.push_back(Text::widen(command->alias()));
     }
     return names;
 }

@@ -19,7 +19,8 @@ int runTextCommand(std::vector<std::wstring> const & words, std::ostream & out, 
 // that of a subject area and a full stop.
 bool namesTextCommand(std::wstring_view word);
 
-// The names of all commands that aren't hidden, as in "Units.List".
+// The names of all commands that aren't hidden, as in "Units.List", and the aliases of those that
+// have one.
 std::vector<std::wstring> textCommandNames();
 
 } // namespace Vn::Console

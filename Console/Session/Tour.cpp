@@ -56,7 +56,7 @@ int runTour(std::ostream & out) {
         table.add({stop.text, stop.unit ? stop.unit : L"", answerTo(stop), stop.says});
     out << table.toUtf8("  ");
     out << "\nA mistake is shown where it is:\n\n";
-    std::string const failure = failureText(Expression(c_mistake));
+    std::string const failure = failureLines(Expression(c_mistake));
     for (std::size_t begin = 0; begin < failure.size();) {
         std::size_t const end = failure.find('\n', begin) + 1;
         out << "  " << failure.substr(begin, end - begin);

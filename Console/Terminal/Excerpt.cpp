@@ -15,18 +15,6 @@ constexpr int c_columnsOfTab = 8;
 // Combining characters take no columns, so columns alone don't limit a window.
 constexpr std::size_t c_windowCharacters = 200;
 
-std::size_t indexOf(std::wstring_view text, std::size_t position16) {
-    if constexpr (sizeof(wchar_t) == 2) {
-        std::size_t const index = std::min(position16, text.size());
-        // Between the halves of a character is after it.
-        return index > 0 && characterLength(text, index - 1) > 1 ? index + 1 : index;
-    }
-    std::size_t index = 0;
-    for (std::size_t at = 0; index < text.size() && at < position16; ++index)
-        at += Text::length16(text.substr(index, 1));
-    return index;
-}
-
 // The character at `index`, as it is shown.
 std::wstring shown(std::wstring_view text, std::size_t index) {
     std::size_t const length = characterLength(text, index);
@@ -65,8 +53,12 @@ std::size_t windowEnd(std::wstring_view text, std::size_t index) {
 
 } // namespace
 
-Excerpt excerptAt(std::wstring_view text, std::size_t position16) {
-    std::size_t const index = indexOf(text, position16);
+Excerpt excerptAt(std::wstring_view text, std::size_t position16, std::size_t start16,
+                  std::size_t end16) {
+    std::size_t const index = Text::indexAt16(text, position16);
+    bool const hasPiece = start16 != position16;
+    std::size_t const pieceBegin = hasPiece ? Text::indexAt16(text, start16) : index;
+    std::size_t const pieceEnd = hasPiece ? Text::indexAt16(text, end16) : index;
     std::size_t begin = windowBegin(text, index);
     std::size_t end = windowEnd(text, index);
     // Three dots instead of a few characters would save nothing.
@@ -76,18 +68,23 @@ Excerpt excerptAt(std::wstring_view text, std::size_t position16) {
     Excerpt excerpt;
     if (begin > 0) {
         excerpt.text = L"...";
-        excerpt.caret = L"   ";
+        excerpt.marks = L"   ";
     }
     for (std::size_t i = begin; i < end; i += characterLength(text, i)) {
         std::wstring const character = shown(text, i);
         excerpt.text += character;
-        if (i >= index) continue;
-        excerpt.caret += character == L"\t"
-                             ? character
-                             : std::wstring(static_cast<std::size_t>(columns(character)), L' ');
+        bool const isInPiece = i >= pieceBegin && i < pieceEnd;
+        wchar_t const mark = isInPiece ? L'~' : L' ';
+        auto width = static_cast<std::size_t>(columns(character));
+        if (i == index) {
+            excerpt.marks += L'^';
+            width -= std::min<std::size_t>(width, 1);
+        }
+        excerpt.marks += character == L"\t" && i != index ? character : std::wstring(width, mark);
     }
     if (end < text.size()) excerpt.text += L"...";
-    excerpt.caret += L'^';
+    if (index >= end) excerpt.marks += L'^';
+    excerpt.marks.resize(excerpt.marks.find_last_not_of(L" \t") + 1);
     return excerpt;
 }
 

@@ -54,7 +54,7 @@ public:
         ::el_wset(editor, EL_ADDFN, L"vn-abandon", L"Abandons the line", &onAbandon);
         ::el_source(editor, nullptr); // what the user likes, such as another editor
         ::el_wset(editor, EL_BIND, L"^I", L"vn-complete", nullptr);
-        // While a line is edited, Ctrl-C abandons it; while one is evaluated, it ends the program.
+        // While a line is edited, Ctrl-C abandons it; while one is run, it ends that.
         ::el_wset(editor, EL_SETTY, L"-d", L"-isig", nullptr);
         ::el_wset(editor, EL_BIND, L"^C", L"vn-abandon", nullptr);
         ::el_wset(editor, EL_SIGNAL, 1);

@@ -1,5 +1,6 @@
 #include "Platform/Base/OS.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -202,6 +203,61 @@ int writeError() noexcept {
     return error != 0 ? error : EIO;
 }
 
+namespace {
+
+// Set where next to nothing else may be done.
+constinit std::atomic<bool> s_bInterrupted{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
+constinit int s_noted = 0; // how many NotedInterruptions live
+
+#ifdef _WIN32
+
+// The system calls it on a thread of its own.
+BOOL WINAPI noteInterruption(DWORD event) {
+    if (event != CTRL_C_EVENT) return FALSE;
+    s_bInterrupted.store(true, std::memory_order_relaxed);
+    return TRUE;
+}
+
+#else
+
+struct sigaction s_before; // what the signal did
+
+void noteInterruption(int) { s_bInterrupted.store(true, std::memory_order_relaxed); }
+
+#endif
+
+} // namespace
+
+NotedInterruptions::NotedInterruptions() noexcept : m_bFirst(s_noted++ == 0) {
+    if (!m_bFirst) return;
+    forgetInterruption();
+#ifdef _WIN32
+    SetConsoleCtrlHandler(&noteInterruption, TRUE);
+#else
+    if (sigaction(SIGINT, nullptr, &s_before) != 0 || s_before.sa_handler == SIG_IGN) return;
+    struct sigaction noting {};
+    noting.sa_handler = &noteInterruption;
+    noting.sa_flags = SA_RESTART; // what reads or writes meanwhile goes on
+    sigemptyset(&noting.sa_mask);
+    sigaction(SIGINT, &noting, nullptr);
+#endif
+}
+
+NotedInterruptions::~NotedInterruptions() {
+    --s_noted;
+    if (!m_bFirst) return;
+#ifdef _WIN32
+    SetConsoleCtrlHandler(&noteInterruption, FALSE);
+#else
+    sigaction(SIGINT, &s_before, nullptr);
+#endif
+    forgetInterruption();
+}
+
+bool wasInterrupted() noexcept { return s_bInterrupted.load(std::memory_order_relaxed); }
+void forgetInterruption() noexcept { s_bInterrupted.store(false, std::memory_order_relaxed); }
+
 std::optional<std::wstring> readTerminalLine() {
 #ifdef _WIN32
     constexpr wchar_t c_endOfInput = 26; // Ctrl-Z at the beginning of a line
@@ -212,6 +268,7 @@ std::optional<std::wstring> readTerminalLine() {
         if (!ReadConsoleW(standardHandle(0), buffer, static_cast<DWORD>(std::size(buffer)), &count,
                           nullptr))
             return std::nullopt;
+        if (count == 0 && GetLastError() == ERROR_OPERATION_ABORTED) return std::wstring();
         if (count == 0) break;
         line.append(buffer, count);
     }

@@ -52,8 +52,31 @@ VN_BASE_API std::string errorText(std::error_code const & error);
 // Windows has no errno for.
 VN_BASE_API int writeError() noexcept;
 
+// While it lives, the user's wish to end what runs, by Ctrl-C at the terminal or by the signal
+// SIGINT, doesn't end the process, but is noted for long work to ask for.  A process that was
+// started to ignore it goes on to.  They may nest; only one thread makes them.
+class VN_BASE_API NotedInterruptions {
+public:
+    // Nothing is noted yet.
+    NotedInterruptions() noexcept;
+    // What was noted and not honoured is forgotten.
+    ~NotedInterruptions();
+    NotedInterruptions(NotedInterruptions const &) = delete;
+    NotedInterruptions & operator=(NotedInterruptions const &) = delete;
+
+private:
+    [[maybe_unused]] bool m_bFirst = false; // the one that noted nothing before
+};
+
+// Whether the user has wished so since that was last forgotten; never without NotedInterruptions.
+// Any thread may ask.
+VN_BASE_API bool wasInterrupted() noexcept;
+// Forgets it, for the next piece of work.
+VN_BASE_API void forgetInterruption() noexcept;
+
 // A line typed at the terminal, without its end; none when there are no more.  Only for systems
-// whose terminals edit lines and don't speak UTF-8, as on Windows; none elsewhere.
+// whose terminals edit lines and don't speak UTF-8, as on Windows; none elsewhere.  An interruption
+// that is noted leaves an empty line.
 VN_BASE_API std::optional<std::wstring> readTerminalLine();
 
 // While it lives, bytes pass the standard streams as they are, and a terminal takes them for UTF-8.

@@ -1,6 +1,7 @@
 #include "Platform/Base/Status.h"
 
 #include <cerrno>
+#include <new>
 #include <system_error>
 
 #include "Platform/Base/Shared.h"
@@ -11,8 +12,10 @@ namespace {
 
 constinit Shared<std::string> s_noText;
 
-std::string const & noText() {
-    return s_noText.get([] { return new std::string; });
+// Without memory from the heap: there may be none when the reason of a failure is asked for.
+std::string const & noText() noexcept {
+    alignas(std::string) static unsigned char s_place[sizeof(std::string)];
+    return s_noText.get([] { return new (s_place) std::string; });
 }
 
 EStatus codeOfErrno(int error) {

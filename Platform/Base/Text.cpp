@@ -133,6 +133,75 @@ std::size_t length16(std::wstring_view text) noexcept {
     return length;
 }
 
+std::size_t indexAt16(std::wstring_view text, std::size_t position16) noexcept {
+    if constexpr (sizeof(wchar_t) == 2) {
+        std::size_t const index = std::min(position16, text.size());
+        return index > 0 && characterLength(text, index - 1) > 1 ? index + 1 : index;
+    }
+    std::size_t index = 0;
+    for (std::size_t at = 0; index < text.size() && at < position16; ++index)
+        at += length16(text.substr(index, 1));
+    return index;
+}
+
+std::size_t characterLength(std::wstring_view text, std::size_t index) noexcept {
+    auto const isWithin = [&](std::size_t i, wchar_t low, wchar_t high) {
+        return i < text.size() && text[i] >= low && text[i] <= high;
+    };
+    bool const pair = sizeof(wchar_t) == 2 && isWithin(index, L'\xD800', L'\xDBFF') &&
+                      isWithin(index + 1, L'\xDC00', L'\xDFFF');
+    return pair ? 2 : 1;
+}
+
+std::wstring_view trimmed(std::wstring_view text) noexcept {
+    auto const isBlank = [](wchar_t c) { return isSpace(static_cast<char32_t>(c)); };
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    return text;
+}
+
+std::wstring clipped(std::wstring_view text, std::size_t length) {
+    if (text.size() <= length) return std::wstring(text);
+    // Not between the halves of a character.
+    std::size_t const end =
+        length > 0 && characterLength(text, length - 1) > 1 ? length - 1 : length;
+    return std::wstring(text.substr(0, end)) + L"...";
+}
+
+wchar_t printable(wchar_t c) noexcept {
+    if (static_cast<char32_t>(c) < 0x20) return static_cast<wchar_t>(0x2400 + c);
+    if (c == 0x7F) return L'\x2421';
+    bool const control = c >= 0x80 && c < 0xA0;
+    bool const direction = c == 0x61C || c == 0x200E || c == 0x200F ||
+                           (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+    bool const surrogate = sizeof(wchar_t) > 2 && c >= 0xD800 && c <= 0xDFFF;
+    return control || direction || surrogate ? L'\xFFFD' : c;
+}
+
+std::wstring printable(std::wstring_view text) {
+    std::wstring result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](wchar_t c) { return printable(c); });
+    return result;
+}
+
+std::wstring filled(std::wstring_view pattern, std::initializer_list<std::wstring_view> values) {
+    std::wstring text;
+    for (std::size_t i = 0; i < pattern.size(); ++i) {
+        std::wstring_view const rest = pattern.substr(i);
+        bool const isPlace = rest.size() > 2 && rest[0] == L'%' && rest[2] == L'%' &&
+                             rest[1] > L'0' && rest[1] <= L'9';
+        std::size_t const value = isPlace ? static_cast<std::size_t>(rest[1] - L'1') : 0;
+        if (isPlace && value < values.size()) {
+            text += values.begin()[value];
+            i += 2;
+        } else {
+            text += pattern[i];
+        }
+    }
+    return text;
+}
+
 std::string toUtf8(std::wstring_view text) {
     std::string utf8;
     utf8.reserve(text.size());

@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -61,6 +62,31 @@ constexpr bool isDigit(char32_t character) noexcept {
 
 // The length in 16-bit characters.  Where wchar_t is wider, a character above U+FFFF counts two.
 VN_BASE_API std::size_t length16(std::wstring_view text) noexcept;
+
+// The index of the character at a position that is counted in 16-bit characters; the index after it
+// if the position is between the halves of a character, and the size of the text if it is at or
+// after the end.
+VN_BASE_API std::size_t indexAt16(std::wstring_view text, std::size_t position16) noexcept;
+
+// The number of wchar_t that the character at `index` takes: 2 for a surrogate pair, else 1.
+VN_BASE_API std::size_t characterLength(std::wstring_view text, std::size_t index) noexcept;
+
+// The text without blanks at its ends.
+VN_BASE_API std::wstring_view trimmed(std::wstring_view text) noexcept;
+
+// The text, or its beginning and "..." if it has more than `length` characters.
+VN_BASE_API std::wstring clipped(std::wstring_view text, std::size_t length = 60);
+
+// What is shown for a character so that it stays on its line and takes its place there: control
+// characters and marks of direction get a picture.  Anything else is itself.
+VN_BASE_API wchar_t printable(wchar_t c) noexcept;
+// The same for each character of a text.
+VN_BASE_API std::wstring printable(std::wstring_view text);
+
+// A pattern with `values` in the places %1% to %9%, each as often as it is there and in any order.
+// The values are taken as they are, and a place without a value stays.
+VN_BASE_API std::wstring filled(std::wstring_view pattern,
+                                std::initializer_list<std::wstring_view> values);
 
 // The text in UTF-8.  What isn't a character, such as half of a surrogate pair, becomes U+FFFD.
 VN_BASE_API std::string toUtf8(std::wstring_view text);

@@ -11,7 +11,7 @@ namespace Vn {
 
 // What a text command answers: status 0 for success and 1 for failure, and a text for the user.
 struct TextCommandResult {
-    int status = 0;    // 0 for success, 1 for failure
+    int status = 0;    // 0 for success; a failure is 1 unless the command tells more by another
     std::wstring text; // for the user, in as many lines as it needs
 };
 

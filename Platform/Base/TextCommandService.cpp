@@ -9,6 +9,7 @@
 
 #include "Platform/Base/OS.h"
 #include "Platform/Base/Shared.h"
+#include "Platform/Base/Spelling.h"
 #include "Platform/Base/Text.h"
 
 namespace Vn {
@@ -74,38 +75,13 @@ std::optional<Line> takeApart(std::wstring_view line) {
     }
 }
 
-// The number of characters to insert, drop or replace to get from one name to the other, ASCII case
-// not counted.
-std::size_t distance(std::wstring_view a, std::wstring_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i);
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            bool const same = Text::foldedEqual(a.substr(i - 1, 1), b.substr(j - 1, 1));
-            std::size_t const replaced = diagonal + (same ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row[b.size()];
-}
-
 // " Did you mean ...?" with the candidate nearest to what was typed, or nothing if none is near.
-std::wstring suggestion(std::wstring_view typed, std::vector<std::wstring> const & candidates) {
+std::wstring suggestion(std::wstring_view typed, std::vector<std::wstring> candidates) {
     if (typed.size() > c_longestName) return {};
-    std::wstring const * nearest = nullptr;
-    std::size_t least = std::max<std::size_t>(2, typed.size() / 3) + 1;
-    for (std::wstring const & candidate : candidates) {
-        if (candidate.size() > c_longestName) continue;
-        std::size_t const d = distance(typed, candidate);
-        // A name that shares nothing with what was typed isn't a correction of it.
-        if (d < least && d < candidate.size()) {
-            least = d;
-            nearest = &candidate;
-        }
-    }
-    return nearest ? L" Did you mean " + *nearest + L"?" : std::wstring();
+    std::erase_if(candidates, [](auto const & each) { return each.size() > c_longestName; });
+    auto const nearest =
+        Spelling::nearest(typed, candidates, std::max<std::size_t>(2, typed.size() / 3));
+    return nearest.empty() ? std::wstring() : L" Did you mean " + *nearest.front() + L"?";
 }
 
 std::wstring quoted(std::wstring_view name) {

@@ -6,6 +6,7 @@
 
 #include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/EntityTableInternal.h"
+#include "Platform/DataModel/Limits.h"
 #include "Platform/DataModel/Log/Lifetimes.h"
 #include "Platform/DataModel/MemberLayoutInternal.h"
 #include "Platform/DataModel/MetaType.h"
@@ -45,7 +46,12 @@ Asset::~Asset() {
         entity.addRef();
         entity.m_state.close();
     });
-    m_pTable->forEach([](Entity & entity) { entity.metaType()->layout().dropStrong(entity); });
+    m_pTable->forEach([](Entity & entity) {
+        try {
+            entity.metaType()->layout().dropStrong(entity);
+        } catch (std::bad_alloc const &) { // of a class without a finished object: it ends with it
+        }
+    });
     m_pTable->forEach([](Entity & entity) {
         if (entity.refCount() <= 1) return;
         entity.suspendPassive();
@@ -90,7 +96,7 @@ std::vector<Entity *> Asset::allEntities() const {
 bool Asset::isDirty() const noexcept { return !m_history.isClean(); }
 
 unsigned long long Asset::takeId() {
-    if (m_nextId >= DataModel::c_idLimit)
+    if (m_nextId >= Limits::c_entityId)
         throw std::length_error("the document has no ids left for new entities");
     return m_nextId++;
 }

@@ -1,16 +1,12 @@
 #include "Platform/DataModel/AssetAdapter.h"
 
 #include "Platform/DataModel/Asset.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn {
 
 namespace {
-
-constinit InterfaceId s_settingsId("Vn::AssetSettings");
-constinit InterfaceId s_adapterId("Vn::AssetAdapter");
 
 class AssetSettingsMetaType : public EntityMetaType {
 public:
@@ -36,17 +32,14 @@ std::string const & AssetSettings::segmentRootId() {
 }
 std::string AssetSettings::s_metaTypeId() { return "AssetSettings"; }
 EntityMetaType * AssetSettings::s_metaType() { return &s_settingsMetaType; }
-UniqueString const * AssetSettings::interfaceId() { return s_settingsId.get(); }
-UniqueString const * AssetSettings::getInterfaceId() const { return interfaceId(); }
-void * AssetSettings::queryInterface(UniqueString const * id) const {
-    return id == interfaceId() ? const_cast<AssetSettings *>(this) : Entity::queryInterface(id);
-}
 void * AssetSettings::queryMTInterface(MetaType const * type) {
     return type == s_metaType() ? this : Entity::queryMTInterface(type);
 }
 
-AssetSettings::AssetSettings(Segment * segment) : Entity(segment) { initializeMemberSetIfNeeded(); }
-AssetSettings::AssetSettings(Segment * segment, unsigned long long id) : Entity(segment, id) {
+AssetSettings::AssetSettings(Segment * segment) : Identified(segment) {
+    initializeMemberSetIfNeeded();
+}
+AssetSettings::AssetSettings(Segment * segment, unsigned long long id) : Identified(segment, id) {
     initializeMemberSetIfNeeded();
 }
 
@@ -68,12 +61,6 @@ StrongRef<AssetSettings> AssetAdapter::assetSettings() const {
 }
 
 bool AssetAdapter::isAssetDirty() const { return m_pAsset && m_pAsset->isDirty(); }
-
-UniqueString const * AssetAdapter::interfaceId() { return s_adapterId.get(); }
-UniqueString const * AssetAdapter::getInterfaceId() const { return interfaceId(); }
-void * AssetAdapter::queryInterface(UniqueString const * id) const {
-    return id == interfaceId() ? const_cast<AssetAdapter *>(this) : nullptr;
-}
 
 void AssetAdapter::onInitializeNewAsset() {}
 void AssetAdapter::onInitializeLoadedAsset() {}

@@ -3,9 +3,9 @@
 #ifndef VN_PLATFORM_DATAMODEL_ASSETADAPTER_H
 #define VN_PLATFORM_DATAMODEL_ASSETADAPTER_H
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Object.h"
 #include "Platform/Base/RefCounted.h"
-#include "Platform/Base/UniqueString.h"
 #include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/Export.h"
 
@@ -17,17 +17,16 @@ class Segment;
 
 // The settings of a document, an entity that stands as the root "AssetSettings" of the design
 // segment.
-class VN_DATAMODEL_API AssetSettings : public Entity {
+class VN_DATAMODEL_API AssetSettings : public Identified<AssetSettings, Entity> {
 public:
+    // How others find the class.
+    static constexpr NamedClass c_class{"Vn::AssetSettings"};
+
     // The key of the root.
     static std::string const & segmentRootId();
-    // The meta type and its id; the id of this class, of the object's own class, and the object as
-    // a class, an interface or what a meta type describes.
+    // The meta type and its id, and the object as what a meta type describes.
     static std::string s_metaTypeId();
     static EntityMetaType * s_metaType();
-    static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
     void * queryMTInterface(MetaType const * type) override;
 
 protected:
@@ -40,8 +39,11 @@ private:
 };
 
 // Told at the stations of a document's life.  The document owns its adapter.
-class VN_DATAMODEL_API AssetAdapter : public Object {
+class VN_DATAMODEL_API AssetAdapter : public Identified<AssetAdapter, Object> {
 public:
+    // How others find the class.
+    static constexpr NamedClass c_class{"Vn::AssetAdapter"};
+
     // The asset must outlive the adapter; it isn't told of it here.
     explicit AssetAdapter(Asset * asset) noexcept : m_pAsset(asset) {}
     ~AssetAdapter() override;
@@ -64,11 +66,6 @@ public:
 
     // Whether the document has changes to save.
     virtual bool isAssetDirty() const;
-
-    // The id of this class, of the object's own class, and the object as a class or interface.
-    static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
 
 private:
     // A document was made, was loaded, is complete with everything that belongs to it, was saved,

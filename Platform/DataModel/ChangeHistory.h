@@ -89,6 +89,7 @@
 
 #include "Platform/Base/Status.h"
 #include "Platform/DataModel/Export.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn {
 
@@ -220,7 +221,7 @@ private:
     bool m_bClearLater = false; // once the hooks of a commit have been told
     unsigned m_telling = 0;     // commits whose hooks are being told
     std::size_t m_stepLimit = 0;
-    std::size_t m_byteLimit = std::size_t{1} << 30;
+    std::size_t m_byteLimit = Limits::c_historyBytes;
     std::size_t m_bytes = 0; // of the steps in m_undo and m_redo
     std::uint64_t m_lastState = 0;
     std::uint64_t m_baseState = 0;

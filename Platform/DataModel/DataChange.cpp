@@ -1,6 +1,6 @@
 #include "Platform/DataModel/DataChange.h"
 
-#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/Base/InterfaceId.h"
 
 namespace Vn {
 

@@ -79,13 +79,20 @@ public:
     // Opens a document.  After a failure `asset` is null.  `type` as in Asset::make.  If a crash
     // cut a save short, the file is first brought back to what it was before, by the journal beside
     // it.  No other file is touched: a journal that names another file is refused, and stays.
+    // StatusUnsupported if it has entities of classes that this program doesn't know.
+    // StatusCancelled once the user wishes to end it, see OS::NotedInterruptions.
     static Status load(std::filesystem::path const & file, AssetType const * type,
                        StrongRef<Asset> & asset);
 
     // What is wrong with a file, in lines for a person; empty if nothing is.  It looks at the
     // database, the schema, and every reference and value, and knows nothing of the classes.  The
-    // status says whether the file could be looked at.
+    // status says whether the file could be looked at.  Cancelled as `load` is.
     static Status check(std::filesystem::path const & file, std::vector<std::string> & findings);
+    // The same, and which classes of entities in the file this program doesn't know, as "Name (id)"
+    // in the order of the file.  The file isn't damaged for that: add-ins of another program may
+    // have brought them.
+    static Status check(std::filesystem::path const & file, std::vector<std::string> & findings,
+                        std::vector<std::string> & unknownTypes);
 
     // Reads and writes through a virtual file system that was registered with the database engine
     // under that name; empty for its own.  For the tests of failing devices.

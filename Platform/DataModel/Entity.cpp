@@ -2,11 +2,11 @@
 
 #include <algorithm>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/ChangeHistory.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/IEntityObserver.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/Log/Lifetimes.h"
 #include "Platform/DataModel/Log/Recorder.h"
 #include "Platform/DataModel/MetaType.h"
@@ -93,6 +93,8 @@ void Entity::migratingVersion(EntityMetaType const * type, unsigned version) {
 void Entity::markMigrating() { m_state.set(EntityState::Migrating); }
 
 void Entity::postCreation(DataChange::ETransact transact) {
+    // Made while it may still be refused: an end can't be.
+    if (m_pSegment) metaType()->layout();
     onPostCreation(transact);
     if (m_pSegment) m_pSegment->entityEventSource()->tellPostCreate(*this, transact);
 }

@@ -1,8 +1,8 @@
 #include "Platform/DataModel/EntityChange.h"
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/ChangeHistory.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/Log/Lifetimes.h"
 #include "Platform/DataModel/Log/Recorder.h"
 #include "Platform/DataModel/MetaType.h"

@@ -42,16 +42,34 @@ public:
 
     // What else holds of it.
     enum EFlag : std::uint16_t {
-        Loaded = 1,     // made by the loading constructor
-        Unmade = 2,     // its making is undone
-        Entombed = 4,   // dead, and has a tomb with members as they were
-        Changing = 8,   // a bracket is open on it
-        Observed = 16,  // has observers
-        Migrating = 32, // marked for the last steps of a migration
-        Versions = 64,  // has versions that it is migrated from
-        Dirty = 128,    // differs from what was last saved, and is listed to be saved
-        Stored = 256,   // stands in the file
-        Returned = 512  // was revived by the replay that is running
+        // Made by the loading constructor; for good.  Such an entity is told of no creation, and no
+        // log has a record of its coming: it was there before the first step.
+        Loaded = 1,
+        // Its making is undone.  Only the redo of that, or dropping the step, ends this; until then
+        // no replay revives the entity, and nothing may list or own it.
+        Unmade = 2,
+        // Dead, and there is a tomb for it in Lifetimes.  A tomb is opened once, when the entity is
+        // revived, or given up with its object; an entity that is alive has none.
+        Entombed = 4,
+        // A bracket is open on it.  Its members as they were are kept by the outermost one, and its
+        // object isn't deleted before that closes.
+        Changing = 8,
+        // Has observers, in the table of its document.  Without the flag nothing is looked up.
+        Observed = 16,
+        // Was loaded from an older version and isn't through with its migration yet.  Set by its
+        // constructors, and cleared once onPostMigrate has run.
+        Migrating = 32,
+        // Its document has versions noted for it that its classes are migrated from.
+        Versions = 64,
+        // Differs from what was last saved, and stands in the document's list of what the next save
+        // writes; once, however often it changes.
+        Dirty = 128,
+        // Has a row in the file that the document was last loaded from or saved to, which a save
+        // deletes once the entity is gone.
+        Stored = 256,
+        // Was revived by the replay that is running, and is told of that at its end, once; nothing
+        // has this flag between two replays.
+        Returned = 512
     };
 
     // The phase, and whether that is one in the document.

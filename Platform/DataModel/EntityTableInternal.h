@@ -13,9 +13,6 @@ class Entity;
 
 namespace Vn::DataModel {
 
-// Ids of entities lie below.
-inline constexpr unsigned long long c_idLimit = 1ULL << 62;
-
 // The living entities of a document by id.  Ids come one after the other, so that they are places
 // in chunks of a directory; the few beyond its reach, which only a foreign file can bring, stand in
 // a map.

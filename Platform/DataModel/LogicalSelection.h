@@ -5,25 +5,23 @@
 
 #include <string>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/RefCounted.h"
-#include "Platform/Base/UniqueString.h"
 #include "Platform/DataModel/Export.h"
 #include "Platform/DataModel/ObjectPath.h"
 
 namespace Vn {
 
 // Something that is selected.
-class VN_DATAMODEL_API Selection : public RefCounted {
+class VN_DATAMODEL_API Selection : public Identified<Selection, RefCounted> {
 public:
+    // How others find the class.
+    static constexpr NamedClass c_class{"Vn::Selection"};
+
     ~Selection() override;
 
     // What the user is told that is selected.
     std::wstring userName() const { return onUserName(); }
-
-    // The id of the class, of the object's own class, and the object as a class or interface.
-    static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
 
 protected:
     Selection() = default;
@@ -33,17 +31,15 @@ private:
 };
 
 // The selection of an object of a document by its path.
-class VN_DATAMODEL_API LogicalSelection : public Selection {
+class VN_DATAMODEL_API LogicalSelection : public Identified<LogicalSelection, Selection> {
 public:
+    // How others find the class.
+    static constexpr NamedClass c_class{"Vn::LogicalSelection"};
+
     ~LogicalSelection() override;
 
     // The way to the object.  It leads nowhere once the object is gone.
     ObjectPath const & logicalPath() const noexcept { return m_path; }
-
-    // As of Selection.
-    static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
 
 protected:
     // Of the object that `path` leads to.

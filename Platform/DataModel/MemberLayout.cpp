@@ -13,221 +13,6 @@ namespace {
 
 using Words = std::uint64_t const *;
 
-constexpr std::uint64_t c_counted = 1;
-
-static_assert(sizeof(GlobalizedString) == sizeof(std::uint64_t));
-static_assert(sizeof(PassiveRef<Entity>) == sizeof(std::uint64_t));
-
-bool ownsWords(EMemberKind kind) noexcept {
-    return kind == EMemberKind::GlobalizedString || kind == EMemberKind::PassiveRef ||
-           kind == EMemberKind::StrongRef;
-}
-
-// The bytes of the kinds that fit a word; 0 for the others.
-std::uint8_t plainBytes(EMemberKind kind) noexcept {
-    switch (kind) {
-    case EMemberKind::Bool:
-        return sizeof(bool);
-    case EMemberKind::Int:
-    case EMemberKind::UnsignedInt:
-        return sizeof(int);
-    case EMemberKind::Float:
-        return sizeof(float);
-    case EMemberKind::Int64:
-    case EMemberKind::UnsignedInt64:
-    case EMemberKind::Double:
-        return 8;
-    default:
-        return 0;
-    }
-}
-
-// The way back from wordOf.
-void setNumber(std::uint8_t bytes, void * field, std::uint64_t word) noexcept {
-    switch (bytes) {
-    case 1:
-        std::memcpy(field, &word, 1);
-        break;
-    case 4:
-        std::memcpy(field, &word, 4);
-        break;
-    default:
-        std::memcpy(field, &word, 8);
-    }
-}
-
-template <class Text>
-std::size_t textWords(Text const & text) noexcept {
-    return (text.size() * sizeof(text[0]) + 7) / 8;
-}
-
-template <class Text>
-void keepText(void const * field, WordBuffer & words) {
-    Text const & text = *static_cast<Text const *>(field);
-    std::size_t const count = textWords(text);
-    std::uint64_t * const place = words.append(1 + count);
-    place[0] = text.size();
-    if (count) {
-        place[count] = 0; // the padding, so that equal texts have equal words
-        std::memcpy(place + 1, text.data(), text.size() * sizeof(text[0]));
-    }
-}
-
-template <class Text>
-std::size_t keptTextWords(Words words) noexcept {
-    return 1 + (words[0] * sizeof(typename Text::value_type) + 7) / 8;
-}
-
-template <class Text>
-bool isKeptText(void const * field, Words & words) noexcept {
-    Text const & text = *static_cast<Text const *>(field);
-    bool const same = text.size() == words[0] &&
-                      std::memcmp(text.data(), words + 1, text.size() * sizeof(text[0])) == 0;
-    words += keptTextWords<Text>(words);
-    return same;
-}
-
-template <class Text>
-void restoreText(void * field, Words & words) {
-    using Character = typename Text::value_type;
-    static_cast<Text *>(field)->assign(reinterpret_cast<Character const *>(words + 1),
-                                       static_cast<std::size_t>(words[0]));
-    words += keptTextWords<Text>(words);
-}
-
-// The entity that a StrongRef<T> or a word of one refers to.  Entities stand at the beginning of
-// their objects, so that the reference of any class is one to an Entity.
-StrongRef<Entity> & strong(void * field) noexcept {
-    return *static_cast<StrongRef<Entity> *>(field);
-}
-Entity * strong(void const * field) noexcept {
-    return static_cast<StrongRef<Entity> const *>(field)->get();
-}
-Entity * strong(std::uint64_t word) noexcept {
-    return reinterpret_cast<Entity *>(static_cast<std::uintptr_t>(word & ~c_counted));
-}
-PassiveRef<Entity> & passive(void * field) noexcept {
-    return *static_cast<PassiveRef<Entity> *>(field);
-}
-
-// One value that isn't a vector.
-void keepOne(EMemberKind kind, void const * field, Asset const * asset, WordBuffer & words) {
-    switch (kind) {
-    case EMemberKind::String:
-        keepText<std::string>(field, words);
-        return;
-    case EMemberKind::WideString:
-        keepText<std::wstring>(field, words);
-        return;
-    case EMemberKind::GlobalizedString:
-        new (words.append(1)) GlobalizedString(*static_cast<GlobalizedString const *>(field));
-        return;
-    case EMemberKind::StrongRef: {
-        Entity * const entity = strong(field);
-        auto word = static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(entity));
-        std::uint64_t * const place = words.append(1);
-        if (entity && entity->asset() != asset) {
-            entity->addRef();
-            word |= c_counted;
-        }
-        *place = word;
-        return;
-    }
-    case EMemberKind::PassiveRef:
-        new (words.append(1)) PassiveRef<Entity>(*static_cast<PassiveRef<Entity> const *>(field));
-        return;
-    default:
-        words.push(wordOf(plainBytes(kind), field));
-    }
-}
-
-bool isKeptOne(EMemberKind kind, void const * field, Words & words) noexcept {
-    switch (kind) {
-    case EMemberKind::String:
-        return isKeptText<std::string>(field, words);
-    case EMemberKind::WideString:
-        return isKeptText<std::wstring>(field, words);
-    case EMemberKind::GlobalizedString:
-        return *static_cast<GlobalizedString const *>(field) ==
-               *reinterpret_cast<GlobalizedString const *>(words++);
-    case EMemberKind::StrongRef:
-        return strong(field) == strong(*words++);
-    // The same way to the target, whether that is there at present or not.
-    case EMemberKind::PassiveRef:
-        return std::memcmp(field, words++, 8) == 0;
-    default:
-        return wordOf(plainBytes(kind), field) == *words++;
-    }
-}
-
-void restoreOne(EMemberKind kind, void * field, Words & words) {
-    switch (kind) {
-    case EMemberKind::String:
-        restoreText<std::string>(field, words);
-        return;
-    case EMemberKind::WideString:
-        restoreText<std::wstring>(field, words);
-        return;
-    case EMemberKind::GlobalizedString:
-        *static_cast<GlobalizedString *>(field) =
-            *reinterpret_cast<GlobalizedString const *>(words++);
-        return;
-    case EMemberKind::StrongRef:
-        strong(field) = StrongRef<Entity>(strong(*words++));
-        return;
-    case EMemberKind::PassiveRef:
-        passive(field) = *reinterpret_cast<PassiveRef<Entity> const *>(words++);
-        return;
-    default:
-        setNumber(plainBytes(kind), field, *words++);
-    }
-}
-
-void skipOne(EMemberKind kind, Words & words) noexcept {
-    switch (kind) {
-    case EMemberKind::String:
-        words += keptTextWords<std::string>(words);
-        return;
-    case EMemberKind::WideString:
-        words += keptTextWords<std::wstring>(words);
-        return;
-    default:
-        ++words;
-    }
-}
-
-void releaseOne(EMemberKind kind, std::uint64_t *& words) noexcept {
-    switch (kind) {
-    case EMemberKind::GlobalizedString:
-        reinterpret_cast<GlobalizedString *>(words++)->~GlobalizedString();
-        return;
-    case EMemberKind::StrongRef:
-        if (*words & c_counted) strong(*words)->release();
-        ++words;
-        return;
-    case EMemberKind::PassiveRef:
-        reinterpret_cast<PassiveRef<Entity> *>(words++)->~PassiveRef();
-        return;
-    default: {
-        Words place = words;
-        skipOne(kind, place);
-        words += place - words;
-    }
-    }
-}
-
-// The words of one value that isn't a vector.
-std::size_t wordsOfOne(EMemberKind kind, void const * field) noexcept {
-    switch (kind) {
-    case EMemberKind::String:
-        return 1 + textWords(*static_cast<std::string const *>(field));
-    case EMemberKind::WideString:
-        return 1 + textWords(*static_cast<std::wstring const *>(field));
-    default:
-        return 1;
-    }
-}
-
 bool isText(EMemberKind kind) noexcept {
     return kind == EMemberKind::String || kind == EMemberKind::WideString;
 }
@@ -297,18 +82,20 @@ bool holdsStrong(Leaf const & leaf) {
     return std::any_of(parts.begin(), parts.end(), [](Leaf const & part) { return part.isStrong; });
 }
 
-bool isReference(EMemberKind kind) noexcept {
-    return kind == EMemberKind::PassiveRef || kind == EMemberKind::StrongRef ||
-           kind == EMemberKind::Vector;
+// Whether hooks of a deletion may let a member go without a bracket, as those of groups do.
+bool mayLetGo(EMemberKind kind) noexcept {
+    return isReference(kind) || kind == EMemberKind::Vector;
 }
 
 // Makes all strong references of a leaf null.
 void dropStrong(Leaf const & leaf, void * field) noexcept {
-    if (leaf.kind == EMemberKind::StrongRef) return strong(field).reset();
+    if (leaf.kind == EMemberKind::StrongRef)
+        return static_cast<StrongRef<Entity> *>(field)->reset();
     if (leaf.kind != EMemberKind::Vector) return;
     visitElements(leaf, field, 0, leaf.functions->elementCount(field),
                   [&](EMemberKind kind, char * element) {
-                      if (kind == EMemberKind::StrongRef) strong(element).reset();
+                      if (kind == EMemberKind::StrongRef)
+                          reinterpret_cast<StrongRef<Entity> *>(element)->reset();
                   });
 }
 
@@ -327,8 +114,8 @@ void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
         leaf.set = &set;
         leaf.functions = member.functions();
         leaf.path = set.className() + '.' + member.name();
-        leaf.isOwning = ownsWords(leaf.kind);
-        leaf.numberBytes = plainBytes(leaf.kind);
+        leaf.isOwning = memberKind(leaf.kind).ownsWords;
+        leaf.numberBytes = memberKind(leaf.kind).numberBytes;
         leaf.isStrong = leaf.kind == EMemberKind::StrongRef;
         if (leaf.kind == EMemberKind::Value) {
             for (Leaf part : leavesOf(static_cast<ValueMetaType &>(*member.type()))) {
@@ -349,7 +136,7 @@ void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves) {
                 leaf.elementLeaves = &leavesOf(static_cast<ValueMetaType &>(*element));
                 leaf.isOwning = ownsWords(*leaf.elementLeaves);
             } else
-                leaf.isOwning = ownsWords(leaf.elementKind);
+                leaf.isOwning = memberKind(leaf.elementKind).ownsWords;
             leaf.isStrong = holdsStrong(leaf);
         }
         leaves.push_back(std::move(leaf));
@@ -364,7 +151,7 @@ MemberLayout::MemberLayout(MemberSet const * set) {
                             [](Leaf const & leaf) { return leaf.isStrong; });
     for (std::uint32_t i = 0; i < m_leaves.size(); ++i)
         if (!m_leaves[i].isInHelper)
-            (isReference(m_leaves[i].kind) ? m_references : m_plain).push_back(i);
+            (mayLetGo(m_leaves[i].kind) ? m_references : m_plain).push_back(i);
     auto const parent = std::find_if(m_leaves.begin(), m_leaves.end(), [](Leaf const & leaf) {
         return leaf.kind == EMemberKind::PassiveRef && !leaf.isInHelper &&
                leaf.member->test(Member::OptionParent);
@@ -387,7 +174,7 @@ int MemberLayout::find(Entity const & entity, void const * field) const noexcept
 }
 
 void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer & words) {
-    if (leaf.kind != EMemberKind::Vector) return keepOne(leaf.kind, field, asset, words);
+    if (leaf.kind != EMemberKind::Vector) return memberKind(leaf.kind).keep(field, asset, words);
     std::size_t const count = leaf.functions->elementCount(field);
     if (!words.reserve(1 + elementWords(leaf, field, 0, count))) throw std::bad_alloc();
     words.push(count);
@@ -395,7 +182,7 @@ void keep(Leaf const & leaf, void const * field, Asset const * asset, WordBuffer
 }
 
 bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words) {
-    if (leaf.kind != EMemberKind::Vector) return isKeptOne(leaf.kind, field, words);
+    if (leaf.kind != EMemberKind::Vector) return memberKind(leaf.kind).isKept(field, words);
     std::size_t const kept = static_cast<std::size_t>(*words);
     if (leaf.functions->elementCount(field) != kept) {
         skip(leaf, words);
@@ -404,19 +191,20 @@ bool isKept(Leaf const & leaf, void const * field, std::uint64_t const *& words)
     ++words;
     bool same = true;
     visitElements(leaf, field, 0, kept, [&](EMemberKind kind, char * element) {
-        same = isKeptOne(kind, element, words) && same;
+        same = memberKind(kind).isKept(element, words) && same;
     });
     return same;
 }
 
 void restore(Leaf const & leaf, void * field, std::uint64_t const *& words) {
-    if (leaf.kind != EMemberKind::Vector) return restoreOne(leaf.kind, field, words);
+    if (leaf.kind != EMemberKind::Vector) return memberKind(leaf.kind).restore(field, words);
     std::size_t const count = static_cast<std::size_t>(*words++);
     std::size_t const present = leaf.functions->elementCount(field);
     if (present > count) leaf.functions->eraseElements(field, count, present - count);
     if (present < count) leaf.functions->appendElements(field, count - present);
-    visitElements(leaf, field, 0, count,
-                  [&](EMemberKind kind, char * element) { restoreOne(kind, element, words); });
+    visitElements(leaf, field, 0, count, [&](EMemberKind kind, char * element) {
+        memberKind(kind).restore(element, words);
+    });
 }
 
 void exchange(Leaf const & leaf, void * field, std::uint64_t & word) noexcept {
@@ -426,13 +214,13 @@ void exchange(Leaf const & leaf, void * field, std::uint64_t & word) noexcept {
 }
 
 void skip(Leaf const & leaf, std::uint64_t const *& words) {
-    if (leaf.kind != EMemberKind::Vector) return skipOne(leaf.kind, words);
+    if (leaf.kind != EMemberKind::Vector) return memberKind(leaf.kind).skip(words);
     std::size_t const count = static_cast<std::size_t>(*words++);
-    visitKinds(leaf, count, [&](EMemberKind kind) { skipOne(kind, words); });
+    visitKinds(leaf, count, [&](EMemberKind kind) { memberKind(kind).skip(words); });
 }
 
 void release(Leaf const & leaf, std::uint64_t *& words) noexcept {
-    if (leaf.kind != EMemberKind::Vector) return releaseOne(leaf.kind, words);
+    if (leaf.kind != EMemberKind::Vector) return memberKind(leaf.kind).release(words);
     std::size_t const count = static_cast<std::size_t>(*words++);
     releaseElements(leaf, count, words);
 }
@@ -441,22 +229,25 @@ std::size_t elementWords(Leaf const & leaf, void const * field, std::size_t inde
                          std::size_t count) {
     if (leaf.elementKind != EMemberKind::Value && !isText(leaf.elementKind)) return count;
     std::size_t words = 0;
-    visitElements(leaf, field, index, count,
-                  [&](EMemberKind kind, char * element) { words += wordsOfOne(kind, element); });
+    visitElements(leaf, field, index, count, [&](EMemberKind kind, char * element) {
+        words += memberKind(kind).words(element);
+    });
     return words;
 }
 
 void keepElements(Leaf const & leaf, void const * field, std::size_t index, std::size_t count,
                   Asset const * asset, WordBuffer & words) {
-    visitElements(leaf, field, index, count,
-                  [&](EMemberKind kind, char * element) { keepOne(kind, element, asset, words); });
+    visitElements(leaf, field, index, count, [&](EMemberKind kind, char * element) {
+        memberKind(kind).keep(element, asset, words);
+    });
 }
 
 void insertElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count,
                     std::uint64_t const *& words) {
     leaf.functions->insertElements(field, index, count);
-    visitElements(leaf, field, index, count,
-                  [&](EMemberKind kind, char * element) { restoreOne(kind, element, words); });
+    visitElements(leaf, field, index, count, [&](EMemberKind kind, char * element) {
+        memberKind(kind).restore(element, words);
+    });
 }
 
 void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size_t count) {
@@ -464,7 +255,7 @@ void eraseElements(Leaf const & leaf, void * field, std::size_t index, std::size
 }
 
 void releaseElements(Leaf const & leaf, std::size_t count, std::uint64_t *& words) noexcept {
-    visitKinds(leaf, count, [&](EMemberKind kind) { releaseOne(kind, words); });
+    visitKinds(leaf, count, [&](EMemberKind kind) { memberKind(kind).release(words); });
 }
 
 void visitStrong(Leaf const & leaf, std::uint64_t const * words, VisitEntity visit,
@@ -473,7 +264,7 @@ void visitStrong(Leaf const & leaf, std::uint64_t const * words, VisitEntity vis
     if (leaf.kind == EMemberKind::Vector)
         return visitStrongElements(leaf, static_cast<std::size_t>(*words), words + 1, visit,
                                    context);
-    if (Entity * const entity = strong(*words); entity && !(*words & c_counted))
+    if (Entity * const entity = strongTarget(*words); entity && !isCounted(*words))
         visit(context, *entity);
 }
 
@@ -481,9 +272,9 @@ void visitStrongElements(Leaf const & leaf, std::size_t count, std::uint64_t con
                          VisitEntity visit, void * context) {
     if (!leaf.isStrong) return;
     visitKinds(leaf, count, [&](EMemberKind kind) {
-        if (kind == EMemberKind::StrongRef && !(*words & c_counted))
-            if (Entity * const entity = strong(*words)) visit(context, *entity);
-        skipOne(kind, words);
+        if (kind == EMemberKind::StrongRef && !isCounted(*words))
+            if (Entity * const entity = strongTarget(*words)) visit(context, *entity);
+        memberKind(kind).skip(words);
     });
 }
 

@@ -1,18 +1,4 @@
-// The members of a class in a flat list, and how values of each kind are kept in logs.
-//
-// A value in a log is a row of words of eight bytes:
-//
-//   numbers and bool         one word, whose first bytes are the value
-//   String, WideString       the length in characters, then the characters, padded
-//   GlobalizedString         one word, a GlobalizedString
-//   StrongRef                the entity; the lowest bit set if the word owns a count of it, as that
-//                            of an entity of another document does
-//   PassiveRef               one word, a PassiveRef<Entity>
-//   Vector                   the number of elements, then each
-//   Value (in a vector)      its members, one after the other
-//
-// The words of a GlobalizedString, of a PassiveRef and of a counted StrongRef own what they refer
-// to: they are moved from place to place, and given up by `release`.
+// The members of a class in a flat list, and how their values are kept in logs.
 
 #ifndef VN_PLATFORM_DATAMODEL_MEMBERLAYOUTINTERNAL_H
 #define VN_PLATFORM_DATAMODEL_MEMBERLAYOUTINTERNAL_H
@@ -25,6 +11,7 @@
 #include <vector>
 
 #include "Platform/DataModel/Log/WordBuffer.h"
+#include "Platform/DataModel/MemberKindInternal.h"
 #include "Platform/DataModel/MemberSet.h"
 
 namespace Vn {
@@ -91,21 +78,7 @@ inline void * field(Entity & entity, Leaf const & leaf) noexcept {
     return reinterpret_cast<char *>(&entity) + leaf.offset;
 }
 
-// A number of so many bytes in a word, with zeros after it.
-inline std::uint64_t wordOf(std::uint8_t bytes, void const * field) noexcept {
-    std::uint64_t word = 0;
-    switch (bytes) {
-    case 1:
-        std::memcpy(&word, field, 1);
-        break;
-    case 4:
-        std::memcpy(&word, field, 4);
-        break;
-    default:
-        std::memcpy(&word, field, 8);
-    }
-    return word;
-}
+// The number of a leaf.
 inline std::uint64_t numberOf(Leaf const & leaf, void const * field) noexcept {
     return wordOf(leaf.numberBytes, field);
 }

@@ -120,11 +120,16 @@ MemberSet::~MemberSet() = default;
 
 void MemberSet::refuse(std::string const & cause) {
     std::string const text = "the class " + m_className + " can't be registered: " + cause;
+    clear();
+    throw std::invalid_argument(text);
+}
+
+void MemberSet::clear() noexcept {
     m_byName.clear();
     m_members.clear();
     m_pObject = nullptr;
+    m_pBase = nullptr;
     m_bInitialized = false;
-    throw std::invalid_argument(text);
 }
 
 void MemberSet::checkKind(std::string const & path, char const * typeName, MemberMetaType * type,
@@ -153,8 +158,8 @@ void MemberSet::initialize(void * object, char const * className) {
         m_className = className;
         refuse("another class has its id, " + m_pMetaType->identifier());
     }
-    m_pObject = object;
     m_className = className;
+    m_pObject = object;
     m_bInitialized = true;
 }
 
@@ -163,10 +168,20 @@ Member * MemberSet::addNewMember(std::string const & name, void * fieldAddress,
                                  TemplatizedFunctions * functions, void ** extra) {
     std::unique_ptr<TemplatizedFunctions> owned(functions);
     if (extra) *extra = nullptr;
+    try {
+        return add(name, fieldAddress, typeName, type, owned);
+    } catch (...) { // a set that isn't complete would be taken for one that is
+        clear();
+        throw;
+    }
+}
+
+Member * MemberSet::add(std::string const & name, void * fieldAddress, char const * typeName,
+                        MemberMetaType * type, std::unique_ptr<TemplatizedFunctions> & functions) {
     std::string const path = m_className + '.' + name;
     if (!m_bInitialized) refuse("the member " + name + " comes before the class is named");
     if (m_byName.contains(name)) refuse("there are two members " + path);
-    checkKind(path, typeName, type, functions);
+    checkKind(path, typeName, type, functions.get());
     char const * origin = static_cast<char const *>(m_pObject);
     char const * const place = static_cast<char const *>(fieldAddress);
     bool inHelper = false;
@@ -182,7 +197,7 @@ Member * MemberSet::addNewMember(std::string const & name, void * fieldAddress,
         }
     }
     Member & added = m_members.emplace_back(name, place - origin, inHelper,
-                                            typeName ? typeName : "", type, std::move(owned));
+                                            typeName ? typeName : "", type, std::move(functions));
     m_byName.emplace(added.name(), &added);
     return &added;
 }

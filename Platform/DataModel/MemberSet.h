@@ -7,13 +7,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include <tbb/spin_rw_mutex.h>
 
+#include "Platform/Base/Status.h"
 #include "Platform/DataModel/Export.h"
 #include "Platform/DataModel/MemberMetaType.h"
 
@@ -25,6 +28,7 @@ using spin_rw_mutex_v3 = spin_rw_mutex;
 
 namespace Vn {
 
+class Entity;
 class MetaType;
 
 // One persisted field.
@@ -72,6 +76,36 @@ public:
         return *this;
     }
 
+    // How EntityMembers sets the field, which stores values by itself unless the class says here
+    // what else is to happen.  Undo, redo and loading ask neither.
+
+    // Has the field refuse every value, with the reason as a part of a sentence: "the number is
+    // given when the group is made".
+    Member & readOnly(std::string reason) {
+        m_readOnly = std::move(reason);
+        return *this;
+    }
+    // Why the field can't be set; empty if it can.
+    std::string const & readOnly() const noexcept { return m_readOnly; }
+
+    // Has values go through an operation of the class, which opens its own bracket, or refuses the
+    // value with a Status whose cause says why.  `Value` is the type of the field.
+    template <class Class, class Value>
+    Member & setter(Status (*operation)(Class & object, Value const & value)) {
+        m_setter = [operation](Entity & entity, std::function<void(void *)> const & read) {
+            Value value{};
+            read(&value);
+            return operation(static_cast<Class &>(entity), value);
+        };
+        return *this;
+    }
+    // Whether there is such an operation, and calling it: `read` puts the value into a field of the
+    // type.  For the data model's own use.
+    bool hasSetter() const noexcept { return static_cast<bool>(m_setter); }
+    Status set(Entity & entity, std::function<void(void *)> const & read) const {
+        return m_setter(entity, read);
+    }
+
 private:
     std::string const m_name;
     std::string const m_typeName;
@@ -80,6 +114,8 @@ private:
     std::ptrdiff_t const m_offset;
     bool const m_bInHelper;
     std::uint32_t m_options = OptionsDefault;
+    std::string m_readOnly;
+    std::function<Status(Entity &, std::function<void(void *)> const &)> m_setter;
 };
 
 // The persisted fields of one class in one version, in order, chained to those of its base.  It is
@@ -88,7 +124,8 @@ private:
 // A class that describes itself wrongly is a programmer's mistake.  It shows at the first object:
 // the operations that fill the set throw std::invalid_argument, which names the class and the
 // member, and the set is empty again, so that each further object of the class fails in the same
-// way.
+// way.  If memory runs out they throw std::bad_alloc, the set is empty too, and the next object
+// fills it.  What else may throw while a class fills its set ends with `clear`.
 class VN_DATAMODEL_API MemberSet {
 public:
     // `type` is the class's meta type.
@@ -116,6 +153,8 @@ public:
     // an enumeration, is taken for what the kind says.
     Member * addNewMember(std::string const & name, void * fieldAddress, char const * typeName,
                           MemberMetaType * type, TemplatizedFunctions * functions, void ** extra);
+    // Empties the set, as it was before `initialize`: for a filling that something ended.
+    void clear() noexcept;
     // The set of the base class; null at the end.
     void base(MemberSet * set) noexcept { m_pBase = set; }
     MemberSet * base() const noexcept { return m_pBase; }
@@ -130,6 +169,8 @@ public:
     Member const * find(std::string_view name) const noexcept;
 
 private:
+    Member * add(std::string const & name, void * fieldAddress, char const * typeName,
+                 MemberMetaType * type, std::unique_ptr<TemplatizedFunctions> & functions);
     [[noreturn]] void refuse(std::string const & cause);
     void checkKind(std::string const & path, char const * typeName, MemberMetaType * type,
                    TemplatizedFunctions const * functions);

@@ -8,6 +8,23 @@
 
 namespace Vn {
 
+namespace {
+
+// Has a member set filled by the class unless it is, all or nothing.
+template <class Fill>
+void fillIfNeeded(MemberSet & set, Fill && fill) {
+    tbb::spin_rw_mutex_v3::scoped_lock const lock(set.mutex(), true);
+    if (set.initialized()) return;
+    try {
+        fill();
+    } catch (...) {
+        set.clear();
+        throw;
+    }
+}
+
+} // namespace
+
 MetaType::MetaType(std::string id, std::string name, unsigned version, std::string baseIdentifier)
     : m_id(std::move(id)), m_name(std::move(name)), m_version(version),
       m_baseIdentifier(std::move(baseIdentifier)), m_pLatest(std::make_unique<MemberSet>(this)),
@@ -26,10 +43,11 @@ MemberSet * MetaType::memberSet(unsigned version) const {
 
 MemberSet * MetaType::makeMemberSet(unsigned version, bool & made) {
     std::lock_guard const guard(m_mutex);
-    auto & set = m_older[version];
-    made = !set;
-    if (made) set = std::make_unique<MemberSet>(this);
-    return set.get();
+    auto const found = m_older.find(version);
+    made = found == m_older.end();
+    if (!made) return found->second.get();
+    auto set = std::make_unique<MemberSet>(this);
+    return m_older.emplace(version, std::move(set)).first->second.get();
 }
 
 EntityMetaType::EntityMetaType(std::string addInIdentifier, std::string id, std::string name,
@@ -59,8 +77,7 @@ void EntityMetaType::migratingMemberSetIfNeeded(Entity * entity, unsigned versio
     if (version == c_latestVersion || version == this->version()) return;
     bool made = false;
     MemberSet * const set = makeMemberSet(version, made);
-    tbb::spin_rw_mutex_v3::scoped_lock const lock(set->mutex(), true);
-    if (!set->initialized()) onMigratingMemberSet(entity, version, set);
+    fillIfNeeded(*set, [&] { onMigratingMemberSet(entity, version, set); });
 }
 
 DataModel::MemberLayout const & EntityMetaType::layout() {
@@ -91,8 +108,7 @@ ValueMetaType::~ValueMetaType() = default;
 
 MemberSet * ValueMetaType::memberSetOf(void * value) {
     MemberSet * const set = memberSet(c_latestVersion);
-    tbb::spin_rw_mutex_v3::scoped_lock const lock(set->mutex(), true);
-    if (!set->initialized()) onMigratingMemberSet(value, version(), set, VisitorContext());
+    fillIfNeeded(*set, [&] { onMigratingMemberSet(value, version(), set, VisitorContext()); });
     return set;
 }
 

@@ -4,9 +4,9 @@
 #include <limits>
 #include <utility>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Asset.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/ScriptableObject.h"
 #include "Platform/DataModel/Segment.h"
 

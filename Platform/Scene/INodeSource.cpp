@@ -1,6 +1,6 @@
 #include "Platform/Scene/INodeSource.h"
 
-#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/Base/InterfaceId.h"
 
 namespace Vn::Scene {
 

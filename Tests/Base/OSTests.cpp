@@ -1,5 +1,6 @@
 #include "Platform/Base/OS.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -31,6 +32,50 @@ TEST(OSTests, ExecutableDirectoryHoldsThisProgram) {
         found = found || entry.path().stem() == "VnBase10Tests";
     EXPECT_TRUE(found) << directory;
 }
+
+#ifndef _WIN32
+
+TEST(OSTests, AnInterruptionIsNotedAndForgotten) {
+    EXPECT_FALSE(Vn::OS::wasInterrupted());
+    Vn::OS::NotedInterruptions const noted;
+    EXPECT_FALSE(Vn::OS::wasInterrupted());
+    std::raise(SIGINT);
+    EXPECT_TRUE(Vn::OS::wasInterrupted());
+    Vn::OS::forgetInterruption();
+    EXPECT_FALSE(Vn::OS::wasInterrupted());
+}
+
+TEST(OSTests, NotesOfInterruptionsNest) {
+    {
+        Vn::OS::NotedInterruptions const outer;
+        { Vn::OS::NotedInterruptions const inner; }
+        std::raise(SIGINT);
+        EXPECT_TRUE(Vn::OS::wasInterrupted());
+    }
+    EXPECT_FALSE(Vn::OS::wasInterrupted());
+}
+
+TEST(OSTests, AfterwardsASignalDoesWhatItDidBefore) {
+    static volatile std::sig_atomic_t s_count = 0;
+    auto * const before = std::signal(SIGINT, [](int) { s_count = s_count + 1; });
+    {
+        Vn::OS::NotedInterruptions const noted;
+        std::raise(SIGINT);
+    }
+    EXPECT_EQ(s_count, 0);
+    std::raise(SIGINT);
+    EXPECT_EQ(s_count, 1);
+    // A process that ignores it goes on to.
+    std::signal(SIGINT, SIG_IGN);
+    {
+        Vn::OS::NotedInterruptions const noted;
+        std::raise(SIGINT);
+        EXPECT_FALSE(Vn::OS::wasInterrupted());
+    }
+    std::signal(SIGINT, before);
+}
+
+#endif
 
 TEST(OSTests, ClassNamesReadAsInTheSource) {
     EXPECT_EQ(Vn::OS::className(typeid(Module)), "Vn::OS::Module");

@@ -217,4 +217,41 @@ TEST(TextTests, FoldingIsThatOfAscii) {
     EXPECT_TRUE(Text::foldedEqual("mM\xC3", "Mm\xC3"));
 }
 
+TEST(TextTests, PositionsOf16BitsHaveAnIndex) {
+    std::wstring_view const text = L"a\U0001F4CFb";
+    std::size_t const wide = text.size() - 2; // 2 on Windows
+    EXPECT_EQ(Text::indexAt16(text, 0), 0U);
+    EXPECT_EQ(Text::indexAt16(text, 1), 1U);
+    EXPECT_EQ(Text::indexAt16(text, 2), 1 + wide); // between the halves
+    EXPECT_EQ(Text::indexAt16(text, 3), 1 + wide);
+    EXPECT_EQ(Text::indexAt16(text, 4), text.size());
+    EXPECT_EQ(Text::indexAt16(text, 4000000000), text.size());
+    EXPECT_EQ(Text::indexAt16(L"", 7), 0U);
+    EXPECT_EQ(Text::characterLength(text, 0), 1U);
+    EXPECT_EQ(Text::characterLength(text, 1), wide);
+    EXPECT_EQ(Text::characterLength(text, 100), 1U);
+}
+
+TEST(TextTests, TrimmedAndClipped) {
+    EXPECT_EQ(Text::trimmed(L" \t a b\u3000"), L"a b");
+    EXPECT_EQ(Text::trimmed(L" \t"), L"");
+    EXPECT_EQ(Text::clipped(L"abc", 3), L"abc");
+    EXPECT_EQ(Text::clipped(L"abcd", 3), L"abc...");
+    EXPECT_EQ(Text::clipped(std::wstring(61, L'x')).size(), 63U);
+}
+
+TEST(TextTests, PrintableTextsStayOnTheirLine) {
+    EXPECT_EQ(Text::printable(L"a\n\x1B\x7F"), L"a\u240A\u241B\u2421");
+    EXPECT_EQ(Text::printable(L"\x85\u202E\u00E4"), L"\uFFFD\uFFFD\u00E4");
+}
+
+TEST(TextTests, ValuesFillTheirPlaces) {
+    EXPECT_EQ(Text::filled(L"%2% after %1%, %1%", {L"a", L"b"}), L"b after a, a");
+    EXPECT_EQ(Text::filled(L"%1%%2%", {L"%2%", L"b"}), L"%2%b");
+    EXPECT_EQ(Text::filled(L"100 % of %3% and %0% and %x%", {L"a"}),
+              L"100 % of %3% and %0% and %x%");
+    EXPECT_EQ(Text::filled(L"%1", {L"a"}), L"%1");
+    EXPECT_EQ(Text::filled(L"", {L"a"}), L"");
+}
+
 } // namespace

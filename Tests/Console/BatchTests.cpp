@@ -5,9 +5,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "Console/SettingsFields.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/WorkedExpressionsInternal.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 #include "Tests/Support/Process.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -71,16 +71,27 @@ TEST(BatchTests, TextThatDoesNotEvaluateHasNoValue) {
     EXPECT_EQ(answer["rebuilt"], "1 / 0");
 }
 
-TEST(BatchTests, IdIsGivenBackAsItWasWritten) {
-    char const * const ids[] = {"null",
-                                "true",
-                                "1.10",
-                                "123456789012345678901234567890",
-                                "\"\\u00e9 \\\" }\"",
-                                "[1, {\"b\": \"]\", \"a\": []}]",
-                                "{}"};
+TEST(BatchTests, IdIsGivenBackAsTheSameValue) {
+    struct Row {
+        char const * written;
+        char const * answered;
+    };
+    Row const rows[] = {
+        {"null", "null"},
+        {"true", "true"},
+        {"-7", "-7"},
+        {"18446744073709551615", "18446744073709551615"},
+        {"1.10", "1.10"},
+        {"123456789012345678901234567890", "123456789012345678901234567890"},
+        {"-1E+2", "-1E+2"},
+        {"0.30000000000000004", "0.30000000000000004"},
+        {"\"\\u00e9 \\\" }\"", "\"\u00e9 \\\" }\""},
+        {R"([1, {"b": "]", "a\"": [], "c":[[],{}]}])", R"([1,{"b":"]","a\"":[],"c":[[],{}]}])"},
+        {"\"\"", "\"\""},
+        {"{}", "{}"}};
     std::string input;
-    for (std::string const id : ids) {
+    for (Row const & row : rows) {
+        std::string const id = row.written;
         input += "{\"x\":{\"id\":5},\"text\":\"2\", \"id\" : " + id + " }\n";
         input += "{\"id\":" + id + ",\"text\":2}\n";
     }
@@ -88,15 +99,25 @@ TEST(BatchTests, IdIsGivenBackAsItWasWritten) {
              "{\"id\":1,\"text\":\"2\",\"id\":2}\n"
              "{\"text\":\"2\"}\n";
     std::vector<std::string> const lines = linesOf(runConsole({"batch"}, input).out);
-    ASSERT_EQ(lines.size(), 2 * std::size(ids) + 3);
+    ASSERT_EQ(lines.size(), 2 * std::size(rows) + 3);
     std::size_t i = 0;
-    for (std::string const id : ids) {
+    for (Row const & row : rows) {
+        std::string const id = row.answered;
         EXPECT_EQ(lines[i++].substr(0, id.size() + 15), "{\"id\":" + id + ",\"tokens\"");
         EXPECT_EQ(lines[i++], "{\"id\":" + id + R"(,"error":"\"text\" must be a text"})");
     }
     EXPECT_EQ(lines[i++].substr(0, 8), "{\"id\":7,");
     EXPECT_EQ(lines[i++].substr(0, 8), "{\"id\":2,");
     EXPECT_EQ(lines[i++].substr(0, 11), "{\"id\":null,");
+}
+
+TEST(BatchTests, ALineThatEndsWithinItsIdHasNone) {
+    for (char const * const line : {R"({"id":)", R"({"id":[1,{"a":)", R"({"id":"a)", R"({"id":1)",
+                                    R"({"id":1} 2)", R"({"id":1e999,"text":"2"})"}) {
+        json const answer = json::parse(runConsole({"batch"}, std::string(line) + '\n').out);
+        EXPECT_EQ(answer["id"], nullptr) << line;
+        EXPECT_TRUE(answer.contains("error")) << line;
+    }
 }
 
 TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
@@ -140,6 +161,42 @@ TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
         EXPECT_EQ(lines[2 * i], rows[i].answer);
         EXPECT_EQ(lines[2 * i + 1].substr(0, 12), "{\"id\":\"good\"");
     }
+}
+
+TEST(BatchTests, AValueIsNotShownInUnitsOfAnotherDimension) {
+    std::vector<std::vector<std::string>> const rows = {
+        {"2 cm", "kg"}, {"2 cm", ""}, {"2", "kg"}, {"3 m / s", "s"}};
+    std::string input;
+    for (auto const & row : rows)
+        input += json{{"id", row[0]}, {"text", row[0]}, {"display", row[1]}}.dump() + '\n';
+    Outcome const outcome = runConsole({"batch"}, input);
+    EXPECT_EQ(outcome.status, 1);
+    std::vector<std::string> const lines = linesOf(outcome.out);
+    ASSERT_EQ(lines.size(), rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        // As `eval` answers.
+        json const shown =
+            json::parse(runConsole({"eval", "--json", rows[i][0], "--display", rows[i][1]}).out);
+        EXPECT_EQ(json::parse(lines[i]), (json{{"id", rows[i][0]}, {"error", shown["error"]}}));
+    }
+    EXPECT_EQ(json::parse(lines[0])["error"],
+              "the value is in cm (Length) and can't be shown in kg (Mass)");
+}
+
+TEST(BatchTests, ADisplayUnitOfTheSameDimensionIsTaken) {
+    std::vector<std::string> const lines =
+        linesOf(runConsole({"batch"}, R"({"text":"20 C","display":"K"})"
+                                      "\n"
+                                      R"({"text":"2","context":"cm","display":"in"})"
+                                      "\n"
+                                      R"({"text":"1/0","display":"kg"})"
+                                      "\n")
+                    .out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(json::parse(lines[0])["formatted"], "293.16 K");
+    EXPECT_EQ(json::parse(lines[1])["formatted"], "0.787 in");
+    // There is nothing to show.
+    EXPECT_EQ(json::parse(lines[2])["evaluated"], false);
 }
 
 TEST(BatchTests, BytesThatAreNotUtf8AreABadLine) {
@@ -261,9 +318,9 @@ TEST(BatchTests, HugeAndHostileLinesAreAnswered) {
 
 json settingsObject(Units::UnitDisplaySettings const & settings) {
     json object = json::object();
-    for (SettingsField const & field : settingsFields()) {
+    for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields()) {
         double const value = field.get(settings);
-        if (field.kind == SettingsField::Kind::Flag)
+        if (field.kind == Units::ESettingsField::Flag)
             object[field.name] = value != 0.0;
         else
             object[field.name] = value;

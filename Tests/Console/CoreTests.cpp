@@ -1,12 +1,13 @@
 // The parts of the console that a process doesn't show alone.
 
-#include <cmath>
 #include <gtest/gtest.h>
+#include <set>
 #include <sstream>
+#include <utility>
 
 #include "Console/CommandLine/SelfTestCommand.h"
-#include "Console/Session/Vocabulary.h"
-#include "Console/SettingsFields.h"
+#include "Console/Evaluation.h"
+#include "Console/SettingsTexts.h"
 #include "Console/Terminal/Excerpt.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
@@ -14,7 +15,7 @@
 #include "Platform/Base/Text.h"
 #include "Platform/Base/UnitTest.h"
 #include "Server/CommonData/Expressions/Expression.h"
-#include "Server/CommonData/Units/UnitLookup.h"
+#include "Server/CommonData/Expressions/Tokenizer.h"
 
 namespace Vn::Console::Tests {
 
@@ -43,14 +44,39 @@ TEST(ExcerptTests, BothLinesTakeTheSameColumns) {
         {L"\uFF11b", 1, L"  ^"}, // fullwidth digit
     };
     for (Row const & row : rows)
-        EXPECT_EQ(excerptAt(row.text, row.position).caret, row.caret) << Text::toUtf8(row.text);
+        EXPECT_EQ(excerptAt(row.text, row.position).marks, row.caret) << Text::toUtf8(row.text);
+}
+
+TEST(ExcerptTests, APieceElsewhereIsUnderlined) {
+    struct Row {
+        wchar_t const * text;
+        std::size_t position;
+        std::size_t start;
+        std::size_t end;
+        wchar_t const * marks;
+    };
+    Row const rows[] = {
+        {L"2 + me 5", 2, 4, 6, L"  ^ ~~"},
+        {L"pow(2)", 5, 0, 3, L"~~~  ^"},
+        {L"abc", 1, 1, 3, L" ^"},            // begins there
+        {L"abc", 2, 0, 3, L"~~^"},           // goes on around it
+        {L"1+\u65E5", 1, 2, 3, L" ^~~"},     // wide
+        {L"\u65E5+x", 0, 2, 3, L"^  ~"},     // after a wide one
+        {L"1\t+\tx", 2, 4, 5, L" \t^\t~"},   // tabs
+        {L"abc", 0, 3, 3, L"^"},             // nothing to underline
+        {L"abc", 3, 1, 4000000000, L" ~~^"}, // beyond the end
+    };
+    for (Row const & row : rows) {
+        EXPECT_EQ(excerptAt(row.text, row.position, row.start, row.end).marks, row.marks)
+            << Text::toUtf8(row.text);
+    }
 }
 
 TEST(ExcerptTests, HalfOfASurrogatePairTakesAColumn) {
     for (int const half : {0xD83D, 0xDCCF}) {
         Excerpt const excerpt = excerptAt(std::wstring(1, static_cast<wchar_t>(half)) + L"b", 1);
         EXPECT_EQ(Text::toUtf8(excerpt.text), "\uFFFDb") << half;
-        EXPECT_EQ(excerpt.caret, L" ^") << half;
+        EXPECT_EQ(excerpt.marks, L" ^") << half;
     }
 }
 
@@ -60,8 +86,8 @@ TEST(ExcerptTests, WindowKeepsThePositionInSight) {
          {std::size_t{0}, std::size_t{5}, text.size() / 2, text.size() - 1, text.size()}) {
         Excerpt const excerpt = excerptAt(text, position);
         EXPECT_LE(excerpt.text.size(), 82u);
-        EXPECT_LE(excerpt.caret.size() - 1, excerpt.text.size());
-        EXPECT_EQ(excerpt.caret.back(), L'^');
+        EXPECT_LE(excerpt.marks.size() - 1, excerpt.text.size());
+        EXPECT_EQ(excerpt.marks.back(), L'^');
         EXPECT_EQ(excerpt.text.substr(0, 3) == L"...", position > 43);
     }
 }
@@ -103,82 +129,86 @@ TEST(TextsTests, CaseOfAsciiLettersDoesNotCount) {
     EXPECT_FALSE(containsFolded(L"\u00C4", L"\u00E4"));
 }
 
-TEST(SettingsFieldsTests, SixteenFieldsInTheOrderOfTheRecord) {
-    std::vector<std::string> names;
-    for (SettingsField const & field : settingsFields()) names.emplace_back(field.name);
-    EXPECT_EQ(names,
-              (std::vector<std::string>{
-                  "generalUnit", "generalPrecision", "angularPrecision", "scientificPrecision",
-                  "lengthDisplay", "degreeDisplay", "compressUnits", "scientificNotation",
-                  "decimalPointIsFullStop", "displayAbbreviated", "displaySymbol",
-                  "specifiedByNode", "hideTrailingZeroes", "minimumPrecision",
-                  "useScientificNotationAboveThreshold", "useScientificNotationBelowThreshold"}));
-}
-
-TEST(SettingsFieldsTests, WhatIsSetIsRead) {
-    Units::UnitDisplaySettings const & standard = Units::UnitDisplaySettings::standard();
-    for (SettingsField const & field : settingsFields()) {
-        Units::UnitDisplaySettings settings = standard;
-        double const other = field.get(settings) == 1.0 ? 0.0 : 1.0;
-        EXPECT_EQ(setSettingsField(field, settings, other), "") << field.name;
-        EXPECT_EQ(field.get(settings), other) << field.name;
-        // And no other field moves.
-        for (SettingsField const & untouched : settingsFields()) {
-            if (&untouched == &field) continue;
-            EXPECT_EQ(untouched.get(settings), untouched.get(standard))
-                << field.name << ' ' << untouched.name;
-        }
+TEST(SettingsTextsTests, EachFieldHasAMeaningOfItsOwn) {
+    std::set<std::wstring> meanings;
+    for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields()) {
+        EXPECT_FALSE(settingMeaning(field).empty()) << field.name;
+        meanings.insert(settingMeaning(field));
     }
+    EXPECT_EQ(meanings.size(), Units::unitDisplaySettingsFields().size());
 }
 
-TEST(SettingsFieldsTests, WholeNumbersHaveARange) {
+TEST(SettingsTextsTests, ValuesOutsideTheRangeAreExplained) {
     Units::UnitDisplaySettings settings = Units::UnitDisplaySettings::standard();
-    SettingsField const & field = *findSettingsField("degreeDisplay");
-    for (double const value : {2.0, -1.0, 0.5, 1e300, std::nan("")}) {
-        EXPECT_EQ(setSettingsField(field, settings, value),
+    Units::UnitDisplaySettingsField const & field =
+        *Units::findUnitDisplaySettingsField("degreeDisplay");
+    for (double const value : {2.0, -1.0, 0.5, 1e300}) {
+        EXPECT_EQ(setSetting(field, settings, value),
                   "degreeDisplay takes a whole number from 0 to 1");
     }
     EXPECT_EQ(field.get(settings), 0.0);
-    EXPECT_EQ(findSettingsField("DegreeDisplay"), nullptr);
+    EXPECT_EQ(setSetting(field, settings, 1.0), "");
+    EXPECT_EQ(field.get(settings), 1.0);
 }
 
-TEST(VocabularyTests, EveryWordIsUnderstoodByExpressions) {
+// Reads nothing, and keeps the texts that are parsed while it is there: each is read once from its
+// beginning, if that is a digit.
+class TextKeeper final : public Expressions::Tokenizer {
+public:
+    TextKeeper() : Tokenizer(FirstDigit) {}
+
+    std::vector<std::wstring> takeTexts() { return std::exchange(m_texts, {}); }
+
+private:
+    Expressions::Reading onRead(std::wstring_view text, std::size_t position) const override {
+        if (position == 0) m_texts.emplace_back(text);
+        return {};
+    }
+
+    mutable std::vector<std::wstring> m_texts;
+};
+
+TEST(EvaluationTests, ARebuiltTextIsReadOnce) {
     Initializer::runAll();
-    std::size_t functions = 0;
-    for (Vocabulary::Word const & word : Vocabulary::get().words()) {
-        EXPECT_TRUE(Vocabulary::isKnown(word.text)) << Text::toUtf8(word.text);
-        if (word.kind == Vocabulary::Kind::Function) {
-            ++functions;
-            continue;
+    using Units::UnitDisplaySettings;
+    using Texts = std::vector<std::wstring>;
+    UnitDisplaySettings inWords = UnitDisplaySettings::standard();
+    inWords.displayAbbreviated(false);
+    Units::UnitContext const anything;
+    TextKeeper keeper;
+    std::ostringstream out;
+
+    Expressions::Expression const length(L"1 in+2cm");
+    Expressions::Expression const rounded(L"1/128 in");
+    EXPECT_EQ(keeper.takeTexts(), (Texts{L"1 in+2cm", L"1/128 in"}));
+    for (auto const show : {&showEvaluation, &showBriefly}) {
+        EXPECT_TRUE(show(length, UnitDisplaySettings::standard(), anything, out, out));
+        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 in + 2 cm"});
+        // A copy of the factory settings, as the user's are at first.
+        EXPECT_TRUE(
+            show(length, UnitDisplaySettings(UnitDisplaySettings::standard()), anything, out, out));
+        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 in + 2 cm"});
+        EXPECT_TRUE(show(length, inWords, anything, out, out));
+        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 inch + 2 centimeter"});
+        // What is stored then isn't the text that is shown.
+        EXPECT_TRUE(show(rounded, UnitDisplaySettings::standard(), anything, out, out));
+        EXPECT_EQ(keeper.takeTexts(), Texts{L"1/64\""});
+    }
+}
+
+TEST(EvaluationTests, TheTextToStoreIsThatOfTheExpression) {
+    Initializer::runAll();
+    Units::UnitDisplaySettings inWords = Units::UnitDisplaySettings::standard();
+    inWords.displayAbbreviated(false);
+    for (wchar_t const * const text : {L"1 in+2cm", L"1/128 in", L"1/0", L"2"}) {
+        Expressions::Expression const expression(text);
+        for (Units::UnitDisplaySettings const & settings :
+             {Units::UnitDisplaySettings::standard(), inWords}) {
+            Evaluation const evaluation = evaluate(expression, settings, {});
+            EXPECT_EQ(textToStore(evaluation, expression), expression.textToStore())
+                << Text::toUtf8(text);
         }
-        // A unit may share its spelling with a function, but not after a number.
-        bool const isConstant = word.kind == Vocabulary::Kind::Constant;
-        EXPECT_TRUE(Expressions::Expression(isConstant ? word.text : L"1 " + word.text))
-            << Text::toUtf8(word.text);
     }
-    EXPECT_EQ(functions, 22u);
-}
-
-TEST(VocabularyTests, LookingWordsUpMakesNoUnits) {
-    Initializer::runAll();
-    Vocabulary const & vocabulary = Vocabulary::get();
-    auto const units = [] { return Units::listUnits().size(); };
-    std::size_t const before = units();
-    EXPECT_TRUE(Vocabulary::isKnown(L"attohenry"));
-    EXPECT_TRUE(Vocabulary::isKnown(L"Es"));
-    vocabulary.nearest(L"ATTOHENRI");
-    EXPECT_EQ(units(), before);
-}
-
-TEST(VocabularyTests, WhatCannotBeTypedIsNotSuggested) {
-    for (Vocabulary::Word const & word : Vocabulary::get().words()) {
-        EXPECT_EQ(word.text.find(L'_'), std::wstring::npos) << Text::toUtf8(word.text);
-        EXPECT_NE(word.text, L"\"");
-    }
-}
-
-TEST(VocabularyTests, LongNamesAreNearNothing) {
-    EXPECT_TRUE(Vocabulary::get().nearest(std::wstring(10000000, L'm')).empty());
 }
 
 void failing(UnitTest & test) {

@@ -122,8 +122,15 @@ TEST_F(DocumentCommandTests, JsonIsOneObjectALineAndNothingElse) {
                                   "HasParent: 1) HasClientObject: 0");
     // The flag of the text command does the same.
     std::string const all = document("tree --json").out;
-    EXPECT_EQ(document("tree /Json").out, all + "\n");
+    EXPECT_EQ(document("tree /Json").out, all);
+    EXPECT_EQ(document("--json tree /json").out, all);
     EXPECT_EQ(document("--json").out, all);
+    // A part of it is told as within the whole.
+    for (char const * const part : {"tree 0/1 --json", "tree #4 --json"}) {
+        std::string const line = document(part).out;
+        ASSERT_FALSE(line.empty());
+        EXPECT_NE(all.find('\n' + line), std::string::npos) << line;
+    }
 }
 
 TEST_F(DocumentCommandTests, CommandsAreSeparatedByCommasOrThen) {
@@ -207,7 +214,7 @@ TEST_F(DocumentCommandTests, WrongCommandsAreExplained) {
     Row const rows[] = {
         {"make 0/0/0",
          "cannot make a group: Groups/CmnData[0]/CmnData[0]/CmnData[0] isn't a group\n"},
-        {"make 0 1", "cannot make a group: \"1\" is too much: Groups.Make [Parent]\n"},
+        {"make 0 1", "cannot make a group: \"1\" is too much: Groups.Make [Parent] [/Custom]\n"},
         {"add", "cannot add entities: more is needed: Groups.Add <Parent> [Count]\n"},
         {"add 0 0", "cannot add entities: \"0\" isn't a whole number from 1 to 1000000\n"},
         {"add 0 many", "cannot add entities: \"many\" isn't a whole number from 1 to 1000000\n"},
@@ -243,7 +250,7 @@ TEST_F(DocumentCommandTests, WrongCommandsAreExplained) {
         {"redo", "cannot redo: nothing was undone last\n"},
         {"make, undo, make, redo", "cannot redo: nothing was undone last\n"},
         {"make 0 /Fast", "cannot make a group: \"/Fast\" isn't a flag of it, and a path goes in "
-                         "quotes: Groups.Make [Parent]\n"},
+                         "quotes: Groups.Make [Parent] [/Custom]\n"},
     };
     std::string const before = readFile("a.vnd");
     for (Row const & row : rows) {
@@ -388,16 +395,16 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
         {"make, mvoe 0 before 1",
          "vnconsole: there is no command \"mvoe\" on documents; did you mean move?\n"},
         {"frobnicate",
-         "vnconsole: there is no command \"frobnicate\" on documents; the commands are new, tree, "
-         "undo, redo, history, check, make, add, remove, move, delete\n"},
+         "vnconsole: there is no command \"frobnicate\" on documents; the commands are new, make, "
+         "add, remove, move, delete, show, set, tree, undo, redo, history, check\n"},
         {"Units.List",
          "vnconsole: there is no command \"Units.List\" on documents; the commands are "
-         "new, tree, undo, redo, history, check, make, add, remove, move, delete\n"},
+         "new, make, add, remove, move, delete, show, set, tree, undo, redo, history, check\n"},
         {"make, saveas b.vnd", "vnconsole: saveas belongs to a session; here the file is opened "
                                "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},
         {"check, tree", "vnconsole: check stands alone, and looks at the file\n"},
-        {"make --json", "vnconsole: --json goes with the command tree\n"},
+        {"make --json", "vnconsole: --json goes with the command show or tree\n"},
     };
     makeSample();
     std::string const before = readFile("a.vnd");
@@ -432,6 +439,50 @@ TEST_F(DocumentCommandTests, CheckTellsWhatIsWrong) {
     Outcome const foreign = document("check");
     EXPECT_EQ(foreign.status, 1);
     EXPECT_EQ(foreign.err, "a.vnd is damaged:\n  it is not a document\n");
+}
+
+#ifndef _WIN32
+
+TEST_F(DocumentCommandTests, AFileNameThatIsTooLongIsToldAsThat) {
+    std::string const name(300, 'x');
+    std::string const why =
+        " the document '" + name + "': invalid argument: the name is longer than names may be\n";
+    EXPECT_EQ(document("make", name).err, "cannot open" + why);
+    EXPECT_EQ(document("check", name).err, "cannot check" + why);
+    EXPECT_EQ(document("new", name).err, "cannot save" + why);
+}
+
+#endif
+
+TEST_F(DocumentCommandTests, CheckTellsTypesOfAnotherProgramFromDamage) {
+    makeSample();
+    execute("a.vnd", "UPDATE types SET id = 'Foreign', name = 'ForeignMetaType' "
+                     "WHERE name = 'CommonBaseEntityMetaType'");
+    Outcome const foreign = document("check");
+    EXPECT_EQ(foreign.status, 3);
+    EXPECT_EQ(foreign.out, "");
+    EXPECT_EQ(foreign.err, "nothing is damaged in a.vnd, but it has entities of types that this "
+                           "program doesn't know:\n  ForeignMetaType (Foreign)\n");
+    Outcome const opened = document("tree");
+    EXPECT_EQ(opened.status, 1);
+    EXPECT_EQ(opened.err, "cannot open the document 'a.vnd': not supported: the type "
+                          "ForeignMetaType (Foreign) isn't known to this program\n");
+
+    execute("a.vnd", "UPDATE roots SET entity = 99");
+    Outcome const both = document("check");
+    EXPECT_EQ(both.status, 1);
+    EXPECT_EQ(both.err, "a.vnd is damaged:\n  the root Groups: there is no such entity\n"
+                        "it also has entities of types that this program doesn't know:\n"
+                        "  ForeignMetaType (Foreign)\n");
+}
+
+TEST_F(DocumentCommandTests, CheckDoesNotTakeALaterVersionForDamage) {
+    makeSample();
+    execute("a.vnd", "UPDATE types SET version = 77 WHERE name = 'CommonBaseEntityMetaType'");
+    Outcome const outcome = document("check");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err.find("damaged"), std::string::npos) << outcome.err;
+    EXPECT_NE(outcome.err.find("written by a later version"), std::string::npos) << outcome.err;
 }
 
 TEST_F(DocumentCommandTests, CutFilesEndInAReasonAndNeverInACrash) {

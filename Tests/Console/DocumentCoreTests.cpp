@@ -6,13 +6,15 @@
 #include <sstream>
 #include <vector>
 
+#include "Console/Documents/Command.h"
+#include "Console/Documents/CommandTable.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/TextCommands.h"
 #include "Console/Documents/Tree.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 #include "Tests/Console/DocumentFixture.h"
 
@@ -50,6 +52,30 @@ TEST_F(DocumentCoreTests, ANewDocumentHasARootGroupAndNoHistory) {
     EXPECT_EQ(m_session.history().undoSteps(), 0u);
     EXPECT_FALSE(m_session.hasUnsavedChanges());
     EXPECT_FALSE(m_session.history().canUndo());
+}
+
+TEST_F(DocumentCoreTests, EveryRowOfTheTableIsACommand) {
+    TextCommandService const & service = TextCommandService::get();
+    for (DocumentCommand const & row : documentCommands()) {
+        SCOPED_TRACE(row.alias);
+        std::wstring const alias = Text::widen(row.alias);
+        EXPECT_EQ(findDocumentCommand(alias), &row);
+        EXPECT_EQ(findDocumentCommand(std::wstring(row.area) + L'.' + row.name), &row);
+        TextCommand const * const command = service.find({}, alias);
+        ASSERT_TRUE(command);
+        EXPECT_EQ(command->subjectArea(), row.area);
+        EXPECT_EQ(command->name(), row.name);
+        EXPECT_NE(row.run != nullptr, row.write != nullptr);
+        EXPECT_LE(row.least, row.most);
+        // The help of `vnconsole document` tells of those that a call may hold.
+        bool const isTold =
+            documentCallsText().find("\n  " + std::string(row.alias) + ' ') != std::string::npos;
+        EXPECT_EQ(isTold, row.call != EDocumentCall::None);
+    }
+    EXPECT_EQ(findDocumentCommand(L"TREE"), findDocumentCommand(L"document.tree"));
+    for (wchar_t const * const word :
+         {L"", L".", L"Groups.", L"Groups.Tree", L"Units.List", L"tre"})
+        EXPECT_EQ(findDocumentCommand(word), nullptr) << Text::toUtf8(word);
 }
 
 TEST_F(DocumentCoreTests, EveryChangeIsOneStep) {
@@ -122,8 +148,8 @@ TEST_F(DocumentCoreTests, ParentsInACircleLeadToNoRoot) {
     first->nullParent();
     second->addChild(first);
     EXPECT_EQ(entityPath(*first), L"");
-    EXPECT_FALSE(isWithin(*first, *root));
-    EXPECT_TRUE(isWithin(*first, *second));
+    EXPECT_FALSE(Managed::isWithin(*first, *root));
+    EXPECT_TRUE(Managed::isWithin(*first, *second));
     EXPECT_EQ(answer(L"tree #2"), "cannot show the tree: #2 isn't part of the tree");
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "Console/Documents/CommandTable.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/TextCommands.h"
 #include "Console/Session/Completion.h"
@@ -234,11 +235,24 @@ TEST_F(DocumentSessionFileTests, TheExamplesOfHelpFollowOneAnother) {
         lines += line.substr(2, line.find("  ", 2) - 2) + '\n';
         ++count;
     }
-    EXPECT_EQ(count, 12u);
+    EXPECT_EQ(count, 15u);
     Outcome const outcome = session(lines);
     EXPECT_EQ(outcome.status, 0) << lines;
     EXPECT_EQ(outcome.err, "");
     EXPECT_NE(outcome.out.find("nothing is wrong with a.vnd\n"), std::string::npos);
+}
+
+TEST_F(DocumentSessionTests, HelpTellsOfEveryCommand) {
+    EXPECT_EQ(session("help move\nhelp Document.Tree\n").out,
+              "  move <Path> before|after|into <Path>  Moves an entity before or after another, or "
+              "to the end of a group\n"
+              "  tree [Path] [/Json]  Lists the entities, or those at a path and below it\n");
+    for (DocumentCommand const & command : documentCommands()) {
+        Outcome const outcome = session(std::string("help ") + command.alias + "\n");
+        EXPECT_EQ(outcome.status, 0) << command.alias;
+        EXPECT_NE(outcome.out.find(Text::toUtf8(command.meaning)), std::string::npos)
+            << command.alias;
+    }
 }
 
 TEST_F(DocumentSessionTests, CommandsAreCompletedAndListed) {
@@ -257,7 +271,11 @@ TEST_F(DocumentSessionTests, CommandsAreCompletedAndListed) {
                   (std::vector<std::wstring>{L"Groups.Make", L"Groups.Add", L"Groups.Remove",
                                              L"Groups.Move", L"Groups.Delete"}));
         EXPECT_EQ(texts(L"document.s"),
-                  (std::vector<std::wstring>{L"Document.Save", L"Document.SaveAs"}));
+                  (std::vector<std::wstring>{L"Document.Show", L"Document.Set", L"Document.Save",
+                                             L"Document.SaveAs"}));
+        EXPECT_EQ(texts(L"sav"), (std::vector<std::wstring>{L"save", L"saveas"}));
+        EXPECT_EQ(texts(L"und"), std::vector<std::wstring>{L"undo"});
+        EXPECT_EQ(texts(L"help dele"), std::vector<std::wstring>{L"delete"});
     }
     EXPECT_TRUE(texts(L"Groups.").empty());
 }

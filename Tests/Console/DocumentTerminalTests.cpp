@@ -58,6 +58,45 @@ TEST_F(DocumentTerminalTests, TheEndOfTheInputAsksToo) {
     EXPECT_EQ(session.waitForEnd(), 0);
 }
 
+TEST_F(DocumentTerminalTests, ControlCEndsACommandAndKeepsTheSession) {
+    TerminalSession session({}, environment());
+    session.type("new\rmake\r");
+    ASSERT_TRUE(session.waitFor("made Groups/CmnData[0] (#2)\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
+    session.type("add 0 1000000\r");
+    ASSERT_TRUE(session.waitForRun());
+    session.type("\x03");
+    ASSERT_TRUE(session.waitFor("cannot add entities: it was interrupted; the document is as it "
+                                "was before\r\n"))
+        << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
+    // The next command runs, and nothing is left of the one before.
+    session.type("make\rhistory\r");
+    EXPECT_TRUE(session.waitFor("made Groups/CmnData[1]")) << session.screen();
+    EXPECT_TRUE(session.waitFor("1  make Groups/CmnData[0]")) << session.screen();
+    EXPECT_TRUE(session.waitFor("2  make Groups/CmnData[1]")) << session.screen();
+    EXPECT_TRUE(session.waitFor("the document has changes and no file\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt()) << session.screen();
+    session.type("saveas a.vnd\r");
+    ASSERT_TRUE(session.waitFor("saved ")) << session.screen();
+    session.type("tree\rquit\r");
+    EXPECT_EQ(session.waitForEnd(), 0);
+    EXPECT_EQ(places(document("tree").out).find("Groups/CmnData[0]/"), std::string::npos);
+}
+
+TEST_F(DocumentTerminalTests, ControlCEndsALongTreeAndTheCommandsAfterIt) {
+    ASSERT_EQ(document("new, make, add 0 20000").status, 0);
+    std::string const before = readFile("a.vnd");
+    // What isn't read from the terminal yet keeps the tree from coming to its end.
+    TerminalSession session({"document", "a.vnd", "tree,", "make"}, environment());
+    ASSERT_TRUE(session.waitFor("Groups  #1")) << session.screen();
+    session.type("\x03");
+    EXPECT_TRUE(session.waitFor("cannot show the tree: it was interrupted\r\n"));
+    EXPECT_TRUE(session.waitFor("nothing was saved\r\n"));
+    EXPECT_EQ(session.waitForEnd(), 130);
+    EXPECT_EQ(readFile("a.vnd"), before);
+}
+
 TEST_F(DocumentTerminalTests, AFileThatChangedMeanwhileIsntOverwritten) {
     ASSERT_EQ(document("new").status, 0);
     TerminalSession first({}, environment());

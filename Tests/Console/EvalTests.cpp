@@ -133,7 +133,7 @@ TEST(EvalTests, JsonIsOneObjectALine) {
         R"("rebuiltReadsBack":false,"textToStore":"1/128"})"
         "\n"
         R"({"text":"CM","parsed":false,"result":"abruptTermination","position":0,)"
-        R"("error":"Abrupt Termination",)"
+        R"("reason":"unknownName","start":0,"end":2,"error":"Abrupt Termination",)"
         R"("explanation":"\"CM\" isn't a unit, a function or a constant","suggestions":["cm"],)"
         R"("hint":""})"
         "\n"
@@ -226,7 +226,9 @@ TEST(EvalTests, ConflictingUnitsAreTold) {
     Outcome const outcome = runConsole({"eval", "1kg + 1cm"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
-              "Units don't Evaluate: the units of its parts don't go together\n  1kg + 1cm\n");
+              "Units don't Evaluate: the units on the two sides of \"+\" don't go together\n"
+              "  1kg + 1cm\n"
+              "      ^\n");
 }
 
 TEST(EvalTests, TextIsUtf8) {

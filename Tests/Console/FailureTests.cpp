@@ -20,6 +20,10 @@ void expectFailure(Row const & row) {
     EXPECT_EQ(outcome.status, 1) << row.text;
 }
 
+std::string lastLine(std::string const & text) {
+    return text.substr(text.rfind('\n', text.size() - 2) + 1);
+}
+
 template <std::size_t N>
 void expectFailures(Row const (&rows)[N]) {
     for (Row const & row : rows) expectFailure(row);
@@ -67,19 +71,19 @@ TEST(FailureTests, CaretDoesNotCountCombiningCharacters) {
     expectFailure({"2 + me\u0301 5", "Parse error at character 2: \"me\u0301\" isn't a unit, a "
                                      "function or a constant\n"
                                      "  2 + me\u0301 5\n"
-                                     "    ^\n"});
+                                     "    ^ ~~\n"});
     // "e" with an acute accent is one column of two characters.
     expectFailure({"e\u0301 + 2", "Parse error at character 3: \"e\u0301\" isn't a unit, a "
                                   "function or a constant\n"
                                   "  e\u0301 + 2\n"
-                                  "    ^\n"});
+                                  "  ~ ^\n"});
 }
 
 TEST(FailureTests, PositionsCountTwoForCharactersAboveTheFirstPlane) {
     expectFailure({"\U0001F4CF + 2", "Parse error at character 3: \"\U0001F4CF\" isn't a unit, a "
                                      "function or a constant\n"
                                      "  \U0001F4CF + 2\n"
-                                     "     ^\n"});
+                                     "  ~~ ^\n"});
 }
 
 TEST(FailureTests, TabsStandInBothLines) {
@@ -93,7 +97,7 @@ TEST(FailureTests, ControlCharactersAreShownByTheirPictures) {
     expectFailure({"1 +\n\x1B 2", "Parse error at character 2: \"\u241B\" isn't a unit, a function "
                                   "or a constant\n"
                                   "  1 +\u240A\u241B 2\n"
-                                  "    ^\n"});
+                                  "    ^ ~\n"});
     // A mark that reverses the direction of what follows is replaced.
     expectFailure({"1 & \u202E 2", "Parse error at character 2: \"&\" has no meaning in an "
                                    "expression\n"
@@ -135,7 +139,7 @@ TEST(FailureTests, UnknownNamesGetTheNearestSpelling) {
         Outcome const outcome = runConsole({"eval", row.text});
         EXPECT_EQ(outcome.status, 1) << row.text;
         ASSERT_GE(outcome.err.size(), std::string(row.suggestion).size()) << row.text;
-        EXPECT_EQ(outcome.err.substr(outcome.err.find("^\n") + 2), row.suggestion) << row.text;
+        EXPECT_EQ(lastLine(outcome.err), row.suggestion) << row.text;
     }
 }
 
@@ -173,7 +177,7 @@ TEST(FailureTests, WhatStandsRightAfterAFractionGetsAHint) {
     for (Hint const & row : rows) {
         Outcome const outcome = runConsole({"eval", row.text});
         EXPECT_EQ(outcome.status, 1) << row.text;
-        EXPECT_EQ(outcome.err.substr(outcome.err.find("^\n") + 2), row.hint) << row.text;
+        EXPECT_EQ(lastLine(outcome.err), row.hint) << row.text;
     }
 }
 
@@ -205,10 +209,8 @@ TEST(FailureTests, ExplanationsNameWhatIsWrong) {
         {"2 = 2", "\"=\" has no meaning in an expression"},
         {"2 & 3", "\"&\" has no meaning in an expression"},
         {"{2}", "\"{\" has no meaning in an expression"},
-        {"2cm^0.5", "the exponent of a unit must be a whole number above zero, and a unit has 4096 "
-                    "factors at most"},
-        {"cm^-1", "the exponent of a unit must be a whole number above zero, and a unit has 4096 "
-                  "factors at most"},
+        {"2cm^0.5", "the exponent of a unit must be a whole number above zero"},
+        {"cm^-1", "the exponent of a unit must be a whole number above zero"},
         {"(2 + 3) cm", "a unit can stand only after a number"},
         {"2 PI", "an operator is missing in front of \"PI\""},
         {"2 *", "nothing that can be used follows \"*\""},

@@ -39,7 +39,7 @@ TEST(PipedSessionTests, BadLinesAreToldAndTheRestIsDone) {
               "  did you mean cm?\n"
               "Parse error at character 3: a number can't follow the fraction \"7/2\"\n"
               "  7/2.2\n"
-              "     ^\n"
+              "  ~~~^\n"
               "  \"7/2\" was read as a fraction; put the divisor in brackets: 7/(2.2)\n"
               "no value: a divisor is nearly zero, a number is too large, or a function isn't "
               "defined for its argument\n"

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/File/Circles.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn::Testing {
 
@@ -56,8 +57,8 @@ std::vector<StoredChunk> apply(std::vector<StoredChunk> const & stored,
         EXPECT_TRUE(rows.emplace(row.number, chunks[row.chunk]).second);
     std::vector<StoredChunk> result;
     for (auto const & [number, items] : rows) {
-        EXPECT_GT(number, -c_chunkLimit);
-        EXPECT_LT(number, c_chunkLimit);
+        EXPECT_GT(number, -Limits::c_chunkNumber);
+        EXPECT_LT(number, Limits::c_chunkNumber);
         result.push_back({number, items});
     }
     return result;
@@ -174,8 +175,10 @@ TEST(DocumentFileListsTests, RandomChangesGiveTheNewList) {
 }
 
 TEST(DocumentFileListsTests, RowsOfAForeignFileAreNumberedAnewWhereThereIsNoRoom) {
-    std::vector<StoredChunk> const stored = {
-        {-c_chunkLimit + 1, "[1]"}, {5, "[2]"}, {6, "[3]"}, {c_chunkLimit - 1, "[4]"}};
+    std::vector<StoredChunk> const stored = {{-Limits::c_chunkNumber + 1, "[1]"},
+                                             {5, "[2]"},
+                                             {6, "[3]"},
+                                             {Limits::c_chunkNumber - 1, "[4]"}};
     std::size_t rows = 0;
     replaced(stored, {"[0]", "[9]", "[1]", "[2]", "[7]", "[3]", "[4]", "[8]"}, rows);
     replaced(stored, {"[1]", "[2]", "[7]", "[3]", "[4]"}, rows);

@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <fstream>
 #include <map>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Platform/Base/OS.h"
 #include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
@@ -576,6 +578,50 @@ TEST_F(DocumentFileTests, ALaterVersionOfATypeIsRefused) {
     EXPECT_THAT(status.toString(), HasSubstr("EverythingMetaType (Test-Everything) has version 4"));
 }
 
+#ifndef _WIN32
+
+TEST_F(DocumentFileTests, ANameThatIsTooLongIsToldAsThat) {
+    TemporaryFile const file;
+    StrongRef<Asset> asset = Asset::make(nullptr);
+    std::filesystem::path const directory = file.path().parent_path();
+    std::vector<std::string> findings;
+    std::filesystem::path const longest = directory / std::string(300, 'x');
+    for (Status const & status :
+         {DocumentFile::saveAs(*asset, longest), DocumentFile::check(longest, findings)}) {
+        EXPECT_EQ(status.code(), StatusInvalidArgument);
+        EXPECT_EQ(status.cause(), "the name is longer than names may be");
+    }
+    StrongRef<Asset> loaded;
+    EXPECT_EQ(DocumentFile::load(longest, nullptr, loaded).cause(),
+              "the name is longer than names may be");
+    // A name that would do, but for what stands after it during the save.
+    Status const status = DocumentFile::saveAs(*asset, directory / std::string(252, 'x'));
+    EXPECT_EQ(status.code(), StatusInvalidArgument);
+    EXPECT_EQ(status.cause(), "the name is too long for \".saving\" to stand after it until the "
+                              "document is saved");
+    EXPECT_FALSE(std::filesystem::exists(directory / std::string(252, 'x')));
+}
+
+TEST_F(DocumentFileTests, AnInterruptionEndsALoadAndACheckAndNoSave) {
+    TemporaryFile const file;
+    StrongRef<Asset> asset = Asset::make(nullptr);
+    StrongRef<Row> const row = Row::make(design(*asset));
+    OS::NotedInterruptions const noted;
+    std::raise(SIGINT);
+    VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
+    row->change([&] { row->m_x = 5; });
+    VN_EXPECT_OK(DocumentFile::save(*asset));
+    StrongRef<Asset> loaded;
+    EXPECT_EQ(DocumentFile::load(file.path(), nullptr, loaded).code(), StatusCancelled);
+    EXPECT_FALSE(loaded);
+    std::vector<std::string> findings;
+    EXPECT_EQ(DocumentFile::check(file.path(), findings).code(), StatusCancelled);
+    OS::forgetInterruption();
+    expectSaved(*asset, file.path());
+}
+
+#endif
+
 TEST_F(DocumentFileTests, AnUnknownTypeIsNamed) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
@@ -588,6 +634,11 @@ TEST_F(DocumentFileTests, AnUnknownTypeIsNamed) {
     Status const status = DocumentFile::load(file.path(), nullptr, asset);
     EXPECT_EQ(status.code(), StatusUnsupported);
     EXPECT_THAT(status.toString(), HasSubstr("ChangingMetaType (Test-Changing) isn't known"));
+    std::vector<std::string> findings;
+    std::vector<std::string> unknownTypes;
+    VN_EXPECT_OK(DocumentFile::check(file.path(), findings, unknownTypes));
+    EXPECT_TRUE(findings.empty()) << "it isn't damaged for that";
+    EXPECT_EQ(unknownTypes, std::vector<std::string>{"ChangingMetaType (Test-Changing)"});
     // What it has none of is no matter, and is forgotten with the next save.
     Sql(file.path()).run("DELETE FROM Changing");
     asset = load(file.path());

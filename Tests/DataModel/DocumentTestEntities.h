@@ -13,9 +13,9 @@
 #include <utility>
 #include <vector>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/EntityChange.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/MigrationHelper.h"
 #include "Platform/DataModel/Segment.h"

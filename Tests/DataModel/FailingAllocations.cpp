@@ -99,6 +99,10 @@ void * operator new(std::size_t size) {
     return block;
 }
 
+void * operator new(std::size_t size, std::nothrow_t const &) noexcept {
+    return fails() ? nullptr : std::malloc(size ? size : 1);
+}
+
 void operator delete(void * block) noexcept { std::free(block); }
 void operator delete(void * block, std::size_t) noexcept { std::free(block); }
 

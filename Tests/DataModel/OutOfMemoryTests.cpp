@@ -498,6 +498,86 @@ TEST(OutOfMemoryTests, ADocumentClosesWithoutMemory) {
     });
 }
 
+TEST(OutOfMemoryTests, TheFirstObjectOfAClassIsMadeOrTheNextOneIs) {
+    { Scene const scene; } // what all classes share is made
+    forEachFailure([](unsigned long n, bool forGood) {
+        Changing::become(1);
+        StrongRef<Asset> asset = Asset::make(nullptr);
+        FailingAllocations::failAt(n, forGood);
+        try {
+            static_cast<void>(Changing::make(design(*asset)));
+        } catch (std::bad_alloc const &) {}
+        FailingAllocations::heal();
+        bool const hasFailed = FailingAllocations::hasFailed();
+
+        StrongRef<Changing> next = Changing::make(design(*asset));
+        MemberSet const & set = *Changing::s_metaType()->memberSet(c_latestVersion);
+        EXPECT_EQ(set.members(), 3U);
+        EXPECT_NE(set.base(), nullptr);
+        {
+            Transaction transaction(*asset, L"work");
+            next->change([&] {
+                next->m_count = 5;
+                next->m_total = 2.5;
+                next->m_name = L"name";
+            });
+            transaction.commit();
+        }
+        EXPECT_TRUE(asset->history().undo());
+        EXPECT_EQ(next->m_count, 0);
+        EXPECT_EQ(next->m_total, 0.0);
+        EXPECT_EQ(next->m_name, L"");
+        next.reset();
+        asset.reset();
+        Changing::end();
+        return hasFailed;
+    });
+}
+
+// As a load without memory leaves them, which never finished an object.
+TEST(OutOfMemoryTests, ADocumentWithTheFirstObjectsOfAClassLoadsOrTheNextTimeDoes) {
+    TemporaryFile const file;
+    Changing::become(1);
+    {
+        StrongRef<Asset> const asset = Asset::make(nullptr);
+        StrongRef<Changing> const root = Changing::make(design(*asset));
+        root->change([&] { root->m_total = 2.5; });
+        design(*asset)->addRoot(root, "root");
+        EXPECT_TRUE(DocumentFile::saveAs(*asset, file.path()));
+    }
+    Changing::end();
+    forEachFailure([&](unsigned long n, bool forGood) {
+        Changing::become(1);
+        StrongRef<Asset> asset;
+        FailingAllocations::failAt(n, forGood);
+        try {
+            static_cast<void>(DocumentFile::load(file.path(), nullptr, asset));
+        } catch (std::bad_alloc const &) {}
+        FailingAllocations::heal();
+        bool const hasFailed = FailingAllocations::hasFailed();
+
+        asset.reset();
+        EXPECT_TRUE(DocumentFile::load(file.path(), nullptr, asset));
+        StrongRef<Entity> root = asset ? design(*asset)->rootEntity("root") : nullptr;
+        auto const * const loaded = query<Changing>(root.get());
+        EXPECT_TRUE(loaded && loaded->m_total == 2.5);
+        root.reset();
+        asset.reset();
+        Changing::end();
+        return hasFailed;
+    });
+}
+
+TEST(OutOfMemoryTests, SuccessHasItsTextsWithoutMemory) {
+    Status const status;
+    FailingAllocations::failAt(1, true);
+    bool const isEmpty =
+        status.operation().empty() && status.subject().empty() && status.cause().empty();
+    FailingAllocations::heal();
+    EXPECT_TRUE(isEmpty);
+    EXPECT_FALSE(FailingAllocations::hasFailed());
+}
+
 // --- Files -------------------------------------------------------------------------------------
 
 std::string stateOf(std::filesystem::path const & file) {

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/EntityChange.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/Types/GlobalizedString.h"
 

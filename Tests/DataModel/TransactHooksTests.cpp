@@ -58,6 +58,7 @@ protected:
     TransactHooksTests() : m_rAsset(Asset::make(nullptr)), m_rRoot(Hearer::make(*m_rAsset)) {
         m_rAsset->segment(SegmentType::DesignSegment)->addRoot(m_rRoot, "root");
         m_rAsset->history().clear();
+        heard();
     }
     ~TransactHooksTests() override {
         Hearer::s_whenChanged = nullptr;

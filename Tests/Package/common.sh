@@ -38,6 +38,7 @@ consumer_output() {
 meter is a base unit, newton isn't
 12 in by default: 30.48 cm
 sqrt(16) is read, wurzel(16) isn't
+Notes/CmnData[0]: a note that was saved
 END
 }
 
@@ -60,7 +61,7 @@ try_find_package() {
   "$VN_CMAKE" -S "$here/Consumer" -B "$2" -DCMAKE_PREFIX_PATH="$1" -DCMAKE_CXX_COMPILER="$VN_CXX" \
     -DCMAKE_BUILD_TYPE=Release "${@:3}" >"$2/log" 2>&1 || { cat "$2/log"; return 1; }
   "$VN_CMAKE" --build "$2" >>"$2/log" 2>&1 || { cat "$2/log"; return 1; }
-  same "the consumer's output" "$("$2/consumer")" "$(consumer_output)"
+  same "the consumer's output" "$("$2/consumer" "$2/notes.vnd")" "$(consumer_output)"
 }
 
 # try_pkg_config PREFIX WORK: the consumer, built by pkg-config.
@@ -73,5 +74,5 @@ try_pkg_config() {
   libdir=$(pkg-config --variable=libdir VnCommonData10)
   "$VN_CXX" -std=c++20 -o "$2/consumer" "$here/Consumer/consumer.cpp" "${flags[@]}" \
     "-Wl,-rpath,$libdir"
-  same "the consumer's output" "$("$2/consumer")" "$(consumer_output)"
+  same "the consumer's output" "$("$2/consumer" "$2/notes.vnd")" "$(consumer_output)"
 }

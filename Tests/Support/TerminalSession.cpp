@@ -76,16 +76,21 @@ bool TerminalSession::waitFor(std::string const & text) {
     }
 }
 
-bool TerminalSession::waitForPrompt(std::string const & prompt) {
-    if (!waitFor(prompt)) return false;
+bool TerminalSession::waitForLines(bool taken) {
     for (int waited = 0; waited < c_silence; waited += c_step) {
         termios settings{};
-        if (::tcgetattr(m_terminal, &settings) == 0 && (settings.c_lflag & ICANON) == 0)
+        if (::tcgetattr(m_terminal, &settings) == 0 && ((settings.c_lflag & ICANON) != 0) == taken)
             return true;
         ::usleep(c_step * 1000);
     }
     return false;
 }
+
+bool TerminalSession::waitForPrompt(std::string const & prompt) {
+    return waitFor(prompt) && waitForLines(false);
+}
+
+bool TerminalSession::waitForRun() { return waitForLines(true); }
 
 int TerminalSession::waitForEnd() {
     while (readSome()) {}

@@ -29,6 +29,10 @@ public:
     // terminal keeps back for a whole line, and Ctrl-C and Ctrl-D have another meaning.
     bool waitForPrompt(std::string const & prompt = "> ");
 
+    // Waits until the console has taken a line and runs it: keys that mean signals are signals
+    // then.
+    bool waitForRun();
+
     // Waits for the end of the process and returns its exit status, or 128 and the signal.
     int waitForEnd();
 
@@ -37,6 +41,8 @@ public:
 
 private:
     bool readSome();
+    // Waits until the terminal takes whole lines, or single keys.
+    bool waitForLines(bool taken);
 
     int m_terminal = -1;
     pid_t m_process = -1;

@@ -4,6 +4,7 @@
 #include <map>
 #include <set>
 
+#include "Platform/Base/StringTable.h"
 #include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
@@ -24,13 +25,20 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Languages, CatalogueTests, testing::ValuesIn(c_languages),
                          [](auto const & language) { return language.param; });
 
-// Two spellings that are one in `entries`, as pairs of keys, among the tokens from `low` to `high`.
-std::set<std::string> collisions(std::vector<PoEntry> const & entries, EToken low, EToken high,
+bool isKeyOfConstant(std::string_view key) {
+    return isKeyBetween(key, e_PI_CONSTANT, e_SPEED_OF_LIGHT_CONSTANT);
+}
+
+bool isKeyOfPrefix(std::string_view key) { return isKeyBetween(key, e_EXA, e_ATTO_ABBR); }
+
+// Two spellings that are one in `entries`, as pairs of keys, among the words of a kind.
+std::set<std::string> collisions(std::vector<PoEntry> const & entries,
+                                 bool (*isOfKind)(std::string_view key),
                                  std::string PoEntry::*spelling) {
     std::map<std::string, std::string> keys;
     std::set<std::string> found;
     for (PoEntry const & entry : entries) {
-        if (!isKeyBetween(entry.context, low, high)) continue;
+        if (!isOfKind(entry.context)) continue;
         auto const [first, isNew] = keys.emplace(entry.*spelling, entry.context);
         if (!isNew) found.insert(first->second + " and " + entry.context);
     }
@@ -58,31 +66,56 @@ TEST_P(CatalogueTests, TranslatesEveryTextOfTheProgram) {
     for (PoEntry const & entry : all) EXPECT_NE(entry.text, "") << entry.context;
 }
 
+// "%1%" and the like, in their order by number, each as often as it is there.
+std::multiset<std::string> placesOf(std::string const & text) {
+    std::multiset<std::string> places;
+    for (std::size_t i = 0; (i = text.find('%', i)) != text.npos; ++i) {
+        std::size_t const end = text.find('%', i + 1);
+        if (end == text.npos) {
+            places.insert("a single %");
+            break;
+        }
+        places.insert(text.substr(i, end + 1 - i));
+        i = end;
+    }
+    return places;
+}
+
+TEST_P(CatalogueTests, ValuesHaveTheirPlacesInEveryText) {
+    std::size_t places = 0;
+    for (PoEntry const & entry : entries()) {
+        if (!entry.context.starts_with("Failure")) continue;
+        EXPECT_EQ(placesOf(entry.text), placesOf(entry.id)) << entry.context;
+        for (std::string const & place : placesOf(entry.text)) {
+            EXPECT_TRUE(place == "%1%" || place == "%2%" || place == "%3%") << entry.context;
+            ++places;
+        }
+    }
+    EXPECT_GE(places, 30U);
+}
+
 TEST_P(CatalogueTests, WordsAreNames) {
     for (PoEntry const & entry : entries()) {
-        if (!isKeyBetween(entry.context, e_PI_CONSTANT, e_RANDOM)) continue;
+        if (!isKeyOfConstant(entry.context) && !isKeyOfPrefix(entry.context) &&
+            !isKeyOfFunction(entry.context))
+            continue;
         EXPECT_FALSE(Tokens::get()->invalidNameCharsInStr(Text::fromUtf8(entry.text), false))
             << entry.context << ' ' << entry.text;
     }
 }
 
-TEST_P(CatalogueTests, WordsOfOneRangeAreSpelledDifferently) {
-    struct Range {
-        EToken low;
-        EToken high;
-    };
+TEST_P(CatalogueTests, WordsOfOneKindAreSpelledDifferently) {
     std::vector<PoEntry> const all = entries();
-    for (Range const & range : {Range{e_PI_CONSTANT, e_SPEED_OF_LIGHT_CONSTANT},
-                                Range{e_EXA, e_ATTO_ABBR}, Range{e_COS, e_RANDOM}}) {
+    for (auto const isOfKind : {isKeyOfConstant, isKeyOfPrefix, isKeyOfFunction}) {
         // "micro" is its own short form.
-        EXPECT_EQ(collisions(all, range.low, range.high, &PoEntry::text),
-                  collisions(all, range.low, range.high, &PoEntry::id));
+        EXPECT_EQ(collisions(all, isOfKind, &PoEntry::text),
+                  collisions(all, isOfKind, &PoEntry::id));
     }
     // A function in front of no bracket is looked up as a constant.
     for (PoEntry const & function : all) {
-        if (!isKeyBetween(function.context, e_COS, e_RANDOM)) continue;
+        if (!isKeyOfFunction(function.context)) continue;
         for (PoEntry const & constant : all) {
-            if (!isKeyBetween(constant.context, e_PI_CONSTANT, e_SPEED_OF_LIGHT_CONSTANT)) continue;
+            if (!isKeyOfConstant(constant.context)) continue;
             EXPECT_NE(function.text, constant.text) << function.context << ' ' << constant.context;
         }
     }
@@ -99,8 +132,7 @@ TEST_P(CatalogueTests, KindsAreNamedDifferently) {
 
 TEST_P(CatalogueTests, WordsOfTheTokenizersAndShortPrefixesStay) {
     for (PoEntry const & entry : entries()) {
-        bool const shortPrefix = isKeyBetween(entry.context, e_EXA, e_ATTO_ABBR) &&
-                                 entry.context.ends_with("_ABBR") &&
+        bool const shortPrefix = isKeyOfPrefix(entry.context) && entry.context.ends_with("_ABBR") &&
                                  entry.context != "e_MICRO_ABBR"; // which is the word in full
         if (!shortPrefix && !isKeyBetween(entry.context, e_INCH, e_DOLLAR_SYM)) continue;
         EXPECT_EQ(entry.text, entry.id) << entry.context;
@@ -124,6 +156,11 @@ TEST_P(CatalogueTests, ProgramReadsTheTranslations) {
 #define VN_COMPOSITE_KIND(number, name, numerator, denominator) VN_KIND_TEXT(name)
 #include "Server/CommonData/Units/UnitKinds.inc"
 #undef VN_KIND_TEXT
+#define VN_FAILURE_TEXT(name, text)                                                                \
+    EXPECT_EQ(                                                                                     \
+        Text::toUtf8(StringTable::getLocalizedString("VnCommonData", "Failure" #name, text)),      \
+        texts["Failure" #name]);
+#include "Server/CommonData/Expressions/FailureTexts.inc"
     });
 }
 
@@ -137,9 +174,7 @@ std::vector<Units::SimpleUnit const *> catalogueUnits() {
 TEST_P(CatalogueTests, NoConstantOrFunctionIsSpelledLikeAUnit) {
     inLanguage([] {
         for (PoEntry const & entry : entries()) {
-            if (!isKeyBetween(entry.context, e_PI_CONSTANT, e_SPEED_OF_LIGHT_CONSTANT) &&
-                !isKeyBetween(entry.context, e_COS, e_RANDOM))
-                continue;
+            if (!isKeyOfConstant(entry.context) && !isKeyOfFunction(entry.context)) continue;
             // The least of two and a minute have one spelling in English already.
             if (entry.context == "e_MIN" && entry.text == entry.id) continue;
             EXPECT_EQ(Tokens::get()->findMatchingUnit(Text::fromUtf8(entry.text)), nullptr)

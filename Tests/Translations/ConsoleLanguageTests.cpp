@@ -47,6 +47,118 @@ TEST(ConsoleLanguageTests, UnknownLanguageIsEnglish) {
     }
 }
 
+struct Failure {
+    char const * language;
+    std::vector<std::string> arguments; // of "eval"
+    char const * err;
+};
+
+Failure const c_failures[] = {
+    {"de",
+     {"2 + metr 5"},
+     "Syntaxfehler bei Zeichen 2: „metr“ ist weder eine Einheit noch eine Funktion noch eine "
+     "Konstante\n"
+     "  2 + metr 5\n"
+     "    ^ ~~~~\n"
+     "  meinten Sie meter?\n"},
+    {"de",
+     {"7/2.2"},
+     "Syntaxfehler bei Zeichen 3: auf den Bruch „7/2“ kann keine Zahl folgen\n"
+     "  7/2.2\n"
+     "  ~~~^\n"
+     "  „7/2“ wurde als Bruch gelesen; setzen Sie den Divisor in Klammern: 7/(2.2)\n"},
+    {"de",
+     {"potenz(2)"},
+     "Syntaxfehler bei Zeichen 8: „potenz“ hat 2 Argumente, angegeben: 1\n"
+     "  potenz(2)\n"
+     "  ~~~~~~  ^\n"},
+    {"de",
+     {"("},
+     "Vorzeitiges Ende: eine Klammer wird nicht geschlossen\n"
+     "  (\n"
+     "  ^\n"},
+    {"de",
+     {"1kg + 1cm"},
+     "Die Einheiten lassen sich nicht auswerten: die Einheiten links und rechts von „+“ passen "
+     "nicht zusammen\n"
+     "  1kg + 1cm\n"
+     "      ^\n"},
+    {"de",
+     {"2kg", "--unit", "cm"},
+     "Erwartete Einheit (zentimeter) / (1) und berechnete Einheit (kilogram) / (1) passen nicht "
+     "zusammen: erwartet wird ein Ergebnis in cm (Länge), dieses ist aber in kg (Masse)\n"
+     "  2kg\n"},
+    {"de",
+     {"1/0"},
+     "vnconsole: kein Wert: ein Divisor ist nahezu null, eine Zahl ist zu groß, oder eine Funktion "
+     "ist für ihr Argument nicht definiert\n"},
+
+    {"ja",
+     {"2 MM"},
+     "構文エラー（位置 2）：「MM」は単位、関数、定数のいずれでもありません\n"
+     "  2 MM\n"
+     "    ^\n"
+     "  mm または Mm のことですか？\n"},
+    {"ja",
+     {"7/2.2"},
+     "構文エラー（位置 3）：分数「7/2」のすぐ後に数値は置けません\n"
+     "  7/2.2\n"
+     "  ~~~^\n"
+     "  「7/2」は分数として読み取られました。除数を括弧で囲んでください：7/(2.2)\n"},
+    {"ja",
+     {"最大(2;3;4)"},
+     "構文エラー（位置 8）：「最大」の引数は 2 個ですが、3 個指定されています\n"
+     "  最大(2;3;4)\n"
+     "  ~~~~      ^\n"},
+    {"ja",
+     {"2 *"},
+     "構文エラー（位置 2）：「*」の後に使えるものがありません\n"
+     "  2 *\n"
+     "    ^\n"},
+    {"ja",
+     {"2 & 3"},
+     "構文エラー（位置 2）：「&」は式では使えません\n"
+     "  2 & 3\n"
+     "    ^\n"},
+    {"ja",
+     {"2 cm", "--unit", ""},
+     "単位の不一致（期待 (1) / (1)、結果 (centimeter) / (1)）：結果に単位は付かないはずですが、"
+     "cm（長さ） です\n"
+     "  2 cm\n"},
+
+    {"fr",
+     {"2CM"},
+     "Erreur de syntaxe au caractère 1\u00A0: «\u00A0CM\u00A0» n’est ni une unité, ni une "
+     "fonction, ni une constante\n"
+     "  2CM\n"
+     "   ^\n"
+     "  vouliez-vous dire cm\u00A0?\n"},
+    {"fr",
+     {"racine(16 cm)"},
+     "Les unités ne peuvent pas être évaluées\u00A0: l’argument de «\u00A0racine\u00A0» doit "
+     "être sans unité\n"
+     "  racine(16 cm)\n"
+     "  ^\n"},
+};
+
+TEST(ConsoleLanguageTests, FailuresAreToldInTheLanguage) {
+    for (Failure const & row : c_failures) {
+        std::vector<std::string> arguments{"--language", row.language, "eval"};
+        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+        Outcome const outcome = runConsole(arguments);
+        EXPECT_EQ(outcome.status, 1) << row.arguments.front();
+        EXPECT_EQ(outcome.err, row.err);
+    }
+}
+
+TEST(ConsoleLanguageTests, ASessionTellsFailuresInTheLanguage) {
+    Outcome const outcome = runConsole({"--language", "de"}, "3 5\n");
+    EXPECT_NE((outcome.out + outcome.err)
+                  .find("Syntaxfehler bei Zeichen 2: vor der Zahl fehlt ein Operator\n"),
+              std::string::npos)
+        << outcome.out << outcome.err;
+}
+
 } // namespace
 
 } // namespace Vn::Translations

@@ -20,6 +20,8 @@ std::vector<Source> makeSources() {
 #define VN_COMPOSITE_KIND(number, name, numerator, denominator)                                    \
     result.push_back({"UnitType" #name, #name});
 #include "Server/CommonData/Units/UnitKinds.inc"
+#define VN_FAILURE_TEXT(name, text) result.push_back({"Failure" #name, Text::toUtf8(text)});
+#include "Server/CommonData/Expressions/FailureTexts.inc"
     return result;
 }
 
@@ -34,6 +36,13 @@ bool isKeyBetween(std::string_view key, Expressions::EToken low, Expressions::ET
 #define VN_TOKEN(number, name, text)                                                               \
     if (key == "e_" #name) return number >= low && number <= high;
 #include "Server/CommonData/Expressions/Tokens.inc"
+    return false;
+}
+
+bool isKeyOfFunction(std::string_view key) {
+#define VN_FUNCTION(number, word, name, text, arguments, first, second, result, value)             \
+    if (key == "e_" #word) return true;
+#include "Server/CommonData/Expressions/Functions.inc"
     return false;
 }
 

@@ -23,11 +23,15 @@ struct Source {
     std::string text;
 };
 
-// Every one of them: the words of the expression language, then the kinds of units.
+// Every one of them: the words of the expression language, the kinds of units, and what is told of
+// failures.
 std::vector<Source> const & sources();
 
 // Whether the key is that of a token from `low` to `high`.
 bool isKeyBetween(std::string_view key, Expressions::EToken low, Expressions::EToken high);
+
+// Whether the key is that of a function.
+bool isKeyOfFunction(std::string_view key);
 
 // A test that is run once for each language.  The language of a process can't change after the
 // first use, so what needs the language is checked in a process of its own.

@@ -35,7 +35,8 @@ install(DIRECTORY Platform Server DESTINATION "${VN_INSTALL_HEADERS}" COMPONENT 
   REGEX "/Platform/DataModel/(File|Log)$" EXCLUDE
   PATTERN "AddIn" EXCLUDE)
 # Tables that public headers are made of.
-foreach(table IN ITEMS Expressions/Tokens.inc Units/UnitCatalogue.inc Units/UnitKinds.inc)
+foreach(table IN ITEMS Expressions/Functions.inc Expressions/Tokens.inc Units/UnitCatalogue.inc
+        Units/UnitKinds.inc)
   get_filename_component(directory "${table}" DIRECTORY)
   install(FILES "Server/CommonData/${table}" COMPONENT development
           DESTINATION "${VN_INSTALL_HEADERS}/Server/CommonData/${directory}")

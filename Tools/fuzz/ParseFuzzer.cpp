@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
 #include "Server/CommonData/Expressions/Interface.h"
 #include "Tools/fuzz/Input.h"
 
@@ -38,6 +39,12 @@ void checkFailure(std::wstring const & text, UnitContext const & context,
         expect(false, "a parse without a tree fails for a reason");
     }
     expect(!result.toString().empty(), "every outcome has a text");
+    expect(result.failure() != EParseFailure::none, "every failure has a reason");
+    expect(result.failureStart() <= result.failureEnd() &&
+               result.failureEnd() <= Text::length16(text),
+           "the piece at fault lies in the text");
+    FailureExplanation const failure = explainFailure(text, context, result);
+    expect(!failure.explanation.empty(), "every failure has an explanation");
 }
 
 void checkTree(Node * node, UnitContext const & context) {
@@ -72,6 +79,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     Expressions::Node * const node = Expressions::Interface::get()->parse(text, context, result);
     Fuzz::expect((node != nullptr) == (result.result() == Expressions::EResult::parsedOk),
                  "there is a tree exactly if the parse went well");
+    Fuzz::expect(!node || result.failure() == Expressions::EParseFailure::none,
+                 "a good parse has no reason to fail");
     if (node)
         Fuzz::checkTree(node, context);
     else

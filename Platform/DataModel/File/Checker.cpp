@@ -6,13 +6,11 @@
 
 #include "Platform/DataModel/File/Circles.h"
 #include "Platform/DataModel/File/Lists.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn::DataModel {
 
 namespace {
-
-// More says nothing that these don't.
-constexpr std::size_t c_mostFindings = 1000;
 
 // Thrown when there are enough findings.
 struct Enough {};
@@ -20,12 +18,13 @@ struct Enough {};
 } // namespace
 
 DocumentChecker::DocumentChecker(std::filesystem::path file, std::string operation,
-                                 std::string fileSystem, std::vector<std::string> & findings)
+                                 std::string fileSystem, std::vector<std::string> & findings,
+                                 std::vector<std::string> & unknownTypes)
     : m_database(std::move(operation), std::move(file), std::move(fileSystem)),
-      m_schema(m_database), m_findings(findings) {}
+      m_schema(m_database), m_findings(findings), m_unknownTypes(unknownTypes) {}
 
 void DocumentChecker::found(std::string finding) {
-    if (m_findings.size() == c_mostFindings) {
+    if (m_findings.size() == Limits::c_findings) {
         m_findings.push_back("and more");
         throw Enough();
     }
@@ -35,6 +34,7 @@ void DocumentChecker::found(std::string finding) {
 void DocumentChecker::check() {
     std::error_code error;
     auto const status = std::filesystem::status(m_database.file(), error);
+    m_database.refuseUnseen(error);
     if (!std::filesystem::exists(status)) m_database.fail(StatusNotFound, "there is no such file");
     if (!std::filesystem::is_regular_file(status))
         m_database.fail(StatusInvalidArgument, "it isn't a file");
@@ -45,6 +45,7 @@ void DocumentChecker::check() {
         m_schema.read();
         m_head = m_schema.readHead();
         checkSegments();
+        findUnknownTypes();
         readIds();
         for (FileType const & type : m_schema.types())
             if (!type.table.empty()) checkEntities(type);
@@ -74,6 +75,14 @@ void DocumentChecker::checkSegments() {
         if (!storedSegment(kind))
             found("there is no segment of kind " + std::to_string(kind) + " to load");
         m_segments.insert(kind);
+    }
+}
+
+void DocumentChecker::findUnknownTypes() {
+    for (FileType const & type : m_schema.types()) {
+        if (type.table.empty() || MetaTypeMgr::get()->metaType(type.id)) continue;
+        Statement row(m_database, "SELECT 1 FROM " + sqlName(type.table) + " LIMIT 1");
+        if (row.step()) m_unknownTypes.push_back(type.name + " (" + type.id + ")");
     }
 }
 
@@ -128,7 +137,7 @@ void DocumentChecker::checkEntities(FileType const & type) {
                     checkReference(member.m_kind, static_cast<unsigned long long>(row.integer(0)),
                                    reference, where);
             }
-            place += member.m_kind == EMemberKind::GlobalizedString ? 3 : 1;
+            place += memberKind(member.m_kind).columns;
         }
     }
 }
@@ -140,8 +149,8 @@ void DocumentChecker::checkLists() {
         long long const id = row.integer(0);
         std::string const where = "a list of entity " + std::to_string(id);
         if (row.type(0) != SQLITE_INTEGER || row.type(1) != SQLITE_INTEGER ||
-            row.type(2) != SQLITE_INTEGER || row.integer(2) <= -c_chunkLimit ||
-            row.integer(2) >= c_chunkLimit) {
+            row.type(2) != SQLITE_INTEGER || row.integer(2) <= -Limits::c_chunkNumber ||
+            row.integer(2) >= Limits::c_chunkNumber) {
             found(where + ": its key isn't one");
             continue;
         }

@@ -18,7 +18,10 @@ namespace Vn::DataModel {
 class DocumentChecker {
 public:
     DocumentChecker(std::filesystem::path file, std::string operation, std::string fileSystem,
-                    std::vector<std::string> & findings);
+                    std::vector<std::string> & findings, std::vector<std::string> & unknownTypes);
+
+    // As of the database.
+    void endsWhenInterrupted() noexcept { m_database.endsWhenInterrupted(); }
 
     // A file that can't be opened throws; whatever is wrong inside becomes a finding.
     void check();
@@ -26,6 +29,7 @@ public:
 private:
     void checkDatabase();
     void checkSegments();
+    void findUnknownTypes();
     void readIds();
     void checkEntities(FileType const & type);
     void checkLists();
@@ -40,6 +44,7 @@ private:
     FileSchema m_schema;
     FileHead m_head;
     std::vector<std::string> & m_findings;
+    std::vector<std::string> & m_unknownTypes;
     std::unordered_map<unsigned long long, FileType const *> m_typeOf;
     std::unordered_map<unsigned long long, long long> m_segmentOf;
     std::unordered_set<long long> m_segments;

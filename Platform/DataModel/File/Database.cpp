@@ -2,12 +2,11 @@
 
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/File/Database.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn::DataModel {
 
 namespace {
-
-constexpr int c_busyMilliseconds = 1000;
 
 EStatus codeOf(int result, std::error_code const & error) {
     switch (result & 0xFF) {
@@ -61,18 +60,23 @@ void Database::open(std::filesystem::path const & path) {
     // Engines before 3.37 don't know the flag.
     if (result != SQLITE_OK) fail(m_pDatabase ? sqlite3_extended_errcode(m_pDatabase) : result);
     sqlite3_extended_result_codes(m_pDatabase, 1);
-    sqlite3_busy_timeout(m_pDatabase, c_busyMilliseconds);
+    sqlite3_busy_timeout(m_pDatabase, Limits::c_busyMilliseconds);
     for (int const option :
          {SQLITE_DBCONFIG_ENABLE_TRIGGER, SQLITE_DBCONFIG_ENABLE_VIEW,
           SQLITE_DBCONFIG_TRUSTED_SCHEMA, SQLITE_DBCONFIG_DQS_DDL, SQLITE_DBCONFIG_DQS_DML})
         sqlite3_db_config(m_pDatabase, option, 0, nullptr);
     sqlite3_db_config(m_pDatabase, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
     constexpr std::pair<int, int> c_limits[] = {
-        {SQLITE_LIMIT_SQL_LENGTH, 1'000'000},  {SQLITE_LIMIT_EXPR_DEPTH, 16},
-        {SQLITE_LIMIT_COMPOUND_SELECT, 1},     {SQLITE_LIMIT_VDBE_OP, 250'000},
-        {SQLITE_LIMIT_FUNCTION_ARG, 8},        {SQLITE_LIMIT_ATTACHED, 0},
-        {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, 8}, {SQLITE_LIMIT_VARIABLE_NUMBER, c_mostParameters},
-        {SQLITE_LIMIT_TRIGGER_DEPTH, 0},       {SQLITE_LIMIT_WORKER_THREADS, 0}};
+        {SQLITE_LIMIT_SQL_LENGTH, Limits::c_statementBytes},
+        {SQLITE_LIMIT_EXPR_DEPTH, Limits::c_statementLevels},
+        {SQLITE_LIMIT_COMPOUND_SELECT, 1},
+        {SQLITE_LIMIT_VDBE_OP, Limits::c_statementSteps},
+        {SQLITE_LIMIT_FUNCTION_ARG, Limits::c_functionArguments},
+        {SQLITE_LIMIT_ATTACHED, 0},
+        {SQLITE_LIMIT_LIKE_PATTERN_LENGTH, Limits::c_patternBytes},
+        {SQLITE_LIMIT_VARIABLE_NUMBER, Limits::c_statementParameters},
+        {SQLITE_LIMIT_TRIGGER_DEPTH, 0},
+        {SQLITE_LIMIT_WORKER_THREADS, 0}};
     for (auto const & [limit, most] : c_limits) sqlite3_limit(m_pDatabase, limit, most);
 }
 
@@ -114,6 +118,13 @@ bool Database::readHeader(Header & header) const {
     if (result == SQLITE_IOERR_SHORT_READ) return false;
     if (result != SQLITE_OK) fail(result);
     return true;
+}
+
+void Database::refuseUnseen(std::error_code const & error) const {
+    if (error == std::errc::filename_too_long)
+        fail(StatusInvalidArgument, "the name is longer than names may be");
+    if (error == std::errc::permission_denied)
+        fail(StatusAccessDenied, "its directory can't be looked into");
 }
 
 void Database::run(std::string const & sql) const {

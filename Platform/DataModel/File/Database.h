@@ -13,13 +13,11 @@
 
 #include <sqlite3.h>
 
+#include "Platform/Base/OS.h"
 #include "Platform/Base/Status.h"
 #include "Platform/DataModel/File/FileSystem.h"
 
 namespace Vn::DataModel {
-
-// How many parameters a statement may have.
-inline constexpr int c_mostParameters = 2'000;
 
 // What ends an operation on a file: thrown by the sources of the document file, and turned into the
 // Status at their edge.
@@ -64,10 +62,21 @@ public:
     // The first bytes; false if the file has fewer.
     bool readHeader(Header & header) const;
 
+    // Throws if a look at the file has met something else than that it is there or isn't: a name
+    // that is too long, or a directory that mustn't be looked into.
+    void refuseUnseen(std::error_code const & error) const;
+
     // Runs statements without results.
     void run(std::string const & sql) const;
     // The first value of the first row as a number.
     long long number(std::string const & sql) const;
+
+    // From now on the rows of statements end with StatusCancelled once the user wishes to end what
+    // runs.  For what only reads.
+    void endsWhenInterrupted() noexcept { m_bEnds = true; }
+    void endIfInterrupted() const {
+        if (m_bEnds && OS::wasInterrupted()) fail(StatusCancelled, "it was interrupted");
+    }
 
     // Throws what the engine says about a result that isn't good.
     [[noreturn]] void fail(int result) const;
@@ -86,6 +95,7 @@ private:
     std::string const m_fileSystem;
     std::unique_ptr<OwnFiles> m_pFiles;
     sqlite3 * m_pDatabase = nullptr;
+    bool m_bEnds = false;
 };
 
 // A prepared statement.  Values that are bound must stay where they are until it is reset.
@@ -98,6 +108,7 @@ public:
 
     // Whether there is a row.
     bool step() {
+        m_pDatabase->endIfInterrupted();
         int const result = sqlite3_step(m_pStatement.get());
         if (result == SQLITE_ROW) return true;
         if (result != SQLITE_DONE) m_pDatabase->fail(result);

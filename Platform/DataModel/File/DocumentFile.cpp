@@ -113,10 +113,20 @@ Status DocumentFile::load(std::filesystem::path const & file, AssetType const * 
 
 Status DocumentFile::check(std::filesystem::path const & file,
                            std::vector<std::string> & findings) {
+    std::vector<std::string> unknownTypes;
+    return check(file, findings, unknownTypes);
+}
+
+Status DocumentFile::check(std::filesystem::path const & file, std::vector<std::string> & findings,
+                           std::vector<std::string> & unknownTypes) {
     findings.clear();
+    unknownTypes.clear();
     if (file.empty()) return Status::invalidArgument(c_check, {}, "the name is empty");
     return guarded(c_check, file, [&] {
-        DataModel::DocumentChecker(file, c_check, FileSystemName::get(), findings).check();
+        DataModel::DocumentChecker checker(file, c_check, FileSystemName::get(), findings,
+                                           unknownTypes);
+        checker.endsWhenInterrupted();
+        checker.check();
     });
 }
 

@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "Platform/DataModel/File/Lists.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn::DataModel {
 
@@ -125,7 +126,7 @@ ChunkChanges compareChunks(std::vector<StoredChunk> const & stored,
         changes = {};
         for (StoredChunk const & row : stored) changes.erased.push_back(row.number);
         long long const gap =
-            std::min(c_gap, c_chunkLimit / 2 / static_cast<long long>(chunks.size() + 1));
+            std::min(c_gap, Limits::c_chunkNumber / 2 / static_cast<long long>(chunks.size() + 1));
         for (std::size_t i = 0; i < chunks.size(); ++i)
             changes.inserted.push_back({static_cast<long long>(i) * gap, i});
         return changes;
@@ -152,7 +153,8 @@ ChunkChanges compareChunks(std::vector<StoredChunk> const & stored,
                 if (isBounded) step = std::min(step, (stored[rowStop].number - low) / (more + 1));
             } else
                 low = stored[rowStop].number - c_gap * (more + 1);
-            if (step < 1 || low <= -c_chunkLimit || low >= c_chunkLimit - c_gap * (more + 1))
+            if (step < 1 || low <= -Limits::c_chunkNumber ||
+                low >= Limits::c_chunkNumber - c_gap * (more + 1))
                 return renumbered();
             while (chunk < chunkStop) changes.inserted.push_back({low += step, chunk++});
         }
@@ -192,7 +194,8 @@ void ListWriter::replace(unsigned long long entity, int member,
     m_select.bind(2, static_cast<long long>(member));
     while (m_select.step()) {
         stored.push_back({m_select.integer(0), std::string(m_select.bytes(1))});
-        if (stored.back().number <= -c_chunkLimit || stored.back().number >= c_chunkLimit)
+        if (stored.back().number <= -Limits::c_chunkNumber ||
+            stored.back().number >= Limits::c_chunkNumber)
             m_database.damaged("the number of a chunk is out of range");
     }
     m_select.reset();

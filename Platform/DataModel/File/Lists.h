@@ -17,9 +17,6 @@
 
 namespace Vn::DataModel {
 
-// Numbers of chunks lie above the one and below the other.
-inline constexpr long long c_chunkLimit = 1LL << 62;
-
 // Cuts a list into chunks.
 class ChunkCutter {
 public:

@@ -11,6 +11,7 @@
 #include "Platform/DataModel/File/Circles.h"
 #include "Platform/DataModel/File/Lists.h"
 #include "Platform/DataModel/File/Writer.h"
+#include "Platform/DataModel/Limits.h"
 #include "Platform/DataModel/MigrationHelper.h"
 #include "Platform/DataModel/Segment.h"
 
@@ -18,8 +19,10 @@ namespace Vn {
 
 using DataModel::DescribedType;
 using DataModel::FileType;
+using DataModel::isReference;
 using DataModel::JsonReader;
 using DataModel::Leaf;
+using DataModel::memberKind;
 
 // The class that a reference leads to, as far as the member tells.
 struct DocumentFile::Reader::Target {
@@ -100,16 +103,14 @@ std::string targetClass(std::string const & typeName) {
     return found == "Vn::Entity" ? std::string() : found;
 }
 
-bool isReference(EMemberKind kind) noexcept {
-    return kind == EMemberKind::StrongRef || kind == EMemberKind::PassiveRef;
-}
-
 } // namespace
 
 DocumentFile::Reader::Reader(std::filesystem::path file, AssetType const * type,
                              std::string operation, std::string fileSystem)
     : m_pType(type), m_database(std::move(operation), std::move(file), std::move(fileSystem)),
-      m_schema(m_database) {}
+      m_schema(m_database) {
+    m_database.endsWhenInterrupted();
+}
 
 DocumentFile::Reader::~Reader() {
     if (!m_rAsset) return;
@@ -138,6 +139,7 @@ void DocumentFile::Reader::uninitializeHelpers() noexcept {
 StrongRef<Asset> DocumentFile::Reader::read() {
     std::error_code error;
     auto const status = std::filesystem::status(m_database.file(), error);
+    m_database.refuseUnseen(error);
     if (!std::filesystem::exists(status)) m_database.fail(StatusNotFound, "there is no such file");
     if (std::filesystem::is_directory(status))
         m_database.fail(StatusInvalidArgument, "it is a directory");
@@ -294,7 +296,7 @@ DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
         } else {
             plan->columns.push_back({&member, place, !home, home ? home->leaf->offset : 0,
                                      home ? home->helper : nullptr, std::move(target)});
-            place += member.m_kind == EMemberKind::GlobalizedString ? 3 : 1;
+            place += memberKind(member.m_kind).columns;
         }
     }
     for (Home const & home : all) {
@@ -498,7 +500,7 @@ void DocumentFile::Reader::readLists() {
         if (member < 0 || member >= static_cast<long long>(plan.listOfMember.size()) ||
             plan.listOfMember[static_cast<std::size_t>(member)] < 0)
             refuse("there is no such member");
-        if (row.integer(2) <= -DataModel::c_chunkLimit || row.integer(2) >= DataModel::c_chunkLimit)
+        if (row.integer(2) <= -Limits::c_chunkNumber || row.integer(2) >= Limits::c_chunkNumber)
             refuse("the number of a chunk is out of range");
         if (row.type(3) != SQLITE_TEXT) refuse("its items aren't a text");
         int const list = plan.listOfMember[static_cast<std::size_t>(member)];

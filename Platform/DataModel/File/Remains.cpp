@@ -9,6 +9,7 @@
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/File/Checker.h"
 #include "Platform/DataModel/File/Schema.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn::DataModel {
 
@@ -17,8 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char c_saving[] = ".saving";
-constexpr int c_mostAttempts = 100;
-constexpr int c_mostNames = 10'000;
 
 fs::file_type typeOf(fs::path const & file) {
     std::error_code error;
@@ -65,7 +64,7 @@ fs::path FileName::beside(char const * ending) const {
 }
 
 fs::path FileName::keep(fs::path const & file) {
-    for (int i = 1; i < c_mostNames; ++i) {
+    for (int i = 1; i <= Limits::c_keptFiles; ++i) {
         fs::path name = file;
         name += i == 1 ? ".kept" : ".kept." + std::to_string(i);
         Status const renamed = OS::renameToFreeName(file, name);
@@ -80,7 +79,7 @@ fs::path FileName::keep(fs::path const & file) {
 // --- The file to write -------------------------------------------------------------------------
 
 Database & FileName::makeSaving() {
-    for (int i = 0; i < c_mostAttempts; ++i) {
+    for (int i = 0; i < Limits::c_savingAttempts; ++i) {
         Status const made = OS::createFile(m_saving);
         if (made.code() == StatusAlreadyExists) {
             keepOldSaving();
@@ -91,6 +90,9 @@ Database & FileName::makeSaving() {
         if (made.code() == StatusAccessDenied ||
             (made.code() == StatusNotFound && fs::is_directory(m_saving.parent_path(), error)))
             fail(StatusAccessDenied, "no file can be made in its directory");
+        if (!made && !fs::exists(m_saving, error) && error == std::errc::filename_too_long)
+            fail(StatusInvalidArgument, "the name is too long for \".saving\" to stand after it "
+                                        "until the document is saved");
         if (!made) fail(made.code(), made.cause());
         m_bMade = true;
         m_database.open(m_saving);
@@ -140,8 +142,9 @@ bool FileName::isWorthKeeping(fs::path const & file) const {
     std::string const first = firstBytes<100>(file);
     if (isZero(first)) return false; // nothing, or a save that hadn't come to its end
     std::vector<std::string> findings;
+    std::vector<std::string> unknownTypes;
     try {
-        DocumentChecker(file, m_operation, m_fileSystem, findings).check();
+        DocumentChecker(file, m_operation, m_fileSystem, findings, unknownTypes).check();
     } catch (FileFailure const &) {
         return true; // who knows
     }

@@ -8,12 +8,11 @@
 #include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/File/Schema.h"
 #include "Platform/DataModel/File/Text.h"
+#include "Platform/DataModel/Limits.h"
 
 namespace Vn::DataModel {
 
 namespace {
-
-constexpr long long c_mostTypes = 1'000'000;
 
 struct FixedTable {
     char const * name;
@@ -35,23 +34,6 @@ constexpr FixedTable c_fixedTables[] = {
      "CREATE TABLE lists(entity, member, chunk, items, PRIMARY KEY(entity, member, chunk))"},
 };
 
-constexpr std::pair<EMemberKind, std::string_view> c_kinds[] = {
-    {EMemberKind::Bool, "bool"},
-    {EMemberKind::Int, "int"},
-    {EMemberKind::UnsignedInt, "unsigned int"},
-    {EMemberKind::Int64, "long long"},
-    {EMemberKind::UnsignedInt64, "unsigned long long"},
-    {EMemberKind::Float, "float"},
-    {EMemberKind::Double, "double"},
-    {EMemberKind::String, "std::string"},
-    {EMemberKind::WideString, "std::wstring"},
-    {EMemberKind::GlobalizedString, "GlobalizedString"},
-    {EMemberKind::StrongRef, "StrongRef"},
-    {EMemberKind::PassiveRef, "PassiveRef"},
-    {EMemberKind::Vector, "Vector"},
-    {EMemberKind::Value, "Value"},
-};
-
 // Names that differ only in the case of ASCII letters are one to SQL.
 std::string folded(std::string_view name) {
     std::string folded(name);
@@ -62,7 +44,7 @@ std::string folded(std::string_view name) {
 
 // What is fit to stand in SQL and in messages.
 bool isName(std::string_view name) {
-    return !name.empty() && name.size() <= 1000 && isText(name) &&
+    return !name.empty() && name.size() <= Limits::c_nameBytes && isText(name) &&
            std::none_of(name.begin(), name.end(),
                         [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
 }
@@ -113,21 +95,6 @@ void nameColumns(std::vector<FileMember> & members) {
 bool FileMember::isListOfReferences() const noexcept {
     return m_kind == EMemberKind::Vector &&
            (m_element == EMemberKind::StrongRef || m_element == EMemberKind::PassiveRef);
-}
-
-std::string_view kindText(EMemberKind kind) noexcept {
-    for (auto const & [known, name] : c_kinds)
-        if (known == kind) return name;
-    return {};
-}
-
-bool kindOf(std::string_view text, EMemberKind & kind) noexcept {
-    for (auto const & [known, name] : c_kinds)
-        if (name == text) {
-            kind = known;
-            return true;
-        }
-    return false;
 }
 
 SegmentType * storedSegment(long long kind) noexcept {
@@ -253,7 +220,7 @@ FileHead FileSchema::readHead() {
     head.generation = integer(m_database, row, 2, "the generation of the document");
     long long const next = integer(m_database, row, 3, "the next id");
     if (head.generation < 0) m_database.damaged("the generation of the document is negative");
-    if (next < 1 || static_cast<unsigned long long>(next) > c_idLimit)
+    if (next < 1 || static_cast<unsigned long long>(next) > Limits::c_entityId)
         m_database.damaged("the next id is out of range");
     head.nextEntity = static_cast<unsigned long long>(next);
     if (row.step()) m_database.damaged("there are two rows of the document");
@@ -262,9 +229,9 @@ FileHead FileSchema::readHead() {
 
 void FileSchema::writeHead(FileHead & head) {
     // What is refused here is what a load would refuse.
-    if (head.generation < 0 || head.generation >= c_mostGenerations)
+    if (head.generation < 0 || head.generation >= Limits::c_generations)
         m_database.fail(StatusFailed, "its generation would be out of range");
-    if (head.nextEntity < 1 || head.nextEntity > c_idLimit)
+    if (head.nextEntity < 1 || head.nextEntity > Limits::c_entityId)
         m_database.fail(StatusFailed, "the id of an entity would be out of range");
     if (head.id.empty()) head.id = randomName();
     head.stamp = randomName();
@@ -312,7 +279,7 @@ FileType & FileSchema::addType(MetaType const & type, bool isEntity) {
         m_database.fail(StatusUnsupported, "a meta type has an unfit name");
     FileType added;
     added.number = m_types.empty() ? 1 : m_types.back().number + 1;
-    if (added.number > c_mostTypes)
+    if (added.number > Limits::c_fileTypes)
         m_database.fail(StatusFailed,
                         "it has no number left for another type; save it under another "
                         "name");
@@ -341,9 +308,9 @@ void FileSchema::insertMembers(FileType const & type) {
         row.bind(2, position++);
         row.bindText(3, member.m_class);
         row.bindText(4, member.m_name);
-        row.bindText(5, kindText(member.m_kind));
+        row.bindText(5, memberKind(member.m_kind).name);
         if (member.m_kind == EMemberKind::Vector)
-            row.bindText(6, kindText(member.m_element));
+            row.bindText(6, memberKind(member.m_element).name);
         else
             row.bindNull(6);
         if (member.isColumn())
@@ -383,7 +350,7 @@ void FileSchema::readTypes() {
     while (row.step()) {
         FileType type;
         type.number = integer(m_database, row, 0, "the number of a type");
-        if (type.number < 1 || type.number > c_mostTypes)
+        if (type.number < 1 || type.number > Limits::c_fileTypes)
             m_database.damaged("the number of a type is out of range");
         type.id = text(m_database, row, 1, "the id of a type");
         type.name = text(m_database, row, 2, "the name of a type");

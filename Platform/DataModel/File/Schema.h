@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <deque>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -21,9 +20,6 @@ namespace Vn::DataModel {
 
 // "VnD1" in the header of the database.
 inline constexpr long long c_applicationId = 0x566E4431;
-
-// The generation of a document is at most that.
-inline constexpr long long c_mostGenerations = std::numeric_limits<long long>::max();
 
 // One member of a class of entities as it stands in a file.
 struct FileMember {
@@ -65,10 +61,6 @@ struct FileHead {
     long long generation = 0;
     unsigned long long nextEntity = 1;
 };
-
-// The name of a kind in files.
-std::string_view kindText(EMemberKind kind) noexcept;
-bool kindOf(std::string_view text, EMemberKind & kind) noexcept;
 
 // The kind of segment with that number; null if a file has no such segments.
 SegmentType * storedSegment(long long kind) noexcept;

@@ -13,6 +13,7 @@
 #include "Platform/DataModel/File/Circles.h"
 #include "Platform/DataModel/File/Remains.h"
 #include "Platform/DataModel/File/Text.h"
+#include "Platform/DataModel/Limits.h"
 #include "Platform/DataModel/Segment.h"
 #include "Platform/Types/GlobalizedString.h"
 
@@ -24,7 +25,9 @@ using DataModel::FileHead;
 using DataModel::FileMember;
 using DataModel::FileSchema;
 using DataModel::FileType;
+using DataModel::isReference;
 using DataModel::Leaf;
+using DataModel::memberKind;
 using DataModel::pathText;
 using DataModel::Statement;
 
@@ -37,7 +40,7 @@ constexpr int c_rowsTogether = 32;
 
 // A member that is a column, with the buffers that its texts are bound from.
 struct Column {
-    EMemberKind kind;
+    DataModel::MemberKind const & kind;
     std::ptrdiff_t offset;
     int place;                      // counted from 0
     std::vector<std::string> texts; // of each row of a statement
@@ -59,29 +62,6 @@ T const & at(void const * field) noexcept {
     return *static_cast<T const *>(field);
 }
 
-void bindNarrow(Statement & row, int place, std::string_view text) {
-    if (DataModel::isText(text))
-        row.bindText(place, text);
-    else
-        row.bindBytes(place, text);
-}
-
-void bindWide(Statement & row, int place, std::wstring_view text, std::string & buffer) {
-    if (DataModel::encodeText(text, buffer))
-        row.bindText(place, buffer);
-    else
-        row.bindBytes(place, buffer);
-}
-
-void appendWide(std::string & json, std::wstring_view text, std::string & buffer) {
-    bool const isText = DataModel::encodeText(text, buffer);
-    DataModel::appendJsonText(json, buffer, isText);
-}
-
-void appendNarrow(std::string & json, std::string_view text) {
-    DataModel::appendJsonText(json, text, DataModel::isText(text));
-}
-
 // The entities of a list lie anywhere in memory.  They are fetched so many elements ahead: a list
 // of a million that is in no order takes half the time.
 constexpr std::size_t c_ahead = 16;
@@ -90,10 +70,6 @@ void fetch(Entity const * entity) noexcept {
     if (!entity) return;
     __builtin_prefetch(entity);
     __builtin_prefetch(entity + 1); // it needn't begin where a line of the cache does
-}
-
-bool isReference(EMemberKind kind) noexcept {
-    return kind == EMemberKind::StrongRef || kind == EMemberKind::PassiveRef;
 }
 
 // Calls `visit` with the kind, the field and the member of each reference that a file would have.
@@ -213,6 +189,8 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file,
     if (std::filesystem::is_symlink(file, error)) target = std::filesystem::canonical(file, error);
     if (error) target = file;
     auto const status = std::filesystem::status(target, error);
+    if (error == std::errc::filename_too_long)
+        refuse(StatusInvalidArgument, "the name is longer than names may be");
     bool const exists = std::filesystem::exists(status);
     if (std::filesystem::is_directory(status)) refuse(StatusInvalidArgument, "it is a directory");
     if (exists && !std::filesystem::is_regular_file(status))
@@ -243,7 +221,7 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file,
         if (m_asset.m_fileStamp.size()) {
             DocumentFileStamp const stamp = DocumentFileStamp::parse(m_asset.m_fileStamp);
             // One that can't be saved again under its own id becomes another document.
-            if (stamp.m_generation < DataModel::c_mostGenerations) {
+            if (stamp.m_generation < Limits::c_generations) {
                 head.id = stamp.m_id;
                 head.generation = stamp.m_generation;
             }
@@ -326,7 +304,7 @@ void DocumentFile::Writer::saveChanges() {
             if (head.id != stamp.m_id)
                 refuse(StatusFailed, "another program has put another document in its place");
             if (head.stamp != stamp.m_stamp && !isDoubtful) refuse(StatusFailed, c_changed);
-            if (head.generation >= DataModel::c_mostGenerations)
+            if (head.generation >= Limits::c_generations)
                 refuse(StatusFailed,
                        "it can't be saved more often under its own name; save it under "
                        "another");
@@ -410,12 +388,13 @@ bool DocumentFile::Writer::isOurs(Entity const & entity) const noexcept {
     return isWritten(entity) && entity.segment()->asset() == &m_asset;
 }
 
-unsigned long long DocumentFile::Writer::idOf(Entity const * target) const noexcept {
+unsigned long long DocumentFile::Writer::onIdOf(Entity const * target) const noexcept {
     return target && target->isAlive() && isOurs(*target) ? target->id() : 0;
 }
 
-unsigned long long DocumentFile::Writer::idOf(PassiveRef<Entity> const & reference) const noexcept {
-    return idOf(reference.get());
+unsigned long long
+DocumentFile::Writer::onIdOf(PassiveRef<Entity> const & reference) const noexcept {
+    return onIdOf(reference.get());
 }
 
 DocumentFile::Writer::EFate DocumentFile::Writer::fateOf(Entity const * target) const noexcept {
@@ -568,7 +547,7 @@ DocumentFile::Writer::idOnCircle(std::vector<unsigned long long> const & ids) co
                 continue;
             }
             forEachOwned(owner, [&](Entity * owned) {
-                if (!idOf(owned) || !owned->metaType()->layout().hasStrong()) return;
+                if (!onIdOf(owned) || !owned->metaType()->layout().hasStrong()) return;
                 auto const known = isOpen.find(owned);
                 if (known == isOpen.end())
                     way.push_back(owned);
@@ -611,7 +590,7 @@ void DocumentFile::Writer::writeRoots() {
         long long place = 0;
         for (auto const & [number, root] : segment->m_roots) {
             auto const & [key, entity] = root;
-            unsigned long long const id = idOf(entity.get());
+            unsigned long long const id = onIdOf(entity.get());
             if (!id) continue;
             row.bind(1, static_cast<long long>(segment->segmentType()->type()));
             row.bind(2, place++);
@@ -637,8 +616,8 @@ DocumentFile::Writer::Class & DocumentFile::Writer::classOf(Entity & entity) {
             FileMember const & member = described.members[i];
             Leaf const * const leaf = described.leaves[i];
             if (member.isColumn()) {
-                made->columns.push_back({member.m_kind, leaf->offset, place, {}});
-                place += member.m_kind == EMemberKind::GlobalizedString ? 3 : 1;
+                made->columns.push_back({memberKind(member.m_kind), leaf->offset, place, {}});
+                place += memberKind(member.m_kind).columns;
             } else if (member.m_list < 0)
                 made->lists.push_back({leaf, static_cast<int>(i), {}});
             else {
@@ -652,7 +631,7 @@ DocumentFile::Writer::Class & DocumentFile::Writer::classOf(Entity & entity) {
                        DataModel::sqlName(fileType->table) + " VALUES";
         made->width = place;
         made->rowsTogether = static_cast<std::size_t>(
-            std::clamp(DataModel::c_mostParameters / place, 1, c_rowsTogether));
+            std::clamp(Limits::c_statementParameters / place, 1, c_rowsTogether));
         for (Column & column : made->columns) column.texts.resize(made->rowsTogether);
         made->row = Statement(*m_pDatabase, made->insert + rowsOfParameters(1, place));
         target = std::move(made);
@@ -693,126 +672,7 @@ void DocumentFile::Writer::bindColumns(Class & target, Entity const & entity, St
     rows.bind(first + 1, static_cast<long long>(entity.segment()->segmentType()->type()));
     for (Column & column : target.columns) {
         void const * const field = reinterpret_cast<char const *>(&entity) + column.offset;
-        int const place = first + column.place;
-        auto const bindReference = [&](unsigned long long id) {
-            if (id)
-                rows.bind(place, static_cast<long long>(id));
-            else
-                rows.bindNull(place);
-        };
-        switch (column.kind) {
-        case EMemberKind::Bool:
-            rows.bind(place, at<bool>(field) ? 1LL : 0LL);
-            break;
-        case EMemberKind::Int:
-            rows.bind(place, static_cast<long long>(at<int>(field)));
-            break;
-        case EMemberKind::UnsignedInt:
-            rows.bind(place, static_cast<long long>(at<unsigned>(field)));
-            break;
-        case EMemberKind::Int64:
-            rows.bind(place, at<long long>(field));
-            break;
-        case EMemberKind::UnsignedInt64:
-            rows.bind(place, static_cast<long long>(at<unsigned long long>(field)));
-            break;
-        // The engine makes NULL of NaN.
-        case EMemberKind::Float:
-            rows.bind(place, static_cast<double>(at<float>(field)));
-            break;
-        case EMemberKind::Double:
-            rows.bind(place, at<double>(field));
-            break;
-        case EMemberKind::String:
-            bindNarrow(rows, place, at<std::string>(field));
-            break;
-        case EMemberKind::WideString:
-            bindWide(rows, place, at<std::wstring>(field), column.texts[row]);
-            break;
-        case EMemberKind::GlobalizedString: {
-            auto const & text = at<GlobalizedString>(field);
-            bindWide(rows, place, text.defaultText(), column.texts[row]);
-            if (text.isGlobalized()) {
-                bindNarrow(rows, place + 1, text.module());
-                bindNarrow(rows, place + 2, text.key());
-            } else {
-                rows.bindNull(place + 1);
-                rows.bindNull(place + 2);
-            }
-            break;
-        }
-        case EMemberKind::StrongRef:
-            bindReference(idOf(at<StrongRef<Entity>>(field).get()));
-            break;
-        case EMemberKind::PassiveRef:
-            bindReference(idOf(at<PassiveRef<Entity>>(field)));
-            break;
-        case EMemberKind::Vector:
-        case EMemberKind::Value:
-            break;
-        }
-    }
-}
-
-void DocumentFile::Writer::appendElement(std::string & json, EMemberKind kind,
-                                         void const * element) {
-    using DataModel::appendJson;
-    auto const appendReference = [&](unsigned long long id) {
-        if (id)
-            appendJson(json, static_cast<long long>(id));
-        else
-            json += "null";
-    };
-    switch (kind) {
-    case EMemberKind::Bool:
-        json += at<bool>(element) ? "true" : "false";
-        break;
-    case EMemberKind::Int:
-        appendJson(json, static_cast<long long>(at<int>(element)));
-        break;
-    case EMemberKind::UnsignedInt:
-        appendJson(json, static_cast<long long>(at<unsigned>(element)));
-        break;
-    case EMemberKind::Int64:
-        appendJson(json, at<long long>(element));
-        break;
-    case EMemberKind::UnsignedInt64:
-        appendJson(json, static_cast<long long>(at<unsigned long long>(element)));
-        break;
-    case EMemberKind::Float:
-        appendJson(json, at<float>(element));
-        break;
-    case EMemberKind::Double:
-        appendJson(json, at<double>(element));
-        break;
-    case EMemberKind::String:
-        appendNarrow(json, at<std::string>(element));
-        break;
-    case EMemberKind::WideString:
-        appendWide(json, at<std::wstring>(element), m_scratch);
-        break;
-    case EMemberKind::GlobalizedString: {
-        auto const & text = at<GlobalizedString>(element);
-        if (text.isGlobalized()) {
-            json += '[';
-            appendNarrow(json, text.module());
-            json += ',';
-            appendNarrow(json, text.key());
-            json += ',';
-        }
-        appendWide(json, text.defaultText(), m_scratch);
-        if (text.isGlobalized()) json += ']';
-        break;
-    }
-    case EMemberKind::StrongRef:
-        appendReference(idOf(at<StrongRef<Entity>>(element).get()));
-        break;
-    case EMemberKind::PassiveRef:
-        appendReference(idOf(at<PassiveRef<Entity>>(element)));
-        break;
-    case EMemberKind::Vector:
-    case EMemberKind::Value:
-        break;
+        column.kind.bind(*this, rows, first + column.place, field, column.texts[row]);
     }
 }
 
@@ -830,12 +690,12 @@ void DocumentFile::Writer::writeLists(Class & target, Entity & entity) {
             if (leaf.elementKind == EMemberKind::StrongRef && i + c_ahead < count)
                 fetch(at<StrongRef<Entity>>(element + c_ahead * stride).get());
             if (leaf.elementKind != EMemberKind::Value)
-                appendElement(json, leaf.elementKind, element);
+                memberKind(leaf.elementKind).append(*this, element, json);
             else {
                 if (list.parts.empty()) json += '{';
                 for (List::Part const & part : list.parts) {
                     json += part.head;
-                    appendElement(json, part.leaf->kind, element + part.leaf->offset);
+                    memberKind(part.leaf->kind).append(*this, element + part.leaf->offset, json);
                 }
                 json += '}';
             }

@@ -12,6 +12,7 @@
 #include "Platform/DataModel/File/Database.h"
 #include "Platform/DataModel/File/Lists.h"
 #include "Platform/DataModel/File/Schema.h"
+#include "Platform/DataModel/File/Values.h"
 
 namespace Vn {
 
@@ -28,14 +29,18 @@ struct DocumentFileStamp {
 };
 
 // Writes one document.  Failures are thrown as FileFailure.
-class DocumentFile::Writer {
+class DocumentFile::Writer : private DataModel::ValueWriter {
 public:
     // `operation` is for messages.
     Writer(Asset & asset, std::string operation, std::string fileSystem);
-    ~Writer();
+    ~Writer() override;
 
-    // `kept` gets the new names of what lay beside the file and was kept.
+    // Writes a new file beside the old one, which it replaces once it is complete and flushed: at
+    // each moment the name leads to the old document or to the new one.  `kept` gets the new names
+    // of what lay beside the file and was kept.
     void saveWhole(std::filesystem::path const & file, std::vector<std::filesystem::path> & kept);
+    // Writes the rows of what changed into the document's own file, in one transaction of the
+    // database.  A file that isn't as the last save left it is refused, and stays.
     void saveChanges();
     // Has the next save of changes write the entities whose rows don't tell any more what they
     // refer to, since a target came or went, although they themselves didn't change.
@@ -55,7 +60,8 @@ private:
     // make, change and delete entities.
     template <class Visit>
     void forEachToWrite(Visit && visit, std::size_t first = 0) const;
-    // Tells the hooks, and refuses what a load would refuse.
+    // Tells the hooks, which may still change the document, and refuses what a load would refuse;
+    // nothing is written before.
     void prepare(std::filesystem::path const & file);
     // Refuses references that can't be written, has targets that aren't in the file written too,
     // and collects the gaps.
@@ -68,15 +74,13 @@ private:
     void bindColumns(Class & target, Entity const & entity, DataModel::Statement & rows,
                      std::size_t row);
     void writeLists(Class & target, Entity & entity);
-    void appendElement(std::string & json, EMemberKind kind, void const * element);
     Class & classOf(Entity & entity);
     enum class EFate { Null, Written, Gap, Foreign };
     // What becomes of a reference in the file.
     EFate fateOf(Entity const * target) const noexcept;
     EFate fateOf(PassiveRef<Entity> const & reference) const noexcept;
-    // What is written of a reference; 0 for null.
-    unsigned long long idOf(Entity const * target) const noexcept;
-    unsigned long long idOf(PassiveRef<Entity> const & reference) const noexcept;
+    unsigned long long onIdOf(Entity const * target) const noexcept override;
+    unsigned long long onIdOf(PassiveRef<Entity> const & reference) const noexcept override;
     static bool isWritten(Entity const & entity) noexcept;
     bool isOurs(Entity const & entity) const noexcept;
 
@@ -89,6 +93,8 @@ private:
         std::string stamp;
     };
     static Saved makeSaved(std::filesystem::path const & file, DataModel::FileHead const & head);
+    // Both only after the file is complete, and without anything that could fail: a save that was
+    // reported as good is the one that the document remembers.
     void finish(Saved saved) noexcept;
     void markSaved();
 
@@ -105,7 +111,6 @@ private:
     Class * m_pLastClass = nullptr;
     std::unique_ptr<DataModel::ListWriter> m_pLists;
     DataModel::ChunkCutter m_cutter;
-    std::string m_scratch;
 };
 
 } // namespace Vn

@@ -147,7 +147,16 @@ void Lifetimes::killLeftOrphans() noexcept {
 
 void Lifetimes::kill(Entity & entity, DataChange::ETransact transact, bool isForGood) {
     EntityState & state = stateOf(entity);
-    MemberLayout const & layout = entity.metaType()->layout();
+    static MemberLayout const s_none(nullptr);
+    MemberLayout const * known = nullptr;
+    try {
+        known = &entity.metaType()->layout();
+    } catch (std::bad_alloc const &) {
+        // Of a class whose first object is refused for want of memory: nothing of it was recorded.
+        if (m_history.isReplaying()) throw;
+        known = &s_none;
+    }
+    MemberLayout const & layout = *known;
     Death death(entity, layout);
     // Without a log that is open or names it, or a bracket whose record may, nothing leads back,
     // nor does anything after an abort.

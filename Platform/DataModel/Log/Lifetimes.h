@@ -52,11 +52,14 @@ public:
     Lifetimes(Lifetimes const &) = delete;
     Lifetimes & operator=(Lifetimes const &) = delete;
 
-    // A new entity, from its constructor; recorded in the open log.
+    // A new entity, from its constructor.  In a transaction the open log gets a record of it before
+    // anything else about it, so that an undo ends it; outside of one the steps before are dropped.
     void born(Entity & entity);
-    // An entity whose object is destroyed without ever having had an owner.
+    // An entity whose object is destroyed without ever having had an owner.  Its records become
+    // blank, so that no log leads to what isn't there.
     void unborn(Entity & entity) noexcept;
-    // The last strong reference to an entity has gone.
+    // The last strong reference to an entity has gone.  It waits for its turn, so that deletions
+    // don't nest however deep entities own each other; if it gets an owner before, it lives on.
     void orphaned(Entity & entity) noexcept;
     // A bracket opens on an entity whose deletion hooks are running.  Throws std::bad_alloc if its
     // members can't be kept.
@@ -69,10 +72,11 @@ public:
     // A name of an entity is given up.  The object goes if nothing else leads to it.
     void forget(Entity & entity) noexcept;
 
-    // For a replay.  Ends a living entity whose making is undone; for good if no redo can bring it
-    // back.
+    // For a replay.  Ends a living entity whose making is undone, even if it is held; for good if
+    // no redo can bring it back.  Its object stays as long as it is held or named.
     void unmake(Entity & entity, bool isForGood);
-    // Brings a dead entity back, with all that it owned.  Those that are unmade stay dead.
+    // Brings a dead entity back, with all that it owned, and that owned, as they were when they
+    // died.  Those that are unmade stay dead: only the redo of their making brings them back.
     void revive(Entity & entity);
     // Tells those that came back since the last call, but no more than once.
     void tellRevived();
@@ -143,7 +147,12 @@ private:
 
     // Tells one entity that the transaction or replay is over.
     void tellOver(Entity & entity, bool came, DataChange::ETransact transact);
+    // Ends one entity: keeps what its hooks may take away, calls them, has it let go of what it
+    // owns, and takes it out of the document.  Its object goes if nothing names it; else it has a
+    // tomb if anything differs.
     void kill(Entity & entity, DataChange::ETransact transact, bool isForGood);
+    // Ends all that wait without an owner, in the order in which they lost it.  Outside of a
+    // transaction what their hooks change goes into the late log: steps stay as they are.
     void killOrphans(DataChange::ETransact transact);
     void endOrphans(DataChange::ETransact transact);
     void killLeftOrphans() noexcept;
@@ -154,6 +163,7 @@ private:
     // Moves the members that differ now from what they were into a tomb, if the entity may return.
     // False if there was no memory.
     bool entomb(Death & death);
+    // Puts an entity back into the document, without what it owned.
     void reviveOne(Entity & entity);
     // Gives an entity back what is in its tomb, and revives what that leads to.
     void openTomb(Entity & entity);

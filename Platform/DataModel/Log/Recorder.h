@@ -52,7 +52,8 @@ public:
     void spliced(MemberSplices const & splices, bool inserted, std::size_t index,
                  std::size_t count);
 
-    // An entity has come.
+    // An entity has come.  From here on the log needs none of its members: an undo ends it as a
+    // whole.
     void recordBirth(ChangeLog & log, Entity & entity);
     // The root under a key is about to change; `old` is the present one, or null.
     void rootChanging(Segment & segment, std::string const & key, std::size_t place, Entity * old);

@@ -44,21 +44,30 @@ public:
     Replay(Replay const &) = delete;
     Replay & operator=(Replay const &) = delete;
 
-    // Restores; the inverse goes into the other log.
+    // Restores the state before the log, whatever it holds.  The inverse of each change stands in
+    // the other log before the change is made: if memory runs out, what was done can be told.
     void restore(bool undoing);
     // Exchanges; the log becomes its inverse.  The entities have their turns in the order in which
     // an inverse would give them.
     void exchange(bool undoing);
 
 private:
-    // Marks what the log says was made as unmade, or the other way round.
+    // Marks what the log says was made as unmade, or the other way round.  It comes before anything
+    // is revived, so that nothing comes back whose making is being undone.
     void markUnmade();
     void unmade(Entity & entity);
+    // Revives whatever the log's values lead to, so that no reference is restored to a dead entity.
     void reviveTargets();
+    // Goes through the records from the last to the first; each has one turn.
     void restoreRecords(bool areMarked);
+    // Restores all that the log has about the entity of its last record, within one bracket, so
+    // that observers hear of the entity once.
     void restoreEntity(std::size_t last);
+    // Gives a key the root that it had; a root that comes back takes the place that it had.
     void restoreRoot(std::size_t end);
+    // As restoreEntity, where each value changes places with the field.
     void exchangeEntity(std::size_t last);
+    // Records the present values of what a record is about to restore.
     void recordInverse(Entity & entity, Record const & record, std::uint64_t const * payload);
     void recordPresence(Entity & entity, ERecord kind);
     // Revives what is dead and may come back.

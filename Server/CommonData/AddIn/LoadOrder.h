@@ -14,6 +14,7 @@
 
 #define VN_LOAD_STEP(number) __attribute__((init_priority(1000 + (number))))
 
+#define VN_LOAD_CHANGE_SUMMARIES VN_LOAD_STEP(5)
 #define VN_LOAD_ASSET_META_TYPES VN_LOAD_STEP(10)
 #define VN_LOAD_ADD_IN VN_LOAD_STEP(20)
 #define VN_LOAD_ADD_IN_SELF_CHECK VN_LOAD_STEP(30)

@@ -2,26 +2,36 @@
 
 #include <vector>
 
-#include "Platform/DataModel/InterfaceId.h"
+#include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Components/ComponentDataChange.h"
 #include "Server/CommonData/Components/IComponent.h"
 #include "Server/CommonData/Components/IComponentObject.h"
+#include "Server/CommonData/Managed/ChangeSummariesInternal.h"
 
 namespace Vn::CommonData {
 
+namespace {
+
+// Managed entities know nothing of components: this has them make the summaries.
+class ComponentSummaries {
+public:
+    ComponentSummaries() noexcept {
+        static constexpr Managed::ChangeSummaries c_summaries{
+            &IComponentObject::interfaceId, &ComponentChangeSummarizer::interfaceId, &make};
+        Managed::summarizeChanges(c_summaries);
+    }
+
+private:
+    static EntityChangeSummarizer * make(void * object) {
+        return new ComponentChangeSummarizer(static_cast<IComponentObject *>(object));
+    }
+};
+
+[[maybe_unused]] ComponentSummaries const s_summaries VN_LOAD_CHANGE_SUMMARIES;
+
+} // namespace
+
 ComponentChangeSummarizer::~ComponentChangeSummarizer() = default;
-
-UniqueString const * ComponentChangeSummarizer::interfaceId() {
-    static constinit InterfaceId s_id("Vn::CommonData::ComponentChangeSummarizer");
-    return s_id.get();
-}
-
-UniqueString const * ComponentChangeSummarizer::getInterfaceId() const { return interfaceId(); }
-
-void * ComponentChangeSummarizer::queryInterface(UniqueString const * id) const {
-    return id == interfaceId() ? const_cast<ComponentChangeSummarizer *>(this)
-                               : EntityChangeSummarizer::queryInterface(id);
-}
 
 template <class Tell>
 void ComponentChangeSummarizer::tell(DataChange::EChangeType type, Tell && tell) {

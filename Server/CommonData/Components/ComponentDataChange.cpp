@@ -1,8 +1,8 @@
 #include "Server/CommonData/Components/ComponentDataChange.h"
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Entity.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/Components/IComponentObject.h"
 
 namespace Vn::CommonData {

@@ -1,6 +1,6 @@
 #include "Server/CommonData/Components/IComponent.h"
 
-#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/Base/InterfaceId.h"
 
 namespace Vn::CommonData {
 

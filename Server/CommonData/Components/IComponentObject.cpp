@@ -1,6 +1,6 @@
 #include "Server/CommonData/Components/IComponentObject.h"
 
-#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Server/CommonData/Components/IComponent.h"
 #include "Server/CommonData/Managed/Ancestors.h"
 #include "Server/CommonData/Managed/ICommonData.h"

@@ -29,7 +29,12 @@ std::wstring Expression::formatted(Units::EUnitDisplayMode mode) const {
 std::wstring Expression::formatted(Units::EUnitDisplayMode mode,
                                    UnitDisplaySettings const & settings,
                                    Units::UnitContext const & display) const {
-    return m_node ? m_node->formattedValue(mode, settings, display) : std::wstring();
+    if (!m_node) return {};
+    if (Units::ComplexUnit const * const shown = display.expectedUnits()) {
+        Units::ComplexUnit const * const own = m_node->units(m_context);
+        if (!own || !shown->isDimensionallyEquivalent(own)) return {};
+    }
+    return m_node->formattedValue(mode, settings, display);
 }
 
 std::wstring Expression::rebuilt() const {
@@ -41,12 +46,12 @@ std::wstring Expression::rebuilt(Units::EUnitDisplayMode mode,
     return m_node ? m_node->reconstructString(mode, settings, nullptr) : std::wstring();
 }
 
-bool Expression::rebuiltReadsBack() const { return readsBack(rebuilt()); }
+bool Expression::rebuiltReadsBack() const { return rebuiltReadsBack(rebuilt()); }
 
-bool Expression::readsBack(std::wstring const & text) const {
+bool Expression::rebuiltReadsBack(std::wstring const & rebuilt) const {
     if (!m_node) return false;
-    Expression const again(text, m_context);
-    if (!again || again.value() != value() || again.rebuilt() != text) return false;
+    Expression const again(rebuilt, m_context);
+    if (!again || again.value() != value() || again.rebuilt() != rebuilt) return false;
     std::optional<Units::ComplexUnit> const here = units();
     std::optional<Units::ComplexUnit> const there = again.units();
     if (!here || !there || !here->isDimensionallyEquivalent(&*there)) return false;
@@ -58,7 +63,7 @@ bool Expression::readsBack(std::wstring const & text) const {
 
 std::wstring Expression::textToStore() const {
     std::wstring text = rebuilt();
-    return readsBack(text) ? text : m_text;
+    return rebuiltReadsBack(text) ? text : m_text;
 }
 
 Node * Expression::release() { return m_node.release(); }

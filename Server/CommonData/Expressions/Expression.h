@@ -42,7 +42,7 @@ public:
     std::optional<Units::ComplexUnit> units() const;
 
     // The value for the user, by default with the user's settings and in the context of the text.
-    // Empty if there is none.
+    // Empty if there is none, or if `display` expects units of another dimension.
     std::wstring formatted(Units::EUnitDisplayMode mode = Units::ValueAndUnit) const;
     std::wstring formatted(Units::EUnitDisplayMode mode,
                            Units::UnitDisplaySettings const & settings,
@@ -58,18 +58,19 @@ public:
     // alike, and rebuilds to itself.  Rounding in a rebuilt number can prevent that: 1/128 of an
     // inch comes back as 1/64.
     bool rebuiltReadsBack() const;
+    // The same for a caller that has the text already: `rebuilt` is what rebuilt() answers.
+    bool rebuiltReadsBack(std::wstring const & rebuilt) const;
 
     // The text to store: the rebuilt text if it reads back, else the text as typed, which always
     // does.
     std::wstring textToStore() const;
 
+    // The tree, for the operations of Interface; null if there is none.  It stays the expression's.
+    Node * node() const { return m_node.get(); }
     // Gives the tree to the caller, who ends it with Interface::destroy.
     Node * release();
 
 private:
-    // Whether `text`, which is the rebuilt one, reads back.
-    bool readsBack(std::wstring const & text) const;
-
     struct Destroy {
         void operator()(Node * node) const { Interface::get()->destroy(node); }
     };

@@ -87,7 +87,9 @@ private:
         }
         if (units) {
             UnitDisplaySettings const & settings = UnitDisplaySettings::get();
-            answer += L"Formatted value -> " + expression.formatted(mode, settings, display);
+            // As the engine formats it, whatever the display unit is.
+            answer += L"Formatted value -> " +
+                      Interface::get()->formattedValue(expression.node(), mode, settings, display);
             answer += c_lineEnd;
             answer += L"String reconstruction produced -> " + expression.rebuilt(mode, settings);
             answer += c_lineEnd;

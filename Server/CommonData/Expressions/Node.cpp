@@ -3,9 +3,11 @@
 #include "Server/CommonData/Expressions/NodeInternal.h"
 #include "Server/CommonData/Expressions/TreeInternal.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <random>
 #include <thread>
 
@@ -215,6 +217,13 @@ ComplexUnit const * BinaryOpNode::onUnitEvaluate(UnitContext const & context) {
     return unitEvaluateStep(context);
 }
 
+EParseFailure BinaryOpNode::onConflict(UnitContext const & context) {
+    ComplexUnit const * const left = m_rLeft.units(context);
+    if (!left) return m_rLeft.conflict(context);
+    ComplexUnit const * const right = m_rRight.units(context);
+    return right ? onCalculateConflict(*left, *right) : m_rRight.conflict(context);
+}
+
 ComplexUnit const * BinaryOpNode::unitEvaluateStep(UnitContext const & context) {
     ComplexUnit const * const left = m_rLeft.units(context);
     ComplexUnit const * const right = left ? m_rRight.units(context) : nullptr;
@@ -264,6 +273,14 @@ ComplexUnit const * powerUnits(Tree & tree, Node & exponentNode, ComplexUnit con
     return raised(tree, base, exponent);
 }
 
+// Why powerUnits gives null for them.
+EParseFailure powerConflict(Node & exponentNode, ComplexUnit const & exponentUnits) {
+    double exponent = 0.0;
+    bool const fits = exponentUnits.isUnitless() && exponentNode.evaluate(exponent) &&
+                      exponent == std::floor(exponent);
+    return fits ? EParseFailure::unitTooLong : EParseFailure::unitsOfPower;
+}
+
 } // namespace
 
 ComplexUnit const * SumOpNode::onCalculateUnits(ComplexUnit const & left, ComplexUnit const & right,
@@ -304,6 +321,10 @@ ComplexUnit const * PowerOpNode::onCalculateUnits(ComplexUnit const & left,
     return powerUnits(tree(), this->right(), left, right);
 }
 
+EParseFailure PowerOpNode::onCalculateConflict(ComplexUnit const &, ComplexUnit const & right) {
+    return powerConflict(this->right(), right);
+}
+
 // ---- Functions ----------------------------------------------------------------------------------
 
 VarLenOpNode::VarLenOpNode(Tree & tree, ComplexUnit const * defaultUnits)
@@ -326,51 +347,6 @@ Node & VarLenOpNode::operand(unsigned int index) const {
 
 namespace {
 
-// Where bare numbers in an argument get their unit from.
-enum class Argument : unsigned char {
-    Angle,   // degree, or radian where the context prefers it
-    None,    // they stay pure
-    Inherits // what is expected of the whole expression
-};
-
-// What the result has as default units.
-enum class Result : unsigned char { Radian, None, Inherits };
-
-struct FunctionRow {
-    unsigned char arity;
-    Argument first;
-    Argument second;
-    Result result;
-};
-
-// clang-format off
-constexpr FunctionRow c_functions[] = {
-    /* cos    */ {1, Argument::Angle,    Argument::None,     Result::None},
-    /* acos   */ {1, Argument::None,     Argument::None,     Result::Radian},
-    /* cosh   */ {1, Argument::Angle,    Argument::None,     Result::None},
-    /* sin    */ {1, Argument::Angle,    Argument::None,     Result::None},
-    /* asin   */ {1, Argument::None,     Argument::None,     Result::Radian},
-    /* sinh   */ {1, Argument::Angle,    Argument::None,     Result::None},
-    /* tan    */ {1, Argument::Angle,    Argument::None,     Result::None},
-    /* atan   */ {1, Argument::None,     Argument::None,     Result::Radian},
-    /* tanh   */ {1, Argument::Angle,    Argument::None,     Result::None},
-    /* sqrt   */ {1, Argument::None,     Argument::None,     Result::None},
-    /* exp    */ {1, Argument::None,     Argument::None,     Result::None},
-    /* pow    */ {2, Argument::Inherits, Argument::None,     Result::Inherits},
-    /* ln     */ {1, Argument::None,     Argument::None,     Result::None},
-    /* log    */ {1, Argument::None,     Argument::None,     Result::None},
-    /* floor  */ {1, Argument::Inherits, Argument::Inherits, Result::Inherits},
-    /* ceil   */ {1, Argument::Inherits, Argument::Inherits, Result::Inherits},
-    /* round  */ {1, Argument::Inherits, Argument::Inherits, Result::Inherits},
-    /* abs    */ {1, Argument::Inherits, Argument::Inherits, Result::Inherits},
-    /* sign   */ {1, Argument::Inherits, Argument::Inherits, Result::None},
-    /* max    */ {2, Argument::Inherits, Argument::Inherits, Result::Inherits},
-    /* min    */ {2, Argument::Inherits, Argument::Inherits, Result::Inherits},
-    /* random */ {0, Argument::Inherits, Argument::Inherits, Result::None},
-};
-// clang-format on
-static_assert(std::size(c_functions) == e_RANDOM - e_COS + 1);
-
 // A whole number from 0 to 32767, over 32767.
 double randomValue() {
     thread_local std::minstd_rand s_generator = [] {
@@ -389,6 +365,32 @@ double rounded(double x) {
     double const f = x - t;
     return std::fabs(f) < 0.5 ? t : Numeric::saturate<int>(t + 2.0 * f);
 }
+
+// A value this near to a whole number is that number to floor and ceil.
+constexpr double c_slack = 2.220446049250313e-15;
+
+// What an argument must be, and where bare numbers in it get their unit from.
+enum class Argument : unsigned char { Angle, None, Inherits };
+
+// What units the result has.
+enum class Result : unsigned char { Radian, None, Inherits, Power };
+
+struct FunctionRow {
+    unsigned char arity;
+    Argument first;
+    Argument second;
+    Result result;
+    double (*value)(double x, double y);
+};
+
+constexpr FunctionRow c_functions[] = {
+#define VN_FUNCTION(number, word, name, text, arguments, first, second, result, value)             \
+    {arguments, Argument::first, Argument::second, Result::result,                                 \
+     []([[maybe_unused]] double x, [[maybe_unused]] double y) { return value; }},
+#include "Server/CommonData/Expressions/Functions.inc"
+};
+static_assert(std::all_of(std::begin(c_functions), std::end(c_functions),
+                          [](FunctionRow const & row) { return row.arity <= 2; }));
 
 } // namespace
 
@@ -422,6 +424,7 @@ bool functionHasFixedResultUnit(FunctionId function, ComplexUnit const *& units)
         units = &ComplexUnit::none();
         return true;
     case Result::Inherits:
+    case Result::Power:
         break;
     }
     return false;
@@ -440,143 +443,73 @@ FunctionOpNode::FunctionOpNode(Tree & tree, ComplexUnit const * defaultUnits, Fu
     : VarLenOpNode(tree, resultUnits(function, defaultUnits)), m_function(function) {}
 
 bool FunctionOpNode::onEvaluate(double & value) {
-    if (m_function == FunctionRandom) {
-        value = randomValue();
-        return true;
-    }
-    if (operands() == 0) return false;
+    FunctionRow const & row = c_functions[m_function];
     double x = 0.0;
-    if (!operand(0).evaluate(x)) return false;
-    constexpr double c_epsilon = 2.220446049250313e-15;
-    switch (m_function) {
-    case FunctionCos:
-        value = std::cos(x);
-        return true;
-    case FunctionSin:
-        value = std::sin(x);
-        return true;
-    case FunctionTan:
-        value = std::tan(x);
-        return true;
-    case FunctionCosh:
-        value = std::cosh(x);
-        return true;
-    case FunctionSinh:
-        value = std::sinh(x);
-        return true;
-    case FunctionTanh:
-        value = std::tanh(x);
-        return true;
-    case FunctionAtan:
-        value = std::atan(x);
-        return true;
-    case FunctionSqrt:
-        value = std::sqrt(x);
-        return true;
-    case FunctionExp:
-        value = std::exp(x);
-        return true;
-    case FunctionLn:
-        value = std::log(x);
-        return true;
-    case FunctionLog:
-        value = std::log10(x);
-        return true;
-    case FunctionAcos:
-    case FunctionAsin:
-        if (x > 1.0 || x < -1.0) return false;
-        value = m_function == FunctionAcos ? std::acos(x) : std::asin(x);
-        return true;
-    case FunctionFloor:
-        value = std::floor(x + c_epsilon);
-        return true;
-    case FunctionCeil:
-        value = std::ceil(x - c_epsilon);
-        return true;
-    case FunctionRound:
-        value = rounded(x);
-        return true;
-    case FunctionAbs:
-        value = std::fabs(x);
-        return true;
-    case FunctionSign:
-        value = x > 0.0 ? 1.0 : 0.0;
-        return true; // deliberately no -1
-    case FunctionPow:
-    case FunctionMax:
-    case FunctionMin:
-        return calculateSecond(x, value);
-    case FunctionRandom:
-        break;
+    double y = 0.0;
+    if (row.arity > 0) {
+        if (operands() == 0 || !operand(0).evaluate(x)) return false;
+        if (row.arity > operands()) {
+            value = x;
+            return true;
+        }
+        if (row.arity > 1 && !operand(1).evaluate(y)) return false;
     }
-    return false;
-}
-
-bool FunctionOpNode::calculateSecond(double first, double & value) {
-    value = first;
-    if (operands() < 2) return true;
-    double second = 0.0;
-    if (!operand(1).evaluate(second)) return false;
-    if (m_function == FunctionPow)
-        value = Numeric::power(first, second);
-    else if (m_function == FunctionMax)
-        value = second <= first ? first : second;
-    else
-        value = first <= second ? first : second;
+    value = row.value(x, y);
     return true;
 }
 
-ComplexUnit const * FunctionOpNode::onUnitEvaluate(UnitContext const & context) {
-    ComplexUnit const * const none = &ComplexUnit::none();
-    if (m_function == FunctionRandom) return none;
-    if (operands() == 0) return nullptr;
-    Node & argument = operand(0);
+ComplexUnit const * FunctionOpNode::argumentUnits(unsigned int index, UnitContext const & context) {
+    Node & argument = operand(index);
     ComplexUnit const * units = argument.units(context);
-    if (!units) return nullptr;
-    switch (m_function) {
-    case FunctionCos:
-    case FunctionSin:
-    case FunctionTan:
-    case FunctionCosh:
-    case FunctionSinh:
-    case FunctionTanh:
-        if (units->isUnitless()) {
+    FunctionRow const & row = c_functions[m_function];
+    switch (index == 0 ? row.first : row.second) {
+    case Argument::Angle:
+        if (units && units->isUnitless()) {
             argument.useDefaultUnits(true);
             units = argument.units(context);
         }
-        return units->isDimensionallyEquivalent(
-                   &Units::AngleUnit::staticInternalBaseUnit()->asComplexUnit())
-                   ? none
+        return units && units->isDimensionallyEquivalent(
+                            &Units::AngleUnit::staticInternalBaseUnit()->asComplexUnit())
+                   ? units
                    : nullptr;
-    case FunctionAcos:
-    case FunctionAsin:
-    case FunctionAtan:
-        return units->isUnitless() ? &Units::UnitRadian::get()->asComplexUnit() : nullptr;
-    case FunctionSqrt:
-    case FunctionExp:
-    case FunctionLn:
-    case FunctionLog:
-        return units->isUnitless() ? none : nullptr;
-    case FunctionFloor:
-    case FunctionCeil:
-    case FunctionRound:
-    case FunctionAbs:
-        return units;
-    case FunctionSign:
-        return none;
+    case Argument::None:
+        return units && units->isUnitless() ? units : nullptr;
+    case Argument::Inherits:
+        break;
+    }
+    return units;
+}
+
+ComplexUnit const * FunctionOpNode::onUnitEvaluate(UnitContext const & context) {
+    FunctionRow const & row = c_functions[m_function];
+    ComplexUnit const * units = &ComplexUnit::none();
+    if (row.arity > 0) {
+        if (operands() == 0) return nullptr;
+        units = argumentUnits(0, context);
+    }
+    if (units && row.arity > 1 && operands() > 1) {
+        ComplexUnit const * const second = argumentUnits(1, context);
+        if (!second) return nullptr;
+        if (row.result == Result::Power)
+            units = powerUnits(tree(), operand(1), *units, *second);
+        else if (row.first == Argument::Inherits && row.second == Argument::Inherits)
+            units = negotiate(operand(0), operand(1), units, second, context);
+    }
+    return units ? resultUnits(m_function, units) : nullptr;
+}
+
+EParseFailure FunctionOpNode::onConflict(UnitContext const & context) {
+    for (unsigned int i = 0; i < operands(); ++i)
+        if (!operand(i).units(context)) return operand(i).conflict(context);
+    switch (m_function) {
     case FunctionPow:
+        return powerConflict(operand(1), *operand(1).units(context));
     case FunctionMax:
     case FunctionMin:
-        break;
-    case FunctionRandom:
-        return none;
+        return EParseFailure::differentUnits;
+    default:
+        return EParseFailure::unitsOfArgument;
     }
-    if (operands() < 2) return units;
-    Node & second = operand(1);
-    ComplexUnit const * const secondUnits = second.units(context);
-    if (!secondUnits) return nullptr;
-    return m_function == FunctionPow ? powerUnits(tree(), second, *units, *secondUnits)
-                                     : negotiate(argument, second, units, secondUnits, context);
 }
 
 } // namespace Vn::Expressions

@@ -30,6 +30,7 @@
 #include <string_view>
 
 #include "Server/CommonData/Expressions/Functions.h"
+#include "Server/CommonData/Expressions/ParseFailure.h"
 #include "Server/CommonData/Expressions/Token.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
@@ -67,6 +68,9 @@ public:
 
     // The same without a copy: null on conflict.  The units live as long as the tree.
     Units::ComplexUnit const * units(Units::UnitContext const & context);
+
+    // Why units() is null, where it is.
+    EParseFailure conflict(Units::UnitContext const & context) { return onConflict(context); }
 
     // What this subtree takes if it must have units.
     Units::ComplexUnit const & defaultUnits() const { return m_pDefaults->units; }
@@ -109,6 +113,8 @@ private:
     virtual bool onEvaluate(double & value) = 0;
     // Null if the units conflict.
     virtual Units::ComplexUnit const * onUnitEvaluate(Units::UnitContext const & context) = 0;
+    // Why onUnitEvaluate gives null.
+    virtual EParseFailure onConflict(Units::UnitContext const & context) = 0;
     // Gives `out` the pieces of the node's text, in order; `units`, which may be null, are those in
     // which it is to be written.
     virtual void onReconstruct(Reconstruction & out, Units::ComplexUnit const * units) = 0;
@@ -154,6 +160,9 @@ public:
 private:
     bool onEvaluate(double & value) override;
     Units::ComplexUnit const * onUnitEvaluate(Units::UnitContext const & context) override;
+    EParseFailure onConflict(Units::UnitContext const &) override {
+        return EParseFailure::unitTooLong; // of a constant; nothing else conflicts alone
+    }
     void onReconstruct(Reconstruction & out, Units::ComplexUnit const * units) override;
     bool onShowsUnitsItself() const override { return true; }
 
@@ -190,6 +199,9 @@ protected:
 private:
     bool onEvaluate(double & value) final;
     Units::ComplexUnit const * onUnitEvaluate(Units::UnitContext const & context) final;
+    EParseFailure onConflict(Units::UnitContext const & context) final {
+        return m_rOperand.conflict(context);
+    }
     bool onShowsUnitsItself() const override { return true; }
     virtual double onCalculate(double operand) const = 0;
 
@@ -225,6 +237,7 @@ protected:
 private:
     bool onEvaluate(double & value) final;
     Units::ComplexUnit const * onUnitEvaluate(Units::UnitContext const & context) final;
+    EParseFailure onConflict(Units::UnitContext const & context) final;
     void onReconstruct(Reconstruction & out, Units::ComplexUnit const * units) final;
 
     // The result of the operator; sets `ok` to false where there is none.
@@ -233,6 +246,9 @@ private:
     virtual Units::ComplexUnit const * onCalculateUnits(Units::ComplexUnit const & left,
                                                         Units::ComplexUnit const & right,
                                                         Units::UnitContext const & context) = 0;
+    // Why onCalculateUnits gives null for them.
+    virtual EParseFailure onCalculateConflict(Units::ComplexUnit const & left,
+                                              Units::ComplexUnit const & right) = 0;
     virtual EToken onOperator() const = 0;
 
     // The left operand, if it is an operator whose value (or units) must yet be worked out.
@@ -258,6 +274,10 @@ private:
     Units::ComplexUnit const * onCalculateUnits(Units::ComplexUnit const & left,
                                                 Units::ComplexUnit const & right,
                                                 Units::UnitContext const & context) final;
+    EParseFailure onCalculateConflict(Units::ComplexUnit const &,
+                                      Units::ComplexUnit const &) final {
+        return EParseFailure::differentUnits;
+    }
     bool onShowsUnitsItself() const final { return true; }
 };
 
@@ -292,6 +312,10 @@ private:
     Units::ComplexUnit const * onCalculateUnits(Units::ComplexUnit const & left,
                                                 Units::ComplexUnit const & right,
                                                 Units::UnitContext const & context) override;
+    EParseFailure onCalculateConflict(Units::ComplexUnit const &,
+                                      Units::ComplexUnit const &) override {
+        return EParseFailure::unitTooLong;
+    }
     EToken onOperator() const override { return e_MULTIPLY; }
 };
 
@@ -305,6 +329,10 @@ private:
     Units::ComplexUnit const * onCalculateUnits(Units::ComplexUnit const & left,
                                                 Units::ComplexUnit const & right,
                                                 Units::UnitContext const & context) override;
+    EParseFailure onCalculateConflict(Units::ComplexUnit const &,
+                                      Units::ComplexUnit const &) override {
+        return EParseFailure::unitTooLong;
+    }
     EToken onOperator() const override { return e_DIVIDE; }
 };
 
@@ -318,6 +346,10 @@ private:
     Units::ComplexUnit const * onCalculateUnits(Units::ComplexUnit const & left,
                                                 Units::ComplexUnit const & right,
                                                 Units::UnitContext const & context) override;
+    EParseFailure onCalculateConflict(Units::ComplexUnit const &,
+                                      Units::ComplexUnit const &) override {
+        return EParseFailure::differentUnits;
+    }
     EToken onOperator() const override { return e_MODULO; }
 };
 
@@ -331,6 +363,8 @@ private:
     Units::ComplexUnit const * onCalculateUnits(Units::ComplexUnit const & left,
                                                 Units::ComplexUnit const & right,
                                                 Units::UnitContext const & context) override;
+    EParseFailure onCalculateConflict(Units::ComplexUnit const & left,
+                                      Units::ComplexUnit const & right) override;
     EToken onOperator() const override { return e_POWER; }
 };
 
@@ -375,9 +409,13 @@ public:
 private:
     bool onEvaluate(double & value) override;
     Units::ComplexUnit const * onUnitEvaluate(Units::UnitContext const & context) override;
+    EParseFailure onConflict(Units::UnitContext const & context) override;
     void onReconstruct(Reconstruction & out, Units::ComplexUnit const * units) override;
 
-    bool calculateSecond(double first, double & value);
+    // The units of the operand of that index, which must exist; null if the function can't take
+    // them.
+    Units::ComplexUnit const * argumentUnits(unsigned int index,
+                                             Units::UnitContext const & context);
 
     FunctionId const m_function;
 };

@@ -1,7 +1,5 @@
 #include "Server/CommonData/Expressions/ParseResult.h"
 
-#include <boost/format.hpp>
-
 namespace Vn::Expressions {
 
 std::wstring ParseResult::toString() const {
@@ -15,14 +13,10 @@ std::wstring ParseResult::toString() const {
     case EResult::abruptTermination:
         return L"Abrupt Termination";
     case EResult::failedToParse:
-        return (boost::wformat(L"Parse error at character %1%", std::locale::classic()) %
-                m_position)
-            .str();
+        return L"Parse error at character " + std::to_wstring(m_position);
     case EResult::unitMismatch:
-        return (boost::wformat(L"Units mismatch between expected %1% and evaluated %2%",
-                               std::locale::classic()) %
-                m_expected.toString() % m_evaluated.toString())
-            .str();
+        return L"Units mismatch between expected " + m_expected.toString() + L" and evaluated " +
+               m_evaluated.toString();
     case EResult::unitsDontEval:
         return L"Units don't Evaluate";
     case EResult::badUnitString:

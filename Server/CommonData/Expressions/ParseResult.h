@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Server/CommonData/Export.h"
+#include "Server/CommonData/Expressions/ParseFailure.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
 
 namespace Vn::Expressions {
@@ -22,31 +23,42 @@ enum class EResult : int {
     badUnitString = 7
 };
 
-// May be used again for another parse.  A setter overwrites the result; only failedToParse and
-// unitMismatch touch the other fields, so these stay from an earlier outcome until overwritten.
+// May be used again for another parse.  A setter overwrites the result and leaves no reason; only
+// failedToParse, unitMismatch and failure touch the other fields, so these stay from an earlier
+// outcome until overwritten.
 class VN_COMMONDATA_API ParseResult {
 public:
     // There is a tree.
-    void parsedOk() { m_result = EResult::parsedOk; }
+    void parsedOk() { outcome(EResult::parsedOk); }
     // The text held nothing but blanks.
-    void expressionIsEmpty() { m_result = EResult::expressionIsEmpty; }
+    void expressionIsEmpty() { outcome(EResult::expressionIsEmpty); }
     // The text ended where more was required.
-    void abruptTermination() { m_result = EResult::abruptTermination; }
+    void abruptTermination() { outcome(EResult::abruptTermination); }
     // The token that begins at `position`, counted in 16-bit characters from 0, couldn't be used.
     void failedToParse(unsigned int position) {
-        m_result = EResult::failedToParse;
+        outcome(EResult::failedToParse);
         m_position = position;
     }
     // The units of the expression aren't of the expected dimension.
     void unitMismatch(Units::ComplexUnit const & expected, Units::ComplexUnit const & evaluated) {
-        m_result = EResult::unitMismatch;
+        outcome(EResult::unitMismatch);
         m_expected = expected;
         m_evaluated = evaluated;
     }
     // The units conflict.
-    void unitsDontEval() { m_result = EResult::unitsDontEval; }
+    void unitsDontEval() { outcome(EResult::unitsDontEval); }
     // For callers who read expected units from a text of their own.
-    void badUnitString() { m_result = EResult::badUnitString; }
+    void badUnitString() { outcome(EResult::badUnitString); }
+    // Says why, after the outcome was set: the reason, where the piece at fault begins and ends
+    // (its last 16-bit character is the one before `end`), and for wrongArgumentCount how many
+    // arguments were given.
+    void failure(EParseFailure reason, unsigned int start, unsigned int end,
+                 unsigned int argumentsGiven = 0) {
+        m_failure = reason;
+        m_failureStart = start;
+        m_failureEnd = end;
+        m_argumentsGiven = argumentsGiven;
+    }
 
     // The outcome.
     EResult result() const { return m_result; }
@@ -58,14 +70,33 @@ public:
     Units::ComplexUnit const & expected() const { return m_expected; }
     Units::ComplexUnit const & evaluated() const { return m_evaluated; }
 
+    // Why there is no tree.  A parse without one always leaves a reason, one with a tree none.
+    EParseFailure failure() const { return m_failure; }
+    // Where the piece at fault begins and ends in the text, counted in 16-bit characters from 0;
+    // equal if it is empty.  It may lie after position(), which is where the parse stopped.  0
+    // until failure sets them.
+    unsigned int failureStart() const { return m_failureStart; }
+    unsigned int failureEnd() const { return m_failureEnd; }
+    // Of the function with a wrong count of arguments, how many it was given.
+    unsigned int argumentsGiven() const { return m_argumentsGiven; }
+
     // The outcome in words, for diagnostics: the same in every language.
     std::wstring toString() const;
 
 private:
+    void outcome(EResult result) {
+        m_result = result;
+        m_failure = EParseFailure::none;
+    }
+
     unsigned int m_position = 0;
     EResult m_result = EResult::unknownResult;
     Units::ComplexUnit m_expected;
     Units::ComplexUnit m_evaluated;
+    unsigned int m_failureStart = 0;
+    unsigned int m_failureEnd = 0;
+    unsigned int m_argumentsGiven = 0;
+    EParseFailure m_failure = EParseFailure::none;
 };
 
 } // namespace Vn::Expressions

@@ -129,7 +129,7 @@ void VarLenOpNode::reconstructOperands(Reconstruction & out) {
 }
 
 void FunctionOpNode::onReconstruct(Reconstruction & out, ComplexUnit const *) {
-    out.add(static_cast<EToken>(int(e_COS) + int(m_function)));
+    out.add(c_functionTokens[m_function]);
     out.add(e_LEFT_PAREN);
     reconstructOperands(out);
     out.add(e_RIGHT_PAREN);

@@ -7,6 +7,7 @@
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
+#include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
 #include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
@@ -86,13 +87,18 @@ void Tokens::tokensFromString(std::wstring_view text, std::vector<EToken> & toke
         tokens.insert(tokens.end(), found->second.begin(), found->second.end());
 }
 
-EToken Tokens::tokenFromString(std::wstring_view text, EToken low, EToken high) const {
+template <typename Condition>
+EToken Tokens::tokenFromString(std::wstring_view text, Condition isWanted) const {
     if (text.size() > m_longest) return e_NONE;
     auto const found = m_tokens.find(text);
     if (found == m_tokens.end()) return e_NONE;
     for (EToken const token : found->second)
-        if (token >= low && token <= high) return token;
+        if (isWanted(token)) return token;
     return e_NONE;
+}
+
+EToken Tokens::tokenFromString(std::wstring_view text, EToken low, EToken high) const {
+    return tokenFromString(text, [=](EToken token) { return token >= low && token <= high; });
 }
 
 EToken Tokens::getConstantToken(std::wstring_view text) const {
@@ -100,7 +106,7 @@ EToken Tokens::getConstantToken(std::wstring_view text) const {
 }
 
 EToken Tokens::getFunctionToken(std::wstring_view text) const {
-    return tokenFromString(text, e_COS, e_RANDOM);
+    return tokenFromString(text, [](EToken token) { return functionOfToken(token).has_value(); });
 }
 
 EToken Tokens::getMagnitudeToken(std::wstring_view text) const {

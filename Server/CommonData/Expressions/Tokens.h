@@ -8,6 +8,7 @@
 #ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_TOKENS_H
 #define VN_SERVER_COMMONDATA_EXPRESSIONS_TOKENS_H
 
+#include <algorithm>
 #include <array>
 #include <string>
 #include <string_view>
@@ -32,7 +33,12 @@ enum EToken {
 };
 
 // How many numbers there are.
-inline constexpr int c_tokens = 80;
+inline constexpr int c_tokens = [] {
+    int greatest = 0;
+#define VN_TOKEN(number, name, text) greatest = std::max(greatest, number);
+#include "Server/CommonData/Expressions/Tokens.inc"
+    return greatest + 1;
+}();
 
 class VN_COMMONDATA_API Tokens {
 public:
@@ -90,6 +96,8 @@ private:
     void initString(EToken token, std::wstring const & text);
     void buildReverseMap();
     EToken tokenFromString(std::wstring_view text, EToken low, EToken high) const;
+    template <typename Condition>
+    EToken tokenFromString(std::wstring_view text, Condition isWanted) const;
     void tokensFromString(std::wstring_view text, std::vector<EToken> & tokens) const;
     bool isNameBreak(wchar_t c, bool allowSymbols) const;
 

@@ -33,7 +33,8 @@ StrongRefCreator<CustomGroup> CustomGroup::make(StrongRef<Entity> const & parent
 }
 
 void CustomGroup::initializeMemberSet(unsigned, MemberSet * set) {
-    addMember(set, "creationIndex", m_creationIndex, IntrinsicMetaType<unsigned int>::get());
+    addMember(set, "creationIndex", m_creationIndex, IntrinsicMetaType<unsigned int>::get())
+        ->readOnly("the group got its number when it was made");
     addMember(set, "rGroupParent", m_rGroupParent, PassiveRefMetaType::get());
     addVector(set, "groupChildren", m_groupChildren, PassiveRefMetaType::get());
 }

@@ -5,6 +5,13 @@
 
 namespace Vn::Managed {
 
+namespace {
+
+// Leaves room for the numbers of groups that are still to come.
+constexpr int c_highestMark = 1'000'000'000;
+
+} // namespace
+
 CustomGroups::CustomGroups(PassiveRef<Entity> const & parent) : Persisted(parent) {
     initializeMemberSetIfNeeded();
 }
@@ -24,7 +31,22 @@ StrongRefCreator<CustomGroups> CustomGroups::make(PassiveRef<Entity> const & par
 }
 
 void CustomGroups::initializeMemberSet(unsigned, MemberSet * set) {
-    addMember(set, "highWaterMark", m_highWaterMark, IntrinsicMetaType<unsigned int>::get());
+    addMember(set, "highWaterMark", m_highWaterMark, IntrinsicMetaType<unsigned int>::get())
+        ->setter(&setHighWaterMark);
+}
+
+Status CustomGroups::setHighWaterMark(CustomGroups & groups, int const & mark) {
+    char const * const operation = "set the number of the last group";
+    if (mark < groups.m_highWaterMark && mark >= 0)
+        return Status::invalidArgument(operation, {},
+                                       "numbers are never given twice, so it only goes up");
+    if (mark < 0 || mark > c_highestMark)
+        return Status::invalidArgument(operation, {}, "it is 1,000,000,000 at most");
+    if (mark == groups.m_highWaterMark) return Status();
+    EntityChange const change(&groups, DataChange::TransactDirect, DataChange::ChangeStructural,
+                              DataChange::TimingPreAndPost, nullptr, true);
+    groups.m_highWaterMark = mark;
+    return Status();
 }
 
 int CustomGroups::getNextID() {

@@ -43,6 +43,8 @@ private:
     friend class PersistedAccess;
 
     void initializeMemberSet(unsigned version, MemberSet * set);
+    // For those who set members by name: the mark only goes up, since no number is given twice.
+    static Status setHighWaterMark(CustomGroups & groups, int const & mark);
 
     int m_highWaterMark = 0;
 };

@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/IEntityObserver.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/Managed/Ancestors.h"
 #include "Server/CommonData/Managed/ICommonDataClientObject.h"
 #include "Server/CommonData/Managed/ManagedEntity.h"

@@ -1,7 +1,7 @@
 #include "Server/CommonData/Managed/ICommonDataClientObject.h"
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/EntityChange.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/Managed/ICommonData.h"
 #include "Server/CommonData/Managed/ManagedEntity.h"
 

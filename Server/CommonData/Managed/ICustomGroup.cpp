@@ -1,6 +1,6 @@
 #include "Server/CommonData/Managed/ICustomGroup.h"
 
-#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/Base/InterfaceId.h"
 
 namespace Vn::Managed {
 

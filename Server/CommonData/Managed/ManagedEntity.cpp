@@ -1,11 +1,12 @@
 #include "Server/CommonData/Managed/ManagedEntity.h"
 
+#include <atomic>
+
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/Scene/INodeSource.h"
-#include "Server/CommonData/Components/ComponentChangeSummarizer.h"
-#include "Server/CommonData/Components/IComponentObject.h"
 #include "Server/CommonData/Managed/Ancestors.h"
+#include "Server/CommonData/Managed/ChangeSummariesInternal.h"
 #include "Server/CommonData/Managed/ManagedEntityUtils.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 
@@ -13,23 +14,24 @@ namespace Vn::Managed {
 
 namespace {
 
-// The kinds of changes that components hear of, before and after.  A structural change has no bits.
+// The kinds of changes that are summarized, before and after.  A structural change has no bits.
 constexpr unsigned c_preChangeMask = 0x3F;
 constexpr unsigned c_postChangeMask = 0x3F;
 
+constinit std::atomic<ChangeSummaries const *> s_pSummaries{nullptr};
+
 // A new summarizer in the bracket that is open on `entity`, which takes it over; null if the change
 // isn't to be summarized or if there is one already.
-CommonData::ComponentChangeSummarizer * addSummarizer(Entity & entity,
-                                                      DataChange::ETransact transact,
-                                                      DataChange::EChangeType type, unsigned mask) {
+EntityChangeSummarizer * addSummarizer(Entity & entity, DataChange::ETransact transact,
+                                       DataChange::EChangeType type, unsigned mask) {
     if (!(type & mask) || DataChange::test(transact, DataChange::TransactUnsummarized))
         return nullptr;
-    auto * const object = query<CommonData::IComponentObject>(&entity);
+    ChangeSummaries const * const summaries = s_pSummaries.load(std::memory_order_acquire);
+    void * const object = summaries ? entity.queryInterface(summaries->objectId()) : nullptr;
     if (!object) return nullptr;
     EntityChange * const bracket = entity.outerChange();
-    if (!bracket || bracket->findSummarizer(CommonData::ComponentChangeSummarizer::interfaceId()))
-        return nullptr;
-    auto * const summarizer = new CommonData::ComponentChangeSummarizer(object);
+    if (!bracket || bracket->findSummarizer(summaries->summarizerId())) return nullptr;
+    EntityChangeSummarizer * const summarizer = summaries->make(object);
     bracket->add(summarizer);
     return summarizer;
 }
@@ -45,6 +47,10 @@ struct ChildQuestion : UpwardQuestion<IScriptableObject *> {
 thread_local constinit UpwardQuestion<IScriptableObject *> * s_pChildQuestion = nullptr;
 
 } // namespace
+
+void summarizeChanges(ChangeSummaries const & summaries) noexcept {
+    s_pSummaries.store(&summaries, std::memory_order_release);
+}
 
 ManagedEntity::ManagedEntity(PassiveRef<Entity> const & parent)
     : Persisted(parent->segment()), m_rParent(parent) {
@@ -126,7 +132,7 @@ void ManagedEntity::getOnk(Onk & onk) const {
     if (!group) return;
     for (unsigned i = 0; i < group->children(); ++i) {
         if (!(group->child(i) == this)) continue;
-        onk.strName(L"CmnData");
+        onk.strName(ManagedEntityUtils::c_childName);
         onk.rep(static_cast<int>(i));
         return;
     }

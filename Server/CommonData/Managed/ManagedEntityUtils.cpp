@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "Platform/DataModel/InterfaceId.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Server/CommonData/Managed/ICustomGroup.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 
@@ -88,6 +88,6 @@ void reorderGroupedEntity(ICustomGroupChild * moved, ICustomGroupChild * target,
     targetParent->insertGroupChild(moved, static_cast<unsigned>(*n));
 }
 
-ObjectPath objectPath(ManagedEntity const & entity) { return ObjectPath::of(entity, &parentOf); }
+ObjectPath objectPath(Entity const & entity) { return ObjectPath::of(entity, &parentOf); }
 
 } // namespace Vn::Managed::ManagedEntityUtils

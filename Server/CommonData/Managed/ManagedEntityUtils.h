@@ -14,6 +14,9 @@ class ManagedEntity;
 // Operations on the managed tree that belong to no class of it.
 namespace ManagedEntityUtils {
 
+// The word by which paths name the children of groups.
+inline constexpr wchar_t c_childName[] = L"CmnData";
+
 // The parent of an entity in the managed tree; null if it has none, or isn't in that tree.
 VN_COMMONDATA_API StrongRef<Entity> parentOf(Entity const & entity);
 
@@ -28,7 +31,7 @@ VN_COMMONDATA_API void reorderGroupedEntity(ICustomGroupChild * moved, ICustomGr
                                             bool insertAfter);
 
 // The way to an entity from the root above it; empty if there is none.
-VN_COMMONDATA_API ObjectPath objectPath(ManagedEntity const & entity);
+VN_COMMONDATA_API ObjectPath objectPath(Entity const & entity);
 
 } // namespace ManagedEntityUtils
 

@@ -7,7 +7,6 @@
 #include <span>
 #include <utility>
 
-#include "Platform/DataModel/InterfaceId.h"
 #include "Server/CommonData/Managed/ManagedEntity.h"
 
 namespace Vn::Managed {
@@ -113,20 +112,6 @@ ManagedGroupEntityChangeDetails &
 ManagedGroupEntityChangeDetails::operator=(ManagedGroupEntityChangeDetails const & other) = default;
 ManagedGroupEntityChangeDetails::~ManagedGroupEntityChangeDetails() = default;
 
-UniqueString const * ManagedGroupEntityChangeDetails::interfaceId() {
-    static constinit InterfaceId s_id("Vn::Managed::ManagedGroupEntityChangeDetails");
-    return s_id.get();
-}
-
-UniqueString const * ManagedGroupEntityChangeDetails::getInterfaceId() const {
-    return interfaceId();
-}
-
-void * ManagedGroupEntityChangeDetails::queryInterface(UniqueString const * id) const {
-    return id == interfaceId() ? const_cast<ManagedGroupEntityChangeDetails *>(this)
-                               : DataChange::queryInterface(id);
-}
-
 DataChange * ManagedGroupEntityChangeDetails::onClone() const {
     return new ManagedGroupEntityChangeDetails(*this);
 }
@@ -144,20 +129,6 @@ ManagedGroupEntityTransactChangeDetails::ManagedGroupEntityTransactChangeDetails
 ManagedGroupEntityTransactChangeDetails & ManagedGroupEntityTransactChangeDetails::operator=(
     ManagedGroupEntityTransactChangeDetails const & other) = default;
 ManagedGroupEntityTransactChangeDetails::~ManagedGroupEntityTransactChangeDetails() = default;
-
-UniqueString const * ManagedGroupEntityTransactChangeDetails::interfaceId() {
-    static constinit InterfaceId s_id("Vn::Managed::ManagedGroupEntityTransactChangeDetails");
-    return s_id.get();
-}
-
-UniqueString const * ManagedGroupEntityTransactChangeDetails::getInterfaceId() const {
-    return interfaceId();
-}
-
-void * ManagedGroupEntityTransactChangeDetails::queryInterface(UniqueString const * id) const {
-    return id == interfaceId() ? const_cast<ManagedGroupEntityTransactChangeDetails *>(this)
-                               : DataChange::queryInterface(id);
-}
 
 void ManagedGroupEntityTransactChangeDetails::calculateChildrenDiff(
     std::vector<StrongRef<ManagedEntity>> const & now) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/RefCounted.h"
 #include "Platform/DataModel/DataChange.h"
 #include "Server/CommonData/Export.h"
@@ -15,8 +16,12 @@ namespace Vn::Managed {
 class ManagedEntity;
 
 // Goes with a direct change: one child came or went.
-class VN_COMMONDATA_API ManagedGroupEntityChangeDetails : public DataChange {
+class VN_COMMONDATA_API ManagedGroupEntityChangeDetails
+    : public Identified<ManagedGroupEntityChangeDetails, DataChange> {
 public:
+    // How others find the class.
+    static constexpr NamedClass c_class{"Vn::Managed::ManagedGroupEntityChangeDetails"};
+
     // What happened to the child.
     enum EType : unsigned { ChildAdded = 0, ChildRemoved = 1, ChildInserted = 2 };
     // The index that goes with all but ChildInserted.
@@ -34,11 +39,6 @@ public:
     EType changeType() const noexcept { return m_changeType; }
     unsigned insertionIndex() const noexcept { return m_insertionIndex; }
 
-    // The id of the class; and the object as the class with an id, or null.
-    static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
-
 private:
     DataChange * onClone() const override;
     std::string onToString() const override;
@@ -50,8 +50,12 @@ private:
 
 // Goes with a replay, which changes a list without its group: the difference between the list
 // before and after.  The pointers are good for as long as the change is told.
-class VN_COMMONDATA_API ManagedGroupEntityTransactChangeDetails : public DataChange {
+class VN_COMMONDATA_API ManagedGroupEntityTransactChangeDetails
+    : public Identified<ManagedGroupEntityTransactChangeDetails, DataChange> {
 public:
+    // How others find the class.
+    static constexpr NamedClass c_class{"Vn::Managed::ManagedGroupEntityTransactChangeDetails"};
+
     // Remembers the list before; there is no difference yet.
     explicit ManagedGroupEntityTransactChangeDetails(
         std::vector<StrongRef<ManagedEntity>> const & children);
@@ -72,11 +76,6 @@ public:
 
     // Computes the difference to the list as it is now.
     void calculateChildrenDiff(std::vector<StrongRef<ManagedEntity>> const & now);
-
-    // The id of the class; and the object as the class with an id, or null.
-    static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
 
 private:
     DataChange * onClone() const override;

@@ -27,7 +27,8 @@ ManagedRootCollection::~ManagedRootCollection() {
 
 void ManagedRootCollection::initializeMemberSet(unsigned, MemberSet * set) {
     addVector(set, "rooted", m_rooted, PassiveRefMetaType::get());
-    addMember(set, "rootId", m_rootId, IntrinsicMetaType<std::string>::get());
+    addMember(set, "rootId", m_rootId, IntrinsicMetaType<std::string>::get())
+        ->readOnly("it is the key of the collection in the document");
 }
 
 void ManagedRootCollection::follow() {

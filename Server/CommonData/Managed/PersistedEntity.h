@@ -46,12 +46,12 @@
 #include <boost/format.hpp>
 #include <tbb/spin_rw_mutex.h>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/RefCounted.h"
 #include "Platform/Base/ScopedLock.h"
 #include "Platform/Base/UniqueString.h"
 #include "Platform/DataModel/DataChange.h"
 #include "Platform/DataModel/Entity.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/MemberMetaType.h"
 #include "Platform/DataModel/MemberSet.h"
 #include "Platform/DataModel/MetaType.h"
@@ -179,7 +179,7 @@ private:
 // What a persisted class X has beside its own: derived from its persisted base and from interfaces,
 // each of which may answer queryInterface.  Bases see each other in this order everywhere.
 template <class X, class Base, class... Interfaces>
-class Persisted : public Base, public Interfaces... {
+class Persisted : public Identified<X, Base, Interfaces...> {
 public:
     // The class that X persists on top of.
     using PersistedBase = Base;
@@ -194,21 +194,6 @@ public:
     // Records that version.
     void version(unsigned version) { this->migratingVersion(X::s_metaType(), version); }
 
-    // The id of X, the same pointer at every call.
-    static UniqueString const * interfaceId() {
-        static constinit InterfaceId s_id(X::c_class.m_fullName);
-        return s_id.get();
-    }
-    // The id of the object's own class.
-    UniqueString const * getInterfaceId() const override { return interfaceId(); }
-    // The object as the class or interface with an id: itself, its base, its interfaces, in this
-    // order.  Null if none of them is meant.
-    void * queryInterface(UniqueString const * id) const override {
-        if (id == interfaceId()) return const_cast<X *>(static_cast<X const *>(this));
-        void * found = Base::queryInterface(id);
-        if (!found) static_cast<void>(((found = ask<Interfaces>(id)) || ...));
-        return found;
-    }
     // The object as what a meta type describes; null if it isn't one of X's chain.
     void * queryMTInterface(MetaType const * type) override {
         return type == X::s_metaType() ? static_cast<X *>(this) : Base::queryMTInterface(type);
@@ -226,7 +211,7 @@ public:
     bool deleteMigrationHelper() { return false; }
 
 protected:
-    using Base::Base;
+    using Identified<X, Base, Interfaces...>::Identified;
 
     // The one way in which running code makes an object.  `place` is the parent or the segment;
     // null if that is null, gone, or in a document that is closed.
@@ -272,19 +257,16 @@ protected:
 private:
     EntityMetaType * onMetaType() const override { return X::s_metaType(); }
 
-    template <class Interface>
-    void * ask(UniqueString const * id) const {
-        if constexpr (requires { Interface::interfaceId(); })
-            return static_cast<Interface const *>(this)->Interface::queryInterface(id);
-        else
-            return nullptr;
-    }
-
     void fillMemberSet(EntityMetaType & type, MemberSet * set) {
         PersistedAccess::markCoreAddIn(type);
-        set->initialize(static_cast<X *>(this), X::c_class.name());
-        PersistedAccess::initializeMemberSet(static_cast<X &>(*this), type.version(), set);
-        set->base(PersistedAccess::baseMemberSet(type));
+        try {
+            set->initialize(static_cast<X *>(this), X::c_class.name());
+            PersistedAccess::initializeMemberSet(static_cast<X &>(*this), type.version(), set);
+            set->base(PersistedAccess::baseMemberSet(type));
+        } catch (...) { // the next object fills it
+            set->clear();
+            throw;
+        }
     }
 
     void beginMigration(EntityMetaType & type) {

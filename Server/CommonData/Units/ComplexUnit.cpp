@@ -1,7 +1,6 @@
 #include "Server/CommonData/Units/ComplexUnit.h"
 
 #include <algorithm>
-#include <boost/format.hpp>
 
 #include "Platform/Base/Shared.h"
 #include "Server/CommonData/Expressions/Tokens.h"
@@ -222,9 +221,8 @@ std::wstring ComplexUnit::onToString() const {
         }
         return joined.empty() ? std::wstring(L"1") : joined;
     };
-    return (boost::wformat(L"(%1%) / (%2%)", std::locale::classic()) % names(m_numerator) %
-            names(m_denominator))
-        .str();
+    // Not by a stream, which would go on with a part of the text if memory ran out.
+    return L'(' + names(m_numerator) + L") / (" + names(m_denominator) + L')';
 }
 
 namespace {

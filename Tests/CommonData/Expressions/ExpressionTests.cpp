@@ -138,7 +138,29 @@ TEST(ExpressionTests, TextToStoreLosesNothing) {
         EXPECT_EQ(expression.rebuiltReadsBack(),
                   expression && std::wstring_view(row.rebuilt) == row.stored)
             << shown(row.text);
+        EXPECT_EQ(expression.rebuiltReadsBack(expression.rebuilt()), expression.rebuiltReadsBack())
+            << shown(row.text);
     }
+}
+
+TEST(ExpressionTests, AValueIsFormattedInUnitsOfItsDimensionOnly) {
+    Expression const length(L"2 cm");
+    auto const formatted = [&](Expression const & expression, UnitContext const & display) {
+        return expression.formatted(Units::ValueAndUnit, UnitDisplaySettings::standard(), display);
+    };
+    EXPECT_EQ(formatted(length, UnitContext()), L"2.00 cm");
+    EXPECT_EQ(formatted(length, UnitContext(L"m")), L"0.02 m");
+    EXPECT_EQ(formatted(length, UnitContext(L"kg")), L"");
+    EXPECT_EQ(formatted(length, UnitContext(L"cm^2")), L"");
+    EXPECT_EQ(formatted(length, UnitContext(&Units::ComplexUnit::none())), L"");
+    EXPECT_EQ(formatted(Expression(L"2"), UnitContext(L"cm")), L"");
+    EXPECT_EQ(formatted(Expression(L"2", UnitContext(L"cm")), UnitContext(L"in")), L"0.787 in");
+    EXPECT_EQ(formatted(Expression(L"20 C"), UnitContext(L"K")), L"293.16 K");
+    // The tree itself knows no such bound.
+    EXPECT_EQ(Interface::get()->formattedValue(length.node(), Units::ValueAndUnit,
+                                               UnitDisplaySettings::standard(), UnitContext(L"kg")),
+              L"2.00 kg");
+    EXPECT_EQ(Expression().node(), nullptr);
 }
 
 TEST(ExpressionTests, StoredTextReadsBackWithItsUnits) {

@@ -1,23 +1,28 @@
 // The words that an expression may hold, as they can be typed: functions, constants, and units with
 // every prefix.  For suggestions and completion; looking a word up here makes no units.
 
-#ifndef VN_CONSOLE_SESSION_VOCABULARY_H
-#define VN_CONSOLE_SESSION_VOCABULARY_H
+#ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_VOCABULARY_H
+#define VN_SERVER_COMMONDATA_EXPRESSIONS_VOCABULARY_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace Vn::Console {
+#include "Server/CommonData/Export.h"
 
-class Vocabulary {
+namespace Vn::Expressions {
+
+class VN_COMMONDATA_API Vocabulary {
 public:
-    enum class Kind { Function, Constant, Unit, PrefixedUnit };
+    // What a word is.
+    enum class EKind { Function, Constant, Unit, PrefixedUnit };
 
+    // A word of the language.
     struct Word {
-        std::wstring text;
-        Kind kind;
-        double magnitude; // of the prefix
+        std::wstring text; // as it is typed
+        EKind kind;        // what it is
+        double magnitude;  // of the prefix; 1 without one
     };
 
     // Made when first asked for, in the language chosen by then.
@@ -36,13 +41,13 @@ public:
 private:
     Vocabulary();
 
-    void add(std::wstring const & text, Kind kind, double magnitude = 1.0);
+    void add(std::wstring const & text, EKind kind, double magnitude = 1.0);
     void addUnits();
 
     std::vector<Word> m_words;
     std::size_t m_longest = 0;
 };
 
-} // namespace Vn::Console
+} // namespace Vn::Expressions
 
 #endif

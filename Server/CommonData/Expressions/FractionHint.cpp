@@ -1,17 +1,18 @@
-#include "Console/FractionHint.h"
+#include "Server/CommonData/Expressions/FractionHintInternal.h"
 
 #include <algorithm>
+#include <functional>
 
-#include "Console/Session/Vocabulary.h"
-#include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/FailureTextsInternal.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
 #include "Server/CommonData/Expressions/Tokens.h"
+#include "Server/CommonData/Expressions/Vocabulary.h"
 
-namespace Vn::Console {
+namespace Vn::Expressions {
 
-using Expressions::Token;
+using Text::trimmed;
 
 namespace {
 
@@ -30,19 +31,19 @@ public:
     explicit Rewriter(std::wstring_view text) : m_text(text) {}
 
     void run() {
-        Expressions::TokenList tokens;
-        Expressions::TokenizerRegistry::get()->tokenize(m_text, tokens);
+        TokenList tokens;
+        TokenizerRegistry::get()->tokenize(m_text, tokens);
         for (Token const * token = tokens.first()->next; token; token = token->next) {
-            if (token->kind != Expressions::TK_NUMBER || indexOf(*token) < m_done) continue;
+            if (token->kind != TK_NUMBER || indexOf(*token) < m_done) continue;
             if (!rewriteFraction(*token)) rewriteMixed(*token);
         }
         m_result += m_text.substr(m_done);
     }
 
     std::wstring const & result() const { return m_result; }
-    // The first piece written anew, and the sentence that goes in front of what to type.
+    // The first piece written anew, and what it was; empty for what only looks like a fraction.
     std::wstring const & piece() const { return m_piece; }
-    std::wstring const & reason() const { return m_reason; }
+    std::wstring_view fraction() const { return m_fraction; }
 
 private:
     // A number lies in the text as it was typed.
@@ -78,9 +79,7 @@ private:
         std::wstring const quotient =
             std::wstring(trimmed(front.substr(whole.size()))) + L"/(" + divisor + L')';
         replace(fraction, whole.empty() ? quotient : L'(' + whole + L" + " + quotient + L')',
-                begin + divisor.size(),
-                inQuotes(trimmed(fraction.text)) +
-                    L" was read as a fraction; put the divisor in brackets: ");
+                begin + divisor.size(), trimmed(fraction.text));
         return true;
     }
 
@@ -89,41 +88,40 @@ private:
         Token const * const numerator = whole.next;
         Token const * const slash = numerator ? numerator->next : nullptr;
         Token const * const divisor = slash ? slash->next : nullptr;
-        if (!divisor || numerator->kind != Expressions::TK_NUMBER ||
-            slash->kind != Expressions::TK_DIVIDE || divisor->kind != Expressions::TK_NUMBER ||
-            !isDigits(whole.text) || !isDigits(numerator->text))
+        if (!divisor || numerator->kind != TK_NUMBER || slash->kind != TK_DIVIDE ||
+            divisor->kind != TK_NUMBER || !isDigits(whole.text) || !isDigits(numerator->text))
             return;
         std::wstring const fraction =
             std::wstring(numerator->text) + L'/' + std::wstring(trimmed(divisor->text));
         replace(whole, L'(' + std::wstring(whole.text) + L" + " + fraction + L')', endOf(*divisor),
-                L"a fraction has a divisor of 2, 4, 8, 16, 32, 64 or 128; write it in brackets: ");
+                {});
     }
 
     // The number that begins there, read afresh.
     std::wstring numberAt(std::size_t index) const {
         std::wstring_view const text = m_text.substr(index, c_longestDivisor);
-        Expressions::TokenList tokens;
-        Expressions::TokenizerRegistry::get()->tokenize(text, tokens);
+        TokenList tokens;
+        TokenizerRegistry::get()->tokenize(text, tokens);
         Token const * const first = tokens.first()->next;
-        bool const isNumber = first && first->kind == Expressions::TK_NUMBER;
+        bool const isNumber = first && first->kind == TK_NUMBER;
         return isNumber ? std::wstring(trimmed(first->text)) : std::wstring();
     }
 
     // Writes `text` instead of what stands from `first` up to `end`.
     void replace(Token const & first, std::wstring text, std::size_t end,
-                 std::wstring const & reason) {
+                 std::wstring_view fraction) {
         // Units stand after numbers only.
         Token const * unit = first.next;
         while (unit && (!isInText(*unit) || indexOf(*unit) < end)) unit = unit->next;
-        if (unit && unit->kind == Expressions::TK_NAME &&
-            Expressions::Tokens::get()->getFunctionToken(unit->text) == Expressions::e_NONE &&
+        if (unit && unit->kind == TK_NAME &&
+            Tokens::get()->getFunctionToken(unit->text) == e_NONE &&
             Vocabulary::isKnown(unit->text)) {
             text = L'(' + text + L" * 1 " + std::wstring(unit->text) + L')';
             end = endOf(*unit);
         }
         if (m_piece.empty()) {
             m_piece = text;
-            m_reason = reason;
+            m_fraction = fraction;
         }
         std::size_t const begin = indexOf(first);
         m_result += m_text.substr(m_done, begin - m_done);
@@ -135,7 +133,7 @@ private:
     std::size_t m_done = 0; // as far as this the text stands in the result
     std::wstring m_result;
     std::wstring m_piece;
-    std::wstring m_reason;
+    std::wstring_view m_fraction;
 };
 
 } // namespace
@@ -144,9 +142,13 @@ std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & 
     Rewriter rewriter(text);
     rewriter.run();
     if (rewriter.piece().empty()) return {};
-    if (!Expressions::Expression(rewriter.result(), context)) return {};
+    if (!Expression(rewriter.result(), context)) return {};
     bool const isShort = rewriter.result().size() <= c_longestHint;
-    return rewriter.reason() + printable(isShort ? rewriter.result() : rewriter.piece());
+    std::wstring const typed = Text::printable(isShort ? rewriter.result() : rewriter.piece());
+    if (rewriter.fraction().empty())
+        return Text::filled(failureText(EFailureText::HintDivisors), {typed});
+    return Text::filled(failureText(EFailureText::HintFraction),
+                        {Text::printable(Text::clipped(rewriter.fraction())), typed});
 }
 
-} // namespace Vn::Console
+} // namespace Vn::Expressions

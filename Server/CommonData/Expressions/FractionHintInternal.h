@@ -1,18 +1,19 @@
 // The commonest trap of the expression language: "7/2.2" is the fraction 7/2 and then .2.
 
-#ifndef VN_CONSOLE_FRACTIONHINT_H
-#define VN_CONSOLE_FRACTIONHINT_H
+#ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_FRACTIONHINTINTERNAL_H
+#define VN_SERVER_COMMONDATA_EXPRESSIONS_FRACTIONHINTINTERNAL_H
 
 #include <string>
 
 #include "Server/CommonData/Units/UnitContext.h"
 
-namespace Vn::Console {
+namespace Vn::Expressions {
 
 // For a text that doesn't parse: what to do about a fraction in it that something stands right
-// after, with the text to type instead where that parses.  Empty if there is none.
+// after, with the text to type instead where that parses.  In the user's language; empty if there
+// is none.
 std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context);
 
-} // namespace Vn::Console
+} // namespace Vn::Expressions
 
 #endif

@@ -1,11 +1,11 @@
-#include "Console/Spelling.h"
+#include "Platform/Base/Spelling.h"
 
 #include <algorithm>
 #include <vector>
 
 #include "Platform/Base/Text.h"
 
-namespace Vn::Console {
+namespace Vn::Spelling {
 
 std::size_t mistakes(std::wstring_view a, std::wstring_view b) {
     std::vector<std::size_t> before(b.size() + 1);
@@ -29,4 +29,4 @@ std::size_t mistakes(std::wstring_view a, std::wstring_view b) {
     return row[b.size()];
 }
 
-} // namespace Vn::Console
+} // namespace Vn::Spelling

@@ -1,20 +1,20 @@
-#include "Console/Session/Vocabulary.h"
+#include "Server/CommonData/Expressions/Vocabulary.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-#include "Console/Spelling.h"
+#include "Platform/Base/Shared.h"
+#include "Platform/Base/Spelling.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 #include "Server/CommonData/Units/UnitLookup.h"
 
-namespace Vn::Console {
+namespace Vn::Expressions {
 
-using Expressions::EToken;
-using Expressions::Tokens;
 using Units::SimpleUnit;
 using Units::UnitDisplaySettings;
 
@@ -34,17 +34,15 @@ std::wstring asPower(std::wstring_view name) {
 } // namespace
 
 Vocabulary const & Vocabulary::get() {
-    static Vocabulary const s_vocabulary;
-    return s_vocabulary;
+    static constinit Shared<Vocabulary> s_vocabulary;
+    return s_vocabulary.get([] { return new Vocabulary; });
 }
 
 Vocabulary::Vocabulary() {
     Tokens const & tokens = *Tokens::get();
-    for (int token = Expressions::e_COS; token <= Expressions::e_RANDOM; ++token)
-        add(tokens.getString(static_cast<EToken>(token)), Kind::Function);
-    for (int token = Expressions::e_PI_CONSTANT; token <= Expressions::e_SPEED_OF_LIGHT_CONSTANT;
-         ++token)
-        add(tokens.getString(static_cast<EToken>(token)), Kind::Constant);
+    for (EToken const token : c_functionTokens) add(tokens.getString(token), EKind::Function);
+    for (int token = e_PI_CONSTANT; token <= e_SPEED_OF_LIGHT_CONSTANT; ++token)
+        add(tokens.getString(static_cast<EToken>(token)), EKind::Constant);
     addUnits();
     std::stable_sort(m_words.begin(), m_words.end(),
                      [](Word const & a, Word const & b) { return a.kind < b.kind; });
@@ -57,25 +55,24 @@ void Vocabulary::addUnits() {
         if (unit->magnitude() != 1.0) continue;
         std::wstring const name = unit->name(settings);
         std::wstring const abbreviation = unit->abbreviation(settings);
-        add(name, Kind::Unit);
-        if (abbreviation != name) add(abbreviation, Kind::Unit);
-        if (unit->hasSymbol()) add(unit->symbol(settings), Kind::Unit);
+        add(name, EKind::Unit);
+        if (abbreviation != name) add(abbreviation, EKind::Unit);
+        if (unit->hasSymbol()) add(unit->symbol(settings), EKind::Unit);
         if (!unit->supportsMagnitude()) continue;
         // A long prefix is followed by its short one.
-        for (int token = Expressions::e_EXA; token <= Expressions::e_ATTO; ++token) {
+        for (int token = e_EXA; token <= e_ATTO; ++token) {
             auto const prefix = static_cast<EToken>(token);
-            if (token == Expressions::e_DECA_RESERVED) continue;
+            if (token == e_DECA_RESERVED) continue;
             std::wstring const & text = tokens.getString(prefix);
-            bool const isLong = token < Expressions::e_DECA_RESERVED
-                                    ? (token - Expressions::e_EXA) % 2 == 0
-                                    : (token - Expressions::e_DECI) % 2 == 0;
-            add(text + (isLong ? name : abbreviation), Kind::PrefixedUnit,
+            bool const isLong =
+                token < e_DECA_RESERVED ? (token - e_EXA) % 2 == 0 : (token - e_DECI) % 2 == 0;
+            add(text + (isLong ? name : abbreviation), EKind::PrefixedUnit,
                 tokens.getMagnitudeValue(prefix));
         }
     }
 }
 
-void Vocabulary::add(std::wstring const & text, Kind kind, double magnitude) {
+void Vocabulary::add(std::wstring const & text, EKind kind, double magnitude) {
     // A unit may have a spelling that no text can hold as one word.
     if (text.empty() || Tokens::get()->invalidNameCharsInStr(text, true)) return;
     m_words.push_back({text, kind, magnitude});
@@ -84,37 +81,26 @@ void Vocabulary::add(std::wstring const & text, Kind kind, double magnitude) {
 
 bool Vocabulary::isKnown(std::wstring_view name) {
     Tokens const & tokens = *Tokens::get();
-    if (tokens.getFunctionToken(name) != Expressions::e_NONE ||
-        tokens.getConstantToken(name) != Expressions::e_NONE)
+    if (tokens.getFunctionToken(name) != e_NONE || tokens.getConstantToken(name) != e_NONE)
         return true;
     std::wstring_view prefix;
     SimpleUnit const * const unit = Units::findUnit(name, &prefix);
-    if (unit && (prefix.empty() || (unit->supportsMagnitude() &&
-                                    tokens.getMagnitudeToken(prefix) != Expressions::e_NONE)))
+    if (unit && (prefix.empty() ||
+                 (unit->supportsMagnitude() && tokens.getMagnitudeToken(prefix) != e_NONE)))
         return true;
     return Units::findUnitInAnyCase(name) != nullptr;
 }
 
 std::vector<std::wstring> Vocabulary::nearest(std::wstring_view name) const {
-    std::size_t const allowed = allowedMistakes(name.size());
+    std::size_t const allowed = Spelling::allowedMistakes(name.size());
     if (name.size() > m_longest + allowed) return {};
     if (std::wstring const power = asPower(name); !power.empty()) return {power};
 
-    std::size_t least = allowed;
-    std::vector<Word const *> found;
-    for (Word const & word : m_words) {
-        std::size_t const longer = std::max(word.text.size(), name.size());
-        if (2 * longer - word.text.size() - name.size() > least) continue;
-        std::size_t const count = mistakes(name, word.text);
-        if (count > least) continue;
-        if (count < least) found.clear();
-        least = count;
-        found.push_back(&word);
-    }
+    std::vector<Word const *> found = Spelling::nearest(name, m_words, allowed, &Word::text);
     if (found.empty() && name.size() >= 2) {
         // "lb" for "lbmass" and "lbforce".
         for (Word const & word : m_words)
-            if (word.kind != Kind::PrefixedUnit && word.text.size() > name.size() &&
+            if (word.kind != EKind::PrefixedUnit && word.text.size() > name.size() &&
                 Text::foldedEqual(std::wstring_view(word.text).substr(0, name.size()), name))
                 found.push_back(&word);
     }
@@ -131,4 +117,4 @@ std::vector<std::wstring> Vocabulary::nearest(std::wstring_view name) const {
     return texts;
 }
 
-} // namespace Vn::Console
+} // namespace Vn::Expressions

@@ -1,27 +1,29 @@
-// The text commands of the subject area "Groups".
+// What the commands of the subject area "Groups" do.
 
 #include <string_view>
 #include <utility>
 
+#include "Console/Documents/Interruption.h"
+#include "Console/Documents/Operations.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
-#include "Console/Documents/TextCommands.h"
 #include "Console/Documents/Tree.h"
 #include "Console/Texts.h"
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
-#include "Platform/DataModel/InterfaceId.h"
 #include "Platform/DataModel/Segment.h"
-#include "Server/CommonData/Managed/ManagedEntityUtils.h"
+#include "Server/CommonData/Managed/TreePlace.h"
 
 namespace Vn::Console {
 
+using Managed::EMove;
+using Managed::EMoveFault;
 using Managed::ManagedEntity;
 using Managed::ManagedGroupEntity;
 
-namespace {
-
 using Parameters = TextCommandParameters;
-using Result = TextCommandResult;
+
+namespace {
 
 constexpr unsigned c_mostAtOnce = 1'000'000;
 
@@ -65,16 +67,23 @@ std::size_t children(DocumentPlace const & place) {
     return place.entity ? groupAt(place)->children() : 0;
 }
 
-Result make(DocumentSession & session, Parameters const & parameters) {
+} // namespace
+
+TextCommandResult makeGroupAt(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
     std::wstring const why = findGroup(session, parameters.parameter(0), parent);
     if (!why.empty()) return cannot(L"make a group", why);
     std::wstring const path = childPath(parent.path, children(parent));
     unsigned long long id = 0;
-    session.change(L"make " + shownPath(path),
-                   [&] { id = makeGroup(groupFor(session, parent))->id(); });
+    bool const isCustom = parameters.hasFlag(L"Custom");
+    session.change(L"make " + shownPath(path), [&] {
+        StrongRef<Entity> const group = groupFor(session, parent);
+        id = isCustom ? makeCustomGroups(group)->id() : makeGroup(group)->id();
+    });
     return {0, L"made " + withId(path, id)};
 }
+
+namespace {
 
 // Zero for what isn't a number of entities.
 unsigned readCount(std::wstring const & text) {
@@ -86,7 +95,9 @@ unsigned readCount(std::wstring const & text) {
     return count <= c_mostAtOnce ? count : 0;
 }
 
-Result add(DocumentSession & session, Parameters const & parameters) {
+} // namespace
+
+TextCommandResult addEntities(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
     std::wstring const why = findGroup(session, parameters.parameter(0), parent);
     if (!why.empty()) return cannot(L"add entities", why);
@@ -101,12 +112,17 @@ Result add(DocumentSession & session, Parameters const & parameters) {
     unsigned long long id = 0;
     session.change(L"add " + counted(count) + L" to " + shownPath(parent.path), [&] {
         StrongRef<Entity> const group = groupFor(session, parent);
-        for (unsigned i = 0; i < count; ++i) id = makeEntity(group)->id();
+        for (unsigned i = 0; i < count; ++i) {
+            endIfInterrupted();
+            id = makeEntity(group)->id();
+        }
     });
     if (count == 1) return {0, L"added " + withId(childPath(parent.path, first), id)};
     return {0, L"added " + counted(count) + L": " + shownPath(childPath(parent.path, first)) +
                    L" to " + shownPath(childPath(parent.path, first + count - 1))};
 }
+
+namespace {
 
 // Takes an entity out of the group that lists it.  The answer tells whether it has gone.
 bool takeOut(DocumentSession & session, std::wstring const & name, DocumentPlace & place) {
@@ -123,7 +139,9 @@ std::wstring stillThere(bool gone) {
     return gone ? std::wstring() : L"; something else holds it, and it stays in the document";
 }
 
-Result remove(DocumentSession & session, Parameters const & parameters) {
+} // namespace
+
+TextCommandResult removeEntity(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
     std::wstring const why = findPlace(session, parameters.parameter(0), place);
     if (!why.empty()) return cannot(L"remove", why);
@@ -138,7 +156,7 @@ Result remove(DocumentSession & session, Parameters const & parameters) {
     return {0, answer + stillThere(takeOut(session, L"remove " + path, place))};
 }
 
-Result deleteGroup(DocumentSession & session, Parameters const & parameters) {
+TextCommandResult deleteGroup(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
     std::wstring const why = findPlace(session, parameters.parameter(0), place);
     if (!why.empty()) return cannot(L"delete", why);
@@ -153,12 +171,11 @@ Result deleteGroup(DocumentSession & session, Parameters const & parameters) {
     return {0, answer + stillThere(takeOut(session, L"delete " + path, place))};
 }
 
-// Where a moved entity goes.
-enum class Where { Before, After, Into };
+namespace {
 
-bool readWhere(std::wstring const & text, Where & where) {
-    constexpr std::pair<std::wstring_view, Where> c_words[] = {
-        {L"before", Where::Before}, {L"after", Where::After}, {L"into", Where::Into}};
+bool readWhere(std::wstring const & text, EMove & where) {
+    constexpr std::pair<std::wstring_view, EMove> c_words[] = {
+        {L"before", EMove::Before}, {L"after", EMove::After}, {L"into", EMove::Into}};
     for (auto const & [word, meaning] : c_words) {
         if (!Text::foldedEqual(std::wstring_view(text), word)) continue;
         where = meaning;
@@ -168,78 +185,57 @@ bool readWhere(std::wstring const & text, Where & where) {
 }
 
 // Why an entity can't go to a place.
-std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & target, Where where) {
+std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & target, EMove where) {
     std::wstring const from = shownPath(moved.path);
     std::wstring const to = shownPath(target.path);
-    if (!moved.group) return from + L" is a root of the tree";
-    if (where == Where::Into && !groupAt(target)) return to + L" isn't a group";
-    if (where != Where::Into && !target.group) return to + L" is a root and has no siblings";
-    if (!(query<ManagedEntity>(moved.entity.get())->managedParent() == moved.group))
+    switch (Managed::whyNotMove(moved, where, target)) {
+    case EMoveFault::None:
+        break;
+    case EMoveFault::Same:
+        return L"an entity has no place beside or within itself";
+    case EMoveFault::Root:
+        return from + L" is a root of the tree";
+    case EMoveFault::NotAGroup:
+        return to + L" isn't a group";
+    case EMoveFault::NoSiblings:
+        return to + L" is a root and has no siblings";
+    case EMoveFault::Foreign:
         return from + L" has another parent than the group that lists it";
-    if (where != Where::Into &&
-        !(query<ManagedEntity>(target.entity.get())->managedParent() == target.group))
+    case EMoveFault::TargetForeign:
         return to + L" has another parent than the group that lists it";
-    Entity const & group =
-        where == Where::Into ? *target.entity : static_cast<Entity const &>(*target.group);
-    if (isWithin(group, *moved.entity)) return to + L" stands within " + from;
+    case EMoveFault::Within:
+        return to + L" stands within " + from;
+    case EMoveFault::Dead: // not what a path leads to
+    case EMoveFault::OtherDocument:
+        return to + L" isn't in the same document";
+    }
     return {};
 }
 
-Result move(DocumentSession & session, Parameters const & parameters) {
+} // namespace
+
+TextCommandResult moveEntity(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace moved;
     DocumentPlace target;
-    Where where = Where::Before;
+    EMove where = EMove::Before;
     std::wstring why = findPlace(session, parameters.parameter(0), moved);
     if (why.empty() && !readWhere(parameters.parameter(1), where)) {
         why = L"an entity goes before or after another, or into a group, not " +
               inQuotes(parameters.parameter(1));
     }
     if (why.empty()) why = findPlace(session, parameters.parameter(2), target);
-    bool const isSame = why.empty() && moved.entity == target.entity;
-    if (why.empty() && !isSame) why = whyNotMove(moved, target, where);
-    if (isSame) why = L"an entity has no place beside or within itself";
+    if (why.empty()) why = whyNotMove(moved, target, where);
     if (!why.empty()) return cannot(L"move", why);
 
-    StrongRef<ManagedGroupEntity> const group =
-        where == Where::Into ? StrongRef<ManagedGroupEntity>(groupAt(target)) : target.group;
-    StrongRef<ManagedEntity> const child(query<ManagedEntity>(moved.entity.get()));
-    StrongRef<ManagedEntity> const sibling(query<ManagedEntity>(target.entity.get()));
     std::wstring const before = shownPath(moved.path);
     std::wstring const name =
         L"move " + before + L' ' + parameters.parameter(1) + L' ' + shownPath(target.path);
-    session.change(name, [&] {
-        // Into its own group it goes after its siblings.
-        if (!(group == moved.group) ||
-            (where == Where::Into && !(group->childrenVector().back() == child))) {
-            moved.group->removeChild(child);
-            child->nullParent();
-            group->addChild(child);
-        }
-        if (where != Where::Into) {
-            Managed::ManagedEntityUtils::reorderEntity(child, sibling, where == Where::After);
-        }
-    });
-    std::wstring const now = entityPath(*child);
+    Status status;
+    session.change(name, [&] { status = Managed::moveEntity(moved, where, target, name); });
+    if (!status) return {1, Text::fromUtf8(status.toString())};
+    std::wstring const now = entityPath(*moved.entity);
     if (now == moved.path) return {0, before + L" is there already"};
-    return {0, L"moved " + before + L" to " + withId(now, child->id())};
-}
-
-} // namespace
-
-std::vector<DocumentTextCommand> groupTextCommands() {
-    return {
-        {L"Make", "make", L"[Parent]", L"Makes a group in a group, or in the root group",
-         L"make a group", 0, 1, nullptr, true, &make},
-        {L"Add", "add", L"<Parent> [Count]", L"Adds entities to a group", L"add entities", 1, 2,
-         nullptr, true, &add},
-        {L"Remove", "remove", L"<Path>", L"Takes an entity out of its group", L"remove", 1, 1,
-         nullptr, true, &remove},
-        {L"Move", "move", L"<Path> before|after|into <Path>",
-         L"Moves an entity before or after another, or to the end of a group", L"move", 3, 3,
-         nullptr, true, &move},
-        {L"Delete", "delete", L"<Path>", L"Deletes a group with everything below it", L"delete", 1,
-         1, nullptr, true, &deleteGroup},
-    };
+    return {0, L"moved " + before + L" to " + withId(now, moved.entity->id())};
 }
 
 } // namespace Vn::Console

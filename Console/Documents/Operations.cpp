@@ -1,0 +1,213 @@
+#include "Console/Documents/Operations.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/Documents/Place.h"
+#include "Console/Documents/Session.h"
+#include "Console/Documents/Tree.h"
+#include "Console/Terminal/Table.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+#include "Platform/DataModel/DocumentFile.h"
+
+namespace Vn::Console {
+
+namespace fs = std::filesystem;
+using Parameters = TextCommandParameters;
+
+namespace {
+
+std::wstring textOf(Status const & status) { return printable(Text::fromUtf8(status.toString())); }
+
+TextCommandResult failure(Status const & status) {
+    return {status.code() == StatusCancelled ? ExitInterrupted : ExitBadInput, textOf(status)};
+}
+
+// Why a document can't take the place of the one that is open.
+std::wstring whyNotReplace(DocumentSession const & session, Parameters const & parameters) {
+    if (!session.hasUnsavedChanges() || parameters.hasFlag(L"Force")) return {};
+    return session.unsavedChanges() + L"; save the document, or lose them with /Force";
+}
+
+// Why a text can't be the name of a file.
+std::wstring whyNoFile(std::wstring const & name) {
+    if (name.empty()) return L"the name of the file is empty";
+    if (name.find(L'\0') != name.npos) return inQuotes(name) + L" isn't a file name";
+    return {};
+}
+
+std::wstring howItDiffers(DocumentSession const & session) {
+    bool const hasFile = !session.asset().file().empty();
+    if (!session.hasUnsavedChanges()) {
+        return hasFile ? L"the document is as " + session.name() + L" has it"
+                       : L"the document is new and empty, and has no file";
+    }
+    return hasFile ? L"the document differs from " + session.name()
+                   : L"the document has changes and no file";
+}
+
+// Whether a document that can't be opened for a reason of that kind may be damaged.
+bool mayBeDamage(EStatus code) {
+    switch (code) {
+    case StatusNewerFormat:
+    case StatusUnsupported:
+    case StatusOutOfMemory:
+    case StatusBusy:
+    case StatusCancelled:
+        return false;
+    default:
+        return true;
+    }
+}
+
+std::wstring listOf(std::vector<std::string> const & lines) {
+    std::wstring text;
+    for (std::string const & line : lines) text += L"\n  " + printable(Text::fromUtf8(line));
+    return text;
+}
+
+} // namespace
+
+TextCommandResult cannot(std::wstring const & what, std::wstring const & reason) {
+    return {1, L"cannot " + what + L": " + reason};
+}
+
+TextCommandResult newDocument(DocumentSession & session, Parameters const & parameters) {
+    if (std::wstring const why = whyNotReplace(session, parameters); !why.empty())
+        return cannot(L"make a new document", why);
+    session.makeNew();
+    return {0, L"a new document with an empty group \"Groups\""};
+}
+
+TextCommandResult openDocument(DocumentSession & session, Parameters const & parameters) {
+    std::wstring const & name = parameters.parameter(0);
+    std::wstring why = whyNoFile(name);
+    if (why.empty()) why = whyNotReplace(session, parameters);
+    if (!why.empty()) return cannot(L"open the document", why);
+    if (Status const status = session.open(pathOf(name)); !status) return failure(status);
+    std::size_t const count = session.asset().entities();
+    return {0, L"opened " + session.name() + L" with " + std::to_wstring(count) +
+                   (count == 1 ? L" entity" : L" entities")};
+}
+
+TextCommandResult saveDocument(DocumentSession & session, Parameters const &) {
+    if (session.asset().file().empty())
+        return cannot(L"save", L"the document has no file yet; Document.SaveAs FILE gives it one");
+    if (!session.hasUnsavedChanges()) return {0, session.name() + L" is up to date"};
+    if (Status const status = session.save(); !status) return {1, textOf(status)};
+    return {0, L"saved " + session.name()};
+}
+
+TextCommandResult saveDocumentAs(DocumentSession & session, Parameters const & parameters) {
+    std::wstring const & name = parameters.parameter(0);
+    if (std::wstring const why = whyNoFile(name); !why.empty()) return cannot(L"save", why);
+    fs::path const file = pathOf(name);
+    std::error_code ignored;
+    if (!parameters.hasFlag(L"Force") && fs::exists(fs::symlink_status(file, ignored))) {
+        bool const isOwn = !session.asset().file().empty() &&
+                           fs::equivalent(file, session.asset().file(), ignored);
+        if (isOwn) return saveDocument(session, parameters);
+        return cannot(L"save", shown(file) + L" is there already; /Force replaces it");
+    }
+    if (Status const status = session.saveAs(file); !status) return {1, textOf(status)};
+    std::wstring const kept = session.whatWasKept();
+    return {0, L"saved " + session.name() + (kept.empty() ? L"" : L'\n' + kept)};
+}
+
+TextCommandResult showTree(DocumentSession const & session, Parameters const & parameters,
+                           std::ostream & out) {
+    bool json = parameters.hasFlag(L"Json");
+    std::vector<std::wstring> paths;
+    for (unsigned i = 0; i < parameters.parameters(); ++i) {
+        // As vnconsole itself has it.
+        if (parameters.parameter(i) == L"--json")
+            json = true;
+        else
+            paths.push_back(parameters.parameter(i));
+    }
+    if (paths.size() > 1) {
+        return cannot(L"show the tree",
+                      inQuotes(paths[1]) + L" is too much: the tree is of one entity");
+    }
+    if (paths.empty()) {
+        writeTree(session, json, out);
+        return {};
+    }
+    DocumentPlace place;
+    std::wstring const why = findPlace(session, paths.front(), place);
+    if (!why.empty()) return cannot(L"show the tree", why);
+    writeTree(place, json, out);
+    return {};
+}
+
+TextCommandResult undoChange(DocumentSession & session, Parameters const &) {
+    ChangeHistory & history = session.history();
+    if (history.undoSteps() == 0) {
+        return cannot(L"undo", history.redoSteps() > 0
+                                   ? L"everything is undone already"
+                                   : L"nothing was changed since the document was opened; the "
+                                     L"history isn't saved, and no earlier session can be undone");
+    }
+    std::wstring const name = history.undoNames().front();
+    if (Status const status = history.undo(); !status) return {1, textOf(status)};
+    return {0, L"undone: " + name};
+}
+
+TextCommandResult redoChange(DocumentSession & session, Parameters const &) {
+    ChangeHistory & history = session.history();
+    if (history.redoSteps() == 0) return cannot(L"redo", L"nothing was undone last");
+    std::wstring const name = history.redoNames().front();
+    if (Status const status = history.redo(); !status) return {1, textOf(status)};
+    return {0, L"redone: " + name};
+}
+
+TextCommandResult showHistory(DocumentSession & session, Parameters const &) {
+    std::vector<std::wstring> const undone = session.history().redoNames();
+    std::vector<std::wstring> names = session.history().undoNames();
+    std::size_t const now = names.size();
+    std::reverse(names.begin(), names.end());
+    names.insert(names.begin(), L"where the history begins");
+    names.insert(names.end(), undone.begin(), undone.end());
+    Table table;
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        std::wstring notes = i > now ? L"undone" : L"";
+        if (session.savedStep() == i && !session.asset().file().empty())
+            notes += notes.empty() ? L"saved" : L", saved";
+        table.add({i == now ? L">" : L"", std::to_wstring(i), names[i], notes});
+    }
+    return {0, Text::fromUtf8(table.toUtf8()) + howItDiffers(session)};
+}
+
+TextCommandResult checkDocument(DocumentSession & session, Parameters const & parameters) {
+    if (parameters.parameters() == 0 && (!session.isOpen() || session.asset().file().empty()))
+        return cannot(L"check", L"there is no file; name one");
+    bool const isOwn = parameters.parameters() == 0;
+    std::wstring const why = isOwn ? std::wstring() : whyNoFile(parameters.parameter(0));
+    if (!why.empty()) return cannot(L"check", why);
+    fs::path const file = isOwn ? session.asset().file() : pathOf(parameters.parameter(0));
+    std::wstring const name = isOwn ? session.name() : shown(file);
+    std::vector<std::string> findings;
+    std::vector<std::string> unknownTypes;
+    if (Status const status = DocumentFile::check(file, findings, unknownTypes); !status)
+        return failure(status);
+    if (findings.empty() && unknownTypes.empty()) { // as far as can be told without the classes
+        StrongRef<Asset> asset;
+        Status const status = DocumentFile::load(file, nullptr, asset);
+        if (!status && !mayBeDamage(status.code())) return failure(status);
+        if (!status) findings.push_back(status.cause());
+    }
+    if (findings.empty() && unknownTypes.empty()) return {0, L"nothing is wrong with " + name};
+    std::wstring text;
+    if (!findings.empty()) text = name + L" is damaged:" + listOf(findings) + L'\n';
+    if (!unknownTypes.empty()) {
+        text += (findings.empty() ? L"nothing is damaged in " + name + L", but it"
+                                  : std::wstring(L"it also")) +
+                L" has entities of types that this program doesn't know:" + listOf(unknownTypes);
+    } else
+        text.pop_back();
+    return {findings.empty() ? ExitUnknownTypes : ExitBadInput, text};
+}
+
+} // namespace Vn::Console

@@ -1,0 +1,46 @@
+// What the commands on documents do.  The table of the commands tells how each is called.
+
+#ifndef VN_CONSOLE_DOCUMENTS_OPERATIONS_H
+#define VN_CONSOLE_DOCUMENTS_OPERATIONS_H
+
+#include <iosfwd>
+#include <string>
+
+#include "Platform/Base/TextCommand.h"
+
+namespace Vn::Console {
+
+class DocumentSession;
+
+// The file, the tree and the history.
+TextCommandResult newDocument(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult openDocument(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult saveDocument(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult saveDocumentAs(DocumentSession & session,
+                                 TextCommandParameters const & parameters);
+TextCommandResult showTree(DocumentSession const & session,
+                           TextCommandParameters const & parameters, std::ostream & out);
+TextCommandResult undoChange(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult redoChange(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult showHistory(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult checkDocument(DocumentSession & session,
+                                TextCommandParameters const & parameters);
+
+// The members of an entity.
+TextCommandResult showMembers(DocumentSession const & session,
+                              TextCommandParameters const & parameters, std::ostream & out);
+TextCommandResult setMember(DocumentSession & session, TextCommandParameters const & parameters);
+
+// The groups.
+TextCommandResult makeGroupAt(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult addEntities(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult removeEntity(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult moveEntity(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult deleteGroup(DocumentSession & session, TextCommandParameters const & parameters);
+
+// "cannot ...: ...".
+TextCommandResult cannot(std::wstring const & what, std::wstring const & reason);
+
+} // namespace Vn::Console
+
+#endif

@@ -1,0 +1,62 @@
+// Why a text isn't an expression, or has no value, in words for the person who typed it.
+//
+//   Expression const length(text, context);
+//   if (!length.value()) tell(explainFailure(length).message);
+//
+// All texts are in the user's language.  Pieces of what was typed are clipped where they are long,
+// and what a terminal wouldn't show or would act on is replaced in them.
+
+#ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_FAILUREEXPLANATION_H
+#define VN_SERVER_COMMONDATA_EXPRESSIONS_FAILUREEXPLANATION_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "Server/CommonData/Export.h"
+#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/ParseFailure.h"
+
+namespace Vn::Expressions {
+
+// What there is to tell of a failure.
+struct FailureExplanation {
+    // Why; none where only the outcome is known, and for an expression that has no value.
+    EParseFailure reason = EParseFailure::none;
+    // Where the parse stopped, in 16-bit characters from 0: the position of the result if that has
+    // one, else where the piece begins.
+    std::size_t position = 0;
+    // Where the piece at fault begins and ends, likewise; equal if it is empty or isn't known.
+    std::size_t start = 0;
+    std::size_t end = 0;
+    // Whether the place means something: it doesn't for an empty text, for units of the whole
+    // expression, or for a value.
+    bool hasPlace = false;
+    // The outcome: "Parse error at character 1".
+    std::wstring outcome;
+    // The reason: "\"CM\" isn't a unit, a function or a constant".  Empty if it isn't known.
+    std::wstring explanation;
+    // Both of them in one line.
+    std::wstring message;
+    // The known spellings nearest to a name that isn't known, the likeliest first, three at most.
+    std::vector<std::wstring> suggestions;
+    // The same as a question: "did you mean mm or Mm?".  Empty if there are none.
+    std::wstring question;
+    // What to type instead where a division was read as a fraction.  Empty if there is none.
+    std::wstring hint;
+};
+
+// Explains `result`, which parsing `text` in `context` gave.  If there is a tree, the failure is
+// that it has no value.  A result of another text gets some explanation.
+VN_COMMONDATA_API FailureExplanation explainFailure(std::wstring const & text,
+                                                    Units::UnitContext const & context,
+                                                    ParseResult const & result);
+// The same for an expression.
+VN_COMMONDATA_API FailureExplanation explainFailure(Expression const & expression);
+
+// The name of a reason, as the enumeration has it; empty for a number that isn't one.
+VN_COMMONDATA_API char const * failureName(EParseFailure reason);
+
+} // namespace Vn::Expressions
+
+#endif
