@@ -116,8 +116,7 @@ private:
         if (isNext && !json.skip(',')) return c_notAList;
         skipBlanks(json);
         std::string name;
-        if (!json.readString(name) || name != part.path.substr(part.path.find('.') + 1))
-            return c_notAList;
+        if (!json.readString(name) || name != nameOf(part)) return c_notAList;
         skipBlanks(json);
         if (!json.skip(':')) return c_notAList;
         skipBlanks(json);
@@ -159,7 +158,7 @@ std::wstring listText(Leaf const & leaf, void * field) {
         char separator = '{';
         for (Leaf const & part : *leaf.elementLeaves) {
             json += std::exchange(separator, ',');
-            DataModel::appendJsonText(json, part.path.substr(part.path.find('.') + 1), true);
+            DataModel::appendJsonText(json, std::string(nameOf(part)), true);
             json += ':';
             memberKind(part.kind).append(writer, element + part.offset, json);
         }
@@ -169,14 +168,10 @@ std::wstring listText(Leaf const & leaf, void * field) {
     return Text::fromUtf8(json + ']');
 }
 
-std::string nameWithoutClass(Leaf const & leaf) {
-    return leaf.path.substr(leaf.path.find('.') + 1);
-}
-
 // The member of the entity that a leaf is, or is a part of.
 Member const & memberOf(Leaf const & leaf) {
-    std::string const name = nameWithoutClass(leaf);
-    return *leaf.set->find(std::string_view(name).substr(0, name.find('.')));
+    std::string_view const name = nameOf(leaf);
+    return *leaf.set->find(name.substr(0, name.find('.')));
 }
 
 bool isShown(Leaf const & leaf) noexcept { return leaf.isPersisted && !leaf.isInHelper; }
@@ -204,11 +199,11 @@ std::vector<EntityMembers::Info> EntityMembers::all() const {
     std::vector<Leaf> const & leaves = m_rEntity->metaType()->layout().leaves();
     std::map<std::string, Leaf const *> byName; // the most derived of a name
     for (Leaf const & leaf : leaves)
-        if (isShown(leaf)) byName[nameWithoutClass(leaf)] = &leaf;
+        if (isShown(leaf)) byName[std::string(nameOf(leaf))] = &leaf;
     std::vector<Info> infos;
     for (Leaf const & leaf : leaves) {
         if (!isShown(leaf)) continue;
-        std::string name = nameWithoutClass(leaf);
+        std::string name(nameOf(leaf));
         std::string kind = memberKind(leaf.kind).name;
         if (leaf.kind == EMemberKind::Vector)
             kind = kind + " of " + leaf.functions->elementType()->kindName();
@@ -221,9 +216,7 @@ std::vector<EntityMembers::Info> EntityMembers::all() const {
 
 Leaf const * EntityMembers::find(std::string_view name) const {
     std::vector<Leaf> const & leaves = m_rEntity->metaType()->layout().leaves();
-    auto const isNamed = [&](Leaf const & leaf) {
-        return isShown(leaf) && std::string_view(leaf.path).substr(leaf.path.find('.') + 1) == name;
-    };
+    auto const isNamed = [&](Leaf const & leaf) { return isShown(leaf) && nameOf(leaf) == name; };
     auto const derived = std::find_if(leaves.rbegin(), leaves.rend(), isNamed);
     if (derived != leaves.rend()) return &*derived;
     auto const whole = std::find_if(leaves.rbegin(), leaves.rend(), [&](Leaf const & leaf) {

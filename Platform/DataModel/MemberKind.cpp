@@ -225,6 +225,28 @@ struct TextKind {
     }
     static void skip(Words & words) noexcept { words += wordsOf(words[0]); }
     static void release(std::uint64_t *& words) noexcept { words += wordsOf(words[0]); }
+
+    static char const * readColumn(ValueReader & reader, Statement & row, int place, void * field,
+                                   unsigned long long &) {
+        int const type = row.type(place);
+        if (type != SQLITE_TEXT && type != SQLITE_BLOB) return c_notText;
+        return read(reader, row.bytes(place), type == SQLITE_TEXT, field);
+    }
+    static char const * readElement(ValueReader & reader, JsonReader & json, void * field,
+                                    unsigned long long &) {
+        bool isText = false;
+        if (!json.readText(reader.m_bytes, isText)) return c_notText;
+        return read(reader, reader.m_bytes, isText, field);
+    }
+
+private:
+    static char const * read(ValueReader & reader, std::string_view stored, bool isText,
+                             void * field) {
+        if constexpr (std::is_same_v<T, std::string>)
+            return reader.narrow(stored, isText, field) ? nullptr : c_notText;
+        else
+            return reader.wide(stored, isText, field) ? nullptr : c_notText;
+    }
 };
 
 struct NarrowText : TextKind<std::string> {
@@ -234,19 +256,6 @@ struct NarrowText : TextKind<std::string> {
     }
     static void append(ValueWriter & writer, void const * field, std::string & json) {
         writer.appendNarrow(json, at<std::string>(field));
-    }
-    static char const * readColumn(ValueReader & reader, Statement & row, int place, void * field,
-                                   unsigned long long &) {
-        int const type = row.type(place);
-        if (type != SQLITE_TEXT && type != SQLITE_BLOB) return c_notText;
-        return reader.narrow(row.bytes(place), type == SQLITE_TEXT, field) ? nullptr : c_notText;
-    }
-    static char const * readElement(ValueReader & reader, JsonReader & json, void * field,
-                                    unsigned long long &) {
-        bool isText = false;
-        return json.readText(reader.m_bytes, isText) && reader.narrow(reader.m_bytes, isText, field)
-                   ? nullptr
-                   : c_notText;
     }
     static std::wstring print(void const * field) { return Text::fromUtf8(at<std::string>(field)); }
     static char const * parse(std::wstring_view text, std::string & value) {
@@ -262,19 +271,6 @@ struct WideText : TextKind<std::wstring> {
     }
     static void append(ValueWriter & writer, void const * field, std::string & json) {
         writer.appendWide(json, at<std::wstring>(field));
-    }
-    static char const * readColumn(ValueReader & reader, Statement & row, int place, void * field,
-                                   unsigned long long &) {
-        int const type = row.type(place);
-        if (type != SQLITE_TEXT && type != SQLITE_BLOB) return c_notText;
-        return reader.wide(row.bytes(place), type == SQLITE_TEXT, field) ? nullptr : c_notText;
-    }
-    static char const * readElement(ValueReader & reader, JsonReader & json, void * field,
-                                    unsigned long long &) {
-        bool isText = false;
-        return json.readText(reader.m_bytes, isText) && reader.wide(reader.m_bytes, isText, field)
-                   ? nullptr
-                   : c_notText;
     }
     static std::wstring print(void const * field) { return at<std::wstring>(field); }
     static char const * parse(std::wstring_view text, std::wstring & value) {

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Platform/DataModel/Log/WordBuffer.h"
@@ -40,6 +41,14 @@ struct Leaf {
     std::vector<Leaf> const * elementLeaves = nullptr; // of a vector of values
     std::string path; // "Class.member", and ".part" for each value that it is a part of
 };
+
+// The two parts of a leaf's path: "Class" and "member.part".
+inline std::string_view classNameOf(Leaf const & leaf) noexcept {
+    return std::string_view(leaf.path).substr(0, leaf.path.find('.'));
+}
+inline std::string_view nameOf(Leaf const & leaf) noexcept {
+    return std::string_view(leaf.path).substr(leaf.path.find('.') + 1);
+}
 
 // The leaves of a member set without those of its base.
 void appendLeaves(MemberSet const & set, std::vector<Leaf> & leaves);

@@ -257,7 +257,7 @@ DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
             part.head += ':';
             if (!list.isDropped)
                 for (Leaf const & leaf : *list.leaf->elementLeaves) {
-                    if (leaf.path.substr(leaf.path.find('.') + 1) != member.m_name) continue;
+                    if (nameOf(leaf) != member.m_name) continue;
                     if (leaf.kind != member.m_kind) disagree(member);
                     part.isDropped = false;
                     part.offset = leaf.offset;
@@ -302,11 +302,10 @@ DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
     for (Home const & home : all) {
         if (home.isTaken || home.isOlder) continue;
         FileMember member;
-        std::string const & path = home.leaf->path;
-        member.m_class = path.substr(0, path.find('.'));
-        member.m_name = path.substr(path.find('.') + 1);
+        member.m_class = classNameOf(*home.leaf);
+        member.m_name = nameOf(*home.leaf);
         if (!isOlder(of, member))
-            m_database.damaged("the member " + path + " of " + table + " is missing");
+            m_database.damaged("the member " + home.leaf->path + " of " + table + " is missing");
     }
     return plan;
 }

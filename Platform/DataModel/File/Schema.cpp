@@ -132,9 +132,8 @@ DescribedType describe(Database const & database, EntityMetaType & type) {
     };
     auto const add = [&](Leaf const & leaf, int list) {
         FileMember member;
-        std::size_t const dot = leaf.path.find('.');
-        member.m_class = leaf.path.substr(0, dot);
-        member.m_name = leaf.path.substr(dot + 1);
+        member.m_class = classNameOf(leaf);
+        member.m_name = nameOf(leaf);
         member.m_kind = leaf.kind;
         if (leaf.kind == EMemberKind::Vector) member.m_element = leaf.elementKind;
         member.m_list = list;

@@ -20,9 +20,6 @@ using DataModel::Replay;
 
 namespace {
 
-// A spare log that has grown larger is given back.
-constexpr std::size_t c_spareBytes = 65536;
-
 // What is set aside so that a transaction can be taken back once memory has run out.
 constexpr std::size_t c_reserveBytes = 65536;
 
@@ -94,7 +91,7 @@ void ChangeHistory::replay(Step & step, bool undoing) {
     log.swap(*m_pSpare);
     DataModel::drop(*m_pSpare, *m_pLifetimes);
     log.words().trim(&m_pSpare->words());
-    if (m_pSpare->words().heapBytes() > c_spareBytes) m_pSpare.reset();
+    if (m_pSpare->words().heapBytes() > DataModel::WordBuffer::c_spareBytes) m_pSpare.reset();
 }
 
 Status ChangeHistory::undo() { return move(true); }

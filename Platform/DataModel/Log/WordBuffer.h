@@ -14,6 +14,9 @@ namespace Vn::DataModel {
 // whole, so that large ones cost no copy where the system can move pages.
 class WordBuffer {
 public:
+    // Room that is kept for later use; larger room is given back.
+    static constexpr std::size_t c_spareBytes = 65536;
+
     WordBuffer() noexcept = default;
     ~WordBuffer() {
         if (m_pWords != m_few) std::free(m_pWords);
@@ -58,7 +61,8 @@ public:
         if (m_size <= c_few) {
             std::memcpy(m_few, m_pWords, m_size * sizeof(std::uint64_t));
             std::uint64_t * const room = std::exchange(m_pWords, m_few);
-            if (spare && spare->m_pWords == spare->m_few && m_capacity <= c_spare) {
+            if (spare && spare->m_pWords == spare->m_few &&
+                m_capacity * sizeof(*room) <= c_spareBytes) {
                 spare->m_pWords = room;
                 spare->m_capacity = m_capacity;
             } else
@@ -82,7 +86,6 @@ public:
 private:
     // What the record of one number that changed takes.
     static constexpr std::size_t c_few = 6;
-    static constexpr std::size_t c_spare = 8192;
 
     bool reallocate(std::size_t capacity) noexcept {
         bool const isFew = m_pWords == m_few;

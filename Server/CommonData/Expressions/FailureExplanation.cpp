@@ -1,6 +1,7 @@
 #include "Server/CommonData/Expressions/FailureExplanation.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
@@ -135,7 +136,7 @@ public:
         TokenizerRegistry::get()->tokenize(m_text, tokens);
         Token const * token = tokens.first();
         while (token->next && token->next->start != m_rResult.failureStart()) token = token->next;
-        return token->next && token->kind == TK_NUMBER && token->text.find(L'/') != m_text.npos;
+        return token->next && isFraction(*token);
     }
 
 private:
@@ -183,8 +184,9 @@ private:
     }
 
     std::wstring wrongArgumentCount() const {
-        if (function() == e_NONE) return {};
-        unsigned int const wanted = functionArity(*functionOfToken(function()));
+        std::optional<FunctionId> const called = functionOfToken(function());
+        if (!called) return {};
+        unsigned int const wanted = functionArity(*called);
         std::wstring const given = std::to_wstring(m_rResult.argumentsGiven());
         if (wanted == 0)
             return filled(failureText(EFailureText::TakesNoArguments), {shownPiece(), given});
@@ -195,8 +197,8 @@ private:
     }
 
     std::wstring unitsOfArgument() const {
-        bool const isAngle = function() >= e_COS && function() <= e_TANH && function() != e_ACOS &&
-                             function() != e_ASIN && function() != e_ATAN;
+        std::optional<FunctionId> const called = functionOfToken(function());
+        bool const isAngle = called && functionTakesAngle(*called);
         return ofPiece(isAngle ? EFailureText::ArgumentIsAngle : EFailureText::ArgumentIsPure);
     }
 

@@ -5,9 +5,15 @@
 
 #include <string>
 
+#include "Server/CommonData/Expressions/Token.h"
 #include "Server/CommonData/Units/UnitContext.h"
 
 namespace Vn::Expressions {
+
+// Whether a token is a number that was typed as a fraction, such as 7/2 or 1 7/2.
+inline bool isFraction(Token const & token) {
+    return token.kind == TK_NUMBER && token.text.find(L'/') != token.text.npos;
+}
 
 // For a text that doesn't parse: what to do about a fraction in it that something stands right
 // after, with the text to type instead where that parses.  In the user's language; empty if there

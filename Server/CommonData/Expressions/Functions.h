@@ -38,6 +38,9 @@ constexpr std::optional<FunctionId> functionOfToken(EToken token) {
 // How many arguments a function takes.
 VN_COMMONDATA_API unsigned int functionArity(FunctionId function);
 
+// Whether its first argument must be an angle.
+VN_COMMONDATA_API bool functionTakesAngle(FunctionId function);
+
 } // namespace Vn::Expressions
 
 #endif

@@ -381,6 +381,11 @@ struct FunctionRow {
     Argument second;
     Result result;
     double (*value)(double x, double y);
+
+    // Whether its arguments must agree in their units.
+    constexpr bool haveOneDimension() const {
+        return arity > 1 && first == Argument::Inherits && second == Argument::Inherits;
+    }
 };
 
 constexpr FunctionRow c_functions[] = {
@@ -395,6 +400,10 @@ static_assert(std::all_of(std::begin(c_functions), std::end(c_functions),
 } // namespace
 
 unsigned int functionArity(FunctionId function) { return c_functions[function].arity; }
+
+bool functionTakesAngle(FunctionId function) {
+    return c_functions[function].first == Argument::Angle;
+}
 
 bool functionArgumentTakesDefaultUnit(FunctionId function, unsigned int argument,
                                       UnitContext const & context, ComplexUnit const *& units) {
@@ -492,7 +501,7 @@ ComplexUnit const * FunctionOpNode::onUnitEvaluate(UnitContext const & context) 
         if (!second) return nullptr;
         if (row.result == Result::Power)
             units = powerUnits(tree(), operand(1), *units, *second);
-        else if (row.first == Argument::Inherits && row.second == Argument::Inherits)
+        else if (row.haveOneDimension())
             units = negotiate(operand(0), operand(1), units, second, context);
     }
     return units ? resultUnits(m_function, units) : nullptr;
@@ -501,15 +510,9 @@ ComplexUnit const * FunctionOpNode::onUnitEvaluate(UnitContext const & context) 
 EParseFailure FunctionOpNode::onConflict(UnitContext const & context) {
     for (unsigned int i = 0; i < operands(); ++i)
         if (!operand(i).units(context)) return operand(i).conflict(context);
-    switch (m_function) {
-    case FunctionPow:
-        return powerConflict(operand(1), *operand(1).units(context));
-    case FunctionMax:
-    case FunctionMin:
-        return EParseFailure::differentUnits;
-    default:
-        return EParseFailure::unitsOfArgument;
-    }
+    FunctionRow const & row = c_functions[m_function];
+    if (row.result == Result::Power) return powerConflict(operand(1), *operand(1).units(context));
+    return row.haveOneDimension() ? EParseFailure::differentUnits : EParseFailure::unitsOfArgument;
 }
 
 } // namespace Vn::Expressions

@@ -5,6 +5,7 @@
 #include <boost/container/small_vector.hpp>
 
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/FractionHintInternal.h"
 #include "Server/CommonData/Expressions/ParserInternal.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
 #include "Server/CommonData/Expressions/Vocabulary.h"
@@ -26,10 +27,6 @@ bool isKind(Token const * token, TokenKind kind) { return token && token->kind =
 bool isOperator(TokenKind kind) {
     return kind == TK_PLUS || kind == TK_MINUS || kind == TK_MULTIPLY || kind == TK_DIVIDE ||
            kind == TK_MODULO || kind == TK_POWER;
-}
-
-bool isFraction(Token const & token) {
-    return token.kind == TK_NUMBER && token.text.find(L'/') != token.text.npos;
 }
 
 // The length of a fraction without the blanks after it, which belong to the token.
