@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what the build and the tests need on Debian or Ubuntu.  Does nothing where all of it is there;
 # otherwise uses apt, as root or through sudo.  The argument "fuzz" adds what Tools/fuzz needs, "windows"
-# what the build for Windows needs.
+# what the build for Windows needs, "tidy" what the target of that name needs.
 set -euo pipefail
 
 packages=(
@@ -16,6 +16,7 @@ packages=(
   clang-format                                   # the test that the sources are formatted
 )
 if [ "${1:-}" = fuzz ]; then packages+=(clang-14 libclang-rt-14-dev); fi
+if [ "${1:-}" = tidy ]; then packages+=(clang-tidy); fi
 if [ "${1:-}" = windows ]; then packages+=(g++-mingw-w64-x86-64-posix googletest wine wine64); fi
 
 missing=()

@@ -197,7 +197,7 @@ int begin(std::filesystem::path const & file, Call const & first, DocumentSessio
 int run(Call const & call, bool json, std::ostream & out, std::ostream & err) {
     DocumentCommand const & row = *call.command;
     std::vector<std::wstring> flags = call.flags;
-    if (json && takesJson(row)) flags.push_back(row.flag);
+    if (json && takesJson(row)) flags.emplace_back(row.flag);
     TextCommand * const command = TextCommandService::get().find(row.area, row.name);
     TextCommandResult const result = command->run(TextCommandParameters(call.parameters, flags));
     out.flush();

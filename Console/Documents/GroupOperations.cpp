@@ -46,11 +46,11 @@ std::wstring findGroup(DocumentSession const & session, std::wstring const & tex
     bool const isRoot =
         text.empty() || text == L"." || text == Text::widen(DocumentSession::c_rootKey);
     if (isRoot && !session.root()) {
-        place = {nullptr, nullptr, Text::widen(DocumentSession::c_rootKey)};
+        place = {{nullptr, nullptr}, Text::widen(DocumentSession::c_rootKey)};
         return {};
     }
     DocumentPlace found;
-    std::wstring const why = findPlace(session, isRoot ? L"." : text, found);
+    std::wstring why = findPlace(session, isRoot ? L"." : text, found);
     if (!why.empty()) return why;
     if (!groupAt(found)) return shownPath(found.path) + L" isn't a group";
     place = std::move(found);

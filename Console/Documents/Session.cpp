@@ -24,7 +24,7 @@ StrongRef<Managed::CustomGroups> makeCustomGroups(StrongRef<Entity> const & pare
 }
 
 StrongRef<CommonData::CommonBaseGroupEntity> makeRootGroup(Segment & segment) {
-    StrongRef<CommonData::CommonBaseGroupEntity> const group =
+    StrongRef<CommonData::CommonBaseGroupEntity> group =
         CommonData::CommonBaseGroupEntity::make(&segment);
     segment.addRoot(group, DocumentSession::c_rootKey);
     return group;

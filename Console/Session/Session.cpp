@@ -34,7 +34,7 @@ UnitDisplaySettings & settings() { return UnitDisplaySettings::userEditableSetti
 std::wstring takeWord(std::wstring_view & line) {
     std::size_t end = 0;
     while (end < line.size() && !Text::isSpace(static_cast<char32_t>(line[end]))) ++end;
-    std::wstring const word(line.substr(0, end));
+    std::wstring word(line.substr(0, end));
     line = trimmed(line.substr(end));
     return word;
 }

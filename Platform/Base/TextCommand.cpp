@@ -25,7 +25,7 @@ unsigned TextCommandParameters::parameters() const noexcept {
     return static_cast<unsigned>(std::min(m_parameters.size(), most));
 }
 
-std::wstring const & TextCommandParameters::parameter(unsigned index) const noexcept {
+std::wstring const & TextCommandParameters::parameter(unsigned index) const {
     if (index < m_parameters.size()) return m_parameters[index];
     return s_noText.get([] { return new std::wstring; });
 }

@@ -26,7 +26,7 @@ public:
     // The number of parameters, flags not counted.
     unsigned parameters() const noexcept;
     // One parameter, or an empty text if there are fewer.
-    std::wstring const & parameter(unsigned index) const noexcept;
+    std::wstring const & parameter(unsigned index) const;
     // Whether the flag was given.  The case of ASCII letters doesn't count.
     bool hasFlag(std::wstring_view name) const noexcept;
     std::vector<std::wstring> const & flags() const noexcept { return m_flags; }

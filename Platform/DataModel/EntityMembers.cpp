@@ -17,7 +17,6 @@ using DataModel::isReference;
 using DataModel::JsonReader;
 using DataModel::Leaf;
 using DataModel::memberKind;
-using DataModel::MemberLayout;
 using DataModel::WordBuffer;
 
 namespace {

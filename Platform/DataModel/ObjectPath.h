@@ -30,7 +30,7 @@ public:
     // Without word and repetition; with a word; with both.
     Onk() = default;
     explicit Onk(std::wstring name) : m_strName(std::move(name)) {}
-    Onk(std::wstring name, int rep);
+    Onk(std::wstring name, int number);
 
     // The word.
     std::wstring const & strName() const noexcept { return m_strName; }

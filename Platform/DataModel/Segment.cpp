@@ -14,7 +14,7 @@ SegmentTypeMgr * SegmentTypeMgr::get() {
     return &s_manager;
 }
 
-SegmentType * SegmentTypeMgr::segmentType(unsigned type) const noexcept {
+SegmentType * SegmentTypeMgr::segmentType(unsigned type) const {
     // Never destroyed: documents may be closed while the process ends.
     static SegmentType * const s_types[] = {
         new SegmentType(SegmentType::DesignSegment, "Design"),

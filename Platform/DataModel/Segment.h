@@ -50,7 +50,7 @@ public:
     // The one instance.
     static SegmentTypeMgr * get();
     // Null for a number that is none.
-    SegmentType * segmentType(unsigned type) const noexcept;
+    SegmentType * segmentType(unsigned type) const;
 
 private:
     SegmentTypeMgr() = default;

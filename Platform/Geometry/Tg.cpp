@@ -87,8 +87,8 @@ TgPoint3d TgMatrix3d::operator*(TgPoint3d const & point) const noexcept {
     return {moved.x(), moved.y(), moved.z()};
 }
 
-TgVector3d TgMatrix3d::operator*(TgVector3d const & way) const noexcept {
-    Eigen::Vector4d const moved = eigen(*this) * Eigen::Vector4d(way.x, way.y, way.z, 0);
+TgVector3d TgMatrix3d::operator*(TgVector3d const & vector) const noexcept {
+    Eigen::Vector4d const moved = eigen(*this) * Eigen::Vector4d(vector.x, vector.y, vector.z, 0);
     return {moved.x(), moved.y(), moved.z()};
 }
 

@@ -25,7 +25,7 @@ DocumentChecker::DocumentChecker(std::filesystem::path file, std::string operati
 
 void DocumentChecker::found(std::string finding) {
     if (m_findings.size() == Limits::c_findings) {
-        m_findings.push_back("and more");
+        m_findings.emplace_back("and more");
         throw Enough();
     }
     m_findings.push_back(std::move(finding));

@@ -14,6 +14,7 @@ unsigned long long
 idOnCircle(std::vector<std::pair<unsigned long long, unsigned long long>> const & ownerships) {
     // What owns nothing lies on no circle.
     std::vector<unsigned long long> nodes;
+    nodes.reserve(ownerships.size());
     for (auto const & [from, to] : ownerships) nodes.push_back(from);
     std::sort(nodes.begin(), nodes.end());
     nodes.erase(std::unique(nodes.begin(), nodes.end()), nodes.end());

@@ -78,7 +78,7 @@ Status refuseWithinChanges(Asset & asset, std::filesystem::path const & file) {
 Status DocumentFile::save(Asset & asset) {
     if (asset.m_file.empty())
         return Status::invalidArgument(c_save, {}, "the document has no file yet");
-    if (Status const refused = refuseWithinChanges(asset, asset.m_file); !refused) return refused;
+    if (Status refused = refuseWithinChanges(asset, asset.m_file); !refused) return refused;
     std::filesystem::path const file = asset.m_file;
     return guarded(c_save, file, [&] {
         Writer writer(asset, c_save, FileSystemName::get());
@@ -96,7 +96,7 @@ Status DocumentFile::saveAsKeeping(Asset & asset, std::filesystem::path const & 
                                    std::vector<std::filesystem::path> & kept) {
     kept.clear();
     if (file.empty()) return Status::invalidArgument(c_save, {}, "the name is empty");
-    if (Status const refused = refuseWithinChanges(asset, file); !refused) return refused;
+    if (Status refused = refuseWithinChanges(asset, file); !refused) return refused;
     return guarded(c_save, file,
                    [&] { Writer(asset, c_save, FileSystemName::get()).saveWhole(file, kept); });
 }

@@ -17,7 +17,6 @@
 
 namespace Vn {
 
-using DataModel::DescribedType;
 using DataModel::FileType;
 using DataModel::isReference;
 using DataModel::JsonReader;

@@ -218,7 +218,7 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file,
         writeEntities();
         writeSegments();
         writeRoots();
-        if (m_asset.m_fileStamp.size()) {
+        if (!m_asset.m_fileStamp.empty()) {
             DocumentFileStamp const stamp = DocumentFileStamp::parse(m_asset.m_fileStamp);
             // One that can't be saved again under its own id becomes another document.
             if (stamp.m_generation < Limits::c_generations) {
@@ -712,7 +712,8 @@ DocumentFile::Writer::Saved DocumentFile::Writer::makeSaved(std::filesystem::pat
                                                             FileHead const & head) {
     std::error_code error;
     std::filesystem::path absolute = std::filesystem::absolute(file, error);
-    return {error ? file : std::move(absolute),
+    if (error) absolute = file;
+    return {std::move(absolute),
             DocumentFileStamp{head.id, head.generation, head.stamp, {}}.toString()};
 }
 

@@ -281,8 +281,7 @@ void Lifetimes::wait(Entity & entity) noexcept {
     }
 }
 
-void Lifetimes::bracketsClosed() noexcept {
-    if (m_waiting.empty()) return;
+void Lifetimes::forgetWaiting() noexcept {
     Dropping const dropping(*this);
     for (Entity * const entity : std::exchange(m_waiting, {})) forget(*entity);
 }
@@ -418,8 +417,7 @@ void Lifetimes::tellRevived() {
     }
 }
 
-void Lifetimes::settle(bool isTold) {
-    if (m_revived.empty() && m_orphans.empty() && !m_bUnlisted) return; // as after most replays
+void Lifetimes::settleAll(bool isTold) {
     if (isTold) m_returned.reserve(m_returned.size() + m_revived.size());
     for (StrongRef<Entity> const & revived : m_revived)
         if (isTold)
@@ -453,8 +451,7 @@ void Lifetimes::tellExchanged(Entity & entity) {
         tellOver(entity, false, DataChange::TransactReplay);
 }
 
-void Lifetimes::tellReturned(DataChange::ETransact transact) {
-    if (m_returned.empty()) return;
+void Lifetimes::tellAllReturned(DataChange::ETransact transact) {
     for (std::size_t i = 0; i < m_returned.size(); ++i) {
         stateOf(*m_returned[i]).clear(EntityState::Returned);
         if (m_returned[i]->isAlive()) tellOver(*m_returned[i], true, transact);
@@ -500,11 +497,6 @@ void Lifetimes::clear() noexcept {
 
 void Lifetimes::hookThrew() noexcept {
     if (!m_hookFailure) m_hookFailure = std::current_exception();
-}
-
-void Lifetimes::rethrowOfHook() {
-    if (std::exception_ptr const failure = std::exchange(m_hookFailure, nullptr))
-        std::rethrow_exception(failure);
 }
 
 } // namespace Vn::DataModel

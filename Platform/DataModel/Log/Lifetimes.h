@@ -27,6 +27,7 @@
 #include <exception>
 #include <memory>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "Platform/Base/RefCounted.h"
@@ -67,7 +68,9 @@ public:
     // The outermost bracket on an entity has closed, which may be what its end waited for.
     void bracketClosed(Entity & entity) noexcept;
     // No bracket is open any more.
-    void bracketsClosed() noexcept;
+    void bracketsClosed() noexcept {
+        if (!m_waiting.empty()) forgetWaiting();
+    }
 
     // A name of an entity is given up.  The object goes if nothing else leads to it.
     void forget(Entity & entity) noexcept;
@@ -82,18 +85,24 @@ public:
     void tellRevived();
     // Ends what has no owner at the end of a replay.  Those that came back are told later if
     // `isTold` says so, which must be before the logs of the replay are dropped.
-    void settle(bool isTold);
+    void settle(bool isTold) {
+        if (!m_revived.empty() || !m_orphans.empty() || m_bUnlisted) settleAll(isTold);
+    }
     // Tells each entity that has a record in the log of the transaction or replay that is over, and
     // each that came back by it.  What a hook of a replay throws is kept.
     void tellTransacted(ChangeLog & log, DataChange::ETransact transact);
     // The same for a replay of nothing but numbers: each entity once it has its own, and those that
     // came back at the end.
     void tellExchanged(Entity & entity);
-    void tellReturned(DataChange::ETransact transact);
+    void tellReturned(DataChange::ETransact transact) {
+        if (!m_returned.empty()) tellAllReturned(transact);
+    }
 
     // Keeps the first exception that a hook of a replay throws, until the replay is complete.
     void hookThrew() noexcept;
-    void rethrowOfHook();
+    void rethrowOfHook() {
+        if (m_hookFailure) std::rethrow_exception(std::exchange(m_hookFailure, nullptr));
+    }
     void forgetHook() noexcept { m_hookFailure = nullptr; }
 
     // While logs are dropped nothing is deleted through hooks; that waits for the end.
@@ -145,6 +154,9 @@ private:
         Death * around = nullptr;
     };
 
+    void forgetWaiting() noexcept;
+    void settleAll(bool isTold);
+    void tellAllReturned(DataChange::ETransact transact);
     // Tells one entity that the transaction or replay is over.
     void tellOver(Entity & entity, bool came, DataChange::ETransact transact);
     // Ends one entity: keeps what its hooks may take away, calls them, has it let go of what it

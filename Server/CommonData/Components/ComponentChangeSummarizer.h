@@ -25,7 +25,6 @@ private:
     void onPreChange(DataChange::EChangeType type) override;
     void onPostChange(DataChange::EChangeType type) override;
 
-private:
     template <class Tell>
     void tell(DataChange::EChangeType type, Tell && tell);
 

@@ -23,7 +23,7 @@ inline constexpr std::size_t c_kept = 1024;
 // A block of c_blockSize bytes, on a page boundary; throws std::bad_alloc if there is none.
 void * take();
 // Gives it back.
-void give(void * block) noexcept;
+void give(void * memory) noexcept;
 
 } // namespace Vn::Expressions::BlockPool
 

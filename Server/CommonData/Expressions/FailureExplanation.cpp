@@ -204,8 +204,7 @@ private:
 
     static std::wstring shownUnits(ComplexUnit const & units) {
         Units::UnitDisplaySettings const & settings = Units::UnitDisplaySettings::get();
-        std::wstring const text =
-            Text::clipped(units.reconstructString(1.0, Units::UnitOnly, settings));
+        std::wstring text = Text::clipped(units.reconstructString(1.0, Units::UnitOnly, settings));
         Units::SimpleUnit const * const kind = Units::findEquivalentUnit(units);
         if (!kind) return text;
         return filled(failureText(EFailureText::UnitAndKind), {text, kind->simpleUnitTypeName()});

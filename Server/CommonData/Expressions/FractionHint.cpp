@@ -71,11 +71,10 @@ private:
         if (typed.empty() || divisor.size() <= typed.size()) return false;
 
         std::wstring_view const front = trimmed(fraction.text.substr(0, slash));
-        std::size_t const blank =
-            std::find_if(front.begin(), front.end(),
-                         [](wchar_t c) { return Text::isSpace(static_cast<char32_t>(c)); }) -
-            front.begin();
-        std::wstring const whole(front.substr(0, blank < front.size() ? blank : 0));
+        auto const blank = std::find_if(front.begin(), front.end(), [](wchar_t c) {
+            return Text::isSpace(static_cast<char32_t>(c));
+        });
+        std::wstring const whole(front.begin(), blank == front.end() ? front.begin() : blank);
         std::wstring const quotient =
             std::wstring(trimmed(front.substr(whole.size()))) + L"/(" + divisor + L')';
         replace(fraction, whole.empty() ? quotient : L'(' + whole + L" + " + quotient + L')',

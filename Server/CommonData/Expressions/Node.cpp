@@ -62,10 +62,10 @@ ComplexUnit const * Node::units(UnitContext const & context) {
 
 ComplexUnit const * Node::keepUnits(ComplexUnit const * units) { return m_pCachedUnits = units; }
 
-bool Node::unitEvaluate(ComplexUnit & out, UnitContext const & context) {
-    ComplexUnit const * const found = units(context);
+bool Node::unitEvaluate(ComplexUnit & units, UnitContext const & context) {
+    ComplexUnit const * const found = this->units(context);
     if (!found) return false;
-    out = *found;
+    units = *found;
     return true;
 }
 

@@ -786,7 +786,7 @@ Node * Parser::parse(std::wstring_view text, UnitContext const & context,
         return nullptr;
     }
     if (!settleUnits(*root, context, expected, start, rules.current()->end, result)) return nullptr;
-    tree.release();
+    static_cast<void>(tree.release());
     return root;
 }
 

@@ -20,8 +20,8 @@ public:
     Reconstruction(Units::EUnitDisplayMode mode, Units::UnitDisplaySettings const & settings)
         : m_mode(mode), m_rSettings(settings) {}
 
-    // The whole text of `node`, in those units, which may be null.
-    std::wstring write(Node & node, Units::ComplexUnit const * units);
+    // The whole text of `root`, in those units, which may be null.
+    std::wstring write(Node & root, Units::ComplexUnit const * rootUnits);
 
     Units::EUnitDisplayMode mode() const { return m_mode; }
     Units::UnitDisplaySettings const & settings() const { return m_rSettings; }

@@ -55,12 +55,12 @@ bool CommonBaseRootCollection::deleteMigrationHelper() {
 }
 
 void CommonBaseRootCollection::doInitializeMigrationHelpers() {
-    ManagedRootCollection::doInitializeMigrationHelpers();
+    Persisted::doInitializeMigrationHelpers();
     createMigrationHelper();
 }
 
 void CommonBaseRootCollection::doUninitializeMigrationHelpers() {
-    ManagedRootCollection::doUninitializeMigrationHelpers();
+    Persisted::doUninitializeMigrationHelpers();
     deleteMigrationHelper();
 }
 
@@ -71,7 +71,8 @@ void * CommonBaseRootCollection::queryMTInterface(MetaType const * type) {
 }
 
 void CommonBaseRootCollection::onPostMigrate() {
-    ManagedRootCollection::onPostMigrate();
+    // Not Persisted's, which would take the migration for done.
+    ManagedRootCollection::onPostMigrate(); // NOLINT(bugprone-parent-virtual-call)
     EntityMetaType * const type = s_metaType();
     if (migratingVersion(type) >= type->version()) return;
     deleteMigrationHelper();

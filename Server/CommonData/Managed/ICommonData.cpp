@@ -28,6 +28,7 @@ ICommonDataHelper::ICommonDataHelper() = default;
 ICommonDataHelper::ICommonDataHelper(ICommonDataHelper const & other)
     : ICommonData(other), m_rClientObject(other.m_rClientObject) {}
 ICommonDataHelper & ICommonDataHelper::operator=(ICommonDataHelper const & other) {
+    if (this == &other) return *this;
     ignoreClient();
     m_rClientObject = other.m_rClientObject;
     return *this;

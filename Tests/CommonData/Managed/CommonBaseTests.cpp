@@ -226,6 +226,31 @@ TEST_F(CommonBaseTests, DataThatOffersNoObserverHasAClientAllTheSame) {
     EXPECT_EQ(data->commonDataClientObject(), m_rClient.get());
 }
 
+TEST_F(CommonBaseTests, DataThatIsAssignedHasTheSameClientWithoutObservingIt) {
+    StrongRef<Data> const data = Data::make(m_document.segment());
+    StrongRef<Data> const other = Data::make(m_document.segment());
+    data->commonDataClientObject(m_rClient.get());
+    other->commonDataClientObject(m_rOther.get());
+    CommonData::ICommonDataHelper & target = *other;
+    target = *data;
+    EXPECT_EQ(other->commonDataClientObject(), m_rClient.get());
+    m_rClient->touch();
+    m_rOther->touch();
+    EXPECT_EQ(data->m_changes, 1);
+    EXPECT_EQ(other->m_changes, 0);
+}
+
+TEST_F(CommonBaseTests, DataThatIsAssignedToItselfGoesOnObserving) {
+    StrongRef<Data> const data = Data::make(m_document.segment());
+    data->commonDataClientObject(m_rClient.get());
+    CommonData::ICommonDataHelper & target = *data;
+    CommonData::ICommonDataHelper const & source = *data;
+    target = source;
+    EXPECT_EQ(data->commonDataClientObject(), m_rClient.get());
+    m_rClient->touch();
+    EXPECT_EQ(data->m_changes, 1);
+}
+
 TEST_F(CommonBaseTests, AClientThatDiesFirstLeavesNull) {
     StrongRef<Data> const data = Data::make(m_document.segment());
     data->commonDataClientObject(m_rClient.get());
