@@ -17,7 +17,10 @@ packages=(
 )
 if [ "${1:-}" = fuzz ]; then packages+=(clang-14 libclang-rt-14-dev); fi
 if [ "${1:-}" = tidy ]; then packages+=(clang-tidy); fi
-if [ "${1:-}" = windows ]; then packages+=(g++-mingw-w64-x86-64-posix googletest wine wine64); fi
+if [ "${1:-}" = windows ]; then
+  packages+=(g++-mingw-w64-x86-64-posix googletest wine wine64)
+  packages+=(debian-archive-keyring tcl make gcc xz-utils unzip) # for Tools/windows/build-dependencies.sh
+fi
 
 missing=()
 for package in "${packages[@]}"; do

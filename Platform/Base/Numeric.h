@@ -23,8 +23,23 @@ requires(std::integral<Integer> && !std::same_as<Integer, bool>) constexpr Integ
     return static_cast<Integer>(value);
 }
 
-// `base` to the power of `exponent` as std::pow defines it, with an error in the last place at
-// most.
+// The functions of <cmath> by those names, but the result is the double nearest to the value of the
+// function.  So all systems have the same results, which <cmath> doesn't promise.  Where the C
+// library has no functions of 128 bits, the results are those of long double.  What has no value is
+// NaN, and what is too large infinite.
+VN_BASE_API double sin(double x) noexcept;
+VN_BASE_API double cos(double x) noexcept;
+VN_BASE_API double tan(double x) noexcept;
+VN_BASE_API double asin(double x) noexcept;
+VN_BASE_API double acos(double x) noexcept;
+VN_BASE_API double atan(double x) noexcept;
+VN_BASE_API double sinh(double x) noexcept;
+VN_BASE_API double cosh(double x) noexcept;
+VN_BASE_API double tanh(double x) noexcept;
+VN_BASE_API double exp(double x) noexcept;
+VN_BASE_API double log(double x) noexcept;
+VN_BASE_API double log10(double x) noexcept;
+// std::pow.
 VN_BASE_API double power(double base, double exponent) noexcept;
 
 } // namespace Vn::Numeric

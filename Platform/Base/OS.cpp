@@ -48,6 +48,36 @@ std::string pathText(std::filesystem::path const & path) {
 std::error_code lastError() noexcept {
     return {static_cast<int>(GetLastError()), std::system_category()};
 }
+
+// The outcome of an operation on a file that failed.
+Status fileFailure(char const * operation, std::filesystem::path const & file) {
+    std::error_code const error = lastError();
+    EStatus code = StatusIO;
+    switch (error.value()) {
+    case ERROR_FILE_EXISTS:
+    case ERROR_ALREADY_EXISTS:
+        code = StatusAlreadyExists;
+        break;
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+        code = StatusNotFound;
+        break;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_WRITE_PROTECT:
+        code = StatusAccessDenied;
+        break;
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+        code = StatusBusy;
+        break;
+    case ERROR_DISK_FULL:
+        code = StatusNoSpace;
+        break;
+    default:
+        break;
+    }
+    return Status(code, operation, pathText(file), errorText(error));
+}
 #endif
 
 // The reason why the last call of the loader failed.
@@ -307,9 +337,17 @@ std::string className(char const * name) {
 
 Status renameFile(std::filesystem::path const & from, std::filesystem::path const & to) {
 #ifdef _WIN32
+    constexpr char c_operation[] = "rename the file";
     if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
         return Status::success();
-    return Status::io("rename the file", pathText(from), errorText(lastError()));
+    Status failure = fileFailure(c_operation, from);
+    // A file that another program has open can't be replaced.
+    DWORD const attributes = GetFileAttributesW(to.c_str());
+    bool const mayBeReplaced = attributes != INVALID_FILE_ATTRIBUTES &&
+                               !(attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY));
+    if (failure.code() == StatusAccessDenied && mayBeReplaced)
+        failure = Status(StatusBusy, c_operation, pathText(from), failure.cause());
+    return failure;
 #else
     if (std::rename(from.c_str(), to.c_str()) == 0) return Status::success();
     return Status::fromErrno(errno, "rename the file", pathText(from));
@@ -320,10 +358,7 @@ Status renameToFreeName(std::filesystem::path const & from, std::filesystem::pat
     constexpr char c_operation[] = "rename the file";
 #ifdef _WIN32
     if (MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH)) return Status::success();
-    std::error_code const error = lastError();
-    if (error.value() == ERROR_ALREADY_EXISTS || error.value() == ERROR_FILE_EXISTS)
-        return Status(StatusAlreadyExists, c_operation, pathText(from), errorText(error));
-    return Status::io(c_operation, pathText(from), errorText(error));
+    return fileFailure(c_operation, from);
 #else
     if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
         return Status::success();
@@ -348,31 +383,7 @@ Status createFile(std::filesystem::path const & file) {
         CloseHandle(handle);
         return Status::success();
     }
-    std::error_code const error = lastError();
-    EStatus code = StatusIO;
-    switch (error.value()) {
-    case ERROR_FILE_EXISTS:
-    case ERROR_ALREADY_EXISTS:
-        code = StatusAlreadyExists;
-        break;
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-        code = StatusNotFound;
-        break;
-    case ERROR_ACCESS_DENIED:
-    case ERROR_WRITE_PROTECT:
-        code = StatusAccessDenied;
-        break;
-    case ERROR_SHARING_VIOLATION:
-        code = StatusBusy;
-        break;
-    case ERROR_DISK_FULL:
-        code = StatusNoSpace;
-        break;
-    default:
-        break;
-    }
-    return Status(code, c_operation, pathText(file), errorText(error));
+    return fileFailure(c_operation, file);
 #else
     constexpr int c_flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     int const handle = open(file.c_str(), c_flags, 0644);
@@ -384,11 +395,62 @@ Status createFile(std::filesystem::path const & file) {
 
 #ifdef _WIN32
 
+// A byte that no file reaches; what others do to the file isn't hindered.
+constexpr DWORD c_heldByteHigh = 0x7FFFFFFF;
+
+namespace {
+
+// Opened so that nobody is hindered.
+HANDLE openShared(std::filesystem::path const & file, DWORD access) noexcept {
+    return CreateFileW(file.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                       nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+// Whether an open file has that name now.
+bool hasName(HANDLE handle, std::filesystem::path const & file) noexcept {
+    HANDLE const named = openShared(file, 0);
+    if (named == INVALID_HANDLE_VALUE) return false;
+    BY_HANDLE_FILE_INFORMATION a{};
+    BY_HANDLE_FILE_INFORMATION b{};
+    bool const isKnown =
+        GetFileInformationByHandle(handle, &a) && GetFileInformationByHandle(named, &b);
+    CloseHandle(named);
+    return isKnown && a.dwVolumeSerialNumber == b.dwVolumeSerialNumber &&
+           a.nFileIndexHigh == b.nFileIndexHigh && a.nFileIndexLow == b.nFileIndexLow;
+}
+
+} // namespace
+
+Status FileHold::take(std::filesystem::path const & file) {
+    release();
+    constexpr char c_operation[] = "hold the file";
+    HANDLE const handle = openShared(file, GENERIC_READ);
+    if (handle == INVALID_HANDLE_VALUE) return fileFailure(c_operation, file);
+    OVERLAPPED place{};
+    place.OffsetHigh = c_heldByteHigh;
+    if (!LockFileEx(handle, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place)) {
+        Status const failure = fileFailure(c_operation, file);
+        CloseHandle(handle);
+        return failure;
+    }
+    m_pHandle = handle;
+    if (hasName(handle, file)) return Status::success();
+    release();
+    return Status::notFound(c_operation, pathText(file), "it was renamed meanwhile");
+}
+
+void FileHold::release() noexcept {
+    if (void * const handle = std::exchange(m_pHandle, nullptr)) CloseHandle(handle);
+}
+
 FileSizeLimitFails::FileSizeLimitFails() noexcept = default;
 FileSizeLimitFails::~FileSizeLimitFails() = default;
 bool FileSizeLimitFails::wasReached() const noexcept { return false; }
 
 #else
+
+Status FileHold::take(std::filesystem::path const &) { return Status::success(); }
+void FileHold::release() noexcept { m_pHandle = nullptr; }
 
 namespace {
 
@@ -464,21 +526,6 @@ Status Module::load(std::filesystem::path const & file) {
     m_pHandle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
 #endif
     if (!m_pHandle) return Status::failed("load the module", pathText(path), loaderError());
-    return Status::success();
-}
-
-Status Module::loadFromSystem(std::filesystem::path const & name) {
-    constexpr char c_operation[] = "load the library of the system";
-    unload();
-    if (name.empty() || name != name.filename())
-        return Status::invalidArgument(c_operation, pathText(name), "it isn't a bare name");
-#ifdef _WIN32
-    m_pHandle = reinterpret_cast<void *>(
-        LoadLibraryExW(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
-#else
-    m_pHandle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
-#endif
-    if (!m_pHandle) return Status::failed(c_operation, pathText(name), loaderError());
     return Status::success();
 }
 

@@ -112,6 +112,24 @@ VN_BASE_API std::string className(char const * name);
 // Waits until the names in a directory are on the disk, where the system has such a thing.
 [[nodiscard]] VN_BASE_API Status syncDirectory(std::filesystem::path const & directory);
 
+// Keeps others who would hold it from a file, also while it is renamed.  Only for systems that
+// don't rename a file which is open for writing, so that no lock by which it was written outlasts
+// that; elsewhere it does nothing.
+class VN_BASE_API FileHold {
+public:
+    FileHold() = default;
+    ~FileHold() { release(); }
+    FileHold(FileHold const &) = delete;
+    FileHold & operator=(FileHold const &) = delete;
+
+    // Holds a file instead of the one before.  StatusBusy if it is held, StatusNotFound if gone.
+    [[nodiscard]] Status take(std::filesystem::path const & file);
+    void release() noexcept;
+
+private:
+    void * m_pHandle = nullptr;
+};
+
 // Whether `renameFile` takes files that are open.
 inline constexpr bool c_renamesOpenFiles =
 #ifdef _WIN32
@@ -148,11 +166,6 @@ public:
     // object held before is unloaded first.  If it can't be loaded, the status carries the system's
     // reason, and the object holds none.
     [[nodiscard]] Status load(std::filesystem::path const & file);
-
-    // Loads a library that the system looks for itself, by its bare name; on Windows nothing but
-    // what is the system's own.  Otherwise as `load`.  A name with a directory is an invalid
-    // argument.
-    [[nodiscard]] Status loadFromSystem(std::filesystem::path const & name);
 
     // The address of an exported name; null if there is none, or no module.
     void * symbol(char const * name) const noexcept;

@@ -33,7 +33,7 @@ TEST(OSTests, ExecutableDirectoryHoldsThisProgram) {
     EXPECT_TRUE(found) << directory;
 }
 
-#ifndef _WIN32
+#ifndef _WIN32 // where Ctrl-C isn't a signal, and needs a console
 
 TEST(OSTests, AnInterruptionIsNotedAndForgotten) {
     EXPECT_FALSE(Vn::OS::wasInterrupted());
@@ -168,36 +168,6 @@ TEST(OSTests, RenamedFileTakesThePlaceOfAnother) {
 TEST(OSTests, ClassNamesAreReadableFromWhatATypeSays) {
     EXPECT_EQ(Vn::OS::className(typeid(Module).name()), "Vn::OS::Module");
     EXPECT_EQ(Vn::OS::className("no name of a type"), "no name of a type");
-}
-
-TEST(OSTests, LibraryOfTheSystemIsLoadedByItsBareName) {
-#ifdef _WIN32
-    std::filesystem::path const library = "kernel32.dll";
-    char const * const function = "GetTickCount64";
-#else
-    std::filesystem::path const library = "libm.so.6";
-    char const * const function = "cos";
-#endif
-    Module module;
-    Vn::Status const status = module.loadFromSystem(library);
-    ASSERT_TRUE(status.ok()) << status.toString();
-    EXPECT_NE(module.symbol(function), nullptr);
-    EXPECT_EQ(module.symbol("noSuchName"), nullptr);
-
-    Vn::Status const missing = module.loadFromSystem("noSuchLibrary.dll");
-    EXPECT_EQ(missing.code(), Vn::StatusFailed);
-    EXPECT_EQ(missing.subject(), "noSuchLibrary.dll");
-    EXPECT_FALSE(missing.cause().empty());
-    EXPECT_FALSE(module.isLoaded());
-}
-
-// What lies beside the program, or where it happens to run, isn't the system's.
-TEST(OSTests, LibraryOfTheSystemHasNoDirectory) {
-    Module module;
-    EXPECT_EQ(module.loadFromSystem(c_module).code(), Vn::StatusInvalidArgument);
-    EXPECT_EQ(module.loadFromSystem({}).code(), Vn::StatusInvalidArgument);
-    EXPECT_EQ(module.loadFromSystem(c_module.filename()).code(), Vn::StatusFailed);
-    EXPECT_FALSE(module.isLoaded());
 }
 
 TEST(OSTests, TextsOfErrorsAreUtf8OnOneLine) {

@@ -4,7 +4,6 @@
 #include <sstream>
 #include <vector>
 
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 
 namespace Vn::Console::Tests {
@@ -16,10 +15,6 @@ DocumentFixture::DocumentFixture() : m_before(fs::current_path()) { fs::current_
 DocumentFixture::~DocumentFixture() {
     std::error_code ignored;
     fs::current_path(m_before, ignored); // so that the other can go
-}
-
-void DocumentFixture::needFiles() {
-    if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
 }
 
 Outcome DocumentFixture::document(std::string const & commands, std::string const & file) {

@@ -17,9 +17,6 @@ protected:
     DocumentFixture();
     ~DocumentFixture() override;
 
-    // For SetUp of tests that save: skips them where documents can't be saved.
-    static void needFiles();
-
     std::filesystem::path const & directory() const { return m_directory.path(); }
     // Runs commands on the file "a.vnd", or another.  Blanks separate arguments.
     static Outcome document(std::string const & commands, std::string const & file = "a.vnd");

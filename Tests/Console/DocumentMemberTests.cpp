@@ -14,7 +14,6 @@ namespace {
 class DocumentMemberTests : public DocumentFixture {
 protected:
     void SetUp() override {
-        needFiles();
         Outcome const made = document("new, make . /Custom, add 0");
         ASSERT_EQ(made.status, 0) << made.err;
     }

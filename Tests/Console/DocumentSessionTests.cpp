@@ -10,7 +10,6 @@
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/Text.h"
 #include "Tests/Console/DocumentFixture.h"
-#include "Tests/DataModel/DocumentEngine.h"
 
 namespace Vn::Console::Tests {
 
@@ -22,11 +21,7 @@ protected:
     static std::string tree() { return document("tree").out; }
 };
 
-class DocumentSessionFileTests : public DocumentSessionTests {
-    void SetUp() override { needFiles(); }
-};
-
-TEST_F(DocumentSessionFileTests, WhatIsUndoneAndRedoneIsTheSameTree) {
+TEST_F(DocumentSessionTests, WhatIsUndoneAndRedoneIsTheSameTree) {
     Outcome const outcome =
         session("new\nmake\nmake 0\nadd 0/0 3\nmake\nmove 1 before 0\ntree\n"
                 "undo\nundo\nundo\nundo\nundo\ntree\nredo\nredo\nredo\nredo\nredo\ntree\n"
@@ -54,7 +49,7 @@ TEST_F(DocumentSessionFileTests, WhatIsUndoneAndRedoneIsTheSameTree) {
 }
 
 // Each kind of change, by itself.
-TEST_F(DocumentSessionFileTests, EveryChangeIsTakenBackAndMadeAgain) {
+TEST_F(DocumentSessionTests, EveryChangeIsTakenBackAndMadeAgain) {
     ASSERT_EQ(session("new\nmake\nmake 0\nmake\nadd 0/0 3\nsaveas a.vnd\n").status, 0);
     std::string const before = tree();
     for (char const * const change :
@@ -101,7 +96,7 @@ TEST_F(DocumentSessionTests, WithoutADocumentCommandsSayHowToGetOne) {
     EXPECT_EQ(session("check\n").err, "cannot check: there is no file; name one\n");
 }
 
-TEST_F(DocumentSessionFileTests, UnsavedChangesArentLostByOpeningAnother) {
+TEST_F(DocumentSessionTests, UnsavedChangesArentLostByOpeningAnother) {
     ASSERT_EQ(document("new").status, 0);
     Outcome const outcome = session("open a.vnd\nmake\nadd 0 2\nnew\nopen a.vnd\nhistory\n"
                                     "new /force\nhistory\nopen a.vnd\ntree\n");
@@ -123,7 +118,7 @@ TEST_F(DocumentSessionFileTests, UnsavedChangesArentLostByOpeningAnother) {
               "Entity 1) : HasParent: 0) children : 0) HasClientObject: 0\n");
 }
 
-TEST_F(DocumentSessionFileTests, UnsavedChangesAreToldAtTheEnd) {
+TEST_F(DocumentSessionTests, UnsavedChangesAreToldAtTheEnd) {
     for (char const * const end : {"", "quit\n"}) {
         Outcome const lost = session(std::string("new\nmake\n") + end);
         EXPECT_EQ(lost.status, 1);
@@ -134,11 +129,11 @@ TEST_F(DocumentSessionFileTests, UnsavedChangesAreToldAtTheEnd) {
     }
 }
 
-#ifndef _WIN32
+#ifndef _WIN32 // where the shell doesn't limit the memory of a process
 
 // Whatever the limit is, a command that has no memory is taken back, and what was there before is
 // saved.
-TEST_F(DocumentSessionFileTests, ACommandThatRunsOutOfMemoryIsTakenBack) {
+TEST_F(DocumentSessionTests, ACommandThatRunsOutOfMemoryIsTakenBack) {
     unsigned refused = 0;
     for (int const limit : {60'000, 80'000, 100'000, 140'000}) {
         Outcome const outcome = runShell(
@@ -162,7 +157,7 @@ TEST_F(DocumentSessionFileTests, ACommandThatRunsOutOfMemoryIsTakenBack) {
 
 #endif
 
-TEST_F(DocumentSessionFileTests, TheSavedStateIsFoundByUndoAndLostByOtherChanges) {
+TEST_F(DocumentSessionTests, TheSavedStateIsFoundByUndoAndLostByOtherChanges) {
     Outcome const outcome =
         session("new\nmake\nmake\nsaveas a.vnd\nundo\nhistory\nmake\nhistory\nquit\n");
     EXPECT_EQ(outcome.status, 1);
@@ -180,7 +175,7 @@ TEST_F(DocumentSessionFileTests, TheSavedStateIsFoundByUndoAndLostByOtherChanges
     EXPECT_EQ(outcome.err, "a.vnd has changes that aren't saved; what isn't saved is lost\n");
 }
 
-TEST_F(DocumentSessionFileTests, SavingSaysWhatItDid) {
+TEST_F(DocumentSessionTests, SavingSaysWhatItDid) {
     Outcome const outcome = session("new\nsave\nsaveas a.vnd\nsave\nmake\nsave\nsaveas a.vnd\nnew\n"
                                     "saveas a.vnd\nsaveas a.vnd /force\nsaveas b.vnd\n"
                                     "saveas \"\"\nsaveas no/a.vnd\n");
@@ -202,7 +197,7 @@ TEST_F(DocumentSessionFileTests, SavingSaysWhatItDid) {
     EXPECT_EQ(outcome.err.substr(0, expected.size()), expected);
 }
 
-TEST_F(DocumentSessionFileTests, AFailedOpenKeepsTheDocument) {
+TEST_F(DocumentSessionTests, AFailedOpenKeepsTheDocument) {
     Outcome const outcome =
         session("new\nsaveas a.vnd\nopen nothing.vnd\nopen \"a\\\"b\"\nhistory\n");
     EXPECT_EQ(outcome.status, 1);
@@ -214,7 +209,7 @@ TEST_F(DocumentSessionFileTests, AFailedOpenKeepsTheDocument) {
               "cannot open the document: \"a\u2400b\" isn't a file name\n");
 }
 
-TEST_F(DocumentSessionFileTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
+TEST_F(DocumentSessionTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
     Outcome const outcome = session("new\nsaveas a.vnd\ncheck\ncheck a.vnd\n");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out.substr(outcome.out.find("nothing")),
@@ -225,7 +220,7 @@ TEST_F(DocumentSessionFileTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
     EXPECT_EQ(damaged.err, "a.vnd is damaged:\n  the root Groups: there is no such entity\n");
 }
 
-TEST_F(DocumentSessionFileTests, TheExamplesOfHelpFollowOneAnother) {
+TEST_F(DocumentSessionTests, TheExamplesOfHelpFollowOneAnother) {
     std::string const help = session("help documents\n").out;
     std::string lines;
     std::istringstream text(help);
@@ -279,24 +274,6 @@ TEST_F(DocumentSessionTests, CommandsAreCompletedAndListed) {
     }
     EXPECT_TRUE(texts(L"Groups.").empty());
 }
-
-#ifdef _WIN32
-TEST_F(DocumentSessionTests, WithoutADatabaseEngineDocumentsGoOnAndArentSaved) {
-    if (Vn::Testing::whyNoFiles().empty()) GTEST_SKIP() << "this Windows has the engine";
-    Outcome const outcome = session("new\nmake\nsaveas a.vnd\nundo\nsaveas b.vnd\n");
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.out, "a new document with an empty group \"Groups\"\n"
-                           "made Groups/CmnData[0] (#2)\n"
-                           "undone: make Groups/CmnData[0]\n");
-    for (char const * const file : {"a.vnd", "b.vnd"}) {
-        std::string const line =
-            "cannot save the document '" + std::string(file) +
-            "': not supported: winsqlite3.dll of Windows 10 or later is missing";
-        EXPECT_NE(outcome.err.find(line), std::string::npos) << outcome.err;
-        EXPECT_FALSE(std::filesystem::exists(file));
-    }
-}
-#endif
 
 } // namespace
 

@@ -1,4 +1,5 @@
 // Documents in sessions at a real terminal.
+// Not on Windows: a program can't sit at the other end of its terminals
 
 #include <gtest/gtest.h>
 #include <map>

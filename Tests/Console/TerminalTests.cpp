@@ -1,4 +1,5 @@
 // Sessions in a real terminal, as POSIX has it.
+// Not on Windows: a program can't sit at the other end of its terminals
 
 #include <cstdlib>
 #include <filesystem>

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 #include "Tests/Support/SmallStack.h"
@@ -118,7 +117,7 @@ void setOwned(Everything & owner, Piece * owned) {
     owner.change([&] { owner.m_rOwned = StrongRef<Piece>(owned); });
 }
 
-class DocumentFileCirclesTests : public FileTest {
+class DocumentFileCirclesTests : public ::testing::Test {
 protected:
     StrongRef<Everything> makeEverything() { return Everything::make(design(*m_rAsset)); }
 

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
@@ -228,7 +227,7 @@ std::vector<Damage> damages() {
     };
 }
 
-class DocumentFileDamageTests : public FileTest {};
+class DocumentFileDamageTests : public ::testing::Test {};
 
 } // namespace
 

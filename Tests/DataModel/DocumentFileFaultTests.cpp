@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 #include "Tests/DataModel/FaultyFileSystem.h"
@@ -115,7 +114,7 @@ unsigned forEachFailingCall(Save const & save, bool forGood, bool powerGoes, uns
     }
 }
 
-class DocumentFileFaultTests : public FileTest {};
+class DocumentFileFaultTests : public ::testing::Test {};
 
 } // namespace
 

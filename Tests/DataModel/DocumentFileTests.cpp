@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/Base/OS.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 #include "Tests/Support/SmallStack.h"
@@ -80,7 +79,7 @@ std::vector<std::string> differing(std::map<std::string, std::vector<std::string
     return found;
 }
 
-class DocumentFileTests : public FileTest {};
+class DocumentFileTests : public ::testing::Test {};
 
 } // namespace
 
@@ -250,7 +249,9 @@ TEST_F(DocumentFileTests, ALinkIsFollowed) {
     TemporaryFile const link;
     StrongRef<Asset> const asset = randomDocument(3, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
-    std::filesystem::create_symlink(file.path(), link.path());
+    std::error_code error;
+    std::filesystem::create_symlink(file.path(), link.path(), error);
+    if (error) GTEST_SKIP() << "there are no links here: " << error.message();
     changeRandomly(*asset, 1);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, link.path()));
     EXPECT_TRUE(std::filesystem::is_symlink(link.path()));
@@ -483,9 +484,9 @@ TEST_F(DocumentFileTests, ADocumentThatCantBeSavedSaysWhy) {
     EXPECT_EQ(DocumentFile::saveAs(*asset, file.path()).code(), StatusAccessDenied);
     EXPECT_TRUE(asset->isDirty());
     std::filesystem::permissions(file.path(), std::filesystem::perms::owner_all);
+    auto const given = std::filesystem::status(file.path()).permissions(); // all that there can be
     VN_EXPECT_OK(DocumentFile::save(*asset));
-    EXPECT_EQ(std::filesystem::status(file.path()).permissions(),
-              std::filesystem::perms::owner_all);
+    EXPECT_EQ(std::filesystem::status(file.path()).permissions(), given);
     expectSaved(*asset, file.path());
 
     std::filesystem::remove(file.path());
@@ -539,7 +540,9 @@ TEST_F(DocumentFileTests, WhatIsNoDocumentIsRefused) {
     auto const refused = [&] { return DocumentFile::load(file.path(), nullptr, asset); };
     EXPECT_EQ(refused().code(), StatusNotFound);
     EXPECT_EQ(DocumentFile::load({}, nullptr, asset).code(), StatusInvalidArgument);
+#ifndef _WIN32 // which has no device of that name
     EXPECT_EQ(DocumentFile::load("/dev/null", nullptr, asset).code(), StatusInvalidArgument);
+#endif
     EXPECT_EQ(DocumentFile::load(file.path().parent_path(), nullptr, asset).code(),
               StatusInvalidArgument);
     for (std::string const & content :
@@ -578,7 +581,30 @@ TEST_F(DocumentFileTests, ALaterVersionOfATypeIsRefused) {
     EXPECT_THAT(status.toString(), HasSubstr("EverythingMetaType (Test-Everything) has version 4"));
 }
 
-#ifndef _WIN32
+// Longer than the 260 characters that paths of Windows once had.
+TEST_F(DocumentFileTests, APathMayBeLongAndHaveAnyCharacters) {
+    TemporaryDirectory const temporary;
+    std::filesystem::path directory = temporary.path();
+    for (char8_t const * const name : {u8"a blank, \u00E4 and \u65E5", u8"\U0001D11E [1] #2 'x'"})
+        directory /= std::u8string(name) + std::u8string(120, u8'x');
+    std::filesystem::create_directories(directory);
+    std::filesystem::path const file = directory / (std::u8string(80, u8'y') + u8" \u00FC.vnd");
+    ASSERT_GT(file.u8string().size(), 320U);
+    StrongRef<Asset> const asset = Asset::make(nullptr);
+    StrongRef<Row> const row = Row::make(design(*asset));
+    VN_EXPECT_OK(DocumentFile::saveAs(*asset, file));
+    row->change([&] { row->m_x = 5; });
+    VN_EXPECT_OK(DocumentFile::save(*asset));
+    VN_EXPECT_OK(DocumentFile::saveAs(*asset, file));
+    expectSaved(*asset, file);
+    std::filesystem::path const other = directory / u8"\u00FC";
+    VN_EXPECT_OK(DocumentFile::saveAs(*asset, other));
+    expectSaved(*asset, other);
+    for (char const * const ending : {".saving", "-journal"})
+        EXPECT_FALSE(std::filesystem::exists(std::filesystem::path(file) += ending)) << ending;
+}
+
+#ifndef _WIN32 // where the system checks names otherwise
 
 TEST_F(DocumentFileTests, ANameThatIsTooLongIsToldAsThat) {
     TemporaryFile const file;
@@ -601,6 +627,10 @@ TEST_F(DocumentFileTests, ANameThatIsTooLongIsToldAsThat) {
                               "document is saved");
     EXPECT_FALSE(std::filesystem::exists(directory / std::string(252, 'x')));
 }
+
+#endif
+
+#ifndef _WIN32 // where Ctrl-C isn't a signal, and needs a console
 
 TEST_F(DocumentFileTests, AnInterruptionEndsALoadAndACheckAndNoSave) {
     TemporaryFile const file;

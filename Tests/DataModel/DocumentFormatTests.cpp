@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
@@ -135,7 +134,7 @@ std::string withoutBlanks(std::string const & text) {
 
 } // namespace
 
-class DocumentFormatTests : public FileTest {};
+class DocumentFormatTests : public ::testing::Test {};
 
 TEST_F(DocumentFormatTests, TheQueriesGiveTheRowsThatAreShown) {
     TemporaryFile const file;

@@ -8,7 +8,6 @@
 #include <sqlite3.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Platform/DataModel/File/Engine.h"
 
 namespace Vn::Testing {
 
@@ -23,10 +22,11 @@ std::string idText(unsigned long long id) { return std::to_string(id); }
 
 // Not Sql of DocumentSql.h, which needs the test framework: the fuzzer, which walks too, has none.
 bool runSql(std::filesystem::path const & file, char const * sql) {
-    if (!DataModel::missingEngine().empty()) return false;
     sqlite3 * database = nullptr;
-    bool const isDone = sqlite3_open(file.string().c_str(), &database) == SQLITE_OK &&
-                        sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+    std::u8string const name = file.u8string();
+    bool const isDone =
+        sqlite3_open(reinterpret_cast<char const *>(name.c_str()), &database) == SQLITE_OK &&
+        sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
     sqlite3_close(database);
     return isDone;
 }

@@ -137,7 +137,7 @@ TEST_F(EntityMembersTests, ValuesOfEveryKindAreWrittenAndReadBack) {
              {"double", L"nan"},
              {"string", L"a \"b\"\n\x00E4"},
              {"wide", L""},
-             {"wide", L"\x1D11E \x4E16"},
+             {"wide", L"\U0001D11E \u4E16"},
              {"text", L"a text"},
              {"spot.x", L"2.5"},
              {"spot.label", L"here"},

@@ -91,6 +91,111 @@ static void * refused() noexcept {
 }
 }
 
+#elif defined(_WIN32)
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <cstring>
+#include <initializer_list>
+
+// A program's functions aren't those of its libraries: each module calls through a table of what it
+// imports.  In those of our modules, and in that of the standard library, whose `new` calls malloc,
+// the allocating functions are replaced.
+namespace {
+
+template <class Function>
+Function * original(char const * name) {
+    return reinterpret_cast<Function *>(
+        reinterpret_cast<void *>(GetProcAddress(GetModuleHandleA("msvcrt.dll"), name)));
+}
+
+void * counted(void * block) noexcept {
+    if (block) ++s_living;
+    return block;
+}
+
+void * refused() noexcept {
+    errno = ENOMEM;
+    return nullptr;
+}
+
+void * failingMalloc(std::size_t size) {
+    static auto * const s_malloc = original<void *(std::size_t)>("malloc");
+    return fails() ? refused() : counted(s_malloc(size));
+}
+
+void * failingCalloc(std::size_t count, std::size_t size) {
+    static auto * const s_calloc = original<void *(std::size_t, std::size_t)>("calloc");
+    return fails() ? refused() : counted(s_calloc(count, size));
+}
+
+void * failingRealloc(void * block, std::size_t size) {
+    static auto * const s_realloc = original<void *(void *, std::size_t)>("realloc");
+    if (!block) return failingMalloc(size);
+    return fails() ? refused() : s_realloc(block, size);
+}
+
+void countingFree(void * block) {
+    static auto * const s_free = original<void(void *)>("free");
+    if (block) --s_living;
+    s_free(block);
+}
+
+struct Replacement {
+    char const * name;
+    void * function;
+};
+
+Replacement const c_replacements[] = {
+    {"malloc", reinterpret_cast<void *>(&failingMalloc)},
+    {"calloc", reinterpret_cast<void *>(&failingCalloc)},
+    {"realloc", reinterpret_cast<void *>(&failingRealloc)},
+    {"free", reinterpret_cast<void *>(&countingFree)},
+};
+
+void replaceIn(HMODULE module) {
+    auto * const base = reinterpret_cast<char *>(module);
+    auto const & head = *reinterpret_cast<IMAGE_DOS_HEADER const *>(base);
+    auto const & headers = *reinterpret_cast<IMAGE_NT_HEADERS const *>(base + head.e_lfanew);
+    DWORD const imports =
+        headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
+    auto const * library = reinterpret_cast<IMAGE_IMPORT_DESCRIPTOR const *>(base + imports);
+    for (; library->Name; ++library) {
+        if (_stricmp(base + library->Name, "msvcrt.dll") != 0) continue;
+        auto const * name =
+            reinterpret_cast<IMAGE_THUNK_DATA const *>(base + library->OriginalFirstThunk);
+        auto * address = reinterpret_cast<IMAGE_THUNK_DATA *>(base + library->FirstThunk);
+        for (; name->u1.AddressOfData; ++name, ++address) {
+            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
+            auto const * const imported =
+                reinterpret_cast<IMAGE_IMPORT_BY_NAME const *>(base + name->u1.AddressOfData);
+            for (Replacement const & replacement : c_replacements) {
+                if (std::strcmp(reinterpret_cast<char const *>(imported->Name), replacement.name) !=
+                    0)
+                    continue;
+                DWORD before = 0;
+                VirtualProtect(address, sizeof *address, PAGE_READWRITE, &before);
+                address->u1.Function = reinterpret_cast<ULONGLONG>(replacement.function);
+                VirtualProtect(address, sizeof *address, before, &before);
+            }
+        }
+    }
+}
+
+bool const s_bReplaced = [] {
+    replaceIn(GetModuleHandleA(nullptr));
+    for (char const * const name :
+         {"libstdc++-6.dll", "VnBase10.dll", "tg218A.dll", "VnTypes10.dll", "VnDataModel10.dll",
+          "VnSqlite3.dll", "VnCommonData10.dll"})
+        if (HMODULE const module = GetModuleHandleA(name)) replaceIn(module);
+    return true;
+}();
+
+} // namespace
+
 #else
 
 void * operator new(std::size_t size) {

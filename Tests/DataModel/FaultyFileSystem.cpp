@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Platform/DataModel/File/Engine.h"
 
 namespace Vn::Testing {
 
@@ -178,7 +177,6 @@ struct FaultyMethods {
 };
 
 FaultyFileSystem::FaultyFileSystem() {
-    EXPECT_EQ(DataModel::missingEngine(), "");
     sqlite3_initialize();
     m_vfs.iVersion = 1;
     m_vfs.szOsFile = static_cast<int>(sizeof(FaultyFile)) + FaultyMethods::vfsBelow()->szOsFile;

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentWalk.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -262,7 +261,7 @@ TEST(DocumentWalkTests, TheLawsHoldWhateverIsHeld) {
     for (unsigned seed = first; seed != first + seeds; ++seed) {
         std::mt19937 random(seed);
         DocumentWalk walk([&](unsigned limit) { return static_cast<unsigned>(random() % limit); },
-                          whyNoFiles().empty() ? file.path() : std::filesystem::path());
+                          file.path());
         std::string way; // what was done
         for (int i = 0; i < 300; ++i) {
             bool const good = walk.step();

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
@@ -101,12 +100,10 @@ void HookedMetaType::onPostMigrate(Entity * entity) {
     Hooked::run(Hooked::s_typePostMigrate, static_cast<Hooked &>(*entity));
 }
 
-class LoadingHooksTests : public FileTest {
+class LoadingHooksTests : public ::testing::Test {
 protected:
     // A group, entity 1, with the rows 2 and 3, of version 0.
     void SetUp() override {
-        FileTest::SetUp();
-        if (IsSkipped()) return;
         Hooked::become(0);
         StrongRef<Asset> const asset = Asset::make(nullptr);
         StrongRef<Hooked> const group = Hooked::make(design(*asset));

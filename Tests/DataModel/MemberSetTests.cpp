@@ -14,7 +14,6 @@
 
 #include "Platform/DataModel/DocumentFile.h"
 #include "Platform/DataModel/GeometryMetaTypes.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/TestEntities.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -313,7 +312,7 @@ void Cleared::initialize() {
         ->clear(16);
 }
 
-class OptionTests : public FileTest {};
+class OptionTests : public ::testing::Test {};
 
 } // namespace
 

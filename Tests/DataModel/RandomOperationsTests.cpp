@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/TestEntities.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
@@ -75,7 +74,7 @@ public:
     // One step, and whether the document then is what the model says.
     bool step() {
         unsigned const what = below(100);
-        if (what < 60 || (what >= 93 && !m_bFiles)) {
+        if (what < 60) {
             transaction(0);
         } else if (what < 78) {
             m_did = "undo";
@@ -269,7 +268,6 @@ private:
     std::vector<Model> m_states;
     std::size_t m_present = 0;
     std::string m_did;
-    bool const m_bFiles = whyNoFiles().empty(); // without files there is more of the rest
 };
 
 TEST(RandomOperationsTests, AgreesWithTheModelAfterEveryStep) {

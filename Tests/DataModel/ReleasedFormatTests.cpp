@@ -7,18 +7,16 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
 namespace Vn::Testing {
 
 namespace {
 
-class ReleasedFormatTests : public FileTest, public ::testing::WithParamInterface<char const *> {
+class ReleasedFormatTests : public ::testing::Test,
+                            public ::testing::WithParamInterface<char const *> {
 protected:
     void SetUp() override {
-        FileTest::SetUp();
-        if (IsSkipped()) return;
         if constexpr (sizeof(wchar_t) == 2) GTEST_SKIP() << "texts of the files don't fit wchar_t";
         std::filesystem::copy_file(std::filesystem::path(VN_RELEASED_DOCUMENTS) / GetParam(),
                                    m_file.path());

@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
@@ -171,12 +170,10 @@ EntityMetaType * Gauge::s_metaType() { return &s_types.back()->m_gauge; }
 
 namespace {
 
-class ValueMigrationTests : public FileTest {
+class ValueMigrationTests : public ::testing::Test {
 protected:
     // Saves a gauge with seven readings, 1 to 7 centimetres.
     void SetUp() override {
-        FileTest::SetUp();
-        if (IsSkipped()) return;
         become(0);
         StrongRef<Asset> const asset = Asset::make(nullptr);
         StrongRef<Gauge> const gauge = Gauge::make(design(*asset));

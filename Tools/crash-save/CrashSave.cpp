@@ -1,21 +1,21 @@
 // Kills a program while it saves a document, again and again, and looks at what is left; see
 // README.md.
 
-#include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <random>
 #include <string>
-#include <sys/wait.h>
 #include <thread>
-#include <unistd.h>
+#include <vector>
 
+#include "Platform/Base/OS.h"
+#include "Platform/Base/Text.h"
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
+#include "Tests/Support/ChildProcess.h"
 
 namespace {
 
@@ -34,46 +34,45 @@ struct Entry {
 
 std::size_t stateOf(Asset const & asset) { return std::hash<std::string>()(dump(asset)); }
 
-// The child: loads the document, changes and saves it until it is killed.
-[[noreturn]] void save(std::filesystem::path const & file, int log, unsigned seed) {
+std::string utf8(fs::path const & path) {
+    std::u8string const text = path.u8string();
+    return std::string(text.begin(), text.end());
+}
+
+// The child: loads the document, changes and saves it until it is killed.  Returns if it can't.
+int save(std::filesystem::path const & file, unsigned seed) {
+    OS::Utf8Streams const streams; // which hold bytes as they are
     std::mt19937 random(seed);
     StrongRef<Asset> asset;
-    if (!DocumentFile::load(file, nullptr, asset)) _exit(2);
+    if (!DocumentFile::load(file, nullptr, asset)) return 2;
     auto const tell = [&](char what) {
         Entry const entry{what, stateOf(*asset)};
-        if (write(log, &entry, sizeof entry) != sizeof entry) _exit(3);
+        return std::fwrite(&entry, sizeof entry, 1, stdout) == 1 && std::fflush(stdout) == 0;
     };
     for (;;) {
         changeRandomly(*asset, static_cast<unsigned>(random()));
-        tell(c_begins);
+        if (!tell(c_begins)) return 3;
         Status const status =
             random() % 3 ? DocumentFile::save(*asset) : DocumentFile::saveAs(*asset, file);
         if (!status) {
             std::fprintf(stderr, "%s\n", status.toString().c_str());
-            _exit(4);
+            return 4;
         }
-        tell(c_ended);
+        if (!tell(c_ended)) return 3;
     }
 }
 
 class Driver {
 public:
-    Driver(fs::path directory, unsigned seed)
-        : m_directory(std::move(directory)), m_file(m_directory / "crash.vnd"), m_random(seed) {}
+    Driver(std::string program, fs::path directory, unsigned seed)
+        : m_program(std::move(program)), m_directory(std::move(directory)),
+          m_file(m_directory / "crash.vnd"), m_random(seed) {}
 
     // Kills one child.  Returns whether the file holds what it should.
     bool killOne() {
         if (m_kills++ % 25 == 0 && !begin()) return false;
-        int pipes[2];
-        if (pipe(pipes) != 0) return complain("there is no pipe");
         auto const seed = static_cast<unsigned>(m_random());
-        pid_t const child = fork();
-        if (child < 0) return complain("there is no process");
-        if (child == 0) {
-            close(pipes[0]);
-            save(m_file, pipes[1], seed);
-        }
-        close(pipes[1]);
+        ChildProcess child(m_program, {"--child", utf8(m_file), std::to_string(seed)});
 
         // Some saves go well, and tell how long one takes.  The child dies in one that follows, or
         // close after it.
@@ -82,8 +81,7 @@ public:
         std::size_t under = m_state; // the state that was being saved
         std::size_t ended = m_state; // the state that was saved last
         Clock::time_point begun;
-        for (auto saves = 1 + m_random() % 4;
-             saves > 0 && read(pipes[0], &entry, sizeof entry) == sizeof entry;) {
+        for (auto saves = 1 + m_random() % 4; saves > 0 && child.read(&entry, sizeof entry);) {
             under = entry.state;
             if (entry.what == c_begins) {
                 begun = Clock::now();
@@ -95,15 +93,12 @@ public:
         }
         std::uniform_real_distribution<double> part(0, 1.3);
         std::this_thread::sleep_for(part(m_random) * m_duration);
-        kill(child, SIGKILL);
-        int status = 0;
-        waitpid(child, &status, 0);
-        while (read(pipes[0], &entry, sizeof entry) == sizeof entry) {
+        bool const isKilled = child.kill();
+        while (child.read(&entry, sizeof entry)) {
             under = entry.state;
             if (entry.what == c_ended) ended = entry.state;
         }
-        close(pipes[0]);
-        if (!WIFSIGNALED(status)) return complain("the child ended by itself");
+        if (!isKilled) return complain("the child ended by itself");
         collect();
         return m_random() % 3 ? look(m_file, ended, under) : replaceAndLook(ended, under);
     }
@@ -128,7 +123,7 @@ private:
     }
 
     static fs::path beside(fs::path const & file, char const * ending) {
-        return fs::path(file.string() + ending);
+        return fs::path(file) += ending;
     }
 
     // Keeps copies of what a kill has left, to lie beside other files later.
@@ -137,7 +132,8 @@ private:
             if (fs::exists(beside(m_file, ending))) {
                 fs::path const copy =
                     m_directory / ("left-" + std::to_string(m_random() % 20) + ending);
-                fs::copy_file(beside(m_file, ending), copy, fs::copy_options::overwrite_existing);
+                fs::remove(copy); // not every library copies over what is there
+                fs::copy_file(beside(m_file, ending), copy);
             }
     }
 
@@ -193,6 +189,7 @@ private:
         return true;
     }
 
+    std::string const m_program; // this one
     fs::path const m_directory;
     fs::path const m_file;
     std::mt19937 m_random;
@@ -207,16 +204,22 @@ private:
 
 } // namespace
 
-int main(int count, char ** arguments) {
-    unsigned const kills = count > 1 ? static_cast<unsigned>(std::atoi(arguments[1])) : 500;
-    std::filesystem::path const parent =
-        count > 2 ? std::filesystem::path(arguments[2]) : std::filesystem::temp_directory_path();
-    unsigned const seed =
-        count > 3 ? static_cast<unsigned>(std::atoi(arguments[3])) : std::random_device()();
-    std::filesystem::path const directory = parent / ("VnCrashSave-" + std::to_string(getpid()));
+int main(int count, char ** values) {
+    std::vector<std::string> const arguments = OS::arguments(count, values);
+    auto const number = [&](std::size_t i) {
+        return static_cast<unsigned>(std::strtoul(arguments[i].c_str(), nullptr, 10));
+    };
+    auto const path = [&](std::size_t i) { return fs::path(Text::fromUtf8(arguments[i])); };
+    if (arguments.size() == 3 && arguments[0] == "--child") return save(path(1), number(2));
+
+    unsigned const kills = !arguments.empty() ? number(0) : 500;
+    fs::path const parent = arguments.size() > 1 ? path(1) : fs::temp_directory_path();
+    unsigned const seed = arguments.size() > 2 ? number(2) : std::random_device()();
+    fs::path const directory = parent / ("VnCrashSave-" + std::to_string(std::random_device()()));
     std::filesystem::create_directories(directory);
     std::printf("seed %u\n", seed);
-    Driver driver(directory, seed);
+    std::string const program = utf8(OS::executableDirectory() / fs::path(values[0]).filename());
+    Driver driver(program, directory, seed);
     for (unsigned i = 0; i < kills; ++i)
         if (!driver.killOne()) {
             std::fprintf(stderr, "the file is left in %s\n", directory.string().c_str());

@@ -35,6 +35,13 @@ EStatus codeOf(int result, std::error_code const & error) {
     }
 }
 
+// The engine's own file system; on Windows the one for paths of any length.
+#ifdef _WIN32
+constexpr char const * c_fileSystem = "win32-longpath";
+#else
+constexpr char const * c_fileSystem = nullptr;
+#endif
+
 } // namespace
 
 std::string pathText(std::filesystem::path const & path) {
@@ -54,7 +61,7 @@ void Database::open(std::filesystem::path const & path) {
     close();
     if (int const result = sqlite3_initialize(); result != SQLITE_OK) fail(result);
     m_pFiles = std::make_unique<OwnFiles>(
-        sqlite3_vfs_find(m_fileSystem.empty() ? nullptr : m_fileSystem.c_str()));
+        sqlite3_vfs_find(m_fileSystem.empty() ? c_fileSystem : m_fileSystem.c_str()));
     constexpr int c_flags = SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
     int const result = m_pFiles->open(pathText(absolute), &m_pDatabase, c_flags);
     // Engines before 3.37 don't know the flag.

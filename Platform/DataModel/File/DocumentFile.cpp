@@ -7,7 +7,6 @@
 
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/File/Checker.h"
-#include "Platform/DataModel/File/Engine.h"
 #include "Platform/DataModel/File/Reader.h"
 #include "Platform/DataModel/File/Writer.h"
 
@@ -40,8 +39,6 @@ template <class Work>
 Status guarded(char const * operation, std::filesystem::path const & file, Work && work) {
     OS::FileSizeLimitFails const limit;
     try {
-        if (std::string const & cause = DataModel::missingEngine(); !cause.empty())
-            return Status(StatusUnsupported, operation, DataModel::pathText(file), cause);
         work();
         return Status::success();
     } catch (DataModel::FileFailure const & failure) {

@@ -50,7 +50,11 @@ FileName::~FileName() {
     // As long as the file is open and taken, nobody else gives its name to another.
     if (m_bMade && OS::c_renamesOpenFiles) fs::remove(m_saving, error);
     m_database.close();
-    if (m_bMade && !OS::c_renamesOpenFiles) fs::remove(m_saving, error);
+    if (m_bMade && !OS::c_renamesOpenFiles) {
+        // It may stay for as long as another program looks at it, and mustn't look like a document.
+        fs::resize_file(m_saving, 0, error);
+        fs::remove(m_saving, error);
+    }
 }
 
 void FileName::fail(EStatus code, std::string_view cause) const {
@@ -96,7 +100,7 @@ Database & FileName::makeSaving() {
         if (!made) fail(made.code(), made.cause());
         m_bMade = true;
         m_database.open(m_saving);
-        if (m_database.take() && !m_database.hasMoved()) {
+        if (m_database.take() && !m_database.hasMoved() && m_hold.take(m_saving)) {
             m_database.beginEmpty();
             return m_database;
         }
@@ -117,6 +121,12 @@ void FileName::keepOldSaving() {
     if (type != fs::file_type::regular)
         fail(StatusAlreadyExists, pathText(m_saving) + " is there and isn't a file");
     fs::path name;
+    OS::FileHold hold;
+    if (Status const held = hold.take(m_saving); !held) {
+        if (held.code() == StatusNotFound) return;
+        fail(held.code(),
+             held.code() == StatusBusy ? "another program is saving it" : held.cause());
+    }
     {
         Database stale(m_operation, m_saving, m_fileSystem);
         try {
@@ -213,8 +223,10 @@ void FileName::renameSaving() {
         m_old.close();
     }
     Status const renamed = OS::renameFile(m_saving, m_target);
+    if (renamed.code() == StatusBusy) fail(StatusBusy, "another program is using the file");
     if (!renamed) fail(renamed.code(), renamed.cause());
     m_bMade = false;
+    m_hold.release();
     m_database.close();
     m_old.close();
 }

@@ -64,6 +64,7 @@ private:
     std::string const m_fileSystem;
     std::filesystem::path const m_saving;
     Database m_database;
+    OS::FileHold m_hold; // of the file to write, until it has its name
     Database m_old;
     bool m_bMade = false; // and not renamed
     std::vector<std::filesystem::path> m_kept;

@@ -10,7 +10,6 @@
 #include "Server/CommonData/Managed/CommonBaseRootCollection.h"
 #include "Server/CommonData/Managed/ICommonDataClientObject.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/DataModel/DocumentSql.h"
 
 namespace Vn::Managed::Testing {
@@ -455,7 +454,6 @@ TEST_F(CommonBaseTests, TheClientOfACollectionIsNoMemberAndThatOfOthersIs) {
 // A file as version 0 wrote it: the class's own "rooted" and "rootId" stand after those of its
 // base.
 TEST_F(CommonBaseTests, ARootCollectionOfVersionZeroLoadsWithWhatItsBaseStored) {
-    if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
     TemporaryFile const file;
     unsigned long long dataId = 0;
     unsigned long long collectionId = 0;
@@ -504,7 +502,6 @@ TEST_F(CommonBaseTests, ARootCollectionOfVersionZeroLoadsWithWhatItsBaseStored) 
 }
 
 TEST_F(CommonBaseTests, ATreeWithClientsAndGroupsIsSavedAndLoaded) {
-    if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
     TemporaryFile const file;
     StrongRef<DataGroup> const root = DataGroup::make(m_document.segment());
     m_document.segment()->addRoot(root, "Root");

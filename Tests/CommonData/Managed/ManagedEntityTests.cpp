@@ -9,7 +9,6 @@
 #include "Platform/DataModel/ScriptableObject.h"
 #include "Platform/Scene/INodeSource.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
-#include "Tests/DataModel/DocumentEngine.h"
 #include "Tests/Support/SmallStack.h"
 
 namespace Vn::Managed::Testing {
@@ -274,7 +273,6 @@ TEST(ManagedEntityTests, GetChildObjectThroughAChainOf100000LeavesIsTheGroupsAns
 }
 
 TEST(ManagedEntityTests, ParentsThatLeadInACircleAreNotSaved) {
-    if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
     TemporaryFile const file;
     Document const document;
     StrongRef<Leaf> const one = Leaf::make(document.segment());

@@ -13,7 +13,6 @@
 #include "Platform/DataModel/ObjectPath.h"
 #include "Server/CommonData/Managed/ManagedEntityUtils.h"
 #include "Tests/CommonData/Managed/ManagedTesting.h"
-#include "Tests/DataModel/DocumentEngine.h"
 
 namespace Vn::Managed::Testing {
 
@@ -191,7 +190,6 @@ TEST_F(ManagedGroupEntityTests, ANullChildIsPassedOverByAllThatWalk) {
 }
 
 TEST_F(ManagedGroupEntityTests, AGroupWithANullChildIsSavedAndLoaded) {
-    if (std::string const why = Vn::Testing::whyNoFiles(); !why.empty()) GTEST_SKIP() << why;
     auto const leaves = makeLeaves(m_rGroup, 2);
     m_document.segment()->addRoot(m_rGroup, "Top");
     m_rGroup->insertChild(nullptr, 1);
