@@ -42,8 +42,8 @@ run bin/vnconsole.exe self-test >/dev/null || fail "the self-test"
 
 # Another project is built against it, and runs beside the DLLs.
 "$VN_CMAKE" -S "$here/Consumer" -B "$work/consumer" -DCMAKE_TOOLCHAIN_FILE="$VN_TOOLCHAIN" \
-  -DCMAKE_BUILD_TYPE=Release -DVnCommonData10_ROOT="$installed" \
-  -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH -DCMAKE_MODULE_PATH="$here/HeadersOfThisMachine" >"$work/log" 2>&1 ||
+  -DCMAKE_BUILD_TYPE=Release -DVnCommonData10_DIR="$installed/lib/cmake/VnCommonData10" \
+  -DCMAKE_MODULE_PATH="$here/HeadersOfThisMachine" >"$work/log" 2>&1 ||
   { cat "$work/log"; fail "the consumer isn't configured"; }
 "$VN_CMAKE" --build "$work/consumer" >"$work/log" 2>&1 || { cat "$work/log"; fail "the consumer isn't built"; }
 cp "$work/consumer/consumer.exe" "$installed/bin/"
