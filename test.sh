@@ -22,7 +22,6 @@ for preset in "$@"; do
   ctest --preset "$preset" -j "$(nproc)"
   if [ "$preset" = windows ]; then
     VN_WINEPREFIX=$here/build/windows/wine Tools/wine.sh build/windows/bin/vnconsole.exe self-test
-    cpack --config build/windows/CPackConfig.cmake -B build/windows
     Tools/windows/left-out.sh build/windows
   else
     "build/$preset/bin/vnconsole" self-test

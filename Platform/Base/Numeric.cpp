@@ -37,7 +37,7 @@ namespace {
 
 // Whether all that lies within a relative `error` of `value` is nearest to the same double, and
 // which that is.
-[[maybe_unused]] bool isSure(long double value, long double error, double & nearest) {
+bool isSure(long double value, long double error, double & nearest) {
     nearest = static_cast<double>(value);
     if (!std::isfinite(value)) return true;
     return static_cast<double>(value - value * error) == nearest &&

@@ -227,11 +227,9 @@ std::vector<Damage> damages() {
     };
 }
 
-class DocumentFileDamageTests : public ::testing::Test {};
-
 } // namespace
 
-TEST_F(DocumentFileDamageTests, WhatIsWrongIsNamed) {
+TEST(DocumentFileDamageTests, WhatIsWrongIsNamed) {
     for (Damage const & damage : damages()) {
         SCOPED_TRACE(damage.sql.substr(0, 200));
         TemporaryFile const file;
@@ -252,7 +250,7 @@ TEST_F(DocumentFileDamageTests, WhatIsWrongIsNamed) {
     }
 }
 
-TEST_F(DocumentFileDamageTests, TheSampleItselfIsWhole) {
+TEST(DocumentFileDamageTests, TheSampleItselfIsWhole) {
     TemporaryFile const file;
     saveSample(file.path());
     EXPECT_TRUE(tryFile(file.path()));
@@ -262,14 +260,14 @@ TEST_F(DocumentFileDamageTests, TheSampleItselfIsWhole) {
     EXPECT_EQ(DocumentFile::check(file.text() + "x", findings).code(), StatusNotFound);
 }
 
-TEST_F(DocumentFileDamageTests, AWholeNumberServesAsAReal) {
+TEST(DocumentFileDamageTests, AWholeNumberServesAsAReal) {
     TemporaryFile const file;
     saveSample(file.path());
     Sql(file.path()).run("UPDATE Row SET \"Row.x\"=5");
     EXPECT_TRUE(tryFile(file.path()));
 }
 
-TEST_F(DocumentFileDamageTests, CutFilesAreRefused) {
+TEST(DocumentFileDamageTests, CutFilesAreRefused) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -287,7 +285,7 @@ TEST_F(DocumentFileDamageTests, CutFilesAreRefused) {
     EXPECT_FALSE(tryFile(file.path()));
 }
 
-TEST_F(DocumentFileDamageTests, FlippedBytesDoNoHarm) {
+TEST(DocumentFileDamageTests, FlippedBytesDoNoHarm) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -311,7 +309,7 @@ TEST_F(DocumentFileDamageTests, FlippedBytesDoNoHarm) {
     EXPECT_GT(refused, tried / 4);
 }
 
-TEST_F(DocumentFileDamageTests, ExchangedPagesDoNoHarm) {
+TEST(DocumentFileDamageTests, ExchangedPagesDoNoHarm) {
     TemporaryFile const file;
     saveSample(file.path());
     std::string const whole = contentOf(file.path());
@@ -327,7 +325,7 @@ TEST_F(DocumentFileDamageTests, ExchangedPagesDoNoHarm) {
 }
 
 // A file that fails late, after a million children or a long chain, is left again without trouble.
-TEST_F(DocumentFileDamageTests, ALargeDocumentThatFailsLateGoesAgain) {
+TEST(DocumentFileDamageTests, ALargeDocumentThatFailsLateGoesAgain) {
     TemporaryFile const file;
     {
         StrongRef<Asset> const asset = Asset::make(nullptr);

@@ -114,31 +114,29 @@ unsigned forEachFailingCall(Save const & save, bool forGood, bool powerGoes, uns
     }
 }
 
-class DocumentFileFaultTests : public ::testing::Test {};
-
 } // namespace
 
-TEST_F(DocumentFileFaultTests, EveryFailingCallOfALaterSaveLeavesTheOldOrTheNewDocument) {
+TEST(DocumentFileFaultTests, EveryFailingCallOfALaterSaveLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveAgain, false, false), 10U);
 }
 
-TEST_F(DocumentFileFaultTests, EveryFailingCallOfAWholeSaveLeavesTheOldOrTheNewDocument) {
+TEST(DocumentFileFaultTests, EveryFailingCallOfAWholeSaveLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveOver, false, false), 10U);
 }
 
-TEST_F(DocumentFileFaultTests, ADeviceThatFailsForGoodLeavesTheOldOrTheNewDocument) {
+TEST(DocumentFileFaultTests, ADeviceThatFailsForGoodLeavesTheOldOrTheNewDocument) {
     EXPECT_GT(forEachFailingCall(saveAgain, true, false), 10U);
     EXPECT_GT(forEachFailingCall(saveOver, true, false), 10U);
 }
 
-TEST_F(DocumentFileFaultTests, WhenThePowerGoesTheOldOrTheNewDocumentIsLeft) {
+TEST(DocumentFileFaultTests, WhenThePowerGoesTheOldOrTheNewDocumentIsLeft) {
     for (unsigned seed = 0; seed < 3; ++seed) {
         EXPECT_GT(forEachFailingCall(saveAgain, true, true, seed), 10U);
         EXPECT_GT(forEachFailingCall(saveOver, true, true, seed), 10U);
     }
 }
 
-TEST_F(DocumentFileFaultTests, AFullDiskLeavesTheOldOrTheNewDocument) {
+TEST(DocumentFileFaultTests, AFullDiskLeavesTheOldOrTheNewDocument) {
     for (bool const whole : {false, true}) {
         FaultyFileSystem faulty;
         bool wasFull = false;
@@ -163,7 +161,7 @@ TEST_F(DocumentFileFaultTests, AFullDiskLeavesTheOldOrTheNewDocument) {
     }
 }
 
-TEST_F(DocumentFileFaultTests, TheFirstSaveLeavesAFileOrNone) {
+TEST(DocumentFileFaultTests, TheFirstSaveLeavesAFileOrNone) {
     FaultyFileSystem faulty;
     for (unsigned call = 1;; ++call) {
         SCOPED_TRACE(call);
@@ -185,7 +183,7 @@ TEST_F(DocumentFileFaultTests, TheFirstSaveLeavesAFileOrNone) {
 
 // A save that was cut short leaves a journal.  What replaces the file must not leave it to the
 // new one.
-TEST_F(DocumentFileFaultTests, TheJournalOfACrashIsntAppliedToTheFileThatReplacesIt) {
+TEST(DocumentFileFaultTests, TheJournalOfACrashIsntAppliedToTheFileThatReplacesIt) {
     FaultyFileSystem faulty;
     Scene scene;
     for (unsigned call = 1;; ++call) {

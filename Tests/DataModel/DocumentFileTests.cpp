@@ -79,18 +79,16 @@ std::vector<std::string> differing(std::map<std::string, std::vector<std::string
     return found;
 }
 
-class DocumentFileTests : public ::testing::Test {};
-
 } // namespace
 
-TEST_F(DocumentFileTests, AnEmptyDocumentComesBack) {
+TEST(DocumentFileTests, AnEmptyDocumentComesBack) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, EveryKindOfMemberComesBack) {
+TEST(DocumentFileTests, EveryKindOfMemberComesBack) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const one = makeExtremes(*asset);
@@ -101,7 +99,7 @@ TEST_F(DocumentFileTests, EveryKindOfMemberComesBack) {
     EXPECT_TRUE(std::signbit(static_cast<Everything *>(other->entity(one->id()).get())->m_double));
 }
 
-TEST_F(DocumentFileTests, RandomDocumentsComeBackThroughManySaves) {
+TEST(DocumentFileTests, RandomDocumentsComeBackThroughManySaves) {
     for (unsigned seed = 0; seed < 40; ++seed) {
         SCOPED_TRACE(seed);
         TemporaryFile const file;
@@ -128,7 +126,7 @@ TEST_F(DocumentFileTests, RandomDocumentsComeBackThroughManySaves) {
     }
 }
 
-TEST_F(DocumentFileTests, SavingAgainWritesOnlyWhatChanged) {
+TEST(DocumentFileTests, SavingAgainWritesOnlyWhatChanged) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -188,7 +186,7 @@ TEST_F(DocumentFileTests, SavingAgainWritesOnlyWhatChanged) {
 }
 
 // Rows are written many at a time, of each class by itself.
-TEST_F(DocumentFileTests, AnyNumberOfEntitiesComesBack) {
+TEST(DocumentFileTests, AnyNumberOfEntitiesComesBack) {
     for (std::size_t const count : {1U, 31U, 32U, 33U, 64U, 100U}) {
         TemporaryFile const file;
         StrongRef<Asset> const asset = Asset::make(nullptr);
@@ -210,7 +208,7 @@ TEST_F(DocumentFileTests, AnyNumberOfEntitiesComesBack) {
     }
 }
 
-TEST_F(DocumentFileTests, SaveAsLeavesTheOtherFileAlone) {
+TEST(DocumentFileTests, SaveAsLeavesTheOtherFileAlone) {
     TemporaryFile const first;
     TemporaryFile const second;
     StrongRef<Asset> const asset = randomDocument(1, 30);
@@ -235,7 +233,7 @@ TEST_F(DocumentFileTests, SaveAsLeavesTheOtherFileAlone) {
     expectSaved(*asset, second.path());
 }
 
-TEST_F(DocumentFileTests, WhatACrashLeftBesideIsOverwritten) {
+TEST(DocumentFileTests, WhatACrashLeftBesideIsOverwritten) {
     TemporaryFile const file;
     std::ofstream(file.text() + ".saving") << std::string(100'000, 'x');
     StrongRef<Asset> const asset = randomDocument(2, 10);
@@ -244,7 +242,7 @@ TEST_F(DocumentFileTests, WhatACrashLeftBesideIsOverwritten) {
     EXPECT_FALSE(std::filesystem::exists(file.text() + ".saving"));
 }
 
-TEST_F(DocumentFileTests, ALinkIsFollowed) {
+TEST(DocumentFileTests, ALinkIsFollowed) {
     TemporaryFile const file;
     TemporaryFile const link;
     StrongRef<Asset> const asset = randomDocument(3, 10);
@@ -258,7 +256,7 @@ TEST_F(DocumentFileTests, ALinkIsFollowed) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, IdsSurviveAndAreNeverUsedAgain) {
+TEST(DocumentFileTests, IdsSurviveAndAreNeverUsedAgain) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Everything> root = Everything::make(design(*asset));
@@ -275,7 +273,7 @@ TEST_F(DocumentFileTests, IdsSurviveAndAreNeverUsedAgain) {
     EXPECT_GT(next->id(), gone);
 }
 
-TEST_F(DocumentFileTests, TransientSegmentsArentWritten) {
+TEST(DocumentFileTests, TransientSegmentsArentWritten) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const transient = segmentOf(*asset, SegmentType::TransientSegment);
@@ -302,7 +300,7 @@ TEST_F(DocumentFileTests, TransientSegmentsArentWritten) {
     EXPECT_FALSE(loaded.m_children[0]);
 }
 
-TEST_F(DocumentFileTests, AReferenceToAnotherDocumentIsNeverWrittenAsNull) {
+TEST(DocumentFileTests, AReferenceToAnotherDocumentIsNeverWrittenAsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Asset> const another = Asset::make(nullptr);
@@ -330,7 +328,7 @@ TEST_F(DocumentFileTests, AReferenceToAnotherDocumentIsNeverWrittenAsNull) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, APassiveReferenceToWhatWasDeletedIsNull) {
+TEST(DocumentFileTests, APassiveReferenceToWhatWasDeletedIsNull) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -346,7 +344,7 @@ TEST_F(DocumentFileTests, APassiveReferenceToWhatWasDeletedIsNull) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, WhatNothingOwnsIsKept) {
+TEST(DocumentFileTests, WhatNothingOwnsIsKept) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     std::vector<StrongRef<Row>> rows;
@@ -359,7 +357,7 @@ TEST_F(DocumentFileTests, WhatNothingOwnsIsKept) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, RootsComeBackInTheirOrder) {
+TEST(DocumentFileTests, RootsComeBackInTheirOrder) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     Segment * const alone = segmentOf(*asset, SegmentType::StandaloneSegment);
@@ -375,7 +373,7 @@ TEST_F(DocumentFileTests, RootsComeBackInTheirOrder) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, WhatIsUndoneAfterASaveIsSavedAgain) {
+TEST(DocumentFileTests, WhatIsUndoneAfterASaveIsSavedAgain) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -403,7 +401,7 @@ TEST_F(DocumentFileTests, WhatIsUndoneAfterASaveIsSavedAgain) {
 }
 
 // It is changed, dies, the document is saved, and it comes back with the change.
-TEST_F(DocumentFileTests, WhatDiedChangedAndComesBackIsSaved) {
+TEST(DocumentFileTests, WhatDiedChangedAndComesBackIsSaved) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     StrongRef<Everything> const root = Everything::make(design(*asset));
@@ -434,7 +432,7 @@ TEST_F(DocumentFileTests, WhatDiedChangedAndComesBackIsSaved) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, HooksAreToldAroundEachEntity) {
+TEST(DocumentFileTests, HooksAreToldAroundEachEntity) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = Asset::make(nullptr);
     auto & type = *Everything::s_metaType();
@@ -453,7 +451,7 @@ TEST_F(DocumentFileTests, HooksAreToldAroundEachEntity) {
     type.m_bListening = false;
 }
 
-TEST_F(DocumentFileTests, ADocumentThatCantBeSavedSaysWhy) {
+TEST(DocumentFileTests, ADocumentThatCantBeSavedSaysWhy) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(4, 10);
     EXPECT_EQ(DocumentFile::save(*asset).code(), StatusInvalidArgument); // there is no file yet
@@ -496,7 +494,7 @@ TEST_F(DocumentFileTests, ADocumentThatCantBeSavedSaysWhy) {
     std::filesystem::remove(file.path());
 }
 
-TEST_F(DocumentFileTests, AFileThatAnotherProgramChangedIsntWrittenTo) {
+TEST(DocumentFileTests, AFileThatAnotherProgramChangedIsntWrittenTo) {
     TemporaryFile const file;
     TemporaryFile const elsewhere;
     StrongRef<Asset> const asset = randomDocument(5, 10);
@@ -516,7 +514,7 @@ TEST_F(DocumentFileTests, AFileThatAnotherProgramChangedIsntWrittenTo) {
     EXPECT_EQ(DocumentFile::save(*asset).code(), StatusFailed);
 }
 
-TEST_F(DocumentFileTests, AFileInUseIsBusy) {
+TEST(DocumentFileTests, AFileInUseIsBusy) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(7, 10);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -534,7 +532,7 @@ TEST_F(DocumentFileTests, AFileInUseIsBusy) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, WhatIsNoDocumentIsRefused) {
+TEST(DocumentFileTests, WhatIsNoDocumentIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset;
     auto const refused = [&] { return DocumentFile::load(file.path(), nullptr, asset); };
@@ -560,7 +558,7 @@ TEST_F(DocumentFileTests, WhatIsNoDocumentIsRefused) {
     EXPECT_THAT(refused().toString(), HasSubstr("it is not a document"));
 }
 
-TEST_F(DocumentFileTests, ALaterVersionOfTheFormatIsRefused) {
+TEST(DocumentFileTests, ALaterVersionOfTheFormatIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset = randomDocument(8, 5);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -571,7 +569,7 @@ TEST_F(DocumentFileTests, ALaterVersionOfTheFormatIsRefused) {
     EXPECT_FALSE(asset);
 }
 
-TEST_F(DocumentFileTests, ALaterVersionOfATypeIsRefused) {
+TEST(DocumentFileTests, ALaterVersionOfATypeIsRefused) {
     TemporaryFile const file;
     StrongRef<Asset> asset = randomDocument(9, 5);
     VN_EXPECT_OK(DocumentFile::saveAs(*asset, file.path()));
@@ -582,7 +580,7 @@ TEST_F(DocumentFileTests, ALaterVersionOfATypeIsRefused) {
 }
 
 // Longer than the 260 characters that paths of Windows once had.
-TEST_F(DocumentFileTests, APathMayBeLongAndHaveAnyCharacters) {
+TEST(DocumentFileTests, APathMayBeLongAndHaveAnyCharacters) {
     TemporaryDirectory const temporary;
     std::filesystem::path directory = temporary.path();
     for (char8_t const * const name : {u8"a blank, \u00E4 and \u65E5", u8"\U0001D11E [1] #2 'x'"})
@@ -606,7 +604,7 @@ TEST_F(DocumentFileTests, APathMayBeLongAndHaveAnyCharacters) {
 
 #ifndef _WIN32 // where the system checks names otherwise
 
-TEST_F(DocumentFileTests, ANameThatIsTooLongIsToldAsThat) {
+TEST(DocumentFileTests, ANameThatIsTooLongIsToldAsThat) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     std::filesystem::path const directory = file.path().parent_path();
@@ -632,7 +630,7 @@ TEST_F(DocumentFileTests, ANameThatIsTooLongIsToldAsThat) {
 
 #ifndef _WIN32 // where Ctrl-C isn't a signal, and needs a console
 
-TEST_F(DocumentFileTests, AnInterruptionEndsALoadAndACheckAndNoSave) {
+TEST(DocumentFileTests, AnInterruptionEndsALoadAndACheckAndNoSave) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Row> const row = Row::make(design(*asset));
@@ -652,7 +650,7 @@ TEST_F(DocumentFileTests, AnInterruptionEndsALoadAndACheckAndNoSave) {
 
 #endif
 
-TEST_F(DocumentFileTests, AnUnknownTypeIsNamed) {
+TEST(DocumentFileTests, AnUnknownTypeIsNamed) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     Changing::become(0);
@@ -679,7 +677,7 @@ TEST_F(DocumentFileTests, AnUnknownTypeIsNamed) {
     expectSaved(*asset, file.path());
 }
 
-TEST_F(DocumentFileTests, AnOlderVersionIsMigrated) {
+TEST(DocumentFileTests, AnOlderVersionIsMigrated) {
     TemporaryFile const file;
     Changing::become(0);
     unsigned long long id = 0;
@@ -734,7 +732,7 @@ TEST_F(DocumentFileTests, AnOlderVersionIsMigrated) {
     Changing::end();
 }
 
-TEST_F(DocumentFileTests, AFailedMigrationLeavesNothingBehind) {
+TEST(DocumentFileTests, AFailedMigrationLeavesNothingBehind) {
     TemporaryFile const file;
     Changing::become(0);
     {
@@ -773,7 +771,7 @@ void saveAndLoadAChain() {
     EXPECT_THAT(findings, ::testing::IsEmpty());
 }
 
-TEST_F(DocumentFileTests, ALongChainAndALargeGroupAreLoadedOnASmallStack) {
+TEST(DocumentFileTests, ALongChainAndALargeGroupAreLoadedOnASmallStack) {
     onSmallStack(saveAndLoadAChain);
 }
 

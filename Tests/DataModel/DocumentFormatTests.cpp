@@ -134,9 +134,7 @@ std::string withoutBlanks(std::string const & text) {
 
 } // namespace
 
-class DocumentFormatTests : public ::testing::Test {};
-
-TEST_F(DocumentFormatTests, TheQueriesGiveTheRowsThatAreShown) {
+TEST(DocumentFormatTests, TheQueriesGiveTheRowsThatAreShown) {
     TemporaryFile const file;
     saveLibrary(file.path());
     auto const all = blocks();
@@ -158,7 +156,7 @@ TEST_F(DocumentFormatTests, TheQueriesGiveTheRowsThatAreShown) {
     EXPECT_EQ(queries, 3);
 }
 
-TEST_F(DocumentFormatTests, TheTablesAreMadeByTheStatementsThatAreShown) {
+TEST(DocumentFormatTests, TheTablesAreMadeByTheStatementsThatAreShown) {
     TemporaryFile const file;
     saveLibrary(file.path());
     std::string shown;
@@ -176,7 +174,7 @@ TEST_F(DocumentFormatTests, TheTablesAreMadeByTheStatementsThatAreShown) {
     EXPECT_EQ(query(file.path(), "PRAGMA user_version")[0][0], "1");
 }
 
-TEST_F(DocumentFormatTests, EveryListIsJsonForOtherProgramsToo) {
+TEST(DocumentFormatTests, EveryListIsJsonForOtherProgramsToo) {
     TemporaryFile const file;
     StrongRef<Asset> const asset = randomDocument(3, 60);
     ASSERT_TRUE(DocumentFile::saveAs(*asset, file.path()));

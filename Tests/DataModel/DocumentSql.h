@@ -10,15 +10,15 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include "Tests/Support/TemporaryDirectory.h"
+
 namespace Vn::Testing {
 
 // A connection to a file, made if there is none.
 class Sql {
 public:
     explicit Sql(std::filesystem::path const & file) {
-        std::u8string const name = file.u8string();
-        EXPECT_EQ(sqlite3_open(reinterpret_cast<char const *>(name.c_str()), &m_pDatabase),
-                  SQLITE_OK);
+        EXPECT_EQ(sqlite3_open(utf8(file).c_str(), &m_pDatabase), SQLITE_OK);
     }
     ~Sql() { sqlite3_close(m_pDatabase); }
     Sql(Sql const &) = delete;

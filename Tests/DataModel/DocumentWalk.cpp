@@ -8,6 +8,7 @@
 #include <sqlite3.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
 
@@ -23,10 +24,8 @@ std::string idText(unsigned long long id) { return std::to_string(id); }
 // Not Sql of DocumentSql.h, which needs the test framework: the fuzzer, which walks too, has none.
 bool runSql(std::filesystem::path const & file, char const * sql) {
     sqlite3 * database = nullptr;
-    std::u8string const name = file.u8string();
-    bool const isDone =
-        sqlite3_open(reinterpret_cast<char const *>(name.c_str()), &database) == SQLITE_OK &&
-        sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+    bool const isDone = sqlite3_open(utf8(file).c_str(), &database) == SQLITE_OK &&
+                        sqlite3_exec(database, sql, nullptr, nullptr, nullptr) == SQLITE_OK;
     sqlite3_close(database);
     return isDone;
 }

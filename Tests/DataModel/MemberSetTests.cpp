@@ -312,11 +312,9 @@ void Cleared::initialize() {
         ->clear(16);
 }
 
-class OptionTests : public ::testing::Test {};
-
 } // namespace
 
-TEST_F(OptionTests, AMemberWithoutOption16IsWrittenReadAndUndone) {
+TEST(OptionTests, AMemberWithoutOption16IsWrittenReadAndUndone) {
     TemporaryFile const file;
     StrongRef<Asset> asset = Asset::make(nullptr);
     StrongRef<Cleared> const cleared(new Cleared(design(*asset)));

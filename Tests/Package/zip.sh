@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# The zip for Windows as a user gets it: unpacked in an empty directory, run there with nothing on the
-# path, and built against by another project.
+# The zip for Windows, made in the build directory, as a user gets it: unpacked in an empty directory,
+# run there with nothing on the path, and built against by another project.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 needs unzip
 
 work=$VN_WORK/zip
 fresh "$work"
-(cd "$work" && "$VN_CPACK" --config "$VN_BUILD/CPackConfig.cmake" -B "$work") >"$work/log" 2>&1 ||
+"$VN_CPACK" --config "$VN_BUILD/CPackConfig.cmake" -B "$VN_BUILD" >"$work/log" 2>&1 ||
   { cat "$work/log"; fail "the package isn't made"; }
-zip=$work/VnCommonData10-$VN_VERSION-windows-x86_64.zip
+zip=$VN_BUILD/VnCommonData10-$VN_VERSION-windows-x86_64.zip
 installed="$work/empty directory ä 日本"
 mkdir "$installed"
 unzip -q "$zip" -d "$installed"

@@ -11,6 +11,12 @@
 
 namespace Vn::Testing {
 
+// A path in UTF-8.
+inline std::string utf8(std::filesystem::path const & path) {
+    std::u8string const text = path.u8string();
+    return std::string(text.begin(), text.end());
+}
+
 // A new, empty directory.
 class TemporaryDirectory {
 public:
@@ -47,10 +53,7 @@ public:
 
     std::filesystem::path const & path() const noexcept { return m_path; }
     // The path in UTF-8.
-    std::string text() const {
-        std::u8string const path = m_path.u8string();
-        return std::string(path.begin(), path.end());
-    }
+    std::string text() const { return utf8(m_path); }
 
 private:
     TemporaryDirectory const m_directory;

@@ -16,6 +16,7 @@
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 #include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -33,11 +34,6 @@ struct Entry {
 };
 
 std::size_t stateOf(Asset const & asset) { return std::hash<std::string>()(dump(asset)); }
-
-std::string utf8(fs::path const & path) {
-    std::u8string const text = path.u8string();
-    return std::string(text.begin(), text.end());
-}
 
 // The child: loads the document, changes and saves it until it is killed.  Returns if it can't.
 int save(std::filesystem::path const & file, unsigned seed) {

@@ -30,6 +30,9 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$work"/{lists/partial,cache/archives/partial,source,sqlite,libxml2}
 
+# run COMMAND...: what it says is shown only if it fails.
+run() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }; }
+
 # --- Sources -----------------------------------------------------------------------------------
 
 keyring=/usr/share/keyrings/debian-archive-keyring.gpg
@@ -44,7 +47,7 @@ apt() {
           -o Dir::State::lists="$work/lists" -o Dir::Cache="$work/cache" \
           -o APT::Sandbox::User="$(id -un)" -o APT::Get::AllowUnauthenticated=false "$@"
 }
-apt apt-get update >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
+run apt apt-get update
 
 # fetch PACKAGE VERSION DIRECTORY: the newest revision of that version, with Debian's changes.
 fetch() {
@@ -52,14 +55,11 @@ fetch() {
   version=$(apt apt-cache showsrc "$1" | sed -n "s/^Version: \($2[-+].*\)/\1/p" | sort -V | tail -1)
   [ -n "$version" ] || { echo "Debian $release has no $1 $2" >&2; exit 1; }
   echo "Building $1 $version for Windows" >&2
-  (cd "$work/source" && apt apt-get source "$1=$version") >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }
+  (cd "$work/source" && run apt apt-get source "$1=$version")
   mv "$work/source/$1-$2"*/ "$work/$3/source"
 }
 fetch sqlite3 $sqlite sqlite
 fetch libxml2 $libxml2 libxml2
-
-# run COMMAND...: what it says is shown only if it fails.
-run() { "$@" >"$work/log" 2>&1 || { cat "$work/log" >&2; exit 1; }; }
 
 # --- SQLite ------------------------------------------------------------------------------------
 
