@@ -13,6 +13,7 @@
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
 #include "Platform/Base/UnitTest.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace {
 
@@ -123,6 +124,22 @@ TEST(OSTests, MovedModuleStaysLoaded) {
     EXPECT_NE(second.symbol("testModuleInitialized"), nullptr);
     first = std::move(second);
     EXPECT_NE(first.symbol("testModuleInitialized"), nullptr);
+}
+
+TEST(OSTests, ModuleIsLoadedFromADirectoryOfAnyName) {
+    Vn::Testing::TemporaryDirectory const directory;
+    auto const place = directory.path() / u8"a b \u00E4 \u65E5\u672C";
+    std::filesystem::create_directory(place);
+    std::filesystem::copy_file(c_module, place / c_module.filename());
+    Module module;
+    Vn::Status const status = module.load(place / c_module.filename());
+    ASSERT_TRUE(status.ok()) << status.toString();
+    EXPECT_NE(module.symbol("testModuleInitialized"), nullptr);
+    Module none;
+    Vn::Status const missing = none.load(place / "none");
+    EXPECT_FALSE(missing);
+    EXPECT_NE(missing.toString().find("\u00E4 \u65E5\u672C"), std::string::npos)
+        << missing.toString();
 }
 
 TEST(OSTests, MissingModuleIsNotFound) {

@@ -48,6 +48,20 @@ TEST_F(DocumentSessionTests, WhatIsUndoneAndRedoneIsTheSameTree) {
     EXPECT_EQ(tree(), trees[0]);
 }
 
+TEST_F(DocumentSessionTests, LinesOfWindowsAreLines) {
+    std::string const lines =
+        "new\nmake /Custom\nadd 0 2\n\ntree\nremove 0/1\nsaveas \"a b.vnd\"\n";
+    std::string windows;
+    for (char const c : lines) windows += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    Outcome const outcome = session(lines);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    std::filesystem::remove(directory() / "a b.vnd");
+    Outcome const same = session(windows);
+    EXPECT_EQ(same.status, 0) << same.err;
+    EXPECT_EQ(same.out, outcome.out);
+    EXPECT_TRUE(std::filesystem::exists(directory() / "a b.vnd"));
+}
+
 // Each kind of change, by itself.
 TEST_F(DocumentSessionTests, EveryChangeIsTakenBackAndMadeAgain) {
     ASSERT_EQ(session("new\nmake\nmake 0\nmake\nadd 0/0 3\nsaveas a.vnd\n").status, 0);
