@@ -26,6 +26,16 @@ constexpr double c_magnitudes[] = {
     0.001, 1e-06, 1e-06, 1e-09, 1e-09, 1e-12, 1e-12, 1e-15, 1e-15, 1e-18, 1e-18};
 static_assert(std::size(c_magnitudes) == e_ATTO_ABBR - e_EXA + 1);
 
+constexpr std::wstring_view c_defaultStrings[] = {
+#define VN_TOKEN(number, name, text) text,
+#include "Server/CommonData/Expressions/Tokens.inc"
+};
+static_assert(std::size(c_defaultStrings) == c_tokens);
+
+constexpr EToken c_fullMagnitudes[] = {e_EXA,   e_PETA, e_TERA,  e_GIGA,  e_MEGA,  e_KILO,
+                                       e_HECTO, e_DECA, e_DECI,  e_CENTI, e_MILLI, e_MICRO,
+                                       e_NANO,  e_PICO, e_FEMTO, e_ATTO};
+
 // The units of the four constants, filled by an initialiser of the module.
 struct ConstantUnits {
     std::array<Units::ComplexUnit, 4> units;
@@ -126,6 +136,16 @@ void Tokens::getConstantUnits(Units::ComplexUnit * units, EToken token) const {
 }
 
 void Tokens::initializeConstantUnits() { allConstantUnits(); }
+
+std::wstring_view Tokens::defaultString(EToken token) { return c_defaultStrings[token]; }
+
+std::span<EToken const> Tokens::fullMagnitudes() { return c_fullMagnitudes; }
+
+EToken Tokens::fullMagnitude(double magnitude) {
+    for (EToken const token : c_fullMagnitudes)
+        if (magnitude == c_magnitudes[token - e_EXA]) return token;
+    return e_NONE;
+}
 
 bool Tokens::matchesToken(std::wstring_view text, std::size_t position, EToken token,
                           std::size_t & length) const {

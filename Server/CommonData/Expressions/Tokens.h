@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -48,6 +49,9 @@ public:
     // The text of a token; empty for e_NONE and e_DECA_RESERVED, which have none.
     std::wstring const & getString(EToken token) const { return m_strings[token]; }
 
+    // The text in the system's own language, English, whatever the user's is.
+    static std::wstring_view defaultString(EToken token);
+
     // Whether `text` holds the token's text at `position`, whatever follows; stores the length of
     // the token's text in `length` if so.
     bool matchesToken(std::wstring_view text, std::size_t position, EToken token,
@@ -69,6 +73,10 @@ public:
     Units::ComplexUnit const & constantUnits(EToken token) const;
     // The multiplier of a prefix.  The token must be a prefix.
     double getMagnitudeValue(EToken token) const;
+    // The prefixes in full, from exa to atto; and that of a multiplier, which must be exact, or
+    // e_NONE.  The short form of each is the token behind it.
+    static std::span<EToken const> fullMagnitudes();
+    static EToken fullMagnitude(double magnitude);
 
     // The unit that a word names, with or without a prefix; null if none.  A unit that takes
     // prefixes must be written in its exact case; another is also found in any case.

@@ -352,12 +352,9 @@ std::wstring valueFormatter::formatExponent(short exponent) const {
 
 std::wstring const & valueFormatter::magnitudeString(double magnitude, bool abbreviated) const {
     Tokens const & tokens = *Tokens::get();
-    if (magnitude != 1.0) {
-        for (int token = e_EXA; token <= e_ATTO; token += token == e_DECA ? 3 : 2)
-            if (magnitude == tokens.getMagnitudeValue(static_cast<EToken>(token)))
-                return tokens.getString(static_cast<EToken>(token + (abbreviated ? 1 : 0)));
-    }
-    return tokens.getString(e_NONE);
+    EToken const token = magnitude == 1.0 ? e_NONE : Tokens::fullMagnitude(magnitude);
+    bool const isShort = abbreviated && token != e_NONE;
+    return tokens.getString(isShort ? static_cast<EToken>(token + 1) : token);
 }
 
 double valueFormatter::integerPower(double base, int exponent) const {

@@ -7,6 +7,7 @@
 #include "Server/CommonData/Expressions/ValueFormatter.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
+#include "Server/CommonData/Units/UnitListTextInternal.h"
 #include "Server/CommonData/Units/Utils.h"
 
 namespace Vn::Units {
@@ -225,31 +226,6 @@ std::wstring ComplexUnit::onToString() const {
     return L'(' + names(m_numerator) + L") / (" + names(m_denominator) + L')';
 }
 
-namespace {
-
-// Appends the units, composites before base units and otherwise in their order, separated by
-// blanks, with a run of one unit written as a power if the settings say so.  Returns the count of
-// groups written.
-std::size_t appendUnits(std::wstring & text, UnitSpan units, UnitDisplaySettings const & settings) {
-    boost::container::small_vector<SimpleUnit const *, 8> ordered(units.begin(), units.end());
-    std::stable_partition(ordered.begin(), ordered.end(),
-                          [](SimpleUnit const * unit) { return unit->unitType() != BaseUnitKind; });
-    std::size_t groups = 0;
-    for (std::size_t i = 0; i < ordered.size();) {
-        std::size_t run = 1;
-        if (settings.compressUnits())
-            while (i + run < ordered.size() && ordered[i + run] == ordered[i]) ++run;
-        if (groups > 0) text += Tokens::get()->getString(Expressions::e_SPACE);
-        ordered[i]->appendDisplayString(text, settings);
-        if (run > 1) valueFormatter::get()->appendExponent(text, run);
-        ++groups;
-        i += run;
-    }
-    return groups;
-}
-
-} // namespace
-
 void ComplexUnit::onAppendReconstruction(std::wstring & text, double value, EUnitDisplayMode mode,
                                          UnitDisplaySettings const & settings) const {
     // The special forms of lengths and angles belong to a unit that stands alone.
@@ -262,19 +238,11 @@ void ComplexUnit::onAppendReconstruction(std::wstring & text, double value, EUni
         valueFormatter::get()->appendDecimal(text, unitless ? value : toThisUnit(value), settings);
     if (unitless || mode == ValueOnly) return;
 
-    Tokens const & tokens = *Tokens::get();
-    std::wstring const & space = tokens.getString(Expressions::e_SPACE);
-    if (mode == ValueAndUnit) text += space;
-    bool const wroteAny = appendUnits(text, numerator(), settings) > 0;
-    if (m_denominator.empty()) return;
-    if (wroteAny) text += space;
-    text += tokens.getString(Expressions::e_DIVIDE);
-    text += space;
-    std::size_t const start = text.size();
-    if (appendUnits(text, denominator(), settings) > 1) {
-        text.insert(start, tokens.getString(Expressions::e_LEFT_PAREN));
-        text += tokens.getString(Expressions::e_RIGHT_PAREN);
-    }
+    if (mode == ValueAndUnit) text += Tokens::get()->getString(Expressions::e_SPACE);
+    UnitListText::append(text, *this, settings.compressUnits(),
+                         [&settings](std::wstring & to, SimpleUnit const & unit) {
+                             unit.appendDisplayString(to, settings);
+                         });
 }
 
 } // namespace Vn::Units

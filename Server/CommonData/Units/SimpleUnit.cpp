@@ -1,5 +1,6 @@
 #include "Server/CommonData/Units/SimpleUnit.h"
 
+#include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Expressions/ValueFormatter.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
 #include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
@@ -8,6 +9,7 @@
 
 namespace Vn::Units {
 
+using Expressions::Tokens;
 using Expressions::valueFormatter;
 
 SimpleUnit::SimpleUnit() : m_magnitude(1.0) { SimpleUnitRegistry::get().addUnit(this); }
@@ -58,6 +60,11 @@ std::wstring const & SimpleUnit::prefix(UnitDisplaySettings const & settings) co
 }
 
 std::wstring SimpleUnit::name(UnitDisplaySettings const &) const { return prefixName() + onName(); }
+
+std::wstring SimpleUnit::defaultName() const {
+    std::wstring text(Tokens::defaultString(Tokens::fullMagnitude(m_magnitude)));
+    return text += onName();
+}
 
 std::wstring SimpleUnit::abbreviation(UnitDisplaySettings const &) const {
     return prefixAbbreviation() + onAbbreviation();

@@ -62,6 +62,10 @@ public:
     std::wstring abbreviation(UnitDisplaySettings const & settings) const;
     std::wstring symbol(UnitDisplaySettings const & settings) const;
 
+    // The name in the system's own language, with an English prefix whatever the user's language
+    // is: what documents keep.
+    std::wstring defaultName() const;
+
     // The one of the three that the settings ask for.
     std::wstring displayString(UnitDisplaySettings const & settings) const;
     void appendDisplayString(std::wstring & text, UnitDisplaySettings const & settings) const;

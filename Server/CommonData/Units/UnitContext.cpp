@@ -1,43 +1,125 @@
 #include "Server/CommonData/Units/UnitContext.h"
 
 #include "Server/CommonData/Units/SimpleUnit.h"
+#include "Server/CommonData/Units/UnitSystem.h"
 #include "Server/CommonData/Units/UnitSystemChoice.h"
 
 namespace Vn::Units {
 
-// The expected units are complete before other threads can see the context: a copy of units starts
-// without its base form.
+namespace {
+
+// What a system, if there is one, has for a kind or for a unit in place of `units`.
+template <class What>
+void apply(StrongRef<UnitSystem> const & system, What const & what, ComplexUnit & units) {
+    if (!system) return;
+    ComplexUnit made;
+    if (StrongRef<UnitSystemChoice> const choice = system->find(what))
+        units = choice->units();
+    else if (system->make(what, made))
+        units = made;
+}
+
+} // namespace
+
+UnitContext::UnitContext() = default;
 
 UnitContext::UnitContext(UnitContext const & other)
     : m_rActiveUnitSystem(other.m_rActiveUnitSystem), m_expectedUnits(other.m_expectedUnits),
       m_bHasExpectedUnits(other.m_bHasExpectedUnits) {
-    if (m_bHasExpectedUnits) m_expectedUnits.validateBase();
+    complete();
 }
 
 UnitContext & UnitContext::operator=(UnitContext const & other) {
     m_rActiveUnitSystem = other.m_rActiveUnitSystem;
     m_expectedUnits = other.m_expectedUnits;
     m_bHasExpectedUnits = other.m_bHasExpectedUnits;
-    if (m_bHasExpectedUnits) m_expectedUnits.validateBase();
+    complete();
     return *this;
+}
+
+UnitContext::~UnitContext() = default;
+
+// The expected units are complete before other threads can see the context: a copy of units starts
+// without its base form.  Units that aren't expected may have a null entry, and are never read.
+void UnitContext::complete() {
+    if (m_bHasExpectedUnits) m_expectedUnits.validateBase();
 }
 
 UnitContext::UnitContext(SimpleUnit const * units)
     : m_expectedUnits(units), m_bHasExpectedUnits(true) {
-    m_expectedUnits.validateBase();
+    complete();
 }
 
 UnitContext::UnitContext(ComplexUnit const * units)
     : m_expectedUnits(*units), m_bHasExpectedUnits(true) {
-    m_expectedUnits.validateBase();
+    complete();
 }
 
 UnitContext::UnitContext(std::wstring const & text)
     : m_bHasExpectedUnits(UnitSystemChoice::parse(text, m_expectedUnits)) {
-    if (m_bHasExpectedUnits) m_expectedUnits.validateBase();
+    complete();
 }
 
 UnitContext::UnitContext(StrongRef<UnitSystem> const & system) : m_rActiveUnitSystem(system) {}
+
+// Expects what the system has for an identifier; false if it has nothing.
+bool UnitContext::takeChoice(std::string const & id) {
+    if (!m_rActiveUnitSystem) return false;
+    StrongRef<UnitSystemChoice> const choice = m_rActiveUnitSystem->find(id);
+    if (!choice) return false;
+    m_expectedUnits = choice->units();
+    m_bHasExpectedUnits = true;
+    return true;
+}
+
+UnitContext::UnitContext(StrongRef<UnitSystem> const & system, SimpleUnit const * units)
+    : m_rActiveUnitSystem(system), m_expectedUnits(units), m_bHasExpectedUnits(true) {
+    apply(system, units->simpleUnitType(), m_expectedUnits);
+    complete();
+}
+
+UnitContext::UnitContext(StrongRef<UnitSystem> const & system, ComplexUnit const * units)
+    : m_rActiveUnitSystem(system), m_expectedUnits(*units), m_bHasExpectedUnits(true) {
+    apply(system, &m_expectedUnits, m_expectedUnits);
+    complete();
+}
+
+UnitContext::UnitContext(StrongRef<UnitSystem> const & system, std::wstring const & text)
+    : m_rActiveUnitSystem(system),
+      m_bHasExpectedUnits(UnitSystemChoice::parse(text, m_expectedUnits)) {
+    if (m_bHasExpectedUnits) apply(system, &m_expectedUnits, m_expectedUnits);
+    complete();
+}
+
+UnitContext::UnitContext(StrongRef<UnitSystem> const & system, std::string const & id,
+                         SimpleUnit const * units)
+    : m_rActiveUnitSystem(system), m_expectedUnits(units) {
+    if (!takeChoice(id) && units) {
+        m_bHasExpectedUnits = true;
+        apply(system, units->simpleUnitType(), m_expectedUnits);
+    }
+    complete();
+}
+
+UnitContext::UnitContext(StrongRef<UnitSystem> const & system, std::string const & id,
+                         ComplexUnit const * units)
+    : m_rActiveUnitSystem(system), m_expectedUnits(*units) {
+    if (!takeChoice(id)) {
+        m_bHasExpectedUnits = true;
+        apply(system, &m_expectedUnits, m_expectedUnits);
+    }
+    complete();
+}
+
+UnitContext::UnitContext(StrongRef<UnitSystem> const & system, std::string const & id,
+                         std::wstring const & text)
+    : m_rActiveUnitSystem(system) {
+    if (!takeChoice(id)) {
+        m_bHasExpectedUnits = UnitSystemChoice::parse(text, m_expectedUnits);
+        if (m_bHasExpectedUnits) apply(system, &m_expectedUnits, m_expectedUnits);
+    }
+    complete();
+}
 
 ComplexUnit * UnitContext::cloneExpectedUnits() const { return ComplexUnit::make(m_expectedUnits); }
 
@@ -46,12 +128,19 @@ SimpleUnit const * UnitContext::findSimpleExpectedUnits() const {
     return m_expectedUnits.isSimpleUnit(&unit) ? unit : nullptr;
 }
 
+StrongRef<UnitSystem> UnitContext::activeUnitSystem() const { return m_rActiveUnitSystem; }
+
 bool UnitContext::findDefault(ComplexUnit const & units, ComplexUnit & out) const {
     if (m_bHasExpectedUnits && m_expectedUnits.isDimensionallyEquivalent(&units)) {
         out = m_expectedUnits;
         return true;
     }
-    return m_rActiveUnitSystem && m_rActiveUnitSystem->findDefault(units, out);
+    if (!m_rActiveUnitSystem) return false;
+    if (StrongRef<UnitSystemChoice> const choice = m_rActiveUnitSystem->find(&units)) {
+        out = choice->units();
+        return true;
+    }
+    return m_rActiveUnitSystem->make(&units, out);
 }
 
 SimpleUnit const * UnitContext::findDefault(ESimpleUnitType type) const {
@@ -59,7 +148,12 @@ SimpleUnit const * UnitContext::findDefault(ESimpleUnitType type) const {
         SimpleUnit const * const unit = findSimpleExpectedUnits();
         if (unit && unit->simpleUnitType() == type) return unit;
     }
-    return m_rActiveUnitSystem ? m_rActiveUnitSystem->findDefault(type) : nullptr;
+    SimpleUnit const * unit = nullptr;
+    if (m_rActiveUnitSystem)
+        if (StrongRef<UnitSystemChoice> const choice = m_rActiveUnitSystem->find(type);
+            choice && choice->units().isSimpleUnit(&unit))
+            return unit;
+    return nullptr;
 }
 
 } // namespace Vn::Units

@@ -12,17 +12,20 @@
 #include "Platform/Base/RefCounted.h"
 #include "Server/CommonData/Export.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
-#include "Server/CommonData/Units/UnitSystem.h"
+#include "Server/CommonData/Units/UnitTypes.h"
 
 namespace Vn::Units {
+
+class SimpleUnit;
+class UnitSystem;
 
 class VN_COMMONDATA_API UnitContext {
 public:
     // Expects nothing.
-    UnitContext() = default;
+    UnitContext();
     UnitContext(UnitContext const & other);
     UnitContext & operator=(UnitContext const & other);
-    ~UnitContext() = default;
+    ~UnitContext();
     // Expects that unit, which must not be null.
     explicit UnitContext(SimpleUnit const * units);
     // Expects a copy of that unit, which must not be null.
@@ -32,6 +35,25 @@ public:
     explicit UnitContext(std::wstring const & text);
     // Expects nothing by itself; what a text leaves open is asked of `system`, which may be empty.
     explicit UnitContext(StrongRef<UnitSystem> const & system);
+
+    // In a document: `system` may replace what the caller asks for, once, when the context is made.
+    // An empty system replaces nothing.  A choice of the system for the kind of a simple unit, or
+    // for the dimension of another, goes before that unit; without one the unit is translated into
+    // the base units that the system has chosen, if it has them all; else it is what is expected.
+
+    // As the three above with that one unit, which must not be null, or that text.
+    UnitContext(StrongRef<UnitSystem> const & system, SimpleUnit const * units);
+    UnitContext(StrongRef<UnitSystem> const & system, ComplexUnit const * units);
+    UnitContext(StrongRef<UnitSystem> const & system, std::wstring const & text);
+    // The same, where a choice of the system by the identifier `id` goes before everything,
+    // whatever its dimension.  A simple unit may be null: then nothing is expected unless there is
+    // such a choice.  A text isn't read if there is one.
+    UnitContext(StrongRef<UnitSystem> const & system, std::string const & id,
+                SimpleUnit const * units);
+    UnitContext(StrongRef<UnitSystem> const & system, std::string const & id,
+                ComplexUnit const * units);
+    UnitContext(StrongRef<UnitSystem> const & system, std::string const & id,
+                std::wstring const & text);
 
     // Whether a unit, or a unitless result, is expected.
     bool hasExpectedUnits() const { return m_bHasExpectedUnits; }
@@ -45,15 +67,20 @@ public:
     // The unit, if the expected units are one simple unit; else null.
     SimpleUnit const * findSimpleExpectedUnits() const;
 
-    // The system that is asked for defaults; null if there is none.
-    StrongRef<UnitSystem> activeUnitSystem() const { return m_rActiveUnitSystem; }
+    // The system that is asked for defaults; null if there is none.  The context keeps it, also
+    // when its document is closed.
+    StrongRef<UnitSystem> activeUnitSystem() const;
 
-    // The unit in which a value of the dimension of `units` is shown.  False if there is none.
+    // The unit in which a value of the dimension of `units` is shown.  False, with `out` untouched,
+    // if there is none.
     bool findDefault(ComplexUnit const & units, ComplexUnit & out) const;
-    // The default simple unit of a kind; null if there is none.
+    // The default simple unit of a kind; null if there is none, and if the system's is a product.
     SimpleUnit const * findDefault(ESimpleUnitType type) const;
 
 private:
+    bool takeChoice(std::string const & id);
+    void complete();
+
     StrongRef<UnitSystem> m_rActiveUnitSystem;
     ComplexUnit m_expectedUnits;
     bool m_bHasExpectedUnits = false;

@@ -13,7 +13,8 @@ enum EUnitType {
 };
 
 // The quantity that a simple unit measures.  0 to 8 are base kinds, 9 to 30 composite kinds.
-enum ESimpleUnitType {
+// Documents keep the number, and may hold one that is none of these.
+enum ESimpleUnitType : unsigned {
 #define VN_BASE_KIND(number, name, internal) UnitType##name = number,
 #define VN_COMPOSITE_KIND(number, name, numerator, denominator) UnitType##name = number,
 #include "Server/CommonData/Units/UnitKinds.inc"

@@ -134,7 +134,7 @@ TEST(LoadOrderTests, StepsFollowEachOther) {
             {"units", {1, 2, 2, 71, 8}},
             {"commands of the units", {2, 6, 2, 71, 8}},
             {"options of the units", {2, 6, 2, 71, 8}},
-            {"meta types of the unit systems", {2, 6, 2, 71, 8}},
+            {"meta types of the unit systems", {2, 6, 2, 71, 13}},
         };
         for (std::size_t i = 0; i < c_loadPauses; ++i) {
             LoadSnapshot const & got = snapshots()[i];

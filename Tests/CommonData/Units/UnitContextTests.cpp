@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Server/CommonData/Units/UnitSystem.h"
 #include "Tests/CommonData/Units/UnitTestHelpers.h"
 
 namespace Vn::Units {
@@ -22,18 +23,6 @@ struct Destroy {
     void operator()(ComplexUnit * units) const { ComplexUnit::destroy(units); }
 };
 using OwnedUnits = std::unique_ptr<ComplexUnit, Destroy>;
-
-// A document that shows lengths in miles and every area in acres.
-class MilesAndAcres : public UnitSystem {
-    bool onFindDefault(ComplexUnit const & units, ComplexUnit & out) const override {
-        if (!UnitAcre::get()->asComplexUnit().isDimensionallyEquivalent(&units)) return false;
-        out.assign(UnitAcre::get());
-        return true;
-    }
-    SimpleUnit const * onFindDefault(ESimpleUnitType type) const override {
-        return type == UnitTypeLength ? UnitMile::get() : nullptr;
-    }
-};
 
 TEST(UnitContextTests, DefaultExpectsNothing) {
     UnitContext const context;
@@ -154,23 +143,6 @@ TEST(UnitContextTests, DefaultOfAKindIsTheLoneUnitExpected) {
     EXPECT_EQ(speed.findDefault(UnitTypeSpeed), nullptr);
     UnitContext const mph(std::wstring(L"mph"));
     EXPECT_EQ(mph.findDefault(UnitTypeSpeed), UnitMilesPerHour::get());
-}
-
-TEST(UnitContextTests, UnitSystemIsAskedForWhatIsntExpected) {
-    StrongRef<UnitSystem> const system(new MilesAndAcres);
-    UnitContext const context(system);
-    EXPECT_FALSE(context.hasExpectedUnits());
-    EXPECT_EQ(context.activeUnitSystem(), system);
-    ComplexUnit out(UnitGram::get(1.0));
-    EXPECT_TRUE(context.findDefault(complexUnit({L"in", L"in"}), out));
-    EXPECT_EQ(abbreviations(out), L"acre");
-    out.assign(UnitGram::get(1.0));
-    EXPECT_FALSE(context.findDefault(complexUnit({L"in"}), out));
-    EXPECT_EQ(abbreviations(out), L"g");
-    EXPECT_EQ(context.findDefault(UnitTypeLength), UnitMile::get());
-    EXPECT_EQ(context.findDefault(UnitTypeMass), nullptr);
-    UnitContext const copy = context;
-    EXPECT_EQ(copy.activeUnitSystem(), system);
 }
 
 TEST(UnitContextTests, EmptyUnitSystemIsNone) {

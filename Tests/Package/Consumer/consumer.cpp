@@ -14,25 +14,13 @@
 #include "Server/CommonData/Managed/ManagedEntityUtils.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitSystem.h"
+#include "Server/CommonData/Units/UnitSystemChoice.h"
 
 using namespace Vn;
 using Expressions::Expression;
 using Units::UnitContext;
 
 namespace {
-
-// A document that measures in inches.
-class Inches final : public Units::UnitSystem {
-    bool onFindDefault(Units::ComplexUnit const & units, Units::ComplexUnit & out) const override {
-        Units::ComplexUnit const inch(Units::UnitInch::get());
-        if (!units.isDimensionallyEquivalent(&inch)) return false;
-        out = inch;
-        return true;
-    }
-    Units::SimpleUnit const * onFindDefault(Units::ESimpleUnitType type) const override {
-        return type == Units::UnitTypeLength ? Units::UnitInch::get() : nullptr;
-    }
-};
 
 std::string utf8(std::wstring const & text) { return Text::toUtf8(text); }
 
@@ -122,7 +110,14 @@ int main(int argc, char ** argv) {
     std::cout << "meter is " << (isBase(meter) ? "a" : "no") << " base unit, newton "
               << (isBase(newton) ? "is" : "isn't") << '\n';
 
-    UnitContext const document(StrongRef<Units::UnitSystem>(new Inches));
+    // A document that measures in inches.
+    StrongRef<Asset> const asset = Asset::make(nullptr);
+    StrongRef<Units::UnitSystems> const systems = Units::UnitSystems::make(asset->segment(1U));
+    StrongRef<Units::UnitSystem> const inches =
+        Units::UnitSystem::make(systems, std::wstring(L"Inches"), "inches");
+    StrongRef<Units::UnitSystemChoice> const choice =
+        Units::UnitSystemChoiceByUnit::make(inches, Units::UnitInch::get());
+    UnitContext const document(inches);
     Units::ComplexUnit shown;
     Units::ComplexUnit const centimetre(Units::UnitMeter::get(0.01));
     if (!document.findDefault(centimetre, shown)) return 3;
