@@ -94,6 +94,16 @@ TEST_P(CatalogueTests, ValuesHaveTheirPlacesInEveryText) {
     EXPECT_GE(places, 30U);
 }
 
+// They are the keys of a map.
+TEST_P(CatalogueTests, NamesOfMassPropertiesDiffer) {
+    std::set<std::string> names;
+    for (PoEntry const & entry : entries())
+        for (char const * const key : {"MaterialProperty", "VolumeProperty", "AreaProperty",
+                                       "MassProperty", "DensityProperty"})
+            if (entry.context == key) names.insert(entry.text);
+    EXPECT_EQ(names.size(), 5U);
+}
+
 TEST_P(CatalogueTests, WordsAreNames) {
     for (PoEntry const & entry : entries()) {
         if (!isKeyOfConstant(entry.context) && !isKeyOfPrefix(entry.context) &&

@@ -20,6 +20,10 @@ std::vector<Source> makeSources() {
 #define VN_COMPOSITE_KIND(number, name, numerator, denominator)                                    \
     result.push_back({"UnitType" #name, #name});
 #include "Server/CommonData/Units/UnitKinds.inc"
+    result.push_back({"modelingLengthName", "Modeling Length"});
+    result.push_back({"modelingMassName", "Modeling Mass"});
+#define VN_MASS_PROPERTY_TEXT(key, text) result.push_back({#key, Text::toUtf8(text)});
+#include "Server/CommonData/MassProperties/MassPropertyTexts.inc"
 #define VN_FAILURE_TEXT(name, text) result.push_back({"Failure" #name, Text::toUtf8(text)});
 #include "Server/CommonData/Expressions/FailureTexts.inc"
     return result;

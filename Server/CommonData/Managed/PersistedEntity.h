@@ -147,6 +147,26 @@ inline boost::wformat debugFormat(wchar_t const * text) {
     return boost::wformat(text, std::locale::classic());
 }
 
+// Has `fill` begin and fill a member set, unless that was done: by the first object of its class,
+// whichever thread makes that.  `level` is the place of the lock in the order of locks.  If `fill`
+// throws, the set is empty again, and the next object fills it.
+template <class Fill>
+void fillOnce(MemberSet * set, unsigned level, Fill && fill) {
+    ScopedLockBase const scope(LockShared, level);
+    tbb::spin_rw_mutex_v3::scoped_lock lock;
+    if (scope.isLocking()) lock.acquire(set->mutex(), false);
+    if (set->initialized()) return;
+    if (scope.isLocking()) lock.upgrade_to_writer();
+    // The upgrade may have let another thread go first.
+    if (set->initialized()) return;
+    try {
+        fill();
+    } catch (...) {
+        set->clear();
+        throw;
+    }
+}
+
 // The steps of the pattern that look the same for all classes, and its way to what classes keep to
 // themselves.
 class VN_COMMONDATA_API PersistedAccess {
@@ -227,17 +247,8 @@ protected:
     // The last step of each constructor of X.
     void initializeMemberSetIfNeeded() {
         EntityMetaType * const type = X::s_metaType();
-        {
-            MemberSet * const set = type->memberSet(c_latestVersion);
-            ScopedLockBase const scope(0, 0);
-            tbb::spin_rw_mutex_v3::scoped_lock lock;
-            if (scope.isLocking()) lock.acquire(set->mutex(), false);
-            if (!set->initialized()) {
-                if (scope.isLocking()) lock.upgrade_to_writer();
-                // The upgrade may have let another thread go first.
-                if (!set->initialized()) fillMemberSet(*type, set);
-            }
-        }
+        MemberSet * const set = type->memberSet(c_latestVersion);
+        fillOnce(set, 0, [&] { fillMemberSet(*type, set); });
         m_pMigrationHelper = nullptr;
         if (!this->isCreating()) beginMigration(*type);
     }
@@ -259,14 +270,9 @@ private:
 
     void fillMemberSet(EntityMetaType & type, MemberSet * set) {
         PersistedAccess::markCoreAddIn(type);
-        try {
-            set->initialize(static_cast<X *>(this), X::c_class.name());
-            PersistedAccess::initializeMemberSet(static_cast<X &>(*this), type.version(), set);
-            set->base(PersistedAccess::baseMemberSet(type));
-        } catch (...) { // the next object fills it
-            set->clear();
-            throw;
-        }
+        set->initialize(static_cast<X *>(this), X::c_class.name());
+        PersistedAccess::initializeMemberSet(static_cast<X &>(*this), type.version(), set);
+        set->base(PersistedAccess::baseMemberSet(type));
     }
 
     void beginMigration(EntityMetaType & type) {
