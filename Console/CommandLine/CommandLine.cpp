@@ -8,6 +8,7 @@
 #include "Console/CommandLine/BatchCommand.h"
 #include "Console/CommandLine/EvalCommand.h"
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/CommandLine/MassCommand.h"
 #include "Console/CommandLine/SelfTestCommand.h"
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Documents/Command.h"
@@ -42,6 +43,8 @@ constexpr char c_examples[] = R"(Examples:
   vnconsole command 'Units.List /Verbose'
   vnconsole batch expressions.jsonl > results.jsonl
   vnconsole document --new a.vnd make, add 0 3, tree
+  vnconsole eval --document a.vnd --kind Length '2'
+  vnconsole mass '10 cm' '20 cm' '30 cm' --density '7850 kg/m^3'
 
 Exit status: 0 good, 1 the input was not good, 2 the command line was not understood.
 )";
@@ -90,6 +93,7 @@ public:
         addCommand();
         addBatch();
         addDocument();
+        addMass();
         addSelfTest();
         m_tour = addSubcommand("tour", "Shows a few expressions and what they evaluate to");
     }
@@ -115,6 +119,7 @@ public:
         if (*m_command) return runTextCommand(texts(*m_words), out, err);
         if (*m_batch)
             return runBatchCommand(Text::toUtf8(wide(m_file)), errorIsTerminal(), in, out, err);
+        if (*m_mass) return runMass(massOptions(), out, err);
         if (*m_document) return runDocument(documentOptions(), document, out, err);
         if (*m_selfTest) return runSelfTest(Text::toUtf8(wide(m_group)), out, err);
         if (*m_tour) return runTour(out);
@@ -146,9 +151,60 @@ private:
         m_displayOption =
             m_eval->add_option("--display,-d", m_display, "The unit in which the value is shown");
         m_displayOption->type_name("UNIT");
+        addUnitSystem(*m_eval);
+        m_evalKind = m_eval->add_option("--kind", m_kind, "The kind of quantity of the result");
+        m_evalKind->type_name("KIND");
+        m_evalId = m_eval->add_option("--id", m_id, "A key of the system that goes before both");
+        m_evalId->type_name("KEY");
         m_eval->add_flag("--standard", m_standard, "With the factory display settings");
         m_eval->add_flag("--json", m_json, "One JSON object a line for each text");
         m_eval->footer("A text that begins with \"-\" goes after \"--\".\n");
+    }
+
+    // The units of a document, for who doesn't change it.
+    void addUnitSystem(CLI::App & command) {
+        command.add_option("--document", m_unitsFile, "A document whose units are used")
+            ->type_name("FILE");
+        command.add_option("--system", m_system, "Which of its unit systems, if there are several")
+            ->type_name("ID");
+    }
+
+    DocumentUnits documentUnits(CLI::App const & command) const {
+        auto const given = [&](char const * option, std::string const & text) {
+            return command.count(option) > 0 ? std::optional(wide(text)) : std::nullopt;
+        };
+        DocumentUnits units;
+        units.file = given("--document", m_unitsFile);
+        units.system = given("--system", m_system);
+        return units;
+    }
+
+    void addMass() {
+        m_mass = addSubcommand("mass", "Shows the mass properties of a box");
+        m_edges = m_mass->add_option("EDGE", m_converted, "The lengths of three edges");
+        m_edges->type_name("")->required()->expected(3);
+        m_mass->add_option("--density", m_density, "The density of its material")
+            ->type_name("VALUE")
+            ->required();
+        m_materialOption = m_mass->add_option("--material", m_material, "The name of its material");
+        m_materialOption->type_name("NAME");
+        m_overrides = m_mass->add_option("--override", m_converted,
+                                         "A value in place of the calculated one: volume, area, "
+                                         "mass or density");
+        m_overrides->type_name("QUANTITY=VALUE")->expected(1)->take_all();
+        addUnitSystem(*m_mass);
+        m_mass->add_flag("--json", m_json, "One JSON object");
+    }
+
+    MassOptions massOptions() const {
+        MassOptions options;
+        options.edges = texts(*m_edges);
+        options.density = wide(m_density);
+        if (m_materialOption->count() > 0) options.material = wide(m_material);
+        options.overrides = texts(*m_overrides);
+        options.units = documentUnits(*m_mass);
+        options.json = m_json;
+        return options;
     }
 
     void addUnits() {
@@ -194,6 +250,9 @@ private:
         options.texts = texts(*m_texts);
         if (m_unitOption->count() > 0) options.unit = wide(m_unit);
         if (m_displayOption->count() > 0) options.display = wide(m_display);
+        options.units = documentUnits(*m_eval);
+        if (m_evalKind->count() > 0) options.units.kind = wide(m_kind);
+        if (m_evalId->count() > 0) options.units.id = wide(m_id);
         options.standard = m_standard;
         options.json = m_json;
         return options;
@@ -214,11 +273,17 @@ private:
     CLI::App * m_command = nullptr;
     CLI::App * m_batch = nullptr;
     CLI::App * m_document = nullptr;
+    CLI::App * m_mass = nullptr;
     CLI::App * m_selfTest = nullptr;
     CLI::App * m_tour = nullptr;
     CLI::Option * m_texts = nullptr;
     CLI::Option * m_words = nullptr;
     CLI::Option * m_calls = nullptr;
+    CLI::Option * m_edges = nullptr;
+    CLI::Option * m_overrides = nullptr;
+    CLI::Option * m_materialOption = nullptr;
+    CLI::Option * m_evalKind = nullptr;
+    CLI::Option * m_evalId = nullptr;
     CLI::Option * m_unitOption = nullptr;
     CLI::Option * m_displayOption = nullptr;
     std::vector<std::string> m_converted; // what the options want to write to, and nobody reads
@@ -228,6 +293,12 @@ private:
     std::string m_pattern;
     std::string m_file;
     std::string m_group;
+    std::string m_unitsFile;
+    std::string m_system;
+    std::string m_kind;
+    std::string m_id;
+    std::string m_density;
+    std::string m_material;
     bool m_standard = false;
     bool m_json = false;
     bool m_new = false;

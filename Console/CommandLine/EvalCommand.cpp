@@ -71,9 +71,12 @@ bool evaluateAsJson(Expression const & expression, UnitDisplaySettings const & s
 } // namespace
 
 int runEval(EvalOptions const & options, std::ostream & out, std::ostream & err) {
+    OpenedUnits units;
+    if (int const status = openUnits(options.units, units, err); status != ExitGood) return status;
     UnitContext context;
-    if (options.unit && !readUnitContext(*options.unit, "vnconsole: --unit", context, err))
-        return ExitBadUsage;
+    if (int const status = makeDocumentContext(options.units, options.unit, units, context, err);
+        status != ExitGood)
+        return status;
     UnitContext display = context;
     if (options.display && !readUnitContext(*options.display, "vnconsole: --display", display, err))
         return ExitBadUsage;

@@ -8,12 +8,15 @@
 #include <string>
 #include <vector>
 
+#include "Console/Documents/DocumentUnits.h"
+
 namespace Vn::Console {
 
 struct EvalOptions {
     std::vector<std::wstring> texts;
     std::optional<std::wstring> unit;    // what is expected; empty: a result without units
     std::optional<std::wstring> display; // what the value is shown in
+    DocumentUnits units;                 // what a document makes of that
     bool standard = false;               // the factory settings rather than the user's
     bool json = false;                   // an object a line rather than a table a text
 };

@@ -102,6 +102,12 @@ std::wstring aliases(wchar_t const * separator, bool (*wanted)(DocumentCommand c
     return all;
 }
 
+// "a, b or c" of "a, b, c".
+std::wstring oneOf(std::wstring names) {
+    std::size_t const last = names.rfind(L", ");
+    return last == names.npos ? names : names.replace(last, 2, L" or ");
+}
+
 bool takesJson(DocumentCommand const & command) {
     return command.flag && std::wstring_view(command.flag) == L"Json";
 }
@@ -155,7 +161,7 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
                                        [](Call const & call) { return takesJson(*call.command); });
     if (options.json && !showsJson) {
         return badUsage(
-            "--json goes with the command " + Text::toUtf8(aliases(L" or ", &takesJson)), err);
+            "--json goes with the command " + Text::toUtf8(oneOf(aliases(L", ", &takesJson))), err);
     }
     return ExitGood;
 }

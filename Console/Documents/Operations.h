@@ -38,6 +38,24 @@ TextCommandResult removeEntity(DocumentSession & session, TextCommandParameters 
 TextCommandResult moveEntity(DocumentSession & session, TextCommandParameters const & parameters);
 TextCommandResult deleteGroup(DocumentSession & session, TextCommandParameters const & parameters);
 
+// The unit systems.
+TextCommandResult makeUnitSystem(DocumentSession & session,
+                                 TextCommandParameters const & parameters);
+TextCommandResult completeUnitSystem(DocumentSession & session,
+                                     TextCommandParameters const & parameters);
+TextCommandResult removeUnitSystem(DocumentSession & session,
+                                   TextCommandParameters const & parameters);
+TextCommandResult chooseUnit(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult chooseUnitById(DocumentSession & session,
+                                 TextCommandParameters const & parameters);
+TextCommandResult changeUnit(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult removeUnitChoice(DocumentSession & session,
+                                   TextCommandParameters const & parameters);
+TextCommandResult listUnitSystems(DocumentSession const & session,
+                                  TextCommandParameters const & parameters, std::ostream & out);
+TextCommandResult showUnitSystem(DocumentSession const & session,
+                                 TextCommandParameters const & parameters, std::ostream & out);
+
 // "cannot ...: ...".
 TextCommandResult cannot(std::wstring const & what, std::wstring const & reason);
 

@@ -91,6 +91,8 @@ DocumentTextCommands::DocumentTextCommands(DocumentSession & session, std::ostre
         L"Document", L"Commands that keep a document: its file, its tree and its history"));
     m_areas.push_back(std::make_unique<SubjectArea>(
         L"Groups", L"Commands that change the groups of the document"));
+    m_areas.push_back(std::make_unique<SubjectArea>(
+        L"UnitSystems", L"Commands that change the units of the document"));
     for (DocumentCommand const & command : documentCommands())
         m_commands.push_back(std::make_unique<Command>(command, session, out));
 }

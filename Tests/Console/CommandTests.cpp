@@ -93,7 +93,25 @@ TEST(TextCommandTests, WithoutACommandAllAreListed) {
         "  Groups.Remove  <Path> Takes an entity out of its group\n"
         "  Groups.Move    <Path> before|after|into <Path> Moves an entity before or after another, "
         "or to the end of a group\n"
-        "  Groups.Delete  <Path> Deletes a group with everything below it\n");
+        "  Groups.Delete  <Path> Deletes a group with everything below it\n"
+        "\n"
+        "UnitSystems: Commands that change the units of the document\n"
+        "  UnitSystems.Make          <Name> <Id> mks|cgs|imperial|empty Makes a unit system, with "
+        "the units that are usual in one of three, or without\n"
+        "  UnitSystems.List          [/Json] Lists the unit systems of the document\n"
+        "  UnitSystems.ChoiceById    <Id> <Key> <Unit> [Name] Has a unit system use a unit under a "
+        "key, such as ModelingLength\n"
+        "  UnitSystems.Choice        <Id> <Unit> [Name] Has a unit system use a unit for "
+        "quantities of its kind\n"
+        "  UnitSystems.Change        <Id> <Choice> <Unit> Gives a choice of a unit system another "
+        "unit of the same dimension; the choice is its number, its kind or its key\n"
+        "  UnitSystems.Show          <Id> [/Json] Lists the choices of a unit system: number, kind "
+        "or key, unit, stored text, name\n"
+        "  UnitSystems.Complete      <Id> mks|cgs|imperial|common Adds units for the kinds that a "
+        "unit system has none for yet\n"
+        "  UnitSystems.RemoveChoice  <Id> <Choice> Takes a choice out of a unit system, by its "
+        "number, its kind or its key\n"
+        "  UnitSystems.Remove        <Id> Takes a unit system out of the document\n");
 }
 
 TEST(UnitsTests, TableIsAligned) {

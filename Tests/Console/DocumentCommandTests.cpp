@@ -398,15 +398,18 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
          "vnconsole: there is no command \"mvoe\" on documents; did you mean move?\n"},
         {"frobnicate",
          "vnconsole: there is no command \"frobnicate\" on documents; the commands are new, make, "
-         "add, remove, move, delete, show, set, tree, undo, redo, history, check\n"},
+         "add, remove, move, delete, show, set, makesystem, systems, chooseid, choose, changeunit, "
+         "system, complete, unchoose, removesystem, tree, undo, redo, history, check\n"},
         {"Units.List",
          "vnconsole: there is no command \"Units.List\" on documents; the commands are "
-         "new, make, add, remove, move, delete, show, set, tree, undo, redo, history, check\n"},
+         "new, make, add, remove, move, delete, show, set, makesystem, systems, chooseid, choose, "
+         "changeunit, system, complete, unchoose, removesystem, tree, undo, redo, history, "
+         "check\n"},
         {"make, saveas b.vnd", "vnconsole: saveas belongs to a session; here the file is opened "
                                "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},
         {"check, tree", "vnconsole: check stands alone, and looks at the file\n"},
-        {"make --json", "vnconsole: --json goes with the command show or tree\n"},
+        {"make --json", "vnconsole: --json goes with the command show, systems, system or tree\n"},
     };
     makeSample();
     std::string const before = readFile("a.vnd");

@@ -244,7 +244,7 @@ TEST_F(DocumentSessionTests, TheExamplesOfHelpFollowOneAnother) {
         lines += line.substr(2, line.find("  ", 2) - 2) + '\n';
         ++count;
     }
-    EXPECT_EQ(count, 15u);
+    EXPECT_EQ(count, 23u);
     Outcome const outcome = session(lines);
     EXPECT_EQ(outcome.status, 0) << lines;
     EXPECT_EQ(outcome.err, "");

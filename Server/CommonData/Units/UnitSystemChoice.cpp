@@ -1,5 +1,6 @@
 #include "Server/CommonData/Units/UnitSystemChoice.h"
 
+#include <cmath>
 #include <utility>
 
 #include "Platform/Base/Shared.h"
@@ -59,11 +60,23 @@ std::wstring UnitSystemChoice::reconstructString(ComplexUnit const * units) {
     return units ? StoredUnitText::write(*units) : std::wstring();
 }
 
+bool UnitSystemChoice::isStorable(ComplexUnit const * units) {
+    ComplexUnit stored;
+    if (!units || !readStored(reconstructString(units), stored)) return false;
+    double const factor = units->baseConversionFactor();
+    return stored.isDimensionallyEquivalent(units) &&
+           std::fabs(stored.baseConversionFactor() - factor) <= 1e-9 * std::fabs(factor);
+}
+
 // What the engine doesn't read may still be what is written: a name that can't be typed, one that a
 // prefixed unit hides, and all prefixes in another language of the user's.
+bool UnitSystemChoice::readStored(std::wstring const & text, ComplexUnit & out) {
+    return parse(text, out) || StoredUnitText::read(text, out);
+}
+
 void UnitSystemChoice::readUnits() {
     ComplexUnit units;
-    if (!parse(m_unitString, units) && !StoredUnitText::read(m_unitString, units)) return;
+    if (!readStored(m_unitString, units)) return;
     m_units = units;
     m_units.validateBase();
 }

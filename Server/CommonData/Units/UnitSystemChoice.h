@@ -75,6 +75,10 @@ public:
     // language and settings, but powers as the user has them written.  A unitless product has an
     // empty text.  Null has none either.
     static std::wstring reconstructString(ComplexUnit const * units);
+    // Whether a document gives a unit back: its text reads as the same dimension and, but for
+    // rounding, the same factor.  Not so of a unitless product, which has no text, and of a
+    // magnitude without a prefix.  False for null.
+    static bool isStorable(ComplexUnit const * units);
 
 protected:
     // Under `parent`, with a unit; and one that is being loaded, without anything.
@@ -100,6 +104,7 @@ private:
     virtual bool onMatches(ComplexUnit const * units) const;
 
     void initializeMemberSet(unsigned version, MemberSet * set);
+    static bool readStored(std::wstring const & text, ComplexUnit & out);
     void readUnits();
 
     GlobalizedString m_name;

@@ -351,6 +351,14 @@ TEST(UnitSystemChoiceTests, PowersAreStoredAsTheSettingsSayAndBothRead) {
 
 TEST(UnitSystemChoiceTests, WhatATextCannotHoldIsLost) {
     SystemDocument const document;
+    for (wchar_t const * const text :
+         {L"cm", L"m / s^2", L"sr", L"", L"kg m^2 / (s^2 A)", L"Em^3"}) {
+        ComplexUnit const units = parsed(text);
+        EXPECT_TRUE(UnitSystemChoice::isStorable(&units)) << testing::PrintToString(text);
+    }
+    for (ComplexUnit const & units : {parsed(L"cm / in"), ComplexUnit(UnitMeter::get(1E5))})
+        EXPECT_FALSE(UnitSystemChoice::isStorable(&units));
+    EXPECT_FALSE(UnitSystemChoice::isStorable(nullptr));
     StrongRef<UnitSystemChoice> const ratio = addId(document.system(), "ratio", L"cm / in");
     EXPECT_EQ(ratio->storedUnitString(), L"");
     StrongRef<UnitSystemChoice> const scaled = UnitSystemChoiceById::make(

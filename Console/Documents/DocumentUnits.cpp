@@ -1,0 +1,118 @@
+#include "Console/Documents/DocumentUnits.h"
+
+#include <ostream>
+
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/Documents/Session.h"
+#include "Console/Documents/UnitSystems.h"
+#include "Console/Evaluation.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+#include "Platform/DataModel/DocumentFile.h"
+#include "Server/CommonData/Units/SimpleUnit.h"
+#include "Server/CommonData/Units/UnitLookup.h"
+#include "Server/CommonData/Units/UnitSystemChoice.h"
+
+namespace Vn::Console {
+
+namespace {
+
+using Units::ComplexUnit;
+using Units::ESimpleUnitType;
+using Units::SimpleUnit;
+using Units::UnitContext;
+
+int told(std::wstring const & why, std::ostream & err) {
+    err << "vnconsole: " << Text::toUtf8(why) << '\n';
+    return ExitBadInput;
+}
+
+// The first unit of a kind, which the system is then asked to replace.
+SimpleUnit const * firstOfKind(ESimpleUnitType kind) {
+    for (SimpleUnit const * const unit : Units::listUnits())
+        if (unit->simpleUnitType() == kind && unit->magnitude() == 1.0) return unit;
+    return nullptr;
+}
+
+// What a system has for a kind: the choice, or a translation of what the kind consists of.
+UnitContext contextOfKind(DocumentUnits const & options, OpenedUnits const & units,
+                          ESimpleUnitType kind) {
+    SimpleUnit const * const unit = firstOfKind(kind);
+    ComplexUnit base;
+    unit->asComplexUnit().produceBaseRepresentation(base);
+    bool const isChosen = static_cast<bool>(units.system->find(kind));
+    if (options.id) {
+        std::string const id = Text::toUtf8(*options.id);
+        return isChosen ? UnitContext(units.system, id, unit)
+                        : UnitContext(units.system, id, &base);
+    }
+    return isChosen ? UnitContext(units.system, unit) : UnitContext(units.system, &base);
+}
+
+} // namespace
+
+int openUnits(DocumentUnits const & options, OpenedUnits & units, std::ostream & err) {
+    if (!options.file) {
+        if (!options.system && !options.kind && !options.id) return ExitGood;
+        err << "vnconsole: "
+            << (options.system ? "--system"
+                : options.kind ? "--kind"
+                               : "--id")
+            << " asks the unit systems of a document; name one with --document\n";
+        return ExitBadUsage;
+    }
+    Status const status = DocumentFile::load(pathOf(*options.file), nullptr, units.asset);
+    if (!status) {
+        units.asset.reset();
+        return told(printable(Text::fromUtf8(status.toString())), err);
+    }
+    std::wstring const why = findUnitSystem(units.asset->segment(SegmentType::DesignSegment),
+                                            options.system, units.system);
+    return why.empty() ? ExitGood : told(shown(pathOf(*options.file)) + L": " + why, err);
+}
+
+int makeDocumentContext(DocumentUnits const & options, std::optional<std::wstring> const & unit,
+                        OpenedUnits const & units, UnitContext & context, std::ostream & err) {
+    if (unit && options.kind) {
+        err << "vnconsole: --unit and --kind ask for different things\n";
+        return ExitBadUsage;
+    }
+    if (!units.system) {
+        bool const isGood = !unit || readUnitContext(*unit, "vnconsole: --unit", context, err);
+        return isGood ? ExitGood : ExitBadUsage;
+    }
+    if (options.kind) {
+        ESimpleUnitType kind{};
+        std::wstring const why = findUnitKind(*options.kind, kind);
+        if (!why.empty()) {
+            err << "vnconsole: --kind: " << Text::toUtf8(why) << '\n';
+            return ExitBadUsage;
+        }
+        context = contextOfKind(options, units, kind);
+        return ExitGood;
+    }
+    if (unit) {
+        UnitContext ignored;
+        if (!readUnitContext(*unit, "vnconsole: --unit", ignored, err)) return ExitBadUsage;
+        context = options.id ? UnitContext(units.system, Text::toUtf8(*options.id), *unit)
+                             : UnitContext(units.system, *unit);
+        return ExitGood;
+    }
+    if (!options.id) {
+        context = UnitContext(units.system);
+        return ExitGood;
+    }
+    // Nothing stands in for a key that isn't there.
+    StrongRef<Units::UnitSystemChoice> choice;
+    if (!units.system->find(Text::toUtf8(*options.id)))
+        return told(findUnitChoice(*units.system, *options.id, choice).empty()
+                        ? L"the unit system has " + inQuotes(*options.id) +
+                              L" as a kind and not as a key; --kind asks for kinds"
+                        : findUnitChoice(*units.system, *options.id, choice),
+                    err);
+    context = UnitContext(units.system, Text::toUtf8(*options.id),
+                          static_cast<SimpleUnit const *>(nullptr));
+    return ExitGood;
+}
+
+} // namespace Vn::Console

@@ -1,0 +1,152 @@
+#include "Console/Documents/UnitSystems.h"
+
+#include <vector>
+
+#include "Console/Failure.h"
+#include "Console/Texts.h"
+#include "Console/UnitTexts.h"
+#include "Platform/Base/InterfaceId.h"
+#include "Platform/Base/Spelling.h"
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
+#include "Server/CommonData/Units/SimpleUnit.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
+
+namespace Vn::Console {
+
+namespace {
+
+using Units::ComplexUnit;
+using Units::ESimpleUnitType;
+using Units::SimpleUnit;
+using Units::UnitSystem;
+using Units::UnitSystemChoice;
+using Units::UnitSystemChoiceById;
+using Units::UnitSystemChoiceByUnit;
+using Units::UnitSystems;
+
+// "; did you mean imp?", or "; there are mks, imp"; empty if there are no names.
+std::wstring orInstead(std::wstring const & name, std::vector<std::wstring> const & names) {
+    auto const nearest = Spelling::nearest(name, names, Spelling::allowedMistakes(name.size()));
+    if (!nearest.empty()) return L"; did you mean " + printable(*nearest.front()) + L"?";
+    std::wstring all;
+    for (std::wstring const & known : names)
+        all += (all.empty() ? L"; there " + std::wstring(names.size() == 1 ? L"is " : L"are ")
+                            : std::wstring(L", ")) +
+               printable(known);
+    return clipped(all, 1000);
+}
+
+bool isKindNamed(ESimpleUnitType kind, std::wstring const & name) {
+    GlobalizedString const text = SimpleUnit::globalizedSimpleUnitTypeName(kind);
+    return Text::foldedEqual(std::wstring_view(text.value()), std::wstring_view(name)) ||
+           Text::foldedEqual(std::wstring_view(text.defaultText()), std::wstring_view(name));
+}
+
+// The number that a text is; none for other texts.
+std::optional<unsigned> numberOf(std::wstring const & text) {
+    unsigned number = 0;
+    if (text.empty() || text.size() > 9) return std::nullopt;
+    for (wchar_t const c : text) {
+        if (c < L'0' || c > L'9') return std::nullopt;
+        number = number * 10 + static_cast<unsigned>(c - L'0');
+    }
+    return number;
+}
+
+} // namespace
+
+std::wstring findUnitSystem(Segment * segment, std::optional<std::wstring> const & id,
+                            StrongRef<UnitSystem> & system) {
+    StrongRef<UnitSystems> const systems = UnitSystems::find(segment);
+    std::vector<StrongRef<UnitSystem>> all;
+    std::vector<std::wstring> ids;
+    for (unsigned i = 0; systems && i < systems->unitSystems(); ++i)
+        if (StrongRef<UnitSystem> each = systems->unitSystem(i)) {
+            ids.push_back(Text::fromUtf8(each->id()));
+            all.push_back(std::move(each));
+        }
+    if (all.empty())
+        return L"the document has no unit system; UnitSystems.Make NAME ID mks makes one";
+    if (!id) {
+        if (all.size() > 1) return L"the document has several unit systems" + orInstead({}, ids);
+        system = all.front();
+        return {};
+    }
+    StrongRef<UnitSystem> found = systems->findUnitSystem(Text::toUtf8(*id));
+    if (!found) return L"the document has no unit system " + inQuotes(*id) + orInstead(*id, ids);
+    system = std::move(found);
+    return {};
+}
+
+std::wstring purposeOf(UnitSystemChoice const & choice) {
+    if (auto const * const byUnit = query<UnitSystemChoiceByUnit>(&choice)) {
+        bool const isKind = byUnit->simpleUnitType() < UnitSystemChoiceByUnit::c_noKind;
+        return isKind ? SimpleUnit::globalizedSimpleUnitTypeName(byUnit->simpleUnitType()).value()
+                      : L"";
+    }
+    auto const * const byId = query<UnitSystemChoiceById>(&choice);
+    return byId ? Text::fromUtf8(byId->id()) : L"";
+}
+
+std::wstring findUnitChoice(UnitSystem const & system, std::wstring const & which,
+                            StrongRef<UnitSystemChoice> & choice) {
+    StrongRef<UnitSystemChoice> found = system.find(Text::toUtf8(which));
+    std::optional<unsigned> const number = numberOf(which);
+    if (!found && number) found = system.unitSystemChoice(*number);
+    std::vector<std::wstring> names;
+    for (unsigned i = 0; !found && i < system.unitSystemChoices(); ++i) {
+        StrongRef<UnitSystemChoice> const each = system.unitSystemChoice(i);
+        if (!each) continue;
+        auto const * const byUnit = query<UnitSystemChoiceByUnit>(each.get());
+        if (byUnit && isKindNamed(byUnit->simpleUnitType(), which)) found = each;
+        if (std::wstring const name = purposeOf(*each); !name.empty()) names.push_back(name);
+    }
+    if (!found) {
+        return L"the unit system " + inQuotes(Text::fromUtf8(system.id())) +
+               (number ? L" has no choice of that number"
+                       : L" has no choice " + inQuotes(which) + orInstead(which, names));
+    }
+    choice = std::move(found);
+    return {};
+}
+
+std::wstring readKeptUnit(std::wstring const & text, ComplexUnit & units) {
+    ComplexUnit read;
+    if (!UnitSystemChoice::parse(text, read)) {
+        std::wstring why = inQuotes(text) + L" isn't a unit";
+        // A unit begins with no number, not even with the 1 above a fraction line.
+        std::wstring_view rest = trimmed(text);
+        if (rest.starts_with(L'1')) {
+            rest = trimmed(rest.substr(1));
+            if (rest.starts_with(L'/') && UnitSystemChoice::parse(std::wstring(rest), read))
+                return why + L"; write " + unitText(read, Units::UnitDisplaySettings::standard());
+        }
+        std::wstring const question = std::wstring(
+            trimmed(questionLine(explainFailure(Expressions::Expression(L"1 " + text)))));
+        return question.empty() ? why : why + L"; " + question;
+    }
+    if (!UnitSystemChoice::isStorable(&read))
+        return inQuotes(text) + L" can't be kept: a document would give back " +
+               (UnitSystemChoice::reconstructString(&read).empty()
+                    ? std::wstring(L"no unit, since nothing remains of the dimension")
+                    : inQuotes(UnitSystemChoice::reconstructString(&read)));
+    units = read;
+    return {};
+}
+
+std::wstring findUnitKind(std::wstring const & name, ESimpleUnitType & kind) {
+    std::vector<std::wstring> names;
+    for (unsigned i = 0; i < Units::c_simpleUnitTypes; ++i) {
+        auto const each = static_cast<ESimpleUnitType>(i);
+        if (isKindNamed(each, name)) {
+            kind = each;
+            return {};
+        }
+        names.push_back(SimpleUnit::globalizedSimpleUnitTypeName(each).value());
+    }
+    return inQuotes(name) + L" isn't a kind of quantity" + orInstead(name, names);
+}
+
+} // namespace Vn::Console
