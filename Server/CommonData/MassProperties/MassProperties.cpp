@@ -1,8 +1,10 @@
 #include "Server/CommonData/MassProperties/MassProperties.h"
 
 #include <new>
+#include <vector>
 
 #include "Platform/Base/InterfaceId.h"
+#include "Platform/Base/Shared.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/DataModel/Entity.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
@@ -25,31 +27,50 @@ using Units::SimpleUnit;
 // What a quantity is that nobody has written.
 constexpr double c_unknown = -1.0;
 
-// The single unit that a system has chosen for an identifier; else the default.
+// The single unit that a context of a system, an identifier and a text expects; else the unit of
+// the text.
 SimpleUnit const * modelingUnit(System const & system, std::string const & id,
-                                wchar_t const * defaultText, SimpleUnit const * defaultUnit) {
-    Units::UnitContext const context(system, id, std::wstring(defaultText));
-    SimpleUnit const * const unit = context.findSimpleExpectedUnits();
-    return unit ? unit : defaultUnit;
+                                wchar_t const * defaultText, SimpleUnit const * (*defaultUnit)()) {
+    SimpleUnit const * unit = nullptr;
+    // A choice by the identifier goes before everything.
+    if (StrongRef<Units::UnitSystemChoice> const choice = system ? system->find(id) : nullptr)
+        choice->units().isSimpleUnit(&unit);
+    else
+        unit = Units::UnitContext(system, std::wstring(defaultText)).findSimpleExpectedUnits();
+    return unit ? unit : defaultUnit();
 }
 
 SimpleUnit const * lengthUnit(System const & system) {
     return modelingUnit(system, Units::UnitSystemChoiceById::modelingLengthId(), L"cm",
-                        Units::UnitMeter::get(0.01));
+                        [] { return Units::UnitMeter::get(0.01); });
 }
 
 SimpleUnit const * massUnit(System const & system) {
     return modelingUnit(system, Units::UnitSystemChoiceById::modelingMassId(), L"kg",
-                        Units::UnitGram::get(1000.0));
+                        [] { return Units::UnitGram::get(1000.0); });
 }
 
 std::wstring shown(Units::Unit const & unit, double value) {
     return unit.reconstructString(value, Units::ValueAndUnit, Units::UnitDisplaySettings::get());
 }
 
-std::wstring shownInPower(SimpleUnit const * unit, int power, double value) {
-    Units::ComplexUnit units;
-    for (int i = 0; i < power; ++i) units.addToNumerator(unit);
+// The quantities in the units of lengths and masses that are given.
+std::wstring shownVolume(SimpleUnit const * length, double value) {
+    Units::ComplexUnit units(length);
+    units.addToNumerator(length);
+    units.addToNumerator(length);
+    return shown(units, value);
+}
+
+std::wstring shownArea(SimpleUnit const * length, double value) {
+    Units::ComplexUnit units(length);
+    units.addToNumerator(length);
+    return shown(units, value);
+}
+
+std::wstring shownDensity(SimpleUnit const * mass, SimpleUnit const * length, double value) {
+    Units::ComplexUnit units(mass);
+    for (int i = 0; i < 3; ++i) units.addToDenominator(length);
     return shown(units, value);
 }
 
@@ -58,16 +79,17 @@ enum EText : unsigned {
 #include "Server/CommonData/MassProperties/MassPropertyTexts.inc"
 };
 
-std::wstring text(EText key) {
-    struct Row {
-        char const * key;
-        wchar_t const * text;
-    };
-    static constexpr Row c_rows[] = {
-#define VN_MASS_PROPERTY_TEXT(key, text) {#key, text},
+// In the user's language, looked up once.
+std::wstring const & text(EText key) {
+    using Texts = std::vector<std::wstring>;
+    static constinit Shared<Texts const> s_texts;
+    return s_texts.get([] {
+        return new Texts{
+#define VN_MASS_PROPERTY_TEXT(key, text)                                                           \
+    StringTable::getLocalizedString("VnCommonData", #key, text),
 #include "Server/CommonData/MassProperties/MassPropertyTexts.inc"
-    };
-    return StringTable::getLocalizedString("VnCommonData", c_rows[key].key, c_rows[key].text);
+        };
+    })[key];
 }
 
 IMassPropertyCalculator * calculatorOf(Entity * owner) {
@@ -135,12 +157,12 @@ MassProperties::getCommonPhysicalMaterial(IComponentTraversalContext * context, 
 
 std::wstring MassProperties::volumeString(double value, System system, IComponentTraversalContext *,
                                           bool) {
-    return shownInPower(lengthUnit(system), 3, value);
+    return shownVolume(lengthUnit(system), value);
 }
 
 std::wstring MassProperties::areaString(double value, System system, IComponentTraversalContext *,
                                         bool) {
-    return shownInPower(lengthUnit(system), 2, value);
+    return shownArea(lengthUnit(system), value);
 }
 
 std::wstring MassProperties::massString(double value, System system, IComponentTraversalContext *,
@@ -150,10 +172,7 @@ std::wstring MassProperties::massString(double value, System system, IComponentT
 
 std::wstring MassProperties::densityString(double value, System system,
                                            IComponentTraversalContext *, bool) {
-    SimpleUnit const * const length = lengthUnit(system);
-    Units::ComplexUnit units(massUnit(system));
-    for (int i = 0; i < 3; ++i) units.addToDenominator(length);
-    return shown(units, value);
+    return shownDensity(massUnit(system), lengthUnit(system), value);
 }
 
 std::wstring MassProperties::volumeString(System system, IComponentTraversalContext * context,
@@ -180,17 +199,18 @@ void MassProperties::getAllMassProperties(std::map<std::wstring, std::wstring> &
                                           IComponentTraversalContext * context, bool flag) const {
     IMassPropertyCalculator * const calculator = calculatorOf(m_pOwner);
     PhysicalMaterial const * const material = calculator->commonPhysicalMaterial(context, flag);
-    std::wstring const materialName = material ? material->name() : text(VariedProperty);
     double volume = c_unknown;
     double area = c_unknown;
     double mass = c_unknown;
     double density = c_unknown;
     calculator->calculate(this, &volume, &area, &mass, &density, context, flag);
-    out.insert({text(MaterialProperty), materialName});
-    out.insert({text(VolumeProperty), volumeString(volume, system, context, flag)});
-    out.insert({text(AreaProperty), areaString(area, system, context, flag)});
-    out.insert({text(MassProperty), massString(mass, system, context, flag)});
-    out.insert({text(DensityProperty), densityString(density, system, context, flag)});
+    SimpleUnit const * const lengths = lengthUnit(system);
+    SimpleUnit const * const masses = massUnit(system);
+    out.try_emplace(text(MaterialProperty), material ? material->name() : text(VariedProperty));
+    out.try_emplace(text(VolumeProperty), shownVolume(lengths, volume));
+    out.try_emplace(text(AreaProperty), shownArea(lengths, area));
+    out.try_emplace(text(MassProperty), shown(*masses, mass));
+    out.try_emplace(text(DensityProperty), shownDensity(masses, lengths, density));
 }
 
 std::wstring MassProperties::toString() const {
