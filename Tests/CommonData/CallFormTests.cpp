@@ -18,9 +18,14 @@
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Managed/CommonBaseEntity.h"
 #include "Server/CommonData/Managed/CommonBaseRootCollection.h"
+#include "Server/CommonData/MassProperties/IMassPropertyCalculator.h"
+#include "Server/CommonData/MassProperties/MassProperties.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
+#include "Server/CommonData/Units/UnitContext.h"
 #include "Server/CommonData/Units/UnitLookup.h"
+#include "Server/CommonData/Units/UnitSystem.h"
+#include "Server/CommonData/Units/UnitSystemChoice.h"
 
 namespace Vn::CallFormTests {
 
@@ -242,6 +247,111 @@ struct SummarizerOperations : Summarizer {
 TEST(CallFormTests, TheVirtualOperationsOfASummarizerStandInTheirOrder) {
     SummarizerOperations<EntityChangeSummarizer>::expectOrder();
     SummarizerOperations<CommonData::ComponentChangeSummarizer>::expectOrder();
+}
+
+ComplexUnit metersPerSecondSquared() {
+    ComplexUnit units(UnitMeter::get(1.0));
+    units.addToDenominator(UnitSecond::get(1.0));
+    units.addToDenominator(UnitSecond::get(1.0));
+    return units;
+}
+
+TEST(CallFormTests, UnitSystemsAreMadeFilledAndAsked) {
+    using namespace Units;
+    StrongRef<Asset> const asset = Asset::make(nullptr);
+    Segment * const segment = asset->segment(1U);
+    StrongRef<UnitSystems> const systems = UnitSystems::make(segment);
+    StrongRef<UnitSystem> const mks = UnitSystem::make(systems, L"MKS", "mks");
+    StrongRef<UnitSystem> const named =
+        UnitSystem::make(systems, GlobalizedString("VnCommonData", "key", L"Text"), "named");
+    mks->completeAsMKS();
+    GlobalizedString const name(L"Name");
+    ComplexUnit const acceleration(metersPerSecondSquared());
+    StrongRef<UnitSystemChoiceByUnit> const byUnit =
+        UnitSystemChoiceByUnit::make(named, UnitInch::get());
+    StrongRef<UnitSystemChoiceByUnit> const byUnits =
+        UnitSystemChoiceByUnit::make(named, &acceleration, name);
+    StrongRef<UnitSystemChoiceByUnit> const byText =
+        UnitSystemChoiceByUnit::make(named, L"kg / m^3", name);
+    StrongRef<UnitSystemChoiceById> const byId =
+        UnitSystemChoiceById::make(named, name, "id", L"mm");
+    StrongRef<UnitSystemChoiceById> const byIdAndUnit =
+        UnitSystemChoiceById::make(named, UnitSystemChoiceById::modelingMassName(),
+                                   UnitSystemChoiceById::modelingMassId(), UnitGram::get(1.0));
+    for (UnitSystemChoice const * const each :
+         {static_cast<UnitSystemChoice *>(byUnit.get()),
+          static_cast<UnitSystemChoice *>(byUnits.get()),
+          static_cast<UnitSystemChoice *>(byText.get()),
+          static_cast<UnitSystemChoice *>(byId.get()),
+          static_cast<UnitSystemChoice *>(byIdAndUnit.get())}) {
+        ASSERT_NE(each, nullptr);
+        EXPECT_EQ(each->parentUnitSystem(), named);
+        EXPECT_EQ(each->unitString(), UnitSystemChoice::reconstructString(&each->units()));
+    }
+    EXPECT_TRUE(byId->changeUnits(UnitInch::get()));
+    EXPECT_TRUE(byId->changeUnits(L"ft"));
+    EXPECT_TRUE(byId->changeUnits(&byUnit->units()));
+    EXPECT_EQ(named->find("id"), byId);
+    EXPECT_EQ(named->find(UnitTypeLength), byUnit);
+    EXPECT_EQ(named->find(&acceleration), byUnits);
+    EXPECT_EQ(named->unitSystemChoices(), 5U);
+    EXPECT_EQ(named->unitSystemChoice(3), byId);
+    EXPECT_EQ(systems->findUnitSystem("mks"), mks);
+    EXPECT_EQ(systems->unitSystem(1), named);
+    EXPECT_EQ(UnitSystems::find(segment), systems);
+    ComplexUnit out;
+    EXPECT_TRUE(mks->make(&acceleration, out));
+    EXPECT_FALSE(mks->make(UnitTypeLength, out));
+    systems->remove(named);
+    EXPECT_EQ(systems->unitSystems(), 1U);
+}
+
+TEST(CallFormTests, ContextsAreMadeWithAUnitSystem) {
+    using namespace Units;
+    StrongRef<Asset> const asset = Asset::make(nullptr);
+    StrongRef<UnitSystems> const systems = UnitSystems::make(asset->segment(1U));
+    StrongRef<UnitSystem> const mks = UnitSystem::make(systems, L"MKS", "mks");
+    mks->completeAsMKS();
+    ComplexUnit const inch(UnitInch::get());
+    std::string const id = "id";
+    for (UnitContext const & context :
+         {UnitContext(mks, UnitInch::get()), UnitContext(mks, &inch), UnitContext(mks, L"in"),
+          UnitContext(mks, id, UnitInch::get()), UnitContext(mks, "id", &inch),
+          UnitContext(mks, id, L"in")}) {
+        ASSERT_TRUE(context.hasExpectedUnits());
+        EXPECT_EQ(context.findSimpleExpectedUnits(), UnitMeter::get(1.0));
+        EXPECT_EQ(context.activeUnitSystem(), mks);
+    }
+}
+
+TEST(CallFormTests, MassPropertiesAreShownWithoutARecord) {
+    using CommonData::MassProperties;
+    StrongRef<Units::UnitSystem> const none;
+    EXPECT_EQ(MassProperties::volumeString(1.0, none, nullptr, false), L"1.00 cm^3");
+    EXPECT_EQ(MassProperties::areaString(1.0, none, nullptr, false), L"1.00 cm^2");
+    EXPECT_EQ(MassProperties::massString(1.0, none, nullptr, false), L"1.00 kg");
+    EXPECT_EQ(MassProperties::densityString(1.0, none, nullptr, false), L"1.00 kg / cm^3");
+    MassProperties record;
+    record.overrideVolume(2.0);
+    EXPECT_EQ(record.volumeString(none, nullptr, false), L"2.00 cm^3");
+    EXPECT_EQ(record.queryMTInterface(MassProperties::s_metaType()), &record);
+}
+
+struct CalculatorOperations : CommonData::IMassPropertyCalculator {
+    void calculate(CommonData::MassProperties const *, double *, double *, double *, double *,
+                   CommonData::IComponentTraversalContext *, bool) override;
+    PhysicalMaterial const * commonPhysicalMaterial(CommonData::IComponentTraversalContext *,
+                                                    bool) override;
+    bool isMeasurable() const override;
+    UniqueString const * getInterfaceId() const override;
+    void * queryInterface(UniqueString const *) const override;
+};
+
+TEST(CallFormTests, TheVirtualOperationsOfACalculatorStandInTheirOrder) {
+    using C = CalculatorOperations;
+    expectInOrder({placeOf(&C::calculate), placeOf(&C::commonPhysicalMaterial),
+                   placeOf(&C::isMeasurable), placeOf(&C::getInterfaceId),
+                   placeOf(&C::queryInterface)});
 }
 
 } // namespace
