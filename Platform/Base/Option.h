@@ -24,6 +24,7 @@ public:
     bool doesStringMatchValue(std::wstring const & text) const override;
     EDataType valueType() const override;
 
+    // The three values.
     T value() const noexcept { return m_value; }
     T defaultValue() const noexcept { return m_default; }
     T savedValue() const noexcept { return m_saved; }

@@ -89,7 +89,6 @@ void OptionGroup::load(Status & status) {
             OptionFile options(PathInfo::fromText(names[file]));
             Status const read = options.read();
             if (!read && isThere(read) && failure.ok()) failure = read;
-            if (file == 0) m_fileStatus = isThere(read) ? read : Status::success();
             if (!read) continue;
             std::vector<XMLNode> nodes = options.find(m_id, m_options);
             for (std::size_t i = 0; i < nodes.size(); ++i) {
@@ -108,7 +107,7 @@ void OptionGroup::load(Status & status) {
         }
     }
     if (failure.ok()) failure = unreadable.status();
-    if (m_fileStatus.ok()) m_fileStatus = unreadable.status();
+    m_loadStatus = failure;
     status = failure;
     finishLoading();
 }
@@ -159,7 +158,7 @@ void OptionGroup::save(Status & status) {
     if (status && (isDamaged || !written.empty())) status = file.write();
     if (status) {
         for (OptionBase * const option : written) option->postSave();
-        m_fileStatus = unreadable.status();
+        m_loadStatus = unreadable.status();
     }
     if (isChanged) finishLoading();
 }

@@ -69,8 +69,8 @@ public:
     // files and the defaults; an option whose text isn't a value keeps the one it had.  The status
     // is of the first file that failed, or names such options.
     void load(Status & status);
-    // The status of the last load or save that read the own file.
-    Status const & fileStatus() const noexcept { return m_fileStatus; }
+    // The status of the last load.  A save that succeeds puts right what it told of the own file.
+    Status const & loadStatus() const noexcept { return m_loadStatus; }
 
     // Writes what was changed, and takes over what others have written meanwhile.  A file that is
     // damaged is kept beside it first, with ".damaged" after its name.  StatusBusy if others save
@@ -104,7 +104,7 @@ private:
     std::vector<OptionBase *> m_options;
     std::vector<std::unique_ptr<SubOptionGroup>> m_subGroups;
     std::function<void()> m_postLoad;
-    Status m_fileStatus;
+    Status m_loadStatus;
     bool m_bQuiet = false;
 };
 

@@ -18,6 +18,7 @@ public:
                    bool isExpanded);
     ~SubOptionGroup() override;
 
+    // What the constructor was given.
     bool isShown() const noexcept { return m_bShown; }
     bool isExpanded() const noexcept { return m_bExpanded; }
 

@@ -63,6 +63,7 @@ private:
 // An attribute of an element, which may be missing.  It keeps the element.
 class VN_BASE_API XMLAttributeProxy {
 public:
+    // The attribute `name` of an element, as XMLNode::attribute() gives it.
     XMLAttributeProxy(XMLNode node, std::string_view name)
         : m_node(std::move(node)), m_name(name) {}
 

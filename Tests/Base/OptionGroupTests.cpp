@@ -36,7 +36,7 @@ TEST_F(OptionGroupTests, WithoutAFileTheDefaultsHoldAndNothingIsMade) {
     fs::path const missing = at() / "missing";
     TestGroup group(missing);
     EXPECT_TRUE(group.loaded().ok());
-    EXPECT_TRUE(group.fileStatus().ok());
+    EXPECT_TRUE(group.loadStatus().ok());
     EXPECT_EQ(group.number.value(), 3);
     EXPECT_FALSE(fs::exists(missing));
     EXPECT_EQ(group.loads, 1);
@@ -178,7 +178,7 @@ TEST_F(OptionGroupTests, AnOptionThatCannotBeReadKeepsWhatItHadAndIsNamed) {
     Status const status = group.loaded();
     EXPECT_EQ(status.code(), StatusCorrupt);
     EXPECT_EQ(status.subject(), "FlagId, NumberId");
-    EXPECT_EQ(group.fileStatus().subject(), "FlagId, NumberId");
+    EXPECT_EQ(group.loadStatus().subject(), "FlagId, NumberId");
     EXPECT_TRUE(group.flag.value());
     EXPECT_EQ(group.number.value(), 8);
     EXPECT_EQ(group.real.value(), 0.25) << "the others are read";
@@ -191,13 +191,13 @@ TEST_F(OptionGroupTests, AnOptionThatCannotBeReadIsReplacedOnceItIsSet) {
     group.flag.setValueFromString(L"OFF");
     EXPECT_TRUE(group.saved().ok());
     EXPECT_TRUE(has("\"three\"")) << "a save of another leaves it";
-    EXPECT_FALSE(group.fileStatus().ok());
+    EXPECT_FALSE(group.loadStatus().ok());
     group.number.setValueFromString(L"3"); // no change of the value
     EXPECT_FALSE(group.number.dirty());
     EXPECT_TRUE(group.number.needsSaving());
     EXPECT_TRUE(group.saved().ok());
     EXPECT_TRUE(has("\"NumberId\" Value=\"3\""));
-    EXPECT_TRUE(group.fileStatus().ok());
+    EXPECT_TRUE(group.loadStatus().ok());
     EXPECT_FALSE(group.number.needsSaving());
 }
 
@@ -244,13 +244,13 @@ TEST_F(OptionGroupTests, ADamagedFileGivesDefaultsAndIsKeptByTheFirstSave) {
     TestGroup group(at());
     Status const status = group.loaded();
     EXPECT_EQ(status.code(), StatusCorrupt);
-    EXPECT_EQ(group.fileStatus().code(), StatusCorrupt);
+    EXPECT_EQ(group.loadStatus().code(), StatusCorrupt);
     EXPECT_EQ(group.number.value(), 3);
     EXPECT_EQ(contentOf(file()), "<Options><Opt") << "loading touches nothing";
     EXPECT_EQ(files(), 1);
     group.number.setValueFromString(L"5");
     EXPECT_TRUE(group.saved().ok());
-    EXPECT_TRUE(group.fileStatus().ok());
+    EXPECT_TRUE(group.loadStatus().ok());
     EXPECT_EQ(contentOf(at() / "GlobalOptions.xml.damaged"), "<Options><Opt");
     EXPECT_TRUE(has("\"NumberId\" Value=\"5\""));
     // The next ones stand beside it.
@@ -276,7 +276,7 @@ TEST_F(OptionGroupTests, AServerFileThatIsDamagedIsToldAndLeftAlone) {
     given(optionElement("NumberId", "5"));
     TestGroup group(at());
     EXPECT_EQ(group.loaded().code(), StatusCorrupt);
-    EXPECT_TRUE(group.fileStatus().ok());
+    EXPECT_EQ(group.loadStatus().code(), StatusCorrupt);
     EXPECT_EQ(group.number.value(), 5);
     group.number.setValueFromString(L"6");
     EXPECT_TRUE(group.saved().ok());

@@ -82,24 +82,25 @@ TEST(PipedSessionTests, SettingsAreListedWithTheirMeaning) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(
         outcome.out,
-        "generalUnit                          0      length unit of new documents: 0 mm, 1 cm, "
+        "generalUnit                          0          length unit of new documents: 0 mm, 1 cm, "
         "2 m, 3 in, 4 ft\n"
-        "generalPrecision                     3      decimals of a value\n"
-        "angularPrecision                     1      decimals of a value in degrees\n"
-        "scientificPrecision                  3      decimals before an exponent\n"
-        "lengthDisplay                        0      0 decimal, 1 fractional, 2 feet and inches\n"
-        "degreeDisplay                        0      0 decimal, 1 minutes and seconds\n"
-        "compressUnits                        true   m^3 rather than m m m\n"
-        "scientificNotation                   true   exponents for big and small values\n"
-        "decimalPointIsFullStop               true   1.5 rather than 1,5\n"
-        "displayAbbreviated                   true   cm rather than centimeter\n"
-        "displaySymbol                        false  the symbol of a unit that has one\n"
-        "specifiedByNode                      false  the format comes from a number as it was "
+        "generalPrecision                     3          decimals of a value\n"
+        "angularPrecision                     1          decimals of a value in degrees\n"
+        "scientificPrecision                  3          decimals before an exponent\n"
+        "lengthDisplay                        0          0 decimal, 1 fractional, 2 feet and "
+        "inches\n"
+        "degreeDisplay                        0          0 decimal, 1 minutes and seconds\n"
+        "compressUnits                        true       m^3 rather than m m m\n"
+        "scientificNotation                   true       exponents for big and small values\n"
+        "decimalPointIsFullStop               true       1.5 rather than 1,5\n"
+        "displayAbbreviated                   true       cm rather than centimeter\n"
+        "displaySymbol                        false      the symbol of a unit that has one\n"
+        "specifiedByNode                      false      the format comes from a number as it was "
         "typed\n"
-        "hideTrailingZeroes                   true   4.02 rather than 4.020\n"
-        "minimumPrecision                     2      decimals kept when zeroes are hidden\n"
-        "useScientificNotationAboveThreshold  10000  greater values get an exponent\n"
-        "useScientificNotationBelowThreshold  0.001  smaller values get an exponent\n");
+        "hideTrailingZeroes                   true       4.02 rather than 4.020\n"
+        "minimumPrecision                     2          decimals kept when zeroes are hidden\n"
+        "useScientificNotationAboveThreshold  9999.9999  greater values get an exponent\n"
+        "useScientificNotationBelowThreshold  0.001      smaller values get an exponent\n");
 }
 
 TEST(PipedSessionTests, SettingsChangeWhatIsShownUntilTheStandardComesBack) {
