@@ -31,6 +31,7 @@
 
 #include "Platform/Base/OS.h"
 #include "Platform/Base/OSFailuresInternal.h"
+#include "Platform/Base/Shared.h"
 
 namespace Vn::OS {
 
@@ -242,17 +243,22 @@ Status syncDirectoryOf(path const & file) {
 }
 
 // Whether the file may be replaced, and the permissions that the new one gets.
-Status permissionsOf([[maybe_unused]] path const & file, unsigned & mode) {
+Status permissionsOf(path const & file, unsigned & mode) {
     mode = 0600;
-#ifndef _WIN32 // where a read-only file can't be replaced anyhow
+#ifdef _WIN32
+    DWORD const attributes = GetFileAttributesW(file.c_str());
+    bool const isReadOnly =
+        attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+#else
     struct stat status {};
     if (stat(file.c_str(), &status) != 0) return Status::success();
     mode = status.st_mode & 0777;
     // The superuser could, but the file says that it is to stay as it is.
-    if ((mode & 0222) == 0 || faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0)
-        return Status(StatusAccessDenied, c_write, pathText(file), "it is read-only");
+    bool const isReadOnly =
+        (mode & 0222) == 0 || faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0;
 #endif
-    return Status::success();
+    if (!isReadOnly) return Status::success();
+    return Status(StatusAccessDenied, c_write, pathText(file), "it is read-only");
 }
 
 Status renameInto(path const & from, path const & to) {
@@ -426,7 +432,11 @@ path preferencesDirectory() {
 namespace {
 
 // For the threads of this process.  One for all files: locks are held shortly.
-constinit std::mutex s_mutex;
+constinit Shared<std::mutex> s_mutex;
+
+std::mutex & processMutex() {
+    return s_mutex.get([] { return new std::mutex; });
+}
 
 #ifdef _WIN32
 
@@ -482,7 +492,7 @@ Status FileLock::take(path const & file, std::chrono::milliseconds patience) {
         return true;
     };
 #ifdef _WIN32
-    std::unique_lock<std::mutex> guard(s_mutex, std::try_to_lock);
+    std::unique_lock<std::mutex> guard(processMutex(), std::try_to_lock);
     while (!guard.owns_lock()) {
         if (!mayWait()) return isBusy(file);
         guard.try_lock();
@@ -506,7 +516,7 @@ Status FileLock::take(path const & file, std::chrono::milliseconds patience) {
     return status;
 #else
     do {
-        std::unique_lock<std::mutex> guard(s_mutex, std::try_to_lock);
+        std::unique_lock<std::mutex> guard(processMutex(), std::try_to_lock);
         if (!guard.owns_lock()) continue;
         if (int const error = wished(EFileCall::OpenLock, file))
             return Status::fromErrno(error, c_lock, pathText(file));
