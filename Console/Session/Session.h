@@ -64,6 +64,7 @@ private:
     void helpOnFunctions();
     void helpOnConstants();
     void helpOnPrefixes();
+    void helpOnPreferences();
     void helpOnDocuments();
     void helpOnCommands();
 

@@ -73,6 +73,14 @@ Status failure(char const * operation, path const & file) {
 }
 #endif
 
+// Who may do what with a file, as POSIX has it; without a file, its user alone.
+struct Permissions {
+    bool isOfFile = false;
+    unsigned mode = 0600;
+    unsigned user = 0;
+    unsigned group = 0;
+};
+
 // An open file.
 class OpenFile {
 public:
@@ -86,8 +94,8 @@ public:
     Status openToRead();
     // Up to `size` bytes; less only at the end.
     Status read(char * bytes, std::size_t size, std::size_t & count);
-    // A new file; `mode` as POSIX has it.
-    Status create(unsigned mode);
+    // A new file.
+    Status create(Permissions const & permissions);
     Status write(std::string_view content);
     Status flush();
 
@@ -140,7 +148,7 @@ Status OpenFile::read(char * bytes, std::size_t size, std::size_t & count) {
     return Status::success();
 }
 
-Status OpenFile::create(unsigned) {
+Status OpenFile::create(Permissions const &) {
     m_handle = CreateFileW(m_rFile.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
                            FILE_ATTRIBUTE_NORMAL, nullptr);
     return m_handle == noHandle() ? failure(c_write, m_rFile) : Status::success();
@@ -189,13 +197,16 @@ Status OpenFile::read(char * bytes, std::size_t size, std::size_t & count) {
     return Status::success();
 }
 
-Status OpenFile::create(unsigned mode) {
+Status OpenFile::create(Permissions const & permissions) {
     constexpr int c_flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
     m_handle = open(m_rFile.c_str(), c_flags, 0600);
     if (m_handle < 0) return failure(c_write, m_rFile);
-    // Other permissions than these are given in full, whatever is masked for new files.
-    if (mode != 0600 && fchmod(m_handle, static_cast<mode_t>(mode)) != 0)
-        return failure(c_write, m_rFile);
+    if (!permissions.isOfFile) return Status::success();
+    // As far as the file system has them.  The superuser leaves another user's file to that one;
+    // where the group can't be kept, another one gets nothing.
+    unsigned mode = permissions.mode;
+    if (fchown(m_handle, permissions.user, permissions.group) != 0) mode &= ~070U;
+    static_cast<void>(fchmod(m_handle, static_cast<mode_t>(mode)));
     return Status::success();
 }
 
@@ -218,14 +229,14 @@ Status OpenFile::flush() {
 #endif
 
 // Makes a file with that content; what was made of it is taken away if that fails.
-Status writeNewFile(path const & file, std::string_view content, unsigned mode) {
+Status writeNewFile(path const & file, std::string_view content, Permissions const & permissions) {
     FileSizeLimitFails const limit;
     if (int const error = wished(EFileCall::Create, file))
         return Status::fromErrno(error, c_write, pathText(file));
     Status status;
     {
         OpenFile open(file);
-        status = open.create(mode);
+        status = open.create(permissions);
         if (!status) return status;
         status = open.write(content);
         if (status) status = open.flush();
@@ -243,8 +254,7 @@ Status syncDirectoryOf(path const & file) {
 }
 
 // Whether the file may be replaced, and the permissions that the new one gets.
-Status permissionsOf(path const & file, unsigned & mode) {
-    mode = 0600;
+Status permissionsOf(path const & file, [[maybe_unused]] Permissions & permissions) {
 #ifdef _WIN32
     DWORD const attributes = GetFileAttributesW(file.c_str());
     bool const isReadOnly =
@@ -252,10 +262,10 @@ Status permissionsOf(path const & file, unsigned & mode) {
 #else
     struct stat status {};
     if (stat(file.c_str(), &status) != 0) return Status::success();
-    mode = status.st_mode & 0777;
+    permissions = {true, status.st_mode & 0777U, status.st_uid, status.st_gid};
     // The superuser could, but the file says that it is to stay as it is.
     bool const isReadOnly =
-        (mode & 0222) == 0 || faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0;
+        (permissions.mode & 0222U) == 0 || faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0;
 #endif
     if (!isReadOnly) return Status::success();
     return Status(StatusAccessDenied, c_write, pathText(file), "it is read-only");
@@ -305,14 +315,14 @@ Status readSmallFile(path const & file, std::size_t limit, std::string & content
 }
 
 Status replaceSmallFile(path const & file, std::string_view content) {
-    unsigned mode = 0;
-    if (Status status = permissionsOf(file, mode); !status) return status;
+    Permissions permissions;
+    if (Status status = permissionsOf(file, permissions); !status) return status;
     path neighbour = file;
     neighbour += ".saving";
     // A process that was killed while it saved has left one; nobody else writes one now.
     std::error_code ignored;
     std::filesystem::remove(neighbour, ignored);
-    if (Status status = writeNewFile(neighbour, content, mode); !status) return status;
+    if (Status status = writeNewFile(neighbour, content, permissions); !status) return status;
     if (Status status = renameInto(neighbour, file); !status) {
         std::filesystem::remove(neighbour, ignored);
         return status;
@@ -321,7 +331,8 @@ Status replaceSmallFile(path const & file, std::string_view content) {
 }
 
 Status makeSmallFile(path const & file, std::string_view content) {
-    return writeNewFile(file, content, 0600);
+    if (Status status = writeNewFile(file, content, Permissions()); !status) return status;
+    return syncDirectoryOf(file);
 }
 
 Status makeDirectories(path const & directory) {

@@ -1,7 +1,6 @@
 #include "Platform/Base/XMLNode.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -12,6 +11,7 @@
 
 #include "Platform/Base/Text.h"
 #include "Platform/Base/Utility.h"
+#include "Platform/Base/XMLEncodingInternal.h"
 
 namespace Vn {
 
@@ -84,22 +84,6 @@ void noteError(void * parser, XmlError error) {
     }
 }
 
-// An encoding that the parser knows by itself, on every system.
-bool isKnownEncoding(std::string_view name) {
-    constexpr std::array<std::string_view, 7> c_known{
-        "UTF-8", "UTF-16", "UTF-16LE", "UTF-16BE", "ISO-8859-1", "US-ASCII", "ASCII"};
-    return name.empty() || std::any_of(c_known.begin(), c_known.end(), [&](std::string_view known) {
-               return Text::foldedEqual(name, known);
-           });
-}
-
-// Whether the first bytes are those of an encoding with four bytes a character, or of EBCDIC.
-bool beginsInOtherEncoding(std::string_view bytes) {
-    using namespace std::string_view_literals;
-    return bytes.starts_with("\0\0"sv) || bytes.substr(0, 4).ends_with("\0\0"sv) ||
-           bytes.starts_with("\x4C\x6F\xA7\x94"sv);
-}
-
 // Whether XML can hold the character.
 bool isXmlCharacter(wchar_t character) {
     auto const c = static_cast<char32_t>(character);
@@ -133,8 +117,9 @@ XMLNode::XMLNode(std::string_view name) {
 }
 
 Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode & root) {
-    if (beginsInOtherEncoding(bytes))
-        return Status::corrupt(c_parse, subject, "its encoding isn't known");
+    std::string text;
+    if (char const * const reason = decodeXml(bytes, text))
+        return Status::corrupt(c_parse, subject, reason);
     std::unique_ptr<xmlParserCtxt, FreeParser> const parser(xmlNewParserCtxt());
     if (!parser) return Status::outOfMemory(c_parse, subject);
     Notes notes;
@@ -159,8 +144,6 @@ Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode 
         return Status::corrupt(c_parse, subject,
                                notes.error.empty() ? "it has no element" : notes.error);
     }
-    if (!isKnownEncoding(view(read->encoding)))
-        return Status::corrupt(c_parse, subject, "its encoding isn't known");
     root = XMLNode(document, element);
     return Status::success();
 }

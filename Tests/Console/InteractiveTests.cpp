@@ -160,11 +160,12 @@ TEST(PipedSessionTests, UnitsAreListed) {
 TEST(PipedSessionTests, HelpKnowsEveryTopicAndCommand) {
     std::string const help = runConsole({}, "help\n").out;
     for (char const * const word :
-         {"help [TOPIC]", "unit [UNIT]", "display [UNIT]", "set [FIELD [VALUE]]", "standard",
-          "units [PATTERN]", "language", "quit"})
+         {"help [TOPIC]", "unit [UNIT]", "display [UNIT]", "set [FIELD [VALUE]]",
+          "options [JOB ...]", "standard", "units [PATTERN]", "language", "quit"})
         EXPECT_NE(help.find(std::string("\n  ") + word), std::string::npos) << word;
-    for (char const * const topic : {"expressions", "numbers", "functions", "constants", "prefixes",
-                                     "documents", "commands", "unit", "set", "quit"}) {
+    for (char const * const topic :
+         {"expressions", "numbers", "functions", "constants", "prefixes", "preferences",
+          "documents", "commands", "unit", "set", "options", "quit"}) {
         Outcome const outcome = runConsole({}, std::string("help ") + topic + "\n");
         EXPECT_EQ(outcome.status, 0) << topic;
         EXPECT_NE(outcome.out, "") << topic;
@@ -236,6 +237,9 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
     };
     Row const rows[] = {
         {L"2 kilom", 5, {L"kilometer", L"kilomho"}},
+        {L"options re", 2, {L"reset"}},
+        {L"options set generalP", 8, {L"generalPrecision"}},
+        {L"opti", 4, {L"options"}},
         {L"2kilomet", 7, {L"kilometer"}},
         {L"2 KILOME", 6, {L"kilometer", L"kiloMetersPerSecond"}},
         {L"1 + (2 naut", 4, {L"nauticalMile"}},
