@@ -64,10 +64,14 @@ Status isTooLarge(path const & file, std::size_t limit) {
 using Native = HANDLE;
 Native noHandle() { return INVALID_HANDLE_VALUE; }
 void close(Native handle) { CloseHandle(handle); }
+std::intptr_t toNumber(Native handle) { return reinterpret_cast<std::intptr_t>(handle); }
+Native toNative(std::intptr_t number) { return reinterpret_cast<Native>(number); }
 Status failure(char const * operation, path const & file) { return fileFailure(operation, file); }
 #else
 using Native = int;
 constexpr Native noHandle() { return -1; }
+constexpr std::intptr_t toNumber(Native handle) { return handle; }
+constexpr Native toNative(std::intptr_t number) { return static_cast<Native>(number); }
 Status failure(char const * operation, path const & file) {
     return Status::fromErrno(errno, operation, pathText(file));
 }
@@ -449,10 +453,11 @@ std::mutex & processMutex() {
     return s_mutex.get([] { return new std::mutex; });
 }
 
+// There are two locks on the file: the one that is wanted, and that of the next in turn, which is
+// held while the other one is waited for.  Without it a process that saves again and again would be
+// back before those that wait have looked.
 #ifdef _WIN32
 
-// The lock is one byte; a second one is the place of the next in turn.  Without it a process that
-// saves again and again would come back before the others have looked.
 enum : DWORD { c_lockByte = 0, c_turnByte = 1 };
 
 bool lockByte(HANDLE handle, DWORD byte) noexcept {
@@ -462,13 +467,59 @@ bool lockByte(HANDLE handle, DWORD byte) noexcept {
                       &place) != 0;
 }
 
-void unlockByte(HANDLE handle, DWORD byte) noexcept {
+Native openLock(path const & file) noexcept {
+    return CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE,
+                       FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
+                       FILE_ATTRIBUTE_NORMAL, nullptr);
+}
+
+bool takeTurn(HANDLE handle) noexcept { return lockByte(handle, c_turnByte); }
+
+void endTurn(HANDLE handle) noexcept {
     OVERLAPPED place{};
-    place.Offset = byte;
+    place.Offset = c_turnByte;
     UnlockFileEx(handle, 0, 1, 0, &place);
 }
 
+enum class EAttempt { Taken, Waiting, Failed };
+
+EAttempt tryLock(HANDLE handle) noexcept {
+    if (lockByte(handle, c_lockByte)) return EAttempt::Taken;
+    return GetLastError() == ERROR_LOCK_VIOLATION || GetLastError() == ERROR_IO_PENDING
+               ? EAttempt::Waiting
+               : EAttempt::Failed;
+}
+
+// A file that is open this way isn't removed.
+bool hasName(HANDLE, path const &) noexcept { return true; }
+
 #else
+
+Native openLock(path const & file) noexcept {
+    return open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY, 0600);
+}
+
+bool changeTurn(int handle, short type) noexcept {
+    struct flock place {};
+    place.l_type = type;
+    place.l_whence = SEEK_SET;
+    place.l_len = 1;
+    return fcntl(handle, F_OFD_SETLK, &place) == 0;
+}
+
+bool takeTurn(int handle) noexcept {
+    // Where the file system has no such locks, the turn is anybody's.
+    return changeTurn(handle, F_WRLCK) || (errno != EAGAIN && errno != EACCES);
+}
+
+void endTurn(int handle) noexcept { changeTurn(handle, F_UNLCK); }
+
+enum class EAttempt { Taken, Waiting, Failed };
+
+EAttempt tryLock(int handle) noexcept {
+    if (flock(handle, LOCK_EX | LOCK_NB) == 0) return EAttempt::Taken;
+    return errno == EWOULDBLOCK || errno == EINTR ? EAttempt::Waiting : EAttempt::Failed;
+}
 
 // Whether the name of an open file is still its own.
 bool hasName(int handle, path const & file) noexcept {
@@ -480,84 +531,63 @@ bool hasName(int handle, path const & file) noexcept {
 
 #endif
 
-// What waits looks again so often.  The lock is free for some microseconds only between two saves
-// of a process that saves without a pause.
-#ifdef _WIN32
-constexpr std::chrono::milliseconds c_pause(1);
-#else
-constexpr std::chrono::microseconds c_pause(200);
-#endif
-
-Status isBusy(path const & file) {
-    return Status(StatusBusy, c_lock, pathText(file), "another program is saving");
-}
-
 } // namespace
 
 Status FileLock::take(path const & file, std::chrono::milliseconds patience) {
     release();
+    constexpr std::chrono::microseconds c_pause(500); // after which it is looked at again
     auto const end = std::chrono::steady_clock::now() + patience;
-    auto const mayWait = [end] {
-        if (std::chrono::steady_clock::now() >= end) return false;
-        std::this_thread::sleep_for(c_pause);
-        return true;
-    };
-#ifdef _WIN32
-    std::unique_lock<std::mutex> guard(processMutex(), std::try_to_lock);
-    while (!guard.owns_lock()) {
-        if (!mayWait()) return isBusy(file);
-        guard.try_lock();
-    }
-    if (int const error = wished(EFileCall::OpenLock, file))
-        return Status::fromErrno(error, c_lock, pathText(file));
-    HANDLE const handle =
-        CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                    nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) return fileFailure(c_lock, file);
-    m_handle = reinterpret_cast<std::intptr_t>(handle);
-    m_guard = std::move(guard);
+    Native handle = noHandle();
+    bool hasTurn = false;
+    EAttempt attempt = EAttempt::Waiting;
     Status status;
-    if (int const error = wished(EFileCall::Lock, file))
-        status = Status::fromErrno(error, c_lock, pathText(file));
-    for (DWORD const byte : {c_turnByte, c_lockByte})
-        while (status && !lockByte(handle, byte))
-            if (!mayWait()) status = isBusy(file);
-    unlockByte(handle, c_turnByte);
-    if (!status) release();
-    return status;
-#else
-    do {
-        std::unique_lock<std::mutex> guard(processMutex(), std::try_to_lock);
-        if (!guard.owns_lock()) continue;
-        if (int const error = wished(EFileCall::OpenLock, file))
-            return Status::fromErrno(error, c_lock, pathText(file));
-        int const handle = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOCTTY, 0600);
-        if (handle < 0) return failure(c_lock, file);
-        int error = wished(EFileCall::Lock, file);
-        if (error == 0 && flock(handle, LOCK_EX | LOCK_NB) != 0) error = errno;
-        if (error == 0 && hasName(handle, file)) {
-            m_handle = handle;
-            m_guard = std::move(guard);
-            return Status::success();
+    for (;;) {
+        if (handle == noHandle()) {
+            if (int const error = wished(EFileCall::OpenLock, file))
+                return Status::fromErrno(error, c_lock, pathText(file));
+            handle = openLock(file);
+            if (handle == noHandle()) return failure(c_lock, file);
+            if (int const error = wished(EFileCall::Lock, file)) {
+                status = Status::fromErrno(error, c_lock, pathText(file));
+                break;
+            }
         }
-        close(handle);
-        if (error != 0 && error != EWOULDBLOCK && error != EINTR)
-            return Status::fromErrno(error, c_lock, pathText(file));
-    } while (mayWait());
-    return isBusy(file);
-#endif
+        hasTurn = hasTurn || takeTurn(handle);
+        if (hasTurn && attempt == EAttempt::Waiting) attempt = tryLock(handle);
+        if (attempt == EAttempt::Failed) {
+            status = failure(c_lock, file);
+            break;
+        }
+        if (attempt == EAttempt::Taken && !hasName(handle, file)) {
+            // Others would lock another file.
+            close(handle);
+            handle = noHandle();
+            hasTurn = false;
+            attempt = EAttempt::Waiting;
+        } else if (attempt == EAttempt::Taken) {
+            std::unique_lock<std::mutex> guard(processMutex(), std::try_to_lock);
+            if (guard.owns_lock()) {
+                endTurn(handle);
+                m_guard = std::move(guard);
+                m_handle = toNumber(handle);
+                return Status::success();
+            }
+        }
+        if (std::chrono::steady_clock::now() >= end) {
+            status = Status(StatusBusy, c_lock, pathText(file), "another program is saving");
+            break;
+        }
+        std::this_thread::sleep_for(c_pause);
+    }
+    if (handle != noHandle()) close(handle);
+    return status;
 }
 
 void FileLock::release() noexcept {
     std::intptr_t const handle = std::exchange(m_handle, -1);
     if (handle == -1) return;
-#ifdef _WIN32
-    unlockByte(reinterpret_cast<HANDLE>(handle), c_lockByte);
-    CloseHandle(reinterpret_cast<HANDLE>(handle));
-#else
-    close(static_cast<int>(handle));
-#endif
     m_guard.unlock();
+    close(toNative(handle)); // which ends the locks
 }
 
 } // namespace Vn::OS

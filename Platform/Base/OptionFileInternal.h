@@ -24,6 +24,7 @@ public:
 
     // Keeps others from saving, until this object goes; makes the directory if it isn't there.
     [[nodiscard]] Status lock();
+    void unlock() noexcept { m_lock.release(); }
     // Reads the file.  StatusNotFound if there is none; StatusCorrupt if there is no sense in it.
     [[nodiscard]] Status read();
     // The elements of options of a group, one for each of `options` in their order, and none where

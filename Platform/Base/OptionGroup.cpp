@@ -160,6 +160,7 @@ void OptionGroup::save(Status & status) {
         for (OptionBase * const option : written) option->postSave();
         m_loadStatus = unreadable.status();
     }
+    file.unlock(); // what is told now may save another group
     if (isChanged) finishLoading();
 }
 
