@@ -95,7 +95,8 @@ public:
     OpenFile(OpenFile const &) = delete;
     OpenFile & operator=(OpenFile const &) = delete;
 
-    Status openToRead();
+    // `size` is what the file has now.
+    Status openToRead(std::uint64_t & size);
     // Up to `size` bytes; less only at the end.
     Status read(char * bytes, std::size_t size, std::size_t & count);
     // A new file.
@@ -120,7 +121,7 @@ Status OpenFile::write(std::string_view content) {
 
 #ifdef _WIN32
 
-Status OpenFile::openToRead() {
+Status OpenFile::openToRead(std::uint64_t & size) {
     // While a file is replaced by another one, it may be out of reach for a moment.
     for (int attempt = 0;; ++attempt) {
         m_handle = CreateFileW(m_rFile.c_str(), GENERIC_READ,
@@ -137,6 +138,9 @@ Status OpenFile::openToRead() {
     }
     if (GetFileType(m_handle) != FILE_TYPE_DISK)
         return Status::invalidArgument(c_read, pathText(m_rFile), "it isn't a file");
+    LARGE_INTEGER count{};
+    if (!GetFileSizeEx(m_handle, &count)) return failure(c_read, m_rFile);
+    size = static_cast<std::uint64_t>(count.QuadPart);
     return Status::success();
 }
 
@@ -176,7 +180,7 @@ Status OpenFile::flush() {
 
 #else
 
-Status OpenFile::openToRead() {
+Status OpenFile::openToRead(std::uint64_t & size) {
     // What isn't a file, such as a pipe without a writer, isn't waited for.
     constexpr int c_flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     do m_handle = open(m_rFile.c_str(), c_flags);
@@ -186,6 +190,7 @@ Status OpenFile::openToRead() {
     if (fstat(m_handle, &status) != 0) return failure(c_read, m_rFile);
     if (!S_ISREG(status.st_mode))
         return Status::invalidArgument(c_read, pathText(m_rFile), "it isn't a file");
+    size = static_cast<std::uint64_t>(status.st_size);
     return Status::success();
 }
 
@@ -298,13 +303,15 @@ Status readSmallFile(path const & file, std::size_t limit, std::string & content
     if (int const error = wished(EFileCall::Open, file))
         return Status::fromErrno(error, c_read, pathText(file));
     OpenFile open(file);
-    if (Status status = open.openToRead(); !status) return status;
+    std::uint64_t expected = 0;
+    if (Status status = open.openToRead(expected); !status) return status;
     if (int const error = wished(EFileCall::Read, file))
         return Status::fromErrno(error, c_read, pathText(file));
-    // The file may grow meanwhile, so its size is what is read of it.
+    if (expected > limit) return isTooLarge(file, limit);
+    // The file may grow meanwhile, so its size is what is read of it.  One byte more tells its end.
     std::string bytes;
     std::size_t const most = limit + 1;
-    for (std::size_t piece = 4096; bytes.size() < most; piece *= 2) {
+    for (std::size_t piece = static_cast<std::size_t>(expected) + 1; bytes.size() < most;) {
         std::size_t const before = bytes.size();
         std::size_t const wanted = std::min(piece, most - before);
         bytes.resize(before + wanted);
@@ -312,6 +319,7 @@ Status readSmallFile(path const & file, std::size_t limit, std::string & content
         if (Status status = open.read(bytes.data() + before, wanted, count); !status) return status;
         bytes.resize(before + count);
         if (count < wanted) break;
+        piece = bytes.size();
     }
     if (bytes.size() > limit) return isTooLarge(file, limit);
     content = std::move(bytes);

@@ -1,6 +1,7 @@
 #include <cstddef>
 #include <cstdint>
-#include <utility>
+#include <cstring>
+#include <initializer_list>
 
 #include "Platform/Base/Text.h"
 #include "Platform/Base/XMLEncodingInternal.h"
@@ -112,7 +113,13 @@ bool isUtf8(std::string_view bytes) {
     for (std::size_t i = 0; i < bytes.size();) {
         auto const first = static_cast<std::uint8_t>(bytes[i]);
         if (first < 0x80) {
-            ++i;
+            // Most are, so eight are looked at together.
+            std::uint64_t eight = 0;
+            while (bytes.size() - ++i >= sizeof eight) {
+                std::memcpy(&eight, bytes.data() + i, sizeof eight);
+                if (eight & 0x8080808080808080U) break;
+                i += sizeof eight - 1;
+            }
             continue;
         }
         std::size_t const length = first < 0xC2   ? 0
@@ -140,53 +147,52 @@ bool isOneOf(std::string_view name, std::initializer_list<std::string_view> name
 }
 
 // The text without its declaration, after one that names no encoding.
-char const * join(Declaration const & declaration, std::string_view text, std::string & result) {
-    // By nulls the parser would guess at other encodings.
-    if (text.find('\0') != text.npos) return c_null;
-    std::string joined;
-    joined.reserve(text.size());
+std::string withoutEncoding(Declaration const & declaration, std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
     if (declaration.end > 0) {
-        joined += "<?xml version=\"" + std::string(declaration.version) + '"';
+        result += "<?xml version=\"" + std::string(declaration.version) + '"';
         if (!declaration.standalone.empty())
-            joined += " standalone=\"" + std::string(declaration.standalone) + '"';
-        joined += "?>";
+            result += " standalone=\"" + std::string(declaration.standalone) + '"';
+        result += "?>";
     }
-    joined += text.substr(declaration.end);
-    result = std::move(joined);
-    return nullptr;
+    result += text.substr(declaration.end);
+    return result;
 }
 
 } // namespace
 
-char const * decodeXml(std::string_view bytes, std::string & text) {
+char const * decodeXml(std::string_view bytes, std::string & converted, std::string_view & text) {
     Declaration declaration;
+    std::string wide;
     bool const isBig = bytes.starts_with("\xFE\xFF"sv) || bytes.starts_with("\0<"sv);
     bool const isLittle = bytes.starts_with("\xFF\xFE"sv) || bytes.starts_with("<\0"sv);
+    text = bytes;
     if (isBig || isLittle) {
         if (bytes.front() != '<' && bytes.front() != '\0') bytes.remove_prefix(2);
-        std::string converted;
-        if (!fromUtf16(bytes, isBig, converted)) return c_broken;
-        if (!readDeclaration(converted, declaration)) return c_declaration;
-        if (!declaration.encoding.empty() &&
-            !isOneOf(declaration.encoding, {"UTF-16", "UTF-16LE", "UTF-16BE"}))
-            return c_broken;
-        return join(declaration, converted, text);
+        if (!fromUtf16(bytes, isBig, wide)) return c_broken;
+        if (!readDeclaration(wide, declaration)) return c_declaration;
+        if (!isOneOf(declaration.encoding, {"", "UTF-16", "UTF-16LE", "UTF-16BE"})) return c_broken;
+        text = converted = withoutEncoding(declaration, wide);
+    } else {
+        if (bytes.starts_with("\xEF\xBB\xBF"sv)) text.remove_prefix(3);
+        if (!readDeclaration(text, declaration)) return c_declaration;
+        bool const isAscii = isOneOf(declaration.encoding, {"US-ASCII", "ASCII"});
+        if (isOneOf(declaration.encoding, {"ISO-8859-1"})) {
+            for (char const c : text) appendUtf8(static_cast<std::uint8_t>(c), wide);
+            text = converted = withoutEncoding(declaration, wide);
+        } else if (isAscii) {
+            for (char const c : text)
+                if (static_cast<std::uint8_t>(c) > 0x7F) return c_broken;
+            text = converted = withoutEncoding(declaration, text);
+        } else {
+            // This one the parser doesn't convert.
+            if (!isOneOf(declaration.encoding, {"", "UTF-8"})) return c_unknown;
+            if (!isUtf8(text)) return c_broken;
+        }
     }
-    if (bytes.starts_with("\xEF\xBB\xBF"sv)) bytes.remove_prefix(3);
-    if (!readDeclaration(bytes, declaration)) return c_declaration;
-    std::string_view const encoding = declaration.encoding;
-    if (isOneOf(encoding, {"ISO-8859-1"})) {
-        std::string converted;
-        for (char const c : bytes) appendUtf8(static_cast<std::uint8_t>(c), converted);
-        return join(declaration, converted, text);
-    }
-    bool const isAscii = isOneOf(encoding, {"US-ASCII", "ASCII"});
-    if (!isAscii && !isOneOf(encoding, {"", "UTF-8"})) return c_unknown;
-    if (!isUtf8(bytes)) return c_broken;
-    if (isAscii)
-        for (char const c : bytes)
-            if (static_cast<std::uint8_t>(c) > 0x7F) return c_broken;
-    return join(declaration, bytes, text);
+    // By nulls the parser would guess at other encodings.
+    return text.find('\0') == text.npos ? nullptr : c_null;
 }
 
 } // namespace Vn

@@ -11,10 +11,11 @@
 
 namespace Vn {
 
-// The document in UTF-8, without a byte order mark and without an encoding in its declaration.
-// Read are UTF-8, UTF-16, ISO-8859-1 and ASCII, as the first bytes and the declaration say.  If it
-// can't be read, `text` is as it was, and the reason is returned; null for success.
-char const * decodeXml(std::string_view bytes, std::string & text);
+// The document in UTF-8, without a byte order mark, and without another encoding in its
+// declaration: `text` is a part of `bytes`, or what `converted` holds then.  Read are UTF-8,
+// UTF-16, ISO-8859-1 and ASCII, as the first bytes and the declaration say.  If it can't be read,
+// the reason is returned; null for success.
+char const * decodeXml(std::string_view bytes, std::string & converted, std::string_view & text);
 
 } // namespace Vn
 

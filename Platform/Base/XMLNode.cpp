@@ -117,8 +117,9 @@ XMLNode::XMLNode(std::string_view name) {
 }
 
 Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode & root) {
-    std::string text;
-    if (char const * const reason = decodeXml(bytes, text))
+    std::string converted;
+    std::string_view text;
+    if (char const * const reason = decodeXml(bytes, converted, text))
         return Status::corrupt(c_parse, subject, reason);
     std::unique_ptr<xmlParserCtxt, FreeParser> const parser(xmlNewParserCtxt());
     if (!parser) return Status::outOfMemory(c_parse, subject);
