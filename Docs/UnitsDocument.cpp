@@ -97,6 +97,8 @@ void writePrefixes() {
 int main() {
     OS::Utf8Streams const streams;
     Initializer::runAll();
+    // Whoever builds the document has preferences that don't belong in it.
+    UnitDisplaySettings::userEditableSettings() = UnitDisplaySettings::standard();
     std::map<int, std::vector<SimpleUnit const *>> kinds;
     for (SimpleUnit const * const unit : catalogue())
         kinds[static_cast<int>(unit->simpleUnitType())].push_back(unit);

@@ -7,7 +7,7 @@ set -euo pipefail
 packages=(
   g++ cmake ninja-build ccache pkg-config        # the build
   libboost-dev libboost-filesystem-dev gettext
-  libtbb-dev libeigen3-dev libsqlite3-dev
+  libtbb-dev libeigen3-dev libsqlite3-dev libxml2-dev
   libcli11-dev nlohmann-json3-dev libedit-dev    # the console
   libgtest-dev libgmock-dev libbenchmark-dev     # tests and benchmarks
   locales                                        # tests in other locales

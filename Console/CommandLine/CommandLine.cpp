@@ -14,15 +14,19 @@
 #include "Console/Documents/Command.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/TextCommands.h"
+#include "Console/Options.h"
 #include "Console/Session/Interactive.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Session/Tour.h"
+#include "Console/Terminal/Table.h"
 #include "Console/Terminal/Terminal.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/OS.h"
+#include "Platform/Base/PathInfo.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
 
 namespace Vn::Console {
 
@@ -45,6 +49,7 @@ constexpr char c_examples[] = R"(Examples:
   vnconsole document --new a.vnd make, add 0 3, tree
   vnconsole eval --document a.vnd --kind Length '2'
   vnconsole mass '10 cm' '20 cm' '30 cm' --density '7850 kg/m^3'
+  vnconsole options set lengthDisplay fractional
 
 Exit status: 0 good, 1 the input was not good, 2 the command line was not understood.
 )";
@@ -64,6 +69,16 @@ constexpr char c_documentPaths[] =
 "." is the root group. The document is saved after the last command; if one
 fails, nothing is saved.
 )";
+
+std::string optionsFooter() {
+    Table table;
+    for (OptionsJob const & job : optionsJobs())
+        table.add({std::wstring(job.name) + L' ' + job.arguments, job.meaning});
+    return table.toUtf8("  ") + "ID is the name of a display setting, such as generalPrecision, or "
+                                "the id that the file\n"
+                                "has, in any case. VALUE is as the file has it, or a choice as it "
+                                "is shown: ft, fractional.\n";
+}
 
 // To the parser of the command line some texts are more than a text: one in square brackets is a
 // list, and "++" ends a subcommand.  They pass it after this mark.
@@ -88,12 +103,18 @@ public:
         m_app.footer(c_examples);
         m_app.add_option("--language", m_language, "The language of the words, such as de")
             ->type_name("TAG");
+        m_app
+            .add_option("--options", m_optionsDirectory,
+                        "The directory of the preferences, instead of the user's")
+            ->type_name("DIR");
+        m_app.add_flag("--standard", m_standard, "With the factory display settings");
         addEval();
         addUnits();
         addCommand();
         addBatch();
         addDocument();
         addMass();
+        addOptions();
         addSelfTest();
         m_tour = addSubcommand("tour", "Shows a few expressions and what they evaluate to");
     }
@@ -111,6 +132,10 @@ public:
     }
 
     std::string const & language() const { return m_language; }
+    // Empty for the user's own.
+    std::wstring optionsDirectory() const { return wide(m_optionsDirectory); }
+    // Whether values are shown as the user prefers.  What others rely on isn't.
+    bool usesPreferences() const { return !m_standard && !*m_batch && !*m_selfTest && !*m_tour; }
 
     int run(DocumentSession & document, std::istream & in, std::ostream & out,
             std::ostream & err) const {
@@ -121,9 +146,10 @@ public:
             return runBatchCommand(Text::toUtf8(wide(m_file)), errorIsTerminal(), in, out, err);
         if (*m_mass) return runMass(massOptions(), out, err);
         if (*m_document) return runDocument(documentOptions(), document, out, err);
+        if (*m_options) return runOptions(texts(*m_optionsWords), m_json, out, err);
         if (*m_selfTest) return runSelfTest(Text::toUtf8(wide(m_group)), out, err);
         if (*m_tour) return runTour(out);
-        return runInteractive(document, in, out, err);
+        return runInteractive(document, m_standard, in, out, err);
     }
 
 private:
@@ -240,6 +266,15 @@ private:
         m_document->footer([] { return documentCallsText() + c_documentPaths; });
     }
 
+    void addOptions() {
+        m_options = addSubcommand("options", "Shows and changes the preferences");
+        m_optionsWords = m_options->add_option("JOB", m_converted,
+                                               "What to do, with the words that belong to it");
+        m_optionsWords->type_name("");
+        m_options->add_flag("--json", m_json, "One JSON object a line");
+        m_options->footer([] { return optionsFooter(); });
+    }
+
     void addSelfTest() {
         m_selfTest = addSubcommand("self-test", "Runs the library's checks of itself");
         m_selfTest->add_option("GROUP", m_group, "One group of checks only")->type_name("");
@@ -274,6 +309,7 @@ private:
     CLI::App * m_batch = nullptr;
     CLI::App * m_document = nullptr;
     CLI::App * m_mass = nullptr;
+    CLI::App * m_options = nullptr;
     CLI::App * m_selfTest = nullptr;
     CLI::App * m_tour = nullptr;
     CLI::Option * m_texts = nullptr;
@@ -284,10 +320,12 @@ private:
     CLI::Option * m_materialOption = nullptr;
     CLI::Option * m_evalKind = nullptr;
     CLI::Option * m_evalId = nullptr;
+    CLI::Option * m_optionsWords = nullptr;
     CLI::Option * m_unitOption = nullptr;
     CLI::Option * m_displayOption = nullptr;
     std::vector<std::string> m_converted; // what the options want to write to, and nobody reads
     std::string m_language;
+    std::string m_optionsDirectory;
     std::string m_unit;
     std::string m_display;
     std::string m_pattern;
@@ -323,15 +361,20 @@ bool looksLikeText(std::vector<std::string> const & arguments) {
     });
 }
 
-// Everything that depends on the language comes after this.
-void prepareProcess(std::string const & language) {
+// Everything that depends on the language and on the preferences comes after this.
+void prepareProcess(CommandLine const & commandLine, std::ostream & err) {
     std::filesystem::path const program = OS::executableDirectory();
     if (!program.empty()) {
         std::u8string const catalogues = (program.parent_path() / "share" / "locale").u8string();
         StringTable::catalogueDirectory(std::string(catalogues.begin(), catalogues.end()));
     }
-    StringTable::language(language);
+    StringTable::language(commandLine.language());
+    PathInfo::optionsDirectory(commandLine.optionsDirectory());
     Initializer::runAll();
+    if (commandLine.usesPreferences())
+        tellOfDamagedOptions(err);
+    else
+        Units::UnitDisplaySettings::userEditableSettings() = Units::UnitDisplaySettings::standard();
 }
 
 } // namespace
@@ -348,7 +391,7 @@ int runCommandLine(std::vector<std::string> const & arguments, std::istream & in
             err << "A text that begins with \"-\" goes after \"--\": vnconsole eval -- '-PI'\n";
         return status;
     }
-    prepareProcess(commandLine.language());
+    prepareProcess(commandLine, err);
     DocumentSession document;
     DocumentTextCommands const documentCommands(document, &out);
     return commandLine.run(document, in, out, err);

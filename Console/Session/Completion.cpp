@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Console/Documents/CommandTable.h"
+#include "Console/Options.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Texts.h"
@@ -66,6 +67,13 @@ Candidates settings() {
     return all;
 }
 
+Candidates optionsJobNames() {
+    Candidates all;
+    for (OptionsJob const & job : optionsJobs())
+        all.push_back({job.name, *job.arguments ? L" " : L""});
+    return all;
+}
+
 Candidates topics() {
     Candidates all;
     for (Session::Topic const & topic : Session::topics()) all.push_back({topic.name, L""});
@@ -98,6 +106,9 @@ Completion completeSessionLine(std::wstring_view line) {
     std::wstring_view const word = lastWord(line);
     std::wstring_view const front = trimmed(line.substr(0, line.size() - word.size()));
     if (front == L"set") return choose(settings(), word);
+    if (front == L"options") return choose(optionsJobNames(), word);
+    if (front == L"options get" || front == L"options set" || front == L"options reset")
+        return choose(settings(), word);
     if (front == L"help") return choose(topics(), word);
 
     Candidates all;

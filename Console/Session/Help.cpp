@@ -3,6 +3,7 @@
 #include <ostream>
 
 #include "Console/Documents/CommandTable.h"
+#include "Console/Options.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Terminal/Table.h"
@@ -67,6 +68,7 @@ std::span<Session::Topic const> Session::topics() {
         {L"functions", L"the functions and their arguments", &Session::helpOnFunctions},
         {L"constants", L"the constants and their values", &Session::helpOnConstants},
         {L"prefixes", L"the prefixes of units", &Session::helpOnPrefixes},
+        {L"preferences", L"how values are written, from now on", &Session::helpOnPreferences},
         {L"documents", L"documents and their groups", &Session::helpOnDocuments},
         {L"commands", L"the text commands", &Session::helpOnCommands},
     };
@@ -145,6 +147,17 @@ void Session::helpOnPrefixes() {
                    shortestNumber(tokens.getMagnitudeValue(longForm))});
     }
     m_rOut << table.toUtf8("  ");
+}
+
+void Session::helpOnPreferences() {
+    Table table;
+    for (OptionsJob const & job : optionsJobs())
+        table.add({std::wstring(L"options ") + job.name + L' ' + job.arguments, job.meaning});
+    m_rOut << table.toUtf8("  ")
+           << "ID is a display setting, such as lengthDisplay; VALUE is a number, ON or OFF, or a "
+              "choice as\n"
+              "it is shown: fractional. What set changes holds for the session, and goes before "
+              "these.\n";
 }
 
 void Session::helpOnDocuments() {

@@ -23,15 +23,15 @@ std::unique_ptr<LineReader> makeEditor() {
 
 } // namespace
 
-int runInteractive(DocumentSession const & document, std::istream & in, std::ostream & out,
-                   std::ostream & err) {
+int runInteractive(DocumentSession const & document, bool standard, std::istream & in,
+                   std::ostream & out, std::ostream & err) {
     std::unique_ptr<LineReader> reader = makeEditor();
     bool const isTyped = reader != nullptr;
     if (isTyped)
         out << "Type an expression, such as 1 in + 1 cm; help tells more, quit ends.\n";
     else
         reader = std::make_unique<StreamLineReader>(in);
-    Session session(out, err);
+    Session session(out, err, standard);
     bool good = true;
     int status = ExitBadInput; // unless all was good
     bool warned = false;       // of what would be lost, by the line before

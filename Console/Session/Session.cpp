@@ -7,6 +7,7 @@
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Evaluation.h"
+#include "Console/Options.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Terminal/Table.h"
@@ -15,6 +16,7 @@
 #include "Platform/Base/Spelling.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsOptionGroup.h"
 
 namespace Vn::Console {
 
@@ -83,14 +85,20 @@ std::span<Session::Command const> Session::commands() {
          &Session::unit},
         {L"display", L"[UNIT]", L"the unit in which values are shown; \"none\" for their own",
          &Session::display},
-        {L"set", L"[FIELD [VALUE]]", L"the display settings: shows them, or changes one",
-         &Session::set},
+        {L"set", L"[FIELD [VALUE]]",
+         L"the display settings: shows them, or changes one for this session", &Session::set},
+        {L"options", L"[JOB ...]", L"the preferences: list, get, set, reset, path",
+         &Session::options},
         {L"standard", L"", L"back to the factory display settings", &Session::standard},
         {L"units", L"[PATTERN]", L"the units that expressions know", &Session::units},
         {L"language", L"", L"the language of words and messages", &Session::language},
         {L"quit", L"", L"ends the session; so does Ctrl-D", &Session::quit},
     };
     return c_commands;
+}
+
+Session::Session(std::ostream & out, std::ostream & err, bool standard) : m_rOut(out), m_rErr(err) {
+    if (standard) setStandard();
 }
 
 std::wstring Session::prompt() const {
@@ -191,15 +199,41 @@ Session::Result Session::set(std::wstring const & argument) {
         }
         std::string const wrong = setSetting(*field, settings(), value);
         if (!wrong.empty()) return bad(Text::widen(wrong));
+        m_set[field] = value;
     }
     m_rOut << field->name << ' ' << Text::toUtf8(valueText(*field)) << '\n';
     return Result::Good;
 }
 
-Session::Result Session::standard(std::wstring const &) {
+void Session::setStandard() {
     settings() = UnitDisplaySettings::standard();
+    for (Field const & field : Units::unitDisplaySettingsFields())
+        m_set[&field] = field.get(settings());
+}
+
+Session::Result Session::standard(std::wstring const &) {
+    setStandard();
     m_rOut << "the display settings are the factory's again\n";
     return Result::Good;
+}
+
+Session::Result Session::options(std::wstring const & argument) {
+    std::vector<std::wstring> words;
+    bool json = false;
+    for (std::wstring_view rest = argument; !rest.empty();) {
+        std::wstring word = takeWord(rest);
+        if (word == L"--json")
+            json = true;
+        else if (!word.empty())
+            words.push_back(std::move(word));
+    }
+    int const status = runOptions(words, json, m_rOut, m_rErr, [this](OptionBase const & option) {
+        m_set.erase(Units::findUnitDisplaySettingsField(
+            Units::UnitDisplaySettingsOptionGroup::fieldName(option)));
+    });
+    // A change of one preference has written all of them into the record.
+    for (auto const & [field, value] : m_set) field->set(settings(), value);
+    return status == ExitGood ? Result::Good : Result::Bad;
 }
 
 Session::Result Session::units(std::wstring const & pattern) {

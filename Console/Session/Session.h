@@ -5,11 +5,13 @@
 #define VN_CONSOLE_SESSION_SESSION_H
 
 #include <iosfwd>
+#include <map>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "Server/CommonData/Units/UnitContext.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
 namespace Vn::Console {
 
@@ -32,8 +34,9 @@ public:
         void (Session::*show)();
     };
 
-    // The streams must live as long as the session.
-    Session(std::ostream & out, std::ostream & err) : m_rOut(out), m_rErr(err) {}
+    // The streams must live as long as the session.  With `standard` it starts with the factory
+    // settings, else with what the user prefers.
+    Session(std::ostream & out, std::ostream & err, bool standard = false);
 
     // Does what a line says: a command of the session, a text command, or an expression to
     // evaluate.
@@ -51,6 +54,7 @@ private:
     Result display(std::wstring const & text);
     Result set(std::wstring const & argument);
     Result standard(std::wstring const & argument);
+    Result options(std::wstring const & argument);
     Result units(std::wstring const & pattern);
     Result language(std::wstring const & tag);
     Result quit(std::wstring const & argument);
@@ -60,6 +64,7 @@ private:
     void helpOnFunctions();
     void helpOnConstants();
     void helpOnPrefixes();
+    void helpOnPreferences();
     void helpOnDocuments();
     void helpOnCommands();
 
@@ -68,11 +73,15 @@ private:
     bool readUnit(std::wstring const & text, char const * what, Units::UnitContext & context);
     void showUnit(char const * what, Units::UnitContext const & context);
     void showSettings();
+    // Gives all settings of this session their factory values.
+    void setStandard();
 
     std::ostream & m_rOut;
     std::ostream & m_rErr;
     Units::UnitContext m_context;
     Units::UnitContext m_display; // expects nothing unless one was chosen
+    // What this session has set, which goes before the preferences.
+    std::map<Units::UnitDisplaySettingsField const *, double> m_set;
 };
 
 } // namespace Vn::Console

@@ -32,11 +32,12 @@
 #include <unistd.h>
 #endif
 
+#include "Platform/Base/OSFailuresInternal.h"
 #include "Platform/Base/Text.h"
 
 namespace Vn::OS {
 
-namespace {
+namespace Detail {
 
 std::string pathText(std::filesystem::path const & path) {
     std::u8string const text = path.u8string();
@@ -44,12 +45,10 @@ std::string pathText(std::filesystem::path const & path) {
 }
 
 #ifdef _WIN32
-// Of the last call of the system that failed.
 std::error_code lastError() noexcept {
     return {static_cast<int>(GetLastError()), std::system_category()};
 }
 
-// The outcome of an operation on a file that failed.
 Status fileFailure(char const * operation, std::filesystem::path const & file) {
     std::error_code const error = lastError();
     EStatus code = StatusIO;
@@ -79,6 +78,16 @@ Status fileFailure(char const * operation, std::filesystem::path const & file) {
     return Status(code, operation, pathText(file), errorText(error));
 }
 #endif
+
+} // namespace Detail
+
+using Detail::pathText;
+#ifdef _WIN32
+using Detail::fileFailure;
+using Detail::lastError;
+#endif
+
+namespace {
 
 // The reason why the last call of the loader failed.
 std::string loaderError() {

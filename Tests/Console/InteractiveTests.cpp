@@ -82,24 +82,25 @@ TEST(PipedSessionTests, SettingsAreListedWithTheirMeaning) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(
         outcome.out,
-        "generalUnit                          0      length unit of new documents: 0 mm, 1 cm, "
+        "generalUnit                          0          length unit of new documents: 0 mm, 1 cm, "
         "2 m, 3 in, 4 ft\n"
-        "generalPrecision                     3      decimals of a value\n"
-        "angularPrecision                     1      decimals of a value in degrees\n"
-        "scientificPrecision                  3      decimals before an exponent\n"
-        "lengthDisplay                        0      0 decimal, 1 fractional, 2 feet and inches\n"
-        "degreeDisplay                        0      0 decimal, 1 minutes and seconds\n"
-        "compressUnits                        true   m^3 rather than m m m\n"
-        "scientificNotation                   true   exponents for big and small values\n"
-        "decimalPointIsFullStop               true   1.5 rather than 1,5\n"
-        "displayAbbreviated                   true   cm rather than centimeter\n"
-        "displaySymbol                        false  the symbol of a unit that has one\n"
-        "specifiedByNode                      false  the format comes from a number as it was "
+        "generalPrecision                     3          decimals of a value\n"
+        "angularPrecision                     1          decimals of a value in degrees\n"
+        "scientificPrecision                  3          decimals before an exponent\n"
+        "lengthDisplay                        0          0 decimal, 1 fractional, 2 feet and "
+        "inches\n"
+        "degreeDisplay                        0          0 decimal, 1 minutes and seconds\n"
+        "compressUnits                        true       m^3 rather than m m m\n"
+        "scientificNotation                   true       exponents for big and small values\n"
+        "decimalPointIsFullStop               true       1.5 rather than 1,5\n"
+        "displayAbbreviated                   true       cm rather than centimeter\n"
+        "displaySymbol                        false      the symbol of a unit that has one\n"
+        "specifiedByNode                      false      the format comes from a number as it was "
         "typed\n"
-        "hideTrailingZeroes                   true   4.02 rather than 4.020\n"
-        "minimumPrecision                     2      decimals kept when zeroes are hidden\n"
-        "useScientificNotationAboveThreshold  10000  greater values get an exponent\n"
-        "useScientificNotationBelowThreshold  0.001  smaller values get an exponent\n");
+        "hideTrailingZeroes                   true       4.02 rather than 4.020\n"
+        "minimumPrecision                     2          decimals kept when zeroes are hidden\n"
+        "useScientificNotationAboveThreshold  9999.9999  greater values get an exponent\n"
+        "useScientificNotationBelowThreshold  0.001      smaller values get an exponent\n");
 }
 
 TEST(PipedSessionTests, SettingsChangeWhatIsShownUntilTheStandardComesBack) {
@@ -159,11 +160,12 @@ TEST(PipedSessionTests, UnitsAreListed) {
 TEST(PipedSessionTests, HelpKnowsEveryTopicAndCommand) {
     std::string const help = runConsole({}, "help\n").out;
     for (char const * const word :
-         {"help [TOPIC]", "unit [UNIT]", "display [UNIT]", "set [FIELD [VALUE]]", "standard",
-          "units [PATTERN]", "language", "quit"})
+         {"help [TOPIC]", "unit [UNIT]", "display [UNIT]", "set [FIELD [VALUE]]",
+          "options [JOB ...]", "standard", "units [PATTERN]", "language", "quit"})
         EXPECT_NE(help.find(std::string("\n  ") + word), std::string::npos) << word;
-    for (char const * const topic : {"expressions", "numbers", "functions", "constants", "prefixes",
-                                     "documents", "commands", "unit", "set", "quit"}) {
+    for (char const * const topic :
+         {"expressions", "numbers", "functions", "constants", "prefixes", "preferences",
+          "documents", "commands", "unit", "set", "options", "quit"}) {
         Outcome const outcome = runConsole({}, std::string("help ") + topic + "\n");
         EXPECT_EQ(outcome.status, 0) << topic;
         EXPECT_NE(outcome.out, "") << topic;
@@ -235,6 +237,9 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
     };
     Row const rows[] = {
         {L"2 kilom", 5, {L"kilometer", L"kilomho"}},
+        {L"options re", 2, {L"reset"}},
+        {L"options set generalP", 8, {L"generalPrecision"}},
+        {L"opti", 4, {L"options"}},
         {L"2kilomet", 7, {L"kilometer"}},
         {L"2 KILOME", 6, {L"kilometer", L"kiloMetersPerSecond"}},
         {L"1 + (2 naut", 4, {L"nauticalMile"}},

@@ -11,12 +11,14 @@
 
 #include "Console/Texts.h"
 #include "Platform/Base/Initializer.h"
+#include "Platform/Base/Limits.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Limits.h"
 #include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
+#include "Server/CommonData/Units/UnitDisplaySettingsOptionGroup.h"
 #include "Tests/Docs/Examples.h"
 #include "Tests/Support/Process.h"
 
@@ -239,6 +241,43 @@ TEST_F(DocumentsTests, TheGuideNamesEverySettingAndItsDefault) {
                   std::string::npos)
             << field.name << ' ' << shown;
     }
+}
+
+// The table of the options, as the library has them.
+std::string tableOfPreferences() {
+    std::string table = "| Field | Id | Default | Under | Choices |\n|---|---|---|---|---|\n";
+    auto const code = [](std::wstring const & text) { return '`' + Text::toUtf8(text) + '`'; };
+    for (OptionBase const * const option :
+         Units::UnitDisplaySettingsOptionGroup::get()->options()) {
+        OptionBase const * const under = option->subGroup();
+        std::string choices;
+        for (OptionBase::Choice const & choice : option->choices()) {
+            choices += (choices.empty() ? "" : ", ") + code(choice.value);
+            if (choice.text != choice.value) choices += ' ' + Text::toUtf8(choice.text);
+        }
+        table += std::string("| `") + Units::UnitDisplaySettingsOptionGroup::fieldName(*option) +
+                 "` | `" + option->id() + "` | " + code(option->toString()) + " | " +
+                 (under ? Text::toUtf8(under->userName()) : "") +
+                 (option->advanced() ? " (advanced)" : "") + " | " + choices + " |\n";
+    }
+    return table;
+}
+
+TEST_F(DocumentsTests, TheTableOfPreferencesIsCurrent) {
+    std::string const table = tableOfPreferences();
+    EXPECT_NE(readFile("Docs/preferences.md").find('\n' + table + '\n'), std::string::npos)
+        << "it should be\n"
+        << table;
+}
+
+TEST_F(DocumentsTests, TheGuideToPreferencesNamesTheFilesAndTheLimits) {
+    std::string const text = readFile("Docs/preferences.md");
+    EXPECT_EQ(Limits::c_optionFile, std::size_t{16} << 20);
+    EXPECT_EQ(Limits::c_optionLock, std::chrono::seconds(5));
+    for (std::wstring const & name : {serverOptionFileName(), globalOptionFileName()})
+        EXPECT_NE(text.find('`' + Text::toUtf8(name) + ".xml`"), std::string::npos);
+    for (char const * const words : {"16 MiB", "five seconds"})
+        EXPECT_NE(text.find(words), std::string::npos) << words;
 }
 
 TEST_F(DocumentsTests, TheGuideNamesTheLimits) {

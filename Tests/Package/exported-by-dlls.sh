@@ -6,7 +6,7 @@ set -euo pipefail
 
 objdump=$1
 shift
-needed='KERNEL32 msvcrt SHELL32 libgcc_s_seh-1 libquadmath-0 libstdc++-6 libwinpthread-1 VnSqlite3'
+needed='KERNEL32 msvcrt ole32 SHELL32 libgcc_s_seh-1 libquadmath-0 libstdc++-6 libwinpthread-1 VnSqlite3 VnXml2'
 for library in "$@"; do needed+=" $(basename "$library" .dll)"; done
 
 status=0

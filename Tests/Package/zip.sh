@@ -14,8 +14,8 @@ mkdir "$installed"
 unzip -q "$zip" -d "$installed"
 
 # What is there.
-for file in bin/vnconsole.exe bin/VnCommonData10.dll bin/VnSqlite3.dll lib/libVnCommonData10.dll.a \
-    lib/cmake/VnCommonData10/VnCommonData10Config.cmake licenses/sqlite3.txt licenses/gcc-mingw-w64-base.txt \
+for file in bin/vnconsole.exe bin/VnCommonData10.dll bin/VnSqlite3.dll bin/VnXml2.dll lib/libVnCommonData10.dll.a \
+    lib/cmake/VnCommonData10/VnCommonData10Config.cmake licenses/sqlite3.txt licenses/libxml2.txt licenses/gcc-mingw-w64-base.txt \
     include/VnCommonData10/Server/CommonData/Units/Unit.h share/locale/de/LC_MESSAGES/VnCommonData.mo; do
   [ -s "$installed/$file" ] || fail "no $file"
 done
@@ -26,7 +26,7 @@ for file in "$installed"/bin/*; do
 done | sort -u | while read -r dll; do
   [ -e "$installed/bin/$dll" ] && continue
   case $(tr '[:upper:]' '[:lower:]' <<<"$dll") in
-    kernel32.dll | msvcrt.dll | shell32.dll | advapi32.dll | user32.dll | ws2_32.dll) ;;
+    kernel32.dll | msvcrt.dll | ole32.dll | shell32.dll | advapi32.dll | user32.dll | ws2_32.dll) ;;
     *) fail "$dll isn't in the zip" ;;
   esac
 done

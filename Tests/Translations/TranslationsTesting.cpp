@@ -24,6 +24,21 @@ std::vector<Source> makeSources() {
     result.push_back({"modelingMassName", "Modeling Mass"});
 #define VN_MASS_PROPERTY_TEXT(key, text) result.push_back({#key, Text::toUtf8(text)});
 #include "Server/CommonData/MassProperties/MassPropertyTexts.inc"
+    // An empty text has no translation.
+    auto const add = [&](char const * key, wchar_t const * text) {
+        if (*text) result.push_back({key, Text::toUtf8(text)});
+    };
+#define VN_OPTION_PAGE(id, nameKey, name, tipKey, tip)                                             \
+    add(nameKey, name);                                                                            \
+    add(tipKey, tip);
+#define VN_OPTION_SUB_GROUP(id, nameKey, name, tipKey, tip)                                        \
+    add(nameKey, name);                                                                            \
+    add(tipKey, tip);
+#define VN_OPTION(name, field, type, standard, under, id, nameKey, userName, tipKey, tip)          \
+    add(nameKey, userName);                                                                        \
+    add(tipKey, tip);
+#define VN_OPTION_CHOICE(name, value, key, text) add(key, text);
+#include "Server/CommonData/Units/UnitDisplayOptions.inc"
 #define VN_FAILURE_TEXT(name, text) result.push_back({"Failure" #name, Text::toUtf8(text)});
 #include "Server/CommonData/Expressions/FailureTexts.inc"
     return result;

@@ -66,6 +66,13 @@ function(vn_add_library name export_macro)
   endif()
 endfunction()
 
+# The preferences of whoever runs the program stay out of it, and out of what it starts.
+function(vn_use_own_options name)
+  target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/Tests/Support/OwnOptions.cpp")
+  target_link_libraries(${name} PRIVATE VnBase10)
+  target_compile_definitions(${name} PRIVATE "VN_OWN_OPTIONS=\"${PROJECT_BINARY_DIR}/own-options\"")
+endfunction()
+
 # vn_add_test(NAME LIBRARIES libs... SOURCES sources...): a GoogleTest program run by CTest, one test
 # after another; for Windows all of them at once, in random order, since under Wine each start of a
 # program takes its time.
@@ -73,6 +80,7 @@ function(vn_add_test name)
   cmake_parse_arguments(ARG "" "" "LIBRARIES;SOURCES" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE VnBuildOptions ${ARG_LIBRARIES} GTest::gmock_main)
+  vn_use_own_options(${name})
   if(WIN32)
     add_test(NAME ${name} COMMAND ${name} --gtest_shuffle)
     set_tests_properties(${name} PROPERTIES TIMEOUT 1800 FIXTURES_REQUIRED VnWine)

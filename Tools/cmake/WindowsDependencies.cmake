@@ -47,6 +47,7 @@ endfunction()
 vn_windows_library(SQLite::SQLite3 VnSqlite3 "SQLITE_API=__declspec(dllimport)")
 vn_windows_library(LibXml2::LibXml2 VnXml2)
 install(FILES "${VN_WINDOWS_DEPENDENCIES}/bin/VnSqlite3.dll"
+              "${VN_WINDOWS_DEPENDENCIES}/bin/VnXml2.dll"
         DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
 
 # The compiler's own libraries, which the programs look for beside themselves.  They are shared, since

@@ -26,6 +26,7 @@ foreach(package IN ITEMS
   endif()
 endforeach()
 install(FILES "${VN_WINDOWS_DEPENDENCIES}/licenses/sqlite3.txt"
+              "${VN_WINDOWS_DEPENDENCIES}/licenses/libxml2.txt"
         DESTINATION licenses COMPONENT runtime)
 
 include(CPack)

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "Platform/Base/Initializer.h"
+#include "Platform/Base/PathInfo.h"
 #include "Platform/Base/Text.h"
 
 namespace Vn::Fuzz {
@@ -125,6 +126,8 @@ void expect(bool holds, char const * law, double value, std::wstring_view text) 
 
 void prepare() {
     static bool const s_prepared = [] {
+        // Whoever runs it has preferences, which must not change what it finds.
+        PathInfo::optionsDirectory(L"/nonexistent");
         Initializer::runAll();
         return true;
     }();

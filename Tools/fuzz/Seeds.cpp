@@ -1,5 +1,6 @@
 // Writes what the fuzzers start from into a directory: a file for each worked expression, in the
-// subdirectory "seeds", and "words.dict", the words of the expression language.
+// subdirectory "seeds", and "words.dict", the words of the expression language; option files in the
+// subdirectory "options", and "options.dict", the words of those.
 
 #include <algorithm>
 #include <cstddef>
@@ -65,6 +66,48 @@ std::string dictionary() {
     return text;
 }
 
+constexpr char const * c_optionFiles[] = {
+    "<Options><OptionGroup Id=\"TestGroup\"><Option Id=\"NumberId\" Value=\"5\"/><Option "
+    "Id=\"FlagId\" Value=\"0\"/><Option Id=\"RealId\" Value=\"0,5\"/></OptionGroup></Options>",
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!-- a -->\n<Options>\n  <OptionGroup "
+    "Id=\"TestGroup\">\n    <Option Id=\"NumberId\" Value=\"x\"/>\n    <Other>text</Other>\n  "
+    "</OptionGroup>\n  <OptionGroup Id=\"Else\"/>\n</Options>\n",
+    "<?xml version='1.0' encoding='ISO-8859-1'?><Options a='&#xE4;'><![CDATA[x]]><?p i?></Options>",
+    "<!DOCTYPE Options [<!ENTITY a 'b'>]><Options>&a;</Options>",
+    "<Options xmlns='u' xmlns:x='v'><x:OptionGroup Id='TestGroup' x:Id='n'/></Options>",
+};
+
+constexpr char const * c_optionWords[] = {
+    "<Options>",
+    "</Options>",
+    "<OptionGroup Id=\\\"TestGroup\\\">",
+    "</OptionGroup>",
+    "<Option Id=\\\"NumberId\\\" Value=\\\"7\\\"/>",
+    "FlagId",
+    "RealId",
+    "Value=",
+    "<!--",
+    "-->",
+    "<![CDATA[",
+    "]]>",
+    "<!DOCTYPE",
+    "&amp;",
+    "&#10;",
+    "xmlns=",
+    "encoding=\\\"UTF-16\\\"",
+};
+
+bool writeOptions(std::filesystem::path const & directory) {
+    std::filesystem::create_directories(directory / "options");
+    std::size_t number = 0;
+    bool good = true;
+    for (char const * const file : c_optionFiles)
+        good = write(directory / "options" / std::to_string(++number), file) && good;
+    std::string words;
+    for (char const * const word : c_optionWords) words += '"' + std::string(word) + "\"\n";
+    return write(directory / "options.dict", words) && good;
+}
+
 } // namespace
 
 int main(int count, char ** arguments) {
@@ -73,7 +116,7 @@ int main(int count, char ** arguments) {
     std::filesystem::path const directory = arguments[1];
     std::filesystem::create_directories(directory / "seeds");
     std::size_t number = 0;
-    bool good = write(directory / "words.dict", dictionary());
+    bool good = write(directory / "words.dict", dictionary()) && writeOptions(directory);
     for (std::string const & content : seeds())
         good = write(directory / "seeds" / std::to_string(++number), content) && good;
     return good ? 0 : 1;

@@ -7,7 +7,7 @@ set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 seconds=${1:-300}
 build=${VN_FUZZ_BUILD:-$here/../../build/fuzz}
-targets=${VN_FUZZ_TARGETS:-Tokenize Parse Format Rebuild Document History}
+targets=${VN_FUZZ_TARGETS:-Tokenize Parse Format Rebuild Document History Options}
 
 "$here/../install-dependencies.sh" fuzz
 cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -23,6 +23,8 @@ for target in $targets; do
   # Documents are longer than expressions, and start from documents.
   if [ "$target" = Document ]; then
     inputs=(-max_len=65536 "corpus/$target" corpus/documents)
+  elif [ "$target" = Options ]; then
+    inputs=(-max_len=4096 -dict=corpus/options.dict "corpus/$target" corpus/options)
   elif [ "$target" = History ]; then
     inputs=(-max_len=2048 -len_control=0 "corpus/$target")
   else
