@@ -24,26 +24,32 @@ void expect(bool good, char const * law) {
     std::abort();
 }
 
-// In memory, where there is such a directory.
-std::filesystem::path makeDirectory() {
-    std::filesystem::path const memory = "/dev/shm";
-    std::filesystem::path const parent =
-        std::filesystem::is_directory(memory) ? memory : std::filesystem::temp_directory_path();
-    std::filesystem::path const made = parent / ("VnOptionsFuzzer-" + std::to_string(getpid()));
-    std::filesystem::create_directories(made);
-    std::atexit([] {
+// In memory, where there is such a directory; it goes with the process.
+class Directory {
+public:
+    Directory() { std::filesystem::create_directories(m_path); }
+    ~Directory() {
         std::error_code ignored;
-        std::filesystem::remove_all(makeDirectory(), ignored);
-    });
-    return made;
-}
+        std::filesystem::remove_all(m_path, ignored);
+    }
+    std::filesystem::path const & path() const noexcept { return m_path; }
+
+private:
+    static std::filesystem::path parent() {
+        std::filesystem::path const memory = "/dev/shm";
+        return std::filesystem::is_directory(memory) ? memory
+                                                     : std::filesystem::temp_directory_path();
+    }
+
+    std::filesystem::path const m_path = parent() / ("VnOptionsFuzzer-" + std::to_string(getpid()));
+};
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t size) {
-    static std::filesystem::path const s_directory = makeDirectory();
+    static Directory const s_directory;
     std::string const bytes(reinterpret_cast<char const *>(data), size);
-    TestGroup group(s_directory);
+    TestGroup group(s_directory.path());
     std::filesystem::path const kept = group.file().string() + ".damaged";
     std::filesystem::remove(kept);
     Testing::write(group.file(), bytes);
@@ -69,7 +75,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     expect(!isKept || !loaded, "what is good isn't kept aside");
     std::string const first = contentOf(group.file());
 
-    TestGroup again(s_directory);
+    TestGroup again(s_directory.path());
     Status const reloaded = again.loaded();
     expect(reloaded.ok() || (!isKept && !loaded.ok()), "what was saved is good");
     expect(again.number.value() == (number == 77 ? 78 : 77), "a change comes back");
