@@ -31,14 +31,16 @@ using Units::UnitSystemChoiceById;
 using Units::UnitSystemChoiceByUnit;
 using Units::UnitSystems;
 
+// A set of units; one that makes a system complete can begin one.
 struct Completion {
     wchar_t const * name;
     void (UnitSystem::*complete)();
+    bool isWhole;
 };
-constexpr Completion c_completions[] = {{L"mks", &UnitSystem::completeAsMKS},
-                                        {L"cgs", &UnitSystem::completeAsCGS},
-                                        {L"imperial", &UnitSystem::completeAsImperial},
-                                        {L"common", &UnitSystem::completeCommonUnits}};
+constexpr Completion c_completions[] = {{L"mks", &UnitSystem::completeAsMKS, true},
+                                        {L"cgs", &UnitSystem::completeAsCGS, true},
+                                        {L"imperial", &UnitSystem::completeAsImperial, true},
+                                        {L"common", &UnitSystem::completeCommonUnits, false}};
 
 Completion const * findCompletion(std::wstring const & name) {
     for (Completion const & each : c_completions)
@@ -87,7 +89,7 @@ Result makeUnitSystem(DocumentSession & session, Parameters const & parameters) 
     std::wstring const & kind = parameters.parameter(2);
     Completion const * const completion = findCompletion(kind);
     bool const isEmpty = Text::foldedEqual(std::wstring_view(kind), std::wstring_view(L"empty"));
-    if (!isEmpty && (!completion || completion->complete == &UnitSystem::completeCommonUnits))
+    if (!isEmpty && (!completion || !completion->isWhole))
         return cannot(purpose, inQuotes(kind) + L" isn't mks, cgs, imperial or empty");
     if (id.empty()) return cannot(purpose, L"its identifier is empty");
     StrongRef<UnitSystems> systems = UnitSystems::find(&session.design());
