@@ -143,10 +143,6 @@ public:
         return &m_material;
     }
     bool isMeasurable() const override { return true; }
-    UniqueString const * getInterfaceId() const override { return Persisted::getInterfaceId(); }
-    void * queryInterface(UniqueString const * id) const override {
-        return Persisted::queryInterface(id);
-    }
 
     CommonData::MassProperties m_record;
 

@@ -1,6 +1,7 @@
 #include "Console/CommandLine/CommandLine.h"
 
 #include <algorithm>
+#include <optional>
 #include <ostream>
 
 #include <CLI/CLI.hpp>
@@ -178,10 +179,10 @@ private:
             m_eval->add_option("--display,-d", m_display, "The unit in which the value is shown");
         m_displayOption->type_name("UNIT");
         addUnitSystem(*m_eval);
-        m_evalKind = m_eval->add_option("--kind", m_kind, "The kind of quantity of the result");
-        m_evalKind->type_name("KIND");
-        m_evalId = m_eval->add_option("--id", m_id, "A key of the system that goes before both");
-        m_evalId->type_name("KEY");
+        m_eval->add_option("--kind", m_kind, "The kind of quantity of the result")
+            ->type_name("KIND");
+        m_eval->add_option("--id", m_id, "A key of the system that goes before both")
+            ->type_name("KEY");
         m_eval->add_flag("--standard", m_standard, "With the factory display settings");
         m_eval->add_flag("--json", m_json, "One JSON object a line for each text");
         m_eval->footer("A text that begins with \"-\" goes after \"--\".\n");
@@ -195,13 +196,16 @@ private:
             ->type_name("ID");
     }
 
+    // The text of an option, if it was given.
+    static std::optional<std::wstring> given(CLI::App const & command, char const * option,
+                                             std::string const & text) {
+        return command.count(option) > 0 ? std::optional(wide(text)) : std::nullopt;
+    }
+
     DocumentUnits documentUnits(CLI::App const & command) const {
-        auto const given = [&](char const * option, std::string const & text) {
-            return command.count(option) > 0 ? std::optional(wide(text)) : std::nullopt;
-        };
         DocumentUnits units;
-        units.file = given("--document", m_unitsFile);
-        units.system = given("--system", m_system);
+        units.file = given(command, "--document", m_unitsFile);
+        units.system = given(command, "--system", m_system);
         return units;
     }
 
@@ -286,8 +290,8 @@ private:
         if (m_unitOption->count() > 0) options.unit = wide(m_unit);
         if (m_displayOption->count() > 0) options.display = wide(m_display);
         options.units = documentUnits(*m_eval);
-        if (m_evalKind->count() > 0) options.units.kind = wide(m_kind);
-        if (m_evalId->count() > 0) options.units.id = wide(m_id);
+        options.units.kind = given(*m_eval, "--kind", m_kind);
+        options.units.id = given(*m_eval, "--id", m_id);
         options.standard = m_standard;
         options.json = m_json;
         return options;
@@ -318,8 +322,6 @@ private:
     CLI::Option * m_edges = nullptr;
     CLI::Option * m_overrides = nullptr;
     CLI::Option * m_materialOption = nullptr;
-    CLI::Option * m_evalKind = nullptr;
-    CLI::Option * m_evalId = nullptr;
     CLI::Option * m_optionsWords = nullptr;
     CLI::Option * m_unitOption = nullptr;
     CLI::Option * m_displayOption = nullptr;

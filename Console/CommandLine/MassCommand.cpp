@@ -20,7 +20,6 @@
 #include "Server/CommonData/MassProperties/MassProperties.h"
 #include "Server/CommonData/Units/SimpleUnits.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
-#include "Server/CommonData/Units/UnitSystemChoice.h"
 
 namespace Vn::Console {
 
@@ -70,10 +69,6 @@ public:
         return m_pMaterial;
     }
     bool isMeasurable() const override { return true; }
-    UniqueString const * getInterfaceId() const override { return Persisted::getInterfaceId(); }
-    void * queryInterface(UniqueString const * id) const override {
-        return Persisted::queryInterface(id);
-    }
 
 private:
     friend class Managed::PersistedAccess;
@@ -102,10 +97,7 @@ EntityMetaType * Box::s_metaType() { return &s_box; }
 // The units in which the quantities are shown, for numbers without one.
 struct Shown {
     explicit Shown(StrongRef<Units::UnitSystem> const & system)
-        : length(unit(system, Units::UnitSystemChoiceById::modelingLengthId(),
-                      Units::UnitMeter::get(0.01), L"cm")),
-          mass(unit(system, Units::UnitSystemChoiceById::modelingMassId(),
-                    Units::UnitGram::get(1000.0), L"kg")) {}
+        : length(MassProperties::lengthUnit(system)), mass(MassProperties::massUnit(system)) {}
 
     // The length to a power, and the mass to another.
     ComplexUnit units(int lengths, int masses) const {
@@ -118,15 +110,6 @@ struct Shown {
 
     SimpleUnit const * const length;
     SimpleUnit const * const mass;
-
-private:
-    static SimpleUnit const * unit(StrongRef<Units::UnitSystem> const & system,
-                                   std::string const & id, SimpleUnit const * otherwise,
-                                   wchar_t const * text) {
-        UnitContext const context(system, id, std::wstring(text));
-        SimpleUnit const * const found = context.findSimpleExpectedUnits();
-        return found ? found : otherwise;
-    }
 };
 
 // Reads a positive quantity of the dimension of `units`; what is wrong is told on `err`.
@@ -185,13 +168,11 @@ void write(std::map<std::wstring, std::wstring> const & all, bool json, std::ost
     struct Row {
         char const * key;
         wchar_t const * text;
-        char const * name;
     };
-    constexpr Row c_rows[] = {{"MaterialProperty", L"Material", "material"},
-                              {"VolumeProperty", L"Volume", "volume"},
-                              {"AreaProperty", L"Area", "area"},
-                              {"MassProperty", L"Mass", "mass"},
-                              {"DensityProperty", L"Density", "density"}};
+    constexpr Row c_rows[] = {
+#define VN_MASS_PROPERTY_TEXT(key, text) {#key, text},
+#include "Server/CommonData/MassProperties/MassPropertyTexts.inc"
+    };
     Table table;
     nlohmann::ordered_json object;
     for (Row const & row : c_rows) {
@@ -200,7 +181,9 @@ void write(std::map<std::wstring, std::wstring> const & all, bool json, std::ost
         auto const found = all.find(name);
         if (found == all.end()) continue;
         table.add({name, printable(found->second)});
-        object[row.name] = Text::toUtf8(found->second);
+        std::string member = Text::toUtf8(row.text); // "Volume", which is "volume" there
+        member.front() = static_cast<char>(member.front() - 'A' + 'a');
+        object[member] = Text::toUtf8(found->second);
     }
     if (json)
         out << object.dump() << '\n';

@@ -103,13 +103,14 @@ int makeDocumentContext(DocumentUnits const & options, std::optional<std::wstrin
         return ExitGood;
     }
     // Nothing stands in for a key that isn't there.
-    StrongRef<Units::UnitSystemChoice> choice;
-    if (!units.system->find(Text::toUtf8(*options.id)))
-        return told(findUnitChoice(*units.system, *options.id, choice).empty()
-                        ? L"the unit system has " + inQuotes(*options.id) +
-                              L" as a kind and not as a key; --kind asks for kinds"
-                        : findUnitChoice(*units.system, *options.id, choice),
+    if (!units.system->find(Text::toUtf8(*options.id))) {
+        StrongRef<Units::UnitSystemChoice> kind;
+        std::wstring const why = findUnitChoice(*units.system, *options.id, kind);
+        return told(why.empty() ? L"the unit system has " + inQuotes(*options.id) +
+                                      L" as a kind and not as a key; --kind asks for kinds"
+                                : why,
                     err);
+    }
     context = UnitContext(units.system, Text::toUtf8(*options.id),
                           static_cast<SimpleUnit const *>(nullptr));
     return ExitGood;

@@ -86,7 +86,7 @@ std::span<Session::Command const> Session::commands() {
         {L"display", L"[UNIT]", L"the unit in which values are shown; \"none\" for their own",
          &Session::display},
         {L"set", L"[FIELD [VALUE]]",
-         L"the display settings: shows them, or changes one for this session", &Session::set},
+         L"the display settings: shows them, or changes one without saving it", &Session::set},
         {L"options", L"[JOB ...]", L"the preferences: list, get, set, reset, path",
          &Session::options},
         {L"standard", L"", L"back to the factory display settings", &Session::standard},

@@ -73,14 +73,14 @@ private:
     bool readUnit(std::wstring const & text, char const * what, Units::UnitContext & context);
     void showUnit(char const * what, Units::UnitContext const & context);
     void showSettings();
-    // Gives all settings of this session their factory values.
+    // Gives all settings their factory values, without saving them.
     void setStandard();
 
     std::ostream & m_rOut;
     std::ostream & m_rErr;
     Units::UnitContext m_context;
     Units::UnitContext m_display; // expects nothing unless one was chosen
-    // What this session has set, which goes before the preferences.
+    // What was set without being saved, which goes before the preferences.
     std::map<Units::UnitDisplaySettingsField const *, double> m_set;
 };
 

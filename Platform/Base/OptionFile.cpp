@@ -3,11 +3,14 @@
 #include <utility>
 
 #include "Platform/Base/Limits.h"
+#include "Platform/Base/OSFailuresInternal.h"
 #include "Platform/Base/OptionBase.h"
 #include "Platform/Base/OptionFileInternal.h"
 #include "Platform/Base/Text.h"
 
 namespace Vn {
+
+using OS::Detail::pathText;
 
 namespace {
 
@@ -15,11 +18,6 @@ constexpr char c_root[] = "Options";
 constexpr char c_group[] = "OptionGroup";
 constexpr char c_option[] = "Option";
 constexpr char c_id[] = "Id";
-
-std::string textOf(std::filesystem::path const & path) {
-    std::u8string const text = path.u8string();
-    return std::string(text.begin(), text.end());
-}
 
 std::filesystem::path withEnding(std::filesystem::path path, std::string const & ending) {
     path += ending;
@@ -46,7 +44,7 @@ Status OptionFile::read() {
     std::string bytes;
     if (Status status = OS::readSmallFile(m_file, Limits::c_optionFile, bytes); !status)
         return status;
-    std::string const subject = textOf(m_file);
+    std::string const subject = pathText(m_file);
     Status status = XMLNode::parse(bytes, subject, m_root);
     if (status && m_root.name() != c_root) {
         status = Status::corrupt("read the options", subject, "it isn't an option file");
@@ -96,7 +94,7 @@ Status OptionFile::write() {
     if (Status status = m_root.write(text); !status) return status;
     // What couldn't be read again isn't written.
     if (text.size() > Limits::c_optionFile)
-        return Status(StatusUnsupported, "write the options", textOf(m_file),
+        return Status(StatusUnsupported, "write the options", pathText(m_file),
                       "it would have more than " + std::to_string(Limits::c_optionFile) + " bytes");
     if (m_bDamaged)
         if (Status status = keepDamaged(); !status) return status;

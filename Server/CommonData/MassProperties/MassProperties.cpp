@@ -40,16 +40,6 @@ SimpleUnit const * modelingUnit(System const & system, std::string const & id,
     return unit ? unit : defaultUnit();
 }
 
-SimpleUnit const * lengthUnit(System const & system) {
-    return modelingUnit(system, Units::UnitSystemChoiceById::modelingLengthId(), L"cm",
-                        [] { return Units::UnitMeter::get(0.01); });
-}
-
-SimpleUnit const * massUnit(System const & system) {
-    return modelingUnit(system, Units::UnitSystemChoiceById::modelingMassId(), L"kg",
-                        [] { return Units::UnitGram::get(1000.0); });
-}
-
 std::wstring shown(Units::Unit const & unit, double value) {
     return unit.reconstructString(value, Units::ValueAndUnit, Units::UnitDisplaySettings::get());
 }
@@ -153,6 +143,16 @@ double MassProperties::density(IComponentTraversalContext * context, bool flag) 
 PhysicalMaterial const *
 MassProperties::getCommonPhysicalMaterial(IComponentTraversalContext * context, bool flag) const {
     return calculatorOf(m_pOwner)->commonPhysicalMaterial(context, flag);
+}
+
+SimpleUnit const * MassProperties::lengthUnit(System const & system) {
+    return modelingUnit(system, Units::UnitSystemChoiceById::modelingLengthId(), L"cm",
+                        [] { return Units::UnitMeter::get(0.01); });
+}
+
+SimpleUnit const * MassProperties::massUnit(System const & system) {
+    return modelingUnit(system, Units::UnitSystemChoiceById::modelingMassId(), L"kg",
+                        [] { return Units::UnitGram::get(1000.0); });
 }
 
 std::wstring MassProperties::volumeString(double value, System system, IComponentTraversalContext *,
@@ -293,17 +293,6 @@ void MassPropertiesValueMetaType::doMigratingVersion(void * value, unsigned vers
 void * MassPropertiesValueMetaType::doQueryMTInterface(void * value) const {
     return static_cast<MassProperties *>(value)->queryMTInterface(this);
 }
-
-EMigrationStatusValue MassPropertiesValueMetaType::onPostMigrate(void *, unsigned,
-                                                                 VisitorContext const &) const {
-    return MigrationDone;
-}
-
-MigrationHelper * MassPropertiesValueMetaType::doCreateMigrationHelper(void *) const {
-    return nullptr;
-}
-
-bool MassPropertiesValueMetaType::doDeleteMigrationHelper(void *) const { return false; }
 
 void MassPropertiesValueMetaType::onMigratingMemberSet(void * value, unsigned version,
                                                        MemberSet * set,

@@ -16,6 +16,7 @@ class MigrationHelper;
 } // namespace Vn
 
 namespace Vn::Units {
+class SimpleUnit;
 class UnitSystem;
 } // namespace Vn::Units
 
@@ -88,9 +89,14 @@ public:
     PhysicalMaterial const * getCommonPhysicalMaterial(IComponentTraversalContext * context,
                                                        bool flag) const;
 
-    // Internal values as texts, in the units that a system has chosen for the identifiers
-    // "ModelingLength" and "ModelingMass", else for lengths and masses, else in cm and kg.  The
-    // choices of a system for volumes and areas don't count.  Without a system it is cm and kg.
+    // The units of lengths and masses in which a system has quantities shown: the single ones that
+    // it has chosen for the identifiers "ModelingLength" and "ModelingMass", else for lengths and
+    // masses, else cm and kg.  Without a system it is cm and kg.
+    static Units::SimpleUnit const * lengthUnit(StrongRef<Units::UnitSystem> const & system);
+    static Units::SimpleUnit const * massUnit(StrongRef<Units::UnitSystem> const & system);
+
+    // Internal values as texts, in these units and their powers.  The choices of a system for
+    // volumes and areas don't count.
     static std::wstring volumeString(double value, StrongRef<Units::UnitSystem> system,
                                      IComponentTraversalContext * context, bool flag);
     static std::wstring areaString(double value, StrongRef<Units::UnitSystem> system,
@@ -170,10 +176,6 @@ private:
     void doMigratingVersion(void * value, unsigned version,
                             VisitorContext const & context) const override;
     void * doQueryMTInterface(void * value) const override;
-    EMigrationStatusValue onPostMigrate(void * value, unsigned version,
-                                        VisitorContext const & context) const override;
-    MigrationHelper * doCreateMigrationHelper(void * value) const override;
-    bool doDeleteMigrationHelper(void * value) const override;
     void onMigratingMemberSet(void * value, unsigned version, MemberSet * set,
                               VisitorContext const & context) const override;
 };

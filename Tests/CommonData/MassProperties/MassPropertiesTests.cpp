@@ -57,11 +57,6 @@ public:
         return m_pMaterial;
     }
     bool isMeasurable() const override { return true; }
-    // Where two bases offer an operation the class says which is meant.
-    UniqueString const * getInterfaceId() const override { return Persisted::getInterfaceId(); }
-    void * queryInterface(UniqueString const * id) const override {
-        return Persisted::queryInterface(id);
-    }
 
     MassProperties m_record;
     std::string m_asked;

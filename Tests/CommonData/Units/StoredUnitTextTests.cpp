@@ -66,7 +66,7 @@ TEST(StoredUnitTextTests, EveryUnitHasATextOfItsOwn) {
 TEST(StoredUnitTextTests, ReadsWhatIsWritten) {
     std::vector<ComplexUnit> units = randomProducts();
     for (SimpleUnit const * const unit : allWithPrefixes()) units.emplace_back(unit);
-    UnitDisplaySettings const before = UnitDisplaySettings::get();
+    SettingsGuard const guard;
     for (bool const compress : {true, false}) {
         UnitDisplaySettings::userEditableSettings().compressUnits(compress);
         for (ComplexUnit const & unit : units) {
@@ -81,7 +81,6 @@ TEST(StoredUnitTextTests, ReadsWhatIsWritten) {
             EXPECT_TRUE(haveSameFactors(read, unit)) << testing::PrintToString(text);
         }
     }
-    UnitDisplaySettings::userEditableSettings() = before;
 }
 
 // Store, load, initialize.  All of these units exist by now, which is the hardest case: each may
@@ -89,7 +88,7 @@ TEST(StoredUnitTextTests, ReadsWhatIsWritten) {
 TEST(StoredUnitTextTests, UnitsSurviveTheDocument) {
     std::vector<ComplexUnit> units = randomProducts();
     for (SimpleUnit const * const unit : allWithPrefixes()) units.emplace_back(unit);
-    UnitDisplaySettings const before = UnitDisplaySettings::get();
+    SettingsGuard const guard;
     for (bool const compress : {true, false}) {
         UnitDisplaySettings::userEditableSettings().compressUnits(compress);
         SystemDocument const document;
@@ -119,7 +118,6 @@ TEST(StoredUnitTextTests, UnitsSurviveTheDocument) {
                     << testing::PrintToString(system->unitSystemChoice(i)->storedUnitString());
         }
     }
-    UnitDisplaySettings::userEditableSettings() = before;
 }
 
 // Which texts the expression language itself doesn't read: one name can't be typed, and a unit with

@@ -13,18 +13,6 @@ namespace {
 using Managed::Testing::Leaf;
 using Managed::Testing::Recorder;
 
-// The user's settings, put back at the end.
-class SettingsGuard {
-public:
-    SettingsGuard() : m_before(UnitDisplaySettings::get()) {}
-    ~SettingsGuard() { UnitDisplaySettings::userEditableSettings() = m_before; }
-    SettingsGuard(SettingsGuard const &) = delete;
-    SettingsGuard & operator=(SettingsGuard const &) = delete;
-
-private:
-    UnitDisplaySettings const m_before;
-};
-
 ComplexUnit parsed(wchar_t const * text) {
     ComplexUnit units;
     EXPECT_TRUE(UnitSystemChoice::parse(text, units));

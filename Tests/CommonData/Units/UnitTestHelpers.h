@@ -49,6 +49,18 @@ inline ComplexUnit complexUnit(std::initializer_list<wchar_t const *> numerator,
     return units;
 }
 
+// The user's settings, put back at the end.
+class SettingsGuard {
+public:
+    SettingsGuard() : m_before(UnitDisplaySettings::get()) {}
+    ~SettingsGuard() { UnitDisplaySettings::userEditableSettings() = m_before; }
+    SettingsGuard(SettingsGuard const &) = delete;
+    SettingsGuard & operator=(SettingsGuard const &) = delete;
+
+private:
+    UnitDisplaySettings const m_before;
+};
+
 // The abbreviations of the entries, separated by blanks.
 inline std::wstring abbreviations(UnitSpan units) {
     std::wstring text;
