@@ -3,8 +3,8 @@
 #include <exception>
 #include <iostream>
 
-#include "Console/CommandLine/CommandLine.h"
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Host/Program.h"
 #include "Console/Terminal/Terminal.h"
 #include "Platform/Base/OS.h"
 
@@ -18,7 +18,7 @@ int main(int argc, char * argv[]) {
     std::ostream out(&output);
     int status = ExitBadInput;
     try {
-        status = runCommandLine(Vn::OS::arguments(argc, argv), std::cin, out, std::cerr);
+        status = runProgram(Vn::OS::arguments(argc, argv), std::cin, out, std::cerr);
     } catch (std::bad_alloc const &) {
         std::cerr << "vnconsole: out of memory\n";
     } catch (std::exception const & exception) {

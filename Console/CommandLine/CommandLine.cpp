@@ -15,6 +15,8 @@
 #include "Console/Documents/Command.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/TextCommands.h"
+#include "Console/Host/AddInsCommand.h"
+#include "Console/Host/EarlyOptions.h"
 #include "Console/Options.h"
 #include "Console/Session/Interactive.h"
 #include "Console/Session/TextCommands.h"
@@ -22,10 +24,6 @@
 #include "Console/Terminal/Table.h"
 #include "Console/Terminal/Terminal.h"
 #include "Console/Texts.h"
-#include "Platform/Base/Initializer.h"
-#include "Platform/Base/OS.h"
-#include "Platform/Base/PathInfo.h"
-#include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 
@@ -102,12 +100,12 @@ public:
         m_app.set_version_flag("--version", "vnconsole " VN_CONSOLE_VERSION);
         m_app.require_subcommand(0, 1);
         m_app.footer(c_examples);
-        m_app.add_option("--language", m_language, "The language of the words, such as de")
-            ->type_name("TAG");
-        m_app
-            .add_option("--options", m_optionsDirectory,
-                        "The directory of the preferences, instead of the user's")
-            ->type_name("DIR");
+        // As everywhere, what begins with a "/" is a text or a path.
+        m_app.allow_windows_style_options(false);
+        add(m_app, EValueOption::Language, m_language, "TAG",
+            "The language of the words, such as de");
+        add(m_app, EValueOption::Options, m_optionsDirectory, "DIR",
+            "The directory of the preferences, instead of the user's");
         m_app.add_flag("--standard", m_standard, "With the factory display settings");
         addEval();
         addUnits();
@@ -116,6 +114,7 @@ public:
         addDocument();
         addMass();
         addOptions();
+        addAddIns();
         addSelfTest();
         m_tour = addSubcommand("tour", "Shows a few expressions and what they evaluate to");
     }
@@ -132,9 +131,12 @@ public:
         return m_app.exit(error, out, err) == 0 ? ExitGood : ExitBadUsage;
     }
 
-    std::string const & language() const { return m_language; }
-    // Empty for the user's own.
-    std::wstring optionsDirectory() const { return wide(m_optionsDirectory); }
+    // What the program has settled before, as it is understood here.
+    EarlyOptions earlyOptions() const {
+        std::vector<CLI::App *> const subcommands = m_app.get_subcommands();
+        return {Text::toUtf8(wide(m_language)), Text::toUtf8(wide(m_optionsDirectory)),
+                subcommands.empty() ? std::string() : subcommands.front()->get_name()};
+    }
     // Whether values are shown as the user prefers.  What others rely on isn't.
     bool usesPreferences() const { return !m_standard && !*m_batch && !*m_selfTest && !*m_tour; }
 
@@ -148,6 +150,7 @@ public:
         if (*m_mass) return runMass(massOptions(), out, err);
         if (*m_document) return runDocument(documentOptions(), document, out, err);
         if (*m_options) return runOptions(texts(*m_optionsWords), m_json, out, err);
+        if (*m_addIns) return runAddIns(m_json, out);
         if (*m_selfTest) return runSelfTest(Text::toUtf8(wide(m_group)), out, err);
         if (*m_tour) return runTour(out);
         return runInteractive(document, m_standard, in, out, err);
@@ -157,8 +160,17 @@ private:
     CLI::App * addSubcommand(char const * name, char const * description) {
         CLI::App * const command = m_app.add_subcommand(name, description);
         command->fallthrough();
-        command->allow_windows_style_options(false);
         return command;
+    }
+
+    // Declares an option with a value, which may be any text.
+    template <class Target>
+    static CLI::Option * add(CLI::App & command, EValueOption option, Target & target,
+                             char const * typeName, char const * description) {
+        ValueOptionName const & name = valueOptionName(option);
+        std::string names = name.name;
+        if (name.shortName) names += std::string(",") + name.shortName;
+        return command.add_option(names, target, description)->type_name(typeName);
     }
 
     // As they were typed: the parser of the command line would convert "{}" to an empty list.
@@ -172,17 +184,13 @@ private:
         m_eval = addSubcommand("eval", "Evaluates expressions");
         m_texts = m_eval->add_option("TEXT", m_converted, "The expressions");
         m_texts->type_name("")->required();
-        m_unitOption = m_eval->add_option(
-            "--unit,-u", m_unit, "The unit of the result; an empty one for a result without units");
-        m_unitOption->type_name("UNIT");
-        m_displayOption =
-            m_eval->add_option("--display,-d", m_display, "The unit in which the value is shown");
-        m_displayOption->type_name("UNIT");
+        m_unitOption = add(*m_eval, EValueOption::Unit, m_unit, "UNIT",
+                           "The unit of the result; an empty one for a result without units");
+        m_displayOption = add(*m_eval, EValueOption::Display, m_display, "UNIT",
+                              "The unit in which the value is shown");
         addUnitSystem(*m_eval);
-        m_eval->add_option("--kind", m_kind, "The kind of quantity of the result")
-            ->type_name("KIND");
-        m_eval->add_option("--id", m_id, "A key of the system that goes before both")
-            ->type_name("KEY");
+        add(*m_eval, EValueOption::Kind, m_kind, "KIND", "The kind of quantity of the result");
+        add(*m_eval, EValueOption::Id, m_id, "KEY", "A key of the system that goes before both");
         m_eval->add_flag("--standard", m_standard, "With the factory display settings");
         m_eval->add_flag("--json", m_json, "One JSON object a line for each text");
         m_eval->footer("A text that begins with \"-\" goes after \"--\".\n");
@@ -190,10 +198,10 @@ private:
 
     // The units of a document, for who doesn't change it.
     void addUnitSystem(CLI::App & command) {
-        command.add_option("--document", m_unitsFile, "A document whose units are used")
-            ->type_name("FILE");
-        command.add_option("--system", m_system, "Which of its unit systems, if there are several")
-            ->type_name("ID");
+        add(command, EValueOption::Document, m_unitsFile, "FILE",
+            "A document whose units are used");
+        add(command, EValueOption::System, m_system, "ID",
+            "Which of its unit systems, if there are several");
     }
 
     // The text of an option, if it was given.
@@ -213,15 +221,13 @@ private:
         m_mass = addSubcommand("mass", "Shows the mass properties of a box");
         m_edges = m_mass->add_option("EDGE", m_converted, "The lengths of three edges");
         m_edges->type_name("")->required()->expected(3);
-        m_mass->add_option("--density", m_density, "The density of its material")
-            ->type_name("VALUE")
+        add(*m_mass, EValueOption::Density, m_density, "VALUE", "The density of its material")
             ->required();
-        m_materialOption = m_mass->add_option("--material", m_material, "The name of its material");
-        m_materialOption->type_name("NAME");
-        m_overrides = m_mass->add_option("--override", m_converted,
-                                         "A value in place of the calculated one: volume, area, "
-                                         "mass or density");
-        m_overrides->type_name("QUANTITY=VALUE")->expected(1)->take_all();
+        m_materialOption = add(*m_mass, EValueOption::Material, m_material, "NAME",
+                               "The name of its material");
+        m_overrides = add(*m_mass, EValueOption::Override, m_converted, "QUANTITY=VALUE",
+                          "A value in place of the calculated one: volume, area, mass or density");
+        m_overrides->expected(1)->take_all();
         addUnitSystem(*m_mass);
         m_mass->add_flag("--json", m_json, "One JSON object");
     }
@@ -279,6 +285,11 @@ private:
         m_options->footer([] { return optionsFooter(); });
     }
 
+    void addAddIns() {
+        m_addIns = addSubcommand("add-ins", "Lists the add-ins, and why one isn't loaded");
+        m_addIns->add_flag("--json", m_json, "One JSON object a line for each add-in");
+    }
+
     void addSelfTest() {
         m_selfTest = addSubcommand("self-test", "Runs the library's checks of itself");
         m_selfTest->add_option("GROUP", m_group, "One group of checks only")->type_name("");
@@ -314,6 +325,7 @@ private:
     CLI::App * m_document = nullptr;
     CLI::App * m_mass = nullptr;
     CLI::App * m_options = nullptr;
+    CLI::App * m_addIns = nullptr;
     CLI::App * m_selfTest = nullptr;
     CLI::App * m_tour = nullptr;
     CLI::Option * m_texts = nullptr;
@@ -363,20 +375,15 @@ bool looksLikeText(std::vector<std::string> const & arguments) {
     });
 }
 
-// Everything that depends on the language and on the preferences comes after this.
-void prepareProcess(CommandLine const & commandLine, std::ostream & err) {
-    std::filesystem::path const program = OS::executableDirectory();
-    if (!program.empty()) {
-        std::u8string const catalogues = (program.parent_path() / "share" / "locale").u8string();
-        StringTable::catalogueDirectory(std::string(catalogues.begin(), catalogues.end()));
-    }
-    StringTable::language(commandLine.language());
-    PathInfo::optionsDirectory(commandLine.optionsDirectory());
-    Initializer::runAll();
-    if (commandLine.usesPreferences())
-        tellOfDamagedOptions(err);
-    else
-        Units::UnitDisplaySettings::userEditableSettings() = Units::UnitDisplaySettings::standard();
+// Whether the program has settled the language and the preferences as they are understood here.
+bool isSettled(std::vector<std::string> const & arguments, CommandLine const & commandLine,
+               std::ostream & err) {
+    EarlyOptions const wanted = commandLine.earlyOptions();
+    EarlyOptions const settled = readEarlyOptions(arguments);
+    if (wanted.language == settled.language && wanted.optionsDirectory == settled.optionsDirectory)
+        return true;
+    err << "vnconsole: --language and --options can't stand after \"--\"\n";
+    return false;
 }
 
 } // namespace
@@ -393,7 +400,11 @@ int runCommandLine(std::vector<std::string> const & arguments, std::istream & in
             err << "A text that begins with \"-\" goes after \"--\": vnconsole eval -- '-PI'\n";
         return status;
     }
-    prepareProcess(commandLine, err);
+    if (!isSettled(arguments, commandLine, err)) return ExitBadUsage;
+    if (commandLine.usesPreferences())
+        tellOfDamagedOptions(err);
+    else
+        Units::UnitDisplaySettings::userEditableSettings() = Units::UnitDisplaySettings::standard();
     DocumentSession document;
     DocumentTextCommands const documentCommands(document, &out);
     return commandLine.run(document, in, out, err);

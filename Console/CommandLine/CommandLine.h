@@ -10,8 +10,8 @@
 namespace Vn::Console {
 
 // Does what the arguments say, without the name of the program in front of them, and returns the
-// exit status.  To be called once: it chooses the language of the process and runs the
-// initialisers.
+// exit status.  To be called once; the program has settled what readEarlyOptions finds in the
+// arguments.
 int runCommandLine(std::vector<std::string> const & arguments, std::istream & in,
                    std::ostream & out, std::ostream & err);
 

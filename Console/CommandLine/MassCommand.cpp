@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Documents/Hosting.h"
 #include "Console/Failure.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
@@ -207,7 +208,11 @@ int runMass(MassOptions const & options, std::ostream & out, std::ostream & err)
         return ExitBadInput;
     PhysicalMaterial const material(options.material.value_or(L"unnamed"), density);
 
-    StrongRef<Asset> const asset = Asset::make(nullptr);
+    StrongRef<Asset> asset;
+    if (Status const status = makeDocument(asset); !status) {
+        err << "vnconsole: " << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
+        return ExitBadInput;
+    }
     StrongRef<Box> const box = Box::make(asset->segment(SegmentType::DesignSegment));
     box->edges(edges);
     box->material(&material);

@@ -3,12 +3,12 @@
 #include <ostream>
 
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Documents/Hosting.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/UnitSystems.h"
 #include "Console/Evaluation.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
-#include "Platform/DataModel/DocumentFile.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
 #include "Server/CommonData/Units/UnitLookup.h"
 #include "Server/CommonData/Units/UnitSystemChoice.h"
@@ -61,11 +61,8 @@ int openUnits(DocumentUnits const & options, OpenedUnits & units, std::ostream &
             << " asks the unit systems of a document; name one with --document\n";
         return ExitBadUsage;
     }
-    Status const status = DocumentFile::load(pathOf(*options.file), nullptr, units.asset);
-    if (!status) {
-        units.asset.reset();
+    if (Status const status = loadDocument(pathOf(*options.file), units.asset); !status)
         return told(printable(Text::fromUtf8(status.toString())), err);
-    }
     std::wstring const why = findUnitSystem(units.asset->segment(SegmentType::DesignSegment),
                                             options.system, units.system);
     return why.empty() ? ExitGood : told(shown(pathOf(*options.file)) + L": " + why, err);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Documents/Hosting.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/Tree.h"
@@ -77,7 +78,7 @@ TextCommandResult cannot(std::wstring const & what, std::wstring const & reason)
 TextCommandResult newDocument(DocumentSession & session, Parameters const & parameters) {
     if (std::wstring const why = whyNotReplace(session, parameters); !why.empty())
         return cannot(L"make a new document", why);
-    session.makeNew();
+    if (Status const status = session.makeNew(); !status) return failure(status);
     return {0, L"a new document with an empty group \"Groups\""};
 }
 
@@ -194,7 +195,7 @@ TextCommandResult checkDocument(DocumentSession & session, Parameters const & pa
         return failure(status);
     if (findings.empty() && unknownTypes.empty()) { // as far as can be told without the classes
         StrongRef<Asset> asset;
-        Status const status = DocumentFile::load(file, nullptr, asset);
+        Status const status = loadDocument(file, asset);
         if (!status && !mayBeDamage(status.code())) return failure(status);
         if (!status) findings.push_back(status.cause());
     }

@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "Console/Documents/Hosting.h"
 #include "Console/Documents/Interruption.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
@@ -47,19 +48,21 @@ Segment & DocumentSession::design() const noexcept {
 
 StrongRef<Entity> DocumentSession::root() const { return design().rootEntity(c_rootKey); }
 
-void DocumentSession::makeNew() {
-    StrongRef<Asset> asset = Asset::make(nullptr);
+Status DocumentSession::makeNew() {
+    StrongRef<Asset> asset;
+    if (Status status = makeDocument(asset); !status) return status;
     makeRootGroup(*asset->segment(SegmentType::DesignSegment));
     asset->history().clear();
     asset->history().markClean();
     m_rAsset = std::move(asset);
     m_name.clear();
     marked();
+    return Status::success();
 }
 
 Status DocumentSession::open(std::filesystem::path const & file) {
     StrongRef<Asset> asset;
-    Status status = DocumentFile::load(file, nullptr, asset);
+    Status status = loadDocument(file, asset);
     if (!status) return status;
     m_rAsset = std::move(asset);
     m_name = shown(file);

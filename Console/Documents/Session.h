@@ -39,10 +39,10 @@ public:
     StrongRef<Entity> root() const;
 
     // A new document in place of the one before, without a file, with an empty root group that no
-    // undo takes away.
-    void makeNew();
+    // undo takes away.  The one before stays if that fails.
+    [[nodiscard]] Status makeNew();
     // Opens a document in place of the one before, which stays if that fails.
-    Status open(std::filesystem::path const & file);
+    [[nodiscard]] Status open(std::filesystem::path const & file);
     Status save();
     Status saveAs(std::filesystem::path const & file);
     // What the last save found beside the file and gave another name, a line for each; empty if

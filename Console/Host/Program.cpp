@@ -1,0 +1,109 @@
+#include "Console/Host/Program.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <ostream>
+
+#include "Console/CommandLine/ExitStatus.h"
+#include "Console/Host/AddInsCommand.h"
+#include "Console/Host/EarlyOptions.h"
+#include "Console/Host/ICommandLine.h"
+#include "Console/Texts.h"
+#include "Platform/AddInMgr/AddIn.h"
+#include "Platform/AddInMgr/AddInMgr.h"
+#include "Platform/AddInMgr/IAddIn.h"
+#include "Platform/Base/InterfaceId.h"
+#include "Platform/Base/OS.h"
+#include "Platform/Base/PathInfo.h"
+#include "Platform/Base/StringTable.h"
+#include "Platform/Base/Text.h"
+
+namespace Vn::Console {
+
+namespace {
+
+constexpr char c_commands[] = "Console"; // the add-in that has them
+
+// What the program doesn't do without: the configurations below the root directory, in the order in
+// which they are needed.
+constexpr wchar_t const * c_needed[] = {L"Server/CommonData/Configuration/VnCommonData10.xml",
+                                        L"Server/Console/Configuration/VnConsole10.xml"};
+
+// What depends on the language and on the preferences comes after this.
+void prepareProcess(EarlyOptions const & options) {
+    std::filesystem::path const program = OS::executableDirectory();
+    if (!program.empty()) {
+        std::u8string const catalogues = (program.parent_path() / "share" / "locale").u8string();
+        StringTable::catalogueDirectory(std::string(catalogues.begin(), catalogues.end()));
+    }
+    StringTable::language(options.language);
+    PathInfo::optionsDirectory(Text::fromUtf8(options.optionsDirectory));
+}
+
+void tell(std::wstring const & what, std::ostream & err) {
+    err << "vnconsole: " << Text::toUtf8(printable(what)) << '\n';
+}
+void tell(Status const & status, std::ostream & err) {
+    tell(Text::fromUtf8(status.toString()), err);
+}
+
+AddIn * configuredBy(std::filesystem::path const & file) {
+    for (AddIn * const addIn : AddInMgr::get()->addIns())
+        if (addIn->configurationFile() == file) return addIn;
+    return nullptr;
+}
+
+// Why there are no commands: the first of what they need that isn't there.
+void tellWhatIsMissing(Status const & configured, std::ostream & err) {
+    std::wstring const root = PathInfo::rootDirectory(true);
+    bool isTold = false;
+    for (wchar_t const * const needed : c_needed) {
+        std::filesystem::path const file = PathInfo::fromText(root + needed);
+        std::error_code ignored;
+        AddIn const * const addIn = configuredBy(file);
+        if (addIn && addIn->status()) continue;
+        if (addIn)
+            tell(addIn->status(), err);
+        else if (!std::filesystem::exists(file, ignored))
+            tell(L"there is no " + root + needed, err);
+        else
+            break;
+        isTold = true;
+        break;
+    }
+    if (!isTold && !configured)
+        tell(configured, err);
+    else if (!isTold)
+        tell(root + c_needed[1] + L" names no add-in that has the commands", err);
+    err << "Install vnconsole again, with all of its files; \"vnconsole add-ins\" lists what was "
+           "found.\n";
+}
+
+} // namespace
+
+int runProgram(std::vector<std::string> const & arguments, std::istream & in, std::ostream & out,
+               std::ostream & err) {
+    EarlyOptions const options = readEarlyOptions(arguments);
+    prepareProcess(options);
+    AddInMgr & manager = *AddInMgr::get();
+    Status const configured = manager.configure();
+    // Each record keeps its own reason, and only the commands can't be done without.
+    static_cast<void>(manager.load());
+    AddIn const * const addIn = manager.addIn(c_commands);
+    auto const * const commandLine = addIn ? query<ICommandLine>(addIn->object()) : nullptr;
+    bool const listsAddIns = options.subcommand == "add-ins";
+    if (!commandLine && listsAddIns) {
+        runAddIns(std::find(arguments.begin(), arguments.end(), "--json") != arguments.end(), out);
+        return ExitBadInput;
+    }
+    if (!commandLine) {
+        tellWhatIsMissing(configured, err);
+        return ExitBadInput;
+    }
+    if (!listsAddIns)
+        for (AddIn const * const each : manager.addIns())
+            if (Status const status = each->status(); !status) tell(status, err);
+    return commandLine->run(arguments, in, out, err);
+}
+
+} // namespace Vn::Console
