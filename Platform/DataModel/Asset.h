@@ -50,6 +50,10 @@ public:
     static StrongRefCreator<Asset> make(AssetType const * type);
     ~Asset() override;
 
+    // How many documents there are in the process.  One counts until the last of what it holds is
+    // gone.  Any thread may ask.
+    static std::size_t openAssets() noexcept;
+
     // What `make` was given.
     AssetType const * assetType() const noexcept { return m_pType; }
 
@@ -112,6 +116,15 @@ private:
     // Leaves an entity that is dead for good to those that hold it.
     void abandon(Entity & entity) noexcept;
 
+    // Counts the document from the first to the last moment of its members.
+    struct Counted {
+        Counted() noexcept;
+        ~Counted();
+        Counted(Counted const &) = delete;
+        Counted & operator=(Counted const &) = delete;
+    };
+
+    [[no_unique_address]] Counted const m_counted;
     AssetType const * const m_pType;
     std::unique_ptr<DataModel::EntityTable> const m_pTable;
     ChangeHistory m_history;
