@@ -223,8 +223,8 @@ private:
         m_edges->type_name("")->required()->expected(3);
         add(*m_mass, EValueOption::Density, m_density, "VALUE", "The density of its material")
             ->required();
-        m_materialOption = add(*m_mass, EValueOption::Material, m_material, "NAME",
-                               "The name of its material");
+        m_materialOption =
+            add(*m_mass, EValueOption::Material, m_material, "NAME", "The name of its material");
         m_overrides = add(*m_mass, EValueOption::Override, m_converted, "QUANTITY=VALUE",
                           "A value in place of the calculated one: volume, area, mass or density");
         m_overrides->expected(1)->take_all();
@@ -387,6 +387,16 @@ bool isSettled(std::vector<std::string> const & arguments, CommandLine const & c
 }
 
 } // namespace
+
+std::optional<EarlyOptions> understoodOptions(std::vector<std::string> const & arguments) {
+    CommandLine commandLine;
+    try {
+        commandLine.parse(arguments);
+    } catch (CLI::ParseError const &) {
+        return std::nullopt;
+    }
+    return commandLine.earlyOptions();
+}
 
 int runCommandLine(std::vector<std::string> const & arguments, std::istream & in,
                    std::ostream & out, std::ostream & err) {
