@@ -3,6 +3,7 @@
 #include <deque>
 #include <mutex>
 
+#include "Platform/Base/RegistrationLog.h"
 #include "Platform/Base/Shared.h"
 
 namespace Vn {
@@ -23,6 +24,11 @@ List & list() {
     return s_list.get([] { return new List; });
 }
 
+void note(void (*function)(), RegistrationLog::EEvent event) {
+    RegistrationLog::note(RegistrationLog::EKind::Initializer, {},
+                          reinterpret_cast<void const *>(function), event);
+}
+
 } // namespace
 
 Initializer::Initializer(void (*function)()) : m_function(function) {
@@ -30,12 +36,15 @@ Initializer::Initializer(void (*function)()) : m_function(function) {
     List & all = list();
     std::lock_guard const guard(all.mutex);
     all.waiting.push_back(this);
+    note(m_function, RegistrationLog::EEvent::Joins);
 }
 
 Initializer::~Initializer() {
+    if (!m_function) return;
     List & all = list();
     std::lock_guard const guard(all.mutex);
     std::erase(all.waiting, this);
+    note(m_function, RegistrationLog::EEvent::Leaves);
 }
 
 void Initializer::runAll() {

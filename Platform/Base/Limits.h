@@ -17,6 +17,11 @@ inline constexpr std::chrono::seconds c_optionLock{5};
 // The copies of damaged option files that are kept beside one; the next save fails.
 inline constexpr unsigned c_damagedCopies = 1000;
 
+// The bytes of a document that is validated, and of its schema.  A longer one isn't read:
+// StatusUnsupported.  What the XML library does with attributes takes the square of their number,
+// and stays below a second up to here.
+inline constexpr std::size_t c_validatedFile = std::size_t{64} << 10;
+
 } // namespace Vn::Limits
 
 #endif

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cxxabi.h>
+#include <exception>
 #include <iterator>
 #include <memory>
 #include <system_error>
@@ -155,13 +156,17 @@ std::wstring_view platformModuleExtension() noexcept {
 #endif
 }
 
-std::filesystem::path executableDirectory() {
 #ifdef _WIN32
+
+namespace {
+
+// The directory of a module of the process; null is the program.
+std::filesystem::path directoryOf(HMODULE module) {
     // The system cuts off a path that doesn't fit, and then fills the buffer.
     std::wstring path(MAX_PATH, L'\0');
     for (;;) {
         DWORD const length =
-            GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+            GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
         if (length == 0) return {};
         if (length < path.size()) {
             path.resize(length);
@@ -169,9 +174,37 @@ std::filesystem::path executableDirectory() {
         }
         path.resize(path.size() * 2);
     }
+}
+
+} // namespace
+
+#endif
+
+std::filesystem::path executableDirectory() {
+#ifdef _WIN32
+    return directoryOf(nullptr);
 #else
     std::error_code error;
     std::filesystem::path const path = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::filesystem::path() : path.parent_path();
+#endif
+}
+
+std::filesystem::path libraryDirectory() {
+    auto * const address = reinterpret_cast<void *>(&libraryDirectory);
+#ifdef _WIN32
+    HMODULE module = nullptr;
+    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS |
+                                GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+                            static_cast<wchar_t const *>(address), &module))
+        return {};
+    return directoryOf(module);
+#else
+    // The loader tells the name by which it found the file, which may be a link.
+    Dl_info info{};
+    if (dladdr(address, &info) == 0 || !info.dli_fname) return {};
+    std::error_code error;
+    std::filesystem::path const path = std::filesystem::canonical(info.dli_fname, error);
     return error ? std::filesystem::path() : path.parent_path();
 #endif
 }
@@ -508,6 +541,18 @@ Status syncDirectory([[maybe_unused]] std::filesystem::path const & directory) {
     return Status::success();
 }
 
+#ifndef _WIN32
+
+namespace {
+
+// It is declared not to throw, but lets pass what the static objects of modules throw.  The
+// compiler mustn't see which function it is.
+void * (*const volatile s_openModule)(char const * file, int flags) = &dlopen;
+
+} // namespace
+
+#endif
+
 Module::Module(Module && other) noexcept : m_pHandle(std::exchange(other.m_pHandle, nullptr)) {}
 
 Module & Module::operator=(Module && other) noexcept {
@@ -532,10 +577,40 @@ Status Module::load(std::filesystem::path const & file) {
     m_pHandle = reinterpret_cast<void *>(
         LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 #else
-    m_pHandle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    // Of the exception nothing is left when the module goes, which its class may belong to.
+    std::string thrown;
+    try {
+        m_pHandle = s_openModule(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    } catch (std::exception const & exception) {
+        thrown = std::string("a static object of it throws: ") + exception.what();
+    } catch (...) {
+        thrown = "a static object of it throws";
+    }
+    if (!thrown.empty()) {
+        // The call that was left had counted a use of the module.
+        if (void * const left = dlopen(path.c_str(), RTLD_NOW | RTLD_NOLOAD)) {
+            dlclose(left);
+            dlclose(left);
+        }
+        return Status::failed("load the module", pathText(path), thrown);
+    }
 #endif
     if (!m_pHandle) return Status::failed("load the module", pathText(path), loaderError());
     return Status::success();
+}
+
+bool Module::isInProcess(std::filesystem::path const & file) {
+    std::error_code error;
+    std::filesystem::path const path = std::filesystem::absolute(file, error);
+    if (error) return false;
+#ifdef _WIN32
+    return GetModuleHandleW(path.c_str()) != nullptr;
+#else
+    void * const handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (!handle) return false;
+    dlclose(handle);
+    return true;
+#endif
 }
 
 void * Module::symbol(char const * name) const noexcept {

@@ -38,6 +38,10 @@ VN_BASE_API std::wstring_view platformModuleExtension() noexcept;
 // The directory of the running program; empty if the system doesn't tell.
 VN_BASE_API std::filesystem::path executableDirectory();
 
+// The directory of the library that this function is in, or of the program if it is linked into
+// that; empty if the system doesn't tell.
+VN_BASE_API std::filesystem::path libraryDirectory();
+
 // The arguments of the process, without the name of the program in front of them.  `argc` and
 // `argv` are those of main.  On Windows they come from the system, and are UTF-8.
 VN_BASE_API std::vector<std::string> arguments(int argc, char const * const * argv);
@@ -165,7 +169,15 @@ public:
     // Loads a module; its static objects are constructed before this returns.  A module that the
     // object held before is unloaded first.  If it can't be loaded, the status carries the system's
     // reason, and the object holds none.
+    //
+    // A static object that throws is such a reason too, and the module is let go.  On Linux the
+    // system's loader then stays locked by the thread: other threads that load, unload or look up
+    // wait until the process ends.
     [[nodiscard]] Status load(std::filesystem::path const & file);
+
+    // Whether the process has a module loaded from that file, by whomever.  A module may outlive
+    // its unloading: others may use it, or the system may keep it for what it has made.
+    static bool isInProcess(std::filesystem::path const & file);
 
     // The address of an exported name; null if there is none, or no module.
     void * symbol(char const * name) const noexcept;

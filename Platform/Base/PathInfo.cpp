@@ -19,6 +19,7 @@ struct Places {
     std::mutex mutex;
     std::filesystem::path options;
     std::filesystem::path root;
+    std::filesystem::path modules;
 };
 
 constinit Shared<Places> s_places;
@@ -85,6 +86,20 @@ void PathInfo::rootDirectory(std::wstring const & directory) { set(&Places::root
 
 void PathInfo::rootDirectory(wchar_t const * directory) {
     set(&Places::root, directory ? directory : L"");
+}
+
+std::wstring PathInfo::modulesDirectory(bool endsInSeparator) {
+    std::filesystem::path directory = get(&Places::modules);
+    if (directory.empty()) directory = OS::libraryDirectory();
+    return textOf(directory, endsInSeparator);
+}
+
+void PathInfo::modulesDirectory(std::wstring const & directory) {
+    set(&Places::modules, directory);
+}
+
+void PathInfo::modulesDirectory(wchar_t const * directory) {
+    set(&Places::modules, directory ? directory : L"");
 }
 
 #ifdef _WIN32

@@ -29,6 +29,13 @@ public:
     static void rootDirectory(std::wstring const & directory);
     static void rootDirectory(wchar_t const * directory);
 
+    // The directory of the modules that are loaded at run time: that of the platform's libraries,
+    // or what the host set.  Empty if the system doesn't tell it.
+    [[nodiscard]] static std::wstring modulesDirectory(bool endsInSeparator);
+    // Sets it, in the same way.
+    static void modulesDirectory(std::wstring const & directory);
+    static void modulesDirectory(wchar_t const * directory);
+
     // A path as a text with "/" as its separator, and back.  Every path comes back as it was:
     // bytes that aren't UTF-8 become characters that no other text has.
     static std::wstring toText(std::filesystem::path const & path);

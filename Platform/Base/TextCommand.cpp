@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "Platform/Base/RegistrationLog.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
@@ -14,7 +15,20 @@ namespace {
 
 constinit Shared<std::wstring> s_noText;
 
+using Log = RegistrationLog;
+
+void note(TextCommandSubjectArea const & area, Log::EEvent event) {
+    if (Log::isAsked())
+        Log::note(Log::EKind::TextCommandArea, Text::toUtf8(area.name()), &area, event);
 }
+
+void note(TextCommand const & command, Log::EEvent event) {
+    if (Log::isAsked())
+        Log::note(Log::EKind::TextCommand,
+                  Text::toUtf8(command.subjectArea() + L'.' + command.name()), &command, event);
+}
+
+} // namespace
 
 TextCommandParameters::TextCommandParameters(std::vector<std::wstring> parameters,
                                              std::vector<std::wstring> flags)
@@ -40,9 +54,13 @@ TextCommandSubjectArea::TextCommandSubjectArea(std::wstring name, std::wstring d
                                                bool hidden)
     : m_name(std::move(name)), m_description(std::move(description)), m_bHidden(hidden) {
     TextCommandService::get().add(this);
+    note(*this, Log::EEvent::Joins);
 }
 
-TextCommandSubjectArea::~TextCommandSubjectArea() { TextCommandService::get().remove(this); }
+TextCommandSubjectArea::~TextCommandSubjectArea() {
+    TextCommandService::get().remove(this);
+    note(*this, Log::EEvent::Leaves);
+}
 
 TextCommand::TextCommand(std::wstring subjectArea, std::wstring name, std::wstring description,
                          std::string alias, bool hidden, bool enabled)
@@ -50,9 +68,13 @@ TextCommand::TextCommand(std::wstring subjectArea, std::wstring name, std::wstri
       m_description(std::move(description)), m_alias(std::move(alias)), m_bHidden(hidden),
       m_bEnabled(enabled) {
     TextCommandService::get().add(this);
+    note(*this, Log::EEvent::Joins);
 }
 
-TextCommand::~TextCommand() { TextCommandService::get().remove(this); }
+TextCommand::~TextCommand() {
+    TextCommandService::get().remove(this);
+    note(*this, Log::EEvent::Leaves);
+}
 
 TextCommandResult TextCommand::run(TextCommandParameters const & parameters) {
     if (!m_bEnabled) return {1, m_subjectArea + L"." + m_name + L" is not enabled"};

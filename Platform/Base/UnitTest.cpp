@@ -3,6 +3,7 @@
 #include <exception>
 #include <utility>
 
+#include "Platform/Base/RegistrationLog.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/Text.h"
 
@@ -21,6 +22,12 @@ Registry & registry() {
     return s_registry.get([] { return new Registry; });
 }
 
+void tell(UnitTest const & test, RegistrationLog::EEvent event) {
+    if (RegistrationLog::isAsked())
+        RegistrationLog::note(RegistrationLog::EKind::SelfCheck, test.group() + '.' + test.name(),
+                              &test, event);
+}
+
 } // namespace
 
 UnitTest::UnitTest(std::string group, std::string name, void (*function)(UnitTest &))
@@ -28,12 +35,14 @@ UnitTest::UnitTest(std::string group, std::string name, void (*function)(UnitTes
     Registry & known = registry();
     std::lock_guard const guard(known.mutex);
     known.tests.push_back(this);
+    tell(*this, RegistrationLog::EEvent::Joins);
 }
 
 UnitTest::~UnitTest() {
     Registry & known = registry();
     std::lock_guard const guard(known.mutex);
     std::erase(known.tests, this);
+    tell(*this, RegistrationLog::EEvent::Leaves);
 }
 
 bool UnitTest::Assert(bool condition, std::wstring_view text) {

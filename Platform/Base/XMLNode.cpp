@@ -12,12 +12,12 @@
 #include "Platform/Base/Text.h"
 #include "Platform/Base/Utility.h"
 #include "Platform/Base/XMLEncodingInternal.h"
+#include "Platform/Base/XMLErrorInternal.h"
 
 namespace Vn {
 
 namespace {
 
-constexpr char c_parse[] = "read the options";
 constexpr char c_write[] = "write the options";
 
 xmlChar const * xml(std::string const & text) {
@@ -57,20 +57,8 @@ void stopAtDoctype(void * parser, xmlChar const *, xmlChar const *, xmlChar cons
     xmlStopParser(static_cast<xmlParserCtxtPtr>(parser));
 }
 
-#if LIBXML_VERSION >= 21200
-using XmlError = xmlError const *;
-#else
-using XmlError = xmlError *;
-#endif
-
-std::string messageOf(xmlError const & error) {
-    std::wstring const text = Text::fromUtf8(error.message ? error.message : "");
-    return "line " + std::to_string(error.line) + ": " +
-           Text::toUtf8(Text::printable(Text::clipped(Text::trimmed(text), 100)));
-}
-
 // Without a handler of the parser's own the error would go to that of the process.
-void noteError(void * parser, XmlError error) {
+void noteError(void * parser, Detail::XmlError error) {
     Notes & notes = notesOf(parser);
     // A text beyond the parser's limit has the same number.
     if (error->code == XML_ERR_NO_MEMORY &&
@@ -78,7 +66,7 @@ void noteError(void * parser, XmlError error) {
         notes.isOutOfMemory = true;
     if (error->level < XML_ERR_ERROR || !notes.error.empty()) return;
     try {
-        notes.error = messageOf(*error);
+        notes.error = Detail::messageOf(*error);
     } catch (std::bad_alloc const &) {
         notes.isOutOfMemory = true; // no exception passes the parser
     }
@@ -102,6 +90,12 @@ void addIndent(xmlNodePtr parent, std::size_t depth) {
 
 } // namespace
 
+std::string Detail::messageOf(xmlError const & error) {
+    std::wstring const text = Text::fromUtf8(error.message ? error.message : "");
+    return "line " + std::to_string(error.line) + ": " +
+           Text::toUtf8(Text::printable(Text::clipped(Text::trimmed(text), 100)));
+}
+
 XMLNode::XMLNode(std::shared_ptr<void> document, void * node) noexcept
     : m_pDocument(node ? std::move(document) : nullptr), m_pNode(node) {}
 
@@ -116,13 +110,14 @@ XMLNode::XMLNode(std::string_view name) {
     m_pNode = root;
 }
 
-Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode & root) {
+Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode & root,
+                      std::string_view operation) {
     std::string converted;
     std::string_view text;
     if (char const * const reason = decodeXml(bytes, converted, text))
-        return Status::corrupt(c_parse, subject, reason);
+        return Status::corrupt(operation, subject, reason);
     std::unique_ptr<xmlParserCtxt, FreeParser> const parser(xmlNewParserCtxt());
-    if (!parser) return Status::outOfMemory(c_parse, subject);
+    if (!parser) return Status::outOfMemory(operation, subject);
     Notes notes;
     parser->_private = &notes;
     parser->sax->internalSubset = &stopAtDoctype;
@@ -135,14 +130,14 @@ Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode 
                                          [](void * d) {
                                              if (d) xmlFreeDoc(static_cast<xmlDocPtr>(d));
                                          });
-    if (notes.isOutOfMemory) return Status::outOfMemory(c_parse, subject);
-    if (notes.hasDoctype) return Status::corrupt(c_parse, subject, "it has a DOCTYPE");
+    if (notes.isOutOfMemory) return Status::outOfMemory(operation, subject);
+    if (notes.hasDoctype) return Status::corrupt(operation, subject, "it has a DOCTYPE");
     auto * const read = static_cast<xmlDocPtr>(document.get());
     xmlNodePtr const element = read ? xmlDocGetRootElement(read) : nullptr;
     if (!element) {
         xmlError const * const last = xmlCtxtGetLastError(parser.get());
-        if (notes.error.empty() && last) notes.error = messageOf(*last);
-        return Status::corrupt(c_parse, subject,
+        if (notes.error.empty() && last) notes.error = Detail::messageOf(*last);
+        return Status::corrupt(operation, subject,
                                notes.error.empty() ? "it has no element" : notes.error);
     }
     root = XMLNode(document, element);

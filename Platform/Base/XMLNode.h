@@ -25,9 +25,11 @@ public:
     // Reads a document.  One that isn't well-formed, that has a DOCTYPE or an encoding other than
     // UTF-8, UTF-16, ISO-8859-1 or ASCII, or that goes beyond what the parser takes (elements 256
     // deep, a text of 10 MB) is StatusCorrupt, and `root` stays as it was.  Nothing but `bytes` is
-    // looked at, whatever the document asks for.  `subject` is named in the status.
+    // looked at, whatever the document asks for.  The status names `subject`, and what is being
+    // done by `operation`.
     [[nodiscard]] static Status parse(std::string_view bytes, std::string_view subject,
-                                      XMLNode & root);
+                                      XMLNode & root,
+                                      std::string_view operation = "read the options");
     // The whole document of this node in UTF-8, with what was read and isn't known here: comments,
     // other elements, blanks.  Without an element `text` becomes empty.
     [[nodiscard]] Status write(std::string & text) const;
@@ -53,6 +55,7 @@ public:
 
 private:
     friend class XMLAttributeProxy;
+    friend class XMLSchema;
 
     XMLNode(std::shared_ptr<void> document, void * node) noexcept;
 

@@ -1,5 +1,6 @@
 #include "Platform/DataModel/Asset.h"
 
+#include <atomic>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -23,13 +24,27 @@ StrongRefCreator<Asset> Asset::make(AssetType const * type) {
     return StrongRefCreator<Asset>(new Asset(type));
 }
 
+namespace {
+
+constinit std::atomic<std::size_t> s_openAssets{0};
+
+}
+
+Asset::Counted::Counted() noexcept { ++s_openAssets; }
+Asset::Counted::~Counted() { --s_openAssets; }
+
+std::size_t Asset::openAssets() noexcept { return s_openAssets; }
+
 Asset::Asset(AssetType const * type)
     : m_pType(type), m_pTable(std::make_unique<DataModel::EntityTable>()), m_history(*this) {
     Segment::create(this, SegmentTypeMgr::get()->segmentType(SegmentType::DesignSegment), false);
 }
 
 Asset::~Asset() {
-    if (m_pAdapter) m_pAdapter->preDelete();
+    try {
+        if (m_pAdapter) m_pAdapter->preDelete();
+    } catch (...) { // the document ends all the same
+    }
     m_history.clear();
     m_pAdapter.reset();
     m_bClosing = true;

@@ -50,6 +50,10 @@ public:
     static StrongRefCreator<Asset> make(AssetType const * type);
     ~Asset() override;
 
+    // How many documents there are in the process.  One counts until the last of what it holds is
+    // gone.  Any thread may ask.
+    static std::size_t openAssets() noexcept;
+
     // What `make` was given.
     AssetType const * assetType() const noexcept { return m_pType; }
 
@@ -93,6 +97,7 @@ public:
     Status run(std::unique_ptr<Request> request);
 
 private:
+    friend class AssetAdapter;
     friend class DataModel::EntityAccess;
     friend class DocumentFile;
     friend class Entity;
@@ -111,6 +116,15 @@ private:
     // Leaves an entity that is dead for good to those that hold it.
     void abandon(Entity & entity) noexcept;
 
+    // Counts the document from the first to the last moment of its members.
+    struct Counted {
+        Counted() noexcept;
+        ~Counted();
+        Counted(Counted const &) = delete;
+        Counted & operator=(Counted const &) = delete;
+    };
+
+    [[no_unique_address]] Counted const m_counted;
     AssetType const * const m_pType;
     std::unique_ptr<DataModel::EntityTable> const m_pTable;
     ChangeHistory m_history;
@@ -130,6 +144,8 @@ private:
     std::unordered_map<Entity const *, std::vector<std::pair<EntityMetaType const *, unsigned>>>
         m_versions;
     std::unordered_map<MetaType const *, unsigned> m_persistedVersions;
+    // The classes whose versions in the file were older, until an adapter was told of them.
+    std::vector<std::pair<MetaType *, unsigned>> m_upgraded;
 
     // What the next save has to write: the entities that changed, those that left and stand in the
     // file, and whether the roots changed.  Entities are found by id, since they may be gone

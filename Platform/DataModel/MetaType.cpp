@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Platform/Base/RegistrationLog.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/MemberLayoutInternal.h"
@@ -28,10 +29,15 @@ void fillIfNeeded(MemberSet & set, Fill && fill) {
 MetaType::MetaType(std::string id, std::string name, unsigned version, std::string baseIdentifier)
     : m_id(std::move(id)), m_name(std::move(name)), m_version(version),
       m_baseIdentifier(std::move(baseIdentifier)), m_pLatest(std::make_unique<MemberSet>(this)),
-      m_bRegistered(m_id.empty() || MetaTypeMgr::get()->add(this)) {}
+      m_bRegistered(m_id.empty() || MetaTypeMgr::get()->add(this)) {
+    if (!m_id.empty()) RegistrationLog::note(RegistrationLog::EKind::MetaType, m_name, this);
+}
 
 MetaType::~MetaType() {
-    if (!m_id.empty()) MetaTypeMgr::get()->remove(this);
+    if (m_id.empty()) return;
+    MetaTypeMgr::get()->remove(this);
+    RegistrationLog::note(RegistrationLog::EKind::MetaType, m_name, this,
+                          RegistrationLog::EEvent::Leaves);
 }
 
 MemberSet * MetaType::memberSet(unsigned version) const {
