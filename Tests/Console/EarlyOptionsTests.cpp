@@ -58,7 +58,9 @@ TEST(EarlyOptionsTests, OptionsAreReadWhereverTheyStand) {
         EXPECT_EQ(options.subcommand, row.subcommand) << line;
         // What the command line makes of it, if it takes it.
         std::optional<EarlyOptions> const understood = understoodOptions(row.arguments);
-        if (understood) EXPECT_TRUE(*understood == options) << line;
+        if (understood) {
+            EXPECT_TRUE(*understood == options) << line;
+        }
     }
 }
 
