@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <ostream>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Host/AddInsCommand.h"
@@ -36,6 +39,11 @@ void prepareProcess(EarlyOptions const & options) {
         std::u8string const catalogues = (program.parent_path() / "share" / "locale").u8string();
         StringTable::catalogueDirectory(std::string(catalogues.begin(), catalogues.end()));
     }
+    // The data is in the tree that the program is in, or else in the one of its libraries.
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(
+            PathInfo::fromText(PathInfo::rootDirectory(true) + L"Server"), ignored))
+        PathInfo::rootDirectory(PathInfo::installedRoot());
     StringTable::language(options.language);
     PathInfo::optionsDirectory(Text::fromUtf8(options.optionsDirectory));
 }
