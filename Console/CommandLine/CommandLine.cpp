@@ -10,6 +10,7 @@
 #include "Console/CommandLine/EvalCommand.h"
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/CommandLine/MassCommand.h"
+#include "Console/CommandLine/SceneCommand.h"
 #include "Console/CommandLine/SelfTestCommand.h"
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Documents/Command.h"
@@ -113,6 +114,7 @@ public:
         addBatch();
         addDocument();
         addMass();
+        addScene();
         addOptions();
         addAddIns();
         addSelfTest();
@@ -148,6 +150,7 @@ public:
         if (*m_batch)
             return runBatchCommand(Text::toUtf8(wide(m_file)), errorIsTerminal(), in, out, err);
         if (*m_mass) return runMass(massOptions(), out, err);
+        if (*m_scene) return runScene(wide(m_file), m_json, out, err);
         if (*m_document) return runDocument(documentOptions(), document, out, err);
         if (*m_options) return runOptions(texts(*m_optionsWords), m_json, out, err);
         if (*m_addIns) return runAddIns(m_json, out);
@@ -243,6 +246,12 @@ private:
         return options;
     }
 
+    void addScene() {
+        m_scene = addSubcommand("scene", "Shows the render graph of a document");
+        m_scene->add_option("FILE", m_file, "The document")->type_name("")->required();
+        m_scene->add_flag("--json", m_json, "One JSON object a line for each node");
+    }
+
     void addUnits() {
         m_units = addSubcommand("units", "Lists the units that expressions know");
         m_units->add_option("PATTERN", m_pattern, "A part of a name, abbreviation, symbol or kind")
@@ -325,6 +334,7 @@ private:
     CLI::App * m_document = nullptr;
     CLI::App * m_mass = nullptr;
     CLI::App * m_options = nullptr;
+    CLI::App * m_scene = nullptr;
     CLI::App * m_addIns = nullptr;
     CLI::App * m_selfTest = nullptr;
     CLI::App * m_tour = nullptr;

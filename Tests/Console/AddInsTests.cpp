@@ -253,6 +253,28 @@ protected:
         EXPECT_EQ(doubtful.out, "");
     }
 
+#ifndef _WIN32 // where the shell doesn't limit the memory of a process
+
+    TEST_F(AddInsTests, WithoutMemoryForTheAddInsTheProgramSaysSo) {
+        unsigned refused = 0;
+        bool isGood = false;
+        for (int limit = 20'000; limit <= 200'000 && !isGood;
+             limit += limit < 80'000 ? 500 : 20'000) {
+            Outcome const outcome =
+                runShell("ulimit -v " + std::to_string(limit) + "; \"$VNCONSOLE\" eval 1");
+            if (outcome.status == 127) continue; // the system has no memory for the program itself
+            isGood = outcome.status == 0;
+            if (isGood) continue;
+            ++refused;
+            EXPECT_EQ(outcome.status, 1) << limit << ": " << outcome.err;
+            EXPECT_EQ(outcome.err.rfind("vnconsole: ", 0), 0U) << limit << ": " << outcome.err;
+            EXPECT_EQ(outcome.out, "") << limit;
+        }
+        if (refused == 0 || !isGood) GTEST_SKIP() << "memory can't be limited here";
+    }
+
+#endif
+
     TEST_F(AddInsTests, SelfChecksOfTheServerPassAndNoticeARenamedElement) {
         Outcome const good = run({"self-test", "VantorCore"});
         EXPECT_EQ(good.status, 0) << good.out << good.err;
