@@ -45,7 +45,10 @@ Asset::Asset(AssetType const * type)
 }
 
 Asset::~Asset() {
-    if (m_pAdapter) m_pAdapter->preDelete();
+    try {
+        if (m_pAdapter) m_pAdapter->preDelete();
+    } catch (...) { // the document ends all the same
+    }
     m_history.clear();
     m_pAdapter.reset();
     m_bClosing = true;

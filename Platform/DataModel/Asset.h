@@ -98,6 +98,7 @@ public:
     Status run(std::unique_ptr<Request> request);
 
 private:
+    friend class AssetAdapter;
     friend class DataModel::EntityAccess;
     friend class DocumentFile;
     friend class Entity;
@@ -144,6 +145,8 @@ private:
     std::unordered_map<Entity const *, std::vector<std::pair<EntityMetaType const *, unsigned>>>
         m_versions;
     std::unordered_map<MetaType const *, unsigned> m_persistedVersions;
+    // The classes whose versions in the file were older, until an adapter was told of them.
+    std::vector<std::pair<MetaType *, unsigned>> m_upgraded;
 
     // What the next save has to write: the entities that changed, those that left and stand in the
     // file, and whether the roots changed.  Entities are found by id, since they may be gone

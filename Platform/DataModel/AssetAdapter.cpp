@@ -1,5 +1,7 @@
 #include "Platform/DataModel/AssetAdapter.h"
 
+#include <utility>
+
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/Segment.h"
@@ -43,6 +45,14 @@ AssetSettings::AssetSettings(Segment * segment, unsigned long long id) : Identif
     initializeMemberSetIfNeeded();
 }
 
+// A replay brings the root back by itself.
+void AssetSettings::onPostCreation(DataChange::ETransact transact) {
+    Entity::onPostCreation(transact);
+    if (transact & DataChange::TransactReplay || !segment()) return;
+    if (!segment()->rootEntity(segmentRootId()))
+        segment()->addRoot(StrongRef<Entity>(this), segmentRootId());
+}
+
 void AssetSettings::initializeMemberSetIfNeeded() {
     MemberSet * const set = s_metaType()->memberSet(c_latestVersion);
     tbb::spin_rw_mutex_v3::scoped_lock lock(set->mutex(), false);
@@ -60,18 +70,39 @@ StrongRef<AssetSettings> AssetAdapter::assetSettings() const {
     return StrongRef<AssetSettings>(query<AssetSettings>(root.get()));
 }
 
-bool AssetAdapter::isAssetDirty() const { return m_pAsset && m_pAsset->isDirty(); }
+void AssetAdapter::initializeLoadedAsset() {
+    onInitializeLoadedAsset();
+    if (!m_pAsset) return;
+    for (auto const & [type, version] : std::exchange(m_pAsset->m_upgraded, {}))
+        onUpgradeMetaType(type, version);
+}
 
+void AssetAdapter::fullyInitializeLoadedAsset() {
+    onFullyInitializeLoadedAsset();
+    onPostAssetLoadUpdate();
+}
+
+bool AssetAdapter::isAssetDirty() const {
+    return m_pAsset && canDirtyAsset() && m_pAsset->isDirty();
+}
+bool AssetAdapter::canDirtyAsset() const { return true; }
+
+void AssetAdapter::onPostAssetSave() {}
 void AssetAdapter::onInitializeNewAsset() {}
 void AssetAdapter::onInitializeLoadedAsset() {}
 void AssetAdapter::onFullyInitializeLoadedAsset() {}
-void AssetAdapter::onPostAssetSave() {}
-void AssetAdapter::onPreDelete() {}
+void AssetAdapter::onUpgradeMetaType(MetaType *, unsigned) {}
+void AssetAdapter::onCreateSpecialSerializers() {}
+void AssetAdapter::onReleaseSpecialSerializers() {}
+void AssetAdapter::onPostStartTransacting() {}
+void AssetAdapter::onPostAssetLoadUpdate() {}
+void AssetAdapter::onTranslatorCallback(ETranslation) {}
 Segment * AssetAdapter::onDesignSegment() const {
     return m_pAsset ? m_pAsset->segment(SegmentType::DesignSegment) : nullptr;
 }
 Segment * AssetAdapter::onTransientSegment() const {
     return m_pAsset ? m_pAsset->segment(SegmentType::TransientSegment) : nullptr;
 }
+void AssetAdapter::onPreDelete() {}
 
 } // namespace Vn

@@ -36,7 +36,8 @@ constinit TgVector3d const TgVector3d::kYAxis(0, 1, 0);
 constinit TgVector3d const TgVector3d::kZAxis(0, 0, 1);
 constinit TgPoint3d const TgPoint3d::kOrigin;
 
-double TgVector3d::length() const noexcept { return std::hypot(x, y, z); }
+// By twos: the standard library's hypot of three answers 0 for a NaN beside zeroes.
+double TgVector3d::length() const noexcept { return std::hypot(std::hypot(x, y), z); }
 
 double TgVector3d::dotProduct(TgVector3d const & other) const noexcept {
     return eigen(*this).dot(eigen(other));

@@ -50,7 +50,7 @@ public:
     // The vector of length 1 in this direction.  One whose length is within the tolerance of a
     // vector has none, and comes back as it is.
     TgVector3d normal(TgTol const & tolerance = TgContext::gTol) const noexcept;
-    // Whether the difference is within the tolerance.
+    // Whether the length of the difference is within the tolerance.
     bool isEqualTo(TgVector3d const & other,
                    TgTol const & tolerance = TgContext::gTol) const noexcept;
 
@@ -65,8 +65,10 @@ public:
     TgVector3d operator*(double factor) const noexcept {
         return {x * factor, y * factor, z * factor};
     }
-    // Exactly equal.
-    bool operator==(TgVector3d const &) const noexcept = default;
+    // Equal within the default tolerance, as `isEqualTo` without another: -0 is 0, and a vector
+    // with a NaN or an infinity differs from every vector.  Not an equivalence: steps below the
+    // tolerance add up.
+    bool operator==(TgVector3d const & other) const noexcept { return isEqualTo(other); }
 
     // The components.
     double x = 0;
@@ -104,8 +106,8 @@ public:
     TgVector3d operator-(TgPoint3d const & other) const noexcept {
         return {x - other.x, y - other.y, z - other.z};
     }
-    // Exactly equal.
-    bool operator==(TgPoint3d const &) const noexcept = default;
+    // Equal within the default tolerance, as of vectors.
+    bool operator==(TgPoint3d const & other) const noexcept { return isEqualTo(other); }
 
     // The coordinates, in cm.
     double x = 0;

@@ -1,19 +1,22 @@
 #ifndef VN_PLATFORM_TYPES_COLOR_H
 #define VN_PLATFORM_TYPES_COLOR_H
 
-#include <cstdint>
-
 namespace Vn {
 
-// A colour of 8 bits a channel; opaque black if nothing is said.
+// A colour, with channels from 0 to 1; what lies beyond is kept as it is.
 struct Color {
-    std::uint8_t red = 0;     // from 0 to 255, as all channels
-    std::uint8_t green = 0;   // from 0 to 255
-    std::uint8_t blue = 0;    // from 0 to 255
-    std::uint8_t alpha = 255; // 0 is transparent, 255 opaque
+    // Opaque black, or one with these channels.
+    constexpr Color() noexcept = default;
+    constexpr Color(float ofRed, float ofGreen, float ofBlue, float ofOpacity = 1) noexcept
+        : red(ofRed), green(ofGreen), blue(ofBlue), opacity(ofOpacity) {}
 
-    // Equal in all channels.
+    // Equal in all channels; a NaN equals nothing.
     bool operator==(Color const &) const noexcept = default;
+
+    float red = 0;
+    float green = 0;
+    float blue = 0;
+    float opacity = 1; // 0 is transparent
 };
 
 } // namespace Vn

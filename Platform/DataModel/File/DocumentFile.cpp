@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Platform/Base/OS.h"
+#include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/File/Checker.h"
 #include "Platform/DataModel/File/Reader.h"
 #include "Platform/DataModel/File/Writer.h"
@@ -59,6 +60,26 @@ constexpr char c_save[] = "save the document";
 constexpr char c_open[] = "open the document";
 constexpr char c_check[] = "check the document";
 
+// Has the adapter bring what it needs for a save, and let go of it afterwards.
+class SpecialSerializers {
+public:
+    explicit SpecialSerializers(Asset & asset) : m_asset(asset) {
+        if (AssetAdapter * const adapter = asset.adapter()) adapter->createSpecialSerializers();
+    }
+    ~SpecialSerializers() {
+        try {
+            if (AssetAdapter * const adapter = m_asset.adapter())
+                adapter->releaseSpecialSerializers();
+        } catch (...) { // the outcome of the save is settled
+        }
+    }
+    SpecialSerializers(SpecialSerializers const &) = delete;
+    SpecialSerializers & operator=(SpecialSerializers const &) = delete;
+
+private:
+    Asset & m_asset;
+};
+
 Status refuseWithinChanges(Asset & asset, std::filesystem::path const & file) {
     ChangeHistory const & history = asset.history();
     if (!history.isUsable())
@@ -78,6 +99,7 @@ Status DocumentFile::save(Asset & asset) {
     if (Status refused = refuseWithinChanges(asset, asset.m_file); !refused) return refused;
     std::filesystem::path const file = asset.m_file;
     return guarded(c_save, file, [&] {
+        SpecialSerializers const serializers(asset);
         Writer writer(asset, c_save, FileSystemName::get());
         writer.noteStale();
         writer.saveChanges();
@@ -94,8 +116,10 @@ Status DocumentFile::saveAsKeeping(Asset & asset, std::filesystem::path const & 
     kept.clear();
     if (file.empty()) return Status::invalidArgument(c_save, {}, "the name is empty");
     if (Status refused = refuseWithinChanges(asset, file); !refused) return refused;
-    return guarded(c_save, file,
-                   [&] { Writer(asset, c_save, FileSystemName::get()).saveWhole(file, kept); });
+    return guarded(c_save, file, [&] {
+        SpecialSerializers const serializers(asset);
+        Writer(asset, c_save, FileSystemName::get()).saveWhole(file, kept);
+    });
 }
 
 Status DocumentFile::load(std::filesystem::path const & file, AssetType const * type,

@@ -178,6 +178,7 @@ void DocumentFile::Reader::resolveTypes() {
         if (present && type.isEntity != (entityType != nullptr))
             m_database.damaged("the type " + type.id + " isn't what the file says it is");
         if (present && type.version < present->version()) {
+            m_rAsset->m_upgraded.emplace_back(present, type.version);
             if (auto * const value = dynamic_cast<ValueMetaType *>(present))
                 m_olderValues.emplace_back(value, type.version);
             else

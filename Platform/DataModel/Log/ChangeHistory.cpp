@@ -3,6 +3,8 @@
 #include <new>
 #include <utility>
 
+#include "Platform/DataModel/Asset.h"
+#include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/EntityTableInternal.h"
 #include "Platform/DataModel/Log/EntityAccess.h"
 #include "Platform/DataModel/Log/Lifetimes.h"
@@ -379,7 +381,15 @@ void ChangeHistory::abort() {
 }
 
 Transaction::Transaction(Asset & asset, std::wstring_view name)
-    : m_pHistory(asset.history().begin(name) ? &asset.history() : nullptr) {}
+    : m_pHistory(asset.history().begin(name) ? &asset.history() : nullptr) {
+    if (!m_pHistory || !asset.adapter() || m_pHistory->m_open.size() > 1) return;
+    try {
+        asset.adapter()->postStartTransacting();
+    } catch (...) {
+        abort();
+        throw;
+    }
+}
 
 Transaction::~Transaction() {
     if (!m_pHistory) return;
