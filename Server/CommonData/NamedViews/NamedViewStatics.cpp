@@ -16,7 +16,9 @@ std::wstring nameOf(wchar_t const * text) { return text; }
 // Tells of a name that came, and of its end.
 class Noted {
 public:
-    explicit Noted(std::wstring const & name) : m_name(name) { note(RegistrationLog::EEvent::Joins); }
+    explicit Noted(std::wstring const & name) : m_name(name) {
+        note(RegistrationLog::EEvent::Joins);
+    }
     ~Noted() { note(RegistrationLog::EEvent::Leaves); }
     Noted(Noted const &) = delete;
     Noted & operator=(Noted const &) = delete;
