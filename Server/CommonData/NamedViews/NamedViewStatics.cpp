@@ -11,7 +11,10 @@ namespace Vn::NameView {
 namespace {
 
 // A call, so that even a short name is made when its turn comes and not by the compiler.
-std::wstring nameOf(wchar_t const * text) { return text; }
+std::wstring nameOf(wchar_t const * text) {
+    RegistrationLog::note(RegistrationLog::EKind::Static, Text::toUtf8(text), text);
+    return text;
+}
 
 // Tells of a name that came, and of its end.
 class Noted {
