@@ -46,7 +46,12 @@ NamedView::~NamedView() = default;
 StrongRefCreator<NamedView> NamedView::make(StrongRef<NamedViews> const & views,
                                             std::wstring const & name,
                                             StrongRef<Camera> const & camera) {
-    if (!views || views->find(name)) return nullptr;
+    return views && !views->find(name) ? makeFree(views, name, camera) : nullptr;
+}
+
+StrongRefCreator<NamedView> NamedView::makeFree(StrongRef<NamedViews> const & views,
+                                                std::wstring const & name,
+                                                StrongRef<Camera> const & camera) {
     return create(PassiveRef<Entity>(views), name, camera);
 }
 
@@ -118,8 +123,8 @@ void NamedView::onRename(std::wstring const & name) {
 std::unique_ptr<IPasteRequest>
 NamedView::onProvidePasteRequest(std::vector<ObjectPath> const & paths, ObjectPath const & target,
                                  bool insertAfter, bool cut, bool reorder) const {
-    return std::unique_ptr<IPasteRequest>(CommonData::NamedViewPasteRequest::make(
-        asset(), paths, target, insertAfter, cut, reorder));
+    return std::unique_ptr<IPasteRequest>(
+        CommonData::NamedViewPasteRequest::make(asset(), paths, target, insertAfter, cut, reorder));
 }
 
 bool NamedView::onCanReorder(std::vector<ObjectPath> const & paths,

@@ -1,5 +1,7 @@
 // The names of the built-in views and the meta types, in the order in which they come into being.
 
+#include "Platform/Base/RegistrationLog.h"
+#include "Platform/Base/Text.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/NamedViews/NamedView.h"
 #include "Server/CommonData/NamedViews/NamedViews.h"
@@ -9,7 +11,10 @@ namespace Vn::NameView {
 namespace {
 
 // A call, so that even a short name is made when its turn comes and not by the compiler.
-std::wstring nameOf(wchar_t const * text) { return text; }
+std::wstring nameOf(wchar_t const * text) {
+    RegistrationLog::note(RegistrationLog::EKind::Static, Text::toUtf8(text), text);
+    return text;
+}
 
 class NamedViewMetaType final : public Managed::PersistedMetaType<NamedView> {};
 class NamedViewsMetaType final : public Managed::PersistedMetaType<NamedViews> {};
