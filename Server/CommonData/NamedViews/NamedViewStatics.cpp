@@ -11,15 +11,14 @@ namespace Vn::NameView {
 namespace {
 
 // A call, so that even a short name is made when its turn comes and not by the compiler.
-std::wstring nameOf(wchar_t const * text) {
-    RegistrationLog::note(RegistrationLog::EKind::Static, Text::toUtf8(text), text);
-    return text;
-}
+std::wstring nameOf(wchar_t const * text) { return text; }
 
 // Tells of a name that came, and of its end.
 class Noted {
 public:
-    explicit Noted(std::wstring const & name) : m_name(name) { note(RegistrationLog::EEvent::Joins); }
+    explicit Noted(std::wstring const & name) : m_name(name) {
+        note(RegistrationLog::EEvent::Joins);
+    }
     ~Noted() { note(RegistrationLog::EEvent::Leaves); }
     Noted(Noted const &) = delete;
     Noted & operator=(Noted const &) = delete;
