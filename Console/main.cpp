@@ -7,6 +7,7 @@
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Terminal/Terminal.h"
 #include "Platform/Base/OS.h"
+#include "Platform/Base/PathInfo.h"
 
 // The host program: all text in and out is UTF-8.
 int main(int argc, char * argv[]) {
@@ -18,6 +19,7 @@ int main(int argc, char * argv[]) {
     std::ostream out(&output);
     int status = ExitBadInput;
     try {
+        Vn::PathInfo::rootDirectory(Vn::PathInfo::installedRoot());
         status = runCommandLine(Vn::OS::arguments(argc, argv), std::cin, out, std::cerr);
     } catch (std::bad_alloc const &) {
         std::cerr << "vnconsole: out of memory\n";

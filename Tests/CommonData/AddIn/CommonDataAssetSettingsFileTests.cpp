@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
@@ -27,16 +28,9 @@ namespace Vn::CommonData {
 namespace {
 
 using Settings = CommonDataAssetSettings;
+using ::testing::HasSubstr;
 using Vn::Testing::query;
 using Vn::Testing::Sql;
-
-// Why a file isn't loaded; empty if it is.
-std::string whyRefused(std::filesystem::path const & file) {
-    StrongRef<Asset> asset;
-    Status const status = DocumentFile::load(file, nullptr, asset);
-    EXPECT_EQ(status.ok(), static_cast<bool>(asset));
-    return status ? std::string() : status.toString();
-}
 
 // A number that isn't an ordinary one, in each member that can hold it.
 class OddNumberTests : public testing::TestWithParam<double> {
@@ -123,84 +117,90 @@ TEST(CommonDataAssetSettingsFileTests, TheMembersInAFileAreThoseOfTheTableInOrde
     for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i][0], allSettings()[i].name);
 }
 
-// A document that was written before there were named views: everything but "defaultSceneUp" has
-// another value than the default.
-class SettingsOfVersionZeroTests : public testing::Test {
+class OlderSettingsTests : public testing::Test {
 protected:
-    SettingsOfVersionZeroTests() {
-        std::ifstream script(std::filesystem::path(VN_RELEASED_SETTINGS) /
-                             "settings-version-0.sql");
+    // A document that the first version of the class wrote, with `sceneUp` and `fitHome` changed.
+    OlderSettingsTests() {
+        std::ifstream script(VN_SETTINGS_OF_VERSION_0, std::ios::binary);
         EXPECT_TRUE(script.is_open());
         Sql(m_file.path())
             .run(std::string(std::istreambuf_iterator<char>(script),
                              std::istreambuf_iterator<char>()));
     }
 
+    // Takes a member out of the file, as if it had never been in it.
+    void lose(std::string const & name) const {
+        Sql const sql(m_file.path());
+        std::string const position =
+            sql.query("SELECT position FROM members WHERE name='" + name + "'").at(0).at(0);
+        sql.run("DELETE FROM members WHERE name='" + name + "'");
+        // By a detour, since no two members may have one position at any time.
+        sql.run("UPDATE members SET position=-position WHERE position>" + position);
+        sql.run("UPDATE members SET position=-position-1 WHERE position<0");
+        sql.run("ALTER TABLE CommonDataAssetSettings DROP COLUMN \"CommonDataAssetSettings." +
+                name + "\"");
+    }
+
     TemporaryFile const m_file;
 };
 
-TEST_F(SettingsOfVersionZeroTests, LoadWithAllTheirValuesAndWithoutViews) {
+TEST_F(OlderSettingsTests, Version0LoadsWithItsValuesAndWithoutViews) {
     SettingsDocument const document(m_file.path());
     Settings const & settings = document.settings();
-    EXPECT_EQ(settings.activeUnitSystem(), document.system());
-    EXPECT_TRUE(document.system());
-    EXPECT_TRUE(settings.settingsInitialized());
-    EXPECT_EQ(exactly(settings.defaultSceneFront()), exactly(TgVector3d(0, 0, -1)));
-    EXPECT_EQ(exactly(settings.sceneFront()), exactly(TgVector3d(0, -1, 0)));
-    EXPECT_EQ(exactly(settings.defaultSceneUp()), exactly(TgVector3d(0, 0, 1)));
-    EXPECT_EQ(exactly(settings.sceneUp()), exactly(TgVector3d(0, 1, 0)));
-    EXPECT_EQ(settings.sceneBoundRadius(), 2.5);
-    EXPECT_EQ(settings.globalBoundRadius(), 3.5);
-    EXPECT_EQ(exactly(settings.sceneBoundBoxCenter()), exactly(TgPoint3d(1, 2, 3)));
-    EXPECT_EQ(exactly(settings.sceneBoundBoxExtent()), exactly(TgVector3d(4, 5, 6)));
-    EXPECT_TRUE(settings.locktoSelection());
-    EXPECT_FALSE(settings.fitHome());
-    EXPECT_TRUE(settings.perspWithOrthoFaces());
-    EXPECT_EQ(exactly(settings.defaultHomePosition()), exactly(TgPoint3d(7, 8, 9)));
-    EXPECT_EQ(exactly(settings.defaultHomeTarget()), exactly(TgPoint3d(10, 11, 12)));
-    EXPECT_EQ(exactly(settings.defaultHomeUp()), exactly(TgVector3d(0, 1, 0.25)));
-    EXPECT_EQ(settings.defaultHomeProjection(), 1U);
-    EXPECT_EQ(settings.defaultHomeExtentsWidth(), 1.25);
-    EXPECT_EQ(settings.defaultHomeExtentsHeight(), 1.5);
-    EXPECT_EQ(exactly(settings.currentHomePosition()), exactly(TgPoint3d(13, 14, 15)));
-    EXPECT_EQ(exactly(settings.currentHomeTarget()), exactly(TgPoint3d(16, 17, 18)));
-    EXPECT_EQ(exactly(settings.currentHomeUp()), exactly(TgVector3d(0, 1, -0.25)));
-    EXPECT_EQ(settings.currHomeProjection(), 4000000000U);
-    EXPECT_EQ(settings.currHomeExtentsWidth(), 1.75);
-    EXPECT_EQ(settings.currHomeExtentsHeight(), 2.25);
+    for (Setting const & setting : allSettings())
+        if (setting.name == "sceneUp")
+            EXPECT_EQ(exactly(settings.sceneUp()), exactly(TgVector3d(0, 1, 0)));
+        else if (setting.name == "fitHome")
+            EXPECT_FALSE(settings.fitHome());
+        else
+            EXPECT_EQ(setting.get(settings), setting.standard) << setting.name;
     EXPECT_FALSE(settings.namedViews());
 }
 
-TEST_F(SettingsOfVersionZeroTests, AreLiftedToThePresentVersion) {
+TEST_F(OlderSettingsTests, AreLiftedToThePresentVersion) {
     SettingsDocument const document(m_file.path());
     EXPECT_EQ(document.settings().version(), 1U);
     EXPECT_FALSE(document.settings().isMarkedMigrating());
     EXPECT_FALSE(document.asset().isMigrating());
+}
+
+TEST_F(OlderSettingsTests, Version0HasTheFirst25Members) {
+    SettingsDocument const document(m_file.path());
     MemberSet const & older = *Settings::s_metaType()->memberSet(0);
+    MemberSet const & latest = *Settings::s_metaType()->memberSet(c_latestVersion);
     ASSERT_EQ(older.members(), 25U);
     for (unsigned i = 0; i < older.members(); ++i) {
         EXPECT_EQ(older.member(i).name(), allSettings()[i].name);
         EXPECT_EQ(older.member(i).type(), allSettings()[i].kind);
-        EXPECT_EQ(older.member(i).test(16), i != 0);
+        EXPECT_EQ(older.member(i).options(), latest.member(i).options());
     }
 }
 
-TEST_F(SettingsOfVersionZeroTests, AreSavedAsThePresentVersion) {
+TEST_F(OlderSettingsTests, AreSavedAsThePresentVersion) {
     {
         SettingsDocument const document(m_file.path());
-        StrongRef<NameView::NamedViews> const views =
-            NameView::NamedViews::make(document.segment());
-        document.segment()->addRoot(views, "NamedViews");
-        document.settings().namedViews(views);
+        document.settings().namedViews(NameView::NamedViews::make(document.segment()));
         document.save();
     }
     EXPECT_EQ(query(m_file.path(), "SELECT version FROM types WHERE id = "
                                    "'23FD63FB-4EBE-4c85-A42B-5D9809AA3499'")[0][0],
               "1");
     SettingsDocument const again(m_file.path());
-    EXPECT_EQ(again.settings().namedViews(), again.views());
-    EXPECT_TRUE(again.views());
+    EXPECT_TRUE(again.settings().namedViews());
     EXPECT_EQ(exactly(again.settings().sceneUp()), exactly(TgVector3d(0, 1, 0)));
+}
+
+TEST_F(OlderSettingsTests, WhatAFileLacksIsZeroAndNotTheDefault) {
+    for (char const * const name : {"fitHome", "sceneBoundRadius", "currHomeProjection",
+                                    "sceneUp.x", "sceneUp.y", "sceneUp.z"})
+        lose(name);
+    SettingsDocument const document(m_file.path());
+    Settings const & settings = document.settings();
+    EXPECT_FALSE(settings.fitHome());
+    EXPECT_EQ(settings.sceneBoundRadius(), 0);
+    EXPECT_EQ(exactly(settings.sceneUp()), exactly(TgVector3d()));
+    EXPECT_EQ(settings.currHomeProjection(), 0U);
+    EXPECT_EQ(settings.defaultHomeProjection(), 2U);
 }
 
 // A file of today, changed by statements.
@@ -212,6 +212,14 @@ protected:
         m_document.saveAs(m_file);
     }
     void change(std::string const & statement) const { Sql(m_file.path()).run(statement); }
+    // Why the file isn't loaded.
+    Status whyRefused() const {
+        StrongRef<Asset> asset;
+        Status status = DocumentFile::load(m_file.path(), nullptr, asset);
+        EXPECT_FALSE(status);
+        EXPECT_FALSE(asset);
+        return status;
+    }
 
     SettingsDocument const m_document;
     TemporaryFile const m_file;
@@ -219,36 +227,38 @@ protected:
 
 TEST_F(ChangedSettingsTests, ALaterVersionIsRefused) {
     change("UPDATE types SET version = 2 WHERE id = '23FD63FB-4EBE-4c85-A42B-5D9809AA3499'");
-    EXPECT_NE(whyRefused(m_file.path()).find("CommonDataAssetSettings"), std::string::npos)
-        << whyRefused(m_file.path());
+    Status const status = whyRefused();
+    EXPECT_EQ(status.code(), StatusNewerFormat);
+    EXPECT_THAT(status.toString(), HasSubstr("CommonDataAssetSettings"));
 }
 
 TEST_F(ChangedSettingsTests, ViewsThatAreOfAnotherClassAreRefused) {
     change("UPDATE CommonDataAssetSettings SET \"CommonDataAssetSettings.namedViews\" = " +
            std::to_string(m_document.system()->Entity::id()));
-    EXPECT_NE(whyRefused(m_file.path()).find("namedViews"), std::string::npos);
-    EXPECT_NE(whyRefused(m_file.path()).find("another class"), std::string::npos);
+    Status const status = whyRefused();
+    EXPECT_EQ(status.code(), StatusCorrupt);
+    EXPECT_THAT(status.toString(), HasSubstr("CommonDataAssetSettings.namedViews"));
+    EXPECT_THAT(status.toString(), HasSubstr("is of another class"));
 }
 
 TEST_F(ChangedSettingsTests, AnActiveSystemThatIsOfAnotherClassIsRefused) {
     change("UPDATE CommonDataAssetSettings SET \"CommonDataAssetSettings.activeUnitSystem\" = " +
            std::to_string(m_document.views()->id()));
-    EXPECT_NE(whyRefused(m_file.path()).find("activeUnitSystem"), std::string::npos);
-    EXPECT_NE(whyRefused(m_file.path()).find("another class"), std::string::npos);
+    Status const status = whyRefused();
+    EXPECT_EQ(status.code(), StatusCorrupt);
+    EXPECT_THAT(status.toString(), HasSubstr("CommonDataAssetSettings.activeUnitSystem"));
+    EXPECT_THAT(status.toString(), HasSubstr("is of another class"));
 }
 
 TEST_F(ChangedSettingsTests, SettingsThatOwnThemselvesAreRefused) {
     change("UPDATE CommonDataAssetSettings SET \"CommonDataAssetSettings.namedViews\" = id");
-    EXPECT_NE(whyRefused(m_file.path()), "");
+    EXPECT_EQ(whyRefused().code(), StatusCorrupt);
 }
 
 TEST_F(ChangedSettingsTests, AnActiveSystemThatWasDeletedSinceIsNone) {
-    m_document.settings().activateUnitSystem(nullptr);
     change("UPDATE CommonDataAssetSettings SET \"CommonDataAssetSettings.activeUnitSystem\" = "
-           "(SELECT next_entity - 1 FROM document)");
-    change("UPDATE document SET next_entity = next_entity + 1000;"
-           "UPDATE CommonDataAssetSettings SET \"CommonDataAssetSettings.activeUnitSystem\" = "
-           "\"CommonDataAssetSettings.activeUnitSystem\" + 1000");
+           "(SELECT next_entity + 5 FROM document);"
+           "UPDATE document SET next_entity = next_entity + 10");
     EXPECT_FALSE(SettingsDocument(m_file.path()).settings().activeUnitSystem());
 }
 

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <stdexcept>
 #include <string>
@@ -56,9 +57,9 @@ TEST_P(SettingTests, StandsInItsPlaceAmongTheMembers) {
     Member const & member = set.member(place());
     EXPECT_EQ(member.name(), GetParam().name);
     EXPECT_EQ(member.type(), GetParam().kind);
-    EXPECT_TRUE(member.test(Member::OptionUndoable));
-    EXPECT_TRUE(member.test(Member::OptionPersisted));
-    EXPECT_EQ(member.test(16), GetParam().name != "activeUnitSystem");
+    EXPECT_EQ(member.options(), GetParam().name == "activeUnitSystem"
+                                    ? Member::OptionsDefault & ~16U
+                                    : std::uint32_t{Member::OptionsDefault});
 }
 
 TEST_P(SettingTests, BeginsWithItsDefault) { EXPECT_EQ(value(), GetParam().standard); }
@@ -297,6 +298,9 @@ TEST_F(CommonDataAssetSettingsTests, SettingTheBoundRadiusToItsValueTellsNobodyA
     EXPECT_EQ(recorder.m_told.size(), 6U);
     settings().sceneBoundRadius(std::nextafter(1.8, 2)); // numbers have no tolerance
     EXPECT_EQ(recorder.m_told.size(), 8U);
+    settings().sceneBoundRadius(0.0);
+    settings().sceneBoundRadius(-0.0);
+    EXPECT_EQ(recorder.m_told.size(), 10U);
 }
 
 TEST_F(CommonDataAssetSettingsTests, AVectorWithinTheToleranceIsNoChangeAndIsNotStored) {
