@@ -131,7 +131,7 @@ TEST_F(EntityChangeTests, WhatIsUndoableWithinABracketThatIsNotIsRecorded) {
                                          DataChange::ChangeValue, DataChange::TimingPreAndPost,
                                          nullptr, false);
             m_rThing->m_int = i;
-            m_rThing->m_ints.push_back(i);
+            m_rThing->m_numbers.push_back(i);
         }
         EXPECT_EQ(m_rThing->outerChange(), &outer);
         transaction.commit();
@@ -141,11 +141,11 @@ TEST_F(EntityChangeTests, WhatIsUndoableWithinABracketThatIsNotIsRecorded) {
     EXPECT_TRUE(m_rAsset->history().undo().ok());
     EXPECT_THAT(m_heard, ElementsAre("pre 1", "post 1"));
     EXPECT_EQ(m_rThing->m_int, 0);
-    EXPECT_TRUE(m_rThing->m_ints.empty());
+    EXPECT_TRUE(m_rThing->m_numbers.empty());
     EXPECT_EQ(m_rThing->m_double, 5);
     EXPECT_TRUE(m_rAsset->history().redo().ok());
     EXPECT_EQ(m_rThing->m_int, 2);
-    EXPECT_EQ(m_rThing->m_ints.size(), 2U);
+    EXPECT_EQ(m_rThing->m_numbers.size(), 2U);
 }
 
 // Outside a transaction nothing else keeps the object.

@@ -117,6 +117,20 @@ TEST(CommonDataAssetSettingsFileTests, TheMembersInAFileAreThoseOfTheTableInOrde
     for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(rows[i][0], allSettings()[i].name);
 }
 
+TEST(CommonDataAssetSettingsFileTests, TheQueryOfTheDocumentsFormatShowsTheSettings) {
+    SettingsDocument const document;
+    document.settings().activateUnitSystem(document.system());
+    document.settings().sceneUp(TgVector3d(0, 1, 0));
+    TemporaryFile const file;
+    document.saveAs(file);
+    std::ifstream page(VN_DOCUMENT_FORMAT);
+    ASSERT_TRUE(page);
+    std::string const sql = Vn::Testing::blockOf(page, "```sql settings");
+    ASSERT_FALSE(sql.empty());
+    EXPECT_EQ(Vn::Testing::shellText(query(file.path(), sql)),
+              Vn::Testing::blockOf(page, "```text"));
+}
+
 class OlderSettingsTests : public testing::Test {
 protected:
     // A document that the first version of the class wrote, with `sceneUp` and `fitHome` changed.

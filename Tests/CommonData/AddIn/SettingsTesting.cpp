@@ -97,7 +97,7 @@ SettingsDocument::SettingsDocument() : m_rAsset(Asset::make(nullptr)) {
     m_rAsset->adapter(std::make_unique<AssetAdapter>(m_rAsset.get()));
     StrongRef<Units::UnitSystems> const systems = Units::UnitSystems::make(segment());
     StrongRef<Units::UnitSystem> const system =
-        Units::UnitSystem::make(systems, std::wstring(L"System"), "system");
+        Units::UnitSystem::make(systems, std::wstring(L"Millimeters"), "mm");
     segment()->addRoot(NameView::NamedViews::make(segment()), "NamedViews");
     StrongRef<Settings> const settings = Settings::make(segment());
 }

@@ -110,8 +110,8 @@ TEST_F(NamedViewsDocumentTests, SettingsWithoutViewsLeaveRequestsWithoutEffect) 
     StrongRef<Asset> asset;
     ASSERT_TRUE(DocumentFile::load(m_file.path(), nullptr, asset));
     asset->adapter(std::make_unique<AssetAdapter>(asset.get()));
-    EXPECT_TRUE(asset->run(
-        std::unique_ptr<Request>(DeleteNamedViewRequest::make(asset.get(), L"TOP"))));
+    EXPECT_TRUE(
+        asset->run(std::unique_ptr<Request>(DeleteNamedViewRequest::make(asset.get(), L"TOP"))));
     EXPECT_FALSE(asset->history().canUndo());
     EXPECT_FALSE(asset->isDirty());
 }
@@ -166,8 +166,8 @@ TEST_F(ManyViewsTests, AHundredThousandViews) {
     EXPECT_EQ(document.view(c_count)->name(), L"NamedView_100000");
     document.run(DeleteNamedViewRequest::make(asset, L"NamedView_500"));
     EXPECT_EQ(views->generateNamedViewName(L"NamedView"), L"NamedView_500");
-    document.run(NamedViewPasteRequest::make(asset, {document.path(c_count - 1)},
-                                             document.path(0), false, true, true));
+    document.run(NamedViewPasteRequest::make(asset, {document.path(c_count - 1)}, document.path(0),
+                                             false, true, true));
     EXPECT_EQ(document.view(0)->name(), L"NamedView_100000");
     while (document.history().canUndo()) document.undo();
     EXPECT_EQ(views->children(), c_count);
@@ -192,15 +192,6 @@ TEST_F(ManyViewsTests, TenThousandViewsMadeOneByOne) {
     EXPECT_EQ(document.view(c_count - 1)->name(), L"NamedView_9999");
 }
 
-// What stands in the document between a line that begins a block so and the end of the block.
-std::string block(std::ifstream & in, std::string const & begin) {
-    std::string line;
-    while (std::getline(in, line) && line != begin) {}
-    std::string text;
-    while (std::getline(in, line) && line != "```") text += line + '\n';
-    return text;
-}
-
 TEST_F(NamedViewsDocumentTests, TheQueryOfTheDocumentListsTheViews) {
     StrongRef<Camera> const camera = m_document.camera(0);
     camera->position(TgPoint3d(10, -2.5, 4));
@@ -212,16 +203,10 @@ TEST_F(NamedViewsDocumentTests, TheQueryOfTheDocumentListsTheViews) {
     save();
     std::ifstream in(VN_DOCUMENT_FORMAT);
     ASSERT_TRUE(in);
-    std::string const sql = block(in, "```sql views");
-    std::string const expected = block(in, "```text");
+    std::string const sql = Vn::Testing::blockOf(in, "```sql views");
+    std::string const expected = Vn::Testing::blockOf(in, "```text");
     ASSERT_FALSE(sql.empty());
-    std::string shown;
-    for (auto const & row : query(m_file.path(), sql)) {
-        for (std::size_t column = 0; column < row.size(); ++column)
-            shown += (column ? "|" : "") + (row[column] == "NULL" ? std::string() : row[column]);
-        shown += '\n';
-    }
-    EXPECT_EQ(shown, expected);
+    EXPECT_EQ(Vn::Testing::shellText(query(m_file.path(), sql)), expected);
 }
 
 } // namespace
