@@ -63,34 +63,43 @@ void graphAtOnce(benchmark::State & state) {
     perElement(state);
 }
 
-// In one bracket, and in a bracket for each element.
-template <bool Deep>
+// In one bracket on the group.
 void graphInOneBracket(benchmark::State & state) {
     for (auto _ : state) {
         StrongRef<GroupNode> const top = GroupNode::make();
-        NodeChange bracket;
-        GroupNode * group = top.get();
-        for (std::ptrdiff_t i = 0; i < state.range(0); ++i) {
-            NodeChange change;
-            GroupNode * const node = change.createGroupNode(nullptr, 1, true, true);
-            NodeChange(group, false).addChild(node);
-            if (Deep) group = node;
-        }
+        NodeChange change(top.get(), false);
+        for (std::ptrdiff_t i = 0; i < state.range(0); ++i)
+            change.addChild(StrongRef<GroupNode>(GroupNode::make()).get());
     }
     perElement(state);
+}
+
+// In brackets of its own for each element, two of them: alone, and all within one.
+template <bool Deep>
+void addInBrackets(GroupNode * group, std::ptrdiff_t count) {
+    for (std::ptrdiff_t i = 0; i < count; ++i) {
+        NodeChange change;
+        GroupNode * const node = change.createGroupNode(nullptr, 1, true, true);
+        NodeChange(group, false).addChild(node);
+        if (Deep) group = node;
+    }
 }
 
 template <bool Deep>
 void graphInABracketEach(benchmark::State & state) {
     for (auto _ : state) {
         StrongRef<GroupNode> const top = GroupNode::make();
-        GroupNode * group = top.get();
-        for (std::ptrdiff_t i = 0; i < state.range(0); ++i) {
-            NodeChange change;
-            GroupNode * const node = change.createGroupNode(nullptr, 1, true, true);
-            NodeChange(group, false).addChild(node);
-            if (Deep) group = node;
-        }
+        addInBrackets<Deep>(top.get(), state.range(0));
+    }
+    perElement(state);
+}
+
+template <bool Deep>
+void graphInNestedBrackets(benchmark::State & state) {
+    for (auto _ : state) {
+        StrongRef<GroupNode> const top = GroupNode::make();
+        NodeChange const outermost;
+        addInBrackets<Deep>(top.get(), state.range(0));
     }
     perElement(state);
 }
@@ -114,9 +123,10 @@ BENCHMARK(vectorOfReferences)->Apply(sizes);
 BENCHMARK(graphAtOnce<false>)->Apply(sizes);
 BENCHMARK(graphAtOnce<true>)->Apply(sizes);
 BENCHMARK(graphEmptied)->Apply(sizes);
-BENCHMARK(graphInOneBracket<false>)->Apply(sizes);
-BENCHMARK(graphInOneBracket<true>)->Apply(sizes);
+BENCHMARK(graphInOneBracket)->Apply(sizes);
 BENCHMARK(graphInABracketEach<false>)->Apply(sizes);
 BENCHMARK(graphInABracketEach<true>)->Apply(sizes);
+BENCHMARK(graphInNestedBrackets<false>)->Apply(sizes);
+BENCHMARK(graphInNestedBrackets<true>)->Apply(sizes);
 
 } // namespace

@@ -129,8 +129,6 @@ struct NodeChange::Edit {
     bool silent;
 };
 
-NodeChange::NodeChange() noexcept : NodeChange(nullptr, false) {}
-
 NodeChange::NodeChange(ARenderNode * node, bool silent) noexcept
     : m_pEnclosing(s_pInnermost), m_outermost(m_pEnclosing ? m_pEnclosing->m_outermost : *this),
       m_exceptions(std::uncaught_exceptions()), m_bSilent(silent),
@@ -147,6 +145,7 @@ NodeChange::~NodeChange() {
 }
 
 void NodeChange::make() noexcept {
+    if (m_edits.empty()) return;
     for (Edit & edit : m_edits)
         std::visit([&](auto & what) { what.make(m_changes, edit.silent); }, edit.what);
     m_changes.tell();
