@@ -1,11 +1,14 @@
 #include "Platform/DataModel/IPasteRequest.h"
 
+#include <utility>
+
 namespace Vn {
 
 IPasteRequest::IPasteRequest(Asset * asset, std::vector<ObjectPath> const & paths,
-                             ObjectPath const & target, bool insertAfter, bool cut)
-    : Request(asset, L"Paste"), m_paths(paths), m_target(target), m_bInsertAfter(insertAfter),
-      m_bCut(cut) {}
+                             ObjectPath const & target, bool insertAfter, bool cut,
+                             std::wstring name)
+    : Request(asset, std::move(name)), m_paths(paths), m_target(target),
+      m_bInsertAfter(insertAfter), m_bCut(cut) {}
 
 IPasteRequest::~IPasteRequest() = default;
 

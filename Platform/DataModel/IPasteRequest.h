@@ -14,9 +14,10 @@ namespace Vn {
 class VN_DATAMODEL_API IPasteRequest : public Request {
 public:
     // `paths` lead to what is pasted and `target` to where.  With `insertAfter` it is to stand
-    // after the target, without it before; with `cut` the objects were cut and not copied.
+    // after the target, without it before; with `cut` the objects were cut and not copied.  `name`
+    // is what the user sees of the step.
     IPasteRequest(Asset * asset, std::vector<ObjectPath> const & paths, ObjectPath const & target,
-                  bool insertAfter, bool cut);
+                  bool insertAfter, bool cut, std::wstring name = L"Paste");
     ~IPasteRequest() override;
 
     // What the constructor was given.

@@ -120,12 +120,12 @@ ObjectPath ObjectPath::of(Entity const & object,
     return ObjectPath(segment, std::move(onks));
 }
 
-StrongRef<Entity> ObjectPath::leaf() const {
-    if (StrongRef<Entity> bound = m_rBound.lock()) return bound;
-    return resolve();
-}
+StrongRef<Entity> ObjectPath::leaf() const { return m_bBound ? m_rBound.lock() : resolve(); }
 
-void ObjectPath::bind() { m_rBound = leaf(); }
+void ObjectPath::bind() {
+    m_rBound = leaf();
+    m_bBound = true;
+}
 
 StrongRef<Entity> ObjectPath::resolve() const {
     StrongRef<Asset> const asset = m_rAsset.lock();

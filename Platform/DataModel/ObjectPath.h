@@ -78,9 +78,9 @@ public:
 
     // The object at the end; null if the path leads nowhere at present.
     StrongRef<Entity> leaf() const;
-    // Makes `leaf` answer with the object at the end at present for as long as that is alive, also
-    // where the path comes to lead elsewhere.  For callers that change things that several paths
-    // lead through.
+    // Makes `leaf` answer with the object at the end at present, also where the path comes to lead
+    // elsewhere; null while that isn't alive, and if there is none.  For callers that change things
+    // that several paths lead through.
     void bind();
 
     // "NamedViews/CmnData[2]"; empty for an empty path.
@@ -99,6 +99,7 @@ private:
     unsigned m_segmentType = 0;
     std::vector<Onk> m_onks;
     PassiveRef<Entity> m_rBound;
+    bool m_bBound = false;
 };
 
 } // namespace Vn

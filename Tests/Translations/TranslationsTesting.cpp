@@ -24,6 +24,12 @@ std::vector<Source> makeSources() {
     result.push_back({"modelingMassName", "Modeling Mass"});
 #define VN_MASS_PROPERTY_TEXT(key, text) result.push_back({#key, Text::toUtf8(text)});
 #include "Server/CommonData/MassProperties/MassPropertyTexts.inc"
+    result.push_back({"NamedViewSelectionId", "NamedView"});
+    result.push_back({"NamedViewsSelectionId", "NamedViews"});
+    result.push_back({"NewNamedViewRequestId", "New View"});
+    result.push_back({"DeleteNamedViewRequestId", "Delete View"});
+    result.push_back({"UpdateNamedViewNameRequestId", "Rename View"});
+    result.push_back({"NamedViewPasteRequestId", "Move Views"});
     // An empty text has no translation.
     auto const add = [&](char const * key, wchar_t const * text) {
         if (*text) result.push_back({key, Text::toUtf8(text)});

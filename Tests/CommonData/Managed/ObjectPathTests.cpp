@@ -124,6 +124,23 @@ TEST_F(ObjectPathTests, APathFollowsThePlaceAndABoundOneTheObject) {
     EXPECT_EQ(bound, path);
 }
 
+TEST_F(ObjectPathTests, ABoundPathLeadsNowhereOnceItsObjectIsGone) {
+    ObjectPath bound = objectPath(*m_leaves[1]);
+    ObjectPath beyond = read(L"Things/CmnData[0]/CmnData[3]");
+    bound.bind();
+    beyond.bind();
+    m_document.step([&] {
+        m_rInner->removeChild(m_leaves[1]);
+        m_leaves[1].reset();
+        makeLeaves(m_rInner, 2);
+    });
+    EXPECT_EQ(m_rInner->children(), 4U);
+    EXPECT_EQ(bound.leaf(), nullptr);
+    EXPECT_EQ(beyond.leaf(), nullptr);
+    m_document.undo();
+    EXPECT_EQ(bound.leaf(), m_rInner->child(1));
+}
+
 TEST_F(ObjectPathTests, PathsAreEqualInSegmentAndNames) {
     Document const other;
     EXPECT_EQ(read(L"Things/CmnData[0]"), objectPath(*m_rInner));
