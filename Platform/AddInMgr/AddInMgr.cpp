@@ -143,8 +143,7 @@ AddIn & AddInMgr::commonDataServer() {
 
 Status AddInMgr::configure() {
     for (AddIn const * const addIn : configured()) {
-        EAddInState const state = addIn->state();
-        if (state == EAddInState::Loaded || state == EAddInState::Kept)
+        if (addIn->state() == EAddInState::Loaded)
             return Status(StatusBusy, "read the configurations of add-ins", addIn->identifier(),
                           "it is loaded");
     }

@@ -54,8 +54,7 @@ public:
     void defaultCommonDataServerAddInName(std::wstring const & name);
 
     // Reads the configurations below the root directory, in place of those that were read before.
-    // StatusBusy, with nothing changed, while an add-in is loaded, or kept by the system;
-    // StatusNotFound if there is no configuration; else the first refusal, that of a core add-in in
+    // StatusBusy, with nothing changed, while an add-in is loaded; StatusNotFound if there is no configuration; else the first refusal, that of a core add-in in
     // preference.
     [[nodiscard]] Status configure();
     // Loads what isn't loaded, failed ones too: the module, then its initialisers, then

@@ -16,4 +16,11 @@
 #define VN_ADDINMGR_API __attribute__((visibility("default")))
 #endif
 
+// VN_ADDIN_EXPORT stands in front of the `_GetIAddIn` of an add-in.
+#if defined(_WIN32)
+#define VN_ADDIN_EXPORT __declspec(dllexport)
+#else
+#define VN_ADDIN_EXPORT __attribute__((visibility("default")))
+#endif
+
 #endif

@@ -15,7 +15,7 @@ class AddIn;
 // The object by which a module is known to the add-in manager.  A module has one, of static
 // storage, and gives it to the manager by the exported function
 //
-//     extern "C" Vn::IAddIn * _GetIAddIn();
+//     extern "C" VN_ADDIN_EXPORT Vn::IAddIn * _GetIAddIn();
 //
 // which does nothing but return its address, the same at every call.  The object stays the
 // module's, and ends with it.

@@ -2,10 +2,13 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <cxxabi.h>
 #include <exception>
+#include <fstream>
 #include <iterator>
 #include <memory>
 #include <system_error>
@@ -25,7 +28,9 @@
 #include <shellapi.h>
 #else
 #include <dlfcn.h>
+#include <elf.h>
 #include <fcntl.h>
+#include <link.h>
 #include <pthread.h>
 #include <sched.h>
 #include <signal.h>
@@ -549,6 +554,31 @@ namespace {
 // compiler mustn't see which function it is.
 void * (*const volatile s_openModule)(char const * file, int flags) = &dlopen;
 
+// Whether a file ends before what its header says is in it.  The loader would map what isn't there,
+// and the process would end.
+bool isCutOff(std::filesystem::path const & file) {
+    std::ifstream stream(file, std::ios::binary | std::ios::ate);
+    auto const size = static_cast<std::uintmax_t>(stream.tellg());
+    ElfW(Ehdr) header;
+    // What isn't for it the loader refuses.
+    constexpr unsigned char c_class = sizeof(void *) == 8 ? ELFCLASS64 : ELFCLASS32;
+    if (!stream.seekg(0).read(reinterpret_cast<char *>(&header), sizeof header) ||
+        std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 || header.e_ident[EI_CLASS] != c_class ||
+        header.e_phentsize != sizeof(ElfW(Phdr)))
+        return false;
+    for (unsigned i = 0; i < header.e_phnum; ++i) {
+        ElfW(Phdr) segment;
+        auto const place = static_cast<std::uintmax_t>(header.e_phoff) + i * sizeof segment;
+        if (place > size || !stream.seekg(static_cast<std::streamoff>(place))
+                                 .read(reinterpret_cast<char *>(&segment), sizeof segment))
+            return true;
+        if (segment.p_type == PT_LOAD &&
+            (segment.p_offset > size || segment.p_filesz > size - segment.p_offset))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 #endif
@@ -577,6 +607,8 @@ Status Module::load(std::filesystem::path const & file) {
     m_pHandle = reinterpret_cast<void *>(
         LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 #else
+    if (isCutOff(path))
+        return Status::corrupt("load the module", pathText(path), "the file is too short");
     // Of the exception nothing is left when the module goes, which its class may belong to.
     std::string thrown;
     try {

@@ -88,6 +88,20 @@ void PathInfo::rootDirectory(wchar_t const * directory) {
     set(&Places::root, directory ? directory : L"");
 }
 
+std::wstring PathInfo::installedRoot() {
+    std::filesystem::path prefix = OS::libraryDirectory();
+    // Some systems have one more folder below that of the libraries, for the kind of processor.
+    for (int level = 0; level < 2; ++level) {
+        prefix = prefix.parent_path();
+        if (prefix.empty()) break;
+        for (auto const & root : {prefix, prefix / "share" / c_application}) {
+            std::error_code error;
+            if (std::filesystem::is_directory(root / "Server", error)) return textOf(root, false);
+        }
+    }
+    return {};
+}
+
 std::wstring PathInfo::modulesDirectory(bool endsInSeparator) {
     std::filesystem::path directory = get(&Places::modules);
     if (directory.empty()) directory = OS::libraryDirectory();

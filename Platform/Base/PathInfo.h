@@ -29,6 +29,11 @@ public:
     static void rootDirectory(std::wstring const & directory);
     static void rootDirectory(wchar_t const * directory);
 
+    // The root directory that was installed with the platform's libraries, found from their place;
+    // empty if there is none.  For a host whose program isn't in that tree, or doesn't know: in
+    // trees such as /usr it is "share/VnCommonData10".
+    [[nodiscard]] static std::wstring installedRoot();
+
     // The directory of the modules that are loaded at run time: that of the platform's libraries,
     // or what the host set.  Empty if the system doesn't tell it.
     [[nodiscard]] static std::wstring modulesDirectory(bool endsInSeparator);

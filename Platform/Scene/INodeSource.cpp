@@ -4,7 +4,21 @@
 
 namespace Vn::Scene {
 
-INodeSource::~INodeSource() = default;
+namespace {
+
+// The way from nodes, which may outlive their source, to the source.
+class SourceTag final : public RefCounted {
+public:
+    explicit SourceTag(INodeSource * source) noexcept : m_pSource(source) {}
+
+    INodeSource * m_pSource; // null once it is gone
+};
+
+} // namespace
+
+INodeSource::~INodeSource() {
+    if (m_rTag) static_cast<SourceTag *>(m_rTag.get())->m_pSource = nullptr;
+}
 
 UniqueString const * INodeSource::interfaceId() {
     static constinit InterfaceId s_id("Vn::Scene::INodeSource");
@@ -15,6 +29,16 @@ UniqueString const * INodeSource::getInterfaceId() const { return interfaceId();
 
 void * INodeSource::queryInterface(UniqueString const * id) const {
     return id == interfaceId() ? const_cast<INodeSource *>(this) : nullptr;
+}
+
+INodeSource * INodeSource::of(Vrx::Graphics::ARenderNode const * node) noexcept {
+    auto const * const tag = node ? dynamic_cast<SourceTag const *>(node->tag()) : nullptr;
+    return tag ? tag->m_pSource : nullptr;
+}
+
+StrongRef<RefCounted> INodeSource::tag() {
+    if (!m_rTag) m_rTag = StrongRef<RefCounted>(new SourceTag(this));
+    return m_rTag;
 }
 
 } // namespace Vn::Scene

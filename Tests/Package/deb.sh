@@ -31,6 +31,10 @@ done
 dpkg -x "$runtime" "$work/run"
 try_console "$work/run/usr"
 if [ -e "$work/run/usr/include" ]; then fail "headers in the package to run"; fi
+if [ -e "$work/run/usr/Server" ]; then fail "/usr/Server in the package"; fi
+for file in AddInMgr/Configuration/Schema/AddinSchema.xsd CommonData/Configuration/VnCommonData10.xml; do
+  [ -s "$work/run/usr/share/VnCommonData10/Server/$file" ] || fail "no $file in the package"
+done
 missing=$(ldd "$work"/run/usr/lib/*.so* "$work/run/usr/bin/vnconsole" | grep 'not found' || true)
 [ -z "$missing" ] || fail "$missing"
 

@@ -17,3 +17,8 @@ done
 found=$(find "$installed" -name '*Internal.h' -o -name LoadOrder.h -o -name '*.cpp' \
   -o -path '*/DataModel/File/*' -o -path '*/DataModel/Log/*')
 [ -z "$found" ] || fail "internal: $found"
+
+# The add-in manager finds what it reads below the root directory.
+for file in AddInMgr/Configuration/Schema/AddinSchema.xsd CommonData/Configuration/VnCommonData10.xml; do
+  [ -s "$installed/Server/$file" ] || fail "no Server/$file"
+done

@@ -2,6 +2,7 @@
 # installed tree can be moved.
 #
 #   bin/vnconsole                           share/man/man1/vnconsole.1
+#   Server/                                 the configurations of the add-ins and their schema
 #   lib/VnCommonData10.so and the libraries of the platform
 #   share/locale/<language>/LC_MESSAGES/VnCommonData.mo (by Translations/)
 #   include/VnCommonData10/                 the public headers, in the folders of their includes
@@ -33,7 +34,8 @@ install(DIRECTORY Platform Server DESTINATION "${VN_INSTALL_HEADERS}" COMPONENT 
   FILES_MATCHING PATTERN "*.h"
   PATTERN "*Internal.h" EXCLUDE
   REGEX "/Platform/DataModel/(File|Log)$" EXCLUDE
-  PATTERN "AddIn" EXCLUDE)
+  PATTERN "AddIn" EXCLUDE
+  PATTERN "Configuration" EXCLUDE)
 # Tables that public headers are made of.
 foreach(table IN ITEMS Expressions/Functions.inc Expressions/Tokens.inc Units/UnitCatalogue.inc
         Units/UnitKinds.inc)

@@ -66,6 +66,19 @@ function(vn_add_library name export_macro)
   endif()
 endfunction()
 
+# Where the application's data is: below the root directory, by default the one in which everything is
+# installed.  Something else is for trees such as /usr, in which nothing but known folders may stand; a host
+# has to tell the platform then, as PathInfo::installedRoot() says.
+set(VN_INSTALL_ROOT "." CACHE STRING "The root directory of the data, from the prefix")
+
+# vn_offer_data(FILE PLACE): offers a file at a place below the root directory, in the build tree and when
+# installed.
+function(vn_offer_data file place)
+  configure_file("${file}" "${PROJECT_BINARY_DIR}/${place}" COPYONLY)
+  cmake_path(GET place PARENT_PATH directory)
+  install(FILES "${file}" DESTINATION "${VN_INSTALL_ROOT}/${directory}" COMPONENT runtime)
+endfunction()
+
 # The preferences of whoever runs the program stay out of it, and out of what it starts.
 function(vn_use_own_options name)
   target_sources(${name} PRIVATE "${PROJECT_SOURCE_DIR}/Tests/Support/OwnOptions.cpp")

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "Platform/Base/Numeric.h"
+#include "Platform/Base/RegistrationLog.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
@@ -369,6 +370,14 @@ TokenizerFractional const s_fractional VN_LOAD_EXPRESSION_TABLES;
 TokenizerArchitect const s_architect VN_LOAD_EXPRESSION_TABLES;
 TokenizerDegMinSec const s_degMinSec VN_LOAD_EXPRESSION_TABLES;
 TokenizerNFUC const s_nfuc VN_LOAD_EXPRESSION_TABLES;
+
+// They register nowhere, but their turn is a part of the order.
+struct TokenizersNote {
+    TokenizersNote() {
+        RegistrationLog::note(RegistrationLog::EKind::Static, "Expressions.Tokenizers", this);
+    }
+};
+[[maybe_unused]] TokenizersNote const s_note VN_LOAD_EXPRESSION_TABLES;
 
 TokenKind operatorKind(wchar_t c) {
     switch (c) {

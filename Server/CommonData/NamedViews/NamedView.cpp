@@ -118,8 +118,8 @@ void NamedView::onRename(std::wstring const & name) {
 std::unique_ptr<IPasteRequest>
 NamedView::onProvidePasteRequest(std::vector<ObjectPath> const & paths, ObjectPath const & target,
                                  bool insertAfter, bool cut, bool reorder) const {
-    return std::unique_ptr<IPasteRequest>(CommonData::NamedViewPasteRequest::make(
-        asset(), paths, target, insertAfter, cut, reorder));
+    return std::unique_ptr<IPasteRequest>(
+        CommonData::NamedViewPasteRequest::make(asset(), paths, target, insertAfter, cut, reorder));
 }
 
 bool NamedView::onCanReorder(std::vector<ObjectPath> const & paths,

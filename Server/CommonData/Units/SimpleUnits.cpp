@@ -2,6 +2,7 @@
 
 #include "Server/CommonData/Units/SimpleUnits.h"
 
+#include "Platform/Base/RegistrationLog.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 
@@ -26,10 +27,19 @@ Identifiers const s_identifiers VN_LOAD_UNITS;
     VN_LOAD_UNITS std::wstring const unit::c_symbol = symbol;
 #include "Server/CommonData/Units/UnitCatalogue.inc"
 
+// Tells the log of what registers that a unit is made.
+struct UnitNote {
+    UnitNote(char const * identifier, SimpleUnit const * unit) {
+        RegistrationLog::note(RegistrationLog::EKind::Static, identifier, unit);
+    }
+};
+
 // The one object of each class, after its statics.
 class Catalogue {
 public:
-#define VN_UNIT(unit, kind, name, abbreviation, symbol, factor, offset, magnitudes) unit m_##unit;
+#define VN_UNIT(unit, kind, name, abbreviation, symbol, factor, offset, magnitudes)                \
+    unit m_##unit;                                                                                 \
+    [[no_unique_address]] UnitNote m_note##unit{#unit, &m_##unit};
 #include "Server/CommonData/Units/UnitCatalogue.inc"
 };
 

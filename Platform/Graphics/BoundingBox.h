@@ -1,0 +1,40 @@
+#ifndef VN_PLATFORM_GRAPHICS_BOUNDINGBOX_H
+#define VN_PLATFORM_GRAPHICS_BOUNDINGBOX_H
+
+#include <algorithm>
+#include <cmath>
+
+#include "Platform/Geometry/Tg.h"
+
+namespace Vrx::Devices {
+
+// A box along the axes, given by its corners, in the units of the positions within.
+struct BoundingBox {
+    TgPoint3d low;
+    TgPoint3d high;
+
+    // The box that is one point.
+    static constexpr BoundingBox of(TgPoint3d const & point) noexcept { return {point, point}; }
+
+    // Whether all numbers are finite and no low one is above its high one.
+    bool isValid() const noexcept {
+        return isFinite(low) && isFinite(high) && low.x <= high.x && low.y <= high.y &&
+               low.z <= high.z;
+    }
+    // Grows until the other box is within.
+    void add(BoundingBox const & other) noexcept {
+        low = {std::min(low.x, other.low.x), std::min(low.y, other.low.y),
+               std::min(low.z, other.low.z)};
+        high = {std::max(high.x, other.high.x), std::max(high.y, other.high.y),
+                std::max(high.z, other.high.z)};
+    }
+
+    // Whether a point has neither a NaN nor an infinity.
+    static bool isFinite(TgPoint3d const & point) noexcept {
+        return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+    }
+};
+
+} // namespace Vrx::Devices
+
+#endif

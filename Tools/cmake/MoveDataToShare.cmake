@@ -1,0 +1,8 @@
+# In Debian's tree data is in /usr/share: moves the root directory of the data there, before cpack packs what
+# it has installed.
+file(GLOB data "${CPACK_TEMPORARY_DIRECTORY}/*/usr/Server")
+foreach(directory IN LISTS data)
+  cmake_path(GET directory PARENT_PATH usr)
+  file(MAKE_DIRECTORY "${usr}/share/VnCommonData10")
+  file(RENAME "${directory}" "${usr}/share/VnCommonData10/Server")
+endforeach()
