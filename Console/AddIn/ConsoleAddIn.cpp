@@ -1,8 +1,8 @@
 // The add-in that has the commands of the console.
 
-#include "Console/AddIn/Export.h"
 #include "Console/CommandLine/CommandLine.h"
 #include "Console/Host/ICommandLine.h"
+#include "Platform/AddInMgr/Export.h"
 #include "Platform/AddInMgr/IAddIn.h"
 #include "Platform/Base/InterfaceId.h"
 
@@ -36,4 +36,4 @@ ConsoleAddIn s_addIn;
 } // namespace Vn::Console
 
 // How the add-in manager comes by the add-in.
-extern "C" VN_CONSOLE_API Vn::IAddIn * _GetIAddIn() { return &Vn::Console::s_addIn; }
+extern "C" VN_ADDIN_EXPORT Vn::IAddIn * _GetIAddIn() { return &Vn::Console::s_addIn; }

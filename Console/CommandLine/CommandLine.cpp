@@ -10,6 +10,7 @@
 #include "Console/CommandLine/EvalCommand.h"
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/CommandLine/MassCommand.h"
+#include "Console/CommandLine/SceneCommand.h"
 #include "Console/CommandLine/SelfTestCommand.h"
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Documents/Command.h"
@@ -113,6 +114,7 @@ public:
         addBatch();
         addDocument();
         addMass();
+        addScene();
         addOptions();
         addAddIns();
         addSelfTest();
@@ -148,6 +150,7 @@ public:
         if (*m_batch)
             return runBatchCommand(Text::toUtf8(wide(m_file)), errorIsTerminal(), in, out, err);
         if (*m_mass) return runMass(massOptions(), out, err);
+        if (*m_scene) return runScene(wide(m_file), m_json, out, err);
         if (*m_document) return runDocument(documentOptions(), document, out, err);
         if (*m_options) return runOptions(texts(*m_optionsWords), m_json, out, err);
         if (*m_addIns) return runAddIns(m_json, out);
@@ -223,8 +226,8 @@ private:
         m_edges->type_name("")->required()->expected(3);
         add(*m_mass, EValueOption::Density, m_density, "VALUE", "The density of its material")
             ->required();
-        m_materialOption = add(*m_mass, EValueOption::Material, m_material, "NAME",
-                               "The name of its material");
+        m_materialOption =
+            add(*m_mass, EValueOption::Material, m_material, "NAME", "The name of its material");
         m_overrides = add(*m_mass, EValueOption::Override, m_converted, "QUANTITY=VALUE",
                           "A value in place of the calculated one: volume, area, mass or density");
         m_overrides->expected(1)->take_all();
@@ -241,6 +244,12 @@ private:
         options.units = documentUnits(*m_mass);
         options.json = m_json;
         return options;
+    }
+
+    void addScene() {
+        m_scene = addSubcommand("scene", "Shows the render graph of a document");
+        m_scene->add_option("FILE", m_file, "The document")->type_name("")->required();
+        m_scene->add_flag("--json", m_json, "One JSON object a line for each node");
     }
 
     void addUnits() {
@@ -325,6 +334,7 @@ private:
     CLI::App * m_document = nullptr;
     CLI::App * m_mass = nullptr;
     CLI::App * m_options = nullptr;
+    CLI::App * m_scene = nullptr;
     CLI::App * m_addIns = nullptr;
     CLI::App * m_selfTest = nullptr;
     CLI::App * m_tour = nullptr;
@@ -387,6 +397,16 @@ bool isSettled(std::vector<std::string> const & arguments, CommandLine const & c
 }
 
 } // namespace
+
+std::optional<EarlyOptions> understoodOptions(std::vector<std::string> const & arguments) {
+    CommandLine commandLine;
+    try {
+        commandLine.parse(arguments);
+    } catch (CLI::ParseError const &) {
+        return std::nullopt;
+    }
+    return commandLine.earlyOptions();
+}
 
 int runCommandLine(std::vector<std::string> const & arguments, std::istream & in,
                    std::ostream & out, std::ostream & err) {

@@ -16,8 +16,8 @@ namespace {
 Status documentType(char const * operation, AssetType const *& type) {
     std::string const & identifier = AddIn::defaultCommonDataServerAddIn()->assetTypeId();
     if (identifier.empty())
-        return Status::failed(operation, {},
-                              "the configuration of the add-in for common data names no asset type");
+        return Status::failed(
+            operation, {}, "the configuration of the add-in for common data names no asset type");
     static std::map<std::string, AssetType> s_types;
     type = &s_types.try_emplace(identifier, identifier).first->second;
     return Status::success();
@@ -36,13 +36,20 @@ Status makeDocument(StrongRef<Asset> & asset) {
 }
 
 Status loadDocument(std::filesystem::path const & file, StrongRef<Asset> & asset) {
+    Status status = readDocument(file, asset);
+    return status ? equipDocument(asset) : status;
+}
+
+Status readDocument(std::filesystem::path const & file, StrongRef<Asset> & asset) {
     asset.reset();
     AssetType const * type = nullptr;
     if (Status status = documentType("open the document", type); !status) return status;
-    StrongRef<Asset> loaded;
-    Status status = DocumentFile::load(file, type, loaded);
-    if (status) status = AddInMgr::get()->initializeOpenedAsset(loaded.get());
-    if (status) asset = std::move(loaded);
+    return DocumentFile::load(file, type, asset);
+}
+
+Status equipDocument(StrongRef<Asset> & asset) {
+    Status status = AddInMgr::get()->initializeOpenedAsset(asset.get());
+    if (!status) asset.reset();
     return status;
 }
 

@@ -195,9 +195,11 @@ TextCommandResult checkDocument(DocumentSession & session, Parameters const & pa
         return failure(status);
     if (findings.empty() && unknownTypes.empty()) { // as far as can be told without the classes
         StrongRef<Asset> asset;
-        Status const status = loadDocument(file, asset);
-        if (!status && !mayBeDamage(status.code())) return failure(status);
-        if (!status) findings.push_back(status.cause());
+        Status status = readDocument(file, asset);
+        if (!status && mayBeDamage(status.code()))
+            findings.push_back(status.cause());
+        else if (!status || !(status = equipDocument(asset)))
+            return failure(status);
     }
     if (findings.empty() && unknownTypes.empty()) return {0, L"nothing is wrong with " + name};
     std::wstring text;

@@ -84,8 +84,8 @@ int runAddIns(bool json, std::ostream & out) {
         if (json)
             showJson(row, out);
         else
-            table.add({cell(row.identifier), cell(row.module), cell(row.assetType),
-                       cell(row.state), cell(row.reason)});
+            table.add({cell(row.identifier), cell(row.module), cell(row.assetType), cell(row.state),
+                       cell(row.reason)});
     }
     if (!json) out << table.toUtf8();
     return isGood ? ExitGood : ExitBadInput;

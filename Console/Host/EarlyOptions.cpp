@@ -27,8 +27,8 @@ constexpr ValueOptionName c_names[] = {
 // The option that an argument begins with, up to a "=" or the end.
 ValueOptionName const * find(std::string_view argument) {
     std::string_view const name = argument.substr(0, argument.find('='));
-    auto const found = std::find_if(
-        std::begin(c_names), std::end(c_names), [&](ValueOptionName const & each) {
+    auto const found =
+        std::find_if(std::begin(c_names), std::end(c_names), [&](ValueOptionName const & each) {
             return name == each.name || (each.shortName && argument == each.shortName);
         });
     return found == std::end(c_names) ? nullptr : found;

@@ -1,5 +1,5 @@
-// What the program must know of its arguments before it loads the add-ins that understand them: their
-// initialisers read the preferences, and look up texts in the user's language.
+// What the program must know of its arguments before it loads the add-ins that understand them:
+// their initialisers read the preferences, and look up texts in the user's language.
 
 #ifndef VN_CONSOLE_HOST_EARLYOPTIONS_H
 #define VN_CONSOLE_HOST_EARLYOPTIONS_H

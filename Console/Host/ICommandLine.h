@@ -18,8 +18,8 @@ public:
     }
 
     // Does what the arguments say, without the name of the program in front of them, and returns
-    // the exit status.  To be called once, with what readEarlyOptions finds in the arguments settled
-    // for the process.
+    // the exit status.  To be called once, with what readEarlyOptions finds in the arguments
+    // settled for the process.
     virtual int run(std::vector<std::string> const & arguments, std::istream & in,
                     std::ostream & out, std::ostream & err) const = 0;
 

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <filesystem>
 #include <ostream>
+#include <string>
+#include <system_error>
+#include <vector>
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Host/AddInsCommand.h"
@@ -36,15 +39,19 @@ void prepareProcess(EarlyOptions const & options) {
         std::u8string const catalogues = (program.parent_path() / "share" / "locale").u8string();
         StringTable::catalogueDirectory(std::string(catalogues.begin(), catalogues.end()));
     }
+    // The data is in the tree that the program is in, or else in the one of its libraries.
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(
+            PathInfo::fromText(PathInfo::rootDirectory(true) + L"Server"), ignored))
+        PathInfo::rootDirectory(PathInfo::installedRoot());
     StringTable::language(options.language);
     PathInfo::optionsDirectory(Text::fromUtf8(options.optionsDirectory));
 }
 
+std::wstring textOf(Status const & status) { return Text::fromUtf8(status.toString()); }
+
 void tell(std::wstring const & what, std::ostream & err) {
     err << "vnconsole: " << Text::toUtf8(printable(what)) << '\n';
-}
-void tell(Status const & status, std::ostream & err) {
-    tell(Text::fromUtf8(status.toString()), err);
 }
 
 AddIn * configuredBy(std::filesystem::path const & file) {
@@ -53,30 +60,21 @@ AddIn * configuredBy(std::filesystem::path const & file) {
     return nullptr;
 }
 
-// Why there are no commands: the first of what they need that isn't there.
-void tellWhatIsMissing(Status const & configured, std::ostream & err) {
+// Why there are no commands: the first of what they need that isn't there.  `configured` tells
+// whether the configurations as a whole could be read.
+std::wstring whatIsMissing(Status const & configured) {
     std::wstring const root = PathInfo::rootDirectory(true);
-    bool isTold = false;
     for (wchar_t const * const needed : c_needed) {
         std::filesystem::path const file = PathInfo::fromText(root + needed);
         std::error_code ignored;
-        AddIn const * const addIn = configuredBy(file);
-        if (addIn && addIn->status()) continue;
-        if (addIn)
-            tell(addIn->status(), err);
-        else if (!std::filesystem::exists(file, ignored))
-            tell(L"there is no " + root + needed, err);
-        else
-            break;
-        isTold = true;
-        break;
+        if (AddIn const * const addIn = configuredBy(file)) {
+            if (Status const status = addIn->status(); !status) return textOf(status);
+        } else if (!std::filesystem::exists(file, ignored)) {
+            return L"there is no " + root + needed;
+        }
     }
-    if (!isTold && !configured)
-        tell(configured, err);
-    else if (!isTold)
-        tell(root + c_needed[1] + L" names no add-in that has the commands", err);
-    err << "Install vnconsole again, with all of its files; \"vnconsole add-ins\" lists what was "
-           "found.\n";
+    return AddInMgr::get()->addIns().empty() ? textOf(configured)
+                                             : L"no add-in \"Console\" has the commands";
 }
 
 } // namespace
@@ -97,12 +95,14 @@ int runProgram(std::vector<std::string> const & arguments, std::istream & in, st
         return ExitBadInput;
     }
     if (!commandLine) {
-        tellWhatIsMissing(configured, err);
+        tell(whatIsMissing(configured), err);
+        err << "Install vnconsole again, with all of its files; "
+               "\"vnconsole add-ins\" lists what was found.\n";
         return ExitBadInput;
     }
     if (!listsAddIns)
         for (AddIn const * const each : manager.addIns())
-            if (Status const status = each->status(); !status) tell(status, err);
+            if (Status const status = each->status(); !status) tell(textOf(status), err);
     return commandLine->run(arguments, in, out, err);
 }
 

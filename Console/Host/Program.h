@@ -9,9 +9,9 @@
 
 namespace Vn::Console {
 
-// Loads the add-ins that are configured, and has the one with the commands do what the arguments say,
-// which stand without the name of the program.  The answer is the exit status; what is missing is
-// told on `err`.  To be called once.
+// Loads the add-ins that are configured, and has the one with the commands do what the arguments
+// say, which stand without the name of the program.  The answer is the exit status; what is missing
+// is told on `err`.  To be called once.
 int runProgram(std::vector<std::string> const & arguments, std::istream & in, std::ostream & out,
                std::ostream & err);
 

@@ -27,7 +27,7 @@ using Managed::ManagedGroupEntity;
 
 class DocumentCoreTests : public DocumentFixture {
 protected:
-    void SetUp() override { m_session.makeNew(); }
+    void SetUp() override { ASSERT_TRUE(m_session.makeNew()); }
 
     std::string tree() const {
         std::ostringstream out;

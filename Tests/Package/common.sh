@@ -52,6 +52,8 @@ try_console() {
   "$console" --language fr eval 'racine(16)' | grep -q '^rebuilt    racine(16)$' || fail "French"
   "$console" --language ja units meter | grep -q '長さ' || fail "Japanese"
   "$console" self-test >/dev/null || fail "the self-test"
+  same "the add-ins" "$("$console" add-ins | awk 'NR > 1 { print $1, $2, $4 }')" \
+    "$(printf '%s\n' 'CommonData VnCommonData10.so loaded' 'Console VnConsole10.so loaded')"
   if "$console" eval '1 +' 2>/dev/null; then fail "an unfinished text is good"; fi
 }
 

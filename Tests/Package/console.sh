@@ -3,3 +3,14 @@
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 try_console "$installed"
+
+# Where it is installed without the data of an add-in, it says so.
+incomplete=$VN_WORK/incomplete
+fresh "$incomplete"
+cp -a "$installed/bin" "$installed/lib" "$installed/Server" "$incomplete"
+rm "$incomplete/Server/CommonData/Configuration/VnCommonData10.xml"
+status=0
+told=$("$incomplete/bin/vnconsole" eval 1 2>&1) || status=$?
+same "the status" "$status" 1
+same "what is told" "$(head -n 1 <<<"$told")" \
+  "vnconsole: there is no $incomplete/Server/CommonData/Configuration/VnCommonData10.xml"

@@ -40,5 +40,8 @@ for library in VnCommonData10.so libVnAddInMgr10.so libVnScene10.so libVrx.so li
     status=1
   fi
 done
+# The commands are for the program alone.
+same "what VnConsole10.so exports" \
+  "$(nm -D --defined-only "$installed/lib/VnConsole10.so" | sed 's/^[0-9a-f]* *//')" "T _GetIAddIn"
 cat "$work/VnCommonData10.so"
 exit $status

@@ -14,7 +14,7 @@ mkdir "$installed"
 unzip -q "$zip" -d "$installed"
 
 # What is there.
-for file in bin/vnconsole.exe bin/VnCommonData10.dll bin/VnSqlite3.dll bin/VnXml2.dll lib/libVnCommonData10.dll.a \
+for file in bin/vnconsole.exe bin/VnCommonData10.dll bin/VnConsole10.dll bin/VnSqlite3.dll bin/VnXml2.dll lib/libVnCommonData10.dll.a \
     lib/cmake/VnCommonData10/VnCommonData10Config.cmake licenses/sqlite3.txt licenses/libxml2.txt licenses/gcc-mingw-w64-base.txt \
     include/VnCommonData10/Server/CommonData/Units/Unit.h share/locale/de/LC_MESSAGES/VnCommonData.mo \
     Server/AddInMgr/Configuration/Schema/AddinSchema.xsd Server/CommonData/Configuration/VnCommonData10.xml; do
@@ -39,6 +39,8 @@ run bin/vnconsole.exe eval --standard --unit cm '1 in + 1' | grep -q '^formatted
 run bin/vnconsole.exe --language de eval 'wurzel(16)' | grep -q '^rebuilt    wurzel(16)$' || fail "German"
 run bin/vnconsole.exe document --new 'a ä.vnd' new, make, add 0 2 >/dev/null || fail "no document is made"
 same "the document" "$(run bin/vnconsole.exe document 'a ä.vnd' tree | wc -l)" 4
+same "the add-ins" "$(run bin/vnconsole.exe add-ins | awk 'NR > 1 { print $1, $2, $4 }')" \
+  "$(printf '%s\n' 'CommonData VnCommonData10.dll loaded' 'Console VnConsole10.dll loaded')"
 run bin/vnconsole.exe self-test >/dev/null || fail "the self-test"
 
 # Another project is built against it, and runs beside the DLLs.

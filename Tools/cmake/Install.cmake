@@ -3,7 +3,7 @@
 #
 #   bin/vnconsole                           share/man/man1/vnconsole.1
 #   Server/                                 the configurations of the add-ins and their schema
-#   lib/VnCommonData10.so and the libraries of the platform
+#   lib/VnCommonData10.so, VnConsole10.so and the libraries of the platform
 #   share/locale/<language>/LC_MESSAGES/VnCommonData.mo (by Translations/)
 #   include/VnCommonData10/                 the public headers, in the folders of their includes
 #   lib/cmake/VnCommonData10/               for find_package
@@ -25,6 +25,13 @@ install(TARGETS ${VN_LIBRARIES} EXPORT VnCommonData10Targets
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime
   ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
 install(TARGETS vnconsole RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
+# The add-ins are where the libraries are.
+set(VN_INSTALL_MODULES "${CMAKE_INSTALL_LIBDIR}")
+if(WIN32)
+  set(VN_INSTALL_MODULES "${CMAKE_INSTALL_BINDIR}")
+endif()
+set_target_properties(VnConsole10 PROPERTIES INSTALL_RPATH "$ORIGIN")
+install(TARGETS VnConsole10 LIBRARY DESTINATION "${VN_INSTALL_MODULES}" COMPONENT runtime)
 if(NOT WIN32)
   install(FILES Docs/vnconsole.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
 endif()
