@@ -83,7 +83,7 @@ constexpr DocumentCommand c_commands[] = {
      .callMeaning = L"beside another; or into PATH: to the end of a group",
      .examples = {{L"move 0/0/1 before 0/0/0",
                    L"an entity before a sibling; also after it, or into a group"},
-                  {L"move #4 into .",
+                  {L"move #31 into .",
                    L"by the id that the tree shows, to the end of the root group"}},
      .run = &moveEntity},
     {.area = c_groups,

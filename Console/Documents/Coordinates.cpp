@@ -18,6 +18,7 @@
 
 namespace Vn::Console {
 
+using CommonData::MassProperties;
 using Expressions::Expression;
 using Units::UnitContext;
 using Units::UnitDisplaySettings;

@@ -27,7 +27,8 @@ SettingValue nothing(CommonDataAssetSettings const &) { return {}; }
 
 // clang-format off
 #define VN_CONSOLE_SETTING(type, accessor, member, standard, isStep)                               \
-    {#accessor, member, kindOf<type>(#accessor), isStep, SettingValue(standard),                   \
+    {#accessor, member, kindOf<type>(#accessor), isStep,                                           \
+     SettingValue(static_cast<type>(standard)),                                                    \
      [](CommonDataAssetSettings const & settings) { return SettingValue(settings.accessor()); },   \
      [](CommonDataAssetSettings & settings, SettingValue const & value) {                          \
          settings.accessor(std::get<type>(value));                                                 \

@@ -26,12 +26,12 @@ protected:
 };
 
 char const c_sample[] = "Groups #1\n"
-                        "Groups/CmnData[0] #2\n"
-                        "Groups/CmnData[0]/CmnData[0] #3\n"
-                        "Groups/CmnData[0]/CmnData[0]/CmnData[0] #5\n"
-                        "Groups/CmnData[0]/CmnData[0]/CmnData[1] #6\n"
-                        "Groups/CmnData[0]/CmnData[0]/CmnData[2] #7\n"
-                        "Groups/CmnData[1] #4\n";
+                        "Groups/CmnData[0] #29\n"
+                        "Groups/CmnData[0]/CmnData[0] #30\n"
+                        "Groups/CmnData[0]/CmnData[0]/CmnData[0] #32\n"
+                        "Groups/CmnData[0]/CmnData[0]/CmnData[1] #33\n"
+                        "Groups/CmnData[0]/CmnData[0]/CmnData[2] #34\n"
+                        "Groups/CmnData[1] #31\n";
 
 TEST_F(DocumentCommandTests, EachCommandSaysWhatItDid) {
     Outcome const outcome = document("new, make, make 0, add 0/0 3, add 0, move 0/1 before 0/0, "
@@ -41,22 +41,22 @@ TEST_F(DocumentCommandTests, EachCommandSaysWhatItDid) {
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(outcome.out,
               "a new document with an empty group \"Groups\"\n"
-              "made Groups/CmnData[0] (#2)\n"
-              "made Groups/CmnData[0]/CmnData[0] (#3)\n"
+              "made Groups/CmnData[0] (#29)\n"
+              "made Groups/CmnData[0]/CmnData[0] (#30)\n"
               "added 3 entities: Groups/CmnData[0]/CmnData[0]/CmnData[0] to "
               "Groups/CmnData[0]/CmnData[0]/CmnData[2]\n"
-              "added Groups/CmnData[0]/CmnData[1] (#7)\n"
-              "moved Groups/CmnData[0]/CmnData[1] to Groups/CmnData[0]/CmnData[0] (#7)\n"
-              "moved Groups/CmnData[0]/CmnData[1] to Groups/CmnData[1] (#3)\n"
-              "moved Groups/CmnData[1]/CmnData[2] to Groups/CmnData[1]/CmnData[1] (#6)\n"
-              "removed Groups/CmnData[1]/CmnData[1] (#6)\n"
+              "added Groups/CmnData[0]/CmnData[1] (#34)\n"
+              "moved Groups/CmnData[0]/CmnData[1] to Groups/CmnData[0]/CmnData[0] (#34)\n"
+              "moved Groups/CmnData[0]/CmnData[1] to Groups/CmnData[1] (#30)\n"
+              "moved Groups/CmnData[1]/CmnData[2] to Groups/CmnData[1]/CmnData[1] (#33)\n"
+              "removed Groups/CmnData[1]/CmnData[1] (#33)\n"
               "undone: remove Groups/CmnData[1]/CmnData[1]\n"
               "redone: remove Groups/CmnData[1]/CmnData[1]\n"
-              "deleted Groups/CmnData[1] (#3) and 2 entities below it\n"
+              "deleted Groups/CmnData[1] (#30) and 2 entities below it\n"
               "saved a.vnd\n");
     EXPECT_EQ(places(tree()), "Groups #1\n"
-                              "Groups/CmnData[0] #2\n"
-                              "Groups/CmnData[0]/CmnData[0] #7\n");
+                              "Groups/CmnData[0] #29\n"
+                              "Groups/CmnData[0]/CmnData[0] #34\n");
 }
 
 TEST_F(DocumentCommandTests, AnotherProcessFindsTheSameTree) {
@@ -68,7 +68,7 @@ TEST_F(DocumentCommandTests, AnotherProcessFindsTheSameTree) {
     EXPECT_EQ(again.status, 0);
     EXPECT_EQ(again.out, shown);
     EXPECT_EQ(places(shown).substr(0, places(shown).find('\n', 30) + 1),
-              "Groups #1\nGroups/CmnData[0] #4\n");
+              "Groups #1\nGroups/CmnData[0] #31\n");
 }
 
 TEST_F(DocumentCommandTests, ALineOfTheTreeHasPathIdAndText) {
@@ -88,11 +88,11 @@ TEST_F(DocumentCommandTests, TheTreeIsTheOneCommandThatNeedsntBeNamed) {
 
 TEST_F(DocumentCommandTests, APartOfTheTreeCanBeShown) {
     makeSample();
-    EXPECT_EQ(places(document("tree 0/0").out), "Groups/CmnData[0]/CmnData[0] #3\n"
-                                                "Groups/CmnData[0]/CmnData[0]/CmnData[0] #5\n"
-                                                "Groups/CmnData[0]/CmnData[0]/CmnData[1] #6\n"
-                                                "Groups/CmnData[0]/CmnData[0]/CmnData[2] #7\n");
-    EXPECT_EQ(places(document("tree #7").out), "Groups/CmnData[0]/CmnData[0]/CmnData[2] #7\n");
+    EXPECT_EQ(places(document("tree 0/0").out), "Groups/CmnData[0]/CmnData[0] #30\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[0] #32\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[1] #33\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[2] #34\n");
+    EXPECT_EQ(places(document("tree #34").out), "Groups/CmnData[0]/CmnData[0]/CmnData[2] #34\n");
     EXPECT_EQ(document("tree 5").status, 1);
 }
 
@@ -104,19 +104,19 @@ TEST_F(DocumentCommandTests, JsonIsOneObjectALineAndNothingElse) {
     std::istringstream lines(outcome.out);
     for (std::string line; std::getline(lines, line);)
         objects.push_back(nlohmann::json::parse(line));
-    ASSERT_EQ(objects.size(), 4u);
+    ASSERT_EQ(objects.size(), 27u);
     EXPECT_EQ(objects[0]["path"], "Groups");
     EXPECT_EQ(objects[0]["parent"], nullptr);
     EXPECT_EQ(objects[0]["index"], nullptr);
     EXPECT_EQ(objects[1]["class"], "CommonBaseGroupEntity");
     EXPECT_EQ(objects[1]["children"], 2);
     EXPECT_EQ(objects[3]["path"], "Groups/CmnData[0]/CmnData[1]");
-    EXPECT_EQ(objects[3]["id"], 4);
-    EXPECT_EQ(objects[3]["parent"], 2);
+    EXPECT_EQ(objects[3]["id"], 31);
+    EXPECT_EQ(objects[3]["parent"], 29);
     EXPECT_EQ(objects[3]["index"], 1);
     EXPECT_EQ(objects[3]["class"], "CommonBaseEntity");
     EXPECT_EQ(objects[3]["children"], nullptr);
-    EXPECT_EQ(objects[3]["text"], "CommonBaseEntData (base ManagedEntity (base Entity 4) : "
+    EXPECT_EQ(objects[3]["text"], "CommonBaseEntData (base ManagedEntity (base Entity 31) : "
                                   "HasParent: 1) HasClientObject: 0");
     // The flag of the text command does the same.
     std::string const all = document("tree --json").out;
@@ -124,7 +124,7 @@ TEST_F(DocumentCommandTests, JsonIsOneObjectALineAndNothingElse) {
     EXPECT_EQ(document("--json tree /json").out, all);
     EXPECT_EQ(document("--json").out, all);
     // A part of it is told as within the whole.
-    for (char const * const part : {"tree 0/1 --json", "tree #4 --json"}) {
+    for (char const * const part : {"tree 0/1 --json", "tree #31 --json"}) {
         std::string const line = document(part).out;
         ASSERT_FALSE(line.empty());
         EXPECT_NE(all.find('\n' + line), std::string::npos) << line;
@@ -133,10 +133,10 @@ TEST_F(DocumentCommandTests, JsonIsOneObjectALineAndNothingElse) {
 
 TEST_F(DocumentCommandTests, CommandsAreSeparatedByCommasOrThen) {
     makeSample();
-    std::string const answers = "made Groups/CmnData[2] (#8)\n"
+    std::string const answers = "made Groups/CmnData[2] (#35)\n"
                                 "added 2 entities: Groups/CmnData[2]/CmnData[0] to "
                                 "Groups/CmnData[2]/CmnData[1]\n"
-                                "deleted Groups/CmnData[1] (#4)\n"
+                                "deleted Groups/CmnData[1] (#31)\n"
                                 "saved a.vnd\n";
     fs::copy_file("a.vnd", "b.vnd");
     EXPECT_EQ(runConsole({"document", "a.vnd", "make,add 2 2,delete 1"}).out, answers);
@@ -159,12 +159,13 @@ TEST_F(DocumentCommandTests, CommandsAreSeparatedByCommasOrThen) {
 
 TEST_F(DocumentCommandTests, EveryFormOfAPathNamesTheSameEntity) {
     makeSample();
-    for (char const * const path : {"0/0/1", "Groups/CmnData[0]/CmnData[0]/CmnData[1]", "#6",
+    for (char const * const path : {"0/0/1", "Groups/CmnData[0]/CmnData[0]/CmnData[1]", "#33",
                                     "Groups/0/0/1", "CmnData[0]/0/1"}) {
         Outcome const outcome = document(std::string("tree ") + path);
         bool const isPath = path[0] != 'C';
         EXPECT_EQ(outcome.status, isPath ? 0 : 1) << path;
-        EXPECT_EQ(places(outcome.out), isPath ? "Groups/CmnData[0]/CmnData[0]/CmnData[1] #6\n" : "")
+        EXPECT_EQ(places(outcome.out),
+                  isPath ? "Groups/CmnData[0]/CmnData[0]/CmnData[1] #33\n" : "")
             << path;
     }
     for (char const * const path : {".", "Groups", "#1"})
@@ -268,8 +269,8 @@ TEST_F(DocumentCommandTests, NothingIsSavedIfACommandFails) {
     std::string const before = readFile("a.vnd");
     Outcome const outcome = document("make, delete 0, delete 9, make");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.out, "made Groups/CmnData[2] (#8)\n"
-                           "deleted Groups/CmnData[0] (#2) and 4 entities below it\n");
+    EXPECT_EQ(outcome.out, "made Groups/CmnData[2] (#35)\n"
+                           "deleted Groups/CmnData[0] (#29) and 4 entities below it\n");
     EXPECT_EQ(outcome.err,
               "cannot delete: Groups has no child 9: it has 0 to 1\nnothing was saved\n");
     EXPECT_EQ(readFile("a.vnd"), before);
@@ -281,17 +282,17 @@ TEST_F(DocumentCommandTests, AnEntityThatIsMovedIntoItsOwnGroupGoesToTheEnd) {
     makeSample();
     Outcome const outcome = document("move 0/0/0 into 0/0, undo, redo, move 0/0/2 into 0/0");
     EXPECT_EQ(outcome.out, "moved Groups/CmnData[0]/CmnData[0]/CmnData[0] to "
-                           "Groups/CmnData[0]/CmnData[0]/CmnData[2] (#5)\n"
+                           "Groups/CmnData[0]/CmnData[0]/CmnData[2] (#32)\n"
                            "undone: move Groups/CmnData[0]/CmnData[0]/CmnData[0] into "
                            "Groups/CmnData[0]/CmnData[0]\n"
                            "redone: move Groups/CmnData[0]/CmnData[0]/CmnData[0] into "
                            "Groups/CmnData[0]/CmnData[0]\n"
                            "Groups/CmnData[0]/CmnData[0]/CmnData[2] is there already\n"
                            "saved a.vnd\n");
-    EXPECT_EQ(places(document("tree 0/0").out), "Groups/CmnData[0]/CmnData[0] #3\n"
-                                                "Groups/CmnData[0]/CmnData[0]/CmnData[0] #6\n"
-                                                "Groups/CmnData[0]/CmnData[0]/CmnData[1] #7\n"
-                                                "Groups/CmnData[0]/CmnData[0]/CmnData[2] #5\n");
+    EXPECT_EQ(places(document("tree 0/0").out), "Groups/CmnData[0]/CmnData[0] #30\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[0] #33\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[1] #34\n"
+                                                "Groups/CmnData[0]/CmnData[0]/CmnData[2] #32\n");
 }
 
 TEST_F(DocumentCommandTests, NothingIsSavedIfNothingChanged) {
@@ -314,7 +315,7 @@ TEST_F(DocumentCommandTests, AnEmptyPlaceInAGroupIsPassedOver) {
     execute("a.vnd", "UPDATE lists SET items='[2,null,4]' WHERE entity=1;"
                      "DELETE FROM CommonBaseEntity WHERE id=3");
     EXPECT_EQ(document("check").status, 0);
-    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #2\nGroups/CmnData[2] #4\n");
+    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #29\nGroups/CmnData[2] #31\n");
     for (char const * const commands : {"tree 1", "remove 1", "delete 1", "make 1", "tree 1/0",
                                         "move 1 before 0", "move 0 after 1"}) {
         Outcome const outcome = document(commands);
@@ -324,8 +325,8 @@ TEST_F(DocumentCommandTests, AnEmptyPlaceInAGroupIsPassedOver) {
             << commands << outcome.err;
     }
     EXPECT_EQ(document("move 2 before 0, make").status, 0);
-    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #4\nGroups/CmnData[1] #2\n"
-                              "Groups/CmnData[3] #5\n");
+    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #31\nGroups/CmnData[1] #29\n"
+                              "Groups/CmnData[3] #32\n");
 }
 
 TEST_F(DocumentCommandTests, ParentsThatLeadInACircleAreDamage) {
@@ -364,7 +365,7 @@ TEST_F(DocumentCommandTests, ANewDocumentReplacesAFileOnlyByForce) {
     }
     EXPECT_EQ(readFile("a.vnd"), before);
     EXPECT_EQ(document("new /force, make").status, 0);
-    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #2\n");
+    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #29\n");
 }
 
 TEST_F(DocumentCommandTests, WhatWasLeftBesideTheNameOfANewDocumentIsKept) {
@@ -409,7 +410,8 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
                                "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},
         {"check, tree", "vnconsole: check stands alone, and looks at the file\n"},
-        {"make --json", "vnconsole: --json goes with the command show, systems, system or tree\n"},
+        {"make --json", "vnconsole: --json goes with the command show, systems, system, settings, "
+                        "views or tree\n"},
     };
     makeSample();
     std::string const before = readFile("a.vnd");
@@ -514,7 +516,7 @@ TEST_F(DocumentCommandTests, FileNamesMayHaveAnyCharacters) {
         Outcome const made = document("new, make", name);
         EXPECT_EQ(made.status, 0) << name << made.err;
         EXPECT_TRUE(fs::exists(fs::path(std::u8string(name.begin(), name.end())))) << name;
-        EXPECT_EQ(places(document("", name).out), "Groups #1\nGroups/CmnData[0] #2\n") << name;
+        EXPECT_EQ(places(document("", name).out), "Groups #1\nGroups/CmnData[0] #29\n") << name;
         EXPECT_EQ(document("check", name).status, 0) << name;
     }
     EXPECT_EQ(runConsole({"document", "--new", "--", "-x.vnd", "make"}).status, 0);
