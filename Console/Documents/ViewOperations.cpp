@@ -38,7 +38,7 @@ using View = StrongRef<NamedView>;
 
 // A built-in view, and what makes it and has it follow the settings.
 struct BuiltIn {
-    std::wstring const & name;
+    std::wstring name;
     View (*make)(Views const & views);
     void (NamedViews::*synchronize)();
 };

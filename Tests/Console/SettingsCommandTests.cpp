@@ -144,7 +144,7 @@ TEST_F(SettingsCommandTests, RefusalsShowThePlace) {
     EXPECT_EQ(refusal("setting scenUp (0, 1, 0)"),
               "cannot set: there is no setting \"scenUp\"; did you mean sceneUp?\n");
     EXPECT_EQ(refusal("setting sceneBoundRadius 1 CM"),
-              "cannot set sceneBoundRadius: Parse error at character 3: \"CM\" isn't a unit, a "
+              "cannot set sceneBoundRadius: Parse error at character 2: \"CM\" isn't a unit, a "
               "function or a constant\n"
               "  1 CM\n"
               "    ^\n"
