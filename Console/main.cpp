@@ -12,12 +12,12 @@
 int main(int argc, char * argv[]) {
     using namespace Vn::Console;
 
-    std::ios::sync_with_stdio(false);
     Vn::OS::Utf8Streams const streams;
     StandardOutput output;
     std::ostream out(&output);
     int status = ExitBadInput;
     try {
+        std::ios::sync_with_stdio(false);
         status = runProgram(Vn::OS::arguments(argc, argv), std::cin, out, std::cerr);
     } catch (std::bad_alloc const &) {
         std::cerr << "vnconsole: out of memory\n";

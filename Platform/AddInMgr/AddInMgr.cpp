@@ -171,6 +171,7 @@ Status AddInMgr::configure() {
 
 Status AddInMgr::load() {
     std::vector<AddIn *> const all = configured();
+    m_loaded.reserve(all.size()); // what is loaded is noted, whatever happens
     for (AddIn * const addIn : all) {
         EAddInState const state = addIn->state();
         if (state == EAddInState::Refused || state == EAddInState::Loaded) continue;

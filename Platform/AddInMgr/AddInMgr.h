@@ -54,8 +54,8 @@ public:
     void defaultCommonDataServerAddInName(std::wstring const & name);
 
     // Reads the configurations below the root directory, in place of those that were read before.
-    // StatusBusy, with nothing changed, while an add-in is loaded; StatusNotFound if there is no configuration; else the first refusal, that of a core add-in in
-    // preference.
+    // StatusBusy, with nothing changed, while an add-in is loaded; StatusNotFound if there is no
+    // configuration; else the first refusal, that of a core add-in in preference.
     [[nodiscard]] Status configure();
     // Loads what isn't loaded, failed ones too: the module, then its initialisers, then
     // `_GetIAddIn`, then its hook.  Answers the first failure or refusal, that of a core add-in in

@@ -20,6 +20,10 @@ using DataModel::EntityState;
 MigrationHelper::~MigrationHelper() = default;
 void * MigrationHelper::queryMTInterface(MetaType const *) { return nullptr; }
 
+AssetType::AssetType(std::string identifier) : m_identifier(std::move(identifier)) {
+    if (m_identifier.empty()) throw std::invalid_argument("an asset type has an identifier");
+}
+
 StrongRefCreator<Asset> Asset::make(AssetType const * type) {
     return StrongRefCreator<Asset>(new Asset(type));
 }

@@ -33,8 +33,9 @@ class EntityTable;
 // A kind of document.
 class VN_DATAMODEL_API AssetType {
 public:
-    // By its identifier, such as the name of the application's documents.
-    explicit AssetType(std::string identifier) : m_identifier(std::move(identifier)) {}
+    // By its identifier, such as the name of the application's documents.  Throws
+    // std::invalid_argument if that is empty, since an add-in that serves no type has an empty one.
+    explicit AssetType(std::string identifier);
     // What the constructor was given.
     std::string const & identifier() const noexcept { return m_identifier; }
 

@@ -78,6 +78,7 @@ private:
 
 // Collects which nodes changed, and tells them once, to the observers of the nearest group that has
 // some: the node itself or one above it.  A node that stands in no such group is told to nobody.
+// Costs the way up from the nodes to these groups, each part of which is gone once.
 class VRX_API NodeChanges {
 public:
     NodeChanges() noexcept = default;

@@ -142,6 +142,46 @@ TEST(OSTests, ModuleIsLoadedFromADirectoryOfAnyName) {
         << missing.toString();
 }
 
+TEST(OSTests, TheProcessTellsWhichModulesItHas) {
+    EXPECT_FALSE(Module::isInProcess(c_module));
+    Module first;
+    ASSERT_TRUE(first.load(c_module).ok());
+    EXPECT_TRUE(Module::isInProcess(c_module));
+    {
+        Module second;
+        ASSERT_TRUE(second.load(c_module).ok());
+        first.unload();
+        EXPECT_TRUE(Module::isInProcess(c_module));
+    }
+    EXPECT_FALSE(Module::isInProcess(c_module));
+    EXPECT_FALSE(Module::isInProcess(""));
+    EXPECT_FALSE(Module::isInProcess("noSuchModule"));
+}
+
+TEST(OSTests, TheLibrariesStandInOneDirectory) {
+    std::filesystem::path const directory = Vn::OS::libraryDirectory();
+    ASSERT_TRUE(directory.is_absolute());
+    EXPECT_EQ(directory, std::filesystem::canonical(c_module).parent_path());
+}
+
+// What was copied by half would be mapped to the end.
+TEST(OSTests, AModuleThatIsCutOffIsNotLoaded) {
+    Vn::Testing::TemporaryDirectory const directory;
+    auto const file = directory.path() / c_module.filename();
+    auto const size = std::filesystem::file_size(c_module);
+    for (auto const part : {size - size / 4, size / 2, size / 8, std::uintmax_t{600},
+                            std::uintmax_t{100}, std::uintmax_t{63}, std::uintmax_t{1}}) {
+        std::filesystem::remove(file);
+        std::filesystem::copy_file(c_module, file);
+        std::filesystem::resize_file(file, part);
+        Module module;
+        // Some of the end isn't needed.
+        Vn::Status const status = module.load(file);
+        if (part < size / 2) EXPECT_FALSE(status) << part;
+        EXPECT_EQ(module.isLoaded(), status.ok()) << part;
+    }
+}
+
 TEST(OSTests, MissingModuleIsNotFound) {
     Module module;
     Vn::Status const status = module.load(c_module.parent_path() / "noSuchModule.so");

@@ -23,6 +23,7 @@ protected:
     ~PathInfoTests() override {
         PathInfo::optionsDirectory(m_before);
         PathInfo::rootDirectory(L"");
+        PathInfo::modulesDirectory(L"");
     }
 
 private:
@@ -52,6 +53,22 @@ TEST_F(PathInfoTests, TheRootIsAboveTheProgram) {
     std::wstring const text = PathInfo::rootDirectory(true);
     EXPECT_EQ(text.back(), L'/');
     EXPECT_NE(text[text.size() - 2], L'/');
+}
+
+TEST_F(PathInfoTests, ModulesStandBesideTheLibraries) {
+    EXPECT_EQ(PathInfo::fromText(PathInfo::modulesDirectory(false)), OS::libraryDirectory());
+    Testing::TemporaryDirectory const directory;
+    std::wstring const text = PathInfo::toText(directory.path());
+    PathInfo::modulesDirectory(text);
+    EXPECT_EQ(PathInfo::modulesDirectory(true), text + L"/");
+    PathInfo::modulesDirectory(static_cast<wchar_t const *>(nullptr));
+    EXPECT_EQ(PathInfo::fromText(PathInfo::modulesDirectory(false)), OS::libraryDirectory());
+}
+
+// In the build tree the root is the same from the program and from the libraries.
+TEST_F(PathInfoTests, TheInstalledRootIsFoundFromTheLibraries) {
+    EXPECT_EQ(fs::canonical(PathInfo::fromText(PathInfo::installedRoot())),
+              fs::canonical(PathInfo::fromText(PathInfo::rootDirectory(false))));
 }
 
 TEST_F(PathInfoTests, AnyPathHasAText) {

@@ -143,10 +143,10 @@ TEST_F(SceneCommandTests, NodesOfEntitiesComeAfterTheBackground) {
     std::string const text = out.str();
     EXPECT_EQ(
         text.substr(text.find("  group")),
-        "  group             #1      -            0 0.5 0 1\n"
+        "  group               #1      -            0 0.5 0 1\n"
         "    geometry          -       1 0.1 0 0.5  1 0.1 0 0.5  0        3         1          "
         "(0, 0, 0) to (0.1, 0.1, 0)\n"
-        "                                                      1 2      3         1          "
+        "                                                        1 2      3         1          "
         "(0, 0, 0) to (0, 0, 0)\n"
         "    geometry, hidden  -       -            0 0.5 0 1\n");
     out.str({});

@@ -189,7 +189,7 @@ bool const s_bReplaced = [] {
     replaceIn(GetModuleHandleA(nullptr));
     for (char const * const name :
          {"libstdc++-6.dll", "VnBase10.dll", "tg218A.dll", "VnTypes10.dll", "VnDataModel10.dll",
-          "VnSqlite3.dll", "VnCommonData10.dll"})
+          "Vrx.dll", "VnScene10.dll", "VnSqlite3.dll", "VnCommonData10.dll"})
         if (HMODULE const module = GetModuleHandleA(name)) replaceIn(module);
     return true;
 }();

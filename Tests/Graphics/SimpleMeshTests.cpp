@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "Tests/Support/Exactly.h"
+
 namespace Vrx::Devices {
 
 namespace {
@@ -87,8 +89,8 @@ TEST(SimpleMeshTests, BoundsAreThoseOfTheVerticesThatAreDrawnAndFinite) {
              {0, 1, 2, 3, 5, 1'000});
     auto const bounds = made->bounds();
     ASSERT_TRUE(bounds);
-    EXPECT_EQ(bounds->low, TgPoint3d(-4, 2, -8));
-    EXPECT_EQ(bounds->high, TgPoint3d(1, 7, 6));
+    EXPECT_EQ(exactly(bounds->low), exactly(TgPoint3d(-4, 2, -8)));
+    EXPECT_EQ(exactly(bounds->high), exactly(TgPoint3d(1, 7, 6)));
 }
 
 TEST(SimpleMeshTests, AMeshWithoutAnythingFiniteHasNoBounds) {
@@ -102,14 +104,14 @@ TEST(SimpleMeshTests, AGivenBoxIsKeptIfItIsOne) {
     BoundingBox const box{{-1, -1, -1}, {1, 2, 3}};
     StrongRef<SimpleMesh> const made = mesh(PrimitiveTriangles, {9, 9, 9}, {0}, &box);
     ASSERT_TRUE(made->box());
-    EXPECT_EQ(made->bounds()->high, TgPoint3d(1, 2, 3));
+    EXPECT_EQ(exactly(made->bounds()->high), exactly(box.high));
 
     for (BoundingBox const & bad :
          {BoundingBox{{1, 0, 0}, {0, 1, 1}}, BoundingBox{{0, c_nan, 0}, {1, 1, 1}},
           BoundingBox{{0, 0, 0}, {1, 1, c_infinite}}}) {
         StrongRef<SimpleMesh> const other = mesh(PrimitiveTriangles, {9, 9, 9}, {0}, &bad);
         EXPECT_EQ(other->box(), nullptr);
-        EXPECT_EQ(other->bounds()->low, TgPoint3d(9, 9, 9));
+        EXPECT_EQ(exactly(other->bounds()->low), exactly(TgPoint3d(9, 9, 9)));
     }
 }
 

@@ -41,7 +41,7 @@ install(DIRECTORY Platform Server DESTINATION "${VN_INSTALL_HEADERS}" COMPONENT 
   FILES_MATCHING PATTERN "*.h"
   PATTERN "*Internal.h" EXCLUDE
   REGEX "/Platform/DataModel/(File|Log)$" EXCLUDE
-  PATTERN "AddIn" EXCLUDE
+  PATTERN "LoadOrder.h" EXCLUDE
   PATTERN "Configuration" EXCLUDE)
 # Tables that public headers are made of.
 foreach(table IN ITEMS Expressions/Functions.inc Expressions/Tokens.inc Units/UnitCatalogue.inc

@@ -4,5 +4,7 @@ file(GLOB data "${CPACK_TEMPORARY_DIRECTORY}/*/usr/Server")
 foreach(directory IN LISTS data)
   cmake_path(GET directory PARENT_PATH usr)
   file(MAKE_DIRECTORY "${usr}/share/VnCommonData10")
+  file(CHMOD "${usr}/share" "${usr}/share/VnCommonData10" DIRECTORY_PERMISSIONS
+       OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
   file(RENAME "${directory}" "${usr}/share/VnCommonData10/Server")
 endforeach()

@@ -40,6 +40,9 @@ function(vn_offer_headers name)
   target_include_directories(${name} INTERFACE
     "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>" "$<INSTALL_INTERFACE:${VN_INSTALL_HEADERS}>")
   target_compile_features(${name} INTERFACE cxx_std_20)
+  # Modules of others can be unloaded; unique symbols would keep them.
+  target_compile_options(${name} INTERFACE
+    "$<INSTALL_INTERFACE:$<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>>")
 endfunction()
 
 # Exports what the map of the linker says.

@@ -46,7 +46,12 @@ NamedView::~NamedView() = default;
 StrongRefCreator<NamedView> NamedView::make(StrongRef<NamedViews> const & views,
                                             std::wstring const & name,
                                             StrongRef<Camera> const & camera) {
-    if (!views || views->find(name)) return nullptr;
+    return views && !views->find(name) ? makeFree(views, name, camera) : nullptr;
+}
+
+StrongRefCreator<NamedView> NamedView::makeFree(StrongRef<NamedViews> const & views,
+                                                std::wstring const & name,
+                                                StrongRef<Camera> const & camera) {
     return create(PassiveRef<Entity>(views), name, camera);
 }
 

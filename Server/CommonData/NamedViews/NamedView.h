@@ -18,6 +18,10 @@ namespace Vn::Scene {
 class Camera;
 }
 
+namespace Vn::CommonData {
+class NewNamedViewRequest;
+}
+
 namespace Vn::NameView {
 
 class NamedViews;
@@ -78,8 +82,13 @@ protected:
     NamedView(Segment * segment, unsigned long long id);
 
 private:
+    friend class CommonData::NewNamedViewRequest;
     friend class Managed::PersistedAccess;
 
+    // As `make` of a name that is known to be free, which saves a walk over all views.
+    static StrongRefCreator<NamedView> makeFree(StrongRef<NamedViews> const & views,
+                                                std::wstring const & name,
+                                                StrongRef<Scene::Camera> const & camera);
     void initializeMemberSet(unsigned version, MemberSet * set);
     static Status setName(NamedView & view, std::wstring const & name);
     void assignName(std::wstring name);

@@ -61,7 +61,8 @@ void NewNamedViewRequest::onExecute(Status & status) {
     StrongRef<Camera> const camera = Camera::make(views->segment());
     if (!camera) return;
     NameView::copyCamera(m_rCamera, camera);
-    static_cast<void>(NamedView::make(views, views->generateNamedViewName(c_newName), camera));
+    std::wstring const name = views->generateNamedViewName(c_newName);
+    static_cast<void>(NamedView::makeFree(views, name, camera));
 }
 
 DeleteNamedViewRequest::DeleteNamedViewRequest(Asset * asset, std::wstring const & name)

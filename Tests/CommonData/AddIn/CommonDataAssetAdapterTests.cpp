@@ -1,5 +1,6 @@
 #include "Server/CommonData/AddIn/CommonDataAssetAdapter.h"
 
+#include <cstdint>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -11,8 +12,11 @@
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/Segment.h"
+#include "Platform/Graphics/LODGeometryNode.h"
 #include "Platform/Graphics/RenderNode.h"
+#include "Platform/Graphics/SimpleMesh.h"
 #include "Platform/Scene/INodeSource.h"
+#include "Platform/Types/Color.h"
 #include "Server/CommonData/Managed/CommonBaseEntity.h"
 #include "Server/CommonData/Managed/CommonBaseGroupEntity.h"
 #include "Server/CommonData/Managed/CommonBaseRootCollection.h"
@@ -230,6 +234,48 @@ TEST_F(CommonDataAssetAdapterTests, WithoutRootsTheBackgroundIsTheOnlyChild) {
     EXPECT_EQ(scene()->children(), 1U);
     EXPECT_FALSE(m_rAsset->isDirty());
     EXPECT_EQ(m_rAsset->history().undoSteps(), 0U);
+}
+
+TEST_F(CommonDataAssetAdapterTests, TheBackgroundIsAsItIsDefinedToTheDigit) {
+    equip();
+    EXPECT_EQ(scene()->world(), 1);
+    EXPECT_TRUE(scene()->visible());
+    ASSERT_NE(scene()->effect(), nullptr);
+    EXPECT_EQ(scene()->effect()->color, Color(0, 0.5F, 0, 1));
+    EXPECT_FALSE(scene()->effect()->overrides);
+    EXPECT_EQ(scene()->effect()->layer, 0);
+
+    auto const * const node = scene()->child(0)->asGeometry();
+    ASSERT_NE(node, nullptr);
+    ASSERT_NE(node->effect(), nullptr);
+    EXPECT_EQ(node->effect()->color, Color(1, 1, 1, 1));
+    Vrx::Devices::SimpleMesh const * const mesh = node->mesh();
+    ASSERT_NE(mesh, nullptr);
+    for (unsigned level = 1; level < node->c_levels; ++level) EXPECT_EQ(node->mesh(level), mesh);
+    EXPECT_EQ(mesh->primitiveType(), 4);
+    EXPECT_EQ(mesh->box(), nullptr);
+
+    Vrx::Devices::VertexBuffer const & vertices = *mesh->vertexBuffer();
+    EXPECT_EQ(vertices.usage(), 0);
+    EXPECT_EQ(vertices.access(), 3);
+    EXPECT_EQ(vertices.state(), 2);
+    std::vector<float> const expected = {
+        -8.75F, -8.22F, -0.01F, 0, 0, 1, 0, 1, // position, normal, texture
+        8.75F,  -8.22F, -0.01F, 0, 0, 1, 1, 1, //
+        8.75F,  8.22F,  -0.01F, 0, 0, 1, 1, 0, //
+        -8.75F, 8.22F,  -0.01F, 0, 0, 1, 0, 0};
+    EXPECT_EQ(std::vector<float>(vertices.numbers().begin(), vertices.numbers().end()), expected);
+    Vrx::Devices::IndexBuffer const & indices = *mesh->indexBuffer();
+    std::vector<std::uint32_t> found;
+    for (std::size_t i = 0; i < indices.indices(); ++i) found.push_back(indices.index(i));
+    EXPECT_THAT(found, ElementsAre(0, 1, 2, 2, 3, 0));
+}
+
+TEST_F(CommonDataAssetAdapterTests, ContentWithoutAColorShowsInThatOfTheRoot) {
+    StrongRef<Shown> const source = shown();
+    addRoot(source, "a");
+    equip();
+    EXPECT_EQ(source->m_rNode->effectiveColor(), Color(0, 0.5F, 0, 1));
 }
 
 TEST_F(CommonDataAssetAdapterTests, RootsAreShownInTheirOrderAfterTheBackground) {

@@ -2,6 +2,7 @@
 // program doesn't link the module.
 
 #include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -132,13 +133,16 @@ TEST(AddInLoadOrderTests, WhatRegisteredLeavesInReverse) {
         ASSERT_TRUE(module.load(VN_COMMON_DATA_MODULE).ok());
         module.unload();
         EXPECT_FALSE(OS::Module::isInProcess(VN_COMMON_DATA_MODULE));
-        std::vector<std::string> joined = lines(log, EEvent::Joins);
         // What is no object of a registry takes nothing back.
-        std::erase_if(joined, [](std::string const & line) {
-            return line.starts_with("static ") || line.starts_with("add-in ");
-        });
-        std::reverse(joined.begin(), joined.end());
-        EXPECT_EQ(lines(log, EEvent::Leaves), joined);
+        auto const isRegistered = [](std::string const & line) {
+            return !line.starts_with("static ") && !line.starts_with("add-in ");
+        };
+        std::vector<std::string> joined;
+        std::ranges::copy_if(lines(log, EEvent::Joins), std::back_inserter(joined), isRegistered);
+        std::ranges::reverse(joined);
+        std::vector<std::string> left;
+        std::ranges::copy_if(lines(log, EEvent::Leaves), std::back_inserter(left), isRegistered);
+        EXPECT_EQ(left, joined);
     });
 }
 

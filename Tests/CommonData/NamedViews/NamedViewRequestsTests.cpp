@@ -243,20 +243,19 @@ struct PasteRow {
 };
 
 TEST_F(NamedViewRequestsTests, PathsAreMovedOneByOneNextToTheTarget) {
-    PasteRow const rows[] = {
-        {{0, 1}, 2, true, L"TBAx"},  // T stands for the target
-        {{0, 1}, 2, false, L"ABTx"}, // where they are already
-        {{3, 0}, 2, false, L"BxAT"}, {{3, 0}, 2, true, L"BTAx"}, {{0, 1, 3}, 2, false, L"ABxT"},
-        {{1, 0}, 2, false, L"BATx"}, {{2}, 2, true, L"ABTx"},    {{2, 0}, 2, false, L"BATx"},
-        {{0, 0}, 2, true, L"BTAx"}};
+    PasteRow const rows[] = {{{0, 1}, 2, true, L"TBAx"},  // T stands for the target
+                             {{0, 1}, 2, false, L"ABTx"}, // where they are already
+                             {{3, 0}, 2, false, L"BxAT"},    {{3, 0}, 2, true, L"BTAx"},
+                             {{0, 1, 3}, 2, false, L"ABxT"}, {{1, 0}, 2, false, L"BATx"},
+                             {{2}, 2, true, L"ABTx"},        {{2, 0}, 2, false, L"BATx"},
+                             {{0, 0}, 2, true, L"BTAx"}};
     for (PasteRow const & row : rows) {
         ViewDocument const document;
         for (wchar_t const * const name : {L"A", L"B", L"T", L"x"}) document.make(name);
         std::vector<ObjectPath> paths;
         for (unsigned const index : row.moved) paths.push_back(document.path(index));
-        document.run(NamedViewPasteRequest::make(&document.asset(), paths,
-                                                 document.path(row.target), row.insertAfter, true,
-                                                 true));
+        document.run(NamedViewPasteRequest::make(
+            &document.asset(), paths, document.path(row.target), row.insertAfter, true, true));
         std::wstring names;
         for (std::wstring const & name : document.names()) names += name;
         EXPECT_EQ(names, row.expected);
@@ -277,8 +276,10 @@ TEST_F(NamedViewRequestsTests, APasteOntoAGroupOrNowhereChangesNothing) {
     ObjectPath const group(m_document.segment(), {Onk(L"NamedViews")});
     ObjectPath const beyond(m_document.segment(), {Onk(L"NamedViews"), Onk(L"CmnData", 7)});
     for (ObjectPath const & target : {group, beyond, ObjectPath()}) {
-        runInVain(NamedViewPasteRequest::make(asset, {m_document.path(0)}, target, true, true, true));
-        runInVain(NamedViewPasteRequest::make(asset, {target}, m_document.path(1), true, true, true));
+        runInVain(
+            NamedViewPasteRequest::make(asset, {m_document.path(0)}, target, true, true, true));
+        runInVain(
+            NamedViewPasteRequest::make(asset, {target}, m_document.path(1), true, true, true));
     }
 }
 
@@ -296,10 +297,10 @@ TEST_F(NamedViewRequestsTests, APathIntoAnotherDocumentIsPassedOver) {
     make({L"a", L"b", L"c"});
     ViewDocument const other(ViewDocument::BuiltIn);
     Asset * const asset = &m_document.asset();
-    runInVain(NamedViewPasteRequest::make(asset, {other.path(0)}, m_document.path(1), true, true,
-                                          true));
-    runInVain(NamedViewPasteRequest::make(asset, {m_document.path(0)}, other.path(1), true, true,
-                                          true));
+    runInVain(
+        NamedViewPasteRequest::make(asset, {other.path(0)}, m_document.path(1), true, true, true));
+    runInVain(
+        NamedViewPasteRequest::make(asset, {m_document.path(0)}, other.path(1), true, true, true));
     runInVain(NamedViewPasteRequest::make(asset, {other.path(0)}, other.path(2), true, true, true));
     EXPECT_EQ(other.names(), (Names{L"TOP", L"FRONT", L"RIGHT", L"HOME"}));
     m_document.run(NamedViewPasteRequest::make(asset, {other.path(0), m_document.path(0)},
@@ -389,10 +390,11 @@ class ThrowingHookTests : public testing::TestWithParam<RequestRow> {};
 INSTANTIATE_TEST_SUITE_P(
     Requests, ThrowingHookTests,
     testing::Values(
-        RequestRow{"New",
-                   [](ViewDocument const & document, StrongRef<Camera> const & camera) -> Request * {
-                       return NewNamedViewRequest::make(&document.asset(), camera);
-                   }},
+        RequestRow{
+            "New",
+            [](ViewDocument const & document, StrongRef<Camera> const & camera) -> Request * {
+                return NewNamedViewRequest::make(&document.asset(), camera);
+            }},
         RequestRow{"Delete",
                    [](ViewDocument const & document, StrongRef<Camera> const &) -> Request * {
                        return DeleteNamedViewRequest::make(&document.asset(), L"b");
@@ -403,9 +405,9 @@ INSTANTIATE_TEST_SUITE_P(
                    }},
         RequestRow{"Paste",
                    [](ViewDocument const & document, StrongRef<Camera> const &) -> Request * {
-                       return NamedViewPasteRequest::make(
-                           &document.asset(), {document.path(0), document.path(1)},
-                           document.path(2), true, true, true);
+                       return NamedViewPasteRequest::make(&document.asset(),
+                                                          {document.path(0), document.path(1)},
+                                                          document.path(2), true, true, true);
                    }}),
     [](auto const & row) { return std::string(row.param.name); });
 

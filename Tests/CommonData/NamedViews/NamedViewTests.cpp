@@ -95,8 +95,7 @@ TEST_F(NamedViewTests, AViewWithoutACameraIsTaken) {
 
 TEST_F(NamedViewTests, ACameraOfAnotherDocumentIsNotTaken) {
     ViewDocument const other;
-    StrongRef<NamedView> const view =
-        NamedView::make(m_document.views(), L"a", other.camera(3));
+    StrongRef<NamedView> const view = NamedView::make(m_document.views(), L"a", other.camera(3));
     EXPECT_FALSE(view->camera());
     view->camera(m_document.camera(4));
     view->camera(other.camera(5));
@@ -204,7 +203,7 @@ TEST_F(NamedViewTests, CamerasHoldOddNumbers) {
     constexpr double c_infinity = std::numeric_limits<double>::infinity();
     StrongRef<Camera> const source = m_document.camera(0);
     CameraValues odd;
-    odd.m_values = {std::nan(""), c_infinity, -c_infinity, 1e308, -1e308, 5e-324,
+    odd.m_values = {std::nan(""), c_infinity, -c_infinity, 1e308, -1e308,      5e-324,
                     -0.0,         0.0,        1e-300,      -0.0,  std::nan("")};
     odd.applyTo(*source);
     CameraValues const taken(*source); // -0 is 0 to a setter
@@ -335,9 +334,7 @@ TEST_P(SilentSetterTests, StaysWhenItsTransactionIsAborted) {
 }
 
 TEST_P(SilentSetterTests, StaysOnAViewThatIsUnmadeAndComesBack) {
-    m_document.step([&] {
-        m_rView = m_document.make(L"Second", 2);
-    });
+    m_document.step([&] { m_rView = m_document.make(L"Second", 2); });
     set();
     m_document.undo();
     m_document.redo();

@@ -110,8 +110,8 @@ TEST_F(NamedViewsDocumentTests, SettingsWithoutViewsLeaveRequestsWithoutEffect) 
     StrongRef<Asset> asset;
     ASSERT_TRUE(DocumentFile::load(m_file.path(), nullptr, asset));
     asset->adapter(std::make_unique<AssetAdapter>(asset.get()));
-    EXPECT_TRUE(asset->run(
-        std::unique_ptr<Request>(DeleteNamedViewRequest::make(asset.get(), L"TOP"))));
+    EXPECT_TRUE(
+        asset->run(std::unique_ptr<Request>(DeleteNamedViewRequest::make(asset.get(), L"TOP"))));
     EXPECT_FALSE(asset->history().canUndo());
     EXPECT_FALSE(asset->isDirty());
 }
@@ -166,8 +166,8 @@ TEST_F(ManyViewsTests, AHundredThousandViews) {
     EXPECT_EQ(document.view(c_count)->name(), L"NamedView_100000");
     document.run(DeleteNamedViewRequest::make(asset, L"NamedView_500"));
     EXPECT_EQ(views->generateNamedViewName(L"NamedView"), L"NamedView_500");
-    document.run(NamedViewPasteRequest::make(asset, {document.path(c_count - 1)},
-                                             document.path(0), false, true, true));
+    document.run(NamedViewPasteRequest::make(asset, {document.path(c_count - 1)}, document.path(0),
+                                             false, true, true));
     EXPECT_EQ(document.view(0)->name(), L"NamedView_100000");
     while (document.history().canUndo()) document.undo();
     EXPECT_EQ(views->children(), c_count);

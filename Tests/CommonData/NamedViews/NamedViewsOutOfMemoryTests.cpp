@@ -34,8 +34,7 @@ void run(ViewDocument const & document, Request * request) {
     static_cast<void>(document.asset().run(std::unique_ptr<Request>(request)));
 }
 
-class NamedViewsOutOfMemoryTests
-    : public testing::TestWithParam<std::tuple<Operation, bool>> {};
+class NamedViewsOutOfMemoryTests : public testing::TestWithParam<std::tuple<Operation, bool>> {};
 
 INSTANTIATE_TEST_SUITE_P(
     Operations, NamedViewsOutOfMemoryTests,
@@ -51,8 +50,8 @@ INSTANTIATE_TEST_SUITE_P(
                       }},
             Operation{"Rename",
                       [](ViewDocument const & document, StrongRef<Camera> const &) {
-                          run(document, UpdateNamedViewNameRequest::make(&document.asset(), c_long,
-                                                                         c_other));
+                          run(document,
+                              UpdateNamedViewNameRequest::make(&document.asset(), c_long, c_other));
                       }},
             Operation{"Paste",
                       [](ViewDocument const & document, StrongRef<Camera> const &) {

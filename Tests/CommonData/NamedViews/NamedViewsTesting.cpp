@@ -18,10 +18,9 @@
 namespace Vn::NameView {
 
 CameraValues::CameraValues(Camera const & camera)
-    : m_values{camera.position().x,    camera.position().y,    camera.position().z,
-               camera.target().x,      camera.target().y,      camera.target().z,
-               camera.up().x,          camera.up().y,          camera.up().z,
-               camera.extentsWidth(),  camera.extentsHeight()} {}
+    : m_values{camera.position().x, camera.position().y,   camera.position().z,   camera.target().x,
+               camera.target().y,   camera.target().z,     camera.up().x,         camera.up().y,
+               camera.up().z,       camera.extentsWidth(), camera.extentsHeight()} {}
 
 CameraValues::CameraValues(double seed) {
     for (double & value : m_values) value = seed += 0.25;
@@ -38,8 +37,7 @@ void CameraValues::applyTo(Camera & camera) const {
 bool operator==(CameraValues const & a, CameraValues const & b) noexcept {
     return std::equal(a.m_values.begin(), a.m_values.end(), b.m_values.begin(),
                       [](double x, double y) {
-                          return std::isnan(x) ? std::isnan(y)
-                                               : std::memcmp(&x, &y, sizeof x) == 0;
+                          return std::isnan(x) ? std::isnan(y) : std::memcmp(&x, &y, sizeof x) == 0;
                       });
 }
 
@@ -48,7 +46,8 @@ void PrintTo(CameraValues const & values, std::ostream * out) {
 }
 
 void PrintTo(ViewState const & state, std::ostream * out) {
-    *out << '"' << Text::toUtf8(state.name.substr(0, 40)) << '"' << (state.isFixed ? " fixed " : " ");
+    *out << '"' << Text::toUtf8(state.name.substr(0, 40)) << '"'
+         << (state.isFixed ? " fixed " : " ");
     if (state.hasCamera)
         PrintTo(state.camera, out);
     else

@@ -207,10 +207,35 @@ std::wstring oneByOne(NamedViews const & views, std::wstring const & base) {
 }
 
 TEST_F(NamedViewsTests, GenerateNamedViewNameAgreesWithTryingOneByOne) {
-    make({L"a", L"a_1", L"a_2", L"a_4", L"a_02", L"a_+3", L"a_3 ", L"a_-1", L"a_0", L"a_", L"_1",
-          L"", L"a_1_1", L"a_1_2", L"a_2_1", L"a_18446744073709551617", L"a_4294967299", L"a_9",
-          L"a_10", L"A", L"%1%_%2%", L"%1%_%2%_1", L"a/b[2]", L"a/b[2]_1", L"a_\u0663", L"_", L"__1",
-          std::wstring(1, L'\0'), std::wstring(L"\0_1", 3)});
+    make({L"a",
+          L"a_1",
+          L"a_2",
+          L"a_4",
+          L"a_02",
+          L"a_+3",
+          L"a_3 ",
+          L"a_-1",
+          L"a_0",
+          L"a_",
+          L"_1",
+          L"",
+          L"a_1_1",
+          L"a_1_2",
+          L"a_2_1",
+          L"a_18446744073709551617",
+          L"a_4294967299",
+          L"a_9",
+          L"a_10",
+          L"A",
+          L"%1%_%2%",
+          L"%1%_%2%_1",
+          L"a/b[2]",
+          L"a/b[2]_1",
+          L"a_\u0663",
+          L"_",
+          L"__1",
+          std::wstring(1, L'\0'),
+          std::wstring(L"\0_1", 3)});
     for (std::wstring const & base :
          Names{L"a", L"a_", L"a_1", L"a_2", L"A", L"", L"_", L"%1%_%2%", L"a/b[2]", L"b", L"a_4",
                std::wstring(1, L'\0'), L"__", L"a_10", L"a_9"})
@@ -415,8 +440,8 @@ TEST_F(NamedViewsTests, SynchronisationWritesTargetPositionUp) {
         Recorder ofView(*view);
         recorder.m_onPost = [&](DataChange *) {
             CameraValues const now(*written);
-            auto const differs = std::mismatch(now.m_values.begin(), now.m_values.end(),
-                                               last.m_values.begin());
+            auto const differs =
+                std::mismatch(now.m_values.begin(), now.m_values.end(), last.m_values.begin());
             order.push_back(static_cast<std::size_t>(differs.first - now.m_values.begin()) / 3);
             last = now;
         };

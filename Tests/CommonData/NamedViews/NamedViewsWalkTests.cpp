@@ -172,8 +172,8 @@ private:
     }
 
     std::wstring anyName() {
-        static wchar_t const * const c_names[] = {L"NamedView", L"NamedView_1", L"TOP", L"a",
-                                                  L"a_1",       L"",            L"%1%_%2%"};
+        static wchar_t const * const c_names[] = {
+            L"NamedView", L"NamedView_1", L"TOP", L"a", L"a_1", L"", L"%1%_%2%"};
         if (below(3) == 0 || present().views.empty()) return c_names[below(7)];
         return present().views[below(static_cast<unsigned>(present().views.size()))].name;
     }
@@ -209,7 +209,8 @@ private:
             // A camera of the document, since making another would end the history.
             StrongRef<Camera> source;
             if (!after.views.empty())
-                source = m_document.view(below(static_cast<unsigned>(after.views.size())))->camera();
+                source =
+                    m_document.view(below(static_cast<unsigned>(after.views.size())))->camera();
             if (source)
                 after.views.push_back({0, after.freeName(L"NamedView"), CameraValues(*source)});
             m_document.run(NewNamedViewRequest::make(asset, source));
@@ -248,18 +249,16 @@ private:
         bool const isReorder = below(6) != 0;
         std::vector<ObjectPath> paths;
         for (unsigned const place : places) paths.push_back(m_document.path(place));
-        m_document.run(NamedViewPasteRequest::make(&m_document.asset(), paths,
-                                                   m_document.path(target), isAfter, true,
-                                                   isReorder));
+        m_document.run(NamedViewPasteRequest::make(
+            &m_document.asset(), paths, m_document.path(target), isAfter, true, isReorder));
         if (!isReorder) return;
         std::vector<Model::View> const before = after.views;
         for (unsigned const place : places) {
             if (place == target) continue;
             Model::View const moved = before[place];
             std::erase_if(after.views, [&](auto const & view) { return view.id == moved.id; });
-            auto at = std::find_if(after.views.begin(), after.views.end(), [&](auto const & view) {
-                return view.id == before[target].id;
-            });
+            auto at = std::find_if(after.views.begin(), after.views.end(),
+                                   [&](auto const & view) { return view.id == before[target].id; });
             after.views.insert(isAfter ? at + 1 : at, moved);
         }
     }
@@ -342,9 +341,9 @@ private:
             double const width = view->camera.m_values[9];
             double const height = view->camera.m_values[10];
             // Adding 0 makes -0 a plain zero.
-            view->camera.m_values = {0,           0,       0,       target.x + 0, target.y + 0,
-                                     target.z + 0, newUp.x, newUp.y, newUp.z,      width,
-                                     height};
+            view->camera.m_values = {
+                0,       0,       0,       target.x + 0, target.y + 0, target.z + 0,
+                newUp.x, newUp.y, newUp.z, width,        height};
         };
         switch (below(4)) {
         case 0:
