@@ -71,9 +71,10 @@ std::wstring findUnitSystem(Segment * segment, std::optional<std::wstring> const
         system = all.front();
         return {};
     }
+    std::string const key = id ? Text::toUtf8(*id) : std::string();
     std::vector<std::wstring> ids;
     for (StrongRef<UnitSystem> const & each : all) {
-        if (id && each->id() == Text::toUtf8(*id)) {
+        if (id && each->id() == key) {
             system = each;
             return {};
         }

@@ -113,6 +113,8 @@ struct CameraValues {
     TgVector3d up;
     double width = 0;
     double height = 0;
+
+    bool operator==(CameraValues const &) const = default;
 };
 
 CameraValues valuesOf(Camera const & camera) {
@@ -317,13 +319,15 @@ Result updateView(DocumentSession & session, Parameters const & parameters) {
     if (why.empty()) why = readAim(session, parameters, 1, aim);
     if (why.empty() && aim.isEmpty()) why = L"from VIEW, position P, target P or up V is needed";
     if (!why.empty()) return cannot(task, why);
-    CameraValues values = valuesOf(*view->camera());
+    CameraValues const before = valuesOf(*view->camera());
+    CameraValues values = before;
     aim.applyTo(values);
-    bool const isStep = session.change(L"update the view " + inQuotes(name), [&] {
+    // Asked beforehand, since a camera that comes and goes would be a step.
+    if (values == before) return {0, L"the view " + inQuotes(name) + L" is so already"};
+    session.change(L"update the view " + inQuotes(name), [&] {
         views->updateNamedViewCamera(name, makeCamera(session.design(), values));
     });
-    return {0, isStep ? L"updated the view " + inQuotes(name)
-                      : L"the view " + inQuotes(name) + L" is so already"};
+    return {0, L"updated the view " + inQuotes(name)};
 }
 
 Result renameView(DocumentSession & session, Parameters const & parameters) {
@@ -447,6 +451,7 @@ Result restoreViews(DocumentSession & session, Parameters const & parameters) {
     if (!why.empty()) return cannot(task, why);
 
     Views const before = viewsOf(session.design());
+    if (!before) wanted = builtIns(); // which come together
     std::wstring restored;
     std::wstring taken;
     for (BuiltIn const & each : wanted) {

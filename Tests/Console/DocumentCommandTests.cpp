@@ -60,11 +60,11 @@ TEST_F(DocumentCommandTests, EachCommandSaysWhatItDid) {
 }
 
 TEST_F(DocumentCommandTests, AnotherProcessFindsTheSameTree) {
-    Outcome const made = document("new, make, make 0, make, add 0/0 3, move 1 before 0, tree");
+    Outcome const made = document("new, make, make 0, make, add 0/0 3, move 1 before 0, tree .");
     ASSERT_EQ(made.status, 0);
     std::size_t const begin = made.out.find("Groups  #1");
     std::string const shown = made.out.substr(begin, made.out.find("saved a.vnd") - begin);
-    Outcome const again = document("tree");
+    Outcome const again = document("tree .");
     EXPECT_EQ(again.status, 0);
     EXPECT_EQ(again.out, shown);
     EXPECT_EQ(places(shown).substr(0, places(shown).find('\n', 30) + 1),
@@ -188,7 +188,8 @@ TEST_F(DocumentCommandTests, WrongPathsAreExplained) {
         {"0/CmnDta[0]",
          "\"CmnDta[0]\" isn't a child of Groups/CmnData[0]: children are called 0 or "
          "CmnData[0], 1 or CmnData[1], and so on"},
-        {"Group/0", "the document has no root \"Group\"; its root is Groups"},
+        {"Group/0", "the document has no root \"Group\"; its roots are Groups, AssetSettings, "
+                    "NamedViews, UnitSystems"},
         {"#77", "no entity has the id #77"},
         {"#x", "\"#x\" isn't an id: that is a number such as #12"},
         {"#", "\"#\" isn't an id: that is a number such as #12"},
@@ -312,8 +313,8 @@ TEST_F(DocumentCommandTests, NothingIsSavedIfNothingChanged) {
 // group.
 TEST_F(DocumentCommandTests, AnEmptyPlaceInAGroupIsPassedOver) {
     ASSERT_EQ(document("new, add . 3").status, 0);
-    execute("a.vnd", "UPDATE lists SET items='[2,null,4]' WHERE entity=1;"
-                     "DELETE FROM CommonBaseEntity WHERE id=3");
+    execute("a.vnd", "UPDATE lists SET items='[29,null,31]' WHERE entity=1;"
+                     "DELETE FROM CommonBaseEntity WHERE id=30");
     EXPECT_EQ(document("check").status, 0);
     EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #29\nGroups/CmnData[2] #31\n");
     for (char const * const commands : {"tree 1", "remove 1", "delete 1", "make 1", "tree 1/0",
@@ -332,7 +333,7 @@ TEST_F(DocumentCommandTests, AnEmptyPlaceInAGroupIsPassedOver) {
 TEST_F(DocumentCommandTests, ParentsThatLeadInACircleAreDamage) {
     ASSERT_EQ(document("new, make, make, add 0 1").status, 0);
     execute("a.vnd",
-            "UPDATE CommonBaseGroupEntity SET \"ManagedEntity.rParent\"=5-id WHERE id IN (2,3)");
+            "UPDATE CommonBaseGroupEntity SET \"ManagedEntity.rParent\"=59-id WHERE id IN (29,30)");
     for (char const * const commands : {"tree", "check", "make"}) {
         Outcome const outcome = document(commands);
         EXPECT_EQ(outcome.status, 1) << commands;
@@ -400,12 +401,17 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
         {"frobnicate",
          "vnconsole: there is no command \"frobnicate\" on documents; the commands are new, make, "
          "add, remove, move, delete, show, set, makesystem, systems, chooseid, choose, changeunit, "
-         "system, complete, unchoose, removesystem, tree, undo, redo, history, check\n"},
+         "system, activate, deactivate, "
+         "complete, unchoose, removesystem, settings, setting, resetsetting, resetaxes, "
+         "views, newview, updateview, renameview, moveview, deleteview, synchronize, "
+         "restoreview, tree, undo, redo, history, check\n"},
         {"Units.List",
          "vnconsole: there is no command \"Units.List\" on documents; the commands are "
          "new, make, add, remove, move, delete, show, set, makesystem, systems, chooseid, choose, "
-         "changeunit, system, complete, unchoose, removesystem, tree, undo, redo, history, "
-         "check\n"},
+         "changeunit, system, activate, deactivate, "
+         "complete, unchoose, removesystem, settings, setting, resetsetting, resetaxes, "
+         "views, newview, updateview, renameview, moveview, deleteview, synchronize, "
+         "restoreview, tree, undo, redo, history, check\n"},
         {"make, saveas b.vnd", "vnconsole: saveas belongs to a session; here the file is opened "
                                "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},
@@ -432,7 +438,7 @@ TEST_F(DocumentCommandTests, CheckTellsWhatIsWrong) {
     EXPECT_EQ(good.status, 0);
     EXPECT_EQ(good.out, "nothing is wrong with a.vnd\n");
 
-    execute("a.vnd", "UPDATE roots SET entity = 99");
+    execute("a.vnd", "UPDATE roots SET entity = 99 WHERE key = 'Groups'");
     Outcome const damaged = document("check");
     EXPECT_EQ(damaged.status, 1);
     EXPECT_EQ(damaged.out, "");
@@ -475,7 +481,7 @@ TEST_F(DocumentCommandTests, CheckTellsTypesOfAnotherProgramFromDamage) {
     EXPECT_EQ(opened.err, "cannot open the document 'a.vnd': not supported: the type "
                           "ForeignMetaType (Foreign) isn't known to this program\n");
 
-    execute("a.vnd", "UPDATE roots SET entity = 99");
+    execute("a.vnd", "UPDATE roots SET entity = 99 WHERE key = 'Groups'");
     Outcome const both = document("check");
     EXPECT_EQ(both.status, 1);
     EXPECT_EQ(both.err, "a.vnd is damaged:\n  the root Groups: there is no such entity\n"
@@ -548,8 +554,8 @@ TEST_F(DocumentCommandTests, HistoryMarksWhereTheDocumentStands) {
 TEST_F(DocumentCommandTests, ManyEntitiesAreListed) {
     ASSERT_EQ(document("new, make, add 0 200000").status, 0);
     std::string const shown = tree();
-    EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 200002);
-    EXPECT_NE(shown.find("\nGroups/CmnData[0]/CmnData[199999]  #200002  "), std::string::npos);
+    EXPECT_EQ(std::count(shown.begin(), shown.end(), '\n'), 200025);
+    EXPECT_NE(shown.find("\nGroups/CmnData[0]/CmnData[199999]  #200029  "), std::string::npos);
 }
 
 } // namespace

@@ -228,7 +228,7 @@ TEST_F(DocumentSessionTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out.substr(outcome.out.find("nothing")),
               "nothing is wrong with a.vnd\nnothing is wrong with a.vnd\n");
-    execute("a.vnd", "UPDATE roots SET entity = 99");
+    execute("a.vnd", "UPDATE roots SET entity = 99 WHERE key = 'Groups'");
     Outcome const damaged = session("check a.vnd\n");
     EXPECT_EQ(damaged.status, 1);
     EXPECT_EQ(damaged.err, "a.vnd is damaged:\n  the root Groups: there is no such entity\n");

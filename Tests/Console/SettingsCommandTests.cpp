@@ -223,7 +223,7 @@ TEST_F(SettingsCommandTests, TheActiveUnitSystemIsTheOneThatCounts) {
               "imp is the active unit system already\n"
               "imp isn't active any more\n"
               "undone: deactivate the unit system imp\n"
-              ">  0  where the history begins                saved\n"
+              ">  0  where the history begins        saved\n"
               "   1  deactivate the unit system imp  undone\n"
               "the document is as a.vnd has it\n");
 }

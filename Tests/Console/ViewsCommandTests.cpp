@@ -84,7 +84,7 @@ TEST_F(ViewsCommandTests, ANewViewHasTheHomeCameraOrAnothersOrItsOwn) {
 
 TEST_F(ViewsCommandTests, ATakenNameGetsANumberAndThatIsTold) {
     EXPECT_EQ(answer("newview NamedView, newview NamedView, newview NamedView_1, newview TOP, "
-                     "newview A, renameview A NamedView, renameview NamedView_3 NamedView_3"),
+                     "newview A, renameview A NamedView, renameview NamedView_2 NamedView_2"),
               "made the view \"NamedView\"\n"
               "made the view \"NamedView_1\", since there is a view \"NamedView\" already\n"
               "made the view \"NamedView_1_1\", since there is a view \"NamedView_1\" already\n"
@@ -92,6 +92,7 @@ TEST_F(ViewsCommandTests, ATakenNameGetsANumberAndThatIsTold) {
               "made the view \"A\"\n"
               "renamed the view \"A\" to \"NamedView_2\", since there is a view \"NamedView\" "
               "already\n"
+              "the view is called \"NamedView_2\" already\n"
               "saved a.vnd\n");
 }
 
