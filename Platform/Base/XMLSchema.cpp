@@ -10,6 +10,7 @@
 #include "Platform/Base/Limits.h"
 #include "Platform/Base/OSFiles.h"
 #include "Platform/Base/PathInfo.h"
+#include "Platform/Base/Shared.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/XMLErrorInternal.h"
 
@@ -21,7 +22,7 @@ constexpr char c_read[] = "read the schema";
 constexpr char c_validate[] = "validate the document";
 
 // The library makes its tables of types at the first use, without a lock of its own.
-constinit std::mutex s_reading;
+constinit Shared<std::mutex> s_reading;
 
 template <class T, void (*c_free)(T *)>
 struct Free {
@@ -87,7 +88,7 @@ Status XMLSchema::read(std::filesystem::path const & file, XMLSchema & schema) {
     for (XMLNode i = made->root.firstChild(); i; i = i.nextSibling())
         if (asksForFile(i))
             return Status(StatusUnsupported, c_read, subject, "it asks for another file");
-    std::lock_guard const guard(s_reading);
+    std::lock_guard const guard(s_reading.get([] { return new std::mutex; }));
     SchemaReader const reader(
         xmlSchemaNewDocParserCtxt(static_cast<xmlDocPtr>(made->root.m_pDocument.get())));
     if (!reader) return Status::outOfMemory(c_read, subject);

@@ -61,8 +61,9 @@ public:
 //
 // The constructor tells the entity that a change comes, the destructor that it is over.  Brackets
 // nest, on one entity and across entities, and close in the reverse order of opening.  What is
-// recorded for undo is what differs when the outermost bracket of the entity closes.  A bracket
-// that an exception leaves is closed like any other, and what was changed until then is recorded.
+// recorded for undo is what differs when the outermost bracket of the entity closes, of those that
+// are undoable.  A bracket that an exception leaves is closed like any other, and what was changed
+// until then is recorded.
 class VN_DATAMODEL_API EntityChange {
 public:
     // `details` may be null and must outlive the bracket.  Without `undoable` the change can't be
@@ -106,6 +107,7 @@ private:
     int const m_exceptions;
     bool const m_bUndoable;
     EntityChange * m_pOutermost = nullptr; // of this entity
+    EntityChange * m_pRecorder = nullptr;  // the outermost that is undoable; failing that, as above
     EntityChange * m_pEnclosing = nullptr; // the bracket that was innermost before
     std::uint32_t m_log = 0;               // the log for which members were kept; 0 if none
     unsigned m_types = 0;                  // of this bracket and those within, combined

@@ -119,13 +119,15 @@ constexpr std::size_t c_mostNotes = 3;
 } // namespace
 
 struct NodeChange::Edit {
+    template <class What>
+    Edit(What && whatIsTold, bool isSilent) noexcept
+        : what(std::forward<What>(whatIsTold)), silent(isSilent) {}
+
     std::variant<KeepNode, AddChild, RemoveChild, SetGeometry, SetEffect, SetVisible, Invalidate,
                  ShowRoot>
         what;
     bool silent;
 };
-
-NodeChange::NodeChange() noexcept : NodeChange(nullptr, false) {}
 
 NodeChange::NodeChange(ARenderNode * node, bool silent) noexcept
     : m_pEnclosing(s_pInnermost), m_outermost(m_pEnclosing ? m_pEnclosing->m_outermost : *this),
@@ -143,6 +145,7 @@ NodeChange::~NodeChange() {
 }
 
 void NodeChange::make() noexcept {
+    if (m_edits.empty()) return;
     for (Edit & edit : m_edits)
         std::visit([&](auto & what) { what.make(m_changes, edit.silent); }, edit.what);
     m_changes.tell();
@@ -162,21 +165,23 @@ void NodeChange::tell(What && what) {
     std::vector<Edit> & edits = m_outermost.m_edits;
     if (NodeChanges::anybodyListens())
         m_outermost.m_changes.reserve(c_mostNotes * (edits.size() + 1));
-    edits.push_back({std::forward<What>(what), m_bSilent});
+    edits.emplace_back(std::forward<What>(what), m_bSilent);
 }
 
 GroupNode * NodeChange::createGroupNode(INodeSource * source, int world, bool selectable,
                                         bool visible) {
-    StrongRef<GroupNode> const node =
+    StrongRef<GroupNode> node =
         GroupNode::make(static_cast<Vrx::Scene::EWorldType>(world), selectable);
-    takeMade(node, source, visible);
-    return node.get();
+    GroupNode * const made = node.get();
+    takeMade(std::move(node), source, visible);
+    return made;
 }
 
 LODGeometryNode * NodeChange::createLODGeometryNode(INodeSource * source, bool visible) {
-    StrongRef<LODGeometryNode> const node = LODGeometryNode::make();
-    takeMade(node, source, visible);
-    return node.get();
+    StrongRef<LODGeometryNode> node = LODGeometryNode::make();
+    LODGeometryNode * const made = node.get();
+    takeMade(std::move(node), source, visible);
+    return made;
 }
 
 void NodeChange::takeMade(StrongRef<ARenderNode> node, INodeSource * source, bool visible) {

@@ -44,7 +44,7 @@ class SceneRoot;
 class VN_SCENE_API NodeChange {
 public:
     // A bracket without a node, until it makes one.
-    NodeChange() noexcept;
+    NodeChange() noexcept : NodeChange(nullptr, false) {}
     // A bracket on a node, which may be null.  Observers don't learn what a silent one is told.
     NodeChange(Vrx::Graphics::ARenderNode * node, bool silent) noexcept;
     ~NodeChange();

@@ -177,7 +177,9 @@ TEST(OSTests, AModuleThatIsCutOffIsNotLoaded) {
         Module module;
         // Some of the end isn't needed.
         Vn::Status const status = module.load(file);
-        if (part < size / 2) EXPECT_FALSE(status) << part;
+        if (part < size / 2) {
+            EXPECT_FALSE(status) << part;
+        }
         EXPECT_EQ(module.isLoaded(), status.ok()) << part;
     }
 }

@@ -199,7 +199,7 @@ TEST(SelfTestTests, UnknownGroupIsTold) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err,
-              "vnconsole: there is no group \"Nope\" of self-checks; the groups are: VantorCore "\n
+              "vnconsole: there is no group \"Nope\" of self-checks; the groups are: VantorCore "
               "SmokeTest\n");
 }
 

@@ -3,7 +3,9 @@
 #ifndef VN_TESTS_DATAMODEL_DOCUMENTSQL_H
 #define VN_TESTS_DATAMODEL_DOCUMENTSQL_H
 
+#include <cstddef>
 #include <filesystem>
+#include <istream>
 #include <string>
 #include <vector>
 
@@ -57,6 +59,26 @@ private:
 inline std::vector<std::vector<std::string>> query(std::filesystem::path const & file,
                                                    std::string const & sql) {
     return Sql(file).query(sql);
+}
+
+// Rows as the shell shows them, NULL as nothing.
+inline std::string shellText(std::vector<std::vector<std::string>> const & rows) {
+    std::string text;
+    for (auto const & row : rows) {
+        for (std::size_t column = 0; column < row.size(); ++column)
+            text += (column ? "|" : "") + (row[column] == "NULL" ? std::string() : row[column]);
+        text += '\n';
+    }
+    return text;
+}
+
+// What stands in a page between a line that begins a block so and the end of the block.
+inline std::string blockOf(std::istream & page, std::string const & begin) {
+    std::string line;
+    while (std::getline(page, line) && line != begin) {}
+    std::string text;
+    while (std::getline(page, line) && line != "```") text += line + '\n';
+    return text;
 }
 
 } // namespace Vn::Testing

@@ -8,6 +8,8 @@
 #include <sstream>
 
 #include "Platform/Base/OS.h"
+#include "Platform/Base/Text.h"
+#include "Platform/DataModel/EntityMembers.h"
 
 namespace Vn::Testing {
 
@@ -291,6 +293,23 @@ std::string Changing::dump() const {
     return out.str();
 }
 
+namespace {
+
+// The members of an entity that others brought.
+std::string dumpMembers(Entity const & entity) {
+    std::ostringstream out;
+    EntityMembers const members{StrongRef<Entity>(const_cast<Entity *>(&entity))};
+    for (EntityMembers::Info const & member : members.all()) {
+        std::wstring value;
+        Status const status = members.get(member.name, value);
+        out << ' ' << member.name << '=';
+        put(out, status ? Text::toUtf8(value) : status.toString());
+    }
+    return out.str();
+}
+
+} // namespace
+
 std::string dump(Asset const & asset, bool withTransient) {
     std::ostringstream out;
     for (std::size_t i = 0; i < asset.segments(); ++i) {
@@ -308,8 +327,9 @@ std::string dump(Asset const & asset, bool withTransient) {
     for (Entity const * const entity : asset.allEntities()) {
         if (entity->segment()->isTransient() && !withTransient) continue;
         out << entity->id() << " in " << entity->segment()->segmentType()->type() << ' '
-            << entity->metaType()->name() << ": " << static_cast<Piece const *>(entity)->dump()
-            << '\n';
+            << entity->metaType()->name() << ": ";
+        auto const * const piece = dynamic_cast<Piece const *>(entity);
+        out << (piece ? piece->dump() : dumpMembers(*entity)) << '\n';
     }
     return out.str();
 }

@@ -118,6 +118,36 @@ TEST_F(EntityChangeTests, WithoutUndoableAChangeLeavesTheHistoryAsItIs) {
     EXPECT_EQ(m_rThing->m_double, 5);
 }
 
+TEST_F(EntityChangeTests, WhatIsUndoableWithinABracketThatIsNotIsRecorded) {
+    {
+        Transaction transaction(*m_rAsset, L"change");
+        EntityChange const outer(m_rThing.get(), DataChange::TransactDirect,
+                                 DataChange::ChangeStructural, DataChange::TimingPreAndPost,
+                                 nullptr, false);
+        m_rThing->m_double = 5;
+        for (int i = 1; i <= 2; ++i) {
+            EntityChange const inner = bracket(m_rThing.get());
+            EntityChange const innermost(m_rThing.get(), DataChange::TransactDirect,
+                                         DataChange::ChangeValue, DataChange::TimingPreAndPost,
+                                         nullptr, false);
+            m_rThing->m_int = i;
+            m_rThing->m_numbers.push_back(i);
+        }
+        EXPECT_EQ(m_rThing->outerChange(), &outer);
+        transaction.commit();
+    }
+    ASSERT_EQ(m_rAsset->history().undoSteps(), 1U);
+    m_heard.clear();
+    EXPECT_TRUE(m_rAsset->history().undo().ok());
+    EXPECT_THAT(m_heard, ElementsAre("pre 1", "post 1"));
+    EXPECT_EQ(m_rThing->m_int, 0);
+    EXPECT_TRUE(m_rThing->m_numbers.empty());
+    EXPECT_EQ(m_rThing->m_double, 5);
+    EXPECT_TRUE(m_rAsset->history().redo().ok());
+    EXPECT_EQ(m_rThing->m_int, 2);
+    EXPECT_EQ(m_rThing->m_numbers.size(), 2U);
+}
+
 // Outside a transaction nothing else keeps the object.
 TEST_F(EntityChangeTests, AnObjectThatDiesWithinItsBracketLastsUntilThatCloses) {
     struct Dropper : IEntityObserver {

@@ -1,9 +1,12 @@
 #include "Platform/Scene/Camera.h"
 
+#include <atomic>
 #include <bit>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -12,7 +15,9 @@
 #include "Platform/DataModel/GeometryMetaTypes.h"
 #include "Platform/DataModel/IEntityObserver.h"
 #include "Platform/DataModel/MetaType.h"
+#include "Tests/DataModel/DocumentSql.h"
 #include "Tests/Support/Exactly.h"
+#include "Tests/Support/FreshProcess.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Scene {
@@ -153,6 +158,63 @@ TEST_F(CameraTests, WhatIsSavedIsReadBackToTheLastBit) {
                   std::bit_cast<std::uint64_t>(m_rCamera->extentsHeight()))
             << odd;
     }
+}
+
+TEST_F(CameraTests, AnObserverThatThrowsBeforeKeepsTheValue) {
+    struct Thrower : Watch {
+        using Watch::Watch;
+        void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
+                       DataChange *) override {
+            throw std::runtime_error("no");
+        }
+    };
+    Thrower const thrower(*m_rCamera);
+    EXPECT_THROW(m_rCamera->position({1, 2, 3}), std::runtime_error);
+    EXPECT_THROW(m_rCamera->extentsWidth(5), std::runtime_error);
+    EXPECT_EQ(exactly(m_rCamera->position()), exactly(TgPoint3d(0, 0, 0)));
+    EXPECT_EQ(m_rCamera->extentsWidth(), 1);
+}
+
+TEST_F(CameraTests, SettersOutliveTheDocument) {
+    m_rAsset.reset();
+    m_rCamera->position({1, 2, 3});
+    EXPECT_EQ(exactly(m_rCamera->position()), exactly(TgPoint3d(1, 2, 3)));
+}
+
+TEST_F(CameraTests, ALaterVersionIsRefused) {
+    Vn::Testing::TemporaryFile const file;
+    ASSERT_TRUE(DocumentFile::saveAs(*m_rAsset, file.path()));
+    Vn::Testing::Sql(file.path()).run("UPDATE types SET version = 1 WHERE name = 'CameraMetaType'");
+    StrongRef<Asset> asset;
+    EXPECT_EQ(DocumentFile::load(file.path(), nullptr, asset).code(), StatusNewerFormat);
+    EXPECT_FALSE(asset);
+}
+
+TEST_F(CameraTests, ItIsFoundByTheIdsOfItsClass) {
+    EXPECT_EQ(Camera::interfaceId()->string(), "Vn::Scene::Camera");
+    EXPECT_EQ(query<Camera>(static_cast<Entity *>(m_rCamera.get())), m_rCamera.get());
+    EXPECT_EQ(m_rCamera->metaType(), Camera::s_metaType());
+    EXPECT_EQ(m_rCamera->queryMTInterface(Camera::s_metaType()), m_rCamera.get());
+}
+
+TEST(CameraThreadTests, TwoThreadsThatMakeTheFirstCamerasFillTheMemberSetOnce) {
+    Units::expectInFreshProcess([] {
+        std::atomic<int> ready = 0;
+        auto const make = [&] {
+            StrongRef<Asset> const asset = Asset::make(nullptr);
+            Segment * const segment = asset->segment(SegmentType::DesignSegment);
+            ++ready;
+            while (ready < 2) std::this_thread::yield();
+            EXPECT_TRUE(Camera::make(segment));
+        };
+        std::thread other(make);
+        make();
+        other.join();
+        MemberSet const & set = *Camera::s_metaType()->memberSet(c_latestVersion);
+        ASSERT_EQ(set.members(), 5U);
+        EXPECT_EQ(set.member(0).name(), "position");
+        EXPECT_EQ(set.member(4).name(), "extentsHeight");
+    });
 }
 
 TEST_F(CameraTests, TheTextNamesTheClassAndTheBase) {

@@ -11,7 +11,13 @@
 #include <unistd.h>
 #include <vector>
 
+#include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/DocumentFile.h"
+#include "Platform/Scene/Camera.h"
+#include "Server/CommonData/AddIn/CommonDataAssetAdapter.h"
+#include "Server/CommonData/AddIn/CommonDataAssetSettings.h"
+#include "Server/CommonData/NamedViews/NamedView.h"
+#include "Server/CommonData/NamedViews/NamedViews.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 
 namespace {
@@ -32,6 +38,39 @@ std::filesystem::path fileFor(char const * ending) {
     return directory / ("VnDocumentFuzzer-" + std::to_string(getpid()) + ending);
 }
 
+// Everything that can be done with views, as one step.
+void changeViews(CommonData::CommonDataAssetSettings & settings, NameView::NamedViews & views) {
+    Transaction transaction(*views.asset(), L"Views");
+    settings.sceneUp({0, 1, 0});
+    settings.sceneFront({0, 0, -1});
+    views.synchonizeHomeNamedView();
+    views.synchonizeTopNamedView();
+    views.synchonizeFrontNamedView();
+    views.synchonizeRightNamedView();
+    StrongRef<NameView::NamedViews> const group(&views);
+    std::wstring const name = views.generateNamedViewName(L"NamedView");
+    StrongRef<NameView::NamedView> const made =
+        NameView::NamedView::make(group, name, Scene::Camera::make(views.segment()));
+    if (made && views.children() > 1) views.updateNamedViewName(name, L"TOP");
+    views.removeNamedView(L"FRONT");
+    transaction.commit();
+}
+
+// A document is equipped, and its views are changed and changed back.
+void useAsHostsDo(StrongRef<Asset> const & asset) {
+    CommonDataAssetAdapter::defaultInitializeLoadedAsset(asset.get());
+    CommonDataAssetAdapter::defaultFullyInitializeLoadedAsset(asset.get());
+    StrongRef<AssetSettings> const root = asset->adapter()->assetSettings();
+    auto * const settings = query<CommonData::CommonDataAssetSettings>(root.get());
+    StrongRef<NameView::NamedViews> const views = settings ? settings->namedViews() : nullptr;
+    if (!views || !views->segment()) return;
+    std::string const before = Testing::dump(*asset);
+    changeViews(*settings, *views);
+    if (!asset->history().canUndo()) return;
+    expect(asset->history().undo().ok(), "a change of views can be undone");
+    expect(Testing::dump(*asset) == before, "and leaves nothing behind");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t size) {
@@ -50,6 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     Status const checked = DocumentFile::check(s_file, findings);
     expect(checked || !checked.cause().empty(), "a failed check has a reason");
     if (asset) {
+        useAsHostsDo(asset);
         std::string const text = Testing::dump(*asset);
         Status const saved = DocumentFile::saveAs(*asset, s_copy);
         expect(saved.ok(), "what opens can be saved");

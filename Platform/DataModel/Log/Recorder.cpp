@@ -25,11 +25,15 @@ constexpr std::size_t c_spliceWords = 3 + c_recordWords;
 
 // --- Brackets ----------------------------------------------------------------------------------
 
+EntityChange * Recorder::innermost(Entity const & entity) const noexcept {
+    EntityChange * i = m_pInnermost;
+    while (i && i->m_pEntity != &entity) i = i->m_pEnclosing;
+    return i;
+}
+
 EntityChange * Recorder::outermost(Entity const & entity) const noexcept {
-    EntityChange * found = nullptr;
-    for (EntityChange * i = m_pInnermost; i; i = i->m_pEnclosing)
-        if (i->m_pEntity == &entity) found = i;
-    return found;
+    EntityChange const * const inner = innermost(entity);
+    return inner ? inner->m_pOutermost : nullptr;
 }
 
 void Recorder::open(EntityChange & change) {
@@ -37,17 +41,21 @@ void Recorder::open(EntityChange & change) {
     EntityState & state = stateOf(entity);
     if (state.phase() == EntityState::Dying && change.m_bUndoable)
         m_history.lifetimes().changing(entity);
-    if (state.test(EntityState::Changing)) {
-        change.m_pOutermost = outermost(entity);
-        change.m_pOutermost->m_told = change.m_type;
-    } else {
-        change.m_pOutermost = &change;
+    EntityChange const * const inner =
+        state.test(EntityState::Changing) ? innermost(entity) : nullptr;
+    change.m_pOutermost = inner ? inner->m_pOutermost : &change;
+    // What can be undone is recorded, also within a bracket of what can't.
+    bool const isRecorder = !inner || (change.m_bUndoable && !inner->m_pRecorder->m_bUndoable);
+    change.m_pRecorder = isRecorder ? &change : inner->m_pRecorder;
+    if (isRecorder) {
         change.m_snapshot = m_scratch.size();
         if (m_pLog && change.m_bUndoable && isThere(entity)) keepMembers(change);
         state.set(EntityState::Changing);
         ++m_brackets;
     }
+    change.m_pOutermost->m_told = change.m_type;
     change.m_pOutermost->m_types |= change.m_type;
+    change.m_pRecorder->m_types |= change.m_type;
     change.m_pEnclosing = m_pInnermost;
     m_pInnermost = &change;
 }
@@ -81,17 +89,18 @@ bool Recorder::makeRoom(ChangeLog & log, std::size_t words) noexcept {
 
 void Recorder::close(EntityChange & change) {
     m_pInnermost = change.m_pEnclosing;
-    if (change.m_pOutermost != &change) return;
+    if (change.m_pRecorder != &change) return;
     Entity & entity = *change.m_pEntity;
-    stateOf(entity).clear(EntityState::Changing);
     --m_brackets;
+    if (change.m_pOutermost != &change) return record(change);
+    stateOf(entity).clear(EntityState::Changing);
     record(change);
     Lifetimes & lifetimes = m_history.lifetimes();
     lifetimes.bracketClosed(entity);
     if (m_brackets == 0) lifetimes.bracketsClosed();
 }
 
-// What differs since the outermost bracket of an entity opened.
+// What differs since the bracket that records an entity opened.
 void Recorder::record(EntityChange const & change) {
     Entity & entity = *change.m_pEntity;
     bool const isReplay = DataChange::test(change.m_transact, DataChange::TransactReplay);
@@ -182,9 +191,9 @@ void Recorder::spliced(MemberSplices const & splices, bool inserted, std::size_t
     unsigned types = 0;
     EntityState const & state = stateOf(entity);
     if (state.test(EntityState::Changing)) {
-        EntityChange const & outer = *outermost(entity);
-        if (!outer.m_bUndoable || isRecorded(outer.m_leaves, leafNumber)) return;
-        types = outer.m_types;
+        EntityChange const & recorder = *innermost(entity)->m_pRecorder;
+        if (!recorder.m_bUndoable || isRecorded(recorder.m_leaves, leafNumber)) return;
+        types = recorder.m_types;
     }
     Record record = continued(entity, *log);
     if (record.isBorn || isRecorded(record.leaves, leafNumber)) return;

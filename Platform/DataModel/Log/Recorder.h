@@ -67,6 +67,8 @@ public:
     void lost() noexcept { m_bLost = true; }
 
 private:
+    // The bracket that was opened last on an entity; null if none is open.
+    EntityChange * innermost(Entity const & entity) const noexcept;
     void keepMembers(EntityChange & change);
     void record(EntityChange const & change);
     void keepDifferences(EntityChange const & change, ChangeLog * log, Record & record);
@@ -84,7 +86,7 @@ private:
     EntityChange * m_pInnermost = nullptr;
     MemberSplices * m_pSplices = nullptr;
     WordBuffer m_scratch;
-    std::size_t m_brackets = 0; // outermost ones that are open
+    std::size_t m_brackets = 0; // that are open and record
     bool m_bLost = false;
 };
 

@@ -116,7 +116,7 @@ TEST_F(OtherDocumentsTests, AnAssetWithoutATypePassesBothHooks) { expectPassed(n
 
 TEST_F(OtherDocumentsTests, AnAssetOfAnotherTypePassesBothHooks) {
     std::string const & served = m_served.identifier();
-    std::string others[] = {"Another", served, served, served, ""};
+    std::string others[] = {"Another", served, served, served};
     others[1].push_back('\0');
     others[2].push_back(' ');
     others[3].erase(0, 1);

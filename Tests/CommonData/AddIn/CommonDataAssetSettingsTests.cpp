@@ -1,669 +1,618 @@
 #include "Server/CommonData/AddIn/CommonDataAssetSettings.h"
 
-#include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <functional>
 #include <limits>
-#include <sstream>
+#include <stdexcept>
 #include <string>
-#include <type_traits>
+#include <utility>
 #include <vector>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "Platform/DataModel/Asset.h"
-#include "Platform/DataModel/DocumentFile.h"
-#include "Platform/DataModel/EntityChange.h"
-#include "Platform/DataModel/GeometryMetaTypes.h"
-#include "Platform/DataModel/IEntityObserver.h"
+#include "Platform/Base/InterfaceId.h"
+#include "Platform/DataModel/EntityMembers.h"
+#include "Platform/DataModel/MemberSet.h"
 #include "Platform/DataModel/MetaType.h"
-#include "Server/CommonData/NamedViews/NamedViews.h"
-#include "Server/CommonData/Units/UnitSystem.h"
-#include "Tests/DataModel/DocumentSql.h"
+#include "Platform/DataModel/Segment.h"
+#include "Tests/CommonData/AddIn/SettingsTesting.h"
+#include "Tests/CommonData/Managed/ManagedTesting.h"
 #include "Tests/Support/Exactly.h"
-#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::CommonData {
 
 namespace {
 
-using NameView::NamedViews;
+using Managed::Testing::Recorder;
+using Managed::Testing::Told;
 using Settings = CommonDataAssetSettings;
-using ::testing::HasSubstr;
-using Units::UnitSystem;
-using Units::UnitSystems;
-using Vn::Testing::Sql;
-using Vn::Testing::TemporaryFile;
 
 constexpr double c_nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double c_inf = std::numeric_limits<double>::infinity();
+constexpr double c_infinity = std::numeric_limits<double>::infinity();
 
-// Whether two values are the same to the last bit.
-template <class Value>
-bool isSame(Value const & a, Value const & b) {
-    if constexpr (std::is_same_v<Value, double>)
-        return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
-    else if constexpr (std::is_class_v<Value>)
-        return exactly(a) == exactly(b);
-    else
-        return a == b;
-}
+std::string nameOf(testing::TestParamInfo<Setting> const & info) { return info.param.name; }
 
-template <class Value>
-MemberMetaType * kindOf() {
-    if constexpr (std::is_same_v<Value, TgPoint3d>)
-        return TgPoint3dMetaType::get();
-    else if constexpr (std::is_same_v<Value, TgVector3d>)
-        return TgVector3dMetaType::get();
-    else
-        return IntrinsicMetaType<Value>::get();
-}
-
-// A plain setting, as the table on paper has it.
-struct Row {
-    unsigned number; // counted from 1, in the order of registration
-    char const * member;
-    MemberMetaType * kind;
-    std::function<bool(Settings const &)> isStandard;
-    std::function<bool(Settings const &)> isOther;
-    std::function<void(Settings &)> setStandard;
-    std::function<void(Settings &)> setOther;
-};
-
-void PrintTo(Row const & row, std::ostream * out) { *out << row.member; }
-
-template <class Value>
-Row row(unsigned number, char const * member, Value (Settings::*get)() const,
-        void (Settings::*set)(Value), Value standard, Value other) {
-    return {number,
-            member,
-            kindOf<Value>(),
-            [=](Settings const & s) { return isSame((s.*get)(), standard); },
-            [=](Settings const & s) { return isSame((s.*get)(), other); },
-            [=](Settings & s) { (s.*set)(standard); },
-            [=](Settings & s) { (s.*set)(other); }};
-}
-
-template <class Value>
-Row changed(unsigned number, char const * member, Value (Settings::*get)() const,
-            void (Settings::*set)(Value), Value standard) {
-    if constexpr (std::is_same_v<Value, bool>)
-        return row<Value>(number, member, get, set, standard, !standard);
-    else if constexpr (std::is_class_v<Value>)
-        return row<Value>(number, member, get, set, standard, Value(-1e-3, 1e300, 7));
-    else
-        return row<Value>(number, member, get, set, standard, 77);
-}
-
-using S = Settings;
-using V = TgVector3d;
-using P = TgPoint3d;
-
-std::vector<Row> rows() {
-    return {
-        changed<V>(3, "defaultSceneFront", &S::defaultSceneFront, &S::defaultSceneFront,
-                   {-1, 0, 0}),
-        changed<V>(4, "sceneFront", &S::sceneFront, &S::sceneFront, {-1, 0, 0}),
-        changed<V>(5, "defaultSceneUp", &S::defaultSceneUp, &S::defaultSceneUp, {0, 0, 1}),
-        changed<V>(6, "sceneUp", &S::sceneUp, &S::sceneUp, {0, 0, 1}),
-        changed<double>(7, "sceneBoundRadius", &S::sceneBoundRadius, &S::sceneBoundRadius, 1.8),
-        changed<double>(8, "globalBoundRadius", &S::globalBoundRadius, &S::globalBoundRadius, 1.8),
-        changed<P>(9, "sceneBoundBoxCenter", &S::sceneBoundBoxCenter, &S::sceneBoundBoxCenter,
-                   {0, 0, 0}),
-        changed<V>(10, "sceneBoundBoxExtent", &S::sceneBoundBoxExtent, &S::sceneBoundBoxExtent,
-                   {1.8, 1.8, 1.8}),
-        changed<bool>(11, "locktoSelection", &S::locktoSelection, &S::locktoSelection, false),
-        changed<bool>(12, "fitHome", &S::fitHome, &S::fitHome, true),
-        changed<bool>(13, "perspWithOrthoFaces", &S::perspWithOrthoFaces, &S::perspWithOrthoFaces,
-                      false),
-        changed<P>(14, "defaultHomePos", &S::defaultHomePosition, &S::defaultHomePosition,
-                   {11.75, -3.15, 6.75}),
-        changed<P>(15, "defaultHomeTarget", &S::defaultHomeTarget, &S::defaultHomeTarget,
-                   {-1.5, 5.45, 2.0}),
-        changed<V>(16, "defaultHomeUp", &S::defaultHomeUp, &S::defaultHomeUp, {0, 0, 1}),
-        changed<unsigned>(17, "defaultHomeProjection", &S::defaultHomeProjection,
-                          &S::defaultHomeProjection, 2),
-        changed<double>(18, "defaultHomeExtentsWidth", &S::defaultHomeExtentsWidth,
-                        &S::defaultHomeExtentsWidth, 0.6),
-        changed<double>(19, "defaultHomeExtentsHeight", &S::defaultHomeExtentsHeight,
-                        &S::defaultHomeExtentsHeight, 0.6),
-        changed<P>(20, "currHomePos", &S::currentHomePosition, &S::currentHomePosition,
-                   {11.75, -3.15, 6.75}),
-        changed<P>(21, "currHomeTarget", &S::currentHomeTarget, &S::currentHomeTarget,
-                   {-1.5, 5.45, 2.0}),
-        changed<V>(22, "currHomeUp", &S::currentHomeUp, &S::currentHomeUp, {0, 0, 1}),
-        changed<unsigned>(23, "currHomeProjection", &S::currHomeProjection, &S::currHomeProjection,
-                          2),
-        changed<double>(24, "currHomeExtentsWidth", &S::currHomeExtentsWidth,
-                        &S::currHomeExtentsWidth, 0.6),
-        changed<double>(25, "currHomeExtentsHeight", &S::currHomeExtentsHeight,
-                        &S::currHomeExtentsHeight, 0.6),
-    };
-}
-
-// Counts what it is told.
-class Watch : public IEntityObserver {
-public:
-    explicit Watch(Entity & entity) : m_entity(entity) { entity.subscribe(this); }
-    ~Watch() { m_entity.unsubscribe(this); }
-
-    void preChange(Entity *, DataChange::ETransact, DataChange::EChangeType,
-                   DataChange *) override {}
-    void postChange(Entity *, DataChange::ETransact, DataChange::EChangeType type,
-                    DataChange *) override {
-        ++m_changes;
-        m_type = type;
-    }
-    void preDeletion(Entity *, DataChange::ETransact) override {}
-
-    int m_changes = 0;
-    DataChange::EChangeType m_type = DataChange::ChangeStructural;
-
-private:
-    Entity & m_entity;
-};
-
-// A document with settings, which was saved once.
-class SettingsDocument {
-public:
-    SettingsDocument() {
-        m_rSettings = Settings::make(design());
-        EXPECT_TRUE(DocumentFile::saveAs(*m_rAsset, m_file.path()));
-    }
-
-    Segment * design() const { return m_rAsset->segment(SegmentType::DesignSegment); }
-    ChangeHistory & history() const { return m_rAsset->history(); }
-    template <class Work>
-    void step(Work && work) const {
-        Transaction transaction(*m_rAsset, L"Step");
-        work();
-        transaction.commit();
-    }
-    // The settings of the file.
-    StrongRef<Settings> read() {
-        EXPECT_TRUE(DocumentFile::load(m_file.path(), nullptr, m_rRead));
-        return settingsOf(m_rRead);
-    }
-    StrongRef<Settings> saved() {
-        EXPECT_TRUE(DocumentFile::save(*m_rAsset));
-        return read();
-    }
-    static StrongRef<Settings> settingsOf(StrongRef<Asset> const & asset) {
-        if (!asset) return nullptr;
-        StrongRef<Entity> const root =
-            asset->segment(SegmentType::DesignSegment)->rootEntity("AssetSettings");
-        return StrongRef<Settings>(query<Settings>(root.get()));
-    }
-
-    TemporaryFile m_file;
-    StrongRef<Asset> m_rAsset = Asset::make(nullptr);
-    StrongRef<Asset> m_rRead;
-    StrongRef<Settings> m_rSettings;
-};
-
-// --- The table ---------------------------------------------------------------------------------
-
-class SettingTests : public testing::TestWithParam<Row> {
+// One setting at a time.
+class SettingTests : public testing::TestWithParam<Setting> {
 protected:
+    Settings & settings() const { return m_document.settings(); }
+    Bits value() const { return GetParam().get(settings()); }
+    void change() const { GetParam().change(m_document); }
+    // The place in the table.
+    unsigned place() const {
+        unsigned i = 0;
+        while (allSettings()[i].name != GetParam().name) ++i;
+        return i;
+    }
+
     SettingsDocument m_document;
-    Settings & m_settings = *m_document.m_rSettings;
 };
 
-INSTANTIATE_TEST_SUITE_P(Table, SettingTests, testing::ValuesIn(rows()),
-                         [](auto const & each) { return std::string(each.param.member); });
+INSTANTIATE_TEST_SUITE_P(Table, SettingTests, testing::ValuesIn(allSettings()), nameOf);
 
-TEST_P(SettingTests, IsAMemberOfItsKindAtItsPlace) {
-    MemberSet const & set = *m_settings.memberSet();
-    ASSERT_EQ(set.members(), 26U);
-    Member const & member = set.member(GetParam().number - 1);
-    EXPECT_EQ(member.name(), GetParam().member);
+TEST_P(SettingTests, StandsInItsPlaceAmongTheMembers) {
+    MemberSet const & set = *settings().memberSet();
+    ASSERT_EQ(set.members(), allSettings().size());
+    Member const & member = set.member(place());
+    EXPECT_EQ(member.name(), GetParam().name);
     EXPECT_EQ(member.type(), GetParam().kind);
-    EXPECT_EQ(member.options(), Member::OptionsDefault);
+    EXPECT_EQ(member.options(), GetParam().name == "activeUnitSystem"
+                                    ? Member::OptionsDefault & ~16U
+                                    : std::uint32_t{Member::OptionsDefault});
 }
 
-TEST_P(SettingTests, StartsAsTheDefault) { EXPECT_TRUE(GetParam().isStandard(m_settings)); }
+TEST_P(SettingTests, BeginsWithItsDefault) { EXPECT_EQ(value(), GetParam().standard); }
 
-TEST_P(SettingTests, IsSetToldAndUndoneAsOneStep) {
-    Watch const watch(m_settings);
-    m_document.step([&] { GetParam().setOther(m_settings); });
-    EXPECT_TRUE(GetParam().isOther(m_settings));
-    EXPECT_EQ(watch.m_changes, 1);
-    EXPECT_EQ(watch.m_type, DataChange::ChangeValue);
-    ASSERT_EQ(m_document.history().undoSteps(), 1U);
-    ASSERT_TRUE(m_document.history().undo());
-    EXPECT_TRUE(GetParam().isStandard(m_settings));
-    ASSERT_TRUE(m_document.history().redo());
-    EXPECT_TRUE(GetParam().isOther(m_settings));
+TEST_P(SettingTests, IsSetAndNoOtherFollows) {
+    std::vector<Bits> expected = m_document.values();
+    change();
+    EXPECT_NE(value(), GetParam().standard);
+    expected[place()] = value();
+    EXPECT_EQ(m_document.values(), expected);
 }
 
-TEST_P(SettingTests, TheSameValueIsNoChange) {
-    Watch const watch(m_settings);
-    m_document.step([&] { GetParam().setStandard(m_settings); });
-    EXPECT_EQ(watch.m_changes, 0);
-    EXPECT_EQ(m_document.history().undoSteps(), 0U);
-    EXPECT_FALSE(m_document.m_rAsset->isDirty());
+TEST_P(SettingTests, TellsOfItsChangeOnce) {
+    Recorder recorder(settings());
+    Bits before;
+    Bits after;
+    recorder.m_onPre = [&](DataChange *) { before = value(); };
+    recorder.m_onPost = [&](DataChange *) { after = value(); };
+    change();
+    if (!GetParam().isChange) {
+        EXPECT_TRUE(recorder.m_told.empty());
+        return;
+    }
+    EXPECT_EQ(before, GetParam().standard);
+    EXPECT_EQ(after, value());
+    ASSERT_EQ(recorder.m_told.size(), 2U);
+    EXPECT_EQ(recorder.m_told[0].what, Told::Pre);
+    EXPECT_EQ(recorder.m_told[1].what, Told::Post);
+    for (Told const & told : recorder.m_told) {
+        EXPECT_EQ(told.entity, &settings());
+        EXPECT_EQ(told.transact, DataChange::TransactDirect);
+        EXPECT_EQ(told.type, DataChange::ChangeValue);
+        EXPECT_FALSE(told.hasDetails);
+    }
 }
 
-TEST_P(SettingTests, IsSavedAndNoOtherFollowsIt) {
-    m_document.step([&] { GetParam().setOther(m_settings); });
-    StrongRef<Settings> const read = m_document.saved();
-    ASSERT_TRUE(read);
-    for (Row const & row : rows())
-        EXPECT_TRUE(row.number == GetParam().number ? row.isOther(*read) : row.isStandard(*read))
-            << row.member;
+TEST_P(SettingTests, TheValueThatItHasIsNoChange) {
+    change();
+    TemporaryFile const file;
+    m_document.saveAs(file);
+    std::vector<Bits> const values = m_document.values();
+    Recorder recorder(settings());
+    m_document.step([&] { change(); });
+    EXPECT_TRUE(recorder.m_told.empty());
+    EXPECT_FALSE(m_document.history().canUndo());
+    EXPECT_EQ(m_document.values(), values);
+    // The mark is stored without a look at what it was.
+    EXPECT_EQ(m_document.asset().isDirty(), GetParam().name == "settingsInitialized");
 }
 
-TEST(CommonDataAssetSettingsTests, TheMembersStandInTheirOrder) {
-    SettingsDocument const document;
-    MemberSet const & set = *document.m_rSettings->memberSet();
-    EXPECT_EQ(set.className(), "CommonDataAssetSettings");
-    EXPECT_EQ(set.member(0).name(), "activeUnitSystem");
-    EXPECT_EQ(set.member(0).type(), PassiveRefMetaType::get());
-    EXPECT_EQ(set.member(1).name(), "settingsInitialized");
-    EXPECT_EQ(set.member(1).type(), IntrinsicMetaType<bool>::get());
-    EXPECT_EQ(set.member(25).name(), "namedViews");
-    EXPECT_EQ(set.member(25).type(), StrongRefMetaType::get());
-    EXPECT_EQ(set.base(), AssetSettings::s_metaType()->memberSet(c_latestVersion));
+TEST_P(SettingTests, IsOneStepThatIsUndoneAndDoneAgain) {
+    std::vector<Bits> const before = m_document.values();
+    m_document.step([&] { change(); });
+    std::vector<Bits> const after = m_document.values();
+    EXPECT_EQ(m_document.history().undoSteps(), GetParam().isChange ? 1U : 0U);
+    if (!GetParam().isChange) {
+        EXPECT_NE(value(), GetParam().standard);
+        return;
+    }
+    for (int round = 0; round < 3; ++round) {
+        m_document.undo();
+        EXPECT_EQ(m_document.values(), before);
+        m_document.redo();
+        EXPECT_EQ(m_document.values(), after);
+    }
 }
 
-TEST(CommonDataAssetSettingsTests, OnlyTheActiveUnitSystemIsntFollowed) {
-    SettingsDocument const document;
-    MemberSet const & set = *document.m_rSettings->memberSet();
-    EXPECT_EQ(set.member(0).options(), Member::OptionsDefault & ~16U);
-    for (unsigned i = 1; i < set.members(); ++i)
-        EXPECT_EQ(set.member(i).options(), Member::OptionsDefault) << set.member(i).name();
+TEST_P(SettingTests, AnAbortTakesBackWhatIsAChange) {
+    std::vector<Bits> const before = m_document.values();
+    Transaction transaction(m_document.asset(), L"Step");
+    change();
+    std::vector<Bits> const after = m_document.values();
+    transaction.abort();
+    EXPECT_EQ(m_document.values(), GetParam().isChange ? before : after);
 }
 
-TEST(CommonDataAssetSettingsTests, TheMetaTypeIsAsDocumentsKnowIt) {
+TEST_P(SettingTests, IsSavedAndLoaded) {
+    change();
+    TemporaryFile const file;
+    m_document.saveAs(file);
+    EXPECT_EQ(valuesIn(file.path()), m_document.values());
+}
+
+TEST_P(SettingTests, IsWrittenByTheNextSave) {
+    TemporaryFile const file;
+    m_document.saveAs(file);
+    EXPECT_FALSE(m_document.asset().isDirty());
+    change();
+    EXPECT_TRUE(m_document.asset().isDirty());
+    m_document.save();
+    EXPECT_FALSE(m_document.asset().isDirty());
+    EXPECT_EQ(valuesIn(file.path()), m_document.values());
+    EXPECT_NE(valuesIn(file.path())[place()], GetParam().standard);
+}
+
+TEST_P(SettingTests, IsUndoneAndDoneAgainOverASave) {
+    TemporaryFile const file;
+    m_document.saveAs(file);
+    std::vector<Bits> const before = m_document.values();
+    m_document.step([&] { m_document.settings().gridSize(1, 1, 1); });
+    m_document.step([&] { change(); });
+    std::vector<Bits> const after = m_document.values();
+    m_document.save();
+    if (!GetParam().isChange) {
+        EXPECT_FALSE(m_document.history().canUndo());
+        return;
+    }
+    m_document.undo();
+    m_document.save();
+    EXPECT_EQ(valuesIn(file.path()), before);
+    m_document.redo();
+    m_document.save();
+    EXPECT_EQ(valuesIn(file.path()), after);
+}
+
+TEST_P(SettingTests, IsReadByNameAsWell) {
+    EntityMembers const members{StrongRef<Entity>(&settings())};
+    std::string const name = GetParam().name + (GetParam().standard.size() == 3 ? ".x" : "");
+    std::wstring before;
+    std::wstring after;
+    EXPECT_TRUE(members.get(name, before));
+    change();
+    EXPECT_TRUE(members.get(name, after));
+    EXPECT_NE(before, after);
+}
+
+class CommonDataAssetSettingsTests : public testing::Test {
+protected:
+    Settings & settings() const { return m_document.settings(); }
+
+    SettingsDocument m_document;
+};
+
+TEST_F(CommonDataAssetSettingsTests, TheClassIsThatOfTheDocuments) {
     EntityMetaType const & type = *Settings::s_metaType();
-    EXPECT_EQ(type.identifier(), "23FD63FB-4EBE-4c85-A42B-5D9809AA3499");
+    EXPECT_EQ(Settings::s_metaTypeId(), "23FD63FB-4EBE-4c85-A42B-5D9809AA3499");
+    EXPECT_EQ(type.identifier(), Settings::s_metaTypeId());
     EXPECT_EQ(type.name(), "CommonDataAssetSettingsMetaType");
     EXPECT_EQ(type.addInIdentifier(), "CommonData");
     EXPECT_EQ(type.version(), 1U);
-    EXPECT_EQ(type.type(), 2);
-    EXPECT_EQ(type.base(), AssetSettings::s_metaType());
-    EXPECT_FALSE(StrongRef<Settings>(Settings::make(nullptr)));
+    EXPECT_EQ(type.baseIdentifier(), AssetSettings::s_metaTypeId());
+    EXPECT_EQ(static_cast<unsigned>(type.type()), 2U);
+    EXPECT_EQ(settings().metaType(), &type);
+    EXPECT_EQ(settings().memberSet()->className(), "CommonDataAssetSettings");
+    EXPECT_EQ(settings().memberSet()->base(), AssetSettings::s_metaType()->memberSet(0xFFFFFFFF));
+    EXPECT_EQ(settings().version(), 1U);
 }
 
-TEST(CommonDataAssetSettingsTests, TheTextNamesTheBase) {
-    SettingsDocument const document;
-    std::wstring const text = document.m_rSettings->toString();
-    EXPECT_EQ(text.find(L"CommonDataAssetSettings (base "), 0U);
+TEST_F(CommonDataAssetSettingsTests, IsFoundByTheIdsOfItsClassAndOfItsBases) {
+    EXPECT_EQ(Settings::interfaceId()->string(), "Vn::CommonData::CommonDataAssetSettings");
+    EXPECT_EQ(Settings::interfaceId(), Settings::interfaceId());
+    EXPECT_EQ(settings().getInterfaceId(), Settings::interfaceId());
+    Entity const & entity = settings();
+    EXPECT_EQ(query<Settings>(&entity), &settings());
+    EXPECT_EQ(query<AssetSettings>(&entity), &settings());
+    EXPECT_EQ(query<NameView::NamedViews>(&entity), nullptr);
+    EXPECT_EQ(settings().queryMTInterface(Settings::s_metaType()), &settings());
+    EXPECT_EQ(settings().queryMTInterface(AssetSettings::s_metaType()), &settings());
+    EXPECT_EQ(settings().queryMTInterface(NameView::NamedViews::s_metaType()), nullptr);
+}
+
+TEST_F(CommonDataAssetSettingsTests, TheTextHasThatOfTheBase) {
+    std::wstring const text = settings().toString();
+    std::wstring const head = L"CommonDataAssetSettings (base ";
+    EXPECT_EQ(text.substr(0, head.size()), head);
+    EXPECT_GT(text.size(), head.size() + 1);
     EXPECT_EQ(text.back(), L')');
 }
 
-// --- What counts as a change -------------------------------------------------------------------
-
-TEST(CommonDataAssetSettingsTests, SettingSceneBoundRadiusToItsPresentValueIsNotTold) {
-    SettingsDocument const document;
-    Settings & settings = *document.m_rSettings;
-    Watch const watch(settings);
-    settings.sceneBoundRadius(1.8);
-    EXPECT_EQ(watch.m_changes, 0);
-    settings.sceneBoundRadius(c_nan);
-    settings.sceneBoundRadius(c_nan);
-    settings.sceneBoundRadius(1.8);
-    EXPECT_EQ(watch.m_changes, 3);
-    settings.sceneBoundRadius(std::nextafter(1.8, 2.0));
-    EXPECT_EQ(watch.m_changes, 4);
-    settings.sceneBoundRadius(0.0);
-    settings.sceneBoundRadius(-0.0);
-    EXPECT_EQ(watch.m_changes, 5);
-}
-
-TEST(CommonDataAssetSettingsTests, AVectorWithinTheToleranceLeavesTheStoredOne) {
-    SettingsDocument const document;
-    Settings & settings = *document.m_rSettings;
-    Watch const watch(settings);
-    settings.sceneUp({0, 9e-11, 1});
-    settings.currentHomePosition({11.75 + 9e-11, -3.15, 6.75});
-    EXPECT_EQ(watch.m_changes, 0);
-    EXPECT_TRUE(isSame(settings.sceneUp(), TgVector3d(0, 0, 1)));
-    EXPECT_TRUE(isSame(settings.currentHomePosition(), TgPoint3d(11.75, -3.15, 6.75)));
-}
-
-TEST(CommonDataAssetSettingsTests, StepsBelowTheToleranceDontAddUp) {
-    SettingsDocument const document;
-    Settings & settings = *document.m_rSettings;
-    settings.sceneUp({0, 6e-11, 1});
-    settings.sceneUp({0, 12e-11, 1});
-    EXPECT_TRUE(isSame(settings.sceneUp(), TgVector3d(0, 12e-11, 1)));
-    settings.sceneUp({0, 18e-11, 1});
-    EXPECT_TRUE(isSame(settings.sceneUp(), TgVector3d(0, 12e-11, 1)));
-}
-
-TEST(CommonDataAssetSettingsTests, AVectorThatIsntFiniteIsAlwaysAChange) {
-    SettingsDocument const document;
-    Settings & settings = *document.m_rSettings;
-    Watch const watch(settings);
-    settings.sceneFront({c_nan, 0, 0});
-    settings.sceneFront({c_nan, 0, 0});
-    settings.defaultHomeTarget({0, c_inf, 0});
-    settings.defaultHomeTarget({0, c_inf, 0});
-    EXPECT_EQ(watch.m_changes, 4);
-}
-
-TEST(CommonDataAssetSettingsTests, OddNumbersAreKeptSavedAndReadAsTheyWere) {
-    for (double const odd : {c_nan, c_inf, -c_inf, 1e308, -1e308, 5e-324, -5e-324, -0.0}) {
-        SettingsDocument document;
-        Settings & settings = *document.m_rSettings;
-        document.step([&] {
-            settings.globalBoundRadius(odd);
-            settings.sceneUp({odd, 5, odd});
-            settings.sceneBoundBoxCenter({1, odd, 3});
-        });
-        StrongRef<Settings> const read = document.saved();
-        ASSERT_TRUE(read);
-        EXPECT_TRUE(isSame(read->globalBoundRadius(), odd)) << odd;
-        EXPECT_TRUE(isSame(read->sceneUp(), TgVector3d(odd, 5, odd))) << odd;
-        EXPECT_TRUE(isSame(read->sceneBoundBoxCenter(), TgPoint3d(1, odd, 3))) << odd;
-        ASSERT_TRUE(document.history().undo());
-        EXPECT_TRUE(isSame(settings.sceneUp(), TgVector3d(0, 0, 1)));
-        ASSERT_TRUE(document.history().redo());
-        EXPECT_TRUE(isSame(settings.sceneUp(), TgVector3d(odd, 5, odd))) << odd;
-    }
-}
-
-// --- The grid ----------------------------------------------------------------------------------
-
-TEST(CommonDataAssetSettingsTests, TheGridIsToldAndNeitherUndoneNorSaved) {
-    SettingsDocument document;
-    Settings & settings = *document.m_rSettings;
+// As the data model makes one of a file that lacks members.
+TEST_F(CommonDataAssetSettingsTests, OneThatIsBeingLoadedBeginsWithZeroes) {
+    StrongRef<Entity> const made = Settings::s_metaType()->createEntity(m_document.segment(), 5000);
+    auto const & loaded = *query<Settings>(made.get());
+    for (Setting const & setting : allSettings())
+        EXPECT_EQ(setting.get(loaded), Bits(setting.standard.size(), 0)) << setting.name;
     double first = 0;
     double second = 0;
-    EXPECT_EQ(settings.gridSize(first, second), 0);
-    EXPECT_EQ(first, 20.0);
-    EXPECT_EQ(second, 20.0);
-    {
-        Watch const watch(settings);
-        document.step([&] { settings.gridSize(5, 1.5, c_nan); });
-        EXPECT_EQ(watch.m_changes, 1);
-        settings.gridSize(5, 1.5, 2.5);
-        settings.gridSize(5, 1.5, 2.5);
-        EXPECT_EQ(watch.m_changes, 2);
-    }
-    EXPECT_EQ(document.history().undoSteps(), 0U);
-    EXPECT_FALSE(document.m_rAsset->isDirty());
-    EXPECT_EQ(settings.gridSize(first, second), 5);
-    EXPECT_EQ(first, 1.5);
-    EXPECT_EQ(second, 2.5);
-    StrongRef<Settings> const read = document.saved();
-    ASSERT_TRUE(read);
-    EXPECT_EQ(read->gridSize(first, second), 0);
+    EXPECT_EQ(loaded.gridSize(first, second), 0);
     EXPECT_EQ(first, 20.0);
     EXPECT_EQ(second, 20.0);
 }
 
-// --- Setters without a change ------------------------------------------------------------------
-
-TEST(CommonDataAssetSettingsTests, SettingsInitializedIsNotUndoableAndIsSaved) {
-    SettingsDocument document;
-    Settings & settings = *document.m_rSettings;
-    {
-        Watch const watch(settings);
-        document.step([&] { settings.settingsInitialized(true); });
-        EXPECT_EQ(watch.m_changes, 0);
-    }
-    EXPECT_EQ(document.history().undoSteps(), 0U);
-    EXPECT_TRUE(document.m_rAsset->isDirty());
-    StrongRef<Settings> const read = document.saved();
-    ASSERT_TRUE(read);
-    EXPECT_TRUE(read->settingsInitialized());
-    EXPECT_FALSE(document.m_rAsset->isDirty());
+TEST_F(CommonDataAssetSettingsTests, MakeWithoutASegmentMakesNothing) {
+    EXPECT_FALSE(Settings::make(nullptr));
 }
 
-TEST(CommonDataAssetSettingsTests, AnAbortOrAnUndoKeepsTheMark) {
-    SettingsDocument const document;
-    Settings & settings = *document.m_rSettings;
-    {
-        Transaction transaction(*document.m_rAsset, L"Aborted");
-        settings.settingsInitialized(true);
-    }
-    EXPECT_TRUE(settings.settingsInitialized());
-    document.step([&] {
-        settings.fitHome(false);
-        settings.settingsInitialized(false);
-    });
-    ASSERT_TRUE(document.history().undo());
-    EXPECT_TRUE(settings.fitHome());
-    EXPECT_FALSE(settings.settingsInitialized());
-}
-
-TEST(CommonDataAssetSettingsTests, NamedViewsAreOwnedWithoutAChange) {
-    SettingsDocument document;
-    Settings & settings = *document.m_rSettings;
-    StrongRef<NamedViews> views = NamedViews::make(document.design());
-    {
-        Watch const watch(settings);
-        document.step([&] { settings.namedViews(views); });
-        EXPECT_EQ(watch.m_changes, 0);
-    }
-    EXPECT_EQ(document.history().undoSteps(), 0U);
-    EXPECT_TRUE(document.m_rAsset->isDirty());
-    PassiveRef<NamedViews> const alive = views;
-    views.reset();
-    EXPECT_TRUE(alive);
-    StrongRef<Settings> const read = document.saved();
-    ASSERT_TRUE(read);
-    ASSERT_TRUE(read->namedViews());
-    EXPECT_EQ(read->namedViews()->id(), settings.namedViews()->id());
-    settings.namedViews(settings.namedViews());
-    EXPECT_FALSE(document.m_rAsset->isDirty());
-    settings.namedViews(nullptr);
-    EXPECT_FALSE(alive);
-    EXPECT_EQ(document.saved()->namedViews(), nullptr);
-}
-
-TEST(CommonDataAssetSettingsTests, ViewsWhoseMakingIsUndoneAreNullUntilARedo) {
-    SettingsDocument document;
-    Settings & settings = *document.m_rSettings;
-    StrongRef<NamedViews> views;
-    document.step([&] {
-        views = NamedViews::make(document.design());
-        document.design()->addRoot(views, "NamedViews");
-        settings.namedViews(views);
-    });
-    ASSERT_TRUE(document.history().undo());
-    EXPECT_EQ(settings.namedViews(), nullptr);
-    EXPECT_EQ(document.saved()->namedViews(), nullptr);
-    ASSERT_TRUE(document.history().redo());
-    EXPECT_EQ(settings.namedViews(), views);
-    ASSERT_TRUE(document.saved());
-    EXPECT_TRUE(document.read()->namedViews());
-}
-
-// --- The active unit system --------------------------------------------------------------------
-
-class ActiveUnitSystemTests : public testing::Test {
-protected:
-    ActiveUnitSystemTests() {
-        m_rSystems = UnitSystems::make(m_document.design());
-        m_rFirst = UnitSystem::make(m_rSystems, L"First", "first");
-        m_rSecond = UnitSystem::make(m_rSystems, L"Second", "second");
-        m_document.history().clear();
-    }
-
-    SettingsDocument m_document;
-    Settings & m_settings = *m_document.m_rSettings;
-    StrongRef<UnitSystems> m_rSystems;
-    StrongRef<UnitSystem> m_rFirst;
-    StrongRef<UnitSystem> m_rSecond;
-};
-
-TEST_F(ActiveUnitSystemTests, ThereIsNoneUntilOneIsActivated) {
-    EXPECT_EQ(m_settings.activeUnitSystem(), nullptr);
-    m_settings.activateUnitSystem(m_rFirst);
-    EXPECT_EQ(m_settings.activeUnitSystem(), m_rFirst);
-}
-
-TEST_F(ActiveUnitSystemTests, ActivatingTheActiveOneDoesNothing) {
-    m_settings.activateUnitSystem(m_rFirst);
-    Watch const watch(m_settings);
-    m_document.step([&] { m_settings.activateUnitSystem(m_rFirst); });
-    EXPECT_EQ(watch.m_changes, 0);
-    EXPECT_EQ(m_document.history().undoSteps(), 0U);
-}
-
-TEST_F(ActiveUnitSystemTests, ItIsUndoneAndSavedLikeEveryMember) {
-    m_document.step([&] { m_settings.activateUnitSystem(m_rFirst); });
-    m_document.step([&] { m_settings.activateUnitSystem(m_rSecond); });
-    ASSERT_TRUE(m_document.history().undo());
-    EXPECT_EQ(m_settings.activeUnitSystem(), m_rFirst);
-    StrongRef<Settings> const read = m_document.saved();
-    ASSERT_TRUE(read && read->activeUnitSystem());
-    EXPECT_EQ(read->activeUnitSystem()->id(), "first");
-    ASSERT_TRUE(m_document.history().undo());
-    EXPECT_EQ(m_settings.activeUnitSystem(), nullptr);
-}
-
-TEST_F(ActiveUnitSystemTests, NullDeactivatesWithinABracket) {
-    m_settings.activateUnitSystem(m_rFirst);
-    Watch const watch(m_settings);
-    m_document.step([&] { m_settings.activateUnitSystem(nullptr); });
-    EXPECT_EQ(watch.m_changes, 1);
-    EXPECT_EQ(m_settings.activeUnitSystem(), nullptr);
-    ASSERT_TRUE(m_document.history().undo());
-    EXPECT_EQ(m_settings.activeUnitSystem(), m_rFirst);
-}
-
-TEST_F(ActiveUnitSystemTests, NullWithoutAnActiveOneDoesNothing) {
-    Watch const watch(m_settings);
-    m_settings.activateUnitSystem(nullptr);
-    EXPECT_EQ(watch.m_changes, 0);
-    m_settings.activateUnitSystem(m_rFirst);
-    m_rSystems->removeChild(m_rFirst);
-    m_rFirst.reset();
-    EXPECT_EQ(m_settings.activeUnitSystem(), nullptr);
-    int const before = watch.m_changes;
-    m_settings.activateUnitSystem(nullptr);
-    EXPECT_EQ(watch.m_changes, before);
-}
-
-// --- Documents ---------------------------------------------------------------------------------
-
-TEST(CommonDataAssetSettingsTests, TheFirstAreTheDocumentsAndASecondIsFoundByNobody) {
-    SettingsDocument const document;
-    StrongRef<Settings> const second = Settings::make(document.design());
-    ASSERT_TRUE(second);
-    EXPECT_EQ(SettingsDocument::settingsOf(document.m_rAsset), document.m_rSettings);
-    EXPECT_EQ(document.design()->rootKey(second.get()), nullptr);
-}
-
-TEST(CommonDataAssetSettingsTests, UndoAndRedoOfTheMakingLeaveOne) {
+TEST_F(CommonDataAssetSettingsTests, MakeGivesADocumentItsSettings) {
     StrongRef<Asset> const asset = Asset::make(nullptr);
-    Segment * const design = asset->segment(SegmentType::DesignSegment);
-    StrongRef<Settings> settings;
+    Segment * const segment = asset->segment(1U);
+    StrongRef<Settings> made;
     {
-        Transaction transaction(*asset, L"Make");
-        settings = Settings::make(design);
+        Transaction transaction(*asset, L"Equip");
+        made = Settings::make(segment);
         transaction.commit();
     }
-    for (int round = 0; round < 3; ++round) {
-        ASSERT_TRUE(asset->history().undo());
-        EXPECT_EQ(SettingsDocument::settingsOf(asset), nullptr);
-        ASSERT_TRUE(asset->history().redo());
-        EXPECT_EQ(SettingsDocument::settingsOf(asset), settings);
+    EXPECT_EQ(segment->rootEntity("AssetSettings"), made);
+    ASSERT_TRUE(asset->history().undo());
+    EXPECT_FALSE(segment->rootEntity("AssetSettings"));
+    EXPECT_FALSE(made->isAlive());
+    ASSERT_TRUE(asset->history().redo());
+    EXPECT_EQ(segment->rootEntity("AssetSettings"), made);
+    EXPECT_TRUE(made->fitHome());
+}
+
+TEST_F(CommonDataAssetSettingsTests, ASecondOneIsAnEntityThatNobodyFinds) {
+    Settings * const first = &settings();
+    StrongRef<Settings> const second = Settings::make(m_document.segment());
+    ASSERT_TRUE(second);
+    EXPECT_EQ(&settings(), first);
+    EXPECT_EQ(m_document.segment()->rootKey(second.get()), nullptr);
+    second->sceneUp(TgVector3d(0, 1, 0));
+    EXPECT_EQ(exactly(first->sceneUp()), exactly(TgVector3d(0, 0, 1)));
+}
+
+TEST_F(CommonDataAssetSettingsTests, ADocumentMayHaveNone) {
+    m_document.segment()->addRoot(nullptr, "AssetSettings");
+    EXPECT_EQ(m_document.found(), nullptr);
+}
+
+TEST_F(CommonDataAssetSettingsTests, SettingTheBoundRadiusToItsValueTellsNobodyAndNaNAlwaysDoes) {
+    Recorder recorder(settings());
+    settings().sceneBoundRadius(1.8);
+    EXPECT_TRUE(recorder.m_told.empty());
+    settings().sceneBoundRadius(c_nan);
+    EXPECT_EQ(recorder.m_told.size(), 2U);
+    settings().sceneBoundRadius(c_nan);
+    EXPECT_EQ(recorder.m_told.size(), 4U);
+    settings().sceneBoundRadius(1.8);
+    EXPECT_EQ(recorder.m_told.size(), 6U);
+    settings().sceneBoundRadius(std::nextafter(1.8, 2)); // numbers have no tolerance
+    EXPECT_EQ(recorder.m_told.size(), 8U);
+    settings().sceneBoundRadius(0.0);
+    settings().sceneBoundRadius(-0.0);
+    EXPECT_EQ(recorder.m_told.size(), 10U);
+}
+
+TEST_F(CommonDataAssetSettingsTests, AVectorWithinTheToleranceIsNoChangeAndIsNotStored) {
+    Recorder recorder(settings());
+    TgVector3d const up = settings().sceneUp();
+    settings().sceneUp(TgVector3d(1e-11, 0, 1));
+    settings().sceneUp(TgVector3d(-0.0, -0.0, 1));
+    EXPECT_EQ(exactly(settings().sceneUp()), exactly(up));
+    TgPoint3d const home = settings().currentHomePosition();
+    settings().currentHomePosition(home + TgVector3d(0, 9e-11, 0));
+    EXPECT_EQ(exactly(settings().currentHomePosition()), exactly(home));
+    EXPECT_TRUE(recorder.m_told.empty());
+    settings().sceneUp(TgVector3d(2e-10, 0, 1));
+    EXPECT_EQ(exactly(settings().sceneUp()), exactly(TgVector3d(2e-10, 0, 1)));
+    EXPECT_EQ(recorder.m_told.size(), 2U);
+}
+
+TEST_F(CommonDataAssetSettingsTests, StepsBelowTheToleranceDoNotAddUp) {
+    for (int i = 1; i <= 2; ++i) settings().sceneUp(TgVector3d(i * 4e-11, 0, 1));
+    EXPECT_EQ(settings().sceneUp().x, 0);
+    settings().sceneUp(TgVector3d(3 * 4e-11, 0, 1)); // from what is stored this is far enough
+    EXPECT_EQ(settings().sceneUp().x, 3 * 4e-11);
+}
+
+TEST_F(CommonDataAssetSettingsTests, AVectorThatIsNotFiniteIsAlwaysAChange) {
+    for (double const odd : {c_nan, c_infinity, -c_infinity}) {
+        settings().sceneUp(TgVector3d(0, odd, 0));
+        settings().defaultHomePosition(TgPoint3d(0, 0, odd));
+        Recorder recorder(settings());
+        settings().sceneUp(TgVector3d(0, odd, 0));
+        settings().defaultHomePosition(TgPoint3d(0, 0, odd));
+        EXPECT_EQ(recorder.m_told.size(), 4U) << odd;
+        settings().unsubscribe(&recorder);
     }
 }
 
-class OlderSettingsTests : public testing::Test {
-protected:
-    // A document that the first version of the class wrote, with `sceneUp` and `fitHome` changed.
-    OlderSettingsTests() {
-        std::ifstream stream(VN_SETTINGS_OF_VERSION_0, std::ios::binary);
-        std::ostringstream text;
-        text << stream.rdbuf();
-        EXPECT_FALSE(text.str().empty());
-        std::filesystem::remove(m_file.path());
-        Sql(m_file.path()).run(text.str());
+TEST_F(CommonDataAssetSettingsTests, NothingIsNormalizedOrMadePerpendicular) {
+    settings().sceneUp(TgVector3d(0, 0, 0));
+    settings().sceneFront(TgVector3d(3, 4, 0));
+    settings().sceneUp(TgVector3d(3, 4, 0));
+    EXPECT_EQ(exactly(settings().sceneUp()), exactly(TgVector3d(3, 4, 0)));
+    EXPECT_EQ(exactly(settings().sceneFront()), exactly(TgVector3d(3, 4, 0)));
+    settings().sceneBoundRadius(-5);
+    EXPECT_EQ(settings().sceneBoundRadius(), -5);
+}
+
+TEST_F(CommonDataAssetSettingsTests, GridSizeSurvivesNeitherSaveNorReload) {
+    double first = 0;
+    double second = 0;
+    settings().gridSize(7, 1.5, 2.5);
+    EXPECT_EQ(settings().gridSize(first, second), 7);
+    EXPECT_EQ(first, 1.5);
+    EXPECT_EQ(second, 2.5);
+    TemporaryFile const file;
+    m_document.saveAs(file);
+    EXPECT_EQ(settings().gridSize(first, second), 7);
+    SettingsDocument const loaded(file.path());
+    EXPECT_EQ(loaded.settings().gridSize(first, second), 0);
+    EXPECT_EQ(first, 20.0);
+    EXPECT_EQ(second, 20.0);
+}
+
+TEST_F(CommonDataAssetSettingsTests, TheGridTellsObserversAndIsNoStep) {
+    TemporaryFile const file;
+    m_document.saveAs(file);
+    Recorder recorder(settings());
+    m_document.step([&] { settings().gridSize(0, 20.0, 20.0); });
+    EXPECT_TRUE(recorder.m_told.empty());
+    m_document.step([&] { settings().gridSize(1, 20.0, 20.0); });
+    m_document.step([&] { settings().gridSize(1, 20.0, 5); });
+    m_document.step([&] { settings().gridSize(1, c_nan, 5); });
+    m_document.step([&] { settings().gridSize(1, c_nan, 5); });
+    EXPECT_EQ(recorder.m_told.size(), 8U);
+    EXPECT_EQ(recorder.m_told[0].type, DataChange::ChangeValue);
+    EXPECT_FALSE(m_document.history().canUndo());
+    EXPECT_FALSE(m_document.asset().isDirty());
+}
+
+TEST_F(CommonDataAssetSettingsTests, TheGridLeavesTheStepsAsTheyAre) {
+    m_document.step([&] { settings().fitHome(false); });
+    m_document.step([&] { settings().sceneBoundRadius(3); });
+    m_document.undo();
+    settings().gridSize(3, 1, 2);
+    EXPECT_EQ(m_document.history().undoSteps(), 1U);
+    EXPECT_EQ(m_document.history().redoSteps(), 1U);
+    m_document.undo();
+    double first = 0;
+    double second = 0;
+    EXPECT_EQ(settings().gridSize(first, second), 3);
+}
+
+TEST_F(CommonDataAssetSettingsTests, WhatAnObserverOfTheGridSetsIsUndoneAndSaved) {
+    TemporaryFile const file;
+    m_document.saveAs(file);
+    Recorder recorder(settings());
+    bool isFirst = true;
+    recorder.m_onPre = [&](DataChange *) {
+        if (std::exchange(isFirst, false)) settings().sceneBoundRadius(3);
+    };
+    m_document.step([&] { settings().gridSize(3, 1, 2); });
+    EXPECT_TRUE(m_document.asset().isDirty());
+    EXPECT_EQ(m_document.history().undoSteps(), 1U);
+    m_document.undo();
+    EXPECT_EQ(settings().sceneBoundRadius(), 1.8);
+    m_document.redo();
+    m_document.save();
+    EXPECT_EQ(SettingsDocument(file.path()).settings().sceneBoundRadius(), 3);
+}
+
+TEST_F(CommonDataAssetSettingsTests, WhatAnObserverSetsIsAPartOfTheStep) {
+    Recorder recorder(settings());
+    recorder.m_onPre = [&](DataChange *) {
+        settings().unsubscribe(&recorder);
+        settings().sceneFront(TgVector3d(0, 0, 1));
+        settings().sceneUp(TgVector3d(1, 0, 0)); // what the caller sets comes after
+    };
+    std::vector<Bits> const before = m_document.values();
+    m_document.step([&] { settings().sceneUp(TgVector3d(0, 1, 0)); });
+    std::vector<Bits> const after = m_document.values();
+    EXPECT_EQ(exactly(settings().sceneUp()), exactly(TgVector3d(0, 1, 0)));
+    EXPECT_EQ(exactly(settings().sceneFront()), exactly(TgVector3d(0, 0, 1)));
+    EXPECT_EQ(m_document.history().undoSteps(), 1U);
+    m_document.undo();
+    EXPECT_EQ(m_document.values(), before);
+    m_document.redo();
+    EXPECT_EQ(m_document.values(), after);
+}
+
+TEST_F(CommonDataAssetSettingsTests, AnObserverThatThrowsBeforeKeepsTheValue) {
+    Recorder recorder(settings());
+    recorder.m_onPre = [](DataChange *) { throw std::runtime_error("no"); };
+    EXPECT_THROW(settings().fitHome(false), std::runtime_error);
+    EXPECT_TRUE(settings().fitHome());
+    EXPECT_THROW(settings().activateUnitSystem(m_document.system()), std::runtime_error);
+    EXPECT_FALSE(settings().activeUnitSystem());
+    EXPECT_THROW(settings().gridSize(1, 2, 3), std::runtime_error);
+    double first = 0;
+    double second = 0;
+    EXPECT_EQ(settings().gridSize(first, second), 0);
+}
+
+TEST_F(CommonDataAssetSettingsTests, ABracketOfTheCallersRecordsSmallerStepsThanTheSetters) {
+    m_document.step([&] {
+        EntityMembers const members{StrongRef<Entity>(&settings())};
+        EXPECT_TRUE(members.set("sceneUp.x", L"1e-12"));
+    });
+    EXPECT_EQ(settings().sceneUp().x, 1e-12);
+    m_document.undo();
+    EXPECT_EQ(settings().sceneUp().x, 0);
+    m_document.redo();
+    EXPECT_EQ(settings().sceneUp().x, 1e-12);
+}
+
+TEST_F(CommonDataAssetSettingsTests, SettingsInitializedIsNotUndoable) {
+    m_document.step([&] {
+        settings().settingsInitialized(true);
+        settings().fitHome(false);
+    });
+    m_document.undo();
+    EXPECT_TRUE(settings().fitHome());
+    EXPECT_TRUE(settings().settingsInitialized());
+    m_document.redo();
+    EXPECT_TRUE(settings().settingsInitialized());
+}
+
+// Undo and redo are still there, and lead to a file that has the mark.
+TEST_F(CommonDataAssetSettingsTests, WhatMakesNoChangeLeavesTheStepsAndIsSavedAfterThem) {
+    TemporaryFile const file;
+    m_document.step([&] { settings().fitHome(false); });
+    m_document.step([&] { settings().sceneBoundRadius(3); });
+    m_document.undo();
+    m_document.saveAs(file);
+    settings().settingsInitialized(true);
+    settings().namedViews(m_document.views());
+    EXPECT_EQ(m_document.history().undoSteps(), 1U);
+    EXPECT_EQ(m_document.history().redoSteps(), 1U);
+    m_document.undo();
+    m_document.save();
+    SettingsDocument const undone(file.path());
+    EXPECT_TRUE(undone.settings().settingsInitialized());
+    EXPECT_TRUE(undone.settings().namedViews());
+    EXPECT_TRUE(undone.settings().fitHome());
+    m_document.redo();
+    m_document.redo();
+    m_document.save();
+    EXPECT_EQ(valuesIn(file.path()), m_document.values());
+    EXPECT_TRUE(settings().settingsInitialized());
+}
+
+TEST_F(CommonDataAssetSettingsTests, NoSystemIsActiveUntilOneIsActivated) {
+    EXPECT_FALSE(settings().activeUnitSystem());
+    settings().activateUnitSystem(m_document.system());
+    EXPECT_EQ(settings().activeUnitSystem(), m_document.system());
+}
+
+TEST_F(CommonDataAssetSettingsTests, ActivatingTheActiveSystemDoesNothing) {
+    settings().activateUnitSystem(m_document.system());
+    Recorder recorder(settings());
+    m_document.step([&] { settings().activateUnitSystem(m_document.system()); });
+    EXPECT_TRUE(recorder.m_told.empty());
+    EXPECT_FALSE(m_document.history().canUndo());
+}
+
+TEST_F(CommonDataAssetSettingsTests, ActivatingNullDeactivates) {
+    Recorder recorder(settings());
+    settings().activateUnitSystem(nullptr);
+    EXPECT_TRUE(recorder.m_told.empty());
+    settings().activateUnitSystem(m_document.system());
+    m_document.step([&] { settings().activateUnitSystem(nullptr); });
+    EXPECT_EQ(recorder.m_told.size(), 4U);
+    EXPECT_FALSE(settings().activeUnitSystem());
+    m_document.undo();
+    EXPECT_EQ(settings().activeUnitSystem(), m_document.system());
+}
+
+TEST_F(CommonDataAssetSettingsTests, ASystemThatIsGoneIsNoLongerActive) {
+    StrongRef<Units::UnitSystem> const system = m_document.system();
+    settings().activateUnitSystem(system);
+    m_document.step([&] { Units::UnitSystems::find(m_document.segment())->removeChild(system); });
+    // The caller's reference keeps it until it goes.
+    EXPECT_EQ(settings().activeUnitSystem(), system);
+    m_document.undo();
+
+    StrongRef<Units::UnitSystem> made;
+    m_document.step([&] {
+        made = Units::UnitSystem::make(Units::UnitSystems::find(m_document.segment()),
+                                       std::wstring(L"Second"), "second");
+        settings().activateUnitSystem(made);
+    });
+    m_document.undo();
+    EXPECT_EQ(settings().activeUnitSystem(), system);
+    m_document.redo();
+    EXPECT_EQ(settings().activeUnitSystem(), made);
+}
+
+TEST_F(CommonDataAssetSettingsTests, NothingHappensIfTheActiveSystemIsGoneAndNullIsActivated) {
+    StrongRef<Units::UnitSystems> const systems = Units::UnitSystems::find(m_document.segment());
+    {
+        StrongRef<Units::UnitSystem> const second =
+            Units::UnitSystem::make(systems, std::wstring(L"Second"), "second");
+        settings().activateUnitSystem(second);
+        systems->removeChild(second);
     }
+    EXPECT_FALSE(settings().activeUnitSystem());
+    Recorder recorder(settings());
+    settings().activateUnitSystem(nullptr);
+    EXPECT_TRUE(recorder.m_told.empty());
+}
 
-    // Takes a member out of the file, as if it had never been in it.
-    void lose(std::string const & name) {
-        Sql const sql(m_file.path());
-        std::string const position =
-            sql.query("SELECT position FROM members WHERE name='" + name + "'").at(0).at(0);
-        sql.run("DELETE FROM members WHERE name='" + name + "'");
-        // By a detour, since no two members may have one position at any time.
-        sql.run("UPDATE members SET position=-position WHERE position>" + position);
-        sql.run("UPDATE members SET position=-position-1 WHERE position<0");
-        sql.run("ALTER TABLE CommonDataAssetSettings DROP COLUMN \"CommonDataAssetSettings." +
-                name + "\"");
+TEST_F(CommonDataAssetSettingsTests, TheSettingsDoNotOwnTheActiveSystem) {
+    PassiveRef<Units::UnitSystem> passive(m_document.system());
+    settings().activateUnitSystem(m_document.system());
+    StrongRef<Units::UnitSystems> const systems = Units::UnitSystems::find(m_document.segment());
+    systems->removeChild(systems->child(0));
+    EXPECT_FALSE(passive);
+}
+
+TEST_F(CommonDataAssetSettingsTests, TheSettingsOwnTheViews) {
+    settings().namedViews(m_document.views());
+    m_document.segment()->addRoot(nullptr, "NamedViews");
+    ASSERT_TRUE(settings().namedViews());
+    EXPECT_TRUE(settings().namedViews()->isAlive());
+    PassiveRef<NameView::NamedViews> const views(settings().namedViews());
+    settings().namedViews(nullptr);
+    EXPECT_FALSE(views);
+}
+
+TEST_F(CommonDataAssetSettingsTests, NamedViewsAreNullWhileTheirMakingIsUndone) {
+    TemporaryFile const file;
+    m_document.step([&] {
+        StrongRef<NameView::NamedViews> const made =
+            NameView::NamedViews::make(m_document.segment());
+        m_document.segment()->addRoot(made, "Made");
+        settings().namedViews(made);
+    });
+    unsigned long long const id = settings().namedViews()->id();
+    m_document.undo();
+    EXPECT_FALSE(settings().namedViews());
+    m_document.saveAs(file);
+    EXPECT_FALSE(SettingsDocument(file.path()).settings().namedViews());
+    m_document.redo();
+    ASSERT_TRUE(settings().namedViews());
+    EXPECT_EQ(settings().namedViews()->id(), id);
+    m_document.save();
+    EXPECT_EQ(SettingsDocument(file.path()).settings().namedViews()->id(), id);
+    // Another undo, with the file as it is after the redo.
+    m_document.undo();
+    m_document.save();
+    EXPECT_FALSE(SettingsDocument(file.path()).settings().namedViews());
+}
+
+TEST_F(CommonDataAssetSettingsTests, FlagsOfTheViewAreStoredOnly) {
+    settings().namedViews(m_document.views());
+    NameView::NamedViews::makeDefaultNamedViews(m_document.views());
+    TemporaryFile const file;
+    m_document.saveAs(file);
+    std::vector<Bits> const before = m_document.values();
+    settings().perspWithOrthoFaces(true);
+    settings().locktoSelection(true);
+    settings().fitHome(false);
+    std::vector<Bits> const after = m_document.values();
+    for (std::size_t i = 0; i < before.size(); ++i)
+        EXPECT_EQ(before[i] == after[i], i < 10 || i > 12) << allSettings()[i].name;
+    EXPECT_EQ(m_document.views()->children(), 4U);
+}
+
+TEST_F(CommonDataAssetSettingsTests, SettersOutliveTheDocument) {
+    StrongRef<Settings> left;
+    {
+        SettingsDocument const closed;
+        left = StrongRef<Settings>(&closed.settings());
     }
-
-    TemporaryFile m_file;
-    StrongRef<Asset> m_rAsset;
-};
-
-TEST_F(OlderSettingsTests, Version0LoadsWithoutViewsAndIsSavedAsVersion1) {
-    Status const status = DocumentFile::load(m_file.path(), nullptr, m_rAsset);
-    ASSERT_TRUE(status) << status.toString();
-    StrongRef<Settings> const settings = SettingsDocument::settingsOf(m_rAsset);
-    ASSERT_TRUE(settings);
-    EXPECT_EQ(settings->namedViews(), nullptr);
-    EXPECT_EQ(settings->version(), 1U);
-    for (Row const & row : rows())
-        if (row.number == 6)
-            EXPECT_TRUE(isSame(settings->sceneUp(), TgVector3d(0, 1, 0)));
-        else if (row.number == 12)
-            EXPECT_FALSE(settings->fitHome());
-        else
-            EXPECT_TRUE(row.isStandard(*settings)) << row.member;
-
-    settings->namedViews(NamedViews::make(m_rAsset->segment(SegmentType::DesignSegment)));
-    ASSERT_TRUE(DocumentFile::save(*m_rAsset));
-    StrongRef<Asset> again;
-    ASSERT_TRUE(DocumentFile::load(m_file.path(), nullptr, again));
-    EXPECT_TRUE(SettingsDocument::settingsOf(again)->namedViews());
-}
-
-TEST_F(OlderSettingsTests, Version0HasTheFirst25Members) {
-    ASSERT_TRUE(DocumentFile::load(m_file.path(), nullptr, m_rAsset));
-    MemberSet const & older = *Settings::s_metaType()->memberSet(0);
-    MemberSet const & latest = *Settings::s_metaType()->memberSet(c_latestVersion);
-    ASSERT_EQ(older.members(), 25U);
-    for (unsigned i = 0; i < 25; ++i) {
-        EXPECT_EQ(older.member(i).name(), latest.member(i).name());
-        EXPECT_EQ(older.member(i).options(), latest.member(i).options());
-    }
-}
-
-TEST_F(OlderSettingsTests, WhatAFileLacksIsZeroAndNotTheDefault) {
-    for (char const * const name : {"fitHome", "sceneBoundRadius", "currHomeProjection",
-                                    "sceneUp.x", "sceneUp.y", "sceneUp.z"})
-        lose(name);
-    Status const status = DocumentFile::load(m_file.path(), nullptr, m_rAsset);
-    ASSERT_TRUE(status) << status.toString();
-    StrongRef<Settings> const settings = SettingsDocument::settingsOf(m_rAsset);
-    ASSERT_TRUE(settings);
-    EXPECT_FALSE(settings->fitHome());
-    EXPECT_EQ(settings->sceneBoundRadius(), 0);
-    EXPECT_TRUE(isSame(settings->sceneUp(), TgVector3d()));
-    EXPECT_EQ(settings->currHomeProjection(), 0U);
-    EXPECT_EQ(settings->defaultHomeProjection(), 2U);
-}
-
-TEST_F(OlderSettingsTests, Version2IsRefused) {
-    Sql(m_file.path()).run("UPDATE types SET version=2 WHERE name LIKE 'CommonDataAssetSettings%'");
-    Status const status = DocumentFile::load(m_file.path(), nullptr, m_rAsset);
-    EXPECT_EQ(status.code(), StatusNewerFormat) << status.toString();
-    EXPECT_EQ(m_rAsset, nullptr);
-}
-
-TEST(CommonDataAssetSettingsTests, ViewsOfAnotherClassAreRefused) {
-    SettingsDocument document;
-    document.m_rSettings->namedViews(NamedViews::make(document.design()));
-    ASSERT_TRUE(document.saved());
-    Sql(document.m_file.path())
-        .run("UPDATE CommonDataAssetSettings SET \"CommonDataAssetSettings.namedViews\"=id");
-    StrongRef<Asset> read;
-    Status const status = DocumentFile::load(document.m_file.path(), nullptr, read);
-    EXPECT_EQ(status.code(), StatusCorrupt) << status.toString();
-    EXPECT_EQ(read, nullptr);
+    left->sceneUp(TgVector3d(0, 1, 0));
+    left->settingsInitialized(true);
+    left->gridSize(1, 2, 3);
+    EXPECT_EQ(exactly(left->sceneUp()), exactly(TgVector3d(0, 1, 0)));
+    EXPECT_TRUE(left->settingsInitialized());
+    EXPECT_FALSE(left->namedViews());
+    EXPECT_FALSE(left->activeUnitSystem());
 }
 
 } // namespace

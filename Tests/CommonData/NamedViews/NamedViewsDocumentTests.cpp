@@ -192,15 +192,6 @@ TEST_F(ManyViewsTests, TenThousandViewsMadeOneByOne) {
     EXPECT_EQ(document.view(c_count - 1)->name(), L"NamedView_9999");
 }
 
-// What stands in the document between a line that begins a block so and the end of the block.
-std::string block(std::ifstream & in, std::string const & begin) {
-    std::string line;
-    while (std::getline(in, line) && line != begin) {}
-    std::string text;
-    while (std::getline(in, line) && line != "```") text += line + '\n';
-    return text;
-}
-
 TEST_F(NamedViewsDocumentTests, TheQueryOfTheDocumentListsTheViews) {
     StrongRef<Camera> const camera = m_document.camera(0);
     camera->position(TgPoint3d(10, -2.5, 4));
@@ -212,16 +203,10 @@ TEST_F(NamedViewsDocumentTests, TheQueryOfTheDocumentListsTheViews) {
     save();
     std::ifstream in(VN_DOCUMENT_FORMAT);
     ASSERT_TRUE(in);
-    std::string const sql = block(in, "```sql views");
-    std::string const expected = block(in, "```text");
+    std::string const sql = Vn::Testing::blockOf(in, "```sql views");
+    std::string const expected = Vn::Testing::blockOf(in, "```text");
     ASSERT_FALSE(sql.empty());
-    std::string shown;
-    for (auto const & row : query(m_file.path(), sql)) {
-        for (std::size_t column = 0; column < row.size(); ++column)
-            shown += (column ? "|" : "") + (row[column] == "NULL" ? std::string() : row[column]);
-        shown += '\n';
-    }
-    EXPECT_EQ(shown, expected);
+    EXPECT_EQ(Vn::Testing::shellText(query(m_file.path(), sql)), expected);
 }
 
 } // namespace
