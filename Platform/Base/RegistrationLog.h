@@ -29,12 +29,13 @@ public:
         AddIn,           // the file name that is told for the server of common data
         Static           // what the module says by note()
     };
+    // What happens to it.
     enum class EEvent { Joins, Leaves };
 
     // One event.  An entry of the same kind and address that joined earlier is what leaves.
     struct Entry {
-        EEvent event = EEvent::Joins;
-        EKind kind = EKind::Static;
+        EEvent event = EEvent::Joins;   // what happened
+        EKind kind = EKind::Static;     // to what
         std::string name;               // in UTF-8
         void const * address = nullptr; // of the object; of the function of an Initializer
     };

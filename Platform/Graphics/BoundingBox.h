@@ -10,8 +10,8 @@ namespace Vrx::Devices {
 
 // A box along the axes, given by its corners, in the units of the positions within.
 struct BoundingBox {
-    TgPoint3d low;
-    TgPoint3d high;
+    TgPoint3d low;  // the corner with the least numbers
+    TgPoint3d high; // the corner with the greatest
 
     // The box that is one point.
     static constexpr BoundingBox of(TgPoint3d const & point) noexcept { return {point, point}; }

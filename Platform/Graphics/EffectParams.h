@@ -16,7 +16,7 @@ struct EffectParams {
     // Equal in everything; a color with a NaN equals none.
     bool operator==(EffectParams const &) const noexcept = default;
 
-    Vn::Color color;
+    Vn::Color color;         // in which the node shows
     bool overrides = false;  // whether it also replaces the effects of the nodes below
     unsigned char layer = 0; // nodes of a higher layer are drawn over those of lower ones
 };

@@ -13,9 +13,9 @@ struct Color {
     // Equal in all channels; a NaN equals nothing.
     bool operator==(Color const &) const noexcept = default;
 
-    float red = 0;
-    float green = 0;
-    float blue = 0;
+    float red = 0;     // 1 is as much as there is, as of the next two
+    float green = 0;   // from 0 to 1
+    float blue = 0;    // from 0 to 1
     float opacity = 1; // 0 is transparent
 };
 

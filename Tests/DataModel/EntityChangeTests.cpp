@@ -139,7 +139,7 @@ TEST_F(EntityChangeTests, WhatIsUndoableWithinABracketThatIsNotIsRecorded) {
     ASSERT_EQ(m_rAsset->history().undoSteps(), 1U);
     m_heard.clear();
     EXPECT_TRUE(m_rAsset->history().undo().ok());
-    EXPECT_THAT(m_heard, ElementsAre("pre 1", "post 1"));
+    EXPECT_THAT(m_heard, ElementsAre("pre 1 replay", "post 1 replay"));
     EXPECT_EQ(m_rThing->m_int, 0);
     EXPECT_TRUE(m_rThing->m_numbers.empty());
     EXPECT_EQ(m_rThing->m_double, 5);

@@ -163,9 +163,11 @@ TEST_F(DocumentsTests, EveryBlockIsOfAKindThatIsTested) {
         for (Block const & block : document.blocks) {
             if (document.name == c_hosting && block.language.find(' ') != std::string::npos)
                 continue;
+            // A second word names the block to those who run it.
+            std::string const kind = block.language.substr(0, block.language.find(' '));
             bool const isKnown =
                 isFormat
-                    ? std::find(c_databaseKinds.begin(), c_databaseKinds.end(), block.language) !=
+                    ? std::find(c_databaseKinds.begin(), c_databaseKinds.end(), kind) !=
                           c_databaseKinds.end()
                     : std::find(c_kinds.begin(), c_kinds.end(), block.language) != c_kinds.end();
             EXPECT_TRUE(isKnown) << where(block.place) << ": " << block.language;

@@ -26,10 +26,11 @@ namespace {
 
 class CommonDataAddInTests : public testing::Test {
 protected:
-    CommonDataAddInTests() {
+    // The type of the documents that the add-in serves.
+    static std::string servedType() {
         Status const status = load();
         EXPECT_TRUE(status.ok()) << status.toString();
-        m_pAddIn = AddInMgr::get()->addIn("CommonData");
+        return AddIn::defaultCommonDataServerAddIn()->assetTypeId();
     }
 
     // Once in the process, as a host does.
@@ -42,8 +43,8 @@ protected:
     }
     static StrongRef<Asset> document(AssetType const * type) { return Asset::make(type); }
 
-    AddIn * m_pAddIn = nullptr;
-    AssetType const m_served{AddIn::defaultCommonDataServerAddIn()->assetTypeId()};
+    AssetType const m_served{servedType()};
+    AddIn * const m_pAddIn = AddInMgr::get()->addIn("CommonData");
 };
 
 TEST_F(CommonDataAddInTests, TheDefaultServerIsTheRecordOfTheModule) {

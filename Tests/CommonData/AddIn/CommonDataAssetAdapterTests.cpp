@@ -471,7 +471,8 @@ TEST_F(CommonDataAssetAdapterTests, ASourceThatThrowsLeavesTheGraphThatThereWas)
 
 TEST_F(CommonDataAssetAdapterTests, TheInterfacesAreAskedForInTheirOrder) {
     CommonDataAssetAdapter adapter(m_rAsset.get());
-    EXPECT_EQ(adapter.getInterfaceId(), UniqueString::find("Vn::CommonDataAssetAdapter", false));
+    UniqueString const * const id = adapter.getInterfaceId();
+    EXPECT_EQ(id, UniqueString::find("Vn::CommonDataAssetAdapter", false));
     EXPECT_EQ(query<CommonDataAssetAdapter>(&adapter), &adapter);
     EXPECT_EQ(query<Scene::SceneAssetAdapter>(&adapter), &adapter);
     EXPECT_EQ(query<AssetAdapter>(&adapter), &adapter);

@@ -78,7 +78,7 @@ protected:
     Document const m_document;
     StrongRef<Group> const m_rRoot;
     StrongRef<Group> const m_rInner;
-    std::vector<StrongRef<Leaf>> const m_leaves;
+    std::vector<StrongRef<Leaf>> m_leaves;
 };
 
 TEST_F(ObjectPathTests, APathLeadsFromTheKeyOfARootDownByThePlaces) {
