@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "Platform/Base/Spelling.h"
+
 namespace Vn::Console {
 
 std::wstring shortestNumber(double value) {
@@ -11,6 +13,24 @@ std::wstring shortestNumber(double value) {
 }
 
 std::wstring inQuotes(std::wstring_view text) { return L'"' + printable(clipped(text)) + L'"'; }
+
+std::wstring orInstead(std::wstring const & name, std::vector<std::wstring> const & names) {
+    // Long names aren't mistyped but something else, and costly to compare.
+    constexpr std::size_t c_longest = 100;
+    if (name.size() <= c_longest) {
+        auto const nearest = Spelling::nearest(name, names, Spelling::allowedMistakes(name.size()));
+        if (!nearest.empty()) return L"; did you mean " + printable(*nearest.front()) + L"?";
+    }
+    constexpr std::size_t c_longestList = 1000;
+    std::wstring all;
+    for (std::wstring const & known : names) {
+        if (all.size() > c_longestList) break;
+        all += (all.empty() ? L"; there " + std::wstring(names.size() == 1 ? L"is " : L"are ")
+                            : std::wstring(L", ")) +
+               printable(clipped(known));
+    }
+    return clipped(all, c_longestList);
+}
 
 bool containsFolded(std::wstring_view text, std::wstring_view part) {
     for (std::size_t i = 0; i + part.size() <= text.size(); ++i)

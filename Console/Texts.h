@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Platform/Base/Text.h"
 
@@ -21,6 +22,10 @@ using Text::trimmed;
 
 // The clipped text in double quotes, with what a terminal wouldn't show or would act on replaced.
 std::wstring inQuotes(std::wstring_view text);
+
+// What to write instead of a name that isn't among `names`: "; did you mean imp?", or all of them,
+// "; there are mks, imp".  Empty if there are none.
+std::wstring orInstead(std::wstring const & name, std::vector<std::wstring> const & names);
 
 // Whether `text` contains `part`, where the case of ASCII letters doesn't count.
 bool containsFolded(std::wstring_view text, std::wstring_view part);

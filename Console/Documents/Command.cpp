@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Console/CommandLine/ExitStatus.h"
@@ -52,17 +54,24 @@ bool readQuoted(std::wstring_view & text, std::wstring & word) {
     return false;
 }
 
-// Reads up to a blank or a comma that stands outside of square brackets.  A bracket that isn't
-// closed encloses nothing.
+// Reads up to a blank or a comma that stands outside of brackets, which are those of paths and
+// lists and those of points.  A bracket that isn't closed encloses nothing.
 std::wstring readPlain(std::wstring_view & text) {
-    bool const isClosed =
-        std::count(text.begin(), text.end(), L'[') <= std::count(text.begin(), text.end(), L']');
+    constexpr std::pair<wchar_t, wchar_t> c_kinds[] = {{L'[', L']'}, {L'(', L')'}};
+    std::size_t depths[std::size(c_kinds)] = {};
+    bool isClosed[std::size(c_kinds)] = {};
+    for (std::size_t i = 0; i < std::size(c_kinds); ++i)
+        isClosed[i] = std::count(text.begin(), text.end(), c_kinds[i].first) <=
+                      std::count(text.begin(), text.end(), c_kinds[i].second);
     std::size_t end = 0;
-    for (std::size_t depth = 0; end < text.size() && (depth > 0 || !endsWord(text[end])); ++end)
-        if (text[end] == L'[' && isClosed)
-            ++depth;
-        else if (text[end] == L']' && depth > 0)
-            --depth;
+    for (; end < text.size(); ++end) {
+        if (depths[0] == 0 && depths[1] == 0 && endsWord(text[end])) break;
+        for (std::size_t i = 0; i < std::size(c_kinds); ++i)
+            if (text[end] == c_kinds[i].first && isClosed[i])
+                ++depths[i];
+            else if (text[end] == c_kinds[i].second && depths[i] > 0)
+                --depths[i];
+    }
     std::wstring word(text.substr(0, end));
     text.remove_prefix(end);
     return word;

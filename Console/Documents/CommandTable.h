@@ -1,6 +1,6 @@
 // The commands on documents, listed once.  From this list come the text commands of the subject
-// areas "Document", "Groups" and "UnitSystems", what `vnconsole document` takes and tells of, and
-// the help of a session.  A further command is a further row.
+// areas "Document", "Groups", "UnitSystems", "Settings" and "Views", what `vnconsole document`
+// takes and tells of, and the help of a session.  A further command is a further row.
 
 #ifndef VN_CONSOLE_DOCUMENTS_COMMANDTABLE_H
 #define VN_CONSOLE_DOCUMENTS_COMMANDTABLE_H

@@ -56,6 +56,31 @@ TextCommandResult listUnitSystems(DocumentSession const & session,
 TextCommandResult showUnitSystem(DocumentSession const & session,
                                  TextCommandParameters const & parameters, std::ostream & out);
 
+TextCommandResult activateUnitSystem(DocumentSession & session,
+                                     TextCommandParameters const & parameters);
+TextCommandResult deactivateUnitSystem(DocumentSession & session,
+                                       TextCommandParameters const & parameters);
+
+// The settings.
+TextCommandResult listSettings(DocumentSession const & session,
+                               TextCommandParameters const & parameters, std::ostream & out);
+TextCommandResult setSetting(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult resetSettings(DocumentSession & session,
+                                TextCommandParameters const & parameters);
+TextCommandResult resetAxes(DocumentSession & session, TextCommandParameters const & parameters);
+
+// The named views.
+TextCommandResult listViews(DocumentSession const & session,
+                            TextCommandParameters const & parameters, std::ostream & out);
+TextCommandResult newView(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult updateView(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult renameView(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult deleteView(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult moveViews(DocumentSession & session, TextCommandParameters const & parameters);
+TextCommandResult synchronizeViews(DocumentSession & session,
+                                   TextCommandParameters const & parameters);
+TextCommandResult restoreViews(DocumentSession & session, TextCommandParameters const & parameters);
+
 // "cannot ...: ...".
 TextCommandResult cannot(std::wstring const & what, std::wstring const & reason);
 

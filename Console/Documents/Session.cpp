@@ -3,11 +3,13 @@
 #include <memory>
 #include <new>
 
+#include "Console/Documents/Equipment.h"
 #include "Console/Documents/Hosting.h"
 #include "Console/Documents/Interruption.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/DocumentFile.h"
+#include "Platform/DataModel/OpenChanges.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::Console {
@@ -51,7 +53,10 @@ StrongRef<Entity> DocumentSession::root() const { return design().rootEntity(c_r
 Status DocumentSession::makeNew() {
     StrongRef<Asset> asset;
     if (Status status = makeDocument(asset); !status) return status;
-    makeRootGroup(*asset->segment(SegmentType::DesignSegment));
+    Segment & design = *asset->segment(SegmentType::DesignSegment);
+    makeRootGroup(design);
+    equip(design);
+    makePreferredUnitSystem(design);
     asset->history().clear();
     asset->history().markClean();
     m_rAsset = std::move(asset);
@@ -85,27 +90,30 @@ Status DocumentSession::saveAs(std::filesystem::path const & file) {
     return status;
 }
 
-void DocumentSession::change(std::wstring_view name, std::function<void()> const & work) {
+bool DocumentSession::change(std::wstring_view name, std::function<void()> const & work) {
     std::size_t const before = history().undoSteps();
     std::size_t const bytes = history().bytes();
     // To take a change back needs memory, which may just have run out.
     constexpr std::size_t c_reserve = std::size_t{16} << 20;
     std::unique_ptr<char[]> reserve(new (std::nothrow) char[c_reserve]);
     Transaction transaction(*m_rAsset, name);
+    bool isStep = false;
     try {
         work();
         endIfInterrupted();
-        transaction.commit();
+        if (hasOpenChanges(history())) equip(design());
+        isStep = transaction.commit();
     } catch (std::bad_alloc const &) {
         reserve.reset();
         throw;
     }
     reserve.reset();
-    if (history().undoSteps() == before && history().bytes() == bytes) return; // nothing changed
+    if (history().undoSteps() == before && history().bytes() == bytes) return isStep;
     // A new step takes the place of those that could have been redone, and the oldest steps go when
     // there are too many.
     bool const dropped = m_savedStep && *m_savedStep > before;
     if (dropped || history().undoSteps() != before + 1) m_savedStep.reset();
+    return isStep;
 }
 
 std::wstring DocumentSession::unsavedChanges() const {

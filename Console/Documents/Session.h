@@ -38,8 +38,9 @@ public:
     // The root under c_rootKey; null if the document has none.
     StrongRef<Entity> root() const;
 
-    // A new document in place of the one before, without a file, with an empty root group that no
-    // undo takes away.  The one before stays if that fails.
+    // A new document in place of the one before, without a file.  It has an empty root group, its
+    // settings, the built-in views and a unit system, which no undo takes away.  The one before
+    // stays if that fails.
     [[nodiscard]] Status makeNew();
     // Opens a document in place of the one before, which stays if that fails.
     [[nodiscard]] Status open(std::filesystem::path const & file);
@@ -50,8 +51,10 @@ public:
     std::wstring whatWasKept() const;
 
     // Does some work on the document as one step of its history; takes it back if it throws, or
-    // throws Interrupted itself if the user wishes to end it.
-    void change(std::wstring_view name, std::function<void()> const & work);
+    // throws Interrupted itself if the user wishes to end it.  A document that came without
+    // settings and views gets them within the same step.  Work that changes nothing leaves no step;
+    // the answer is whether there is one.
+    bool change(std::wstring_view name, std::function<void()> const & work);
 
     // Whether work would be lost if the document went.
     bool hasUnsavedChanges() const noexcept { return isOpen() && m_rAsset->isDirty(); }

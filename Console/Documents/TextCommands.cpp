@@ -93,6 +93,10 @@ DocumentTextCommands::DocumentTextCommands(DocumentSession & session, std::ostre
         L"Groups", L"Commands that change the groups of the document"));
     m_areas.push_back(std::make_unique<SubjectArea>(
         L"UnitSystems", L"Commands that change the units of the document"));
+    m_areas.push_back(std::make_unique<SubjectArea>(
+        L"Settings", L"Commands that show and change the settings of the document"));
+    m_areas.push_back(std::make_unique<SubjectArea>(
+        L"Views", L"Commands that keep the named views of the document"));
     for (DocumentCommand const & command : documentCommands())
         m_commands.push_back(std::make_unique<Command>(command, session, out));
 }

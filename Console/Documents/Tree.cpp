@@ -16,7 +16,9 @@
 #include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/Segment.h"
+#include "Platform/Scene/Camera.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
+#include "Server/CommonData/NamedViews/NamedView.h"
 
 namespace Vn::Console {
 
@@ -133,6 +135,13 @@ void writeLine(TreeWalk::Step const & step, bool json, std::ostream & out) {
     out << '\n';
 }
 
+// A camera is a part of its view.
+void markSeen(Entity const & entity, std::unordered_set<Entity const *> & seen) {
+    seen.insert(&entity);
+    auto const * const view = query<NameView::NamedView>(&entity);
+    if (view && view->camera()) seen.insert(view->camera().get());
+}
+
 } // namespace
 
 void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
@@ -144,7 +153,7 @@ void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
         StrongRef<Entity> const root = session.design().rootEntity(key);
         walk.from(*root, nullptr, 0, Onk(Text::fromUtf8(key)).toString(),
                   [&](TreeWalk::Step const & step) {
-                      if (!json) seen.insert(&step.entity);
+                      if (!json) markSeen(step.entity, seen);
                       writeLine(step, json, out);
                   });
     }

@@ -1,9 +1,11 @@
 // The commands that change the unit systems of a document.
 
 #include <ostream>
+#include <utility>
 
 #include <nlohmann/json.hpp>
 
+#include "Console/Documents/Equipment.h"
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/UnitSystems.h"
@@ -129,9 +131,39 @@ Result removeUnitSystem(DocumentSession & session, Parameters const & parameters
     std::wstring const why = findUnitSystem(&session.design(), parameters.parameter(0), system);
     if (!why.empty()) return cannot(L"remove the unit system", why);
     unsigned const choices = system->unitSystemChoices();
-    session.change(L"remove the unit system " + idOf(*system),
-                   [&] { system->parentUnitSystems()->remove(system); });
-    return {0, L"removed the unit system " + idOf(*system) + L" with " + count(choices, L"choice")};
+    bool const wasActive = activeUnitSystem(&session.design()) == system;
+    std::wstring answer =
+        L"removed the unit system " + idOf(*system) + L" with " + count(choices, L"choice");
+    session.change(L"remove the unit system " + idOf(*system), [&] {
+        StrongRef<UnitSystems> const systems = system->parentUnitSystems();
+        systems->remove(std::exchange(system, nullptr)); // the last to hold it
+    });
+    if (wasActive && !activeUnitSystem(&session.design()))
+        answer += L"; it was the active one, and now none is";
+    return {0, answer};
+}
+
+Result activateUnitSystem(DocumentSession & session, Parameters const & parameters) {
+    wchar_t const * const task = L"activate the unit system";
+    StrongRef<UnitSystem> system;
+    std::wstring why = findUnitSystem(&session.design(), parameters.parameter(0), system);
+    if (why.empty()) why = whyNoSettings(session.design());
+    if (!why.empty()) return cannot(task, why);
+    if (activeUnitSystem(&session.design()) == system)
+        return {0, idOf(*system) + L" is the active unit system already"};
+    session.change(L"activate the unit system " + idOf(*system), [&] {
+        equip(session.design());
+        settingsOf(session.design())->activateUnitSystem(system);
+    });
+    return {0, idOf(*system) + L" is the active unit system now"};
+}
+
+Result deactivateUnitSystem(DocumentSession & session, Parameters const &) {
+    StrongRef<UnitSystem> const system = activeUnitSystem(&session.design());
+    if (!system) return {0, L"no unit system is active"};
+    session.change(L"deactivate the unit system " + idOf(*system),
+                   [&] { settingsOf(session.design())->activateUnitSystem(nullptr); });
+    return {0, idOf(*system) + L" isn't active any more"};
 }
 
 Result chooseUnit(DocumentSession & session, Parameters const & parameters) {
@@ -218,6 +250,7 @@ Result listUnitSystems(DocumentSession const & session, Parameters const & param
                        std::ostream & out) {
     bool const json = parameters.hasFlag(L"Json");
     StrongRef<UnitSystems> const systems = UnitSystems::find(&session.design());
+    StrongRef<UnitSystem> const active = activeUnitSystem(&session.design());
     Table table;
     unsigned number = 0;
     for (unsigned i = 0; systems && i < systems->unitSystems(); ++i) {
@@ -229,10 +262,12 @@ Result listUnitSystems(DocumentSession const & session, Parameters const & param
             line["id"] = system->id();
             line["name"] = Text::toUtf8(system->name());
             line["choices"] = system->unitSystemChoices();
+            line["active"] = system == active;
             out << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
         } else {
             table.add({idOf(*system), printable(system->name()),
-                       count(system->unitSystemChoices(), L"choice")});
+                       count(system->unitSystemChoices(), L"choice"),
+                       system == active ? L"active" : L""});
         }
     }
     if (!json) out << (number > 0 ? table.toUtf8() : "the document has no unit system\n");

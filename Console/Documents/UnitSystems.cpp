@@ -2,11 +2,11 @@
 
 #include <vector>
 
+#include "Console/Documents/Equipment.h"
 #include "Console/Failure.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/InterfaceId.h"
-#include "Platform/Base/Spelling.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/FailureExplanation.h"
@@ -26,22 +26,18 @@ using Units::UnitSystemChoiceById;
 using Units::UnitSystemChoiceByUnit;
 using Units::UnitSystems;
 
-// "; did you mean imp?", or "; there are mks, imp"; empty if there are no names.
-std::wstring orInstead(std::wstring const & name, std::vector<std::wstring> const & names) {
-    auto const nearest = Spelling::nearest(name, names, Spelling::allowedMistakes(name.size()));
-    if (!nearest.empty()) return L"; did you mean " + printable(*nearest.front()) + L"?";
-    std::wstring all;
-    for (std::wstring const & known : names)
-        all += (all.empty() ? L"; there " + std::wstring(names.size() == 1 ? L"is " : L"are ")
-                            : std::wstring(L", ")) +
-               printable(known);
-    return clipped(all, 1000);
-}
-
 bool isKindNamed(ESimpleUnitType kind, std::wstring const & name) {
     GlobalizedString const text = SimpleUnit::globalizedSimpleUnitTypeName(kind);
     return Text::foldedEqual(std::wstring_view(text.value()), std::wstring_view(name)) ||
            Text::foldedEqual(std::wstring_view(text.defaultText()), std::wstring_view(name));
+}
+
+std::vector<StrongRef<UnitSystem>> unitSystems(Segment * segment) {
+    StrongRef<UnitSystems> const systems = UnitSystems::find(segment);
+    std::vector<StrongRef<UnitSystem>> all;
+    for (unsigned i = 0; systems && i < systems->unitSystems(); ++i)
+        if (StrongRef<UnitSystem> each = systems->unitSystem(i)) all.push_back(std::move(each));
+    return all;
 }
 
 // The number that a text is; none for other texts.
@@ -57,27 +53,43 @@ std::optional<unsigned> numberOf(std::wstring const & text) {
 
 } // namespace
 
+StrongRef<UnitSystem> activeUnitSystem(Segment * segment) {
+    auto const settings = segment ? settingsOf(*segment) : nullptr;
+    return settings ? settings->activeUnitSystem() : nullptr;
+}
+
 std::wstring findUnitSystem(Segment * segment, std::optional<std::wstring> const & id,
                             StrongRef<UnitSystem> & system) {
-    StrongRef<UnitSystems> const systems = UnitSystems::find(segment);
-    std::vector<StrongRef<UnitSystem>> all;
-    std::vector<std::wstring> ids;
-    for (unsigned i = 0; systems && i < systems->unitSystems(); ++i)
-        if (StrongRef<UnitSystem> each = systems->unitSystem(i)) {
-            ids.push_back(Text::fromUtf8(each->id()));
-            all.push_back(std::move(each));
-        }
+    if (StrongRef<UnitSystem> active = id ? nullptr : activeUnitSystem(segment)) {
+        system = std::move(active);
+        return {};
+    }
+    std::vector<StrongRef<UnitSystem>> const all = unitSystems(segment);
     if (all.empty())
         return L"the document has no unit system; UnitSystems.Make NAME ID mks makes one";
-    if (!id) {
-        if (all.size() > 1) return L"the document has several unit systems" + orInstead({}, ids);
+    if (!id && all.size() == 1) {
         system = all.front();
         return {};
     }
-    StrongRef<UnitSystem> found = systems->findUnitSystem(Text::toUtf8(*id));
-    if (!found) return L"the document has no unit system " + inQuotes(*id) + orInstead(*id, ids);
-    system = std::move(found);
-    return {};
+    std::string const key = id ? Text::toUtf8(*id) : std::string();
+    std::vector<std::wstring> ids;
+    for (StrongRef<UnitSystem> const & each : all) {
+        if (id && each->id() == key) {
+            system = each;
+            return {};
+        }
+        ids.push_back(Text::fromUtf8(each->id()));
+    }
+    if (!id) return L"the document has several unit systems" + orInstead({}, ids);
+    return L"the document has no unit system " + inQuotes(*id) + orInstead(*id, ids);
+}
+
+std::wstring findShownSystem(Segment * segment, StrongRef<UnitSystem> & system) {
+    if (!activeUnitSystem(segment) && unitSystems(segment).empty()) {
+        system = nullptr;
+        return {};
+    }
+    return findUnitSystem(segment, std::nullopt, system);
 }
 
 std::wstring purposeOf(UnitSystemChoice const & choice) {

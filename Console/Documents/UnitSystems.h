@@ -13,10 +13,17 @@
 
 namespace Vn::Console {
 
-// Finds the system with an identifier; without one, the only system that there is.  The answer is
-// empty, or says why there is none; `system` is then left as it was.
+// The system that the document's settings have active; null if there is none.
+StrongRef<Units::UnitSystem> activeUnitSystem(Segment * segment);
+
+// Finds the system with an identifier; without one, the active system, or else the only one that
+// there is.  The answer is empty, or says why there is none; `system` is then left as it was.
 std::wstring findUnitSystem(Segment * segment, std::optional<std::wstring> const & id,
                             StrongRef<Units::UnitSystem> & system);
+
+// The system in whose units the document's own values are shown: as above, and null in a document
+// that has no unit systems.
+std::wstring findShownSystem(Segment * segment, StrongRef<Units::UnitSystem> & system);
 
 // Finds a choice by its number, by its kind in the user's language or in English, in any case, or
 // by its key.  As above.

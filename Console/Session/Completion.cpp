@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "Console/Documents/CommandTable.h"
+#include "Console/Documents/DocumentSettings.h"
+#include "Console/Documents/Operations.h"
 #include "Console/Options.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
@@ -67,6 +69,20 @@ Candidates settings() {
     return all;
 }
 
+Candidates documentSettingNames() {
+    Candidates all;
+    for (DocumentSetting const & setting : documentSettings())
+        all.push_back({Text::widen(setting.accessor), L" "});
+    return all;
+}
+
+// Whether what stands in front of a word is a command that takes the name of a setting of the
+// document.
+bool takesDocumentSetting(std::wstring_view front) {
+    DocumentCommand const * const command = findDocumentCommand(front);
+    return command && (command->run == &setSetting || command->run == &resetSettings);
+}
+
 Candidates optionsJobNames() {
     Candidates all;
     for (OptionsJob const & job : optionsJobs())
@@ -109,6 +125,7 @@ Completion completeSessionLine(std::wstring_view line) {
     if (front == L"options") return choose(optionsJobNames(), word);
     if (front == L"options get" || front == L"options set" || front == L"options reset")
         return choose(settings(), word);
+    if (takesDocumentSetting(front)) return choose(documentSettingNames(), word);
     if (front == L"help") return choose(topics(), word);
 
     Candidates all;

@@ -93,51 +93,51 @@ TEST_F(DocumentCoreTests, AMovedEntityHasItsNewGroupAsParent) {
     answer(L"make");
     answer(L"add 0 2");
     EXPECT_EQ(answer(L"move 0/1 into 1"), "moved Groups/CmnData[0]/CmnData[1] to "
-                                          "Groups/CmnData[1]/CmnData[0] (#5)");
-    StrongRef<Entity> const moved = m_session.asset().entity(5);
-    EXPECT_EQ(query<ManagedEntity>(moved.get())->parent()->id(), 3u);
-    EXPECT_EQ(groupOf(2)->children(), 1u);
-    ASSERT_EQ(groupOf(3)->children(), 1u);
+                                          "Groups/CmnData[1]/CmnData[0] (#32)");
+    StrongRef<Entity> const moved = m_session.asset().entity(32);
+    EXPECT_EQ(query<ManagedEntity>(moved.get())->parent()->id(), 30u);
+    EXPECT_EQ(groupOf(29)->children(), 1u);
+    ASSERT_EQ(groupOf(30)->children(), 1u);
     answer(L"undo");
-    EXPECT_EQ(query<ManagedEntity>(moved.get())->parent()->id(), 2u);
+    EXPECT_EQ(query<ManagedEntity>(moved.get())->parent()->id(), 29u);
 }
 
 TEST_F(DocumentCoreTests, ARemovedEntityGoesUnlessSomebodyHoldsIt) {
     answer(L"make");
     answer(L"add 0 2");
-    StrongRef<Entity> held = m_session.asset().entity(3);
-    EXPECT_EQ(answer(L"remove 0/0"), "removed Groups/CmnData[0]/CmnData[0] (#3); something else "
+    StrongRef<Entity> held = m_session.asset().entity(30);
+    EXPECT_EQ(answer(L"remove 0/0"), "removed Groups/CmnData[0]/CmnData[0] (#30); something else "
                                      "holds it, and it stays in the document");
-    EXPECT_EQ(answer(L"remove 0/0"), "removed Groups/CmnData[0]/CmnData[0] (#4)");
-    EXPECT_TRUE(m_session.asset().entity(3));
-    EXPECT_FALSE(m_session.asset().entity(4));
+    EXPECT_EQ(answer(L"remove 0/0"), "removed Groups/CmnData[0]/CmnData[0] (#31)");
+    EXPECT_TRUE(m_session.asset().entity(30));
+    EXPECT_FALSE(m_session.asset().entity(31));
     EXPECT_EQ(tree().substr(tree().rfind('\n', tree().size() - 2) + 1),
               "1 entity stands outside the tree\n");
-    EXPECT_EQ(answer(L"tree #3"), "cannot show the tree: #3 isn't part of the tree");
+    EXPECT_EQ(answer(L"tree #30"), "cannot show the tree: #30 isn't part of the tree");
 }
 
 TEST_F(DocumentCoreTests, DeletingTakesEverythingBelow) {
     answer(L"make");
     answer(L"make 0");
     answer(L"add 0/0 100");
-    EXPECT_EQ(m_session.asset().entities(), 103u);
-    EXPECT_EQ(entitiesBelow(*m_session.asset().entity(2)), 101u);
+    EXPECT_EQ(m_session.asset().entities(), 130u);
+    EXPECT_EQ(entitiesBelow(*m_session.asset().entity(29)), 101u);
     answer(L"delete 0");
-    EXPECT_EQ(m_session.asset().entities(), 1u);
+    EXPECT_EQ(m_session.asset().entities(), 28u);
     answer(L"undo");
-    EXPECT_EQ(m_session.asset().entities(), 103u);
+    EXPECT_EQ(m_session.asset().entities(), 130u);
 }
 
 TEST_F(DocumentCoreTests, GroupsThatListEachOtherAreShownOnce) {
     answer(L"make");
     answer(L"make 0");
-    groupOf(3)->addChild(groupOf(2));
+    groupOf(30)->addChild(groupOf(29));
     EXPECT_EQ(places(tree()), "Groups #1\n"
-                              "Groups/CmnData[0] #2\n"
-                              "Groups/CmnData[0]/CmnData[0] #3\n"
-                              "Groups/CmnData[0]/CmnData[0]/CmnData[0] #2\n");
+                              "Groups/CmnData[0] #29\n"
+                              "Groups/CmnData[0]/CmnData[0] #30\n"
+                              "Groups/CmnData[0]/CmnData[0]/CmnData[0] #29\n");
     EXPECT_NE(tree().find("  (its children are shown above)\n"), std::string::npos);
-    EXPECT_EQ(entitiesBelow(*groupOf(2)), 1u);
+    EXPECT_EQ(entitiesBelow(*groupOf(29)), 1u);
 }
 
 TEST_F(DocumentCoreTests, ParentsInACircleLeadToNoRoot) {
@@ -150,29 +150,30 @@ TEST_F(DocumentCoreTests, ParentsInACircleLeadToNoRoot) {
     EXPECT_EQ(entityPath(*first), L"");
     EXPECT_FALSE(Managed::isWithin(*first, *root));
     EXPECT_TRUE(Managed::isWithin(*first, *second));
-    EXPECT_EQ(answer(L"tree #2"), "cannot show the tree: #2 isn't part of the tree");
+    EXPECT_EQ(answer(L"tree #29"), "cannot show the tree: #29 isn't part of the tree");
 }
 
 TEST_F(DocumentCoreTests, AnEntityThatAForeignGroupListsIsntMoved) {
     answer(L"make");
     answer(L"make");
     answer(L"add 0 2");
-    StrongRef<ManagedEntity> const child = groupOf(2)->child(0);
-    groupOf(3)->addChild(child);
+    StrongRef<ManagedEntity> const child = groupOf(29)->child(0);
+    groupOf(30)->addChild(child);
     std::string const why = "cannot move: Groups/CmnData[1]/CmnData[0] has another parent than the "
                             "group that lists it";
     EXPECT_EQ(answer(L"move 1/0 after 0/1"), why);
     EXPECT_EQ(answer(L"move 0/1 before 1/0"), why);
-    EXPECT_EQ(answer(L"remove 1/0"), "removed Groups/CmnData[1]/CmnData[0] (#4); something else "
+    EXPECT_EQ(answer(L"remove 1/0"), "removed Groups/CmnData[1]/CmnData[0] (#31); something else "
                                      "holds it, and it stays in the document");
-    EXPECT_EQ(groupOf(2)->children(), 2u);
+    EXPECT_EQ(groupOf(29)->children(), 2u);
 }
 
 TEST_F(DocumentCoreTests, ADocumentWithoutTheRootGroupGetsItByTheFirstChange) {
     m_session.design().addRoot(nullptr, DocumentSession::c_rootKey);
-    EXPECT_EQ(answer(L"add 0"), "cannot add entities: the document has no root \"Groups\"");
-    EXPECT_EQ(answer(L"make"), "made Groups/CmnData[0] (#3)");
-    EXPECT_EQ(places(tree()), "Groups #2\nGroups/CmnData[0] #3\n");
+    EXPECT_EQ(answer(L"add 0"), "cannot add entities: the document has no root \"Groups\"; its "
+                                "roots are AssetSettings, NamedViews, UnitSystems");
+    EXPECT_EQ(answer(L"make"), "made Groups/CmnData[0] (#30)");
+    EXPECT_EQ(places(tree()), "Groups #29\nGroups/CmnData[0] #30\n");
     answer(L"undo");
     EXPECT_FALSE(m_session.root());
     EXPECT_EQ(answer(L"add . 2"), "added 2 entities: Groups/CmnData[0] to Groups/CmnData[1]");
@@ -186,14 +187,14 @@ TEST_F(DocumentCoreTests, ARootThatIsNoGroupIsRefused) {
 
 TEST_F(DocumentCoreTests, AnEntityWithAKeyOfItsOwnIsTakenOutOnlyWhereAGroupListsIt) {
     answer(L"make");
-    m_session.design().addRoot(m_session.asset().entity(2), "Other/1");
-    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #2\nOther\\/1 #2\n");
-    EXPECT_EQ(answer(L"remove #2"), "cannot remove: Other\\/1 is a root of the tree");
-    EXPECT_EQ(answer(L"make Other\\/1"), "made Other\\/1/CmnData[0] (#3)");
+    m_session.design().addRoot(m_session.asset().entity(29), "Other/1");
+    EXPECT_EQ(places(tree()), "Groups #1\nGroups/CmnData[0] #29\nOther\\/1 #29\n");
+    EXPECT_EQ(answer(L"remove #29"), "cannot remove: Other\\/1 is a root of the tree");
+    EXPECT_EQ(answer(L"make Other\\/1"), "made Other\\/1/CmnData[0] (#30)");
     EXPECT_EQ(answer(L"delete 0"),
-              "deleted Groups/CmnData[0] (#2) and 1 entity below it; something "
+              "deleted Groups/CmnData[0] (#29) and 1 entity below it; something "
               "else holds it, and it stays in the document");
-    EXPECT_EQ(places(tree()), "Groups #1\nOther\\/1 #2\nOther\\/1/CmnData[0] #3\n");
+    EXPECT_EQ(places(tree()), "Groups #1\nOther\\/1 #29\nOther\\/1/CmnData[0] #30\n");
 }
 
 TEST_F(DocumentCoreTests, DeepTreesAreWalkedWithoutRecursion) {
@@ -205,15 +206,15 @@ TEST_F(DocumentCoreTests, DeepTreesAreWalkedWithoutRecursion) {
     std::ostringstream out;
     writeTree(m_session, true, out);
     std::string const lines = out.str();
-    EXPECT_EQ(static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n')), c_depth + 1);
+    EXPECT_EQ(static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n')), c_depth + 24);
     // A path without end isn't written.
     EXPECT_LT(lines.size(), c_depth * 1500);
-    EXPECT_NE(lines.find("{\"path\":null,\"id\":100001,\"parent\":100000,\"index\":0,"),
+    EXPECT_NE(lines.find("{\"path\":null,\"id\":100028,\"parent\":100027,\"index\":0,"),
               std::string::npos);
     EXPECT_EQ(entitiesBelow(*m_session.root()), c_depth);
-    EXPECT_EQ(entityPath(*m_session.asset().entity(c_depth + 1)).size(),
+    EXPECT_EQ(entityPath(*m_session.asset().entity(c_depth + 28)).size(),
               6 + c_depth * std::wstring(L"/CmnData[0]").size());
-    EXPECT_EQ(answer(L"delete 0"), "deleted Groups/CmnData[0] (#2) and 99999 entities below it");
+    EXPECT_EQ(answer(L"delete 0"), "deleted Groups/CmnData[0] (#29) and 99999 entities below it");
 }
 
 TEST_F(DocumentCoreTests, LongPathsAreShownByTheirEnd) {

@@ -26,7 +26,8 @@ protected:
     // Runs a statement on the database in a file there.
     void execute(std::string const & name, char const * sql) const;
 
-    // The first two columns of the tree: "Groups/CmnData[0] #2".
+    // The first two columns of the tree, without what every new document has beside its root group:
+    // "Groups/CmnData[0] #29".
     static std::string places(std::string const & tree);
 
 private:

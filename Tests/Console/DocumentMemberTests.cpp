@@ -31,7 +31,7 @@ TEST_F(DocumentMemberTests, TheMembersOfAnEntityAreListedWithTheirKindsAndValues
     Outcome const shown = document("show 0");
     EXPECT_EQ(shown.status, 0);
     EXPECT_EQ(shown.out, "rParent        PassiveRef           #1\n"
-                         "children       Vector of StrongRef  [3]\n"
+                         "children       Vector of StrongRef  [30]\n"
                          "rClientObject  PassiveRef           null\n"
                          "highWaterMark  unsigned int         0\n");
 }
@@ -47,7 +47,7 @@ TEST_F(DocumentMemberTests, AMemberIsSetUndoneRedoneAndSaved) {
                            "redone: set highWaterMark of Groups/CmnData[0]\n"
                            "saved a.vnd\n");
     EXPECT_EQ(value("highWaterMark"), "12\n");
-    EXPECT_EQ(value("ManagedGroupEntity.children"), "[3]\n");
+    EXPECT_EQ(value("ManagedGroupEntity.children"), "[30]\n");
 }
 
 TEST_F(DocumentMemberTests, TheValueThatIsThereIsNoChange) {
@@ -89,7 +89,7 @@ TEST_F(DocumentMemberTests, ASessionTellsAMemberFromASetting) {
     Outcome const outcome = runConsole({}, "open a.vnd\nset 0 highWaterMark 7\nundo\n"
                                            "show 0 highWaterMark\nDocument.Set 0 highWaterMark 8\n"
                                            "set generalPrecision 4\nset nothing 4\n");
-    EXPECT_EQ(outcome.out, "opened a.vnd with 3 entities\n"
+    EXPECT_EQ(outcome.out, "opened a.vnd with 30 entities\n"
                            "set highWaterMark of Groups/CmnData[0] from \"0\" to \"7\"\n"
                            "undone: set highWaterMark of Groups/CmnData[0]\n"
                            "0\n"

@@ -35,7 +35,7 @@ TEST_F(DocumentTerminalTests, AnotherLineMakesTheQuestionNewAgain) {
     session.type("new\rmake\rquit\r");
     ASSERT_TRUE(session.waitFor("quitting once more doesn't\r\n")) << session.screen();
     session.type("make\r");
-    ASSERT_TRUE(session.waitFor("made Groups/CmnData[1] (#3)\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitFor("made Groups/CmnData[1] (#30)\r\n")) << session.screen();
     session.type("quit\r");
     ASSERT_TRUE(session.waitFor("has 2 changes that aren't saved")) << session.screen();
     ASSERT_TRUE(session.waitForPrompt()) << session.screen();
@@ -44,13 +44,13 @@ TEST_F(DocumentTerminalTests, AnotherLineMakesTheQuestionNewAgain) {
     session.type("quit\r");
     EXPECT_EQ(session.waitForEnd(), 0);
     EXPECT_EQ(places(document("tree").out),
-              "Groups #1\nGroups/CmnData[0] #2\nGroups/CmnData[1] #3\n");
+              "Groups #1\nGroups/CmnData[0] #29\nGroups/CmnData[1] #30\n");
 }
 
 TEST_F(DocumentTerminalTests, TheEndOfTheInputAsksToo) {
     TerminalSession session({}, environment());
     session.type("new\rmake\r");
-    ASSERT_TRUE(session.waitFor("made Groups/CmnData[0] (#2)\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitFor("made Groups/CmnData[0] (#29)\r\n")) << session.screen();
     ASSERT_TRUE(session.waitForPrompt()) << session.screen();
     session.type("\x04");
     ASSERT_TRUE(session.waitFor("quitting once more doesn't\r\n")) << session.screen();
@@ -62,7 +62,7 @@ TEST_F(DocumentTerminalTests, TheEndOfTheInputAsksToo) {
 TEST_F(DocumentTerminalTests, ControlCEndsACommandAndKeepsTheSession) {
     TerminalSession session({}, environment());
     session.type("new\rmake\r");
-    ASSERT_TRUE(session.waitFor("made Groups/CmnData[0] (#2)\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitFor("made Groups/CmnData[0] (#29)\r\n")) << session.screen();
     ASSERT_TRUE(session.waitForPrompt()) << session.screen();
     session.type("add 0 1000000\r");
     ASSERT_TRUE(session.waitForRun());
@@ -102,11 +102,11 @@ TEST_F(DocumentTerminalTests, AFileThatChangedMeanwhileIsntOverwritten) {
     ASSERT_EQ(document("new").status, 0);
     TerminalSession first({}, environment());
     first.type("open a.vnd\r");
-    ASSERT_TRUE(first.waitFor("with 1 entity\r\n")) << first.screen();
+    ASSERT_TRUE(first.waitFor("with 28 entities\r\n")) << first.screen();
     ASSERT_EQ(document("make").status, 0);
     first.type("add . 3\rsave\r");
     EXPECT_TRUE(first.waitFor("cannot save the document")) << first.screen();
-    EXPECT_EQ(places(document("tree").out), "Groups #1\nGroups/CmnData[0] #2\n");
+    EXPECT_EQ(places(document("tree").out), "Groups #1\nGroups/CmnData[0] #29\n");
 }
 
 } // namespace

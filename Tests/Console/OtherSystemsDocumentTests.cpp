@@ -1,7 +1,9 @@
 // A document goes from one system to another.  The files in the folder Written were made by these
-// commands, each on the system that its name tells, and are never written again.
+// commands, each on the system that its name tells, when documents had neither settings nor views,
+// and are never written again.
 
 #include <filesystem>
+#include <regex>
 
 #include <gtest/gtest.h>
 
@@ -27,6 +29,10 @@ protected:
         ASSERT_EQ(made.status, 0) << made.err;
     }
 
+    // The paths below the root group.  The ids differ, since a new document has more before them.
+    static std::string paths(std::string const & tree) {
+        return std::regex_replace(places(tree), std::regex(" #[0-9]+"), "");
+    }
     static std::string answer(std::string const & commands, std::string const & file) {
         Outcome const outcome = document(commands, file);
         EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -44,7 +50,7 @@ TEST_P(OtherSystemsDocumentTests, ReadsAsItsOwnDoes) {
                             "Groups/CmnData[1]/CmnData[0]/CmnData[1] #6\n"
                             "Groups/CmnData[1]/CmnData[0]/CmnData[2] #7\n"
                             "Groups/CmnData[2] #8\n");
-    EXPECT_EQ(tree, answer("tree", "ours.vnd"));
+    EXPECT_EQ(paths(tree), paths(answer("tree", "ours.vnd")));
     EXPECT_EQ(answer("check", "theirs.vnd"), "nothing is wrong with theirs.vnd\n");
 }
 
@@ -53,8 +59,8 @@ TEST_P(OtherSystemsDocumentTests, IsChangedAndSavedAsItsOwnIs) {
     answer(change, "theirs.vnd");
     answer(change, "ours.vnd");
     std::string const tree = answer("tree", "theirs.vnd");
-    EXPECT_NE(tree.find("Groups/CmnData[1]/CmnData[0]  #9"), std::string::npos) << tree;
-    EXPECT_EQ(tree, answer("tree", "ours.vnd"));
+    EXPECT_NE(tree.find("Groups/CmnData[1]/CmnData[0]  #19"), std::string::npos) << tree;
+    EXPECT_EQ(paths(tree), paths(answer("tree", "ours.vnd")));
 }
 
 INSTANTIATE_TEST_SUITE_P(From, OtherSystemsDocumentTests, testing::Values("linux", "windows"),

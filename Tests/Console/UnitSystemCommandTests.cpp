@@ -11,7 +11,8 @@ namespace {
 class UnitSystemCommandTests : public DocumentFixture {
 protected:
     UnitSystemCommandTests() {
-        Outcome const made = document("new, makesystem Imperial imp imperial");
+        Outcome const made =
+            document("new, removesystem document, makesystem Imperial imp imperial");
         EXPECT_EQ(made.status, 0) << made.err;
     }
 
@@ -76,13 +77,13 @@ TEST_F(UnitSystemCommandTests, SystemsAreMadeListedAndRemoved) {
                            "c    C         11 choices\n"
                            "saved a.vnd\n");
     EXPECT_EQ(document("systems /Json").out,
-              "{\"id\":\"imp\",\"name\":\"Imperial\",\"choices\":12}\n"
-              "{\"id\":\"m\",\"name\":\"M\",\"choices\":15}\n"
-              "{\"id\":\"c\",\"name\":\"C\",\"choices\":11}\n");
+              "{\"id\":\"imp\",\"name\":\"Imperial\",\"choices\":12,\"active\":false}\n"
+              "{\"id\":\"m\",\"name\":\"M\",\"choices\":15,\"active\":false}\n"
+              "{\"id\":\"c\",\"name\":\"C\",\"choices\":11,\"active\":false}\n");
 }
 
 TEST_F(UnitSystemCommandTests, ADocumentWithoutSystemsSaysSo) {
-    Outcome const outcome = document("new /Force, systems");
+    Outcome const outcome = document("new /Force, removesystem document, systems");
     EXPECT_NE(outcome.out.find("the document has no unit system\n"), std::string::npos);
     EXPECT_EQ(refusal("system imp"),
               "cannot show the unit system: the document has no unit system; "
@@ -151,7 +152,8 @@ TEST_F(UnitSystemCommandTests, EachCommandIsAStepThatIsUndone) {
             << outcome.out;
         EXPECT_EQ(choices("imp"), before) << command;
     }
-    Outcome const first = document("new /Force, makesystem M m mks, undo, systems, redo, systems");
+    Outcome const first = document(
+        "new /Force, removesystem document, makesystem M m mks, undo, systems, redo, systems");
     EXPECT_NE(first.out.find("the document has no unit system\n"), std::string::npos) << first.out;
     EXPECT_NE(first.out.find("m  M  15 choices\n"), std::string::npos) << first.out;
 }

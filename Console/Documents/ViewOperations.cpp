@@ -1,0 +1,478 @@
+// What the commands of the subject area "Views" do.
+
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "Console/Documents/Coordinates.h"
+#include "Console/Documents/Equipment.h"
+#include "Console/Documents/Operations.h"
+#include "Console/Documents/Session.h"
+#include "Console/Documents/UnitSystems.h"
+#include "Console/Terminal/Table.h"
+#include "Console/Texts.h"
+#include "Platform/Base/Text.h"
+#include "Platform/DataModel/ObjectPath.h"
+#include "Platform/Scene/Camera.h"
+#include "Server/CommonData/Managed/ManagedEntityUtils.h"
+#include "Server/CommonData/NamedViews/NamedView.h"
+#include "Server/CommonData/NamedViews/NamedViewRequests.h"
+
+namespace Vn::Console {
+
+namespace {
+
+using CommonData::CommonDataAssetSettings;
+using Json = nlohmann::ordered_json;
+using NameView::NamedView;
+using NameView::NamedViews;
+using Parameters = TextCommandParameters;
+using Result = TextCommandResult;
+using Scene::Camera;
+using Views = StrongRef<NamedViews>;
+using View = StrongRef<NamedView>;
+
+// A built-in view, and what makes it and has it follow the settings.
+struct BuiltIn {
+    std::wstring name;
+    View (*make)(Views const & views);
+    void (NamedViews::*synchronize)();
+};
+
+// In the order in which a new document has them.
+std::vector<BuiltIn> builtIns() {
+    return {
+        {NamedViews::c_top, &NamedViews::makeTopNamedView, &NamedViews::synchonizeTopNamedView},
+        {NamedViews::c_front, &NamedViews::makeFrontNamedView,
+         &NamedViews::synchonizeFrontNamedView},
+        {NamedViews::c_right, &NamedViews::makeRightNamedView,
+         &NamedViews::synchonizeRightNamedView},
+        {NamedViews::c_home, &NamedViews::makeHomeNamedView, &NamedViews::synchonizeHomeNamedView}};
+}
+
+bool isWord(std::wstring const & text, wchar_t const * word) {
+    return Text::foldedEqual(std::wstring_view(text), std::wstring_view(word));
+}
+
+// Finds the views of the document.  The answer is empty, or says why there are none.
+std::wstring findViews(DocumentSession const & session, Views & views) {
+    if (std::wstring why = whyNoViews(session.design()); !why.empty()) return why;
+    views = viewsOf(session.design());
+    return views ? L"" : L"the document has no views yet; Views.Restore makes the built-in ones";
+}
+
+std::vector<std::wstring> namesOf(NamedViews const & views) {
+    std::vector<std::wstring> names;
+    for (unsigned i = 0; i < views.children(); ++i)
+        if (View const view = views.namedView(i)) names.push_back(view->name());
+    return names;
+}
+
+// Finds a view by its name, the first of several.  As above.
+std::wstring findView(NamedViews const & views, std::wstring const & name, View & view) {
+    view = views.find(name);
+    return view ? L"" : L"there is no view " + inQuotes(name) + orInstead(name, namesOf(views));
+}
+
+// Both of them.
+std::wstring findView(DocumentSession const & session, std::wstring const & name, Views & views,
+                      View & view) {
+    std::wstring why = findViews(session, views);
+    return why.empty() ? findView(*views, name, view) : why;
+}
+
+std::wstring isBuiltIn(std::wstring const & name) { return inQuotes(name) + L" is built in"; }
+
+// " since there is a view ... already", for a name that came out in another way.
+std::wstring sinceTaken(std::wstring const & wished, std::wstring const & given) {
+    return wished == given ? L"" : L", since there is a view " + inQuotes(wished) + L" already";
+}
+
+std::wstring nameOfStep(std::unique_ptr<Request> const & request) { return request->name(); }
+
+// Ends a change, which is then taken back.
+struct Refused {
+    std::wstring why;
+};
+
+void run(DocumentSession & session, std::unique_ptr<Request> request) {
+    Status const status = session.asset().run(std::move(request));
+    if (!status) throw Refused{printable(Text::fromUtf8(status.toString()))};
+}
+
+// --- Cameras -----------------------------------------------------------------------------------
+
+// What a view keeps of a camera.
+struct CameraValues {
+    TgPoint3d position;
+    TgPoint3d target;
+    TgVector3d up;
+    double width = 0;
+    double height = 0;
+
+    bool operator==(CameraValues const &) const = default;
+};
+
+CameraValues valuesOf(Camera const & camera) {
+    return {camera.position(), camera.target(), camera.up(), camera.extentsWidth(),
+            camera.extentsHeight()};
+}
+
+CameraValues valuesOf(CommonDataAssetSettings const & settings) {
+    return {settings.currentHomePosition(), settings.currentHomeTarget(), settings.currentHomeUp(),
+            settings.currHomeExtentsWidth(), settings.currHomeExtentsHeight()};
+}
+
+// A camera that ends with the change, unless a view takes it.
+StrongRef<Camera> makeCamera(Segment & design, CameraValues const & values) {
+    StrongRef<Camera> camera = Camera::make(&design);
+    camera->position(values.position);
+    camera->target(values.target);
+    camera->up(values.up);
+    camera->extentsWidth(values.width);
+    camera->extentsHeight(values.height);
+    return camera;
+}
+
+// How a camera is to stand: like that of a view, and with these in place of the view's.
+struct Aim {
+    std::optional<CameraValues> like;
+    std::optional<TgPoint3d> position;
+    std::optional<TgPoint3d> target;
+    std::optional<TgVector3d> up;
+
+    bool isEmpty() const { return !like && !position && !target && !up; }
+    void applyTo(CameraValues & values) const {
+        if (like) values = *like;
+        if (position) values.position = *position;
+        if (target) values.target = *target;
+        if (up) values.up = *up;
+    }
+};
+
+constexpr wchar_t const * c_aimWords[] = {L"from", L"position", L"target", L"up"};
+
+bool isAimWord(std::wstring const & text) {
+    for (wchar_t const * const word : c_aimWords)
+        if (isWord(text, word)) return true;
+    return false;
+}
+
+std::wstring readAimPart(DocumentSession const & session, std::wstring const & word,
+                         std::wstring const & text, Aim & aim) {
+    if (isWord(word, L"from")) {
+        Views views;
+        View view;
+        if (std::wstring why = findView(session, text, views, view); !why.empty()) return why;
+        if (!view->camera()) return L"the view " + inQuotes(text) + L" has no camera";
+        aim.like = valuesOf(*view->camera());
+        return {};
+    }
+    Triple triple{};
+    if (isWord(word, L"up")) {
+        std::wstring const why = Coordinates::readDirection(text, triple);
+        if (!why.empty()) return L"up: " + why;
+        aim.up = fromTriple<TgVector3d>(triple);
+        return {};
+    }
+    StrongRef<Units::UnitSystem> system;
+    std::wstring why = findShownSystem(&session.design(), system);
+    if (why.empty()) why = Coordinates(system).readLengths(text, triple);
+    if (!why.empty()) return word + L": " + why;
+    (isWord(word, L"position") ? aim.position : aim.target) = fromTriple<TgPoint3d>(triple);
+    return {};
+}
+
+// Reads "from VIEW position P target P up V" or a part of it, from a parameter on.  The answer is
+// empty, or says why it can't be read.
+std::wstring readAim(DocumentSession const & session, Parameters const & parameters, unsigned first,
+                     Aim & aim) {
+    for (unsigned i = first; i < parameters.parameters();) {
+        std::wstring const & word = parameters.parameter(i);
+        if (!isAimWord(word))
+            return inQuotes(word) + L" isn't one of from VIEW, position P, target P and up V";
+        std::wstring text;
+        for (++i; i < parameters.parameters() && !isAimWord(parameters.parameter(i)); ++i)
+            text += (text.empty() ? L"" : L" ") + parameters.parameter(i);
+        if (std::wstring why = readAimPart(session, word, text, aim); !why.empty()) return why;
+    }
+    return {};
+}
+
+// --- The list ----------------------------------------------------------------------------------
+
+std::wstring shownName(std::wstring const & name) {
+    return name.empty() ? L"\"\"" : printable(clipped(name));
+}
+
+void writeView(NamedView const & view, unsigned index, std::ostream & out) {
+    Json line;
+    line["index"] = index;
+    line["name"] = Text::toUtf8(view.name());
+    line["fixed"] = view.isFixed();
+    for (char const * const key : {"position", "target", "up", "extents"}) line[key] = nullptr;
+    if (view.camera()) {
+        CameraValues const values = valuesOf(*view.camera());
+        line["position"] = jsonOf(tripleOf(values.position));
+        line["target"] = jsonOf(tripleOf(values.target));
+        line["up"] = jsonOf(tripleOf(values.up));
+        line["extents"] = Json::array({jsonOf(values.width), jsonOf(values.height)});
+    }
+    out << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+void addView(NamedView const & view, Coordinates const & coordinates, Table & table) {
+    std::vector<std::wstring> row{shownName(view.name()), view.isFixed() ? L"fixed" : L""};
+    if (view.camera()) {
+        CameraValues const values = valuesOf(*view.camera());
+        row.insert(row.end(),
+                   {L"from " + coordinates.lengths(tripleOf(values.position)),
+                    L"to " + coordinates.lengths(tripleOf(values.target)),
+                    L"up " + Coordinates::direction(tripleOf(values.up)),
+                    coordinates.length(values.width) + L" x " + coordinates.length(values.height)});
+    } else {
+        row.emplace_back(L"no camera");
+    }
+    table.add(std::move(row));
+}
+
+} // namespace
+
+Result listViews(DocumentSession const & session, Parameters const & parameters,
+                 std::ostream & out) {
+    bool const json = parameters.hasFlag(L"Json");
+    StrongRef<Units::UnitSystem> system;
+    std::wstring why = whyNoViews(session.design());
+    if (why.empty() && !json) why = findShownSystem(&session.design(), system);
+    if (!why.empty()) return cannot(L"list the views", why);
+    Coordinates const coordinates(system);
+    Views const views = viewsOf(session.design());
+    Table table;
+    bool isEmpty = true;
+    for (unsigned i = 0; views && i < views->children(); ++i) {
+        View const view = views->namedView(i);
+        if (!view) continue;
+        isEmpty = false;
+        if (json)
+            writeView(*view, i, out);
+        else
+            addView(*view, coordinates, table);
+    }
+    if (json) return {};
+    out << table.toUtf8();
+    if (!views)
+        out << "the document has no views yet, and gets the built-in ones with its first change\n";
+    else if (isEmpty)
+        out << "the document has no views\n";
+    return {};
+}
+
+Result newView(DocumentSession & session, Parameters const & parameters) {
+    wchar_t const * const task = L"make a view";
+    bool const isNamed = parameters.parameters() > 0 && !isAimWord(parameters.parameter(0));
+    Aim aim;
+    std::wstring why = whyNoViews(session.design());
+    if (why.empty()) why = readAim(session, parameters, isNamed ? 1 : 0, aim);
+    if (!why.empty()) return cannot(task, why);
+
+    Asset * const asset = &session.asset();
+    std::unique_ptr<Request> const sample(CommonData::NewNamedViewRequest::make(asset, nullptr));
+    std::wstring wished;
+    std::wstring name;
+    try {
+        session.change(nameOfStep(sample), [&] {
+            Segment & design = session.design();
+            equip(design);
+            Views const views = viewsOf(design);
+            CameraValues values = valuesOf(*settingsOf(design));
+            aim.applyTo(values);
+            std::wstring const made = views->generateNamedViewName(L"NamedView");
+            wished = isNamed ? parameters.parameter(0) : made;
+            name = views->generateNamedViewName(wished);
+            run(session, std::unique_ptr<Request>(CommonData::NewNamedViewRequest::make(
+                             asset, makeCamera(design, values))));
+            View const view = views->find(made);
+            if (!view) throw Refused{L"the document has no adapter"};
+            if (made != name) view->name(name);
+        });
+    } catch (Refused const & refused) {
+        return cannot(task, refused.why);
+    }
+    return {0, L"made the view " + inQuotes(name) + sinceTaken(wished, name)};
+}
+
+Result updateView(DocumentSession & session, Parameters const & parameters) {
+    wchar_t const * const task = L"update the view";
+    std::wstring const & name = parameters.parameter(0);
+    Views views;
+    View view;
+    Aim aim;
+    std::wstring why = findView(session, name, views, view);
+    if (why.empty() && view->isFixed())
+        why = isBuiltIn(name) + L" and keeps its camera; Views.Synchronize has it follow the "
+                                L"settings";
+    if (why.empty() && !view->camera()) why = L"the view " + inQuotes(name) + L" has no camera";
+    if (why.empty()) why = readAim(session, parameters, 1, aim);
+    if (why.empty() && aim.isEmpty()) why = L"from VIEW, position P, target P or up V is needed";
+    if (!why.empty()) return cannot(task, why);
+    CameraValues const before = valuesOf(*view->camera());
+    CameraValues values = before;
+    aim.applyTo(values);
+    // Asked beforehand, since a camera that comes and goes would be a step.
+    if (values == before) return {0, L"the view " + inQuotes(name) + L" is so already"};
+    session.change(L"update the view " + inQuotes(name), [&] {
+        views->updateNamedViewCamera(name, makeCamera(session.design(), values));
+    });
+    return {0, L"updated the view " + inQuotes(name)};
+}
+
+Result renameView(DocumentSession & session, Parameters const & parameters) {
+    wchar_t const * const task = L"rename the view";
+    std::wstring const & name = parameters.parameter(0);
+    std::wstring const & wished = parameters.parameter(1);
+    Views views;
+    View view;
+    std::wstring why = findView(session, name, views, view);
+    if (why.empty() && view->isFixed()) why = isBuiltIn(name) + L" and keeps its name";
+    if (!why.empty()) return cannot(task, why);
+    if (wished == name) return {0, L"the view is called " + inQuotes(name) + L" already"};
+    std::unique_ptr<Request> request(
+        CommonData::UpdateNamedViewNameRequest::make(&session.asset(), name, wished));
+    std::wstring const step = request->name();
+    try {
+        session.change(step, [&] { run(session, std::move(request)); });
+    } catch (Refused const & refused) {
+        return cannot(task, refused.why);
+    }
+    if (view->name() == name) return cannot(task, L"the document has no adapter");
+    return {0, L"renamed the view " + inQuotes(name) + L" to " + inQuotes(view->name()) +
+                   sinceTaken(wished, view->name())};
+}
+
+Result deleteView(DocumentSession & session, Parameters const & parameters) {
+    wchar_t const * const task = L"delete the view";
+    std::wstring const & name = parameters.parameter(0);
+    Views views;
+    View view;
+    std::wstring why = findView(session, name, views, view);
+    bool const isFixed = why.empty() && view->isFixed();
+    if (isFixed && !parameters.hasFlag(L"Force"))
+        why = isBuiltIn(name) + L"; /Force deletes it, and Views.Restore brings it back";
+    if (!why.empty()) return cannot(task, why);
+    view.reset(); // so that it goes within the change
+    std::unique_ptr<Request> request(
+        CommonData::DeleteNamedViewRequest::make(&session.asset(), name));
+    std::wstring const step = request->name();
+    bool isStep = false;
+    try {
+        isStep = session.change(step, [&] { run(session, std::move(request)); });
+    } catch (Refused const & refused) {
+        return cannot(task, refused.why);
+    }
+    if (!isStep) return cannot(task, L"the document has no adapter");
+    return {0, L"deleted the view " + inQuotes(name)};
+}
+
+Result moveViews(DocumentSession & session, Parameters const & parameters) {
+    wchar_t const * const task = L"move the views";
+    unsigned const last = parameters.parameters() - 1;
+    std::wstring const & where = parameters.parameter(last - 1);
+    std::wstring const & targetName = parameters.parameter(last);
+    Views views;
+    View target;
+    std::vector<ObjectPath> paths;
+    std::wstring names;
+    std::wstring why;
+    if (!isWord(where, L"before") && !isWord(where, L"after"))
+        why = L"views go before or after another, not " + inQuotes(where);
+    if (why.empty()) why = findView(session, targetName, views, target);
+    for (unsigned i = 0; why.empty() && i + 1 < last; ++i) {
+        View view;
+        why = findView(*views, parameters.parameter(i), view);
+        if (!why.empty()) break;
+        if (view == target) why = L"a view has no place beside itself";
+        paths.push_back(Managed::ManagedEntityUtils::objectPath(*view));
+        if (paths.back().empty()) why = L"the views don't stand under a root of the document";
+        names += (names.empty() ? L"" : L", ") + inQuotes(parameters.parameter(i));
+    }
+    if (!why.empty()) return cannot(task, why);
+    bool const isAfter = isWord(where, L"after");
+    std::unique_ptr<Request> request(CommonData::NamedViewPasteRequest::make(
+        &session.asset(), paths, Managed::ManagedEntityUtils::objectPath(*target), isAfter, true,
+        true));
+    std::wstring const step = request->name();
+    bool isStep = false;
+    try {
+        isStep = session.change(step, [&] { run(session, std::move(request)); });
+    } catch (Refused const & refused) {
+        return cannot(task, refused.why);
+    }
+    std::wstring const place = (isAfter ? L" after " : L" before ") + inQuotes(targetName);
+    if (isStep) return {0, L"moved " + clipped(names, 1000) + place};
+    return {0, clipped(names, 1000) + (paths.size() == 1 ? L" stands" : L" stand") + place +
+                   L" already"};
+}
+
+Result synchronizeViews(DocumentSession & session, Parameters const &) {
+    std::wstring const why = whyNoViews(session.design());
+    if (!why.empty()) return cannot(L"synchronize the views", why);
+    std::wstring missing;
+    bool const isStep = session.change(L"synchronize the views", [&] {
+        equip(session.design());
+        Views const views = viewsOf(session.design());
+        for (BuiltIn const & builtIn : builtIns()) {
+            ((*views).*builtIn.synchronize)();
+            if (!views->find(builtIn.name))
+                missing += (missing.empty() ? L"" : L", ") + builtIn.name;
+        }
+    });
+    std::wstring answer =
+        isStep ? L"the built-in views follow the settings" : L"the built-in views are so already";
+    if (!missing.empty()) answer += L"; missing: " + missing + L", which Views.Restore makes";
+    return {0, answer};
+}
+
+Result restoreViews(DocumentSession & session, Parameters const & parameters) {
+    wchar_t const * const task = L"restore the view";
+    std::wstring why = whyNoViews(session.design());
+    std::vector<BuiltIn> wanted = builtIns();
+    if (why.empty() && parameters.parameters() > 0) {
+        std::wstring const & name = parameters.parameter(0);
+        std::vector<std::wstring> names;
+        for (BuiltIn const & each : wanted) names.push_back(each.name);
+        std::erase_if(wanted,
+                      [&](BuiltIn const & each) { return !isWord(name, each.name.c_str()); });
+        if (wanted.empty()) why = inQuotes(name) + L" isn't built in" + orInstead(name, names);
+    }
+    if (!why.empty()) return cannot(task, why);
+
+    Views const before = viewsOf(session.design());
+    if (!before) wanted = builtIns(); // which come together
+    std::wstring restored;
+    std::wstring taken;
+    for (BuiltIn const & each : wanted) {
+        View const view = before ? before->find(each.name) : nullptr;
+        if (view && !view->isFixed()) taken += (taken.empty() ? L"" : L", ") + each.name;
+    }
+    session.change(wanted.size() == 1 ? L"restore the view " + wanted.front().name
+                                      : L"restore the views",
+                   [&] {
+                       equip(session.design());
+                       Views const views = viewsOf(session.design());
+                       for (BuiltIn const & each : wanted)
+                           if (each.make(views) || !before)
+                               restored += (restored.empty() ? L"" : L", ") + each.name;
+                   });
+    if (!taken.empty() && restored.empty())
+        return cannot(task, L"a view of the user's is called " + taken);
+    std::wstring answer =
+        restored.empty() ? L"no built-in view is missing" : L"restored " + restored;
+    if (!taken.empty()) answer += L"; a view of the user's is called " + taken;
+    return {0, answer};
+}
+
+} // namespace Vn::Console
