@@ -9,7 +9,6 @@
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/DocumentFile.h"
-#include "Platform/DataModel/OpenChanges.h"
 #include "Platform/DataModel/Segment.h"
 
 namespace Vn::Console {
@@ -101,7 +100,7 @@ bool DocumentSession::change(std::wstring_view name, std::function<void()> const
     try {
         work();
         endIfInterrupted();
-        if (hasOpenChanges(history())) equip(design());
+        if (history().hasOpenChanges()) equip(design());
         isStep = transaction.commit();
     } catch (std::bad_alloc const &) {
         reserve.reset();

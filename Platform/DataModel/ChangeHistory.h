@@ -155,6 +155,9 @@ public:
 
     // The states, as at the top of this file.
     bool isInTransaction() const noexcept { return !m_open.empty(); }
+    // Whether the innermost transaction that is open has recorded a change by now, so that it will
+    // leave a step; false without a transaction.  For what is to be done only along with a change.
+    bool hasOpenChanges() const noexcept;
     bool isReplaying() const noexcept { return m_bReplaying; }
 
     // The parts of the history, for the data model's own use.

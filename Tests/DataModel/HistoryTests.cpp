@@ -122,6 +122,24 @@ protected:
     StrongRef<Thing> m_rRoot;
 };
 
+TEST_F(HistoryTests, AnOpenTransactionTellsWhetherItHasChanges) {
+    EXPECT_FALSE(asset().history().hasOpenChanges());
+    Transaction transaction(asset(), L"Step");
+    EXPECT_FALSE(asset().history().hasOpenChanges());
+    root().set(&Thing::m_int, root().m_int);
+    EXPECT_FALSE(asset().history().hasOpenChanges());
+    root().set(&Thing::m_int, 5);
+    EXPECT_TRUE(asset().history().hasOpenChanges());
+    {
+        Transaction inner(asset(), L"Inner");
+        EXPECT_FALSE(asset().history().hasOpenChanges());
+        inner.commit();
+    }
+    EXPECT_TRUE(asset().history().hasOpenChanges());
+    transaction.commit();
+    EXPECT_FALSE(asset().history().hasOpenChanges());
+}
+
 TEST_F(HistoryTests, UndoAndRedoRestoreEveryKindOfMember) {
     StrongRef<Thing> const other = Thing::make(asset(), L"other");
     Thing & t = root();

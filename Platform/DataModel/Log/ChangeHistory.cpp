@@ -192,6 +192,10 @@ bool ChangeHistory::isClean() const noexcept {
     return state() == m_cleanState;
 }
 
+bool ChangeHistory::hasOpenChanges() const noexcept {
+    return !m_open.empty() && !m_open.back()->m_log.empty();
+}
+
 // Steps that change nothing that is saved have the state of the one before.  Of several with the
 // state that was marked, the one that is nearest to the present is answered.
 std::optional<std::size_t> ChangeHistory::cleanSteps() const noexcept {
