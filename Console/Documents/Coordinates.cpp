@@ -28,6 +28,7 @@ namespace {
 constexpr wchar_t const * c_axes[] = {L"x", L"y", L"z"};
 
 std::wstring textOf(Units::Unit const & unit, double value) {
+    if (std::isnan(value)) return L"nan"; // whatever its sign
     if (!std::isfinite(value)) return shortestNumber(value);
     return unit.reconstructString(value, Units::ValueAndUnit, UnitDisplaySettings::get());
 }

@@ -162,10 +162,11 @@ Result setTo(DocumentSession & session, DocumentSetting const & setting, Setting
     SettingValue const before = valueOf(setting, settingsOf(session.design()));
     if (value == before)
         return {0, name + L" is " + textOf(setting, before, coordinates) + L" already"};
-    session.change(L"set " + name, [&] { give(session, setting, value); });
+    bool const isStep = session.change(L"set " + name, [&] { give(session, setting, value); });
     std::wstring answer = L"set " + name + L" from " + textOf(setting, before, coordinates) +
                           L" to " + textOf(setting, value, coordinates);
-    if (!setting.isStep) answer += L"; that is no step of the history, and undo leaves it";
+    if (!setting.isStep && !isStep)
+        answer += L"; that is no step of the history, and undo leaves it";
     return {0, answer};
 }
 

@@ -80,12 +80,15 @@ std::wstring findUnitSystem(Segment * segment, std::optional<std::wstring> const
         }
         ids.push_back(Text::fromUtf8(each->id()));
     }
-    if (!id) return L"the document has several unit systems" + orInstead({}, ids);
+    if (!id) {
+        return L"the document has several unit systems" + orInstead({}, ids) +
+               L"; UnitSystems.Activate ID makes one the document's";
+    }
     return L"the document has no unit system " + inQuotes(*id) + orInstead(*id, ids);
 }
 
 std::wstring findShownSystem(Segment * segment, StrongRef<UnitSystem> & system) {
-    if (!activeUnitSystem(segment) && unitSystems(segment).empty()) {
+    if (!activeUnitSystem(segment) && unitSystems(segment).size() != 1) {
         system = nullptr;
         return {};
     }

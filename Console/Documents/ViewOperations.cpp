@@ -195,9 +195,15 @@ std::wstring readAim(DocumentSession const & session, Parameters const & paramet
         std::wstring const & word = parameters.parameter(i);
         if (!isAimWord(word))
             return inQuotes(word) + L" isn't one of from VIEW, position P, target P and up V";
-        std::wstring text;
-        for (++i; i < parameters.parameters() && !isAimWord(parameters.parameter(i)); ++i)
-            text += (text.empty() ? L"" : L" ") + parameters.parameter(i);
+        if (++i == parameters.parameters())
+            return word + L" is followed by " +
+                   (isWord(word, L"from") ? L"the name of a view" : L"three numbers");
+        // The name of a view is one parameter, and may be one of these words.
+        std::wstring text = parameters.parameter(i++);
+        for (; !isWord(word, L"from") && i < parameters.parameters() &&
+               !isAimWord(parameters.parameter(i));
+             ++i)
+            text += L' ' + parameters.parameter(i);
         if (std::wstring why = readAimPart(session, word, text, aim); !why.empty()) return why;
     }
     return {};
@@ -273,7 +279,8 @@ Result listViews(DocumentSession const & session, Parameters const & parameters,
 
 Result newView(DocumentSession & session, Parameters const & parameters) {
     wchar_t const * const task = L"make a view";
-    bool const isNamed = parameters.parameters() > 0 && !isAimWord(parameters.parameter(0));
+    unsigned const count = parameters.parameters();
+    bool const isNamed = count == 1 || (count > 1 && !isAimWord(parameters.parameter(0)));
     Aim aim;
     std::wstring why = whyNoViews(session.design());
     if (why.empty()) why = readAim(session, parameters, isNamed ? 1 : 0, aim);

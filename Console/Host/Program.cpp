@@ -92,6 +92,7 @@ int runProgram(std::vector<std::string> const & arguments, std::istream & in, st
     bool const listsAddIns = options.subcommand == "add-ins";
     if (!commandLine && listsAddIns) {
         runAddIns(std::find(arguments.begin(), arguments.end(), "--json") != arguments.end(), out);
+        tell(whatIsMissing(configured), err);
         return ExitBadInput;
     }
     if (!commandLine) {

@@ -137,7 +137,7 @@ AddIn & AddInMgr::commonDataServer() {
     if (std::wstring const name = fileName(m_commonDataServer); !name.empty())
         for (Records const * const records : {&m_registered, &m_configured})
             for (auto const & record : *records)
-                if (record->module() == name) return *record;
+                if (fileName(record->module()) == name) return *record;
     return s_none.get([] { return new AddIn(std::string(), false); });
 }
 

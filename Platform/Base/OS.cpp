@@ -599,13 +599,18 @@ Status Module::load(std::filesystem::path const & file) {
     unload();
     std::error_code error;
     // A bare name would be looked for along the system's search path.
-    std::filesystem::path const path = std::filesystem::absolute(file, error);
+    std::filesystem::path path = std::filesystem::absolute(file, error);
     if (error) return Status::invalidArgument("load the module", pathText(file), errorText(error));
     if (!std::filesystem::exists(path, error))
         return Status::notFound("load the module", pathText(path));
+    if (!std::filesystem::is_regular_file(path, error)) // one that is a pipe would be waited for
+        return Status::invalidArgument("load the module", pathText(path), "it isn't a file");
 #ifdef _WIN32
+    // What it needs is looked for beside it, beside the program and in the system's own directory.
+    path.make_preferred(); // the only separator that the loader knows
     m_pHandle = reinterpret_cast<void *>(
-        LoadLibraryExW(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
+        LoadLibraryExW(path.c_str(), nullptr,
+                       LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS));
 #else
     if (isCutOff(path))
         return Status::corrupt("load the module", pathText(path), "the file is too short");
@@ -633,9 +638,10 @@ Status Module::load(std::filesystem::path const & file) {
 
 bool Module::isInProcess(std::filesystem::path const & file) {
     std::error_code error;
-    std::filesystem::path const path = std::filesystem::absolute(file, error);
+    std::filesystem::path path = std::filesystem::absolute(file, error);
     if (error) return false;
 #ifdef _WIN32
+    path.make_preferred();
     return GetModuleHandleW(path.c_str()) != nullptr;
 #else
     void * const handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);

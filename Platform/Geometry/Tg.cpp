@@ -50,6 +50,9 @@ TgVector3d TgVector3d::crossProduct(TgVector3d const & other) const noexcept {
 TgVector3d TgVector3d::normal(TgTol const & tolerance) const noexcept {
     double const norm = length();
     if (!(norm > tolerance.equalVector())) return *this;
+    // A length beyond the largest double is that of a smaller vector of the same direction.
+    if (std::isinf(norm) && std::isfinite(x) && std::isfinite(y) && std::isfinite(z))
+        return TgVector3d(x / 4, y / 4, z / 4).normal(tolerance);
     return {x / norm, y / norm, z / norm};
 }
 

@@ -228,17 +228,17 @@ TEST_F(SettingsCommandTests, TheActiveUnitSystemIsTheOneThatCounts) {
               "the document is as a.vnd has it\n");
 }
 
-TEST_F(SettingsCommandTests, WithSeveralSystemsAndNoneActiveOneIsToBeNamed) {
+TEST_F(SettingsCommandTests, WithSeveralSystemsAndNoneActiveValuesAreInCm) {
     answer("makesystem Imperial imp imperial, deactivate");
-    EXPECT_EQ(refusal("deactivate, setting sceneBoundRadius 1"),
-              "cannot set sceneBoundRadius: the document has several unit systems; there are "
-              "document, imp\n");
+    EXPECT_EQ(answer("setting sceneBoundRadius 1"), "set sceneBoundRadius from 1.80 cm to 1.00 cm\n"
+                                                    "saved a.vnd\n");
+    EXPECT_THAT(answer("settings"), HasSubstr("1.00 cm"));
+    EXPECT_THAT(answer("views"), HasSubstr("cm"));
     EXPECT_EQ(runConsole({"eval", "--document", "a.vnd", "1"}).status, 1);
     EXPECT_EQ(runConsole({"eval", "--document", "a.vnd", "--system", "imp", "1"}).status, 0);
-    answer("setting fitHome off");
     EXPECT_EQ(answer("removesystem imp, setting sceneBoundRadius 1"),
               "removed the unit system imp with 12 choices\n"
-              "set sceneBoundRadius from 18.00 mm to 1.00 mm\n"
+              "set sceneBoundRadius from 10.00 mm to 1.00 mm\n"
               "saved a.vnd\n");
 }
 

@@ -244,7 +244,8 @@ TEST_F(UnitSystemCommandTests, EvalWantsTheNameOfOneOfSeveralSystems) {
     Outcome const outcome = eval({"2"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
-              "vnconsole: a.vnd: the document has several unit systems; there are imp, m\n");
+              "vnconsole: a.vnd: the document has several unit systems; there are imp, m; "
+              "UnitSystems.Activate ID makes one the document's\n");
 }
 
 TEST_F(UnitSystemCommandTests, EvalTellsWhatIsntThere) {

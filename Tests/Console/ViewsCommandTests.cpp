@@ -53,6 +53,14 @@ protected:
     }
 };
 
+TEST_F(ViewsCommandTests, AViewMayBeCalledLikeAWordOfACommand) {
+    EXPECT_EQ(answer("newview up"), "made the view \"up\"\nsaved a.vnd\n");
+    EXPECT_EQ(answer("newview Y from up"), "made the view \"Y\"\nsaved a.vnd\n");
+    EXPECT_EQ(refusal("newview Z from"),
+              "cannot make a view: from is followed by the name of a view");
+    EXPECT_EQ(refusal("newview Z up"), "cannot make a view: up is followed by three numbers");
+}
+
 TEST_F(ViewsCommandTests, TheListTellsOfCamerasAndWhichViewsAreFixed) {
     EXPECT_THAT(answer("views"), HasSubstr("TOP    fixed  from (0.00 mm, 443.60 mm, 0.00 mm)"));
     nlohmann::json const top = view("TOP");

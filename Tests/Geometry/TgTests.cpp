@@ -24,6 +24,11 @@ TEST(TgTests, ANormalHasLengthOneOrIsTheVectorItself) {
     EXPECT_EQ(exactly(TgVector3d(1e-11, 0, 0).normal(TgTol(0, 0))), exactly(TgVector3d::kXAxis));
 }
 
+TEST(TgTests, ANormalHasLengthOneWhereTheLengthOverflows) {
+    EXPECT_NEAR(TgVector3d(0, 1.5e308, 1.5e308).normal().y, std::numbers::sqrt2 / 2, 1e-15);
+    EXPECT_NEAR(TgVector3d(1.7e308, -1.7e308, 1.7e308).normal().length(), 1, 1e-15);
+}
+
 TEST(TgTests, LengthsNeitherOverflowNorVanish) {
     EXPECT_DOUBLE_EQ(TgVector3d(3e200, 4e200, 0).length(), 5e200);
     EXPECT_DOUBLE_EQ(TgVector3d(3e-200, 4e-200, 0).length(), 5e-200);

@@ -97,10 +97,10 @@ void CommonDataAssetAdapter::defaultFullyInitializeLoadedAsset(Asset * asset) {
 IScriptableObject * CommonDataAssetAdapter::getObject(Onk const &) { return nullptr; }
 
 Segment * CommonDataAssetAdapter::onDesignSegment() const {
-    return asset()->segment(segmentType(SegmentType::DesignSegment));
+    return asset() ? asset()->segment(segmentType(SegmentType::DesignSegment)) : nullptr;
 }
 Segment * CommonDataAssetAdapter::onTransientSegment() const {
-    return asset()->segment(segmentType(SegmentType::TransientSegment));
+    return asset() ? asset()->segment(segmentType(SegmentType::TransientSegment)) : nullptr;
 }
 
 // If an exception leaves this, the scene shows what it showed before.
