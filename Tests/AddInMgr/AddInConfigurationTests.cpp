@@ -319,10 +319,10 @@ TEST_F(AddInConfigurationTests, WhatIsRequiredComesFirst) {
     offer("B");
     offer("C", {"D"});
     offer("D");
-    offer("a", {}, "First");
+    offer("e", {}, "First");
     Status const status = manager().configure();
     EXPECT_TRUE(status) << status.toString();
-    EXPECT_EQ(with(EAddInState::Configured), (Names{"B", "D", "C", "A", "a"}));
+    EXPECT_EQ(with(EAddInState::Configured), (Names{"B", "D", "C", "A", "e"}));
 }
 
 TEST_F(AddInConfigurationTests, WhatIsMissingRefusesAllThatRequireIt) {
