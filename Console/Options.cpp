@@ -326,8 +326,7 @@ int runOptions(std::vector<std::wstring> const & words, bool json, std::ostream 
 
 void tellOfDamagedOptions(std::ostream & err) {
     Status const & status = Group::get()->loadStatus();
-    if (!status)
-        err << "vnconsole: " << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
+    if (!status) told(status, err);
 }
 
 } // namespace Vn::Console

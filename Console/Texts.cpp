@@ -1,7 +1,9 @@
 #include "Console/Texts.h"
 
 #include <charconv>
+#include <ostream>
 
+#include "Console/CommandLine/ExitStatus.h"
 #include "Platform/Base/Spelling.h"
 
 namespace Vn::Console {
@@ -30,6 +32,15 @@ std::wstring orInstead(std::wstring const & name, std::vector<std::wstring> cons
                printable(clipped(known));
     }
     return clipped(all, c_longestList);
+}
+
+int told(std::wstring const & why, std::ostream & err) {
+    err << "vnconsole: " << Text::toUtf8(why) << '\n';
+    return ExitBadInput;
+}
+
+int told(Status const & why, std::ostream & err) {
+    return told(printable(Text::fromUtf8(why.toString())), err);
 }
 
 bool containsFolded(std::wstring_view text, std::wstring_view part) {

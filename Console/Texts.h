@@ -3,10 +3,12 @@
 #ifndef VN_CONSOLE_TEXTS_H
 #define VN_CONSOLE_TEXTS_H
 
+#include <iosfwd>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "Platform/Base/Status.h"
 #include "Platform/Base/Text.h"
 
 namespace Vn::Console {
@@ -26,6 +28,10 @@ std::wstring inQuotes(std::wstring_view text);
 // What to write instead of a name that isn't among `names`: "; did you mean imp?", or all of them,
 // "; there are mks, imp".  Empty if there are none.
 std::wstring orInstead(std::wstring const & name, std::vector<std::wstring> const & names);
+
+// Tells on `err` why the program can't do what was asked, and answers the status for that.
+int told(std::wstring const & why, std::ostream & err);
+int told(Status const & why, std::ostream & err);
 
 // Whether `text` contains `part`, where the case of ASCII letters doesn't count.
 bool containsFolded(std::wstring_view text, std::wstring_view part);

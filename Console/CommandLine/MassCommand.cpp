@@ -209,10 +209,7 @@ int runMass(MassOptions const & options, std::ostream & out, std::ostream & err)
     PhysicalMaterial const material(options.material.value_or(L"unnamed"), density);
 
     StrongRef<Asset> asset;
-    if (Status const status = makeDocument(asset); !status) {
-        err << "vnconsole: " << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
-        return ExitBadInput;
-    }
+    if (Status const status = makeDocument(asset); !status) return told(status, err);
     StrongRef<Box> const box = Box::make(asset->segment(SegmentType::DesignSegment));
     box->edges(edges);
     box->material(&material);

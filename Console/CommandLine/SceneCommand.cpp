@@ -191,17 +191,11 @@ void showJson(NodeWalk const & walk, std::ostream & out) {
     out << object.dump() << '\n';
 }
 
-int told(std::wstring const & why, std::ostream & err) {
-    err << "vnconsole: " << Text::toUtf8(why) << '\n';
-    return ExitBadInput;
-}
-
 } // namespace
 
 int runScene(std::wstring const & file, bool asJson, std::ostream & out, std::ostream & err) {
     StrongRef<Asset> asset;
-    if (Status const status = loadDocument(pathOf(file), asset); !status)
-        return told(printable(Text::fromUtf8(status.toString())), err);
+    if (Status const status = loadDocument(pathOf(file), asset); !status) return told(status, err);
     auto const * const adapter = query<Scene::SceneAssetAdapter>(asset->adapter());
     if (!adapter || !adapter->scene()) return told(shown(pathOf(file)) + L" has no graph", err);
     Table table;

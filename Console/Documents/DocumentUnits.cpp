@@ -22,11 +22,6 @@ using Units::ESimpleUnitType;
 using Units::SimpleUnit;
 using Units::UnitContext;
 
-int told(std::wstring const & why, std::ostream & err) {
-    err << "vnconsole: " << Text::toUtf8(why) << '\n';
-    return ExitBadInput;
-}
-
 // The first unit of a kind, which the system is then asked to replace.
 SimpleUnit const * firstOfKind(ESimpleUnitType kind) {
     for (SimpleUnit const * const unit : Units::listUnits())
@@ -62,7 +57,7 @@ int openUnits(DocumentUnits const & options, OpenedUnits & units, std::ostream &
         return ExitBadUsage;
     }
     if (Status const status = loadDocument(pathOf(*options.file), units.asset); !status)
-        return told(printable(Text::fromUtf8(status.toString())), err);
+        return told(status, err);
     std::wstring const why = findUnitSystem(units.asset->segment(SegmentType::DesignSegment),
                                             options.system, units.system);
     return why.empty() ? ExitGood : told(shown(pathOf(*options.file)) + L": " + why, err);

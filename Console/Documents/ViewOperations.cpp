@@ -92,8 +92,6 @@ std::wstring sinceTaken(std::wstring const & wished, std::wstring const & given)
     return wished == given ? L"" : L", since there is a view " + inQuotes(wished) + L" already";
 }
 
-std::wstring nameOfStep(std::unique_ptr<Request> const & request) { return request->name(); }
-
 // Ends a change, which is then taken back.
 struct Refused {
     std::wstring why;
@@ -102,6 +100,18 @@ struct Refused {
 void run(DocumentSession & session, std::unique_ptr<Request> request) {
     Status const status = session.asset().run(std::move(request));
     if (!status) throw Refused{printable(Text::fromUtf8(status.toString()))};
+}
+
+// Runs a request as a step of its name, and tells whether there was one.  The answer is empty, or
+// says why the request was refused.
+std::wstring runAsStep(DocumentSession & session, std::unique_ptr<Request> request, bool & isStep) {
+    std::wstring const name = request->name();
+    try {
+        isStep = session.change(name, [&] { run(session, std::move(request)); });
+    } catch (Refused const & refused) {
+        return refused.why;
+    }
+    return {};
 }
 
 // --- Cameras -----------------------------------------------------------------------------------
@@ -291,7 +301,7 @@ Result newView(DocumentSession & session, Parameters const & parameters) {
     std::wstring wished;
     std::wstring name;
     try {
-        session.change(nameOfStep(sample), [&] {
+        session.change(sample->name(), [&] {
             Segment & design = session.design();
             equip(design);
             Views const views = viewsOf(design);
@@ -347,14 +357,12 @@ Result renameView(DocumentSession & session, Parameters const & parameters) {
     if (why.empty() && view->isFixed()) why = isBuiltIn(name) + L" and keeps its name";
     if (!why.empty()) return cannot(task, why);
     if (wished == name) return {0, L"the view is called " + inQuotes(name) + L" already"};
-    std::unique_ptr<Request> request(
-        CommonData::UpdateNamedViewNameRequest::make(&session.asset(), name, wished));
-    std::wstring const step = request->name();
-    try {
-        session.change(step, [&] { run(session, std::move(request)); });
-    } catch (Refused const & refused) {
-        return cannot(task, refused.why);
-    }
+    bool isStep = false;
+    why = runAsStep(session,
+                    std::unique_ptr<Request>(CommonData::UpdateNamedViewNameRequest::make(
+                        &session.asset(), name, wished)),
+                    isStep);
+    if (!why.empty()) return cannot(task, why);
     if (view->name() == name) return cannot(task, L"the document has no adapter");
     return {0, L"renamed the view " + inQuotes(name) + L" to " + inQuotes(view->name()) +
                    sinceTaken(wished, view->name())};
@@ -371,15 +379,12 @@ Result deleteView(DocumentSession & session, Parameters const & parameters) {
         why = isBuiltIn(name) + L"; /Force deletes it, and Views.Restore brings it back";
     if (!why.empty()) return cannot(task, why);
     view.reset(); // so that it goes within the change
-    std::unique_ptr<Request> request(
-        CommonData::DeleteNamedViewRequest::make(&session.asset(), name));
-    std::wstring const step = request->name();
     bool isStep = false;
-    try {
-        isStep = session.change(step, [&] { run(session, std::move(request)); });
-    } catch (Refused const & refused) {
-        return cannot(task, refused.why);
-    }
+    why = runAsStep(
+        session,
+        std::unique_ptr<Request>(CommonData::DeleteNamedViewRequest::make(&session.asset(), name)),
+        isStep);
+    if (!why.empty()) return cannot(task, why);
     if (!isStep) return cannot(task, L"the document has no adapter");
     return {0, L"deleted the view " + inQuotes(name)};
 }
@@ -411,13 +416,9 @@ Result moveViews(DocumentSession & session, Parameters const & parameters) {
     std::unique_ptr<Request> request(CommonData::NamedViewPasteRequest::make(
         &session.asset(), paths, Managed::ManagedEntityUtils::objectPath(*target), isAfter, true,
         true));
-    std::wstring const step = request->name();
     bool isStep = false;
-    try {
-        isStep = session.change(step, [&] { run(session, std::move(request)); });
-    } catch (Refused const & refused) {
-        return cannot(task, refused.why);
-    }
+    why = runAsStep(session, std::move(request), isStep);
+    if (!why.empty()) return cannot(task, why);
     std::wstring const place = (isAfter ? L" after " : L" before ") + inQuotes(targetName);
     if (isStep) return {0, L"moved " + clipped(names, 1000) + place};
     return {0, clipped(names, 1000) + (paths.size() == 1 ? L" stands" : L" stand") + place +

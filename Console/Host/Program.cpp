@@ -50,10 +50,6 @@ void prepareProcess(EarlyOptions const & options) {
 
 std::wstring textOf(Status const & status) { return Text::fromUtf8(status.toString()); }
 
-void tell(std::wstring const & what, std::ostream & err) {
-    err << "vnconsole: " << Text::toUtf8(printable(what)) << '\n';
-}
-
 AddIn * configuredBy(std::filesystem::path const & file) {
     for (AddIn * const addIn : AddInMgr::get()->addIns())
         if (addIn->configurationFile() == file) return addIn;
@@ -92,18 +88,17 @@ int runProgram(std::vector<std::string> const & arguments, std::istream & in, st
     bool const listsAddIns = options.subcommand == "add-ins";
     if (!commandLine && listsAddIns) {
         runAddIns(std::find(arguments.begin(), arguments.end(), "--json") != arguments.end(), out);
-        tell(whatIsMissing(configured), err);
-        return ExitBadInput;
+        return told(printable(whatIsMissing(configured)), err);
     }
     if (!commandLine) {
-        tell(whatIsMissing(configured), err);
+        told(printable(whatIsMissing(configured)), err);
         err << "Install vnconsole again, with all of its files; "
                "\"vnconsole add-ins\" lists what was found.\n";
         return ExitBadInput;
     }
     if (!listsAddIns)
         for (AddIn const * const each : manager.addIns())
-            if (Status const status = each->status(); !status) tell(textOf(status), err);
+            if (Status const status = each->status(); !status) told(status, err);
     return commandLine->run(arguments, in, out, err);
 }
 

@@ -2,16 +2,16 @@
 #define VN_PLATFORM_ADDINMGR_IAPPLICATIONSERVERADDIN_H
 
 #include "Platform/AddInMgr/IServerAddIn.h"
+#include "Platform/Base/InterfaceId.h"
 
 namespace Vn {
 
 // A server that belongs to one application, and equips the documents of that.
-class VN_ADDINMGR_API IApplicationServerAddIn : public IServerAddIn {
+class VN_ADDINMGR_API IApplicationServerAddIn
+    : public Identified<IApplicationServerAddIn, IServerAddIn> {
 public:
-    // As of the base, with an id of this class's own.
-    static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
+    // How others find the interface.
+    static constexpr NamedClass c_class{"Vn::IApplicationServerAddIn"};
 };
 
 } // namespace Vn

@@ -2,16 +2,15 @@
 #define VN_PLATFORM_ADDINMGR_ISERVERADDIN_H
 
 #include "Platform/AddInMgr/IAddIn.h"
+#include "Platform/Base/InterfaceId.h"
 
 namespace Vn {
 
 // An add-in that brings classes and services and shows nothing itself.
-class VN_ADDINMGR_API IServerAddIn : public IAddIn {
+class VN_ADDINMGR_API IServerAddIn : public Identified<IServerAddIn, IAddIn> {
 public:
-    // As of the base, with an id of this class's own.
-    static UniqueString const * interfaceId();
-    UniqueString const * getInterfaceId() const override;
-    void * queryInterface(UniqueString const * id) const override;
+    // How others find the interface.
+    static constexpr NamedClass c_class{"Vn::IServerAddIn"};
 };
 
 } // namespace Vn

@@ -24,6 +24,16 @@ Outcome DocumentFixture::document(std::string const & commands, std::string cons
     return runConsole(arguments);
 }
 
+Outcome DocumentFixture::run(std::string const & commands) {
+    return runConsole({"document", "a.vnd", commands});
+}
+
+std::string DocumentFixture::answer(std::string const & commands) {
+    Outcome const outcome = run(commands);
+    EXPECT_EQ(outcome.status, 0) << commands << ": " << outcome.err;
+    return outcome.out;
+}
+
 std::string DocumentFixture::readFile(std::string const & name) const {
     std::ifstream file(directory() / name, std::ios::binary);
     std::stringstream text;

@@ -21,6 +21,11 @@ protected:
     // Runs commands on the file "a.vnd", or another.  Blanks separate arguments.
     static Outcome document(std::string const & commands, std::string const & file = "a.vnd");
 
+    // Runs commands on "a.vnd", with commas between them, as one argument.
+    static Outcome run(std::string const & commands);
+    // What commands say that succeed.
+    static std::string answer(std::string const & commands);
+
     // The bytes of a file there.
     std::string readFile(std::string const & name) const;
     // Runs a statement on the database in a file there.

@@ -14,15 +14,6 @@ namespace fs = std::filesystem;
 
 class NewDocumentTests : public DocumentFixture {
 protected:
-    // Runs commands, with commas between them, on "a.vnd".
-    static Outcome run(std::string const & commands) {
-        return runConsole({"document", "a.vnd", commands});
-    }
-    static std::string answer(std::string const & commands) {
-        Outcome const outcome = run(commands);
-        EXPECT_EQ(outcome.status, 0) << commands << ": " << outcome.err;
-        return outcome.out;
-    }
     // A document as programs wrote it that knew neither settings nor views.
     void makeOld() {
         fs::copy_file(fs::path(VN_WRITTEN_DOCUMENTS) / "linux.vnd", directory() / "a.vnd");

@@ -18,15 +18,6 @@ class ViewsCommandTests : public DocumentFixture {
 protected:
     ViewsCommandTests() { answer("new"); }
 
-    // Runs commands, with commas between them, on "a.vnd".
-    static Outcome run(std::string const & commands) {
-        return runConsole({"document", "a.vnd", commands});
-    }
-    static std::string answer(std::string const & commands) {
-        Outcome const outcome = run(commands);
-        EXPECT_EQ(outcome.status, 0) << commands << ": " << outcome.err;
-        return outcome.out;
-    }
     // The first line of what a command says that fails.
     static std::string refusal(std::string const & command) {
         Outcome const outcome = run(command);

@@ -1,8 +1,6 @@
 #include "Platform/DataModel/AssetAdapter.h"
 
-#include <bit>
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -16,6 +14,7 @@
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/TestEntities.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/VirtualPlace.h"
 
 namespace Vn::Testing {
 namespace {
@@ -61,17 +60,6 @@ private:
 
     std::vector<std::string> & m_log;
 };
-
-// What a pointer to a virtual operation holds is 1 more than the place in bytes.
-template <class Operation>
-std::size_t placeOf(Operation operation) {
-    static_assert(sizeof(operation) == 2 * sizeof(std::uintptr_t));
-    struct Words {
-        std::uintptr_t place;
-        std::uintptr_t adjustment;
-    };
-    return (std::bit_cast<Words>(operation).place - 1) / sizeof(void *);
-}
 
 std::vector<std::size_t> Equipment::places() {
     return {placeOf(&Equipment::getInterfaceId),

@@ -1,8 +1,6 @@
 #include "Platform/Scene/SceneAssetAdapter.h"
 
-#include <bit>
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <new>
 #include <stdexcept>
@@ -18,6 +16,7 @@
 #include "Tests/DataModel/FailingAllocations.h"
 #include "Tests/Scene/SceneTesting.h"
 #include "Tests/Support/TemporaryDirectory.h"
+#include "Tests/Support/VirtualPlace.h"
 
 namespace Vn::Scene {
 
@@ -25,6 +24,7 @@ namespace {
 
 using namespace Testing;
 using Vn::Testing::FailingAllocations;
+using Vn::Testing::placeOf;
 using Vrx::Devices::SimpleMesh;
 using Vrx::Graphics::EffectParams;
 
@@ -77,17 +77,6 @@ private:
         change.colorEffect(Color(0, 0.5, 0, 1), false, 0);
     }
 };
-
-template <class Operation>
-std::size_t placeOf(Operation operation) {
-    // What a pointer to a virtual operation holds is 1 more than the place in bytes.
-    static_assert(sizeof(operation) == 2 * sizeof(std::uintptr_t));
-    struct Words {
-        std::uintptr_t place;
-        std::uintptr_t adjustment;
-    };
-    return (std::bit_cast<Words>(operation).place - 1) / sizeof(void *);
-}
 
 std::vector<std::size_t> Equipment::places() {
     return {placeOf(&Equipment::onSavePreview),

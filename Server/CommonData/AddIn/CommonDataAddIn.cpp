@@ -5,6 +5,7 @@
 
 #include "Platform/AddInMgr/AddIn.h"
 #include "Platform/AddInMgr/AddInMgr.h"
+#include "Platform/AddInMgr/Export.h"
 #include "Platform/AddInMgr/IAddInInitializeAsset.h"
 #include "Platform/AddInMgr/IApplicationServerAddIn.h"
 #include "Platform/Base/InterfaceId.h"
@@ -15,7 +16,6 @@
 #include "Platform/DataModel/Asset.h"
 #include "Server/CommonData/AddIn/CommonDataAssetAdapter.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
-#include "Server/CommonData/Export.h"
 
 namespace Vn {
 
@@ -77,4 +77,4 @@ UnitTest s_configureUnitTests VN_LOAD_ADD_IN_SELF_CHECK("VantorCore",
 } // namespace Vn
 
 // How the add-in manager comes by the add-in.
-extern "C" VN_COMMONDATA_API Vn::IAddIn * _GetIAddIn() { return &Vn::s_addIn; }
+extern "C" VN_ADDIN_EXPORT Vn::IAddIn * _GetIAddIn() { return &Vn::s_addIn; }
