@@ -99,8 +99,9 @@ void Entity::postCreation(DataChange::ETransact transact) {
     if (m_pSegment) m_pSegment->entityEventSource()->tellPostCreate(*this, transact);
 }
 
-void Entity::markModified() noexcept {
+void Entity::markModified(void const * member) noexcept {
     if (!m_pSegment || m_pSegment->isTransient() || !isAlive()) return;
+    asset()->history().recorder().leaveOut(*this, member);
     asset()->markDirty(*this);
     asset()->m_history.markModified();
 }

@@ -102,11 +102,12 @@ protected:
     // The same for one that is being loaded, with its id.
     Entity(Segment * segment, unsigned long long id);
 
-    // For setters that store a persisted member without a bracket: the document differs from its
-    // file until the next save, which writes this entity.  No observer is told, there is no step
-    // for it, and undo and redo stay as they are; what was stored isn't undone.  Without effect in
-    // a segment that isn't saved, on an entity that isn't alive, and once the document is closed.
-    void markModified() noexcept;
+    // For setters that have stored a persisted member, at the address `member`, without a bracket:
+    // the document differs from its file until the next save, which writes this entity.  No
+    // observer is told, there is no step for it, and undo and redo stay as they are; what was
+    // stored isn't undone, not even if a bracket is open on this entity.  Without effect in a
+    // segment that isn't saved, on an entity that isn't alive, and once the document is closed.
+    void markModified(void const * member) noexcept;
 
     // The virtual operations.  Their order is binding, since modules built at other times call them
     // by their place; it begins with what Object and RefCounted declare: the destructor,

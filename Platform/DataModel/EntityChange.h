@@ -112,7 +112,7 @@ private:
     std::uint32_t m_log = 0;               // the log for which members were kept; 0 if none
     unsigned m_types = 0;                  // of this bracket and those within, combined
     std::size_t m_snapshot = 0;            // where the members as they were begin
-    std::uint64_t m_leaves = 0;            // which of the first 63 members were kept
+    std::uint64_t m_leaves = 0;            // which of the first 63 members are to be recorded
     DataChange::EChangeType m_told;        // the type being told at present
     std::vector<Summary> m_summaries;
 };

@@ -133,7 +133,9 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
     bool mixed = false;
     keepEntries(leaves, m_scratch, change.m_snapshot,
                 [&](std::size_t i, Leaf const & leaf, std::uint64_t const * value) {
-                    if (isStill(entity, leaf, value) || !log || isRecorded(recorded, i))
+                    bool const isLeftOut = i < c_maskedLeaves && !isRecorded(change.m_leaves, i);
+                    if (isLeftOut || !log || isRecorded(recorded, i) ||
+                        isStill(entity, leaf, value))
                         return false;
                     note(recorded, i);
                     owning = owning || leaf.isOwning;
@@ -152,6 +154,14 @@ void Recorder::keepDifferences(EntityChange const & change, ChangeLog * log, Rec
     record.leaves = recorded;
     if (owning) log->owning();
     if (mixed) log->mixed();
+}
+
+void Recorder::leaveOut(Entity & entity, void const * member) noexcept {
+    if (!stateOf(entity).test(EntityState::Changing)) return;
+    int const leaf = entity.metaType()->layout().find(entity, member);
+    if (leaf < 0 || leaf >= c_maskedLeaves) return;
+    for (EntityChange * i = m_pInnermost; i; i = i->m_pEnclosing)
+        if (i->m_pEntity == &entity) i->m_leaves &= ~(std::uint64_t{1} << leaf);
 }
 
 // --- Lists -------------------------------------------------------------------------------------

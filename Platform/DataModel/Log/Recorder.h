@@ -46,6 +46,10 @@ public:
     // The bracket that was opened first on an entity; null if none is open.
     EntityChange * outermost(Entity const & entity) const noexcept;
 
+    // Has the brackets that are open on an entity record nothing of a member, since it was stored
+    // for good.  One beyond the first 63 is recorded all the same.
+    void leaveOut(Entity & entity, void const * member) noexcept;
+
     // What the declarations of changes of lists do.  `enter` throws std::bad_alloc as `open` does.
     void enter(MemberSplices & splices, void const * member);
     void leave(MemberSplices & splices) noexcept;

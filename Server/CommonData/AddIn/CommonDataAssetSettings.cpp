@@ -84,7 +84,7 @@ void CommonDataAssetSettings::initializeMemberSet(unsigned version, MemberSet * 
 
 void CommonDataAssetSettings::settingsInitialized(bool initialized) {
     m_settingsInitialized = initialized;
-    markModified();
+    markModified(&m_settingsInitialized);
 }
 bool CommonDataAssetSettings::settingsInitialized() const { return m_settingsInitialized; }
 
@@ -98,7 +98,7 @@ StrongRef<Units::UnitSystem> CommonDataAssetSettings::activeUnitSystem() const {
 void CommonDataAssetSettings::namedViews(StrongRef<NameView::NamedViews> views) {
     if (m_namedViews == views) return;
     m_namedViews = std::move(views);
-    markModified();
+    markModified(&m_namedViews);
 }
 StrongRef<NameView::NamedViews> CommonDataAssetSettings::namedViews() const {
     return m_namedViews && m_namedViews->isAlive() ? m_namedViews : nullptr;

@@ -71,7 +71,7 @@ Status NamedView::setName(NamedView & view, std::wstring const & name) {
 void NamedView::enableModify(bool enable) noexcept {
     if (enable == m_bEnableModify) return;
     m_bEnableModify = enable;
-    markModified();
+    markModified(&m_bEnableModify);
 }
 
 void NamedView::name(std::wstring const & name) {
@@ -92,7 +92,7 @@ StrongRef<Camera> const & NamedView::camera() const noexcept {
 void NamedView::camera(StrongRef<Camera> const & camera) noexcept {
     if (!m_bEnableModify || camera == m_rCamera || !canOwn(*this, camera)) return;
     m_rCamera = camera;
-    markModified();
+    markModified(&m_rCamera);
 }
 
 void NamedView::updateCamera(StrongRef<Camera> const & source) {

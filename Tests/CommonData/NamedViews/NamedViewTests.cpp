@@ -10,6 +10,7 @@
 
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/DocumentFile.h"
+#include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/EntityMembers.h"
 #include "Platform/DataModel/MemberSet.h"
 #include "Platform/DataModel/MetaType.h"
@@ -328,6 +329,20 @@ TEST_P(SilentSetterTests, StaysWhenItsTransactionIsAborted) {
         m_rView->name(L"Third");
         set();
     }
+    EXPECT_EQ(m_rView->name(), L"Named");
+    EXPECT_TRUE(isSet());
+    EXPECT_TRUE(isSaved());
+}
+
+TEST_P(SilentSetterTests, StaysWhenABracketAroundItIsUndone) {
+    m_document.step([&] {
+        EntityChange const change(m_rView.get(), DataChange::TransactDirect,
+                                  DataChange::ChangeValue, DataChange::TimingPreAndPost, nullptr,
+                                  true);
+        m_rView->name(L"Third");
+        set();
+    });
+    m_document.undo();
     EXPECT_EQ(m_rView->name(), L"Named");
     EXPECT_TRUE(isSet());
     EXPECT_TRUE(isSaved());
