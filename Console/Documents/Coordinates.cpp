@@ -30,6 +30,8 @@ constexpr wchar_t const * c_axes[] = {L"x", L"y", L"z"};
 std::wstring textOf(Units::Unit const & unit, double value) {
     if (std::isnan(value)) return L"nan"; // whatever its sign
     if (!std::isfinite(value)) return shortestNumber(value);
+    // Too large to be told in the unit.
+    if (!std::isfinite(unit.toThisUnit(value))) return shortestNumber(value) + L" cm";
     return unit.reconstructString(value, Units::ValueAndUnit, UnitDisplaySettings::get());
 }
 

@@ -13,6 +13,7 @@
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Segment.h"
 #include "Server/CommonData/Managed/TreePlace.h"
+#include "Server/CommonData/NamedViews/NamedViews.h"
 
 namespace Vn::Console {
 
@@ -57,6 +58,13 @@ std::wstring findGroup(DocumentSession const & session, std::wstring const & tex
     return {};
 }
 
+// Why nothing can be put into a group or taken out of it: the named views have commands of their
+// own, which keep those that are built in.
+std::wstring whyNotIn(ManagedGroupEntity * group, std::wstring const & command) {
+    if (!group || !query<NameView::NamedViews>(group)) return {};
+    return L"the group holds the named views, and Views." + command + L" is for these";
+}
+
 // The group at a place, made if it isn't there yet.
 StrongRef<Entity> groupFor(DocumentSession & session, DocumentPlace const & place) {
     if (place.entity) return place.entity;
@@ -71,7 +79,8 @@ std::size_t children(DocumentPlace const & place) {
 
 TextCommandResult makeGroupAt(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
-    std::wstring const why = findGroup(session, parameters.parameter(0), parent);
+    std::wstring why = findGroup(session, parameters.parameter(0), parent);
+    if (why.empty()) why = whyNotIn(groupAt(parent), L"New");
     if (!why.empty()) return cannot(L"make a group", why);
     std::wstring const path = childPath(parent.path, children(parent));
     unsigned long long id = 0;
@@ -99,7 +108,8 @@ unsigned readCount(std::wstring const & text) {
 
 TextCommandResult addEntities(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
-    std::wstring const why = findGroup(session, parameters.parameter(0), parent);
+    std::wstring why = findGroup(session, parameters.parameter(0), parent);
+    if (why.empty()) why = whyNotIn(groupAt(parent), L"New");
     if (!why.empty()) return cannot(L"add entities", why);
     unsigned count = 1;
     if (parameters.parameters() > 1) count = readCount(parameters.parameter(1));
@@ -143,7 +153,8 @@ std::wstring stillThere(bool gone) {
 
 TextCommandResult removeEntity(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
-    std::wstring const why = findPlace(session, parameters.parameter(0), place);
+    std::wstring why = findPlace(session, parameters.parameter(0), place);
+    if (why.empty()) why = whyNotIn(place.group.get(), L"Delete");
     if (!why.empty()) return cannot(L"remove", why);
     std::wstring const path = shownPath(place.path);
     if (!place.group) return cannot(L"remove", path + L" is a root of the tree");
@@ -158,7 +169,8 @@ TextCommandResult removeEntity(DocumentSession & session, Parameters const & par
 
 TextCommandResult deleteGroup(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
-    std::wstring const why = findPlace(session, parameters.parameter(0), place);
+    std::wstring why = findPlace(session, parameters.parameter(0), place);
+    if (why.empty()) why = whyNotIn(place.group.get(), L"Delete");
     if (!why.empty()) return cannot(L"delete", why);
     std::wstring const path = shownPath(place.path);
     if (!place.group) return cannot(L"delete", path + L" is a root of the tree");
@@ -225,6 +237,9 @@ TextCommandResult moveEntity(DocumentSession & session, Parameters const & param
     }
     if (why.empty()) why = findPlace(session, parameters.parameter(2), target);
     if (why.empty()) why = whyNotMove(moved, target, where);
+    if (why.empty()) why = whyNotIn(moved.group.get(), L"Move");
+    if (why.empty())
+        why = whyNotIn(where == EMove::Into ? groupAt(target) : target.group.get(), L"Move");
     if (!why.empty()) return cannot(L"move", why);
 
     std::wstring const before = shownPath(moved.path);

@@ -142,7 +142,8 @@ public:
             }
         }
         for (auto const & [i, required] : missing)
-            refuse({i}, "it requires " + inQuotes(required) + ", which isn't there");
+            refuse({i}, "it requires " + inQuotes(required) +
+                            (isThere(required) ? ", which is refused" : ", which isn't there"));
     }
 
     // The numbers of those that can be loaded, in order.  The others are refused.
@@ -180,6 +181,12 @@ private:
 
     std::string const & identifier(std::size_t i) const {
         return m_all[i].configuration.identifier;
+    }
+
+    bool isThere(std::string const & name) const {
+        return std::any_of(m_all.begin(), m_all.end(), [&](ReadConfiguration const & each) {
+            return each.configuration.identifier == name;
+        });
     }
 
     // Refuses those for a reason, and then what requires them.

@@ -291,7 +291,8 @@ TEST_F(AddInConfigurationTests, OfTwoWithOneIdentifierNeitherIsTaken) {
         << reasonOf("One");
     EXPECT_NE(reasonOf("Two").find("One.xml' has the same identifier"), std::string::npos)
         << reasonOf("Two");
-    EXPECT_NE(reasonOf("User").find("requires 'Twin'"), std::string::npos) << reasonOf("User");
+    EXPECT_NE(reasonOf("User").find("requires 'Twin', which is refused"), std::string::npos)
+        << reasonOf("User");
 }
 
 TEST_F(AddInConfigurationTests, OfTwoWithOneModuleNeitherIsTaken) {

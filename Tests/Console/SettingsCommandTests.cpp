@@ -172,6 +172,12 @@ TEST_F(SettingsCommandTests, WhatIsntFiniteInAFileIsListedAndReset) {
     EXPECT_THAT(answer("resetsetting sceneBoundRadius"), HasSubstr("from inf to 18.00 mm"));
 }
 
+TEST_F(SettingsCommandTests, WhatIsTooLargeForTheUnitIsShownInCentimeters) {
+    EXPECT_EQ(answer("setting sceneBoundRadius \"1e308 cm\""),
+              "set sceneBoundRadius from 18.00 mm to 1e+308 cm\nsaved a.vnd\n");
+    EXPECT_EQ(setting("sceneBoundRadius")["value"], 1e308);
+}
+
 TEST_F(SettingsCommandTests, ResetGivesOneOrAllTheirDefaults) {
     answer("setting fitHome off, setting sceneUp (0, 1, 0), setting settingsInitialized on");
     EXPECT_EQ(answer("resetsetting FITHOME"), "set fitHome from off to on\nsaved a.vnd\n");

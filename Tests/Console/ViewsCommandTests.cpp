@@ -52,6 +52,23 @@ TEST_F(ViewsCommandTests, AViewMayBeCalledLikeAWordOfACommand) {
     EXPECT_EQ(refusal("newview Z up"), "cannot make a view: up is followed by three numbers");
 }
 
+TEST_F(ViewsCommandTests, CommandsOfTheTreeLeaveTheViewsToThese) {
+    answer("make, add . 1");
+    std::string const tree = answer("tree");
+    std::string const why = "the group holds the named views, and Views.";
+    for (auto const & [command, reason] :
+         {std::pair("remove NamedViews/0", "cannot remove: " + why + "Delete is for these"),
+          {"delete NamedViews/0", "cannot delete: " + why + "Delete is for these"},
+          {"make NamedViews", "cannot make a group: " + why + "New is for these"},
+          {"add NamedViews 3", "cannot add entities: " + why + "New is for these"},
+          {"move 0 into NamedViews", "cannot move: " + why + "Move is for these"},
+          {"move 0 before NamedViews/1", "cannot move: " + why + "Move is for these"},
+          {"move NamedViews/1 after NamedViews/2", "cannot move: " + why + "Move is for these"},
+          {"move NamedViews/1 into 0", "cannot move: " + why + "Move is for these"}})
+        EXPECT_EQ(refusal(command), reason);
+    EXPECT_EQ(answer("tree"), tree);
+}
+
 TEST_F(ViewsCommandTests, TheListTellsOfCamerasAndWhichViewsAreFixed) {
     EXPECT_THAT(answer("views"), HasSubstr("TOP    fixed  from (0.00 mm, 443.60 mm, 0.00 mm)"));
     nlohmann::json const top = view("TOP");

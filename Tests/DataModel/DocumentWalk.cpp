@@ -399,7 +399,7 @@ bool DocumentWalk::migrate(Thing & entity) {
         return true;
     case 1:
         entity.m_int = static_cast<int>(below(1000));
-        entity.markModified();
+        entity.markModified(&entity.m_int);
         return true;
     case 2:
         entity.add(Thing::make(entity.segment(), L"made"));

@@ -107,7 +107,7 @@ TEST_F(SaveAndUndoTests, AStoreThatIsMarkedIsSavedAndIsNoStep) {
     std::vector<std::string> heard;
     Thing::s_log = &heard;
     m_rRoot->m_bool = true;
-    m_rRoot->markModified();
+    m_rRoot->markModified(&m_rRoot->m_bool);
     Thing::s_log = nullptr;
     EXPECT_TRUE(heard.empty());
     EXPECT_TRUE(m_rAsset->isDirty());
@@ -127,7 +127,7 @@ TEST_F(SaveAndUndoTests, AStoreInATransactionThatIsAbortedStaysAndIsSaved) {
         Transaction transaction(*m_rAsset, L"step");
         m_rRoot->set(&Thing::m_int, 1);
         m_rRoot->m_bool = true;
-        m_rRoot->markModified();
+        m_rRoot->markModified(&m_rRoot->m_bool);
         transaction.abort();
     }
     EXPECT_TRUE(m_rRoot->m_bool);
@@ -140,17 +140,17 @@ TEST_F(SaveAndUndoTests, AMarkWhereNothingIsSavedDoesNothing) {
         m_rAsset.get(), SegmentTypeMgr::get()->segmentType(SegmentType::TransientSegment), true);
     StrongRef<Thing> const passing = Thing::make(transient);
     ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
-    passing->markModified();
+    passing->markModified(&passing->m_bool);
     EXPECT_FALSE(m_rAsset->isDirty());
     StrongRef<Thing> const closed = Thing::make(*StrongRef<Asset>(Asset::make(nullptr)));
-    closed->markModified();
+    closed->markModified(&closed->m_bool);
     EXPECT_EQ(closed->asset(), nullptr);
 }
 
 // As of a document whose settings take the group of named views, which is then undone.
 TEST_F(SaveAndUndoTests, AStoredReferenceToWhatIsUndoneIsNullInTheFileUntilARedo) {
     step([&] { m_rRoot->m_rOwned = Thing::make(*m_rAsset, L"views"); });
-    m_rRoot->markModified();
+    m_rRoot->markModified(&m_rRoot->m_rOwned);
     StrongRef<Thing> const views = m_rRoot->m_rOwned;
     undo();
     EXPECT_FALSE(views->isAlive());
@@ -186,7 +186,7 @@ TEST_F(SaveAndUndoTests, StoredListsOfWhatIsUndoneAreWrittenWithNulls) {
     step([&] { undone = Thing::make(*m_rAsset, L"undone"); });
     m_rRoot->m_children = {kept, undone};
     m_rRoot->m_friends = {PassiveRef<Entity>(undone.get()), PassiveRef<Entity>(kept.get())};
-    m_rRoot->markModified();
+    m_rRoot->markModified(&m_rRoot->m_friends);
     expectSaved();
     undo();
     ASSERT_TRUE(DocumentFile::save(*m_rAsset).ok());
@@ -236,7 +236,7 @@ TEST_F(SaveAndUndoTests, ATargetThatNobodyMarkedIsWrittenWithItsOwner) {
     m_rRoot->unsubscribe(&maker);
     ASSERT_TRUE(maker.m_rMade);
     m_rRoot->m_rOwned = maker.m_rMade;
-    m_rRoot->markModified();
+    m_rRoot->markModified(&m_rRoot->m_rOwned);
     expectSaved();
 }
 
@@ -247,7 +247,7 @@ TEST_F(SaveAndUndoTests, AReferenceIntoAnotherDocumentFailsTheSaveWithItsPlace) 
     StrongRef<Thing> const stranger = Thing::make(*other, L"stranger");
     TemporaryFile const beside;
     auto const expectRefused = [&](char const * member, char const * what) {
-        m_rRoot->markModified();
+        m_rRoot->markModified(&m_rRoot->m_rOwned);
         for (Status const & status :
              {DocumentFile::save(*m_rAsset), DocumentFile::saveAs(*m_rAsset, beside.path())}) {
             EXPECT_FALSE(status.ok());

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # exported-by-dlls.sh OBJDUMP DLL...: the libraries for Windows export names of the namespaces Vn and
-# Vrx and of the classes Tg... only, and need no libraries but each other, those of the compiler and those
-# of every Windows.
+# Vrx and of the classes Tg... only, the add-in's its entry point too, and need no libraries but each other,
+# those of the compiler and those of every Windows.
 set -euo pipefail
 
 objdump=$1
@@ -15,6 +15,10 @@ for library in "$@"; do
   names=$(sed -n '/^\[Ordinal\/Name Pointer\]/,/^$/s/^[[:space:]]*\[ *[0-9]*\] *//p' <<<"$tables")
   [ -n "$names" ] || { echo "FAILED: $library exports nothing" >&2; status=1; }
   echo "$library exports $(wc -l <<<"$names") names"
+  if [ "$(basename "$library")" = VnCommonData10.dll ]; then
+    grep -qx _GetIAddIn <<<"$names" || { echo "FAILED: $library doesn't offer _GetIAddIn" >&2; status=1; }
+    names=$(grep -vx _GetIAddIn <<<"$names")
+  fi
   # As they are mangled: a name, or the tables, the type information or the thunks of a class.
   if grep -vE '^_Z(T[VTIS]|Thn[0-9]+_)?(N[KVRO]*)?(2Vn|3Vrx|[0-9]+Tg[A-Z])' <<<"$names" >&2; then
     echo "FAILED: $library exports what is neither of Vn nor of Vrx nor of Tg" >&2
