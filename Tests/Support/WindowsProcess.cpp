@@ -103,7 +103,8 @@ Outcome run(std::string const & program, std::vector<std::string> const & argume
     PROCESS_INFORMATION made{};
     if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
                         &made))
-        throw std::runtime_error("no process: " + program);
+        throw std::runtime_error("no process: " + program + ", error " +
+                                 std::to_string(GetLastError()));
     Handle process;
     *process.out() = made.hProcess;
     CloseHandle(made.hThread);
