@@ -210,5 +210,7 @@ void * operator new(std::size_t size, std::nothrow_t const &) noexcept {
 
 void operator delete(void * block) noexcept { std::free(block); }
 void operator delete(void * block, std::size_t) noexcept { std::free(block); }
+// For a constructor that throws.
+void operator delete(void * block, std::nothrow_t const &) noexcept { std::free(block); }
 
 #endif

@@ -17,6 +17,13 @@
 #include "Tests/CommonData/Units/UnitTables.h"
 #include "Tests/Support/FreshProcess.h"
 
+#ifdef __SANITIZE_ADDRESS__
+// What the module shares stays to the end of the process, and the pointers to it go with the
+// module.
+extern "C" [[gnu::visibility("default")]] char const * __lsan_default_options();
+char const * __lsan_default_options() { return "detect_leaks=0"; }
+#endif
+
 namespace Vn::Testing {
 
 namespace {
