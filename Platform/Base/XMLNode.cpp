@@ -88,6 +88,12 @@ void addIndent(xmlNodePtr parent, std::size_t depth) {
     if (!blanks || !xmlAddChild(parent, blanks)) throw std::bad_alloc();
 }
 
+// Before the first document: threads that begin with it at once must not meet in the library.
+void prepareLibrary() {
+    static bool const s_bPrepared = (::xmlInitParser(), true);
+    static_cast<void>(s_bPrepared);
+}
+
 } // namespace
 
 std::string Detail::messageOf(xmlError const & error) {
@@ -100,6 +106,7 @@ XMLNode::XMLNode(std::shared_ptr<void> document, void * node) noexcept
     : m_pDocument(node ? std::move(document) : nullptr), m_pNode(node) {}
 
 XMLNode::XMLNode(std::string_view name) {
+    prepareLibrary();
     xmlDocPtr const document = xmlNewDoc(xml("1.0"));
     if (!document) throw std::bad_alloc();
     m_pDocument =
@@ -112,6 +119,7 @@ XMLNode::XMLNode(std::string_view name) {
 
 Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode & root,
                       std::string_view operation) {
+    prepareLibrary();
     std::string converted;
     std::string_view text;
     if (char const * const reason = decodeXml(bytes, converted, text))
