@@ -40,6 +40,13 @@ ManagedGroupEntity * groupAt(DocumentPlace const & place) {
     return query<ManagedGroupEntity>(place.entity.get());
 }
 
+// Why nothing can be put into a group or taken out of it: the named views have commands of their
+// own, which keep those that are built in.
+std::wstring whyNotIn(ManagedGroupEntity * group, std::wstring const & command) {
+    if (!group || !query<NameView::NamedViews>(group)) return {};
+    return L"the group holds the named views, and Views." + command + L" is for these";
+}
+
 // Finds a group that is to get children.  The root group is the one without a name, and is made by
 // the change if the document came without it: there is no entity then.
 std::wstring findGroup(DocumentSession const & session, std::wstring const & text,
@@ -54,15 +61,9 @@ std::wstring findGroup(DocumentSession const & session, std::wstring const & tex
     std::wstring why = findPlace(session, isRoot ? L"." : text, found);
     if (!why.empty()) return why;
     if (!groupAt(found)) return shownPath(found.path) + L" isn't a group";
-    place = std::move(found);
-    return {};
-}
-
-// Why nothing can be put into a group or taken out of it: the named views have commands of their
-// own, which keep those that are built in.
-std::wstring whyNotIn(ManagedGroupEntity * group, std::wstring const & command) {
-    if (!group || !query<NameView::NamedViews>(group)) return {};
-    return L"the group holds the named views, and Views." + command + L" is for these";
+    why = whyNotIn(groupAt(found), L"New");
+    if (why.empty()) place = std::move(found);
+    return why;
 }
 
 // The group at a place, made if it isn't there yet.
@@ -79,8 +80,7 @@ std::size_t children(DocumentPlace const & place) {
 
 TextCommandResult makeGroupAt(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
-    std::wstring why = findGroup(session, parameters.parameter(0), parent);
-    if (why.empty()) why = whyNotIn(groupAt(parent), L"New");
+    std::wstring const why = findGroup(session, parameters.parameter(0), parent);
     if (!why.empty()) return cannot(L"make a group", why);
     std::wstring const path = childPath(parent.path, children(parent));
     unsigned long long id = 0;
@@ -108,8 +108,7 @@ unsigned readCount(std::wstring const & text) {
 
 TextCommandResult addEntities(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
-    std::wstring why = findGroup(session, parameters.parameter(0), parent);
-    if (why.empty()) why = whyNotIn(groupAt(parent), L"New");
+    std::wstring const why = findGroup(session, parameters.parameter(0), parent);
     if (!why.empty()) return cannot(L"add entities", why);
     unsigned count = 1;
     if (parameters.parameters() > 1) count = readCount(parameters.parameter(1));
@@ -134,6 +133,15 @@ TextCommandResult addEntities(DocumentSession & session, Parameters const & para
 
 namespace {
 
+// Finds an entity that is to be taken out of the group that lists it.
+std::wstring findMember(DocumentSession const & session, std::wstring const & text,
+                        DocumentPlace & place) {
+    std::wstring const why = findPlace(session, text, place);
+    if (!why.empty()) return why;
+    if (!place.group) return shownPath(place.path) + L" is a root of the tree";
+    return whyNotIn(place.group.get(), L"Delete");
+}
+
 // Takes an entity out of the group that lists it.  The answer tells whether it has gone.
 bool takeOut(DocumentSession & session, std::wstring const & name, DocumentPlace & place) {
     unsigned long long const id = place.entity->id();
@@ -153,11 +161,9 @@ std::wstring stillThere(bool gone) {
 
 TextCommandResult removeEntity(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
-    std::wstring why = findPlace(session, parameters.parameter(0), place);
-    if (why.empty()) why = whyNotIn(place.group.get(), L"Delete");
+    std::wstring const why = findMember(session, parameters.parameter(0), place);
     if (!why.empty()) return cannot(L"remove", why);
     std::wstring const path = shownPath(place.path);
-    if (!place.group) return cannot(L"remove", path + L" is a root of the tree");
     if (auto const * const group = groupAt(place); group && group->children() > 0) {
         std::size_t const below = entitiesBelow(*place.entity);
         return cannot(L"remove", path + L" is a group with " + counted(below) +
@@ -169,11 +175,9 @@ TextCommandResult removeEntity(DocumentSession & session, Parameters const & par
 
 TextCommandResult deleteGroup(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
-    std::wstring why = findPlace(session, parameters.parameter(0), place);
-    if (why.empty()) why = whyNotIn(place.group.get(), L"Delete");
+    std::wstring const why = findMember(session, parameters.parameter(0), place);
     if (!why.empty()) return cannot(L"delete", why);
     std::wstring const path = shownPath(place.path);
-    if (!place.group) return cannot(L"delete", path + L" is a root of the tree");
     if (!groupAt(place))
         return cannot(L"delete", path + L" isn't a group; Groups.Remove takes it out of its own");
     std::size_t const below = entitiesBelow(*place.entity);
@@ -221,7 +225,9 @@ std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & targe
     case EMoveFault::OtherDocument:
         return to + L" isn't in the same document";
     }
-    return {};
+    std::wstring const why = whyNotIn(moved.group.get(), L"Move");
+    if (!why.empty()) return why;
+    return whyNotIn(where == EMove::Into ? groupAt(target) : target.group.get(), L"Move");
 }
 
 } // namespace
@@ -237,9 +243,6 @@ TextCommandResult moveEntity(DocumentSession & session, Parameters const & param
     }
     if (why.empty()) why = findPlace(session, parameters.parameter(2), target);
     if (why.empty()) why = whyNotMove(moved, target, where);
-    if (why.empty()) why = whyNotIn(moved.group.get(), L"Move");
-    if (why.empty())
-        why = whyNotIn(where == EMove::Into ? groupAt(target) : target.group.get(), L"Move");
     if (!why.empty()) return cannot(L"move", why);
 
     std::wstring const before = shownPath(moved.path);
