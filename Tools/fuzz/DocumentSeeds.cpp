@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include <sqlite3.h>
 
@@ -39,10 +38,10 @@ StrongRef<Asset> documentOfViews(unsigned views) {
     design->addRoot(group, "NamedViews");
     settings->namedViews(group);
     NameView::NamedViews::makeDefaultNamedViews(group);
-    std::vector<StrongRef<NameView::NamedView>> made;
-    for (unsigned i = 0; i < views; ++i)
-        made.push_back(NameView::NamedView::make(group, group->generateNamedViewName(L"NamedView"),
-                                                 Scene::Camera::make(design)));
+    for (unsigned i = 0; i < views; ++i) {
+        StrongRef<NameView::NamedView> const made = NameView::NamedView::make(
+            group, group->generateNamedViewName(L"NamedView"), Scene::Camera::make(design));
+    }
     StrongRef<Units::UnitSystems> const systems = Units::UnitSystems::make(design);
     StrongRef<Units::UnitSystem> const system = Units::UnitSystem::make(systems, L"Own", "own");
     system->completeCommonUnits();
