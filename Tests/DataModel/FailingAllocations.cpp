@@ -38,6 +38,8 @@ long FailingAllocations::living() noexcept { return s_living; }
 
 #if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
+bool Vn::Testing::FailingAllocations::includeMalloc() noexcept { return true; }
+
 // The C library lets a program bring functions of its own, which `new` uses too.
 extern "C" {
 
@@ -100,6 +102,8 @@ static void * refused() noexcept {
 
 #include <cstring>
 #include <initializer_list>
+
+bool Vn::Testing::FailingAllocations::includeMalloc() noexcept { return true; }
 
 // A program's functions aren't those of its libraries: each module calls through a table of what it
 // imports.  In those of our modules, and in that of the standard library, whose `new` calls malloc,
@@ -197,6 +201,8 @@ bool const s_bReplaced = [] {
 } // namespace
 
 #else
+
+bool Vn::Testing::FailingAllocations::includeMalloc() noexcept { return false; }
 
 void * operator new(std::size_t size) {
     void * const block = fails() ? nullptr : std::malloc(size ? size : 1);

@@ -15,6 +15,8 @@ public:
     static void heal() noexcept;
     // Whether something failed since `failAt`.
     static bool hasFailed() noexcept;
+    // Whether `malloc` and its kin fail too, and not `new` alone.
+    static bool includeMalloc() noexcept;
     // How many blocks are allocated at present; always 0 where a sanitizer looks for leaks.
     static long living() noexcept;
 };
