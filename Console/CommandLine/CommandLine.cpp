@@ -104,7 +104,7 @@ public:
         // As everywhere, what begins with a "/" is a text or a path.
         m_app.allow_windows_style_options(false);
         add(m_app, EValueOption::Language, m_language, "TAG",
-            "The language of the words, such as de");
+            "The language of words and messages, such as de, instead of the one that LANG names");
         add(m_app, EValueOption::Options, m_optionsDirectory, "DIR",
             "The directory of the preferences, instead of the user's");
         m_app.add_flag("--standard", m_standard, "With the factory display settings");
@@ -282,6 +282,8 @@ private:
         m_document->add_flag("--new", m_new, "Makes the file, which must not be there");
         m_document->add_flag("--json", m_json,
                              "The tree as one JSON object a line, and nothing else");
+        m_document->add_flag("--verbose", m_verbose,
+                             "The tree with what the system itself says of each entity");
         m_document->footer([] { return documentCallsText() + c_documentPaths; });
     }
 
@@ -322,6 +324,7 @@ private:
         options.file = wide(m_file);
         options.words = texts(*m_calls);
         options.isNew = m_new;
+        options.verbose = m_verbose;
         options.json = m_json;
         return options;
     }
@@ -364,6 +367,7 @@ private:
     bool m_standard = false;
     bool m_json = false;
     bool m_new = false;
+    bool m_verbose = false;
 };
 
 bool areUtf8(std::vector<std::string> const & arguments, std::ostream & err) {

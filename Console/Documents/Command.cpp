@@ -121,6 +121,10 @@ bool takesJson(DocumentCommand const & command) {
     return command.flag && std::wstring_view(command.flag) == L"Json";
 }
 
+bool takesVerbose(DocumentCommand const & command) {
+    return command.otherFlag && std::wstring_view(command.otherFlag) == L"Verbose";
+}
+
 int unknown(std::wstring const & word, std::ostream & err) {
     std::vector<std::wstring> names;
     for (DocumentCommand const & command : documentCommands())
@@ -172,6 +176,13 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
         return badUsage(
             "--json goes with the command " + Text::toUtf8(oneOf(aliases(L", ", &takesJson))), err);
     }
+    bool const isVerbose = std::any_of(
+        calls.begin(), calls.end(), [](Call const & call) { return takesVerbose(*call.command); });
+    if (options.verbose && !isVerbose) {
+        return badUsage("--verbose goes with the command " +
+                            Text::toUtf8(oneOf(aliases(L", ", &takesVerbose))),
+                        err);
+    }
     return ExitGood;
 }
 
@@ -209,10 +220,13 @@ int begin(std::filesystem::path const & file, Call const & first, DocumentSessio
 }
 
 // A long answer was written already.
-int run(Call const & call, bool json, std::ostream & out, std::ostream & err) {
+int run(Call const & call, DocumentOptions const & options, std::ostream & out,
+        std::ostream & err) {
     DocumentCommand const & row = *call.command;
+    bool const json = options.json;
     std::vector<std::wstring> flags = call.flags;
     if (json && takesJson(row)) flags.emplace_back(row.flag);
+    if (options.verbose && takesVerbose(row)) flags.emplace_back(row.otherFlag);
     TextCommand * const command = TextCommandService::get().find(row.area, row.name);
     TextCommandResult const result = command->run(TextCommandParameters(call.parameters, flags));
     out.flush();
@@ -267,10 +281,10 @@ int runDocument(DocumentOptions const & options, DocumentSession & session, std:
     Call const & first = calls.front();
     std::filesystem::path const file = pathOf(options.file);
     if (first.is(EDocumentCall::Alone))
-        return run({first.words, first.command, {options.file}}, false, out, err);
+        return run({first.words, first.command, {options.file}}, {}, out, err);
     if (int const status = begin(file, first, session, err); status != ExitGood) return status;
     for (Call const & call : calls) {
-        int const status = run(call, options.json, out, err);
+        int const status = run(call, options, out, err);
         if (status == ExitGood) continue;
         if (std::any_of(calls.begin(), calls.end(), [](Call const & c) { return c.changes(); }))
             err << "nothing was saved\n";

@@ -16,8 +16,9 @@ struct DocumentOptions {
     // The commands with their parameters.  Each ends with a comma, by itself or after a word, or
     // with the word "then".
     std::vector<std::wstring> words;
-    bool isNew = false; // the file is made by this call
-    bool json = false;  // the tree is written as JSON, and nothing else is
+    bool isNew = false;   // the file is made by this call
+    bool json = false;    // the tree is written as JSON, and nothing else is
+    bool verbose = false; // the tree has what the system itself says of each entity
 };
 
 // The commands that a call may hold, a line for each.

@@ -41,7 +41,8 @@ struct DocumentCommand {
     wchar_t const * purpose = nullptr; // after "cannot"
     unsigned least = 0;                // the number of parameters
     unsigned most = 0;
-    wchar_t const * flag = nullptr; // the one that it knows; null if it knows none
+    wchar_t const * flag = nullptr;      // one that it knows; null if it knows none
+    wchar_t const * otherFlag = nullptr; // another
     bool needsDocument = true;
     EDocumentCall call = EDocumentCall::Changes;
     wchar_t const * callUsage = L"";   // what stands after the alias in a call of the console

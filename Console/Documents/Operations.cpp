@@ -26,6 +26,24 @@ TextCommandResult failure(Status const & status) {
     return {status.code() == StatusCancelled ? ExitInterrupted : ExitBadInput, textOf(status)};
 }
 
+// What can be done where the file isn't any more what the document came from, so that nobody has to
+// choose between what two programs did without knowing it; empty for other reasons.
+std::wstring waysOn(DocumentSession const & session, Status const & status) {
+    std::wstring own = session.name(); // as a parameter
+    for (std::size_t i = 0; (i = own.find(L'"', i)) != own.npos; i += 2) own.insert(i, 1, L'\\');
+    own = L'"' + own + L'"';
+    std::wstring const keeps = L"\n  Document.SaveAs OTHER.vnd   ";
+    if (status.code() == StatusNotFound)
+        return keeps + L"saves this document under another name" + L"\n  Document.SaveAs " + own +
+               L"   saves it under its own name again";
+    if (status.code() != StatusChanged) return {};
+    return keeps + L"saves this document under another name, and keeps both" +
+           L"\n  Document.Open " + own +
+           L" /Force   takes the other's work, and drops what was "
+           L"changed here" +
+           L"\n  Document.SaveAs " + own + L" /Force   replaces the other's work by this document";
+}
+
 // Why a document can't take the place of the one that is open.
 std::wstring whyNotReplace(DocumentSession const & session, Parameters const & parameters) {
     if (!session.hasUnsavedChanges() || parameters.hasFlag(L"Force")) return {};
@@ -97,7 +115,8 @@ TextCommandResult saveDocument(DocumentSession & session, Parameters const &) {
     if (session.asset().file().empty())
         return cannot(L"save", L"the document has no file yet; Document.SaveAs FILE gives it one");
     if (!session.hasUnsavedChanges()) return {0, session.name() + L" is up to date"};
-    if (Status const status = session.save(); !status) return {1, textOf(status)};
+    if (Status const status = session.save(); !status)
+        return {1, textOf(status) + waysOn(session, status)};
     return {0, L"saved " + session.name()};
 }
 
@@ -119,12 +138,15 @@ TextCommandResult saveDocumentAs(DocumentSession & session, Parameters const & p
 
 TextCommandResult showTree(DocumentSession const & session, Parameters const & parameters,
                            std::ostream & out) {
-    bool json = parameters.hasFlag(L"Json");
+    ETreeForm form = parameters.hasFlag(L"Verbose") ? ETreeForm::Verbose : ETreeForm::Brief;
+    if (parameters.hasFlag(L"Json")) form = ETreeForm::Json;
     std::vector<std::wstring> paths;
     for (unsigned i = 0; i < parameters.parameters(); ++i) {
         // As vnconsole itself has it.
         if (parameters.parameter(i) == L"--json")
-            json = true;
+            form = ETreeForm::Json;
+        else if (parameters.parameter(i) == L"--verbose")
+            form = form == ETreeForm::Json ? form : ETreeForm::Verbose;
         else
             paths.push_back(parameters.parameter(i));
     }
@@ -133,13 +155,13 @@ TextCommandResult showTree(DocumentSession const & session, Parameters const & p
                       inQuotes(paths[1]) + L" is too much: the tree is of one entity");
     }
     if (paths.empty()) {
-        writeTree(session, json, out);
+        writeTree(session, form, out);
         return {};
     }
     DocumentPlace place;
     std::wstring const why = findPlace(session, paths.front(), place);
     if (!why.empty()) return cannot(L"show the tree", why);
-    writeTree(place, json, out);
+    writeTree(place, form, out);
     return {};
 }
 

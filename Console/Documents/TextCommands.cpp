@@ -22,6 +22,10 @@ public:
     using TextCommandSubjectArea::TextCommandSubjectArea;
 };
 
+bool isFlag(std::wstring_view text, wchar_t const * flag) {
+    return flag && Text::foldedEqual(text, std::wstring_view(flag));
+}
+
 class Command final : public TextCommand {
 public:
     Command(DocumentCommand const & command, DocumentSession & session, std::ostream * out)
@@ -42,9 +46,7 @@ private:
             return cannot(m_rCommand.purpose, inQuotes(next) + L" is too much: " + usage);
         }
         for (std::wstring const & flag : parameters.flags()) {
-            if (m_rCommand.flag &&
-                Text::foldedEqual(std::wstring_view(flag), std::wstring_view(m_rCommand.flag)))
-                continue;
+            if (isFlag(flag, m_rCommand.flag) || isFlag(flag, m_rCommand.otherFlag)) continue;
             return cannot(m_rCommand.purpose,
                           inQuotes(L'/' + flag) +
                               L" isn't a flag of it, and a path goes in quotes: " + usage);

@@ -7,13 +7,13 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Console/Documents/EntityTexts.h"
 #include "Console/Documents/Interruption.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
 #include "Console/Texts.h"
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
-#include "Platform/DataModel/MetaType.h"
 #include "Platform/DataModel/ObjectPath.h"
 #include "Platform/DataModel/Segment.h"
 #include "Platform/Scene/Camera.h"
@@ -84,14 +84,6 @@ private:
     std::wstring m_path;
 };
 
-// "CommonBaseEntity" of the meta type "CommonBaseEntityMetaType".
-std::string className(Entity const & entity) {
-    std::string name(entity.metaType()->name());
-    constexpr std::string_view c_end = "MetaType";
-    if (name.ends_with(c_end)) name.resize(name.size() - c_end.size());
-    return name;
-}
-
 // Which of the children of its group a place is, by the last name of its path; 0 for a root.
 unsigned indexIn(DocumentPlace const & place) {
     ObjectPath path;
@@ -123,14 +115,18 @@ std::string jsonLine(TreeWalk::Step const & step, std::wstring const & text) {
     return line.dump();
 }
 
-void writeLine(TreeWalk::Step const & step, bool json, std::ostream & out) {
-    std::wstring const text = step.entity.toString();
-    if (json) {
-        out << jsonLine(step, text) << '\n';
+void writeLine(TreeWalk::Step const & step, ETreeForm form, std::ostream & out) {
+    if (form == ETreeForm::Json) {
+        out << jsonLine(step, step.entity.toString()) << '\n';
         return;
     }
-    out << Text::toUtf8(shownPath(step.path)) << "  #" << step.entity.id() << "  "
-        << Text::toUtf8(printable(text));
+    out << Text::toUtf8(shownPath(step.path)) << "  #" << step.entity.id() << "  ";
+    if (form == ETreeForm::Verbose) {
+        out << Text::toUtf8(printable(step.entity.toString()));
+    } else {
+        std::wstring const gist = gistOf(step.entity);
+        out << Text::toUtf8(kindOf(step.entity) + (gist.empty() ? L"" : L"  ") + gist);
+    }
     if (step.repeated && step.group->children() > 0) out << "  (its children are shown above)";
     out << '\n';
 }
@@ -144,7 +140,7 @@ void markSeen(Entity const & entity, std::unordered_set<Entity const *> & seen) 
 
 } // namespace
 
-void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
+void writeTree(DocumentSession const & session, ETreeForm form, std::ostream & out) {
     TreeWalk walk;
     std::unordered_set<Entity const *> seen;
     std::vector<std::string> keys;
@@ -153,20 +149,20 @@ void writeTree(DocumentSession const & session, bool json, std::ostream & out) {
         StrongRef<Entity> const root = session.design().rootEntity(key);
         walk.from(*root, nullptr, 0, Onk(Text::fromUtf8(key)).toString(),
                   [&](TreeWalk::Step const & step) {
-                      if (!json) markSeen(step.entity, seen);
-                      writeLine(step, json, out);
+                      if (form != ETreeForm::Json) markSeen(step.entity, seen);
+                      writeLine(step, form, out);
                   });
     }
-    if (json) return;
+    if (form == ETreeForm::Json) return;
     std::size_t const outside = session.asset().entities() - seen.size();
     if (outside == 0) return;
     out << outside << (outside == 1 ? " entity stands" : " entities stand")
         << " outside the tree\n";
 }
 
-void writeTree(DocumentPlace const & place, bool json, std::ostream & out) {
+void writeTree(DocumentPlace const & place, ETreeForm form, std::ostream & out) {
     TreeWalk().from(*place.entity, place.group.get(), indexIn(place), place.path,
-                    [&](TreeWalk::Step const & step) { writeLine(step, json, out); });
+                    [&](TreeWalk::Step const & step) { writeLine(step, form, out); });
 }
 
 std::size_t entitiesBelow(Entity const & entity) {

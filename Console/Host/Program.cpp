@@ -11,6 +11,7 @@
 #include "Console/Host/AddInsCommand.h"
 #include "Console/Host/EarlyOptions.h"
 #include "Console/Host/ICommandLine.h"
+#include "Console/Host/Language.h"
 #include "Console/Texts.h"
 #include "Platform/AddInMgr/AddIn.h"
 #include "Platform/AddInMgr/AddInMgr.h"
@@ -44,7 +45,7 @@ void prepareProcess(EarlyOptions const & options) {
     if (!std::filesystem::is_directory(
             PathInfo::fromText(PathInfo::rootDirectory(true) + L"Server"), ignored))
         PathInfo::rootDirectory(PathInfo::installedRoot());
-    StringTable::language(options.language);
+    StringTable::language(options.language.empty() ? preferredLanguage() : options.language);
     PathInfo::optionsDirectory(Text::fromUtf8(options.optionsDirectory));
 }
 
@@ -79,6 +80,10 @@ int runProgram(std::vector<std::string> const & arguments, std::istream & in, st
                std::ostream & err) {
     EarlyOptions const options = readEarlyOptions(arguments);
     prepareProcess(options);
+    if (std::wstring const why = whyNotLanguage(options.language); !why.empty()) {
+        told(why, err);
+        return ExitBadUsage;
+    }
     AddInMgr & manager = *AddInMgr::get();
     Status const configured = manager.configure();
     // Each record keeps its own reason, and only the commands can't be done without.

@@ -7,6 +7,7 @@
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Evaluation.h"
+#include "Console/Host/Language.h"
 #include "Console/Options.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/SettingsTexts.h"
@@ -91,7 +92,8 @@ std::span<Session::Command const> Session::commands() {
          &Session::options},
         {L"standard", L"", L"back to the factory display settings", &Session::standard},
         {L"units", L"[PATTERN]", L"the units that expressions know", &Session::units},
-        {L"language", L"", L"the language of words and messages", &Session::language},
+        {L"language", L"[TAG]", L"the language of words and messages: shows it, or changes it",
+         &Session::language},
         {L"quit", L"", L"ends the session; so does Ctrl-D", &Session::quit},
     };
     return c_commands;
@@ -241,13 +243,18 @@ Session::Result Session::units(std::wstring const & pattern) {
 }
 
 Session::Result Session::language(std::wstring const & tag) {
-    std::string const language = StringTable::language();
     if (!tag.empty()) {
-        return bad(L"the language is chosen when the console starts: vnconsole --language " +
-                   clipped(printable(tag)));
+        std::string const chosen = Text::toUtf8(tag);
+        if (std::wstring const why = whyNotLanguage(chosen); !why.empty()) return bad(why);
+        StringTable::language(chosen);
     }
-    m_rOut << "language: " << (language.empty() ? "English" : language)
-           << "; another is chosen by vnconsole --language TAG\n";
+    m_rOut << "language: " << Text::toUtf8(Console::language()) << "; there are ";
+    char const * separator = "";
+    for (std::wstring const & each : languages()) {
+        m_rOut << separator << Text::toUtf8(each);
+        separator = ", ";
+    }
+    m_rOut << '\n';
     return Result::Good;
 }
 

@@ -186,6 +186,8 @@ std::string_view Status::codeText(EStatus code) noexcept {
         return "not supported";
     case StatusCancelled:
         return "cancelled";
+    case StatusChanged:
+        return "changed meanwhile";
     }
     return "unknown failure";
 }

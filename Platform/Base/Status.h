@@ -24,7 +24,8 @@ enum EStatus {
     StatusOutOfMemory,
     StatusBusy, // another user holds it
     StatusUnsupported,
-    StatusCancelled
+    StatusCancelled,
+    StatusChanged // it isn't any more what the caller last saw of it
 };
 
 // The outcome of an operation that can fail: success, or a reason with what was being done, to

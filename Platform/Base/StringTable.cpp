@@ -5,6 +5,8 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <set>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -23,6 +25,15 @@ struct Catalogues {
     // The translations of each module, or null.  They are read when first asked for, and all again
     // after a change of language or directories.
     std::map<std::string, std::shared_ptr<MessageCatalogue const>, std::less<>> modules;
+    // The numbers of the languages with the first so many of the directories.
+    std::map<std::pair<std::string, std::size_t>, unsigned> editions{{{std::string(), 0}, 0}};
+
+    // After a change of language or directories: the number of what is used now.
+    unsigned changed() {
+        modules.clear();
+        auto const next = static_cast<unsigned>(editions.size());
+        return editions.emplace(std::pair(language, directories.size()), next).first->second;
+    }
 };
 
 constinit Shared<Catalogues> s_catalogues;
@@ -59,14 +70,30 @@ std::vector<std::string> namesOf(std::string const & language) {
     return names;
 }
 
+// A tag with an underscore before the territory, and without an encoding; empty if it isn't one.
+std::string normalized(std::string_view languageTag) {
+    std::string tag(languageTag.substr(0, languageTag.find('.')));
+    std::replace(tag.begin(), tag.end(), '-', '_');
+    return isName(tag, "_@") ? tag : std::string();
+}
+
+bool isEnglish(std::string const & tag) {
+    std::vector<std::string> const names = namesOf(tag);
+    return tag == "C" || tag == "POSIX" || (!names.empty() && names.back() == "en");
+}
+
+std::filesystem::path catalogueIn(std::filesystem::path const & directory,
+                                  std::filesystem::path const & language, std::string_view module) {
+    return directory / language / "LC_MESSAGES" / (std::string(module) + ".mo");
+}
+
 // The translations of one module, or null if there are none.
 std::shared_ptr<MessageCatalogue const>
 readCatalogue(std::string const & language, std::string_view module,
               std::vector<std::filesystem::path> const & directories) {
-    std::filesystem::path const file = std::string(module) + ".mo";
     for (std::string const & name : namesOf(language)) {
         for (std::filesystem::path const & directory : directories) {
-            auto catalogue = MessageCatalogue::read(directory / name / "LC_MESSAGES" / file);
+            auto catalogue = MessageCatalogue::read(catalogueIn(directory, name, module));
             if (catalogue) return catalogue;
         }
     }
@@ -74,6 +101,8 @@ readCatalogue(std::string const & language, std::string_view module,
 }
 
 } // namespace
+
+constinit std::atomic<unsigned> StringTable::s_edition{0};
 
 std::wstring StringTable::getLocalizedString(std::string_view module, std::string_view key,
                                              std::wstring_view defaultText) {
@@ -99,13 +128,12 @@ std::wstring StringTable::getLocalizedString(std::string_view module, std::strin
 }
 
 void StringTable::language(std::string_view languageTag) {
-    std::string tag(languageTag.substr(0, languageTag.find('.')));
-    std::replace(tag.begin(), tag.end(), '-', '_');
-    if (!isName(tag, "_@") || tag == "C" || tag == "POSIX") tag.clear();
+    std::string tag = normalized(languageTag);
+    if (tag == "C" || tag == "POSIX") tag.clear();
     Catalogues & all = catalogues();
     std::lock_guard const guard(all.mutex);
     all.language = std::move(tag);
-    all.modules.clear();
+    s_edition.store(all.changed(), std::memory_order_release);
 }
 
 std::string StringTable::language() {
@@ -114,11 +142,43 @@ std::string StringTable::language() {
     return all.language;
 }
 
+std::vector<std::string> StringTable::languages(std::string_view module) {
+    std::vector<std::filesystem::path> directories;
+    {
+        Catalogues & all = catalogues();
+        std::lock_guard const guard(all.mutex);
+        directories = all.directories;
+    }
+    std::set<std::string> found;
+    for (std::filesystem::path const & directory : directories) {
+        std::error_code error;
+        std::filesystem::directory_iterator each(directory, error);
+        for (; !error && each != std::filesystem::directory_iterator(); each.increment(error)) {
+            std::u8string const name = each->path().filename().u8string();
+            std::string const tag(name.begin(), name.end());
+            std::error_code ignored;
+            if (isName(tag, "_@") && isName(module, "_-") &&
+                std::filesystem::exists(catalogueIn(directory, tag, module), ignored))
+                found.insert(tag);
+        }
+    }
+    return {found.begin(), found.end()};
+}
+
+bool StringTable::hasLanguage(std::string_view module, std::string_view languageTag) {
+    std::string const tag = normalized(languageTag);
+    if (languageTag.empty() || isEnglish(tag)) return true;
+    std::vector<std::string> const known = languages(module);
+    std::vector<std::string> const names = namesOf(tag);
+    return std::find_first_of(names.begin(), names.end(), known.begin(), known.end()) !=
+           names.end();
+}
+
 void StringTable::catalogueDirectory(std::string_view utf8Path) {
     Catalogues & all = catalogues();
     std::lock_guard const guard(all.mutex);
     all.directories.emplace_back(std::u8string(utf8Path.begin(), utf8Path.end()));
-    all.modules.clear();
+    s_edition.store(all.changed(), std::memory_order_release);
 }
 
 } // namespace Vn

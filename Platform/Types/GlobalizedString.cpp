@@ -1,7 +1,6 @@
 #include "Platform/Types/GlobalizedString.h"
 
-#include <mutex>
-
+#include "Platform/Base/PerLanguage.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/StringTable.h"
 
@@ -12,13 +11,14 @@ public:
     explicit Body(std::wstring_view text) : m_bGlobalized(false), m_defaultText(text) {}
     Body(std::string_view module, std::string_view key, std::wstring_view defaultText)
         : m_bGlobalized(true), m_module(module), m_key(key), m_defaultText(defaultText) {}
+    ~Body() override { m_value.clear(); }
 
     std::wstring const & value() const {
         if (!m_bGlobalized) return m_defaultText;
-        std::call_once(m_lookedUp, [this] {
-            m_value = StringTable::getLocalizedString(m_module, m_key, m_defaultText);
+        return m_value.get([this] {
+            return new std::wstring(
+                StringTable::getLocalizedString(m_module, m_key, m_defaultText));
         });
-        return m_value;
     }
 
     bool const m_bGlobalized;
@@ -27,8 +27,7 @@ public:
     std::wstring const m_defaultText;
 
 private:
-    mutable std::once_flag m_lookedUp;
-    mutable std::wstring m_value;
+    mutable PerLanguage<std::wstring> m_value;
 };
 
 namespace {

@@ -12,8 +12,8 @@ namespace Vn {
 // A text for the user: either a plain one, or one that the string table translates.
 //
 // It is a value of one pointer.  The translation is looked up when it is first asked for and kept,
-// for all copies alike; a later change of language doesn't reach it.  Several threads may read the
-// same object.
+// for all copies alike; after a change of language another is looked up.  Several threads may read
+// the same object.
 class VN_TYPES_API GlobalizedString {
 public:
     // An empty plain text.

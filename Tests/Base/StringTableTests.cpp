@@ -145,6 +145,34 @@ TEST_F(StringTableTests, LanguageTags) {
     }
 }
 
+TEST_F(StringTableTests, LanguagesAreThoseWithACatalogue) {
+    EXPECT_EQ(StringTable::languages("VnBaseTests"), std::vector<std::string>{"de"});
+    EXPECT_EQ(StringTable::languages("NoSuchModule"), std::vector<std::string>{});
+    EXPECT_EQ(StringTable::languages("../VnBaseTests"), std::vector<std::string>{});
+    for (char const * const tag : {"de", "de_AT", "de-CH.UTF-8", "de@old", "", "C", "en", "en_US"})
+        EXPECT_TRUE(StringTable::hasLanguage("VnBaseTests", tag)) << tag;
+    for (char const * const tag : {"fr", "d", "deu", "../de", "de\xFF", ".UTF-8", "_AT"})
+        EXPECT_FALSE(StringTable::hasLanguage("VnBaseTests", tag)) << tag;
+    EXPECT_FALSE(StringTable::hasLanguage("NoSuchModule", "de"));
+}
+
+TEST_F(StringTableTests, EditionsAreToldApart) {
+    unsigned const english = StringTable::edition();
+    StringTable::language("de");
+    unsigned const german = StringTable::edition();
+    EXPECT_NE(german, english);
+    StringTable::language("de_AT");
+    EXPECT_NE(StringTable::edition(), german);
+    StringTable::language("de.UTF-8");
+    EXPECT_EQ(StringTable::edition(), german);
+    StringTable::language("C");
+    EXPECT_EQ(StringTable::edition(), english);
+    // Texts may come from there.
+    StringTable::catalogueDirectory("no-such-directory");
+    EXPECT_NE(StringTable::edition(), english);
+    EXPECT_NE(StringTable::edition(), german);
+}
+
 TEST_F(StringTableTests, GlobalLocalesStayAsTheyAre) {
     std::string const c = std::setlocale(LC_ALL, nullptr);
     std::locale const cpp;

@@ -71,14 +71,37 @@ TEST_F(DocumentCommandTests, AnotherProcessFindsTheSameTree) {
               "Groups #1\nGroups/CmnData[0] #31\n");
 }
 
-TEST_F(DocumentCommandTests, ALineOfTheTreeHasPathIdAndText) {
+TEST_F(DocumentCommandTests, ALineOfTheTreeHasPathIdAndWhatTheEntityIs) {
+    ASSERT_EQ(
+        run("new, make, make /Custom, add 0, makesystem \"Mine & yours\" mine imperial").status, 0);
+    std::string const all = tree();
+    for (char const * const line :
+         {"Groups  #1  group  2 entities\n", "Groups/CmnData[0]  #29  group  1 entity\n",
+          "Groups/CmnData[0]/CmnData[0]  #31  entity\n",
+          "Groups/CmnData[1]  #30  custom groups  empty\n", "AssetSettings  #2  settings\n",
+          "NamedViews  #3  views  4 entities\n", "NamedViews/CmnData[0]  #5  view  TOP\n",
+          "UnitSystems  #12  unit systems  2 entities\n",
+          "UnitSystems/CmnData[0]  #13  unit system  document, \"Document units\"\n",
+          "UnitSystems/CmnData[0]/CmnData[0]  #14  unit  Length: mm\n",
+          "  unit system  mine, \"Mine & yours\"\n", "  unit  Length: ft\n"})
+        EXPECT_NE(all.find(line), std::string::npos) << line << all;
+}
+
+TEST_F(DocumentCommandTests, VerboseTreeHasWhatTheSystemSays) {
     makeSample();
-    std::istringstream lines(tree());
+    std::istringstream lines(document("tree --verbose").out);
     std::string line;
     std::getline(lines, line);
     EXPECT_EQ(line, "Groups  #1  CommonBaseEntData (base ManagedGroupEntity (base ManagedEntity "
                     "(base Entity 1) : HasParent: 0) children : 2) HasClientObject: 0");
-    EXPECT_EQ(places(tree()), c_sample);
+    std::string const all = document("tree /Verbose").out;
+    EXPECT_EQ(places(all), c_sample);
+    EXPECT_EQ(document("--verbose").out, all);
+    EXPECT_EQ(document("--verbose tree").out, all);
+    EXPECT_EQ(document("--verbose --json").out, document("--json").out);
+    Outcome const outcome = document("--verbose history");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err, "vnconsole: --verbose goes with the command tree\n");
 }
 
 TEST_F(DocumentCommandTests, TheTreeIsTheOneCommandThatNeedsntBeNamed) {

@@ -31,7 +31,7 @@ protected:
 
     std::string tree() const {
         std::ostringstream out;
-        writeTree(m_session, false, out);
+        writeTree(m_session, ETreeForm::Brief, out);
         return out.str();
     }
     StrongRef<ManagedGroupEntity> groupOf(unsigned long long id) const {
@@ -41,6 +41,11 @@ protected:
     // What a text command answers.
     static std::string answer(std::wstring const & line) {
         return Text::toUtf8(TextCommandService::get().run(line).text);
+    }
+    // What stands after the name of the file where a save is refused.
+    static std::string whyNotSaved() {
+        std::string const text = answer(L"save");
+        return text.substr(text.find("': ") + 3);
     }
 
     DocumentSession m_session;
@@ -204,7 +209,7 @@ TEST_F(DocumentCoreTests, DeepTreesAreWalkedWithoutRecursion) {
         for (std::size_t i = 0; i < c_depth; ++i) group = makeGroup(group);
     });
     std::ostringstream out;
-    writeTree(m_session, true, out);
+    writeTree(m_session, ETreeForm::Json, out);
     std::string const lines = out.str();
     EXPECT_EQ(static_cast<std::size_t>(std::count(lines.begin(), lines.end(), '\n')), c_depth + 24);
     // A path without end isn't written.
@@ -250,6 +255,64 @@ TEST_F(DocumentCoreTests, ATreeIsWrittenWhileItIsWalkedWhereThereIsAStreamForIt)
               "cannot show the tree: \"1\" is too much: the tree is of one entity");
     EXPECT_EQ(answer(L"tree 7").substr(0, 21), "cannot show the tree:");
     EXPECT_EQ(out.str(), "");
+}
+
+// Two programs have changed the same document.
+class ConflictTests : public DocumentCoreTests {
+protected:
+    void SetUp() override {
+        DocumentCoreTests::SetUp();
+        answer(L"saveas \"a b.vnd\"");
+        ASSERT_EQ(runConsole({"document", "a b.vnd", "make, make"}).status, 0);
+        answer(L"make");
+        ASSERT_EQ(TextCommandService::get().run(L"save").status, 1);
+    }
+    static std::string groupsIn(std::string const & file) {
+        return places(document("tree", file).out);
+    }
+
+    static constexpr char c_ours[] = "Groups #1\nGroups/CmnData[0] #29\n";
+    static constexpr char c_theirs[] = "Groups #1\nGroups/CmnData[0] #29\nGroups/CmnData[1] #30\n";
+};
+
+TEST_F(ConflictTests, TellsTheWaysOn) {
+    EXPECT_EQ(
+        whyNotSaved(),
+        "changed meanwhile: the file was changed by another program\n"
+        "  Document.SaveAs OTHER.vnd   saves this document under another name, and keeps both\n"
+        "  Document.Open \"a b.vnd\" /Force   takes the other's work, and drops what was changed "
+        "here\n"
+        "  Document.SaveAs \"a b.vnd\" /Force   replaces the other's work by this document");
+}
+
+TEST_F(ConflictTests, BothAreKept) {
+    EXPECT_EQ(answer(L"Document.SaveAs OTHER.vnd"), "saved OTHER.vnd");
+    EXPECT_EQ(groupsIn("OTHER.vnd"), c_ours);
+    EXPECT_EQ(runConsole({"document", "a b.vnd", "tree"}).status, 0);
+    EXPECT_EQ(places(runConsole({"document", "a b.vnd", "tree"}).out), c_theirs);
+}
+
+TEST_F(ConflictTests, TheOthersWorkIsTaken) {
+    EXPECT_EQ(answer(L"Document.Open \"a b.vnd\" /Force").substr(0, 18), "opened a b.vnd wit");
+    EXPECT_EQ(places(tree()), c_theirs);
+    EXPECT_FALSE(m_session.hasUnsavedChanges());
+}
+
+TEST_F(ConflictTests, TheOthersWorkIsReplaced) {
+    EXPECT_EQ(answer(L"Document.SaveAs \"a b.vnd\" /Force"), "saved a b.vnd");
+    EXPECT_EQ(places(runConsole({"document", "a b.vnd", "tree"}).out), c_ours);
+}
+
+TEST_F(DocumentCoreTests, AFileThatIsGoneIsMadeAgain) {
+    answer(L"saveas a.vnd");
+    answer(L"make");
+    std::filesystem::remove("a.vnd");
+    EXPECT_EQ(whyNotSaved(),
+              "not found: the file is gone\n"
+              "  Document.SaveAs OTHER.vnd   saves this document under another name\n"
+              "  Document.SaveAs \"a.vnd\"   saves it under its own name again");
+    EXPECT_EQ(answer(L"Document.SaveAs \"a.vnd\""), "saved a.vnd");
+    EXPECT_EQ(places(document("tree").out), "Groups #1\nGroups/CmnData[0] #29\n");
 }
 
 TEST_F(DocumentCoreTests, ANewDocumentLetsGoOfTheOneBefore) {

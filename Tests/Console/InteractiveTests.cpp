@@ -199,15 +199,30 @@ TEST(PipedSessionTests, ExamplesOfHelpEvaluate) {
     }
 }
 
-TEST(PipedSessionTests, LanguageIsTold) {
-    EXPECT_EQ(runConsole({}, "language\n").out,
-              "language: English; another is chosen by vnconsole --language TAG\n");
-    EXPECT_EQ(runConsole({"--language", "xx"}, "language\n").out,
-              "language: xx; another is chosen by vnconsole --language TAG\n");
-    Outcome const outcome = runConsole({}, "language de\n");
+TEST(PipedSessionTests, LanguageIsToldAndChanged) {
+    EXPECT_EQ(runConsole({}, "language\n").out, "language: en; there are en, de, fr, ja\n");
+    EXPECT_EQ(runConsole({"--language", "de_AT"}, "language\n").out,
+              "language: de_AT; there are en, de, fr, ja\n");
+    Outcome const changed = runConsole({}, "sqrt(16)\nlanguage de\nwurzel(16)\nlanguage fr\n"
+                                           "racine(16)\nlanguage en\nsqrt(16)\n");
+    EXPECT_EQ(changed.err, "");
+    std::string rebuilt; // in the language of the moment
+    for (std::size_t at = 0; (at = changed.out.find("rebuilt ", at)) != std::string::npos; ++at)
+        rebuilt += changed.out.substr(at + 8, changed.out.find('\n', at) - at - 7);
+    EXPECT_EQ(rebuilt, "sqrt(16)\nwurzel(16)\nracine(16)\nsqrt(16)\n");
+    // What is known in one language isn't in another.
+    Outcome const outcome = runConsole({}, "language de\nsqrt(16)\n");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err,
-              "the language is chosen when the console starts: vnconsole --language de\n");
+    EXPECT_NE(outcome.err.find("Syntaxfehler"), std::string::npos) << outcome.err;
+}
+
+TEST(PipedSessionTests, UnknownLanguageIsRefused) {
+    Outcome const outcome = runConsole({}, "language xx\nlanguage ../de\nlanguage dee\nlanguage\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "there is no language \"xx\"; there are en, de, fr, ja\n"
+                           "there is no language \"../de\"; there are en, de, fr, ja\n"
+                           "there is no language \"dee\"; did you mean de?\n");
+    EXPECT_EQ(outcome.out, "language: en; there are en, de, fr, ja\n");
 }
 
 TEST(PipedSessionTests, QuitEndsAtOnce) {

@@ -1,6 +1,7 @@
 // Tests and measurements have preferences of their own: those of whoever runs them must not change
 // what they find.  Linked into a program, this gives it a place for option files before anything is
-// read, and takes the place away at its end.  Processes that it starts have the same place.
+// read, and takes the place away at its end.  Processes that it starts have the same place, and
+// speak English unless they are told otherwise.
 
 #include <cstdlib>
 #include <filesystem>
@@ -23,8 +24,10 @@ public:
 #ifdef _WIN32
         // Other processes have the place that Windows tells, which in Wine is the build's own.
         Vn::PathInfo::optionsDirectory(Vn::PathInfo::toText(m_directory));
+        _putenv_s("LC_ALL", "C");
 #else
         ::setenv("XDG_CONFIG_HOME", m_directory.c_str(), 1);
+        ::setenv("LC_ALL", "C", 1);
 #endif
     }
     ~OwnOptions() {

@@ -40,12 +40,27 @@ TEST(ConsoleLanguageTests, LanguageIsChosen) {
     }
 }
 
-TEST(ConsoleLanguageTests, UnknownLanguageIsEnglish) {
-    for (char const * const language : {"eo", "C", "en", ""}) {
+TEST(ConsoleLanguageTests, EnglishHasMoreThanOneName) {
+    for (char const * const language : {"C", "POSIX", "en", "en_GB.UTF-8", ""}) {
         EXPECT_EQ(runConsole({"--language", language, "eval", "sqrt(16)"}).status, 0) << language;
         EXPECT_EQ(runConsole({"--language", language, "eval", "wurzel(16)"}).status, 1) << language;
     }
 }
+
+#ifndef _WIN32 // which has no such shell
+TEST(ConsoleLanguageTests, EnvironmentNamesTheLanguage) {
+    using Console::Tests::runShell;
+    std::string const german = "LC_ALL= LANG=de_DE.UTF-8 \"$VNCONSOLE\" ";
+    EXPECT_EQ(runShell(german + "eval 'wurzel(16)'").status, 0);
+    EXPECT_EQ(runShell(german + "eval 'sqrt(16)'").status, 1);
+    EXPECT_EQ(runShell(german + "--language en eval 'sqrt(16)'").status, 0);
+    EXPECT_EQ(runShell(german + "--language fr eval 'racine(16)'").status, 0);
+    // A language that there is no catalogue of is nobody's mistake there.
+    Outcome const unknown = runShell("LC_ALL= LANG=eo \"$VNCONSOLE\" eval 'sqrt(16)'");
+    EXPECT_EQ(unknown.status, 0);
+    EXPECT_EQ(unknown.err, "");
+}
+#endif
 
 struct Failure {
     char const * language;

@@ -264,7 +264,8 @@ void DocumentFile::Writer::refuseChanged(Database & old, FileHead const & expect
     FileSchema schema(old);
     schema.checkHeader();
     FileHead const found = schema.readHead();
-    if (found.id != expected.id || found.stamp != expected.stamp) old.fail(StatusFailed, c_changed);
+    if (found.id != expected.id || found.stamp != expected.stamp)
+        old.fail(StatusChanged, c_changed);
 }
 
 // --- The changes -------------------------------------------------------------------------------
@@ -302,8 +303,8 @@ void DocumentFile::Writer::saveChanges() {
             head = schema.readHead();
             bool const isDoubtful = !stamp.m_doubtful.empty() && head.stamp == stamp.m_doubtful;
             if (head.id != stamp.m_id)
-                refuse(StatusFailed, "another program has put another document in its place");
-            if (head.stamp != stamp.m_stamp && !isDoubtful) refuse(StatusFailed, c_changed);
+                refuse(StatusChanged, "another program has put another document in its place");
+            if (head.stamp != stamp.m_stamp && !isDoubtful) refuse(StatusChanged, c_changed);
             if (head.generation >= Limits::c_generations)
                 refuse(StatusFailed,
                        "it can't be saved more often under its own name; save it under "

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "Platform/Base/Initializer.h"
+#include "Platform/Base/PerLanguage.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
@@ -66,7 +67,7 @@ Initializer const
 } // namespace
 
 Tokens * Tokens::get() {
-    static constinit Shared<Tokens> s_tokens;
+    static constinit PerLanguage<Tokens> s_tokens;
     return &s_tokens.get([] { return new Tokens; });
 }
 

@@ -2,8 +2,9 @@
 // the few unit words that the tokenizers know themselves.
 //
 // Words come from the string table "VnCommonData", so a translation of the table changes what the
-// user types and reads.  They are read once, when the object is first asked for; the language of a
-// process can't change after that.  Lookups compare exactly: "pi" isn't a constant.
+// user types and reads.  They are read once for each language, when the object is first asked for
+// in it; no thread may parse or show expressions while the language changes.  Lookups compare
+// exactly: "pi" isn't a constant.
 
 #ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_TOKENS_H
 #define VN_SERVER_COMMONDATA_EXPRESSIONS_TOKENS_H
@@ -43,7 +44,8 @@ inline constexpr int c_tokens = [] {
 
 class VN_COMMONDATA_API Tokens {
 public:
-    // The one vocabulary of the process, in the language of its first use.
+    // The one vocabulary of the process in the present language.  References to that of an earlier
+    // language stay valid.
     static Tokens * get();
 
     // The text of a token; empty for e_NONE and e_DECA_RESERVED, which have none.

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "Platform/Base/Shared.h"
+#include "Platform/Base/PerLanguage.h"
 #include "Platform/Base/Spelling.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Functions.h"
@@ -34,7 +34,7 @@ std::wstring asPower(std::wstring_view name) {
 } // namespace
 
 Vocabulary const & Vocabulary::get() {
-    static constinit Shared<Vocabulary> s_vocabulary;
+    static constinit PerLanguage<Vocabulary> s_vocabulary;
     return s_vocabulary.get([] { return new Vocabulary; });
 }
 

@@ -25,7 +25,7 @@ public:
         double magnitude;  // of the prefix; 1 without one
     };
 
-    // Made when first asked for, in the language chosen by then.
+    // Made when first asked for in the present language.
     static Vocabulary const & get();
 
     // In the order functions, constants, units by the catalogue, and these with each prefix.

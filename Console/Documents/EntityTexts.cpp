@@ -1,0 +1,88 @@
+#include "Console/Documents/EntityTexts.h"
+
+#include <iterator>
+
+#include "Console/Documents/UnitSystems.h"
+#include "Console/Texts.h"
+#include "Console/UnitTexts.h"
+#include "Platform/Base/InterfaceId.h"
+#include "Platform/Base/Text.h"
+#include "Platform/DataModel/MetaType.h"
+#include "Server/CommonData/Managed/ManagedGroupEntity.h"
+#include "Server/CommonData/NamedViews/NamedView.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
+
+namespace Vn::Console {
+
+namespace {
+
+struct Kind {
+    std::string_view className;
+    wchar_t const * word;
+};
+
+constexpr Kind c_kinds[] = {
+    {"CommonBaseEntity", L"entity"},
+    {"CommonBaseGroupEntity", L"group"},
+    {"CommonBaseRootCollection", L"root collection"},
+    {"CommonDataAssetSettings", L"settings"},
+    {"CustomGroup", L"custom group"},
+    {"CustomGroups", L"custom groups"},
+    {"ManagedRootCollection", L"root collection"},
+    {"NamedView", L"view"},
+    {"NamedViews", L"views"},
+    {"UnitSystem", L"unit system"},
+    {"UnitSystemChoiceById", L"unit"},
+    {"UnitSystemChoiceByUnit", L"unit"},
+    {"UnitSystems", L"unit systems"},
+};
+
+std::wstring gistOf(Units::UnitSystemChoice const & choice) {
+    std::wstring const purpose = purposeOf(choice);
+    std::wstring const unit = unitText(choice.units(), Units::UnitDisplaySettings::standard());
+    return (purpose.empty() ? choice.name() : purpose) + L": " +
+           (unit.empty() ? choice.storedUnitString() : unit);
+}
+
+std::wstring gistOf(Units::UnitSystem const & system) {
+    system.initializeIfNeeded(); // the choices below it have their units from then on
+    return Text::fromUtf8(system.id()) + (system.name().empty() ? L"" : L", ") +
+           (system.name().empty() ? L"" : inQuotes(system.name()));
+}
+
+std::wstring gistOf(Managed::ManagedGroupEntity const & group) {
+    unsigned const count = group.children();
+    if (count == 0) return L"empty";
+    return std::to_wstring(count) + (count == 1 ? L" entity" : L" entities");
+}
+
+} // namespace
+
+std::string className(Entity const & entity) {
+    std::string name(entity.metaType()->name());
+    constexpr std::string_view c_end = "MetaType";
+    if (name.ends_with(c_end)) name.resize(name.size() - c_end.size());
+    return name;
+}
+
+std::wstring kindOf(Entity const & entity) {
+    std::string const name = className(entity);
+    for (Kind const & kind : c_kinds)
+        if (kind.className == name) return kind.word;
+    return printable(Text::fromUtf8(name));
+}
+
+std::wstring gistOf(Entity const & entity) {
+    std::wstring text;
+    if (auto const * const view = query<NameView::NamedView>(&entity))
+        text = view->name();
+    else if (auto const * const choice = query<Units::UnitSystemChoice>(&entity))
+        text = gistOf(*choice);
+    else if (auto const * const system = query<Units::UnitSystem>(&entity))
+        text = gistOf(*system);
+    else if (auto const * const group = query<Managed::ManagedGroupEntity>(&entity))
+        text = gistOf(*group);
+    return printable(clipped(text));
+}
+
+} // namespace Vn::Console
