@@ -80,6 +80,12 @@ std::wstring whyNotShown(ComplexUnit const & units, UnitDisplaySettings const & 
            describeUnits(*shown, settings);
 }
 
+std::wstring whyNotShown(Expression const & expression, UnitDisplaySettings const & settings,
+                         UnitContext const & display) {
+    if (!expression.value()) return {};
+    return whyNotShown(expression.units().value_or(ComplexUnit::none()), settings, display);
+}
+
 std::wstring textToStore(Evaluation const & evaluation, Expression const & expression) {
     return evaluation.stored ? *evaluation.stored : expression.textToStore();
 }

@@ -32,6 +32,11 @@ std::wstring whyNotShown(Units::ComplexUnit const & units,
                          Units::UnitDisplaySettings const & settings,
                          Units::UnitContext const & display);
 
+// The same for an expression, which can be shown if it has no value.
+std::wstring whyNotShown(Expressions::Expression const & expression,
+                         Units::UnitDisplaySettings const & settings,
+                         Units::UnitContext const & display);
+
 // The text to store for an expression that was evaluated so.
 std::wstring textToStore(Evaluation const & evaluation, Expressions::Expression const & expression);
 

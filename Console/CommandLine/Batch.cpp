@@ -1,7 +1,6 @@
 #include "Console/CommandLine/Batch.h"
 
 #include <algorithm>
-#include <charconv>
 #include <istream>
 #include <limits>
 #include <map>
@@ -11,17 +10,16 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Console/Answer.h"
 #include "Console/Evaluation.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
-#include "Server/CommonData/Expressions/Tokenizer.h"
 
 namespace Vn::Console {
 
-using Expressions::EResult;
 using Expressions::Expression;
 using nlohmann::json;
 using Units::UnitContext;
@@ -130,15 +128,6 @@ private:
 
 using Members = LineHandler::Members;
 
-std::string jsonText(std::wstring_view text) { return json(Text::toUtf8(text)).dump(); }
-
-std::string number(double value) {
-    char buffer[64];
-    auto const end =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 17).ptr;
-    return std::string(buffer, end);
-}
-
 std::string inQuotesUtf8(std::wstring const & text) { return Text::toUtf8(inQuotes(text)); }
 
 std::wstring textOf(Members const & members, char const * key) {
@@ -174,19 +163,7 @@ UnitDisplaySettings settingsOf(LineHandler const & line) {
     return settings;
 }
 
-std::string tokensOf(std::wstring const & text) {
-    Expressions::TokenList tokens;
-    Expressions::TokenizerRegistry::get()->tokenize(text, tokens);
-    std::string answer = "[";
-    for (Expressions::Token const * token = tokens.first(); token; token = token->next) {
-        if (token != tokens.first()) answer += ',';
-        answer += '[' + std::to_string(token->kind) + ',' + std::to_string(token->start) + ',' +
-                  std::to_string(token->end) + ',' + jsonText(token->text) + ']';
-    }
-    return answer + ']';
-}
-
-std::string answerMembers(LineHandler const & line) {
+std::string answerTo(LineHandler const & line, bool withTokens) {
     Members const & members = line.members;
     if (!members.contains("text")) throw LineError("there is no \"text\"");
     std::wstring const text = textOf(members, "text");
@@ -197,49 +174,29 @@ std::string answerMembers(LineHandler const & line) {
         given != members.end() && !given->second.is_null())
         display = contextOf(textOf(members, "display"), "display");
     UnitDisplaySettings const settings = settingsOf(line);
-
-    std::string answer = "\"tokens\":" + tokensOf(text);
     Expression const expression(text, context);
-    auto const add = [&answer](char const * key, std::string const & value) {
-        answer += std::string(",\"") + key + "\":" + value;
-    };
-    std::optional<double> const value = expression.value();
-    std::optional<Units::ComplexUnit> const units = expression.units();
-    if (value) {
-        std::wstring const why =
-            whyNotShown(units.value_or(Units::ComplexUnit::none()), settings, display);
-        if (!why.empty()) throw LineError(Text::toUtf8(why));
-    }
-    add("parsed", expression ? "true" : "false");
-    add("result", std::string("\"") + resultName(expression.result().result()) + '"');
-    add("position", std::to_string(expression.result().position()));
-    add("message", jsonText(expression.result().toString()));
-    add("evaluated", value ? "true" : "false");
-    add("value", value ? number(*value) : "null");
-    add("units", jsonText(units ? units->toString() : L""));
-    add("formatted", jsonText(expression.formatted(Units::ValueAndUnit, settings, display)));
-    add("rebuilt", jsonText(expression.rebuilt(Units::ValueAndUnit, settings)));
-    add("formattedValueOnly", jsonText(expression.formatted(Units::ValueOnly, settings, display)));
-    add("formattedUnitOnly", jsonText(expression.formatted(Units::UnitOnly, settings, display)));
-    add("rebuiltValueOnly", jsonText(expression.rebuilt(Units::ValueOnly, settings)));
-    return answer;
+    if (std::wstring const why = whyNotShown(expression, settings, display); !why.empty())
+        throw LineError(Text::toUtf8(why));
+    return answerMembers(expression, settings, display, withTokens);
 }
 
-BatchAnswer errorAnswer(std::string const & id, std::string_view what) {
+// Without an id the line tells what is answered.
+BatchAnswer errorAnswer(std::string const & id, std::size_t number, std::string_view what) {
     constexpr std::size_t c_longestMessage = 300;
     // The JSON library begins its messages with a number in square brackets.
     if (what.starts_with('[')) what.remove_prefix(what.find(' ') + 1);
     // What it couldn't read needn't be UTF-8, nor short.
     std::wstring const message = clipped(Text::fromUtf8(what), c_longestMessage);
-    return {"{\"id\":" + id + ",\"error\":" + jsonText(message) + '}', false};
+    std::string const line = id == "null" ? ",\"line\":" + std::to_string(number) : std::string();
+    return {"{\"id\":" + id + ",\"error\":" + jsonText(message) + line + '}', false};
 }
 
-BatchAnswer outOfMemory(std::string const & id) {
+BatchAnswer outOfMemory(std::string const & id, std::size_t number) {
     constexpr std::string_view c_what = "memory ran out";
     try {
-        return errorAnswer(id, c_what);
+        return errorAnswer(id, number, c_what);
     } catch (std::bad_alloc const &) {
-        return errorAnswer("null", c_what); // an id may be long
+        return errorAnswer("null", number, c_what); // an id may be long
     }
 }
 
@@ -267,46 +224,23 @@ ERead readLine(std::istream & in, std::string & line) {
 
 } // namespace
 
-char const * resultName(EResult result) {
-    switch (result) {
-    case EResult::unknownResult:
-        return "unknownResult";
-    case EResult::parsedOk:
-        return "parsedOk";
-    case EResult::expressionIsEmpty:
-        return "expressionIsEmpty";
-    case EResult::abruptTermination:
-        return "abruptTermination";
-    case EResult::failedToParse:
-        return "failedToParse";
-    case EResult::unitMismatch:
-        return "unitMismatch";
-    case EResult::unitsDontEval:
-        return "unitsDontEval";
-    case EResult::badUnitString:
-        return "badUnitString";
-    }
-    return "";
-}
-
-BatchAnswer answerBatchLine(std::string const & line) {
+BatchAnswer answerBatchLine(std::string const & line, std::size_t number, bool withTokens) {
     std::string id = "null"; // as long as the line isn't read to its end
     try {
         try {
             LineHandler handler;
             json::sax_parse(line, &handler);
             id = std::move(handler.id);
-            return {"{\"id\":" + id + ',' + answerMembers(handler) + '}', true};
+            return {"{\"id\":" + id + ',' + answerTo(handler, withTokens) + '}', true};
         } catch (LineError const & error) {
-            return errorAnswer(id, error.what());
+            return errorAnswer(id, number, error.what());
         }
     } catch (std::bad_alloc const &) {
-        return outOfMemory(id);
+        return outOfMemory(id, number);
     }
 }
 
-BatchOutcome runBatch(std::istream & in, std::ostream & out,
-                      std::function<void(std::size_t)> const & progress) {
+BatchOutcome runBatch(std::istream & in, std::ostream & out, BatchOptions const & options) {
     constexpr std::size_t c_linesBetweenReports = 1000;
     BatchOutcome outcome;
     std::string line;
@@ -314,16 +248,18 @@ BatchOutcome runBatch(std::istream & in, std::ostream & out,
         ERead const read = readLine(in, line);
         if (read == ERead::End) break;
         ++outcome.lines;
-        if (progress && outcome.lines % c_linesBetweenReports == 0) progress(outcome.lines);
+        if (options.progress && outcome.lines % c_linesBetweenReports == 0)
+            options.progress(outcome.lines);
         bool const isRead = read == ERead::Line;
         if (isRead && line.find_first_not_of(" \t\r") == std::string::npos) continue;
-        BatchAnswer const answer = isRead ? answerBatchLine(line) : outOfMemory("null");
+        BatchAnswer const answer = isRead ? answerBatchLine(line, outcome.lines, options.withTokens)
+                                          : outOfMemory("null", outcome.lines);
         if (!answer.understood) ++outcome.badLines;
         out << answer.text << '\n';
         // A reader at the other end of a pipe waits for its answer.
         if (in.rdbuf()->in_avail() <= 0) out.flush();
     }
-    if (progress) progress(outcome.lines);
+    if (options.progress) options.progress(outcome.lines);
     outcome.inputFailed = in.bad();
     outcome.outputFailed = !out.flush();
     return outcome;

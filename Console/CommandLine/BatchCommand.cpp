@@ -27,10 +27,12 @@ int statusOf(BatchOutcome const & outcome, std::string const & name, std::ostrea
 
 } // namespace
 
-int runBatchCommand(std::string const & path, bool progress, std::istream & in, std::ostream & out,
-                    std::ostream & err) {
+int runBatchCommand(std::string const & path, bool withTokens, bool progress, std::istream & in,
+                    std::ostream & out, std::ostream & err) {
+    BatchOptions options;
+    options.withTokens = withTokens;
     if (path.empty() || path == "-")
-        return statusOf(runBatch(in, out, {}), "the standard input", err);
+        return statusOf(runBatch(in, out, options), "the standard input", err);
     std::string const name = Text::toUtf8(printable(Text::fromUtf8(path)));
     std::filesystem::path const file(std::u8string(path.begin(), path.end()));
     std::error_code ignored;
@@ -39,14 +41,15 @@ int runBatchCommand(std::string const & path, bool progress, std::istream & in, 
     errno = 0;
     std::ifstream stream(file, std::ios::binary);
     if (!stream) return cannotRead(name, std::strerror(errno != 0 ? errno : EIO), err);
-    if (!progress) return statusOf(runBatch(stream, out, {}), name, err);
+    if (!progress) return statusOf(runBatch(stream, out, options), name, err);
 
     std::size_t lines = 0;
-    BatchOutcome const outcome = runBatch(stream, out, [&](std::size_t count) {
+    options.progress = [&](std::size_t count) {
         lines = count;
         // The cursor goes back, so that what comes next takes the place of the line.
         err << count << " lines\r" << std::flush;
-    });
+    };
+    BatchOutcome const outcome = runBatch(stream, out, options);
     err << lines << " lines\n";
     return statusOf(outcome, name, err);
 }

@@ -61,7 +61,8 @@ constexpr char c_batchFormat[] = R"(Each line of the input is an object with the
   display   null, or the unit in which the value is formatted
   settings  an object with any of the display settings
 Each is answered by one line, in order. A line that can't be understood is
-answered by its id and an error; the exit status is then 1.
+answered by its id, or the number of the line where it has none, and an error; the
+exit status is then 1.
 )";
 
 constexpr char c_documentPaths[] =
@@ -148,7 +149,8 @@ public:
         if (*m_units) return runUnits(wide(m_pattern), m_json, out, err);
         if (*m_command) return runTextCommand(texts(*m_words), out, err);
         if (*m_batch)
-            return runBatchCommand(Text::toUtf8(wide(m_file)), errorIsTerminal(), in, out, err);
+            return runBatchCommand(Text::toUtf8(wide(m_file)), !m_noTokens, errorIsTerminal(), in,
+                                   out, err);
         if (*m_mass) return runMass(massOptions(), out, err);
         if (*m_scene) return runScene(wide(m_file), m_json, out, err);
         if (*m_document) return runDocument(documentOptions(), document, out, err);
@@ -196,7 +198,12 @@ private:
         add(*m_eval, EValueOption::Id, m_id, "KEY", "A key of the system that goes before both");
         m_eval->add_flag("--standard", m_standard, "With the factory display settings");
         m_eval->add_flag("--json", m_json, "One JSON object a line for each text");
+        addNoTokens(*m_eval);
         m_eval->footer("A text that begins with \"-\" goes after \"--\".\n");
+    }
+
+    void addNoTokens(CLI::App & command) {
+        command.add_flag("--no-tokens", m_noTokens, "Without the tokens in JSON");
     }
 
     // The units of a document, for who doesn't change it.
@@ -270,6 +277,7 @@ private:
         m_batch = addSubcommand("batch", "Evaluates JSON Lines");
         m_batch->add_option("FILE", m_file, "The input; the standard input if it is missing or -")
             ->type_name("");
+        addNoTokens(*m_batch);
         m_batch->footer(c_batchFormat);
     }
 
@@ -316,6 +324,7 @@ private:
         options.units.id = given(*m_eval, "--id", m_id);
         options.standard = m_standard;
         options.json = m_json;
+        options.withTokens = !m_noTokens;
         return options;
     }
 
@@ -366,6 +375,7 @@ private:
     std::string m_material;
     bool m_standard = false;
     bool m_json = false;
+    bool m_noTokens = false;
     bool m_new = false;
     bool m_verbose = false;
 };

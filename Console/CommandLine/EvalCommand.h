@@ -19,6 +19,7 @@ struct EvalOptions {
     DocumentUnits units;                 // what a document makes of that
     bool standard = false;               // the factory settings rather than the user's
     bool json = false;                   // an object a line rather than a table a text
+    bool withTokens = true;              // in that object
 };
 
 // Shows each text's value, units and rebuilt text; what fails is told on `err`.

@@ -39,11 +39,12 @@ std::string const c_lines[] = {
     R"({"id":4,"text":"2","context":"this isn't a unit either, and isn't short"})",
 };
 
-// Whether a line is answered by an error, with its id or without.
-bool isRefused(std::string const & line, std::string const & answer) {
-    std::string const error = R"(,"error":"memory ran out"})";
+// Whether a line is answered by an error, with its id, or else with its number.
+bool isRefused(std::string const & line, std::size_t number, std::string const & answer) {
+    std::string const error = R"(,"error":"memory ran out")";
     std::size_t const comma = line.find(R"(,"text")");
-    return answer == line.substr(0, comma) + error || answer == R"({"id":null)" + error;
+    return answer == line.substr(0, comma) + error + '}' ||
+           answer == R"({"id":null)" + error + ",\"line\":" + std::to_string(number) + '}';
 }
 
 TEST(BatchOutOfMemoryTests, ALineIsAnsweredByAnErrorAndTheNextAsEver) {
@@ -60,7 +61,7 @@ TEST(BatchOutOfMemoryTests, ALineIsAnsweredByAnErrorAndTheNextAsEver) {
             failed = FailingAllocations::hasFailed();
             if (answer.text != good.text) {
                 ++refused;
-                ASSERT_TRUE(isRefused(line, answer.text)) << answer.text;
+                ASSERT_TRUE(isRefused(line, 1, answer.text)) << answer.text;
                 ASSERT_FALSE(answer.understood);
             }
             ASSERT_EQ(answerBatchLine(line).text, good.text);
@@ -96,7 +97,7 @@ TEST(BatchOutOfMemoryTests, EveryLineOfARunIsAnswered) {
         for (std::size_t i = 0; i < lines.size(); ++i) {
             if (lines[i] == good[i]) continue;
             ++refused;
-            ASSERT_TRUE(isRefused(c_lines[i], lines[i])) << lines[i];
+            ASSERT_TRUE(isRefused(c_lines[i], i + 1, lines[i])) << lines[i];
         }
     }
     EXPECT_GT(refused, 10u);
@@ -113,8 +114,8 @@ TEST(BatchOutOfMemoryTests, ALineThatMemoryDoesNotHoldIsPassedOver) {
     FailingAllocations::failAt(5, false); // the fifth time that the line grows
     BatchOutcome const outcome = runBatch(in, out, {});
     FailingAllocations::heal();
-    EXPECT_EQ(buffer.lines(),
-              (std::vector<std::string>{R"({"id":null,"error":"memory ran out"})", answer}));
+    EXPECT_EQ(buffer.lines(), (std::vector<std::string>{
+                                  R"({"id":null,"error":"memory ran out","line":1})", answer}));
     EXPECT_EQ(outcome.lines, 2u);
     EXPECT_EQ(outcome.badLines, 1u);
     EXPECT_FALSE(outcome.inputFailed);

@@ -37,7 +37,9 @@ TEST(BatchTests, AnswerHasEveryMemberInOrder) {
               R"("parsed":true,"result":"parsedOk","position":0,"message":"Success!",)"
               R"j("evaluated":true,"value":53.340000000000003,"units":"(foot) / (1)",)j"
               R"("formatted":"21.00 in","rebuilt":"1'-9\"","formattedValueOnly":"21.00",)"
-              R"("formattedUnitOnly":"in","rebuiltValueOnly":"1'-9\""})"
+              R"("formattedUnitOnly":"in","rebuiltValueOnly":"1'-9\"","readableUnits":"ft",)"
+              R"("internalUnits":"cm","rebuiltReadsBack":true,"textToStore":"1'-9\"",)"
+              R"("reason":"none","start":0,"end":0,"explanation":"","suggestions":[],"hint":""})"
               "\n");
 }
 
@@ -53,12 +55,18 @@ TEST(BatchTests, TextThatDoesNotParseIsAnswered) {
         R"("result":"unitMismatch","position":0,"message":"Units mismatch between expected )"
         R"j((centimeter) / (1) and evaluated (kilogram) / (1)","evaluated":false,"value":null,)j"
         R"("units":"","formatted":"","rebuilt":"","formattedValueOnly":"","formattedUnitOnly":"",)"
-        R"("rebuiltValueOnly":""})"
+        R"("rebuiltValueOnly":"","readableUnits":"","internalUnits":"","rebuiltReadsBack":false,)"
+        R"("textToStore":"","reason":"otherThanExpectedUnits","start":0,"end":3,"explanation":)"
+        R"j("a result in cm (Length) is expected, but this is in kg (Mass)","suggestions":[],)j"
+        R"("hint":""})"
         "\n"
         R"({"id":2,"tokens":[[1,0,0,""],[11,0,1,"2"],[14,2,3,"$"],[0,4,5,"&"]],"parsed":false,)"
         R"("result":"failedToParse","position":4,"message":"Parse error at character 4",)"
         R"("evaluated":false,"value":null,"units":"","formatted":"","rebuilt":"",)"
-        R"("formattedValueOnly":"","formattedUnitOnly":"","rebuiltValueOnly":""})"
+        R"("formattedValueOnly":"","formattedUnitOnly":"","rebuiltValueOnly":"",)"
+        R"("readableUnits":"","internalUnits":"","rebuiltReadsBack":false,"textToStore":"",)"
+        R"("reason":"unusableCharacter","start":4,"end":5,"explanation":"\"&\" has no meaning in )"
+        R"(an expression","suggestions":[],"hint":""})"
         "\n");
 }
 
@@ -69,6 +77,57 @@ TEST(BatchTests, TextThatDoesNotEvaluateHasNoValue) {
     EXPECT_EQ(answer["value"], nullptr);
     EXPECT_EQ(answer["formatted"], "");
     EXPECT_EQ(answer["rebuilt"], "1 / 0");
+}
+
+// What a program needs to ask a person again.
+TEST(BatchTests, AFailureTellsWhatToTypeInstead) {
+    json const name = json::parse(runConsole({"batch"}, "{\"text\":\"2 + 3 CM\"}").out);
+    EXPECT_EQ(name["reason"], "unknownName");
+    EXPECT_EQ(name["start"], 6);
+    EXPECT_EQ(name["end"], 8);
+    EXPECT_EQ(name["suggestions"], json::array({"cm"}));
+    json const fraction = json::parse(runConsole({"batch"}, "{\"text\":\"7/2.2\"}").out);
+    EXPECT_EQ(fraction["hint"],
+              "\"7/2\" was read as a fraction; put the divisor in brackets: 7/(2.2)");
+    json const rounded = json::parse(runConsole({"batch"}, "{\"text\":\"1/128 in\"}").out);
+    EXPECT_EQ(rounded["rebuiltReadsBack"], false);
+    EXPECT_EQ(rounded["textToStore"], "1/128 in");
+}
+
+TEST(BatchTests, TokensAreLeftOutOnRequest) {
+    std::string const input = "{\"id\":1,\"text\":\"2 in\"}\n{\"id\":2,\"text\":\"bogus\"}\n";
+    std::vector<std::string> const with = linesOf(runConsole({"batch"}, input).out);
+    std::vector<std::string> const without =
+        linesOf(runConsole({"batch", "--no-tokens"}, input).out);
+    ASSERT_EQ(with.size(), without.size());
+    for (std::size_t i = 0; i < with.size(); ++i) {
+        json expected = json::parse(with[i]);
+        EXPECT_EQ(expected.erase("tokens"), 1u);
+        EXPECT_EQ(json::parse(without[i]), expected);
+    }
+}
+
+// One shape serves both: what follows the id, or the text, is the same to the last character.
+TEST(BatchTests, EvalAnswersInTheSameShape) {
+    for (char const * const text : {"2 ft + 1 cm", "bogus", "1/0", "1/128 in", "7/2.2", ""}) {
+        std::string const line = json{{"id", 1}, {"text", text}}.dump() + '\n';
+        std::string batch = runConsole({"batch"}, line).out;
+        std::string eval = runConsole({"eval", "--standard", "--json", text}).out;
+        std::string const id = R"({"id":1)";
+        std::string const head = R"({"text":)" + json(text).dump();
+        ASSERT_TRUE(batch.starts_with(id)) << batch;
+        ASSERT_TRUE(eval.starts_with(head)) << eval;
+        EXPECT_EQ(eval.substr(head.size()), batch.substr(id.size()));
+    }
+}
+
+TEST(BatchTests, AnErrorWithoutAnIdTellsTheLine) {
+    std::vector<std::string> const lines =
+        linesOf(runConsole({"batch"}, "{\"text\":2}\n\n \r\nfoo\n{\"id\":7}\n").out);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0], R"({"id":null,"error":"\"text\" must be a text","line":1})");
+    EXPECT_EQ(json::parse(lines[1])["line"], 4);
+    EXPECT_EQ(lines[2], R"({"id":7,"error":"there is no \"text\""})");
 }
 
 TEST(BatchTests, IdIsGivenBackAsTheSameValue) {
@@ -104,7 +163,9 @@ TEST(BatchTests, IdIsGivenBackAsTheSameValue) {
     for (Row const & row : rows) {
         std::string const id = row.answered;
         EXPECT_EQ(lines[i++].substr(0, id.size() + 15), "{\"id\":" + id + ",\"tokens\"");
-        EXPECT_EQ(lines[i++], "{\"id\":" + id + R"(,"error":"\"text\" must be a text"})");
+        std::string const line = id == "null" ? ",\"line\":" + std::to_string(i + 1) : "";
+        EXPECT_EQ(lines[i++],
+                  "{\"id\":" + id + R"(,"error":"\"text\" must be a text")" + line + '}');
     }
     EXPECT_EQ(lines[i++].substr(0, 8), "{\"id\":7,");
     EXPECT_EQ(lines[i++].substr(0, 8), "{\"id\":2,");
@@ -127,8 +188,8 @@ TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
     };
     Row const rows[] = {
         {"foo", R"({"id":null,"error":"parse error at line 1, column 2: syntax error while )"
-                R"(parsing value - invalid literal; last read: 'fo'"})"},
-        {"[1]", R"({"id":null,"error":"a line must be an object"})"},
+                R"(parsing value - invalid literal; last read: 'fo'","line":1})"},
+        {"[1]", R"({"id":null,"error":"a line must be an object","line":4})"},
         {"{\"id\":3}", R"({"id":3,"error":"there is no \"text\""})"},
         {R"({"id":4,"text":null})", R"({"id":4,"error":"\"text\" must be a text"})"},
         {R"({"id":5,"text":"2","context":"bogus"})",

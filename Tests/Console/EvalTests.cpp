@@ -123,25 +123,42 @@ TEST(EvalTests, EveryTextIsTakenAsItIs) {
 }
 
 TEST(EvalTests, JsonIsOneObjectALine) {
-    Outcome const outcome = runConsole({"eval", "--json", "--unit", "in", "1/128", "CM", "1/0"});
+    Outcome const outcome =
+        runConsole({"eval", "--json", "--no-tokens", "--unit", "in", "1/128", "CM", "1/0"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "");
     EXPECT_EQ(
         outcome.out,
-        R"({"text":"1/128","parsed":true,"evaluated":true,"formatted":"0.008 in",)"
-        R"("value":0.01984375,"internalUnits":"cm","units":"in","rebuilt":"1/64\"",)"
-        R"("rebuiltReadsBack":false,"textToStore":"1/128"})"
+        R"({"text":"1/128","parsed":true,"result":"parsedOk","position":0,"message":"Success!",)"
+        R"j("evaluated":true,"value":0.01984375,"units":"(inch) / (1)","formatted":"0.008 in",)j"
+        R"("rebuilt":"1/64\"","formattedValueOnly":"0.008","formattedUnitOnly":"in",)"
+        R"("rebuiltValueOnly":"1/64","readableUnits":"in","internalUnits":"cm",)"
+        R"("rebuiltReadsBack":false,"textToStore":"1/128","reason":"none","start":0,"end":0,)"
+        R"("explanation":"","suggestions":[],"hint":""})"
         "\n"
-        R"({"text":"CM","parsed":false,"result":"abruptTermination","position":0,)"
-        R"("reason":"unknownName","start":0,"end":2,"error":"Abrupt Termination",)"
-        R"("explanation":"\"CM\" isn't a unit, a function or a constant","suggestions":["cm"],)"
-        R"("hint":""})"
+        R"({"text":"CM","parsed":false,"result":"abruptTermination","position":0,"message":)"
+        R"("Abrupt Termination","evaluated":false,"value":null,"units":"","formatted":"",)"
+        R"("rebuilt":"","formattedValueOnly":"","formattedUnitOnly":"","rebuiltValueOnly":"",)"
+        R"("readableUnits":"","internalUnits":"","rebuiltReadsBack":false,"textToStore":"",)"
+        R"("reason":"unknownName","start":0,"end":2,"explanation":"\"CM\" isn't a unit, a )"
+        R"(function or a constant","suggestions":["cm"],"hint":""})"
         "\n"
-        R"({"text":"1/0","parsed":true,"evaluated":false,"formatted":"","value":null,)"
-        R"("internalUnits":"cm","units":"in","rebuilt":"( 1 / 0 ) * 1 in",)"
-        R"("rebuiltReadsBack":true,"textToStore":"( 1 / 0 ) * 1 in","error":"no value: a divisor )"
-        R"(is nearly zero, a number is too large, or a function isn't defined for its argument"})"
+        R"({"text":"1/0","parsed":true,"result":"parsedOk","position":0,"message":"Success!",)"
+        R"j("evaluated":false,"value":null,"units":"(inch) / (1)","formatted":"",)j"
+        R"j("rebuilt":"( 1 / 0 ) * 1 in","formattedValueOnly":"","formattedUnitOnly":"",)j"
+        R"j("rebuiltValueOnly":"( 1 / 0 ) * 1 in","readableUnits":"in","internalUnits":"cm",)j"
+        R"j("rebuiltReadsBack":true,"textToStore":"( 1 / 0 ) * 1 in","reason":"none","start":0,)j"
+        R"("end":0,"explanation":"a divisor is nearly zero, a number is too large, or a function )"
+        R"(isn't defined for its argument","suggestions":[],"hint":""})"
         "\n");
+}
+
+TEST(EvalTests, JsonOfAValueThatCanNotBeShownIsAnError) {
+    Outcome const outcome = runConsole({"eval", "--json", "2 cm", "--display", "kg"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, R"({"text":"2 cm","error":"the value is in cm (Length) and can't be )"
+                           R"j(shown in kg (Mass)"})j"
+                           "\n");
 }
 
 TEST(EvalTests, TextThatDoesNotEvaluateSaysSo) {

@@ -228,9 +228,23 @@ std::string answers(std::string const & lines) {
     return out.str();
 }
 
+// The answers up to the member `key`, which comes after those that are compared.
+std::string cutBefore(char const * key, std::string const & answers) {
+    std::istringstream in(answers);
+    std::string cut;
+    std::string const member = std::string(",\"") + key + "\":";
+    for (std::string line; std::getline(in, line);) {
+        // Within a text its quotes would be escaped.
+        std::size_t const at = line.find(member);
+        cut += at == line.npos ? line : line.substr(0, at) + '}';
+        cut += '\n';
+    }
+    return cut;
+}
+
 constexpr unsigned c_linesOfBlock = 100;
 
-// Of the answers to the lines of the seeds 1, 2 and so on.
+// Of the answers to the lines of the seeds 1, 2 and so on, without what is told for people.
 constexpr std::uint64_t c_digests[] = {
     0x35d5b11d421f1596, 0xe117437144cd1930, 0xfa38ca674369101f, 0xf8c6e2f9c869d479,
     0x3f80fbcad19e4b45, 0x3a252e42545b6d24, 0x6147058c3a73234d, 0xdb6db17526d18391,
@@ -252,7 +266,7 @@ TEST(SameAnswersTests, RandomTextsHaveTheSameAnswersEverywhere) {
         RandomLines random(block + 1);
         std::string lines;
         for (unsigned i = 0; i < c_linesOfBlock; ++i) lines += random.next();
-        std::string const given = answers(lines);
+        std::string const given = cutBefore("readableUnits", answers(lines));
         if (file)
             written << lines << given;
         else

@@ -1,0 +1,137 @@
+#include "Console/Answer.h"
+
+#include <charconv>
+#include <optional>
+
+#include <nlohmann/json.hpp>
+
+#include "Console/Evaluation.h"
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
+#include "Server/CommonData/Expressions/Tokenizer.h"
+
+namespace Vn::Console {
+
+using Expressions::EResult;
+using Expressions::Expression;
+using Expressions::FailureExplanation;
+using Units::UnitContext;
+using Units::UnitDisplaySettings;
+
+namespace {
+
+char const * resultName(EResult result) {
+    switch (result) {
+    case EResult::unknownResult:
+        return "unknownResult";
+    case EResult::parsedOk:
+        return "parsedOk";
+    case EResult::expressionIsEmpty:
+        return "expressionIsEmpty";
+    case EResult::abruptTermination:
+        return "abruptTermination";
+    case EResult::failedToParse:
+        return "failedToParse";
+    case EResult::unitMismatch:
+        return "unitMismatch";
+    case EResult::unitsDontEval:
+        return "unitsDontEval";
+    case EResult::badUnitString:
+        return "badUnitString";
+    }
+    return "";
+}
+
+// Writes the members one after the other.  A tree of JSON values isn't made: to end one takes
+// memory, and a program ends that has none.
+class Members {
+public:
+    void raw(char const * key, std::string const & value) {
+        if (!m_text.empty()) m_text += ',';
+        m_text += '"';
+        m_text += key;
+        m_text += "\":";
+        m_text += value;
+    }
+    void add(char const * key, std::wstring const & text) { raw(key, jsonText(text)); }
+    void add(char const * key, char const * name) { raw(key, std::string("\"") + name + '"'); }
+    void add(char const * key, bool flag) { raw(key, flag ? "true" : "false"); }
+    void add(char const * key, std::size_t count) { raw(key, std::to_string(count)); }
+    void add(char const * key, std::optional<double> value) {
+        if (!value) return raw(key, "null");
+        char buffer[64];
+        auto const end =
+            std::to_chars(buffer, buffer + sizeof buffer, *value, std::chars_format::general, 17)
+                .ptr;
+        raw(key, std::string(buffer, end));
+    }
+    void add(char const * key, std::vector<std::wstring> const & texts) {
+        std::string all = "[";
+        for (std::wstring const & text : texts) {
+            if (all.size() > 1) all += ',';
+            all += jsonText(text);
+        }
+        raw(key, all + ']');
+    }
+
+    std::string take() { return std::move(m_text); }
+
+private:
+    std::string m_text;
+};
+
+std::string tokensOf(std::wstring const & text) {
+    Expressions::TokenList tokens;
+    Expressions::TokenizerRegistry::get()->tokenize(text, tokens);
+    std::string answer = "[";
+    for (Expressions::Token const * token = tokens.first(); token; token = token->next) {
+        if (token != tokens.first()) answer += ',';
+        answer += '[' + std::to_string(token->kind) + ',' + std::to_string(token->start) + ',' +
+                  std::to_string(token->end) + ',' + jsonText(token->text) + ']';
+    }
+    return answer + ']';
+}
+
+// Why there is no value.  What else is found out about a text that people may mean otherwise has
+// its members here too.
+void addExplanation(Expression const & expression, bool hasValue, Members & members) {
+    FailureExplanation const failure = hasValue ? FailureExplanation() : explainFailure(expression);
+    members.add("reason", Expressions::failureName(failure.reason));
+    members.add("start", failure.start);
+    members.add("end", failure.end);
+    members.add("explanation", failure.explanation);
+    members.add("suggestions", failure.suggestions);
+    members.add("hint", failure.hint);
+}
+
+} // namespace
+
+std::string jsonText(std::wstring_view text) { return nlohmann::json(Text::toUtf8(text)).dump(); }
+
+std::string answerMembers(Expression const & expression, UnitDisplaySettings const & settings,
+                          UnitContext const & display, bool withTokens) {
+    Evaluation const e = expression ? evaluate(expression, settings, display) : Evaluation();
+    std::optional<Units::ComplexUnit> const units = expression.units();
+    Members members;
+    if (withTokens) members.raw("tokens", tokensOf(expression.text()));
+    members.add("parsed", static_cast<bool>(expression));
+    members.add("result", resultName(expression.result().result()));
+    members.add("position", std::size_t{expression.result().position()});
+    members.add("message", expression.result().toString());
+    members.add("evaluated", e.value.has_value());
+    members.add("value", e.value);
+    members.add("units", units ? units->toString() : std::wstring());
+    members.add("formatted", e.formatted);
+    members.add("rebuilt", e.rebuilt);
+    members.add("formattedValueOnly", expression.formatted(Units::ValueOnly, settings, display));
+    members.add("formattedUnitOnly", expression.formatted(Units::UnitOnly, settings, display));
+    members.add("rebuiltValueOnly", expression.rebuilt(Units::ValueOnly, settings));
+    members.add("readableUnits", e.units);
+    members.add("internalUnits", e.internalUnits);
+    members.add("rebuiltReadsBack", e.readsBack);
+    members.add("textToStore", expression ? textToStore(e, expression) : std::wstring());
+    addExplanation(expression, e.value.has_value(), members);
+    return members.take();
+}
+
+} // namespace Vn::Console
