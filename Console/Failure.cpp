@@ -23,7 +23,7 @@ std::string failureLines(Expressions::Expression const & expression) {
         excerptAt(expression.text(), failure.position, failure.start, failure.end);
     std::wstring text = failure.message + L'\n' + line(excerpt.text);
     if (failure.hasPlace) text += line(excerpt.marks);
-    return Text::toUtf8(text + questionLine(failure) + line(failure.hint));
+    return Text::toUtf8(text + (failure.hint.empty() ? questionLine(failure) : line(failure.hint)));
 }
 
 } // namespace Vn::Console
