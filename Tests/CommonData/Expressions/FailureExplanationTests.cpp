@@ -441,6 +441,16 @@ TEST(FailureExplanationTests, AReasonGoesWhenTheResultIsUsedAgain) {
     }
 }
 
+// Whatever is looked at is passed, so that every look ends.
+TEST(FailureExplanationTests, SignsInOddOrderAreLookedAtOnce) {
+    for (wchar_t const * const text :
+         {L"4,\u00B2", L".\u00B2", L",\u00B9,\u00B2,\u00B3", L"(PI) + 4,\u00B29.25 \u00B0 * 9.2",
+          L"\u00BD.\u00B2", L"'.\u00B2\"", L"\u00B2,\u00B2 2 cm,"}) {
+        FailureExplanation const failure = explainFailure(Expression(text));
+        EXPECT_LE(failure.corrections.size(), 3U) << Text::toUtf8(text);
+    }
+}
+
 } // namespace
 
 } // namespace Vn::Expressions
