@@ -231,6 +231,9 @@ private:
         if (slash == at || characterAt(slash) != L'/') return at;
         std::size_t const end = endOfDigits(slash + 1);
         if (isSeparator(characterAt(end)) && isPlainDigit(end + 1)) return at;
+        // A power takes the divisor alone.
+        if (end < m_text.size() && m_text[end].raised) return at;
+        if (characterAt(end) == L'*' && characterAt(end + 1) == L'*') return at;
         return isDivisor(textOf(slash + 1, end)) ? end : at;
     }
 

@@ -151,6 +151,7 @@ bool findPlural(std::wstring_view typed, Respelling & respelling) {
 } // namespace
 
 bool isUnitWord(std::wstring_view word) {
+    if (word.find(L'_') != word.npos) return false; // it can be shown but not typed
     Tokens const & tokens = *Tokens::get();
     std::wstring_view prefix;
     Units::SimpleUnit const * const unit = Units::findUnit(word, &prefix);

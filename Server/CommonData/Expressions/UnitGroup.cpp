@@ -269,8 +269,14 @@ private:
             respelling.wanted[std::min(m_notes.alternative, respelling.wanted.size() - 1)];
         m_bChanged = true;
         bool const below = term.below != (term.exponent < 0);
-        std::vector<Factor> const factors =
-            factorsOf(wanted, term.below ? -term.exponent : term.exponent);
+        std::vector<Factor> factors = factorsOf(wanted, 1);
+        // "kgm^2" is "kg m^2".
+        bool const isQuotient = factors.back().exponent < 0;
+        if (factors.size() > 1 && isQuotient && std::abs(term.exponent) != 1) return false;
+        bool const isNegative = term.exponent < 0;
+        factors.back().exponent *= std::abs(term.exponent);
+        for (Factor & factor : factors)
+            if (term.below != isNegative) factor.exponent = -factor.exponent;
         if (respelling.factor.empty()) {
             m_factors.insert(m_factors.end(), factors.begin(), factors.end());
             return true;

@@ -50,11 +50,21 @@ bool beginAlike(std::wstring_view a, std::wstring_view b) {
            Text::foldedEqual(a.substr(1, 1), b.substr(0, 1));
 }
 
-// How many mistakes `name` may have if it was meant to be `word`.
-std::size_t allowedFor(std::wstring_view name, std::wstring_view word, bool isFunction) {
-    std::size_t const shortest = isFunction ? c_shortestFunction : c_shortestMistyped;
-    if (name.size() < shortest || word.size() < shortest || !beginAlike(name, word)) return 0;
-    return Spelling::allowedMistakes(name.size() + (name.size() < c_shortestMistyped ? 1 : 0));
+// How many mistakes `name` may have if it was meant to be `word`.  A prefix that is right says
+// nothing of the rest.
+std::size_t allowedFor(std::wstring_view name, Vocabulary::Word const & word) {
+    std::size_t const shortest =
+        word.kind == Vocabulary::EKind::Function ? c_shortestFunction : c_shortestMistyped;
+    if (name.size() < shortest || word.text.size() < shortest + word.prefix ||
+        !beginAlike(name, word.text))
+        return 0;
+    std::size_t const length = std::min(name.size(), word.text.size() - word.prefix);
+    return Spelling::allowedMistakes(std::max(length, c_shortestMistyped));
+}
+
+bool hasDigit(std::wstring_view name) {
+    return std::any_of(name.begin(), name.end(),
+                       [](wchar_t c) { return Text::isDigit(static_cast<char32_t>(c)); });
 }
 
 } // namespace
@@ -93,15 +103,15 @@ void Vocabulary::addUnits() {
             bool const isLong =
                 token < e_DECA_RESERVED ? (token - e_EXA) % 2 == 0 : (token - e_DECI) % 2 == 0;
             add(text + (isLong ? name : abbreviation), EKind::PrefixedUnit,
-                tokens.getMagnitudeValue(prefix));
+                tokens.getMagnitudeValue(prefix), text.size());
         }
     }
 }
 
-void Vocabulary::add(std::wstring const & text, EKind kind, double magnitude) {
+void Vocabulary::add(std::wstring const & text, EKind kind, double magnitude, std::size_t prefix) {
     // A unit may have a spelling that no text can hold as one word.
     if (text.empty() || Tokens::get()->invalidNameCharsInStr(text, true)) return;
-    m_words.push_back({text, kind, magnitude});
+    m_words.push_back({text, kind, magnitude, prefix});
     m_longest = std::max(m_longest, text.size());
 }
 
@@ -130,15 +140,14 @@ std::vector<Vocabulary::Word const *> Vocabulary::completions(std::wstring_view 
 }
 
 std::vector<std::wstring> Vocabulary::nearest(std::wstring_view name, EPlace place) const {
-    if (name.size() < c_shortestName ||
+    if (name.size() < c_shortestName || hasDigit(name) ||
         name.size() > m_longest + Spelling::allowedMistakes(name.size()))
         return {};
     std::vector<Word const *> found;
     std::size_t least = name.size();
     for (Word const & word : m_words) {
         if (!isPossible(word.kind, place)) continue;
-        std::size_t const allowed =
-            std::min(least, allowedFor(name, word.text, word.kind == EKind::Function));
+        std::size_t const allowed = std::min(least, allowedFor(name, word));
         auto const [shorter, longer] = std::minmax({name.size(), word.text.size()});
         if (longer - shorter > allowed) continue;
         if (allowed == 0) {

@@ -20,9 +20,10 @@ public:
 
     // A word of the language.
     struct Word {
-        std::wstring text; // as it is typed
-        EKind kind;        // what it is
-        double magnitude;  // of the prefix; 1 without one
+        std::wstring text;      // as it is typed
+        EKind kind;             // what it is
+        double magnitude;       // of the prefix; 1 without one
+        std::size_t prefix = 0; // how many characters the prefix has
     };
 
     // Where a name stands, which tells what it can be.
@@ -50,7 +51,7 @@ public:
 private:
     Vocabulary();
 
-    void add(std::wstring const & text, EKind kind, double magnitude = 1.0);
+    void add(std::wstring const & text, EKind kind, double magnitude = 1.0, std::size_t prefix = 0);
     void addUnits();
     std::vector<Word const *> completions(std::wstring_view name, EPlace place) const;
 
