@@ -33,18 +33,18 @@ TEST(PipedSessionTests, BadLinesAreToldAndTheRestIsDone) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "2.00 cm\n  internal 2 cm, units cm, rebuilt 2 cm\n");
     EXPECT_EQ(outcome.err,
-              "Parse error at character 1: \"CM\" isn't a unit, a function or a constant\n"
+              "line 1: Parse error at character 1: \"CM\" isn't a unit, a function or a constant\n"
               "  2CM\n"
               "   ^\n"
               "  did you mean cm?\n"
-              "Parse error at character 3: a number can't follow the fraction \"7/2\"\n"
+              "line 2: Parse error at character 3: a number can't follow the fraction \"7/2\"\n"
               "  7/2.2\n"
               "  ~~~^\n"
               "  \"7/2\" was read as a fraction; put the divisor in brackets: 7/(2.2)\n"
-              "no value: a divisor is nearly zero, a number is too large, or a function isn't "
-              "defined for its argument\n"
-              "the line isn't UTF-8\n"
-              "unit: \"bogus\" isn't a unit\n");
+              "line 3: no value: a divisor is nearly zero, a number is too large, or a function "
+              "isn't defined for its argument\n"
+              "line 4: the line isn't UTF-8\n"
+              "line 5: unit: \"bogus\" isn't a unit\n");
 }
 
 TEST(PipedSessionTests, UnitAndDisplayAreKept) {
@@ -135,12 +135,12 @@ TEST(PipedSessionTests, WrongSettingsAreTold) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err,
-              "there is no setting \"generalPrecison\"; did you mean generalPrecision?\n"
-              "there is no setting \"nothing\"; \"set\" alone lists them\n"
-              "compressUnits is true or false, not \"maybe\"\n"
-              "generalPrecision is a number, not \"many\"\n"
-              "lengthDisplay takes a whole number from 0 to 2\n"
-              "degreeDisplay is a number, not \"1 x\"\n");
+              "line 1: there is no setting \"generalPrecison\"; did you mean generalPrecision?\n"
+              "line 2: there is no setting \"nothing\"; \"set\" alone lists them\n"
+              "line 3: compressUnits is true or false, not \"maybe\"\n"
+              "line 4: generalPrecision is a number, not \"many\"\n"
+              "line 5: lengthDisplay takes a whole number from 0 to 2\n"
+              "line 6: degreeDisplay is a number, not \"1 x\"\n");
 }
 
 TEST(PipedSessionTests, TextCommandsAreRun) {
@@ -149,7 +149,8 @@ TEST(PipedSessionTests, TextCommandsAreRun) {
     EXPECT_EQ(outcome.out, "1' 9\" parsed as 1' 9foot\n"
                            "0.50 cm\n"
                            "  internal 0.5 cm, units cm, rebuilt 0.5 cm\n");
-    EXPECT_EQ(outcome.err.substr(0, 48), "The subject area \"Units\" has no command \"Lisst\".");
+    EXPECT_EQ(outcome.err.substr(0, 56),
+              "line 2: The subject area \"Units\" has no command \"Lisst\".");
 }
 
 TEST(PipedSessionTests, UnitsAreListed) {
@@ -164,15 +165,15 @@ TEST(PipedSessionTests, HelpKnowsEveryTopicAndCommand) {
           "options [JOB ...]", "standard", "units [PATTERN]", "language", "quit"})
         EXPECT_NE(help.find(std::string("\n  ") + word), std::string::npos) << word;
     for (char const * const topic :
-         {"expressions", "numbers", "functions", "constants", "prefixes", "preferences",
-          "documents", "commands", "unit", "set", "options", "quit"}) {
+         {"expressions", "numbers", "conversions", "functions", "constants", "prefixes",
+          "preferences", "documents", "commands", "unit", "set", "options", "quit"}) {
         Outcome const outcome = runConsole({}, std::string("help ") + topic + "\n");
         EXPECT_EQ(outcome.status, 0) << topic;
         EXPECT_NE(outcome.out, "") << topic;
     }
     Outcome const unknown = runConsole({}, "help me\n");
     EXPECT_EQ(unknown.status, 1);
-    EXPECT_EQ(unknown.err, "there is no help on \"me\"\n");
+    EXPECT_EQ(unknown.err, "line 1: there is no help on \"me\"\n");
     EXPECT_EQ(runConsole({}, "help constants\n").out,
               "  PI            3.141592653589793\n"
               "  E             2.718281828459045\n"
@@ -207,7 +208,7 @@ TEST(PipedSessionTests, LanguageIsTold) {
     Outcome const outcome = runConsole({}, "language de\n");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
-              "the language is chosen when the console starts: vnconsole --language de\n");
+              "line 1: the language is chosen when the console starts: vnconsole --language de\n");
 }
 
 TEST(PipedSessionTests, QuitEndsAtOnce) {
