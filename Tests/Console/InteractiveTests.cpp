@@ -1,5 +1,8 @@
 // Sessions from a pipe.
 
+#include <filesystem>
+#include <fstream>
+
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -270,6 +273,69 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
         }
     }
 }
+
+#ifndef _WIN32 // where the terminal completes nothing
+// A directory of its own is the working directory meanwhile.
+class FileNameTests : public testing::Test {
+protected:
+    FileNameTests() : m_before(std::filesystem::current_path()) {
+        Initializer::runAll();
+        std::filesystem::current_path(m_directory.path());
+        for (char const * const name : {"beam.vnd", "bolt.vnd", "two words.vnd", ".hidden.vnd",
+                                        "quote\"d.vnd", "\xC3\xA4.vnd"})
+            std::ofstream(m_directory.path() / name);
+        std::filesystem::create_directory("parts");
+        std::ofstream("parts/nut.vnd");
+    }
+    ~FileNameTests() override { std::filesystem::current_path(m_before); }
+
+    static std::vector<std::wstring> offered(std::wstring const & line) {
+        Completion const completion = completeSessionLine(line);
+        std::vector<std::wstring> texts;
+        for (Completion::Candidate const & each : completion.candidates)
+            texts.push_back(line.substr(0, line.size() - completion.begun) + each.text +
+                            (completion.candidates.size() == 1 ? each.after : L""));
+        return texts;
+    }
+
+    Testing::TemporaryDirectory const m_directory;
+    std::filesystem::path const m_before;
+};
+
+TEST_F(FileNameTests, AreOfferedWhereACommandTakesAFile) {
+    using Texts = std::vector<std::wstring>;
+    EXPECT_EQ(offered(L"open b"), (Texts{L"open beam.vnd", L"open bolt.vnd"}));
+    EXPECT_EQ(offered(L"open be"), Texts{L"open beam.vnd"});
+    EXPECT_EQ(offered(L"  Document.SaveAs  bo"), Texts{L"  Document.SaveAs  bolt.vnd"});
+    EXPECT_EQ(offered(L"check bo"), Texts{L"check bolt.vnd"});
+    EXPECT_EQ(offered(L"open par"), Texts{L"open parts/"});
+    EXPECT_EQ(offered(L"open parts/"), Texts{L"open parts/nut.vnd"});
+    EXPECT_EQ(offered(L"open ./bea"), Texts{L"open ./beam.vnd"});
+    EXPECT_EQ(offered(L"open \u00E4"), Texts{L"open \u00E4.vnd"});
+    EXPECT_EQ(offered(L"open .h"), Texts{L"open .hidden.vnd"});
+    EXPECT_EQ(offered(L"open ").size(), 6u); // the hidden one isn't
+    EXPECT_EQ(offered(L"open nothing"), Texts{});
+    EXPECT_EQ(offered(L"open nowhere/x"), Texts{});
+    EXPECT_EQ(offered(L"open beam.vnd /f"), Texts{}); // another parameter
+}
+
+// A line with the candidate means the file.
+TEST_F(FileNameTests, StandInQuotesWhereTheyHaveTo) {
+    using Texts = std::vector<std::wstring>;
+    EXPECT_EQ(offered(L"open tw"), Texts{L"open \"two words.vnd\""});
+    EXPECT_EQ(offered(L"open \"two w"), Texts{L"open \"two words.vnd\""});
+    EXPECT_EQ(offered(L"open \"be"), Texts{L"open \"beam.vnd\""});
+    EXPECT_EQ(offered(L"open \"beam.vnd\""), Texts{});
+    EXPECT_EQ(offered(L"open \"quote"), Texts{L"open \"quote\\\"d.vnd\""});
+    EXPECT_EQ(offered(L"open \"quote\\\""), Texts{L"open \"quote\\\"d.vnd\""});
+    std::wstring const here = Text::fromUtf8(Testing::utf8(m_directory.path()));
+    EXPECT_EQ(offered(L"open " + here + L"/be"), Texts{L"open \"" + here + L"/beam.vnd\""});
+    ASSERT_EQ(runConsole({"document", "--new", "real one.vnd"}).status, 0);
+    std::string const line = Text::toUtf8(offered(L"open rea").at(0));
+    EXPECT_EQ(runConsole({}, line + "\nquit\n").status, 0) << line;
+}
+
+#endif
 
 TEST(ProgressTests, NothingIsCountedElsewhere) {
     Testing::TemporaryFile const file("{\"text\":\"2\"}\n");
