@@ -17,6 +17,11 @@ std::wstring line(std::wstring const & text) {
 
 std::wstring questionLine(FailureExplanation const & failure) { return line(failure.question); }
 
+std::wstring unitQuestion(std::wstring const & unit) {
+    // A unit is read as the unit of a number.
+    return questionLine(explainFailure(Expressions::Expression(L"1 " + unit)));
+}
+
 std::string failureLines(Expressions::Expression const & expression) {
     FailureExplanation const failure = explainFailure(expression);
     Excerpt const excerpt =

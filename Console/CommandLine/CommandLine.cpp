@@ -40,7 +40,8 @@ or a pipe without.)";
 constexpr char c_examples[] = R"(Examples:
   vnconsole
   vnconsole eval '1 in + 1 cm' --unit cm
-  vnconsole eval '60 mph' --display 'km / hr'
+  vnconsole eval '60 mph to km/hr'
+  vnconsole eval '1/3 in' --precision 6
   vnconsole eval --json '2 ft' '3 yd'
   vnconsole eval --unit cm -- '-5 + 2 in'
   vnconsole units pressure
@@ -52,6 +53,11 @@ constexpr char c_examples[] = R"(Examples:
   vnconsole options set lengthDisplay fractional
 
 Exit status: 0 good, 1 the input was not good, 2 the command line was not understood.
+)";
+
+constexpr char c_evalFormat[] = R"(A text that begins with "-" goes after "--".
+A value is converted by "100 mm to in" or "100 mm -> in", and "100 mm as ?" shows
+it in all units of its kind. "ans" stands for the value of the text before.
 )";
 
 constexpr char c_batchFormat[] = R"(Each line of the input is an object with the members
@@ -145,7 +151,7 @@ public:
 
     int run(DocumentSession & document, std::istream & in, std::ostream & out,
             std::ostream & err) const {
-        if (*m_eval) return runEval(evalOptions(), out, err);
+        if (*m_eval) return runEval(evalOptions(), in, out, err);
         if (*m_units) return runUnits(wide(m_pattern), m_json, out, err);
         if (*m_command) return runTextCommand(texts(*m_words), out, err);
         if (*m_batch)
@@ -187,19 +193,25 @@ private:
 
     void addEval() {
         m_eval = addSubcommand("eval", "Evaluates expressions");
-        m_texts = m_eval->add_option("TEXT", m_converted, "The expressions");
-        m_texts->type_name("")->required();
+        m_texts = m_eval->add_option(
+            "TEXT", m_converted, "The expressions; without one, the lines of the standard input");
+        m_texts->type_name("");
         m_unitOption = add(*m_eval, EValueOption::Unit, m_unit, "UNIT",
                            "The unit of the result; an empty one for a result without units");
         m_displayOption = add(*m_eval, EValueOption::Display, m_display, "UNIT",
                               "The unit in which the value is shown");
+        m_precisionOption = add(*m_eval, EValueOption::Precision, m_precision, "N",
+                                "How many decimals are shown, at most");
+        m_sets = add(*m_eval, EValueOption::Set, m_converted, "FIELD=VALUE",
+                     "A display setting for this call, such as lengthDisplay=1");
+        m_sets->expected(1)->take_all()->allow_extra_args(false);
         addUnitSystem(*m_eval);
         add(*m_eval, EValueOption::Kind, m_kind, "KIND", "The kind of quantity of the result");
         add(*m_eval, EValueOption::Id, m_id, "KEY", "A key of the system that goes before both");
         m_eval->add_flag("--standard", m_standard, "With the factory display settings");
         m_eval->add_flag("--json", m_json, "One JSON object a line for each text");
         addNoTokens(*m_eval);
-        m_eval->footer("A text that begins with \"-\" goes after \"--\".\n");
+        m_eval->footer(c_evalFormat);
     }
 
     void addNoTokens(CLI::App & command) {
@@ -237,7 +249,7 @@ private:
             add(*m_mass, EValueOption::Material, m_material, "NAME", "The name of its material");
         m_overrides = add(*m_mass, EValueOption::Override, m_converted, "QUANTITY=VALUE",
                           "A value in place of the calculated one: volume, area, mass or density");
-        m_overrides->expected(1)->take_all();
+        m_overrides->expected(1)->take_all()->allow_extra_args(false);
         addUnitSystem(*m_mass);
         m_mass->add_flag("--json", m_json, "One JSON object");
     }
@@ -319,6 +331,8 @@ private:
         options.texts = texts(*m_texts);
         if (m_unitOption->count() > 0) options.unit = wide(m_unit);
         if (m_displayOption->count() > 0) options.display = wide(m_display);
+        if (m_precisionOption->count() > 0) options.precision = wide(m_precision);
+        options.settings = texts(*m_sets);
         options.units = documentUnits(*m_eval);
         options.units.kind = given(*m_eval, "--kind", m_kind);
         options.units.id = given(*m_eval, "--id", m_id);
@@ -359,11 +373,14 @@ private:
     CLI::Option * m_optionsWords = nullptr;
     CLI::Option * m_unitOption = nullptr;
     CLI::Option * m_displayOption = nullptr;
+    CLI::Option * m_precisionOption = nullptr;
+    CLI::Option * m_sets = nullptr;
     std::vector<std::string> m_converted; // what the options want to write to, and nobody reads
     std::string m_language;
     std::string m_optionsDirectory;
     std::string m_unit;
     std::string m_display;
+    std::string m_precision;
     std::string m_pattern;
     std::string m_file;
     std::string m_group;
