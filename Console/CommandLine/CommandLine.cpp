@@ -12,6 +12,7 @@
 #include "Console/CommandLine/MassCommand.h"
 #include "Console/CommandLine/SceneCommand.h"
 #include "Console/CommandLine/SelfTestCommand.h"
+#include "Console/CommandLine/ShellCompletion.h"
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Documents/Command.h"
 #include "Console/Documents/Session.h"
@@ -126,6 +127,7 @@ public:
         addAddIns();
         addSelfTest();
         m_tour = addSubcommand("tour", "Shows a few expressions and what they evaluate to");
+        addShellCompletion();
     }
 
     // Throws CLI::ParseError for a command line that can't be understood, and for a request for
@@ -164,6 +166,7 @@ public:
         if (*m_addIns) return runAddIns(m_json, out);
         if (*m_selfTest) return runSelfTest(Text::toUtf8(wide(m_group)), out, err);
         if (*m_tour) return runTour(out);
+        if (*m_shellCompletion) return runShellCompletion(m_app, utf8(*m_shellWords), out);
         return runInteractive(document, m_standard, in, out, err);
     }
 
@@ -188,6 +191,12 @@ private:
     static std::vector<std::wstring> texts(CLI::Option const & option) {
         std::vector<std::wstring> result;
         for (std::string const & text : option.results()) result.push_back(wide(text));
+        return result;
+    }
+
+    static std::vector<std::string> utf8(CLI::Option const & option) {
+        std::vector<std::string> result;
+        for (std::wstring const & text : texts(option)) result.push_back(Text::toUtf8(text));
         return result;
     }
 
@@ -326,6 +335,14 @@ private:
         m_selfTest->add_option("GROUP", m_group, "One group of checks only")->type_name("");
     }
 
+    // For the scripts of the shells, and in no list.
+    void addShellCompletion() {
+        m_shellCompletion = addSubcommand("shell-completion", "Completes the words of a call");
+        m_shellWords = m_shellCompletion->add_option("WORD", m_converted, "The words");
+        m_shellWords->type_name("");
+        m_shellCompletion->group("");
+    }
+
     EvalOptions evalOptions() const {
         EvalOptions options;
         options.texts = texts(*m_texts);
@@ -364,6 +381,7 @@ private:
     CLI::App * m_addIns = nullptr;
     CLI::App * m_selfTest = nullptr;
     CLI::App * m_tour = nullptr;
+    CLI::App * m_shellCompletion = nullptr;
     CLI::Option * m_texts = nullptr;
     CLI::Option * m_words = nullptr;
     CLI::Option * m_calls = nullptr;
@@ -371,6 +389,7 @@ private:
     CLI::Option * m_overrides = nullptr;
     CLI::Option * m_materialOption = nullptr;
     CLI::Option * m_optionsWords = nullptr;
+    CLI::Option * m_shellWords = nullptr;
     CLI::Option * m_unitOption = nullptr;
     CLI::Option * m_displayOption = nullptr;
     CLI::Option * m_precisionOption = nullptr;
