@@ -344,6 +344,48 @@ TEST(EvalTests, WithoutATextTheLinesOfTheInputAreRead) {
     EXPECT_EQ(runConsole({"eval"}, "").status, 0);
 }
 
+TEST(EvalTests, LinesOfAnyLengthAndNumberAreRead) {
+    std::string const digits(5000000, '7');
+    std::string const name(5000000, 'x');
+    Outcome const outcome =
+        runConsole({"eval", "--json", "--no-tokens"},
+                   digits + "\n" + name + "\n2 in" + std::string(5000000, ' ') + "to cm\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.out.find("\"reason\":\"unknownName\""), std::string::npos);
+    EXPECT_NE(outcome.out.find("\"formatted\":\"5.08 cm\""), std::string::npos);
+
+    std::string lines = "1\n";
+    for (int i = 0; i < 20000; ++i) lines += "ans + 1\n";
+    std::string const all = runConsole({"eval", "--standard"}, lines).out;
+    EXPECT_NE(all.find("internal   20001\n"), std::string::npos);
+}
+
+#ifndef _WIN32 // whose shell is another
+TEST(EvalTests, EndsWhenNobodyReads) {
+    Outcome const outcome = runShell("yes \"2 in\" | \"$VNCONSOLE\" eval | head -n 2");
+    EXPECT_EQ(outcome.out, "2 in\nformatted  2.00 in\n");
+}
+
+// A program at the other end sends a line and waits for its answer.
+TEST(EvalTests, EachLineIsAnsweredBeforeTheNextComes) {
+    Outcome const outcome = runShell(R"(
+        fifo=$(mktemp -u) && mkfifo "$fifo"
+        "$VNCONSOLE" eval --json < "$fifo" | {
+            exec 3> "$fifo"
+            echo '2 in' >&3
+            read -r first
+            echo 'ans to cm' >&3
+            read -r second
+            exec 3>&-
+            echo "$first" | cut -c1-14
+            echo "$second" | cut -c1-19
+        }
+        rm "$fifo")");
+    EXPECT_EQ(outcome.out, "{\"text\":\"2 in\"\n{\"text\":\"ans to cm\"\n");
+    EXPECT_EQ(outcome.err, "");
+}
+#endif
+
 TEST(EvalTests, LinesAreAnsweredInJson) {
     Outcome const outcome =
         runConsole({"eval", "--json", "--no-tokens"}, "2 in\n5 kg to m\n\n5 to\n\xFF\n");
