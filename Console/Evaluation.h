@@ -35,7 +35,8 @@ std::wstring whyNotShown(Units::ComplexUnit const & units,
 // The text to store for an expression that was evaluated so.
 std::wstring textToStore(Evaluation const & evaluation, Expressions::Expression const & expression);
 
-// Shows an expression as a table, or why there is none on `err`.  False if it isn't good.
+// Shows an expression as a table, or why there is none on `err`.  False if it isn't good.  What was
+// read otherwise than it may be meant is noted on `err` too.
 bool showEvaluation(Expressions::Expression const & expression,
                     Units::UnitDisplaySettings const & settings, Units::UnitContext const & display,
                     std::ostream & out, std::ostream & err);

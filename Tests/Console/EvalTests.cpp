@@ -144,6 +144,20 @@ TEST(EvalTests, JsonIsOneObjectALine) {
         "\n");
 }
 
+TEST(EvalTests, ReadingsThatPeopleRarelyMeanAreNotedBesideTheValue) {
+    Outcome const power = runConsole({"eval", "2*3^2"});
+    EXPECT_EQ(power.status, 0);
+    EXPECT_EQ(power.out.substr(0, power.out.find('\n')), "formatted  36.00");
+    EXPECT_EQ(power.err, "note: the power is that of all of \"2*3\"; to take the power first write "
+                         "2*(3^2)\n");
+    EXPECT_EQ(runConsole({"eval", "1,500 mm"}).err,
+              "note: \"1,500\" is 1.500, with a comma for decimals; for thousands write 1500\n");
+    EXPECT_EQ(runConsole({"eval", "2*(3^2)"}).err, "");
+    Outcome const session = runConsole({}, "5 kilos\n");
+    EXPECT_EQ(session.status, 0);
+    EXPECT_EQ(session.err, "note: \"kilos\" was read as kilosecond; did you mean kg?\n");
+}
+
 TEST(EvalTests, TextThatDoesNotEvaluateSaysSo) {
     for (char const * const text : {"1/0", "1E308 km", "sqrt(-1)", "5 % 0"}) {
         Outcome const outcome = runConsole({"eval", text});
