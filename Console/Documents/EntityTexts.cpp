@@ -41,8 +41,8 @@ constexpr Kind c_kinds[] = {
 std::wstring gistOf(Units::UnitSystemChoice const & choice) {
     std::wstring const purpose = purposeOf(choice);
     std::wstring const unit = unitText(choice.units(), Units::UnitDisplaySettings::standard());
-    return (purpose.empty() ? choice.name() : purpose) + L": " +
-           (unit.empty() ? choice.storedUnitString() : unit);
+    return message(L"%1%: %2%", purpose.empty() ? choice.name() : purpose,
+                   unit.empty() ? choice.storedUnitString() : unit);
 }
 
 std::wstring gistOf(Units::UnitSystem const & system) {
