@@ -58,12 +58,7 @@ public:
     void add(char const * key, bool flag) { raw(key, flag ? "true" : "false"); }
     void add(char const * key, std::size_t count) { raw(key, std::to_string(count)); }
     void add(char const * key, std::optional<double> value) {
-        if (!value) return raw(key, "null");
-        char buffer[64];
-        auto const end =
-            std::to_chars(buffer, buffer + sizeof buffer, *value, std::chars_format::general, 17)
-                .ptr;
-        raw(key, std::string(buffer, end));
+        raw(key, value ? jsonNumber(*value) : "null");
     }
     void add(char const * key, std::vector<std::wstring> const & texts) {
         std::string all = "[";
@@ -107,6 +102,13 @@ void addExplanation(Expression const & expression, bool hasValue, Members & memb
 } // namespace
 
 std::string jsonText(std::wstring_view text) { return nlohmann::json(Text::toUtf8(text)).dump(); }
+
+std::string jsonNumber(double value) {
+    char buffer[64];
+    auto const end =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 17).ptr;
+    return std::string(buffer, end);
+}
 
 std::string answerMembers(Expression const & expression, UnitDisplaySettings const & settings,
                           UnitContext const & display, bool withTokens) {

@@ -34,6 +34,9 @@ namespace Vn::Console {
 // A text in the quotes and escapes of JSON, in UTF-8.
 std::string jsonText(std::wstring_view text);
 
+// A number in 17 digits at most, from which the same one is read.
+std::string jsonNumber(double value);
+
 // The members, with commas between them and no braces around them.  Memory may run out in it, which
 // leaves nothing behind.
 std::string answerMembers(Expressions::Expression const & expression,

@@ -2,7 +2,11 @@
 
 #include <algorithm>
 #include <ostream>
+#include <set>
+#include <vector>
 
+#include "Console/Conversion.h"
+#include "Console/Equivalents.h"
 #include "Console/Failure.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
@@ -57,6 +61,30 @@ void tell(std::string const & text, std::ostream & out, std::ostream & err) {
     err << text << std::flush;
 }
 
+// Whether there is nothing to evaluate, which is told.
+bool tellFailure(Request const & request, std::ostream & out, std::ostream & err) {
+    if (!request.refusal && request.expression) return false;
+    tell(request.refusal ? refusalLines(*request.refusal) : failureLines(request.expression), out,
+         err);
+    return true;
+}
+
+// A line for each unit, with its kind where there are several.
+void showEquivalents(Expression const & expression, UnitDisplaySettings const & settings,
+                     std::string const & indent, std::ostream & out) {
+    std::vector<Equivalent> const all = equivalentsOf(expression, settings);
+    std::set<std::wstring> kinds;
+    for (Equivalent const & each : all)
+        if (!each.kind.empty()) kinds.insert(each.kind);
+    Table table;
+    for (Equivalent const & each : all) {
+        bool const tellsKind = kinds.size() > 1 && !each.kind.empty();
+        table.add(tellsKind ? std::vector<std::wstring>{each.formatted, each.kind}
+                            : std::vector<std::wstring>{each.formatted});
+    }
+    out << table.toUtf8(indent);
+}
+
 } // namespace
 
 Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & settings,
@@ -90,13 +118,16 @@ std::wstring textToStore(Evaluation const & evaluation, Expression const & expre
     return evaluation.stored ? *evaluation.stored : expression.textToStore();
 }
 
-bool showEvaluation(Expression const & expression, UnitDisplaySettings const & settings,
+bool showEvaluation(Request const & request, UnitDisplaySettings const & settings,
                     UnitContext const & display, std::ostream & out, std::ostream & err) {
-    if (!expression) {
-        tell(failureLines(expression), out, err);
-        return false;
+    Expression const & expression = request.expression;
+    if (tellFailure(request, out, err)) return false;
+    UnitContext const & shown = request.target ? *request.target : display;
+    Evaluation const e = evaluate(expression, settings, shown);
+    if (request.wantsEquivalents && e.value) {
+        showEquivalents(expression, settings, {}, out);
+        return true;
     }
-    Evaluation const e = evaluate(expression, settings, display);
     Table table;
     if (!e.formatted.empty()) table.add({L"formatted", e.formatted});
     if (e.value) table.add({L"internal", internalText(e)});
@@ -112,16 +143,19 @@ bool showEvaluation(Expression const & expression, UnitDisplaySettings const & s
     return false;
 }
 
-bool showBriefly(Expression const & expression, UnitDisplaySettings const & settings,
+bool showBriefly(Request const & request, UnitDisplaySettings const & settings,
                  UnitContext const & display, std::ostream & out, std::ostream & err) {
-    if (!expression) {
-        tell(failureLines(expression), out, err);
-        return false;
-    }
-    Evaluation const e = evaluate(expression, settings, display);
-    if (!e.error.empty()) {
+    Expression const & expression = request.expression;
+    if (tellFailure(request, out, err)) return false;
+    UnitContext const & shown = request.target ? *request.target : display;
+    Evaluation const e = evaluate(expression, settings, shown);
+    if (!e.error.empty() && !(request.wantsEquivalents && e.value)) {
         tell(Text::toUtf8(e.error) + '\n', out, err);
         return false;
+    }
+    if (request.wantsEquivalents) {
+        showEquivalents(expression, settings, "  ", out);
+        return true;
     }
     out << Text::toUtf8(e.formatted + L"\n  internal " + internalText(e) + L", units " +
                         orNone(e.units) + L", rebuilt " + e.rebuilt + L'\n');
@@ -139,8 +173,7 @@ bool readUnitContext(std::wstring const & text, std::string const & what, UnitCo
         return true;
     }
     err << what << ": " << Text::toUtf8(inQuotes(text)) << " isn't a unit\n";
-    // A unit is read as the unit of a number.
-    err << Text::toUtf8(questionLine(explainFailure(Expression(L"1 " + text)))) << std::flush;
+    err << Text::toUtf8(unitQuestion(text)) << std::flush;
     return false;
 }
 

@@ -11,6 +11,8 @@
 
 namespace Vn::Console {
 
+struct Request;
+
 struct Evaluation {
     std::optional<double> value;
     std::wstring formatted;
@@ -40,15 +42,14 @@ std::wstring whyNotShown(Expressions::Expression const & expression,
 // The text to store for an expression that was evaluated so.
 std::wstring textToStore(Evaluation const & evaluation, Expressions::Expression const & expression);
 
-// Shows an expression as a table, or why there is none on `err`.  False if it isn't good.
-bool showEvaluation(Expressions::Expression const & expression,
-                    Units::UnitDisplaySettings const & settings, Units::UnitContext const & display,
-                    std::ostream & out, std::ostream & err);
+// Shows what was asked for as a table, or why there is no answer on `err`.  `display` holds where
+// the text itself names no unit.  False if it isn't good.
+bool showEvaluation(Request const & request, Units::UnitDisplaySettings const & settings,
+                    Units::UnitContext const & display, std::ostream & out, std::ostream & err);
 
 // The same as the value and a line below it.
-bool showBriefly(Expressions::Expression const & expression,
-                 Units::UnitDisplaySettings const & settings, Units::UnitContext const & display,
-                 std::ostream & out, std::ostream & err);
+bool showBriefly(Request const & request, Units::UnitDisplaySettings const & settings,
+                 Units::UnitContext const & display, std::ostream & out, std::ostream & err);
 
 // Makes `context` the one that expects the unit `text`; an empty text stands for a result without
 // units.  False if it isn't a unit, which is told on `err` after `what` it was for.

@@ -16,6 +16,21 @@ std::wstring settingMeaning(Units::UnitDisplaySettingsField const & field);
 std::string setSetting(Units::UnitDisplaySettingsField const & field,
                        Units::UnitDisplaySettings & settings, double value);
 
+// The field by its name in any case; null if there is none.
+Units::UnitDisplaySettingsField const * findSetting(std::wstring const & name);
+
+// What to tell of a name that no field has: the nearest one, or else `otherwise`.
+std::wstring noSuchSetting(std::wstring const & name, std::wstring const & otherwise);
+
+// Sets a field to a value as it is typed: a number, or a word such as "true", "off" or "yes".
+// Returns an empty text, or what is wrong with it.
+std::wstring readSetting(Units::UnitDisplaySettingsField const & field, std::wstring const & text,
+                         Units::UnitDisplaySettings & settings);
+
+// The value of a field as it is typed.
+std::wstring settingValue(Units::UnitDisplaySettingsField const & field,
+                          Units::UnitDisplaySettings const & settings);
+
 } // namespace Vn::Console
 
 #endif

@@ -12,6 +12,7 @@
 #include "Console/CommandLine/MassCommand.h"
 #include "Console/CommandLine/SceneCommand.h"
 #include "Console/CommandLine/SelfTestCommand.h"
+#include "Console/CommandLine/ShellCompletion.h"
 #include "Console/CommandLine/UnitsCommand.h"
 #include "Console/Documents/Command.h"
 #include "Console/Documents/Session.h"
@@ -40,7 +41,8 @@ or a pipe without.)";
 constexpr char c_examples[] = R"(Examples:
   vnconsole
   vnconsole eval '1 in + 1 cm' --unit cm
-  vnconsole eval '60 mph' --display 'km / hr'
+  vnconsole eval '60 mph to km/hr'
+  vnconsole eval '1/3 in' --precision 6
   vnconsole eval --json '2 ft' '3 yd'
   vnconsole eval --unit cm -- '-5 + 2 in'
   vnconsole units pressure
@@ -52,6 +54,11 @@ constexpr char c_examples[] = R"(Examples:
   vnconsole options set lengthDisplay fractional
 
 Exit status: 0 good, 1 the input was not good, 2 the command line was not understood.
+)";
+
+constexpr char c_evalFormat[] = R"(A text that begins with "-" goes after "--".
+A value is converted by "100 mm to in" or "100 mm -> in", and "100 mm as ?" shows
+it in all units of its kind. "ans" stands for the value of the text before.
 )";
 
 constexpr char c_batchFormat[] = R"(Each line of the input is an object with the members
@@ -120,6 +127,7 @@ public:
         addAddIns();
         addSelfTest();
         m_tour = addSubcommand("tour", "Shows a few expressions and what they evaluate to");
+        addShellCompletion();
     }
 
     // Throws CLI::ParseError for a command line that can't be understood, and for a request for
@@ -145,7 +153,7 @@ public:
 
     int run(DocumentSession & document, std::istream & in, std::ostream & out,
             std::ostream & err) const {
-        if (*m_eval) return runEval(evalOptions(), out, err);
+        if (*m_eval) return runEval(evalOptions(), in, out, err);
         if (*m_units) return runUnits(wide(m_pattern), m_json, out, err);
         if (*m_command) return runTextCommand(texts(*m_words), out, err);
         if (*m_batch)
@@ -158,6 +166,7 @@ public:
         if (*m_addIns) return runAddIns(m_json, out);
         if (*m_selfTest) return runSelfTest(Text::toUtf8(wide(m_group)), out, err);
         if (*m_tour) return runTour(out);
+        if (*m_shellCompletion) return runShellCompletion(m_app, utf8(*m_shellWords), out);
         return runInteractive(document, m_standard, in, out, err);
     }
 
@@ -185,21 +194,33 @@ private:
         return result;
     }
 
+    static std::vector<std::string> utf8(CLI::Option const & option) {
+        std::vector<std::string> result;
+        for (std::wstring const & text : texts(option)) result.push_back(Text::toUtf8(text));
+        return result;
+    }
+
     void addEval() {
         m_eval = addSubcommand("eval", "Evaluates expressions");
-        m_texts = m_eval->add_option("TEXT", m_converted, "The expressions");
-        m_texts->type_name("")->required();
+        m_texts = m_eval->add_option(
+            "TEXT", m_converted, "The expressions; without one, the lines of the standard input");
+        m_texts->type_name("");
         m_unitOption = add(*m_eval, EValueOption::Unit, m_unit, "UNIT",
                            "The unit of the result; an empty one for a result without units");
         m_displayOption = add(*m_eval, EValueOption::Display, m_display, "UNIT",
                               "The unit in which the value is shown");
+        m_precisionOption = add(*m_eval, EValueOption::Precision, m_precision, "N",
+                                "How many decimals are shown, at most");
+        m_sets = add(*m_eval, EValueOption::Set, m_converted, "FIELD=VALUE",
+                     "A display setting for this call, such as lengthDisplay=1");
+        m_sets->expected(1)->take_all()->allow_extra_args(false);
         addUnitSystem(*m_eval);
         add(*m_eval, EValueOption::Kind, m_kind, "KIND", "The kind of quantity of the result");
         add(*m_eval, EValueOption::Id, m_id, "KEY", "A key of the system that goes before both");
         m_eval->add_flag("--standard", m_standard, "With the factory display settings");
         m_eval->add_flag("--json", m_json, "One JSON object a line for each text");
         addNoTokens(*m_eval);
-        m_eval->footer("A text that begins with \"-\" goes after \"--\".\n");
+        m_eval->footer(c_evalFormat);
     }
 
     void addNoTokens(CLI::App & command) {
@@ -237,7 +258,7 @@ private:
             add(*m_mass, EValueOption::Material, m_material, "NAME", "The name of its material");
         m_overrides = add(*m_mass, EValueOption::Override, m_converted, "QUANTITY=VALUE",
                           "A value in place of the calculated one: volume, area, mass or density");
-        m_overrides->expected(1)->take_all();
+        m_overrides->expected(1)->take_all()->allow_extra_args(false);
         addUnitSystem(*m_mass);
         m_mass->add_flag("--json", m_json, "One JSON object");
     }
@@ -314,11 +335,21 @@ private:
         m_selfTest->add_option("GROUP", m_group, "One group of checks only")->type_name("");
     }
 
+    // For the scripts of the shells, and in no list.
+    void addShellCompletion() {
+        m_shellCompletion = addSubcommand("shell-completion", "Completes the words of a call");
+        m_shellWords = m_shellCompletion->add_option("WORD", m_converted, "The words");
+        m_shellWords->type_name("");
+        m_shellCompletion->group("");
+    }
+
     EvalOptions evalOptions() const {
         EvalOptions options;
         options.texts = texts(*m_texts);
         if (m_unitOption->count() > 0) options.unit = wide(m_unit);
         if (m_displayOption->count() > 0) options.display = wide(m_display);
+        if (m_precisionOption->count() > 0) options.precision = wide(m_precision);
+        options.settings = texts(*m_sets);
         options.units = documentUnits(*m_eval);
         options.units.kind = given(*m_eval, "--kind", m_kind);
         options.units.id = given(*m_eval, "--id", m_id);
@@ -350,6 +381,7 @@ private:
     CLI::App * m_addIns = nullptr;
     CLI::App * m_selfTest = nullptr;
     CLI::App * m_tour = nullptr;
+    CLI::App * m_shellCompletion = nullptr;
     CLI::Option * m_texts = nullptr;
     CLI::Option * m_words = nullptr;
     CLI::Option * m_calls = nullptr;
@@ -357,13 +389,17 @@ private:
     CLI::Option * m_overrides = nullptr;
     CLI::Option * m_materialOption = nullptr;
     CLI::Option * m_optionsWords = nullptr;
+    CLI::Option * m_shellWords = nullptr;
     CLI::Option * m_unitOption = nullptr;
     CLI::Option * m_displayOption = nullptr;
+    CLI::Option * m_precisionOption = nullptr;
+    CLI::Option * m_sets = nullptr;
     std::vector<std::string> m_converted; // what the options want to write to, and nobody reads
     std::string m_language;
     std::string m_optionsDirectory;
     std::string m_unit;
     std::string m_display;
+    std::string m_precision;
     std::string m_pattern;
     std::string m_file;
     std::string m_group;

@@ -35,6 +35,7 @@ using Vrx::Devices::IndexBuffer;
 using Vrx::Devices::SimpleMesh;
 using Vrx::Devices::VertexBuffer;
 using Vrx::Graphics::ARenderNode;
+using Vrx::Graphics::GroupNode;
 using Vrx::Graphics::LODGeometryNode;
 using Vrx::Graphics::NodeWalk;
 
@@ -73,6 +74,18 @@ Json json(std::array<float, N> const & numbers) {
     return array;
 }
 
+// Row by row.
+Json json(TgMatrix3d const & matrix) {
+    Json rows = Json::array();
+    for (unsigned row = 0; row < 4; ++row) {
+        Json numbers = Json::array();
+        for (unsigned column = 0; column < 4; ++column)
+            numbers.push_back(plain(matrix.entry(row, column)));
+        rows.push_back(std::move(numbers));
+    }
+    return rows;
+}
+
 // A mesh of a node, and the levels of detail that have it, the finest being 0.
 struct Detail {
     SimpleMesh const * mesh;
@@ -106,9 +119,12 @@ std::size_t vertices(SimpleMesh const & mesh) {
     return mesh.vertexBuffer() ? mesh.vertexBuffer()->vertices() : 0;
 }
 
-std::wstring boundsText(SimpleMesh const & mesh) {
-    std::optional<BoundingBox> const box = mesh.bounds();
-    return box ? text(box->low) + L" to " + text(box->high) : L"-";
+// In the space of the document.
+std::wstring boundsText(SimpleMesh const & mesh, TgMatrix3d const & transform) {
+    std::optional<BoundingBox> const own = mesh.bounds();
+    if (!own) return L"-";
+    BoundingBox const box = own->transformed(transform);
+    return text(box.low) + L" to " + text(box.high);
 }
 
 std::optional<Color> ownColor(ARenderNode const & node) {
@@ -134,9 +150,10 @@ void addRows(NodeWalk const & walk, Table & table) {
                                      text(ownColor(node)), text(effectiveColor(walk))};
     std::vector<Detail> const details = detailsOf(node);
     for (Detail const & detail : details) {
-        for (std::wstring & cell : std::vector<std::wstring>{
-                 text(detail.levels), std::to_wstring(vertices(*detail.mesh)),
-                 std::to_wstring(detail.mesh->triangles()), boundsText(*detail.mesh)})
+        for (std::wstring & cell :
+             std::vector<std::wstring>{text(detail.levels), std::to_wstring(vertices(*detail.mesh)),
+                                       std::to_wstring(detail.mesh->triangles()),
+                                       boundsText(*detail.mesh, walk.transform())})
             row.push_back(std::move(cell));
         table.add(std::move(row));
         row.assign(4, std::wstring());
@@ -180,6 +197,8 @@ void showJson(NodeWalk const & walk, std::ostream & out) {
     object["depth"] = walk.depth();
     object["type"] = node.asGroup() ? "group" : "geometry";
     object["visible"] = node.visible();
+    if (GroupNode const * const group = node.asGroup(); group && group->transform())
+        object["transform"] = json(*group->transform());
     object["entity"] = entity ? Json(entity->id()) : Json();
     object["color"] = json(ownColor(node));
     object["effectiveColor"] = json(effectiveColor(walk));

@@ -20,6 +20,8 @@ constexpr ValueOptionName c_names[] = {
     {EValueOption::Material, "--material", nullptr},
     {EValueOption::Options, "--options", nullptr},
     {EValueOption::Override, "--override", nullptr},
+    {EValueOption::Precision, "--precision", nullptr},
+    {EValueOption::Set, "--set", nullptr},
     {EValueOption::System, "--system", nullptr},
     {EValueOption::Unit, "--unit", "-u"},
 };

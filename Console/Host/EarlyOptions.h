@@ -20,6 +20,8 @@ enum class EValueOption {
     Material,
     Options,
     Override,
+    Precision,
+    Set,
     System,
     Unit
 };

@@ -1,11 +1,13 @@
 #include "Console/Session/Completion.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "Console/Documents/CommandTable.h"
 #include "Console/Documents/DocumentSettings.h"
 #include "Console/Documents/Operations.h"
 #include "Console/Options.h"
+#include "Console/Session/FileNames.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Texts.h"
@@ -83,6 +85,18 @@ bool takesDocumentSetting(std::wstring_view front) {
     return command && (command->run == &setSetting || command->run == &resetSettings);
 }
 
+// What stands of the file that a command on documents takes first; none if the line begins with
+// another.
+std::optional<std::wstring_view> begunFile(std::wstring_view line) {
+    std::size_t end = 0;
+    while (end < line.size() && !isSpace(line[end])) ++end;
+    if (end == line.size()) return std::nullopt;
+    DocumentCommand const * const command = findDocumentCommand(line.substr(0, end));
+    if (!command || std::wstring_view(command->usage).substr(1, 4) != L"File") return std::nullopt;
+    while (end < line.size() && isSpace(line[end])) ++end;
+    return line.substr(end);
+}
+
 Candidates optionsJobNames() {
     Candidates all;
     for (OptionsJob const & job : optionsJobs())
@@ -125,6 +139,8 @@ Completion completeSessionLine(std::wstring_view line) {
     if (front == L"options") return choose(optionsJobNames(), word);
     if (front == L"options get" || front == L"options set" || front == L"options reset")
         return choose(settings(), word);
+    if (std::optional<std::wstring_view> const file = begunFile(line))
+        return completeFileName(*file);
     if (takesDocumentSetting(front)) return choose(documentSettingNames(), word);
     if (front == L"help") return choose(topics(), word);
 

@@ -45,6 +45,15 @@ constexpr Example c_numbers[] = {
     {L"cm", L"a unit alone is one of it"},
 };
 
+constexpr Example c_conversions[] = {
+    {L"100 mm to in", L"a value in another unit of the same dimension"},
+    {L"60 mph -> km/hr", L"the same"},
+    {L"5 in as ?", L"in all units of its dimension"},
+    {L"-> cm", L"the last value in another unit"},
+    {L"ans * 2", L"the last value in an expression"},
+    {L"5 mm as in", L"a product with attoseconds: what the language reads isn't converted"},
+};
+
 template <std::size_t N>
 void show(Example const (&examples)[N], std::ostream & out) {
     Table table;
@@ -65,6 +74,7 @@ std::span<Session::Topic const> Session::topics() {
     static constexpr Topic c_topics[] = {
         {L"expressions", L"operators, brackets and functions", &Session::helpOnExpressions},
         {L"numbers", L"the forms in which numbers are typed", &Session::helpOnNumbers},
+        {L"conversions", L"values in other units, and the last value", &Session::helpOnConversions},
         {L"functions", L"the functions and their arguments", &Session::helpOnFunctions},
         {L"constants", L"the constants and their values", &Session::helpOnConstants},
         {L"prefixes", L"the prefixes of units", &Session::helpOnPrefixes},
@@ -110,6 +120,8 @@ Session::Result Session::help(std::wstring const & topic) {
 void Session::helpOnExpressions() { show(c_operators, m_rOut); }
 
 void Session::helpOnNumbers() { show(c_numbers, m_rOut); }
+
+void Session::helpOnConversions() { show(c_conversions, m_rOut); }
 
 void Session::helpOnFunctions() {
     Table table;

@@ -8,6 +8,7 @@
 #include "Console/Session/Completion.h"
 #include "Console/Session/Session.h"
 #include "Console/Terminal/LineReader.h"
+#include "Console/Terminal/NumberedErrors.h"
 #include "Console/Terminal/Terminal.h"
 #include "Platform/Base/OS.h"
 #include "Platform/Base/Text.h"
@@ -24,7 +25,8 @@ std::unique_ptr<LineReader> makeEditor() {
 } // namespace
 
 int runInteractive(DocumentSession const & document, bool standard, std::istream & in,
-                   std::ostream & out, std::ostream & err) {
+                   std::ostream & out, std::ostream & plainErr) {
+    NumberedErrors err(plainErr);
     std::unique_ptr<LineReader> reader = makeEditor();
     bool const isTyped = reader != nullptr;
     if (isTyped)
@@ -34,6 +36,7 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
     Session session(out, err, standard);
     bool good = true;
     int status = ExitBadInput; // unless all was good
+    std::size_t lines = 0;     // read, unless they are typed
     bool warned = false;       // of what would be lost, by the line before
     // Where lines are typed, Ctrl-C never ends the session.
     std::optional<OS::NotedInterruptions> noted;
@@ -43,6 +46,8 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
         std::optional<std::string> const line = reader->read(session.prompt());
         // The prompt is left standing by the end of the input.
         if (!line && isTyped) out << '\n' << std::flush;
+        // Who types sees the line.
+        if (line && !isTyped) err.begin(++lines);
         bool interrupted = false;
         Session::Result result = Session::Result::Quit;
         if (line) {
@@ -53,6 +58,7 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
         // Elsewhere it ends the command, and the lines after it aren't read.
         if (interrupted && !isTyped) {
             out.flush();
+            err.begin(0);
             err << "interrupted: the lines that follow aren't run\n" << std::flush;
             status = ExitInterrupted;
             good = false;
@@ -64,6 +70,7 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
             continue;
         }
         if (!document.hasUnsavedChanges() || warned) break;
+        err.begin(0);
         err << Text::toUtf8(document.unsavedChanges())
             << (isTyped ? "; Document.Save keeps it, quitting once more doesn't\n"
                         : "; what isn't saved is lost\n")

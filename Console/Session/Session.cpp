@@ -1,11 +1,10 @@
 #include "Console/Session/Session.h"
 
-#include <charconv>
-#include <cmath>
 #include <ostream>
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/CommandLine/UnitsCommand.h"
+#include "Console/Conversion.h"
 #include "Console/Evaluation.h"
 #include "Console/Host/Language.h"
 #include "Console/Options.h"
@@ -14,17 +13,14 @@
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
-#include "Platform/Base/Spelling.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Units/UnitDisplaySettingsOptionGroup.h"
 
 namespace Vn::Console {
 
-using Expressions::Expression;
 using Units::UnitContext;
 using Field = Units::UnitDisplaySettingsField;
-using Units::ESettingsField;
 using Units::UnitDisplaySettings;
 
 namespace {
@@ -40,41 +36,6 @@ std::wstring takeWord(std::wstring_view & line) {
     std::wstring word(line.substr(0, end));
     line = trimmed(line.substr(end));
     return word;
-}
-
-std::wstring valueText(Field const & field) {
-    double const value = field.get(settings());
-    if (field.kind == ESettingsField::Flag) return value != 0.0 ? L"true" : L"false";
-    return shortestNumber(value);
-}
-
-// The field by its name in any case.
-Field const * findField(std::wstring const & name) {
-    for (Field const & field : Units::unitDisplaySettingsFields())
-        if (Text::foldedEqual(std::string_view(field.name), Text::toUtf8(name))) return &field;
-    return nullptr;
-}
-
-std::wstring nearestField(std::wstring const & name) {
-    auto const nameOf = [](Field const & field) { return Text::widen(field.name); };
-    auto const nearest = Spelling::nearest(name, Units::unitDisplaySettingsFields(),
-                                           Spelling::allowedMistakes(name.size()), nameOf);
-    return nearest.empty() ? std::wstring() : nameOf(*nearest.front());
-}
-
-// NaN for what can't be read.
-double readValue(Field const & field, std::wstring const & text) {
-    if (field.kind == ESettingsField::Flag) {
-        for (wchar_t const * const yes : {L"true", L"on", L"yes", L"1"})
-            if (Text::foldedEqual(text, std::wstring_view(yes))) return 1.0;
-        for (wchar_t const * const no : {L"false", L"off", L"no", L"0"})
-            if (Text::foldedEqual(text, std::wstring_view(no))) return 0.0;
-        return std::nan("");
-    }
-    std::string const utf8 = Text::toUtf8(text);
-    double value = 0.0;
-    auto const [end, error] = std::from_chars(utf8.data(), utf8.data() + utf8.size(), value);
-    return error == std::errc() && end == utf8.data() + utf8.size() ? value : std::nan("");
 }
 
 } // namespace
@@ -126,7 +87,9 @@ Session::Result Session::execute(std::string const & utf8Line) {
 
 Session::Result Session::evaluate(std::wstring const & text) {
     UnitContext const & display = m_display.hasExpectedUnits() ? m_display : m_context;
-    bool const good = showBriefly(Expression(text, m_context), settings(), display, m_rOut, m_rErr);
+    Request const request = readRequest(text, m_context, m_last);
+    bool const good = showBriefly(request, settings(), display, m_rOut, m_rErr);
+    if (good) m_last.remember(request.expression, request.target ? &*request.target : nullptr);
     return good ? Result::Good : Result::Bad;
 }
 
@@ -167,7 +130,8 @@ Session::Result Session::display(std::wstring const & text) {
 void Session::showSettings() {
     Table table;
     for (Field const & field : Units::unitDisplaySettingsFields())
-        table.add({Text::widen(field.name), valueText(field), settingMeaning(field)});
+        table.add(
+            {Text::widen(field.name), settingValue(field, settings()), settingMeaning(field)});
     m_rOut << table.toUtf8();
 }
 
@@ -178,32 +142,20 @@ Session::Result Session::set(std::wstring const & argument) {
         showSettings();
         return Result::Good;
     }
-    Field const * const field = findField(name);
+    Field const * const field = findSetting(name);
     // A setting has one value; with more words it is a member of an entity.
     std::wstring_view more = rest;
     if (!field && (takeWord(more), !more.empty()))
         return runTextCommand({L"Document.Set " + argument}, m_rOut, m_rErr) == ExitGood
                    ? Result::Good
                    : Result::Bad;
-    if (!field) {
-        std::wstring const nearest = nearestField(name);
-        return bad(L"there is no setting " + inQuotes(name) +
-                   (nearest.empty() ? L"; \"set\" alone lists them"
-                                    : L"; did you mean " + nearest + L"?"));
-    }
+    if (!field) return bad(noSuchSetting(name, L"; \"set\" alone lists them"));
     if (!rest.empty()) {
-        double const value = readValue(*field, std::wstring(rest));
-        if (std::isnan(value)) {
-            return bad(Text::widen(field->name) +
-                       (field->kind == ESettingsField::Flag ? L" is true or false, not "
-                                                            : L" is a number, not ") +
-                       inQuotes(rest));
-        }
-        std::string const wrong = setSetting(*field, settings(), value);
-        if (!wrong.empty()) return bad(Text::widen(wrong));
-        m_set[field] = value;
+        std::wstring const wrong = readSetting(*field, std::wstring(rest), settings());
+        if (!wrong.empty()) return bad(wrong);
+        m_set[field] = field->get(settings());
     }
-    m_rOut << field->name << ' ' << Text::toUtf8(valueText(*field)) << '\n';
+    m_rOut << field->name << ' ' << Text::toUtf8(settingValue(*field, settings())) << '\n';
     return Result::Good;
 }
 

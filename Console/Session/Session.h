@@ -10,6 +10,7 @@
 #include <string>
 #include <string_view>
 
+#include "Console/LastValue.h"
 #include "Server/CommonData/Units/UnitContext.h"
 #include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
@@ -61,6 +62,7 @@ private:
 
     void helpOnExpressions();
     void helpOnNumbers();
+    void helpOnConversions();
     void helpOnFunctions();
     void helpOnConstants();
     void helpOnPrefixes();
@@ -80,6 +82,7 @@ private:
     std::ostream & m_rErr;
     Units::UnitContext m_context;
     Units::UnitContext m_display; // expects nothing unless one was chosen
+    LastValue m_last;
     // What was set without being saved, which goes before the preferences.
     std::map<Units::UnitDisplaySettingsField const *, double> m_set;
 };

@@ -5,6 +5,7 @@
 
 #include <histedit.h>
 
+#include "Console/Terminal/Keys.h"
 #include "Console/Terminal/LineReader.h"
 #include "Console/Terminal/Terminal.h"
 #include "Console/Texts.h"
@@ -17,6 +18,34 @@ namespace {
 constexpr int c_historyLines = 1000;
 constexpr std::size_t c_candidatesShown = 60;
 constexpr std::size_t c_columns = 78;
+
+// What the keys beside the letters do, in the forms in which terminals send them.
+struct Key {
+    wchar_t const * sequence;
+    wchar_t const * command;
+};
+constexpr Key c_keys[] = {
+    {L"\\e[H", L"ed-move-to-beg"},
+    {L"\\eOH", L"ed-move-to-beg"},
+    {L"\\e[1~", L"ed-move-to-beg"},
+    {L"\\e[7~", L"ed-move-to-beg"},
+    {L"\\e[F", L"ed-move-to-end"},
+    {L"\\eOF", L"ed-move-to-end"},
+    {L"\\e[4~", L"ed-move-to-end"},
+    {L"\\e[8~", L"ed-move-to-end"},
+    {L"\\e[3~", L"ed-delete-next-char"},
+    {L"\\e[5~", L"ed-search-prev-history"},
+    {L"\\e[6~", L"ed-search-next-history"},
+    {L"\\e[1;5D", L"ed-prev-word"},
+    {L"\\e[1;5C", L"em-next-word"},
+    {L"\\e[1;3D", L"ed-prev-word"},
+    {L"\\e[1;3C", L"em-next-word"},
+    {L"\\e[5D", L"ed-prev-word"},
+    {L"\\e[5C", L"em-next-word"},
+    {L"\\eOd", L"ed-prev-word"},
+    {L"\\eOc", L"em-next-word"},
+    {L"\\e[3;5~", L"em-delete-next-word"},
+};
 
 struct EndEditor {
     void operator()(EditLine * editor) const { ::el_end(editor); }
@@ -52,6 +81,8 @@ public:
         ::el_wset(editor, EL_HIST, &::history_w, m_history.get());
         ::el_wset(editor, EL_ADDFN, L"vn-complete", L"Completes the word", &onComplete);
         ::el_wset(editor, EL_ADDFN, L"vn-abandon", L"Abandons the line", &onAbandon);
+        ::el_wset(editor, EL_GETCFN, &onReadKey);
+        bindKeys();
         ::el_source(editor, nullptr); // what the user likes, such as another editor
         ::el_wset(editor, EL_BIND, L"^I", L"vn-complete", nullptr);
         // While a line is edited, Ctrl-C abandons it; while one is run, it ends that.
@@ -64,6 +95,7 @@ public:
 
     std::optional<std::string> read(std::wstring const & prompt) override {
         m_prompt = prompt;
+        ::el_resize(m_editor.get()); // while the last line was run, nobody watched
         int count = 0;
         wchar_t const * const typed = ::el_wgets(m_editor.get(), &count);
         if (!typed || count <= 0) return std::nullopt;
@@ -81,6 +113,57 @@ private:
     }
 
     static wchar_t * promptOf(EditLine * editor) { return of(editor).m_prompt.data(); }
+
+    static int onReadKey(EditLine * editor, wchar_t * key) {
+        LineEditor & self = of(editor);
+        return readKey({[&self] { self.redraw(); }, [&self] { self.goOn(); }}, *key);
+    }
+
+    void bind(std::wstring const & sequence, wchar_t const * command) {
+        ::el_wset(m_editor.get(), EL_BIND, sequence.c_str(), command, nullptr);
+    }
+
+    void bindKeys() {
+        // Other keys of those kinds, with or without Shift, Alt and Ctrl, would type their letters.
+        constexpr wchar_t const * c_nothing = L"ed-ignore";
+        for (wchar_t const letter : std::wstring_view(L"ABCDEFHPQRSZ"))
+            for (int modifiers = 2; modifiers <= 8; ++modifiers)
+                bind(L"\\e[1;" + std::to_wstring(modifiers) + letter, c_nothing);
+        for (int key = 1; key <= 34; ++key) {
+            std::wstring const sequence = L"\\e[" + std::to_wstring(key);
+            bind(sequence + L'~', c_nothing);
+            for (int modifiers = 2; modifiers <= 8; ++modifiers)
+                bind(sequence + L';' + std::to_wstring(modifiers) + L'~', c_nothing);
+        }
+        for (wchar_t const letter : std::wstring_view(L"PQRS"))
+            bind(std::wstring(L"\\eO") + letter, c_nothing);
+        bind(L"\\e[Z", c_nothing);
+        for (Key const & key : c_keys) bind(key.sequence, key.command);
+    }
+
+    // Draws the line anew in a window of another size.
+    void redraw() {
+        // The terminal has folded the line anew itself, or left it alone if it fits.
+        LineInfoW const * const line = ::el_wline(m_editor.get());
+        std::wstring_view const front(line->buffer,
+                                      static_cast<std::size_t>(line->cursor - line->buffer));
+        auto const columns =
+            static_cast<std::size_t>(Text::displayWidth(m_prompt) + Text::displayWidth(front));
+        std::size_t const rows = columns / terminalColumns();
+        std::string text = "\r";
+        if (rows > 0) text += "\x1B[" + std::to_string(rows) + 'A';
+        text += "\x1B[J";
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        std::fflush(stdout);
+        ::el_resize(m_editor.get());
+        ::el_wset(m_editor.get(), EL_REFRESH);
+    }
+
+    // The shell had the terminal meanwhile.
+    void goOn() {
+        ::el_wset(m_editor.get(), EL_PREP_TERM, 1);
+        redraw();
+    }
 
     static unsigned char onAbandon(EditLine * editor, int) {
         LineInfoW const * const line = ::el_wline(editor);

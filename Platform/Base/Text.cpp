@@ -249,6 +249,35 @@ std::wstring fromUtf8(std::string_view utf8) {
     return text;
 }
 
+std::optional<std::size_t> brokenUtf8(std::string_view utf8) noexcept {
+    for (std::size_t i = 0; i < utf8.size();) {
+        std::size_t const start = i;
+        char32_t character = 0;
+        if (!decode(utf8, i, character)) return start;
+    }
+    return std::nullopt;
+}
+
+std::size_t utf8At16(std::wstring_view text, std::size_t position16) noexcept {
+    std::size_t const end = indexAt16(text, position16);
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < end;) {
+        char32_t const character = nextCharacter(text, i);
+        bytes += character < 0x80 ? 1 : character < 0x800 ? 2 : character < 0x10000 ? 3 : 4;
+    }
+    return bytes;
+}
+
+std::size_t position16AtUtf8(std::string_view utf8, std::size_t position8) noexcept {
+    std::size_t position16 = 0;
+    for (std::size_t i = 0; i < utf8.size() && i < position8;) {
+        char32_t character = 0;
+        decode(utf8, i, character);
+        if (i <= position8) position16 += character > 0xFFFF ? 2 : 1;
+    }
+    return position16;
+}
+
 std::wstring widen(std::string_view ascii) {
     std::wstring text(ascii.size(), L'\0');
     std::transform(ascii.begin(), ascii.end(), text.begin(), [](char c) {

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -97,6 +98,17 @@ VN_BASE_API bool fromUtf8(std::string_view utf8, std::wstring & text);
 
 // Reads UTF-8 leniently: each longest broken piece of a sequence becomes one U+FFFD.
 VN_BASE_API std::wstring fromUtf8(std::string_view utf8);
+
+// Where the first broken piece of a text begins, in bytes; nothing if it is well-formed UTF-8.
+VN_BASE_API std::optional<std::size_t> brokenUtf8(std::string_view utf8) noexcept;
+
+// A position that is counted in 16-bit characters of `text`, counted in bytes of its UTF-8 instead.
+// One between the halves of a character counts as after it, one after the end as the end.
+VN_BASE_API std::size_t utf8At16(std::wstring_view text, std::size_t position16) noexcept;
+
+// The way back: the position of the character that the byte `position8` of well-formed UTF-8
+// belongs to, counted in 16-bit characters; the end if it is at or after that.
+VN_BASE_API std::size_t position16AtUtf8(std::string_view utf8, std::size_t position8) noexcept;
 
 // Makes ASCII wide.  Bytes above 127 become U+FFFD.
 VN_BASE_API std::wstring widen(std::string_view ascii);

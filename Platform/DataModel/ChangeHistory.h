@@ -64,7 +64,9 @@
 //       +--------------->+-------------+
 //
 // In "quiet" nothing is recorded: a change made there can't be undone, and ends the history, since
-// its logs would no longer fit.  The one exception is the death of an entity whose last reference a
+// its logs would no longer fit.  It isn't refused, for a document that is being set up has no use
+// for steps; a host that wants to hear of it asks onUnrecorded or takeUnrecorded.  The one
+// exception is the death of an entity whose last reference a
 // caller held beyond its transaction: the steps stay, and what its deletion hooks change is taken
 // back before a step is undone or redone.  In "transaction" logs stand one in another; a nested one
 // that commits is added to the one around it.  In "replay" hooks run with TransactReplay; what they
@@ -72,8 +74,8 @@
 // of a list keeps within the list, whatever a hook made of that.
 //
 // Where it is: the steps and the states are ChangeHistory's; Platform/DataModel/Log has the
-// Recorder, which writes logs, the Replay, which reads them, and Lifetimes, which has births,
-// deaths and returns.
+// Recorder, which writes logs, the Replay, which reads them, Lifetimes, which has births, deaths
+// and returns, and Losses, which has what "quiet" costs.
 
 #ifndef VN_PLATFORM_DATAMODEL_CHANGEHISTORY_H
 #define VN_PLATFORM_DATAMODEL_CHANGEHISTORY_H
@@ -81,6 +83,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -94,13 +97,35 @@
 namespace Vn {
 
 class Asset;
+class Entity;
+class UniqueString;
 
 namespace DataModel {
 class ChangeLog;
 class Lifetimes;
+class Losses;
 class Recorder;
 class Replay;
 } // namespace DataModel
+
+// Changes that were made outside of transactions, so that they can't be undone, and the steps that
+// went with them.
+struct VN_DATAMODEL_API UnrecordedChanges {
+    // How often an entity changed or came, or a root was set.
+    std::size_t changes = 0;
+    // How many steps could be undone, and how many redone, before they went.
+    std::size_t undoSteps = 0;
+    std::size_t redoSteps = 0;
+    // The entity that changed or came first; 0 if it was the root list that changed.
+    unsigned long long entity = 0;
+    // What it answers to getInterfaceId; null if there is none, and of an entity that came, whose
+    // class wasn't known yet.
+    UniqueString const * interfaceId = nullptr;
+
+    // Success if there is no change; else StatusFailed, with the class and the id as the subject
+    // and the numbers in the cause.
+    Status status() const;
+};
 
 // The changes of one document.  Invariants and states stand at the top of this file.
 class VN_DATAMODEL_API ChangeHistory {
@@ -153,6 +178,21 @@ public:
     // given up, and undo, redo and saving are refused.
     bool isUsable() const noexcept { return m_bUsable; }
 
+    // Changes outside of transactions end the history, and nothing else tells of them: a forgotten
+    // Transaction shows when the user can't undo.  These are for the host that wants to know.
+
+    // Sets what is called of them, on the thread of the document; an empty function ends that.  It
+    // is called for the first such change after it was set, and for each that takes steps away:
+    // once for all that belongs to the outermost bracket, after that has closed, or once an entity
+    // or a root is in its place, but within the operation that did it, so that a debugger shows the
+    // caller.  It may change the document, set another function, or let go of the document.  What
+    // it changes without a transaction is counted and not told.  What it throws goes no further.
+    using UnrecordedFunction = std::function<void(UnrecordedChanges const &)>;
+    void onUnrecorded(UnrecordedFunction function);
+    // The sum since this was asked last, or since the document was made or loaded; for a test or a
+    // host that asks after each command.
+    UnrecordedChanges takeUnrecorded() noexcept;
+
     // The states, as at the top of this file.
     bool isInTransaction() const noexcept { return !m_open.empty(); }
     // Whether the innermost transaction that is open has recorded a change by now, so that it will
@@ -167,6 +207,8 @@ public:
 private:
     friend class DataModel::Lifetimes;
     friend class DataModel::Recorder;
+    friend class Entity;
+    friend class Segment;
     friend class Transaction;
 
     struct Step;
@@ -185,8 +227,14 @@ private:
     std::uint64_t state() const noexcept;
     std::uint32_t nextLogNumber() noexcept;
 
-    // Something changed that no log records: the steps no longer fit.
-    void changedUnrecorded() noexcept;
+    // Something changed that no log records: the steps no longer fit.  `entity` is null for a root;
+    // one that is being made can't be asked.
+    void changedUnrecorded(Entity const * entity, bool isMade = false) noexcept;
+    // Tells the host, once all brackets are closed.
+    void tellUnrecorded() noexcept {
+        if (m_bUnrecorded) tellLosses();
+    }
+    void tellLosses() noexcept;
     // The log of what deaths outside of transactions bring with them: null if there is no step that
     // it could disturb, or no memory.  Before a step is undone or redone it is taken back, so that
     // the step fits; a step that is made meanwhile leaves it to the step before.
@@ -211,6 +259,7 @@ private:
     Asset & m_asset;
     std::unique_ptr<DataModel::Recorder> const m_pRecorder;
     std::unique_ptr<DataModel::Lifetimes> const m_pLifetimes;
+    std::unique_ptr<DataModel::Losses> const m_pLosses;
     std::unique_ptr<DataModel::ChangeLog> m_pSpare; // for the next step or inverse
     std::unique_ptr<DataModel::ChangeLog> m_pLate;  // since the present state was reached
     std::unique_ptr<char[]> m_pReserve;             // memory for an abort
@@ -221,6 +270,7 @@ private:
     bool m_bReplaying = false;
     bool m_bUsable = true;
     bool m_bModified = false;   // beside the steps
+    bool m_bUnrecorded = false; // the host is to be told of losses
     bool m_bClearLater = false; // once the hooks of a commit have been told
     unsigned m_telling = 0;     // commits whose hooks are being told
     std::size_t m_stepLimit = 0;

@@ -97,6 +97,7 @@ void Entity::postCreation(DataChange::ETransact transact) {
     if (m_pSegment) metaType()->layout();
     onPostCreation(transact);
     if (m_pSegment) m_pSegment->entityEventSource()->tellPostCreate(*this, transact);
+    if (m_pSegment) asset()->m_history.tellUnrecorded();
 }
 
 void Entity::markModified(void const * member) noexcept {

@@ -59,6 +59,10 @@ public:
 //                         DataChange::TimingPreAndPost, nullptr, true);
 //     m_name = name;
 //
+// It stands within a Transaction.  Outside of one the change is made, but can't be undone, and the
+// steps that could be undone or redone before are gone, since they no longer fit: nothing is thrown
+// and nothing else tells, but ChangeHistory::onUnrecorded and takeUnrecorded, for hosts that ask.
+//
 // The constructor tells the entity that a change comes, the destructor that it is over.  Brackets
 // nest, on one entity and across entities, and close in the reverse order of opening.  What is
 // recorded for undo is what differs when the outermost bracket of the entity closes, of those that

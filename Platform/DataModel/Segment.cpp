@@ -58,6 +58,7 @@ void Segment::addRoot(StrongRef<Entity> const & entity, std::string const & key)
     if (old == entity.get()) return;
     m_pAsset->history().recorder().rootChanging(*this, key, place, old);
     placeRoot(entity, key, place);
+    m_pAsset->history().tellUnrecorded();
 }
 
 void Segment::placeRoot(StrongRef<Entity> entity, std::string const & key, std::size_t place) {

@@ -29,6 +29,20 @@ struct BoundingBox {
                 std::max(high.z, other.high.z)};
     }
 
+    // The smallest box with this one after a map: that of its corners.  Not valid if one of them
+    // has a NaN or an infinity.
+    BoundingBox transformed(TgMatrix3d const & map) const noexcept {
+        BoundingBox box = of(map * low);
+        for (unsigned corner = 1; corner < 8; ++corner) {
+            TgPoint3d const point =
+                map * TgPoint3d(corner & 1 ? high.x : low.x, corner & 2 ? high.y : low.y,
+                                corner & 4 ? high.z : low.z);
+            if (!isFinite(point)) return of(point);
+            box.add(of(point));
+        }
+        return box;
+    }
+
     // Whether a point has neither a NaN nor an infinity.
     static bool isFinite(TgPoint3d const & point) noexcept {
         return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);

@@ -19,7 +19,7 @@ enum EChangeType {
     ChangeGeometry = 1,    // the meshes of a geometry node
     ChangeEffect = 2,      // its effect, and so how it and what is below it looks
     ChangeChildren = 4,    // a child of the group came, went or stands in another place
-    ChangePlace = 8,       // the node came or was moved
+    ChangePlace = 8,       // the node came or was moved, or what is in the group was
     ChangeVisibility = 16, // whether it is drawn
     ChangeAll = 0xFFFF     // everything in the node and below it may differ
 };

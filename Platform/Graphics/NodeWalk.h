@@ -16,7 +16,8 @@ namespace Vrx::Graphics {
 //
 //     for (NodeWalk walk(root); walk; walk.next()) draw(*walk.node(), walk.effect());
 //
-// Costs the same for each node, and takes memory only for the effects on the way.  The graph must
+// Costs the same for each node, and takes memory only for the effects and transforms
+// on the way.  The graph must
 // not change meanwhile, and isn't owned.
 class VRX_API NodeWalk {
 public:
@@ -31,6 +32,10 @@ public:
     std::size_t depth() const noexcept { return m_depth; }
     // As ARenderNode::effectiveEffect of the node, what stands above the top included.
     std::optional<EffectParams> effect() const noexcept;
+    // How positions in the node are placed in the document: what GroupNode::transform of the node
+    // and of all groups above it make together, what stands above the top included.  The map that
+    // changes nothing if none of them has one.
+    TgMatrix3d const & transform() const noexcept;
 
     // Goes on, with or without the nodes below this one.  Nothing happens once the walk is over.
     void next() { advance(true); }
@@ -42,6 +47,11 @@ private:
         EffectParams params;
     };
 
+    struct Place {
+        std::size_t depth; // of the group from which it holds
+        TgMatrix3d transform;
+    };
+
     void advance(bool down);
     void enter();
 
@@ -50,6 +60,8 @@ private:
     std::size_t m_depth = 0;
     std::optional<EffectParams> m_above; // what the top inherits
     std::vector<Effect> m_effects;       // of the node and those above it, the nearest last
+    TgMatrix3d m_place;                  // of what stands above the top
+    std::vector<Place> m_places;         // as m_effects
 };
 
 // The node after another in a walk below `top`; null at its end.  For walks that need no more.

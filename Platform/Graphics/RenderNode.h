@@ -13,9 +13,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
+#include <utility>
 
 #include "Platform/Base/RefCounted.h"
+#include "Platform/Geometry/Tg.h"
 #include "Platform/Graphics/EffectParams.h"
 #include "Platform/Graphics/Export.h"
 #include "Platform/Graphics/WorldType.h"
@@ -98,6 +101,13 @@ public:
     Scene::EWorldType world() const noexcept { return m_world; }
     bool selectable() const noexcept { return m_bSelectable; }
 
+    // How what is in the group is placed in the space of the group above, or of the document: the
+    // map of its positions, in cm.  Null if it is placed as it is, which it is at first.
+    TgMatrix3d const * transform() const noexcept { return m_pTransform.get(); }
+    void transform(std::unique_ptr<TgMatrix3d const> transform) noexcept {
+        m_pTransform = std::move(transform);
+    }
+
     // The number of children, and the ends of their row; null if there are none.
     std::size_t children() const noexcept { return m_children; }
     ARenderNode * firstChild() const noexcept { return m_rFirst.get(); }
@@ -131,6 +141,7 @@ private:
     std::size_t m_children = 0;
     Vn::StrongRef<ARenderNode> m_rFirst;
     ARenderNode * m_pLast = nullptr;
+    std::unique_ptr<TgMatrix3d const> m_pTransform;
     Vn::StrongRef<NodeObservers> m_rObservers;
 };
 

@@ -1,6 +1,7 @@
 #include "Platform/Scene/NodeChange.h"
 
 #include <exception>
+#include <memory>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -93,6 +94,18 @@ struct SetVisible {
     }
 };
 
+struct SetTransform {
+    StrongRef<GroupNode> group;
+    std::unique_ptr<TgMatrix3d const> transform; // null for the one that changes nothing
+
+    void make(NodeChanges & changes, bool silent) noexcept {
+        TgMatrix3d const * const former = group->transform();
+        bool const differs = former && transform ? *former != *transform : (former || transform);
+        group->transform(std::move(transform));
+        if (differs && !silent) changes.note(group.get(), Vrx::Graphics::ChangePlace);
+    }
+};
+
 struct Invalidate {
     StrongRef<ARenderNode> node;
     int changes;
@@ -123,8 +136,8 @@ struct NodeChange::Edit {
     Edit(What && whatIsTold, bool isSilent) noexcept
         : what(std::forward<What>(whatIsTold)), silent(isSilent) {}
 
-    std::variant<KeepNode, AddChild, RemoveChild, SetGeometry, SetEffect, SetVisible, Invalidate,
-                 ShowRoot>
+    std::variant<KeepNode, AddChild, RemoveChild, SetGeometry, SetEffect, SetVisible, SetTransform,
+                 Invalidate, ShowRoot>
         what;
     bool silent;
 };
@@ -209,6 +222,15 @@ bool NodeChange::colorEffect(Color const & color, bool overrides, unsigned char 
 bool NodeChange::removeEffect() {
     if (!m_rNode) return false;
     tell(SetEffect{m_rNode, std::nullopt});
+    return true;
+}
+
+bool NodeChange::transform(TgMatrix3d const & transform) {
+    GroupNode * const group = m_rNode ? m_rNode->asGroup() : nullptr;
+    if (!group) return false;
+    std::unique_ptr<TgMatrix3d const> kept;
+    if (transform != TgMatrix3d::kIdentity) kept = std::make_unique<TgMatrix3d const>(transform);
+    tell(SetTransform{StrongRef<GroupNode>(group), std::move(kept)});
     return true;
 }
 

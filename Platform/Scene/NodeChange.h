@@ -69,6 +69,8 @@ public:
     bool removeEffect();
     // Has the node drawn or not.
     bool visible(bool visible);
+    // Places what is in the group; the map that changes nothing takes the place away.
+    bool transform(TgMatrix3d const & transform);
 
     // Puts a node after the other children, or in front of one of them, and takes it out of the
     // group in which it is.  So a node that is added twice stands once, where it was added last.  A

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -230,6 +231,33 @@ TEST(TextTests, PositionsOf16BitsHaveAnIndex) {
     EXPECT_EQ(Text::characterLength(text, 0), 1U);
     EXPECT_EQ(Text::characterLength(text, 1), wide);
     EXPECT_EQ(Text::characterLength(text, 100), 1U);
+}
+
+TEST(TextTests, TheFirstBrokenPieceOfUtf8IsFound) {
+    EXPECT_EQ(Text::brokenUtf8(""), std::nullopt);
+    EXPECT_EQ(Text::brokenUtf8("45\xC2\xB0"), std::nullopt);
+    EXPECT_EQ(Text::brokenUtf8("45\xC2"), 2U);
+    EXPECT_EQ(Text::brokenUtf8("\xC2\xB0\xE2\x82 \xFF"), 2U);
+    EXPECT_EQ(Text::brokenUtf8(std::string_view("\0\xFF", 2)), 1U);
+}
+
+TEST(TextTests, PositionsOf16BitsHaveABytePosition) {
+    struct Row {
+        std::size_t position16;
+        std::size_t position8;
+    };
+    // One, two, three and four bytes, and one more.
+    std::wstring const text = L"a\u00B0\u20AC\U0001F4CFz";
+    std::string const utf8 = Text::toUtf8(text);
+    for (Row const & row : {Row{0, 0}, {1, 1}, {2, 3}, {3, 6}, {5, 10}, {6, 11}}) {
+        EXPECT_EQ(Text::utf8At16(text, row.position16), row.position8);
+        EXPECT_EQ(Text::position16AtUtf8(utf8, row.position8), row.position16);
+    }
+    EXPECT_EQ(Text::utf8At16(text, 4), 10U); // between the halves
+    EXPECT_EQ(Text::utf8At16(text, 100), 11U);
+    for (std::size_t within : {4U, 5U}) EXPECT_EQ(Text::position16AtUtf8(utf8, within), 2U);
+    EXPECT_EQ(Text::position16AtUtf8(utf8, 100), 6U);
+    EXPECT_EQ(Text::position16AtUtf8("", 1), 0U);
 }
 
 TEST(TextTests, TrimmedAndClipped) {

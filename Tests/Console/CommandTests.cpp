@@ -259,7 +259,7 @@ TEST(CommandLineTests, UsageErrorsHaveStatusTwo) {
     std::string const run = "Run with --help for more information.\n";
     Row const rows[] = {
         {{"frobnicate"}, "The following argument was not expected: frobnicate\n"},
-        {{"eval"}, "TEXT is required\n"},
+        {{"eval", "2", "--precision"}, "--precision: 1 required N missing\n"},
         {{"eval", "2", "--frobnicate"}, "The following argument was not expected: --frobnicate\n"},
         {{"eval", "2", "--unit"}, "--unit: 1 required UNIT missing\n"},
         {{"units", "a", "b"}, "The following argument was not expected: b\n"},

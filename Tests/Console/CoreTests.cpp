@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Console/CommandLine/SelfTestCommand.h"
+#include "Console/Conversion.h"
 #include "Console/Evaluation.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Terminal/Excerpt.h"
@@ -178,8 +179,10 @@ TEST(EvaluationTests, ARebuiltTextIsReadOnce) {
     TextKeeper keeper;
     std::ostringstream out;
 
-    Expressions::Expression const length(L"1 in+2cm");
-    Expressions::Expression const rounded(L"1/128 in");
+    Request length;
+    length.expression = Expressions::Expression(L"1 in+2cm");
+    Request rounded;
+    rounded.expression = Expressions::Expression(L"1/128 in");
     EXPECT_EQ(keeper.takeTexts(), (Texts{L"1 in+2cm", L"1/128 in"}));
     for (auto const show : {&showEvaluation, &showBriefly}) {
         EXPECT_TRUE(show(length, UnitDisplaySettings::standard(), anything, out, out));

@@ -95,7 +95,7 @@ TEST_F(DocumentMemberTests, ASessionTellsAMemberFromASetting) {
                            "0\n"
                            "set highWaterMark of Groups/CmnData[0] from \"0\" to \"8\"\n"
                            "generalPrecision 4\n");
-    EXPECT_TRUE(outcome.err.starts_with("there is no setting \"nothing\""));
+    EXPECT_TRUE(outcome.err.starts_with("line 7: there is no setting \"nothing\""));
 }
 
 TEST_F(DocumentMemberTests, JsonHasALineForEachMember) {

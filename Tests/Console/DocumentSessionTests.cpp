@@ -89,9 +89,10 @@ TEST_F(DocumentSessionTests, EveryChangeIsTakenBackAndMadeAgain) {
 TEST_F(DocumentSessionTests, TheRootGroupCantBeUndone) {
     Outcome const outcome = session("new\nundo\ntree\nmake\nundo\ntree\n");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err,
-              "cannot undo: nothing was changed since the document was opened; the history isn't "
-              "saved, and no earlier session can be undone\n");
+    EXPECT_EQ(
+        outcome.err,
+        "line 2: cannot undo: nothing was changed since the document was opened; the history isn't "
+        "saved, and no earlier session can be undone\n");
     EXPECT_EQ(outcome.out.substr(outcome.out.rfind("Groups  #1")).substr(0, 12), "Groups  #1  ");
 }
 
@@ -100,14 +101,14 @@ TEST_F(DocumentSessionTests, WithoutADocumentCommandsSayHowToGetOne) {
                                     "make", "add 0", "remove 0", "move 0 before 1", "delete 0"}) {
         Outcome const outcome = session(std::string(line) + "\n");
         EXPECT_EQ(outcome.status, 1) << line;
-        EXPECT_EQ(outcome.err.substr(0, 7), "cannot ") << line;
+        EXPECT_EQ(outcome.err.substr(0, 15), "line 1: cannot ") << line;
         EXPECT_NE(
             outcome.err.find(": no document is open; Document.New makes one, and Document.Open "
                              "FILE opens one\n"),
             std::string::npos)
             << line;
     }
-    EXPECT_EQ(session("check\n").err, "cannot check: there is no file; name one\n");
+    EXPECT_EQ(session("check\n").err, "line 1: cannot check: there is no file; name one\n");
 }
 
 TEST_F(DocumentSessionTests, UnsavedChangesArentLostByOpeningAnother) {
@@ -117,8 +118,8 @@ TEST_F(DocumentSessionTests, UnsavedChangesArentLostByOpeningAnother) {
     EXPECT_EQ(outcome.status, 1);
     std::string const why = "a.vnd has 2 changes that aren't saved, the last \"add 2 entities to "
                             "Groups/CmnData[0]\"; save the document, or lose them with /Force\n";
-    EXPECT_EQ(outcome.err,
-              "cannot make a new document: " + why + "cannot open the document: " + why);
+    EXPECT_EQ(outcome.err, "line 4: cannot make a new document: " + why +
+                               "line 5: cannot open the document: " + why);
     EXPECT_EQ(outcome.out.substr(outcome.out.find("   0")),
               "   0  where the history begins             saved\n"
               "   1  make Groups/CmnData[0]\n"
@@ -156,8 +157,9 @@ TEST_F(DocumentSessionTests, ACommandThatRunsOutOfMemoryIsTakenBack) {
         if (outcome.out.find("a new document") == std::string::npos) continue; // not even that
         if (!isRefused) break;
         ++refused;
-        EXPECT_EQ(outcome.err,
-                  "cannot add entities: memory ran out; the document is as it was before\n");
+        EXPECT_EQ(
+            outcome.err,
+            "line 4: cannot add entities: memory ran out; the document is as it was before\n");
         EXPECT_EQ(document("check", "b.vnd").status, 0);
         EXPECT_EQ(places(document("tree", "b.vnd").out), "Groups #1\n"
                                                          "Groups/CmnData[0] #29\n"
@@ -203,10 +205,10 @@ TEST_F(DocumentSessionTests, SavingSaysWhatItDid) {
                            "saved a.vnd\n"
                            "saved b.vnd\n");
     std::string const expected =
-        "cannot save: the document has no file yet; Document.SaveAs FILE gives it one\n"
-        "cannot save: a.vnd is there already; /Force replaces it\n"
-        "cannot save: the name of the file is empty\n"
-        "cannot save the document 'no/a.vnd'";
+        "line 2: cannot save: the document has no file yet; Document.SaveAs FILE gives it one\n"
+        "line 9: cannot save: a.vnd is there already; /Force replaces it\n"
+        "line 12: cannot save: the name of the file is empty\n"
+        "line 13: cannot save the document 'no/a.vnd'";
     EXPECT_EQ(outcome.err.substr(0, expected.size()), expected);
 }
 
@@ -216,10 +218,10 @@ TEST_F(DocumentSessionTests, AFailedOpenKeepsTheDocument) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.out.find("the document is as a.vnd has it\n"), std::string::npos);
     EXPECT_EQ(outcome.err,
-              "cannot open the document 'nothing.vnd': not found: there is no such file\n"
-              "cannot open the document 'a\"b': not found: there is no such file\n");
+              "line 3: cannot open the document 'nothing.vnd': not found: there is no such file\n"
+              "line 4: cannot open the document 'a\"b': not found: there is no such file\n");
     EXPECT_EQ(session(std::string("open a\0b\n", 9)).err,
-              "cannot open the document: \"a\u2400b\" isn't a file name\n");
+              "line 1: cannot open the document: \"a\u2400b\" isn't a file name\n");
 }
 
 TEST_F(DocumentSessionTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
@@ -230,7 +232,8 @@ TEST_F(DocumentSessionTests, CheckLooksAtTheFileOfTheDocumentOrAnother) {
     execute("a.vnd", "UPDATE roots SET entity = 99 WHERE key = 'Groups'");
     Outcome const damaged = session("check a.vnd\n");
     EXPECT_EQ(damaged.status, 1);
-    EXPECT_EQ(damaged.err, "a.vnd is damaged:\n  the root Groups: there is no such entity\n");
+    EXPECT_EQ(damaged.err,
+              "line 1: a.vnd is damaged:\n  the root Groups: there is no such entity\n");
 }
 
 TEST_F(DocumentSessionTests, TheExamplesOfHelpFollowOneAnother) {

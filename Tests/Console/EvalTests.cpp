@@ -104,7 +104,7 @@ TEST(EvalTests, AnUnknownOptionTellsOfTheTwoDashes) {
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err,
-              "TEXT is required\n"
+              "The following argument was not expected: -PI\n"
               "Run with --help for more information.\n"
               "A text that begins with \"-\" goes after \"--\": vnconsole eval -- '-PI'\n");
 }
@@ -246,6 +246,118 @@ TEST(EvalTests, ConflictingUnitsAreTold) {
               "Units don't Evaluate: the units on the two sides of \"+\" don't go together\n"
               "  1kg + 1cm\n"
               "      ^\n");
+}
+
+TEST(EvalTests, PrecisionIsTheNumberOfDecimals) {
+    struct Rounded {
+        char const * precision;
+        char const * text;
+        char const * formatted;
+    };
+    Rounded const rows[] = {
+        {"6", "1/3", "formatted  0.333333\n"},
+        {"1", "2.54 cm", "formatted  2.5 cm\n"},
+        {"0", "2.54 cm", "formatted  3 cm\n"},
+        {"6", "2.5 cm", "formatted  2.50 cm\n"},
+        {"4", "1 rad", "formatted  1.00 rad\n"},
+        {"5", "177123 cm", "formatted  1.77123E+05 cm\n"},
+        {"3", "1 deg / 3", "formatted  0.333 deg\n"},
+    };
+    for (Rounded const & row : rows) {
+        Outcome const outcome =
+            runConsole({"eval", "--standard", "--precision", row.precision, row.text});
+        EXPECT_EQ(outcome.err, "") << row.text;
+        EXPECT_EQ(outcome.out.substr(0, outcome.out.find('\n') + 1), row.formatted) << row.text;
+    }
+    for (char const * const bad : {"-1", "x", "2.5", "101", "99999999999"}) {
+        Outcome const outcome = runConsole({"eval", std::string("--precision=") + bad, "2"});
+        EXPECT_EQ(outcome.status, 2) << bad;
+        EXPECT_EQ(outcome.out, "") << bad;
+    }
+    EXPECT_EQ(runConsole({"eval", "--precision", "x", "2"}).err,
+              "vnconsole: --precision takes a whole number from 0 to 100, not \"x\"\n");
+}
+
+TEST(EvalTests, SettingsHoldForTheCall) {
+    Outcome const outcome = runConsole({"eval", "--standard", "--set", "lengthDisplay=1",
+                                        "--set=COMPRESSUNITS = off", "2.5 in", "3 m^2"});
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_NE(outcome.out.find("formatted  2 1/2\"\n"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find("formatted  3.00 m m\n"), std::string::npos) << outcome.out;
+    // What stands last counts, and the precision goes first.
+    EXPECT_EQ(runConsole({"eval", "--set", "generalPrecision=4", "--precision=1", "--json",
+                          "--set=minimumPrecision=0", "--no-tokens", "1/3"})
+                      .out.find("\"formatted\":\"0.3333\"") != std::string::npos,
+              true);
+}
+
+TEST(EvalTests, ASettingThatIsNoneIsTold) {
+    struct Refused {
+        char const * setting;
+        char const * err;
+    };
+    Refused const rows[] = {
+        {"lengthDisplay=3", "vnconsole: --set: lengthDisplay takes a whole number from 0 to 2\n"},
+        {"lengthDisplay=x", "vnconsole: --set: lengthDisplay is a number, not \"x\"\n"},
+        {"compressUnits=", "vnconsole: --set: compressUnits is true or false, not \"\"\n"},
+        {"compressUnits", "vnconsole: --set: a value is missing, as in compressUnits=true\n"},
+        {"lengthdisplai=1",
+         "vnconsole: --set: there is no setting \"lengthdisplai\"; did you mean lengthDisplay?\n"},
+        {"=1", "vnconsole: --set: there is no setting \"\"; \"set\" in a session lists them\n"},
+    };
+    for (Refused const & row : rows) {
+        Outcome const outcome = runConsole({"eval", "--set", row.setting, "2"});
+        EXPECT_EQ(outcome.status, 2) << row.setting;
+        EXPECT_EQ(outcome.out, "") << row.setting;
+        EXPECT_EQ(outcome.err, row.err);
+    }
+}
+
+TEST(EvalTests, WithoutATextTheLinesOfTheInputAreRead) {
+    Outcome const outcome = runConsole({"eval", "--unit", "cm"}, "2 in\r\n\n  CM\n 1/0 \n\xFF\n3");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "2 in\n"
+                           "formatted  5.08 cm\n"
+                           "internal   5.08 cm\n"
+                           "units      in\n"
+                           "rebuilt    2 in\n"
+                           "\n"
+                           "CM\n"
+                           "\n"
+                           "1/0\n"
+                           "units    cm\n"
+                           "rebuilt  ( 1 / 0 ) * 1 cm\n"
+                           "\n"
+                           "3\n"
+                           "formatted  3.00 cm\n"
+                           "internal   3 cm\n"
+                           "units      cm\n"
+                           "rebuilt    3 cm\n");
+    EXPECT_EQ(outcome.err,
+              "line 3: Abrupt Termination: \"CM\" isn't a unit, a function or a constant\n"
+              "  CM\n"
+              "  ^\n"
+              "  did you mean cm?\n"
+              "line 4: vnconsole: no value: a divisor is nearly zero, a number is too large, or a "
+              "function isn't defined for its argument\n"
+              "line 5: the line isn't UTF-8\n");
+    EXPECT_EQ(runConsole({"eval"}, "").status, 0);
+}
+
+TEST(EvalTests, LinesAreAnsweredInJson) {
+    Outcome const outcome =
+        runConsole({"eval", "--json", "--no-tokens"}, "2 in\n5 kg to m\n\n5 to\n\xFF\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out.substr(outcome.out.find('\n') + 1),
+              R"({"text":"5 kg to m","error":"the value is in kg (Mass) and can't be shown in m )"
+              R"j((Length)","line":2})j"
+              "\n"
+              R"({"text":"5 to","error":"a unit, or \"?\" for all of them, is missing after )"
+              R"(\"to\"","line":4})"
+              "\n"
+              R"({"error":"the line isn't UTF-8","line":5})"
+              "\n");
 }
 
 TEST(EvalTests, TextIsUtf8) {

@@ -123,23 +123,43 @@ TEST(FailureTests, UnknownNamesGetTheNearestSpelling) {
     Near const rows[] = {
         {"2CM", "  did you mean cm?\n"},
         {"2 MM", "  did you mean mm or Mm?\n"},
-        {"2 metre", "  did you mean meter?\n"},
-        {"2 kilometre", "  did you mean kilometer?\n"},
+        {"2 metr", "  did you mean meter?\n"},
+        {"2 kilometr", "  did you mean kilometer?\n"},
         {"3 celcius", "  did you mean celsius?\n"},
         {"2 degres", "  did you mean degree?\n"},
-        {"2 inchs", "  did you mean inch?\n"},
+        {"2 inchh", "  did you mean inch?\n"},
         {"Cos(2)", "  did you mean cos?\n"},
-        {"2 * pi", "  did you mean PI?\n"},
         {"3 * gravity", "  did you mean Gravity?\n"},
-        {"2 lb", "  did you mean lbmass or lbforce?\n"},
-        {"2 mm2", "  did you mean mm^2?\n"},
-        {"1 + (2 + (3 * metre))", "  did you mean meter?\n"},
+        {"1 + (2 + (3 * metr))", "  did you mean meter?\n"},
     };
     for (Near const & row : rows) {
         Outcome const outcome = runConsole({"eval", row.text});
         EXPECT_EQ(outcome.status, 1) << row.text;
         ASSERT_GE(outcome.err.size(), std::string(row.suggestion).size()) << row.text;
         EXPECT_EQ(lastLine(outcome.err), row.suggestion) << row.text;
+    }
+}
+
+TEST(FailureTests, KnownSpellingsAreShownAsAWholeText) {
+    struct Write {
+        char const * text;
+        char const * told;
+    };
+    Write const rows[] = {
+        {"5 Nm", "  write 5 N m\n"},
+        {"2 * pi", "  write 2 * PI\n"},
+        {"2 lb", "  write 2 lbmass or 2 lbforce\n"},
+        {"2 mm2", "  write 2 mm^2\n"},
+        {"1 m + (3 * metres)", "  write 1 m + (3 * meter)\n"},
+        {"10^3 mm", "  write 1E3 mm\n"},
+        {"20 EUR", "  \"EUR\" isn't a unit here; the nearest is $\n"},
+        {"5 kgf", "  \"kgf\" isn't a unit here; write 5 * 9.80665 N\n"},
+    };
+    for (Write const & row : rows) {
+        Outcome const outcome = runConsole({"eval", row.text});
+        EXPECT_EQ(outcome.status, 1) << row.text;
+        EXPECT_EQ(lastLine(outcome.err), row.told) << row.text;
+        EXPECT_EQ(outcome.err.find("did you mean"), std::string::npos) << outcome.err;
     }
 }
 

@@ -1,5 +1,8 @@
 // Sessions from a pipe.
 
+#include <filesystem>
+#include <fstream>
+
 #include <gtest/gtest.h>
 #include <sstream>
 
@@ -33,18 +36,18 @@ TEST(PipedSessionTests, BadLinesAreToldAndTheRestIsDone) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "2.00 cm\n  internal 2 cm, units cm, rebuilt 2 cm\n");
     EXPECT_EQ(outcome.err,
-              "Parse error at character 1: \"CM\" isn't a unit, a function or a constant\n"
+              "line 1: Parse error at character 1: \"CM\" isn't a unit, a function or a constant\n"
               "  2CM\n"
               "   ^\n"
               "  did you mean cm?\n"
-              "Parse error at character 3: a number can't follow the fraction \"7/2\"\n"
+              "line 2: Parse error at character 3: a number can't follow the fraction \"7/2\"\n"
               "  7/2.2\n"
               "  ~~~^\n"
               "  \"7/2\" was read as a fraction; put the divisor in brackets: 7/(2.2)\n"
-              "no value: a divisor is nearly zero, a number is too large, or a function isn't "
-              "defined for its argument\n"
-              "the line isn't UTF-8\n"
-              "unit: \"bogus\" isn't a unit\n");
+              "line 3: no value: a divisor is nearly zero, a number is too large, or a function "
+              "isn't defined for its argument\n"
+              "line 4: the line isn't UTF-8\n"
+              "line 5: unit: \"bogus\" isn't a unit\n");
 }
 
 TEST(PipedSessionTests, UnitAndDisplayAreKept) {
@@ -135,12 +138,12 @@ TEST(PipedSessionTests, WrongSettingsAreTold) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(outcome.err,
-              "there is no setting \"generalPrecison\"; did you mean generalPrecision?\n"
-              "there is no setting \"nothing\"; \"set\" alone lists them\n"
-              "compressUnits is true or false, not \"maybe\"\n"
-              "generalPrecision is a number, not \"many\"\n"
-              "lengthDisplay takes a whole number from 0 to 2\n"
-              "degreeDisplay is a number, not \"1 x\"\n");
+              "line 1: there is no setting \"generalPrecison\"; did you mean generalPrecision?\n"
+              "line 2: there is no setting \"nothing\"; \"set\" alone lists them\n"
+              "line 3: compressUnits is true or false, not \"maybe\"\n"
+              "line 4: generalPrecision is a number, not \"many\"\n"
+              "line 5: lengthDisplay takes a whole number from 0 to 2\n"
+              "line 6: degreeDisplay is a number, not \"1 x\"\n");
 }
 
 TEST(PipedSessionTests, TextCommandsAreRun) {
@@ -149,7 +152,8 @@ TEST(PipedSessionTests, TextCommandsAreRun) {
     EXPECT_EQ(outcome.out, "1' 9\" parsed as 1' 9foot\n"
                            "0.50 cm\n"
                            "  internal 0.5 cm, units cm, rebuilt 0.5 cm\n");
-    EXPECT_EQ(outcome.err.substr(0, 48), "The subject area \"Units\" has no command \"Lisst\".");
+    EXPECT_EQ(outcome.err.substr(0, 56),
+              "line 2: The subject area \"Units\" has no command \"Lisst\".");
 }
 
 TEST(PipedSessionTests, UnitsAreListed) {
@@ -164,15 +168,15 @@ TEST(PipedSessionTests, HelpKnowsEveryTopicAndCommand) {
           "options [JOB ...]", "standard", "units [PATTERN]", "language", "quit"})
         EXPECT_NE(help.find(std::string("\n  ") + word), std::string::npos) << word;
     for (char const * const topic :
-         {"expressions", "numbers", "functions", "constants", "prefixes", "preferences",
-          "documents", "commands", "unit", "set", "options", "quit"}) {
+         {"expressions", "numbers", "conversions", "functions", "constants", "prefixes",
+          "preferences", "documents", "commands", "unit", "set", "options", "quit"}) {
         Outcome const outcome = runConsole({}, std::string("help ") + topic + "\n");
         EXPECT_EQ(outcome.status, 0) << topic;
         EXPECT_NE(outcome.out, "") << topic;
     }
     Outcome const unknown = runConsole({}, "help me\n");
     EXPECT_EQ(unknown.status, 1);
-    EXPECT_EQ(unknown.err, "there is no help on \"me\"\n");
+    EXPECT_EQ(unknown.err, "line 1: there is no help on \"me\"\n");
     EXPECT_EQ(runConsole({}, "help constants\n").out,
               "  PI            3.141592653589793\n"
               "  E             2.718281828459045\n"
@@ -219,9 +223,9 @@ TEST(PipedSessionTests, LanguageIsToldAndChanged) {
 TEST(PipedSessionTests, UnknownLanguageIsRefused) {
     Outcome const outcome = runConsole({}, "language xx\nlanguage ../de\nlanguage dee\nlanguage\n");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, "there is no language \"xx\"; there are en, de, fr, ja\n"
-                           "there is no language \"../de\"; there are en, de, fr, ja\n"
-                           "there is no language \"dee\"; did you mean de?\n");
+    EXPECT_EQ(outcome.err, "line 1: there is no language \"xx\"; there are en, de, fr, ja\n"
+                           "line 2: there is no language \"../de\"; there are en, de, fr, ja\n"
+                           "line 3: there is no language \"dee\"; did you mean de?\n");
     EXPECT_EQ(outcome.out, "language: en; there are en, de, fr, ja\n");
 }
 
@@ -284,6 +288,69 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
         }
     }
 }
+
+#ifndef _WIN32 // where the terminal completes nothing
+// A directory of its own is the working directory meanwhile.
+class FileNameTests : public testing::Test {
+protected:
+    FileNameTests() : m_before(std::filesystem::current_path()) {
+        Initializer::runAll();
+        std::filesystem::current_path(m_directory.path());
+        for (char const * const name : {"beam.vnd", "bolt.vnd", "two words.vnd", ".hidden.vnd",
+                                        "quote\"d.vnd", "\xC3\xA4.vnd"})
+            std::ofstream(m_directory.path() / name);
+        std::filesystem::create_directory("parts");
+        std::ofstream("parts/nut.vnd");
+    }
+    ~FileNameTests() override { std::filesystem::current_path(m_before); }
+
+    static std::vector<std::wstring> offered(std::wstring const & line) {
+        Completion const completion = completeSessionLine(line);
+        std::vector<std::wstring> texts;
+        for (Completion::Candidate const & each : completion.candidates)
+            texts.push_back(line.substr(0, line.size() - completion.begun) + each.text +
+                            (completion.candidates.size() == 1 ? each.after : L""));
+        return texts;
+    }
+
+    Testing::TemporaryDirectory const m_directory;
+    std::filesystem::path const m_before;
+};
+
+TEST_F(FileNameTests, AreOfferedWhereACommandTakesAFile) {
+    using Texts = std::vector<std::wstring>;
+    EXPECT_EQ(offered(L"open b"), (Texts{L"open beam.vnd", L"open bolt.vnd"}));
+    EXPECT_EQ(offered(L"open be"), Texts{L"open beam.vnd"});
+    EXPECT_EQ(offered(L"  Document.SaveAs  bo"), Texts{L"  Document.SaveAs  bolt.vnd"});
+    EXPECT_EQ(offered(L"check bo"), Texts{L"check bolt.vnd"});
+    EXPECT_EQ(offered(L"open par"), Texts{L"open parts/"});
+    EXPECT_EQ(offered(L"open parts/"), Texts{L"open parts/nut.vnd"});
+    EXPECT_EQ(offered(L"open ./bea"), Texts{L"open ./beam.vnd"});
+    EXPECT_EQ(offered(L"open \u00E4"), Texts{L"open \u00E4.vnd"});
+    EXPECT_EQ(offered(L"open .h"), Texts{L"open .hidden.vnd"});
+    EXPECT_EQ(offered(L"open ").size(), 6u); // the hidden one isn't
+    EXPECT_EQ(offered(L"open nothing"), Texts{});
+    EXPECT_EQ(offered(L"open nowhere/x"), Texts{});
+    EXPECT_EQ(offered(L"open beam.vnd /f"), Texts{}); // another parameter
+}
+
+// A line with the candidate means the file.
+TEST_F(FileNameTests, StandInQuotesWhereTheyHaveTo) {
+    using Texts = std::vector<std::wstring>;
+    EXPECT_EQ(offered(L"open tw"), Texts{L"open \"two words.vnd\""});
+    EXPECT_EQ(offered(L"open \"two w"), Texts{L"open \"two words.vnd\""});
+    EXPECT_EQ(offered(L"open \"be"), Texts{L"open \"beam.vnd\""});
+    EXPECT_EQ(offered(L"open \"beam.vnd\""), Texts{});
+    EXPECT_EQ(offered(L"open \"quote"), Texts{L"open \"quote\\\"d.vnd\""});
+    EXPECT_EQ(offered(L"open \"quote\\\""), Texts{L"open \"quote\\\"d.vnd\""});
+    std::wstring const here = Text::fromUtf8(Testing::utf8(m_directory.path()));
+    EXPECT_EQ(offered(L"open " + here + L"/be"), Texts{L"open \"" + here + L"/beam.vnd\""});
+    ASSERT_EQ(runConsole({"document", "--new", "real one.vnd"}).status, 0);
+    std::string const line = Text::toUtf8(offered(L"open rea").at(0));
+    EXPECT_EQ(runConsole({}, line + "\nquit\n").status, 0) << line;
+}
+
+#endif
 
 TEST(ProgressTests, NothingIsCountedElsewhere) {
     Testing::TemporaryFile const file("{\"text\":\"2\"}\n");

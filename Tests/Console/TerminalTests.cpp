@@ -1,6 +1,7 @@
 // Sessions in a real terminal, as POSIX has it.
 // Not on Windows: a program can't sit at the other end of its terminals
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -156,6 +157,105 @@ TEST_F(InteractiveTests, LineCanBeEdited) {
     session.type("2 ing\x7F\x01"
                  "1\x05 + 0.5 in\r"); // erase, to the beginning, to the end
     EXPECT_TRUE(session.waitFor("12.50 in\r\n")) << session.screen();
+}
+
+// In each form that a terminal may send.
+TEST_F(InteractiveTests, KeysBesideTheLettersMoveTheCursor) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    for (char const * const home : {"\x1B[H", "\x1BOH", "\x1B[1~", "\x1B[7~"}) {
+        session.type(std::string("2 in") + home + "1\r");
+        EXPECT_TRUE(session.waitFor("12.00 in\r\n")) << home << session.screen();
+        ASSERT_TRUE(session.waitForPrompt());
+    }
+    for (char const * const end : {"\x1B[F", "\x1BOF", "\x1B[4~", "\x1B[8~"}) {
+        session.type(std::string("3 i\x01") + end + "n\r");
+        EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << end << session.screen();
+        ASSERT_TRUE(session.waitForPrompt());
+    }
+    for (char const * const left : {"\x1B[1;5D", "\x1B[5D", "\x1BOd", "\x1B[1;3D"}) {
+        session.type(std::string("2 + 3 + 4") + left + left + "5\r");
+        EXPECT_TRUE(session.waitFor("59.00\r\n")) << left << session.screen();
+        ASSERT_TRUE(session.waitForPrompt());
+    }
+    for (char const * const right : {"\x1B[1;5C", "\x1B[5C", "\x1BOc", "\x1B[1;3C"}) {
+        session.type(std::string("2 in + 3 in\x01") + right + "7\r");
+        EXPECT_TRUE(session.waitFor("30.00 in\r\n")) << right << session.screen();
+        ASSERT_TRUE(session.waitForPrompt());
+    }
+    session.type("72 in\x01\x1B[3~\r"); // erases
+    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, PagesGoThroughLinesThatBeginSo) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    for (char const * const line : {"21 in", "34 in", "22 in", "5 in"}) {
+        session.type(std::string(line) + "\r");
+        ASSERT_TRUE(session.waitForPrompt()) << session.screen();
+    }
+    session.type("2\x1B[5~\x1B[5~\r");
+    EXPECT_TRUE(session.waitFor("21.00 in\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("2\x1B[5~\x1B[5~\x1B[6~ + 1 in\r");
+    EXPECT_TRUE(session.waitFor("22.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, KeysWithoutAMeaningTypeNothing) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    for (char const * const key :
+         {"\x1B[2~", "\x1B[15~", "\x1B[24~", "\x1BOP", "\x1BOS", "\x1B[1;2A", "\x1B[1;5B",
+          "\x1B[1;6D", "\x1B[5;5~", "\x1B[Z", "\x1B[24;8~", "\x1B[1;5H"}) {
+        session.type(std::string("2") + key + " in\r");
+        EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << key + 1 << session.screen();
+        ASSERT_TRUE(session.waitForPrompt());
+    }
+}
+
+TEST_F(InteractiveTests, ALineIsDrawnAnewInAWindowOfAnotherSize) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    for (int i = 0; i < 3; ++i) { // each time
+        session.type("1 in + ");
+        ASSERT_TRUE(session.waitFor("1 in + ")) << session.screen();
+        session.resize(30, static_cast<unsigned short>(50 + i));
+        ASSERT_TRUE(session.waitFor("> 1 in + ")) << session.screen();
+        session.type("2 in\r");
+        ASSERT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+        ASSERT_TRUE(session.waitForPrompt());
+    }
+}
+
+TEST_F(InteractiveTests, ALineThatFillsRowsIsDrawnAnewFromItsFirst) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type(std::string(50, '1'));
+    ASSERT_TRUE(session.waitFor(std::string(50, '1'))) << session.screen();
+    session.resize(30, 20);
+    // Two for the prompt and fifty, in rows of twenty.
+    ASSERT_TRUE(session.waitForRaw("\r\x1B[2A\x1B[J"));
+    session.type("\r");
+    EXPECT_TRUE(session.waitFor("1.111E+49")) << session.screen();
+}
+
+TEST_F(InteractiveTests, AStoppedSessionGoesOnWithItsLine) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("1 in + ");
+    ASSERT_TRUE(session.waitFor("1 in + ")) << session.screen();
+    session.signal(SIGSTOP);
+    session.signal(SIGCONT);
+    ASSERT_TRUE(session.waitFor("> 1 in + ")) << session.screen();
+    session.type("2 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, BytesThatAreNotUtf8TypeNothing) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("2\xFF \xC2i\x80n\xE2\x82\r");
+    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
 }
 
 TEST_F(InteractiveTests, CharactersBeyondAsciiAreTyped) {

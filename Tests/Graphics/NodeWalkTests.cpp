@@ -1,6 +1,9 @@
 #include "Platform/Graphics/NodeWalk.h"
 
+#include <cmath>
 #include <map>
+#include <memory>
+#include <numbers>
 #include <random>
 #include <string>
 #include <vector>
@@ -103,6 +106,26 @@ TEST_F(NodeWalkTests, TheEffectOnTheWayIsThatOfTheNode) {
         for (NodeWalk walk(top); walk; walk.next(), ++shown)
             ASSERT_EQ(walk.effect(), walk.node()->effectiveEffect());
     EXPECT_GT(shown, 300);
+}
+
+TEST_F(NodeWalkTests, PlacesMultiplyOnTheWay) {
+    auto const place = [](GroupNode * group, TgMatrix3d const & transform) {
+        group->transform(std::make_unique<TgMatrix3d const>(transform));
+    };
+    place(m_rTop.get(), TgMatrix3d::translation({100, 0, 0}));
+    place(m_pA, TgMatrix3d::rotation(std::numbers::pi / 2, TgVector3d::kZAxis));
+    place(m_pC, TgMatrix3d::translation({1, 0, 0}));
+    std::string places; // where the point (2, 0, 0) of each node is
+    for (NodeWalk walk(m_rTop.get()); walk; walk.next()) {
+        TgPoint3d const point = walk.transform() * TgPoint3d(2, 0, 0);
+        places += m_names.at(walk.node()) + std::to_string(std::lround(point.x)) + ',' +
+                  std::to_string(std::lround(point.y)) + ' ';
+    }
+    EXPECT_EQ(places, "t102,0 a100,2 b100,2 c100,3 d100,3 e102,0 f102,0 ");
+    // A walk from the middle knows what stands above it.
+    NodeWalk const walk(m_pC->firstChild());
+    EXPECT_TRUE((walk.transform() * TgPoint3d(2, 0, 0)).isEqualTo({100, 3, 0}));
+    EXPECT_EQ(NodeWalk(nullptr).transform(), TgMatrix3d::kIdentity);
 }
 
 TEST_F(NodeWalkTests, AWalkGoesAMillionDeep) {

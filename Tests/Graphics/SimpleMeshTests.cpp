@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include <numbers>
+
 #include <gtest/gtest.h>
 
 #include "Tests/Support/Exactly.h"
@@ -113,6 +115,21 @@ TEST(SimpleMeshTests, AGivenBoxIsKeptIfItIsOne) {
         EXPECT_EQ(other->box(), nullptr);
         EXPECT_EQ(exactly(other->bounds()->low), exactly(TgPoint3d(9, 9, 9)));
     }
+}
+
+TEST(SimpleMeshTests, ABoxIsMapped) {
+    BoundingBox const box{{0, 0, 0}, {1, 2, 3}};
+    BoundingBox const turned =
+        box.transformed(TgMatrix3d::translation({10, 0, 0}) *
+                        TgMatrix3d::rotation(std::numbers::pi / 2, TgVector3d::kZAxis));
+    EXPECT_TRUE(turned.low.isEqualTo({8, 0, 0}));
+    EXPECT_TRUE(turned.high.isEqualTo({10, 1, 3}));
+    EXPECT_TRUE(turned.isValid());
+    TgMatrix3d broken;
+    broken.entry(0, 1, c_nan);
+    EXPECT_FALSE(box.transformed(broken).isValid());
+    broken.entry(0, 1, std::numeric_limits<double>::max());
+    EXPECT_FALSE(BoundingBox({{0, 0, 0}, {1, 1e10, 3}}).transformed(broken).isValid());
 }
 
 } // namespace

@@ -4,6 +4,14 @@
 
 try_console "$installed"
 
+# The shells find what completes its calls, which asks it.
+for file in bash-completion/completions/vnconsole zsh/site-functions/_vnconsole; do
+  [ -s "$installed/share/$file" ] || fail "no $file"
+done
+same "what is offered" "$(bash -c ". '$installed/share/bash-completion/completions/vnconsole'
+  COMP_WORDS=(vnconsole ba); COMP_CWORD=1; _vnconsole '$installed/bin/vnconsole'
+  echo \"\${COMPREPLY[*]}\"")" batch
+
 # Where it is installed without the data of an add-in, it says so.
 incomplete=$VN_WORK/incomplete
 fresh "$incomplete"

@@ -35,6 +35,9 @@ if [ -e "$work/run/usr/Server" ]; then fail "/usr/Server in the package"; fi
 for file in AddInMgr/Configuration/Schema/AddinSchema.xsd CommonData/Configuration/VnCommonData10.xml; do
   [ -s "$work/run/usr/share/VnCommonData10/Server/$file" ] || fail "no $file in the package"
 done
+for file in bash-completion/completions/vnconsole zsh/vendor-completions/_vnconsole; do
+  [ -s "$work/run/usr/share/$file" ] || fail "no $file in the package"
+done
 missing=$(ldd "$work"/run/usr/lib/*.so* "$work/run/usr/bin/vnconsole" | grep 'not found' || true)
 [ -z "$missing" ] || fail "$missing"
 

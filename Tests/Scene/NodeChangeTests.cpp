@@ -39,6 +39,30 @@ protected:
     Recorder m_recorder;
 };
 
+TEST_F(NodeChangeTests, AGroupIsPlaced) {
+    TgMatrix3d const shift = TgMatrix3d::translation({1, 2, 3});
+    NodeChange(m_rTop.get(), false).addChild(m_rA.get());
+    m_recorder.m_told.clear();
+    {
+        NodeChange change(m_rA.get(), false);
+        EXPECT_TRUE(change.transform(shift));
+        EXPECT_EQ(m_rA->transform(), nullptr);
+    }
+    ASSERT_NE(m_rA->transform(), nullptr);
+    EXPECT_EQ(*m_rA->transform(), shift);
+    EXPECT_EQ(m_recorder.m_told.size(), 1U);
+    NodeChange(m_rA.get(), false).transform(shift); // as it is already
+    EXPECT_EQ(m_recorder.m_told.size(), 1U);
+    NodeChange(m_rA.get(), false).transform(TgMatrix3d::kIdentity);
+    EXPECT_EQ(m_rA->transform(), nullptr);
+    EXPECT_EQ(m_recorder.m_told.size(), 2U);
+    // Geometry stands where its group is.
+    NodeChange geometry;
+    geometry.createLODGeometryNode(nullptr, true);
+    EXPECT_FALSE(geometry.transform(shift));
+    EXPECT_FALSE(NodeChange().transform(shift));
+}
+
 TEST_F(NodeChangeTests, WhatIsToldIsMadeWhenTheBracketCloses) {
     {
         NodeChange change(m_rTop.get(), false);

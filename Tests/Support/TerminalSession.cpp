@@ -6,6 +6,7 @@
 #include <poll.h>
 #include <pty.h>
 #include <stdexcept>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
@@ -55,6 +56,16 @@ void TerminalSession::type(std::string const & keys) {
         throw std::runtime_error("the terminal takes no keys");
 }
 
+void TerminalSession::resize(unsigned short rows, unsigned short columns) {
+    winsize size{};
+    size.ws_row = rows;
+    size.ws_col = columns;
+    if (::ioctl(m_terminal, TIOCSWINSZ, &size) != 0)
+        throw std::runtime_error("the terminal keeps its size");
+}
+
+void TerminalSession::signal(int number) { ::kill(m_process, number); }
+
 bool TerminalSession::readSome() {
     pollfd polled{m_terminal, POLLIN, 0};
     if (::poll(&polled, 1, c_silence) <= 0) return false;
@@ -74,6 +85,12 @@ bool TerminalSession::waitFor(std::string const & text) {
         }
         if (!readSome()) return false;
     }
+}
+
+bool TerminalSession::waitForRaw(std::string const & text) {
+    while (m_output.find(text) == m_output.npos)
+        if (!readSome()) return false;
+    return true;
 }
 
 bool TerminalSession::waitForLines(bool taken) {

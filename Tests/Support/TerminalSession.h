@@ -21,9 +21,19 @@ public:
     // Presses keys.
     void type(std::string const & keys);
 
+    // Gives the window another size, of which the system tells the console.
+    void resize(unsigned short rows, unsigned short columns);
+
+    // Sends a signal to the console.
+    void signal(int number);
+
     // Waits until `text` appears after what was waited for before.  False if the process ends, or
     // falls silent for long, without it.
     bool waitFor(std::string const & text);
+
+    // The same for what the console wrote from the beginning on, with the sequences that move the
+    // cursor.
+    bool waitForRaw(std::string const & text);
 
     // Waits for the prompt, and until the console takes single keys: what is typed before, the
     // terminal keeps back for a whole line, and Ctrl-C and Ctrl-D have another meaning.

@@ -9,6 +9,7 @@
 #include "Platform/DataModel/Log/EntityAccess.h"
 #include "Platform/DataModel/Log/Lifetimes.h"
 #include "Platform/DataModel/Log/LogEntries.h"
+#include "Platform/DataModel/Log/Losses.h"
 #include "Platform/DataModel/Log/Recorder.h"
 #include "Platform/DataModel/Log/Replay.h"
 #include "Platform/DataModel/Log/Step.h"
@@ -29,7 +30,8 @@ constexpr std::size_t c_reserveBytes = 65536;
 
 ChangeHistory::ChangeHistory(Asset & asset)
     : m_asset(asset), m_pRecorder(std::make_unique<DataModel::Recorder>(asset, *this)),
-      m_pLifetimes(std::make_unique<Lifetimes>(asset, *this, *m_pRecorder)) {}
+      m_pLifetimes(std::make_unique<Lifetimes>(asset, *this, *m_pRecorder)),
+      m_pLosses(std::make_unique<DataModel::Losses>()) {}
 
 ChangeHistory::~ChangeHistory() = default;
 
@@ -218,16 +220,35 @@ std::uint32_t ChangeHistory::nextLogNumber() noexcept {
     return m_lastLog;
 }
 
-void ChangeHistory::changedUnrecorded() noexcept {
+void ChangeHistory::changedUnrecorded(Entity const * entity, bool isMade) noexcept {
     using DataModel::EntityAccess;
     if (m_bReplaying || m_pLifetimes->isDropping() || EntityAccess::isLoading(m_asset) ||
         EntityAccess::isClosing(m_asset) || isInTransaction())
         return;
     if (m_pLifetimes->isKilling()) return markModified(); // of a death that comes after its step
     if (m_telling) markModified();                        // the steps go once all are told
+    bool const isFirst = !m_bClearLater;
+    m_bUnrecorded |=
+        m_pLosses->note(isFirst ? m_undo.size() : 0, isFirst ? m_redo.size() : 0, entity, isMade);
     clear();
     m_baseState = ++m_lastState;
 }
+
+void ChangeHistory::tellLosses() noexcept {
+    if (m_bReplaying || isInTransaction() || m_telling || m_pRecorder->isBracketed() ||
+        m_pLifetimes->isKilling() || m_pLifetimes->isDropping() || !m_asset.refCount())
+        return;
+    StrongRef<Asset> const kept(&m_asset); // the function may let go of it
+    m_bUnrecorded = false;
+    m_pLosses->tell();
+}
+
+void ChangeHistory::onUnrecorded(UnrecordedFunction function) {
+    m_pLosses->function(std::move(function));
+    m_bUnrecorded = false;
+}
+
+UnrecordedChanges ChangeHistory::takeUnrecorded() noexcept { return m_pLosses->take(); }
 
 ChangeLog * ChangeHistory::lateLog() noexcept {
     if (m_undo.empty() && m_redo.empty()) return nullptr;
@@ -404,8 +425,9 @@ Transaction::~Transaction() {
 }
 
 bool Transaction::commit() {
-    bool const isStep = m_pHistory && m_pHistory->commit();
-    m_pHistory = nullptr;
+    if (!m_pHistory) return false;
+    bool const isStep = m_pHistory->commit();
+    std::exchange(m_pHistory, nullptr)->tellUnrecorded(); // of what hooks changed after it
     return isStep;
 }
 

@@ -52,7 +52,7 @@ void Lifetimes::born(Entity & entity) {
     if (log)
         m_recorder.recordBirth(*log, entity);
     else
-        m_history.changedUnrecorded();
+        m_history.changedUnrecorded(&entity, true);
     EntityAccess::markDirty(m_asset, entity);
 }
 

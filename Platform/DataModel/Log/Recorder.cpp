@@ -97,7 +97,9 @@ void Recorder::close(EntityChange & change) {
     record(change);
     Lifetimes & lifetimes = m_history.lifetimes();
     lifetimes.bracketClosed(entity);
-    if (m_brackets == 0) lifetimes.bracketsClosed();
+    if (m_brackets > 0) return;
+    lifetimes.bracketsClosed();
+    m_history.tellUnrecorded(); // last: the document may be gone after it
 }
 
 // What differs since the bracket that records an entity opened.
@@ -113,7 +115,7 @@ void Recorder::record(EntityChange const & change) {
     Record record = log ? continued(entity, *log) : Record();
     std::size_t const begin = log ? log->end() : 0;
     if (m_scratch.size() > change.m_snapshot) keepDifferences(change, log, record);
-    if (!log && isAlive) m_history.changedUnrecorded();
+    if (!log && isAlive) m_history.changedUnrecorded(&entity);
     if (!log) return;
     if (log->end() > begin) {
         if (isSaved(entity)) log->persistent();
@@ -261,7 +263,7 @@ void Recorder::recordBirth(ChangeLog & log, Entity & entity) {
 void Recorder::rootChanging(Segment & segment, std::string const & key, std::size_t place,
                             Entity * old) {
     ChangeLog * const log = m_history.isReplaying() ? m_pInverse : m_pLog;
-    if (!log) return m_history.changedUnrecorded();
+    if (!log) return m_history.changedUnrecorded(nullptr);
     if (!makeRoom(*log, 3 + (key.size() + 7) / 8 + c_recordWords)) throw std::bad_alloc();
     recordRoot(*log, segment, key, place, old);
 }

@@ -43,6 +43,8 @@ public:
     // bracket then.
     void open(EntityChange & change);
     void close(EntityChange & change);
+    // Whether a bracket that records is open on any entity.
+    bool isBracketed() const noexcept { return m_brackets > 0; }
     // The bracket that was opened first on an entity; null if none is open.
     EntityChange * outermost(Entity const & entity) const noexcept;
 

@@ -1,5 +1,9 @@
 #include "Server/CommonData/Expressions/Expression.h"
 
+#include <algorithm>
+#include <limits>
+
+#include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/NodeInternal.h"
 
 namespace Vn::Expressions {
@@ -10,10 +14,53 @@ Expression::Expression(std::wstring text, Units::UnitContext const & context)
     : m_text(std::move(text)), m_context(context),
       m_node(Interface::get()->parse(m_text, m_context, m_result)) {}
 
+Expression::Expression(std::string_view utf8, Units::UnitContext const & context)
+    : m_text(Text::fromUtf8(utf8)), m_context(context), m_brokenByte(Text::brokenUtf8(utf8)) {
+    if (!m_brokenByte) {
+        m_node.reset(Interface::get()->parse(m_text, m_context, m_result));
+        return;
+    }
+    // Whatever the engine makes of U+FFFD, what was meant isn't known.
+    auto const position = static_cast<unsigned int>(std::min<std::size_t>(
+        Text::position16AtUtf8(utf8, *m_brokenByte), std::numeric_limits<unsigned int>::max() - 1));
+    m_result.failedToParse(position);
+    m_result.failure(EParseFailure::unusableCharacter, position, position + 1);
+}
+
+std::size_t Expression::byteAt(std::size_t position) const {
+    return Text::utf8At16(m_text, position);
+}
+
 std::optional<double> Expression::value() const {
     double value = 0.0;
     if (!m_node || !m_node->evaluate(value)) return std::nullopt;
     return value;
+}
+
+std::optional<double> Expression::value(Units::ComplexUnit const & unit) const {
+    std::optional<double> const internal = value();
+    Units::ComplexUnit const * const own = internal ? m_node->units(m_context) : nullptr;
+    if (!own || !unit.isDimensionallyEquivalent(own)) return std::nullopt;
+    return unit.toThisUnit(*internal);
+}
+
+std::optional<double> Expression::value(std::wstring_view unit) const {
+    std::optional<Units::ComplexUnit> const read = Units::UnitContext::parse(unit);
+    return read ? value(*read) : std::nullopt;
+}
+
+std::optional<double> Expression::value(std::string_view utf8Unit) const {
+    std::optional<Units::ComplexUnit> const read = Units::UnitContext::parse(utf8Unit);
+    return read ? value(*read) : std::nullopt;
+}
+
+std::optional<Units::Quantity> Expression::quantity() const {
+    std::optional<double> const internal = value();
+    Units::ComplexUnit const * const own = internal ? m_node->units(m_context) : nullptr;
+    if (!own) return std::nullopt;
+    Units::ComplexUnit const * const expected = m_context.expectedUnits();
+    bool const isExpected = expected && expected->isDimensionallyEquivalent(own);
+    return Units::Quantity::ofInternal(*internal, isExpected ? *expected : *own);
 }
 
 std::optional<Units::ComplexUnit> Expression::units() const {

@@ -3,6 +3,11 @@
 //   Vn::Expressions::Expression length(L"2' 6 3/4\"", Vn::Units::UnitContext(L"cm"));
 //   if (length) use(length.value().value_or(0.0), length.formatted());
 //
+// Text comes in wide or in UTF-8, and a value goes out in any unit:
+//
+//   Vn::Expressions::Expression const width("2 ft + 3 in");
+//   std::optional<double> const metres = width.value("m"); // 0.6858
+//
 // An expression can be moved, not copied, and belongs to one thread at a time.
 
 #ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_EXPRESSION_H
@@ -11,9 +16,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "Server/CommonData/Export.h"
 #include "Server/CommonData/Expressions/Interface.h"
+#include "Server/CommonData/Units/Quantity.h"
 
 namespace Vn::Expressions {
 
@@ -23,6 +30,11 @@ public:
     Expression() = default;
     // Parses `text`.  result() tells how that went.
     explicit Expression(std::wstring text, Units::UnitContext const & context = {});
+    explicit Expression(wchar_t const * text, Units::UnitContext const & context = {})
+        : Expression(std::wstring(text), context) {}
+    // The same for UTF-8.  If that is broken there is no tree: the result fails at the broken
+    // piece, brokenByte() tells its place, and text() has U+FFFD for it.
+    explicit Expression(std::string_view utf8, Units::UnitContext const & context = {});
 
     Expression(Expression &&) noexcept = default;
     Expression & operator=(Expression &&) noexcept = default;
@@ -32,14 +44,27 @@ public:
 
     // How the parse went.
     ParseResult const & result() const { return m_result; }
+    // Where the UTF-8 was broken first, in bytes; nothing if it wasn't.
+    std::optional<std::size_t> brokenByte() const { return m_brokenByte; }
+    // A position of the result, which counts 16-bit characters, as one in the UTF-8 of the text.  A
+    // position after the end counts as the end.
+    std::size_t byteAt(std::size_t position) const;
     // The text as typed, and the context in which it was read.
     std::wstring const & text() const { return m_text; }
     Units::UnitContext const & context() const { return m_context; }
 
     // The value in internal units; none if there is no tree or it doesn't evaluate.
     std::optional<double> value() const;
+    // The value in a unit, offset included: "20 C" is 68 in F.  None if the unit is of another
+    // dimension, or the text isn't a unit, or there is no value.
+    std::optional<double> value(Units::ComplexUnit const & unit) const;
+    std::optional<double> value(std::wstring_view unit) const;
+    std::optional<double> value(std::string_view utf8Unit) const;
     // The units of the value; none if there is no tree.
     std::optional<Units::ComplexUnit> units() const;
+    // The value with its units: the expected ones of the context if it expects any, else units().
+    // None if there is no value.
+    std::optional<Units::Quantity> quantity() const;
 
     // The value for the user, by default with the user's settings and in the context of the text.
     // Empty if there is none, or if `display` expects units of another dimension.
@@ -77,6 +102,7 @@ private:
 
     std::wstring m_text;
     Units::UnitContext m_context;
+    std::optional<std::size_t> m_brokenByte;
     ParseResult m_result;
     std::unique_ptr<Node, Destroy> m_node;
 };

@@ -5,11 +5,11 @@
 
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/CorrectionsInternal.h"
 #include "Server/CommonData/Expressions/FailureTextsInternal.h"
 #include "Server/CommonData/Expressions/FractionHintInternal.h"
 #include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
-#include "Server/CommonData/Expressions/Vocabulary.h"
 #include "Server/CommonData/Limits.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
@@ -121,11 +121,6 @@ public:
             return mismatch();
         }
         return {};
-    }
-
-    std::vector<std::wstring> suggestions() const {
-        if (m_rResult.failure() != EParseFailure::unknownName) return {};
-        return Vocabulary::get().nearest(m_piece);
     }
 
     // Whether the parse stopped right after a fraction, for want of an operator.
@@ -247,6 +242,47 @@ bool isSyntax(EResult result) {
     return result == EResult::failedToParse || result == EResult::abruptTermination;
 }
 
+// Whether another text may be what was meant.
+bool canBeCorrected(EResult result) {
+    return isSyntax(result) || result == EResult::unitsDontEval || result == EResult::unitMismatch;
+}
+
+// "write 5 N m".  Empty for texts that are too long to be read in a line.
+std::wstring writeInstead(std::vector<std::wstring> const & texts) {
+    constexpr std::size_t c_longest = 160;
+    std::size_t length = 0;
+    for (std::wstring const & text : texts) length += text.size();
+    if (texts.empty() || length > c_longest) return {};
+    switch (texts.size()) {
+    case 1:
+        return filled(failureText(EFailureText::HintWrite), {texts[0]});
+    case 2:
+        return filled(failureText(EFailureText::HintWriteTwo), {texts[0], texts[1]});
+    default:
+        return filled(failureText(EFailureText::HintWriteThree), {texts[0], texts[1], texts[2]});
+    }
+}
+
+// What to tell of corrections beside the question.
+std::wstring hintOf(Corrections const & found) {
+    if (!found.missing.empty() && found.nearest.empty())
+        return filled(failureText(EFailureText::HintNoUnit), {found.missing});
+    if (!found.missing.empty())
+        return filled(failureText(EFailureText::HintNearestUnit), {found.missing, found.nearest});
+    if (!found.scaled.empty() && !found.texts.empty())
+        return filled(failureText(EFailureText::HintOtherUnit), {found.scaled, found.texts[0]});
+    return found.guessed ? std::wstring() : writeInstead(found.texts);
+}
+
+void correct(std::wstring const & text, Units::UnitContext const & context,
+             ParseResult const & result, FailureExplanation & failure) {
+    Corrections found = findCorrections(text, context, result);
+    failure.hint = Text::printable(hintOf(found));
+    failure.suggestions = std::move(found.words);
+    failure.question = questionOf(failure.suggestions);
+    failure.corrections = std::move(found.texts);
+}
+
 } // namespace
 
 FailureExplanation explainFailure(std::wstring const & text, Units::UnitContext const & context,
@@ -270,12 +306,15 @@ FailureExplanation explainFailure(std::wstring const & text, Units::UnitContext 
     failure.message = failure.explanation.empty() ? failure.outcome
                                                   : filled(failureText(EFailureText::Message),
                                                            {failure.outcome, failure.explanation});
-    if (!isSyntax(result.result())) return failure;
-    failure.hint = fractionHint(text, context);
-    if (!failure.hint.empty()) return failure;
-    failure.suggestions = explainer.suggestions();
-    failure.question = questionOf(failure.suggestions);
-    if (explainer.isAfterFraction()) failure.hint = failureText(EFailureText::HintLongDivisor);
+    if (isSyntax(result.result())) {
+        std::wstring correction;
+        failure.hint = fractionHint(text, context, correction);
+        if (!correction.empty()) failure.corrections.push_back(correction);
+        if (!failure.hint.empty()) return failure;
+    }
+    if (canBeCorrected(result.result())) correct(text, context, result, failure);
+    if (failure.hint.empty() && isSyntax(result.result()) && explainer.isAfterFraction())
+        failure.hint = failureText(EFailureText::HintLongDivisor);
     return failure;
 }
 

@@ -38,12 +38,17 @@ struct FailureExplanation {
     std::wstring explanation;
     // Both of them in one line.
     std::wstring message;
-    // The known spellings nearest to a name that isn't known, the likeliest first, three at most.
+    // What to write instead of the piece at fault, the likeliest first, three at most: the spelling
+    // that is known for it, or the nearest ones to a name that isn't known.
     std::vector<std::wstring> suggestions;
     // The same as a question: "did you mean mm or Mm?".  Empty if there are none.
     std::wstring question;
-    // What to type instead where a division was read as a fraction.  Empty if there is none.
+    // What to type instead: "write 5 N m".  It says why where a division was read as a fraction,
+    // and where a word isn't a unit here.  Empty if there is nothing to tell, or only the question.
     std::wstring hint;
+    // Whole texts that parse in the same context and have a value, the likeliest first, three at
+    // most.  None if nobody can tell what was meant, and for a text of more than 1,000 characters.
+    std::vector<std::wstring> corrections;
 };
 
 // Explains `result`, which parsing `text` in `context` gave.  If there is a tree, the failure is

@@ -137,11 +137,13 @@ private:
 
 } // namespace
 
-std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context) {
+std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context,
+                          std::wstring & correction) {
     Rewriter rewriter(text);
     rewriter.run();
     if (rewriter.piece().empty()) return {};
     if (!Expression(rewriter.result(), context)) return {};
+    correction = rewriter.result();
     bool const isShort = rewriter.result().size() <= c_longestHint;
     std::wstring const typed = Text::printable(isShort ? rewriter.result() : rewriter.piece());
     if (rewriter.fraction().empty())

@@ -17,8 +17,9 @@ inline bool isFraction(Token const & token) {
 
 // For a text that doesn't parse: what to do about a fraction in it that something stands right
 // after, with the text to type instead where that parses.  In the user's language; empty if there
-// is none.
-std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context);
+// is none.  `correction` gets that text; it is left alone if there is none.
+std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context,
+                          std::wstring & correction);
 
 } // namespace Vn::Expressions
 

@@ -22,13 +22,49 @@ namespace {
 
 constexpr std::size_t c_suggestions = 3;
 
-// "mm2" for "mm^2".
-std::wstring asPower(std::wstring_view name) {
-    std::size_t end = name.size();
-    while (end > 0 && Text::isDigit(static_cast<char32_t>(name[end - 1]))) --end;
-    if (end == 0 || end == name.size() || name.size() - end > 2) return {};
-    if (!Vocabulary::isKnown(name.substr(0, end))) return {};
-    return std::wstring(name.substr(0, end)) + L'^' + std::wstring(name.substr(end));
+// One letter may be meant for anything.
+constexpr std::size_t c_shortestName = 2;
+// The shortest name that can be mistyped and still be recognised, and the shortest that can be the
+// beginning of another.
+constexpr std::size_t c_shortestMistyped = 4;
+constexpr std::size_t c_shortestFunction = 3;
+constexpr std::size_t c_shortestBeginning = 4;
+
+bool isPossible(Vocabulary::EKind kind, Vocabulary::EPlace place) {
+    bool const isUnit = kind == Vocabulary::EKind::Unit || kind == Vocabulary::EKind::PrefixedUnit;
+    switch (place) {
+    case Vocabulary::EPlace::Any:
+        return kind != Vocabulary::EKind::Function;
+    case Vocabulary::EPlace::Unit:
+        return isUnit;
+    case Vocabulary::EPlace::Function:
+        return kind == Vocabulary::EKind::Function;
+    }
+    return false;
+}
+
+// Whether the first letters are alike: people seldom mistype the first, and then swap two.
+bool beginAlike(std::wstring_view a, std::wstring_view b) {
+    if (Text::foldedEqual(a.substr(0, 1), b.substr(0, 1))) return true;
+    return a.size() > 1 && b.size() > 1 && Text::foldedEqual(a.substr(0, 1), b.substr(1, 1)) &&
+           Text::foldedEqual(a.substr(1, 1), b.substr(0, 1));
+}
+
+// How many mistakes `name` may have if it was meant to be `word`.  A prefix that is right says
+// nothing of the rest.
+std::size_t allowedFor(std::wstring_view name, Vocabulary::Word const & word) {
+    std::size_t const shortest =
+        word.kind == Vocabulary::EKind::Function ? c_shortestFunction : c_shortestMistyped;
+    if (name.size() < shortest || word.text.size() < shortest + word.prefix ||
+        !beginAlike(name, word.text))
+        return 0;
+    std::size_t const length = std::min(name.size(), word.text.size() - word.prefix);
+    return Spelling::allowedMistakes(std::max(length, c_shortestMistyped));
+}
+
+bool hasDigit(std::wstring_view name) {
+    return std::any_of(name.begin(), name.end(),
+                       [](wchar_t c) { return Text::isDigit(static_cast<char32_t>(c)); });
 }
 
 } // namespace
@@ -67,15 +103,15 @@ void Vocabulary::addUnits() {
             bool const isLong =
                 token < e_DECA_RESERVED ? (token - e_EXA) % 2 == 0 : (token - e_DECI) % 2 == 0;
             add(text + (isLong ? name : abbreviation), EKind::PrefixedUnit,
-                tokens.getMagnitudeValue(prefix));
+                tokens.getMagnitudeValue(prefix), text.size());
         }
     }
 }
 
-void Vocabulary::add(std::wstring const & text, EKind kind, double magnitude) {
+void Vocabulary::add(std::wstring const & text, EKind kind, double magnitude, std::size_t prefix) {
     // A unit may have a spelling that no text can hold as one word.
     if (text.empty() || Tokens::get()->invalidNameCharsInStr(text, true)) return;
-    m_words.push_back({text, kind, magnitude});
+    m_words.push_back({text, kind, magnitude, prefix});
     m_longest = std::max(m_longest, text.size());
 }
 
@@ -91,29 +127,53 @@ bool Vocabulary::isKnown(std::wstring_view name) {
     return Units::findUnitInAnyCase(name) != nullptr;
 }
 
-std::vector<std::wstring> Vocabulary::nearest(std::wstring_view name) const {
-    std::size_t const allowed = Spelling::allowedMistakes(name.size());
-    if (name.size() > m_longest + allowed) return {};
-    if (std::wstring const power = asPower(name); !power.empty()) return {power};
+std::vector<Vocabulary::Word const *> Vocabulary::completions(std::wstring_view name,
+                                                              EPlace place) const {
+    std::vector<Word const *> found;
+    if (name.size() < c_shortestBeginning) return found;
+    for (Word const & word : m_words)
+        if (word.kind != EKind::PrefixedUnit && word.text.size() > name.size() &&
+            isPossible(word.kind, place) &&
+            Text::foldedEqual(std::wstring_view(word.text).substr(0, name.size()), name))
+            found.push_back(&word);
+    return found;
+}
 
-    std::vector<Word const *> found = Spelling::nearest(name, m_words, allowed, &Word::text);
-    if (found.empty() && name.size() >= 2) {
-        // "lb" for "lbmass" and "lbforce".
-        for (Word const & word : m_words)
-            if (word.kind != EKind::PrefixedUnit && word.text.size() > name.size() &&
-                Text::foldedEqual(std::wstring_view(word.text).substr(0, name.size()), name))
-                found.push_back(&word);
+std::vector<std::wstring> Vocabulary::nearest(std::wstring_view name, EPlace place) const {
+    if (name.size() < c_shortestName || hasDigit(name) ||
+        name.size() > m_longest + Spelling::allowedMistakes(name.size()))
+        return {};
+    std::vector<Word const *> found;
+    std::size_t least = name.size();
+    for (Word const & word : m_words) {
+        if (!isPossible(word.kind, place)) continue;
+        std::size_t const allowed = std::min(least, allowedFor(name, word));
+        auto const [shorter, longer] = std::minmax({name.size(), word.text.size()});
+        if (longer - shorter > allowed) continue;
+        if (allowed == 0) {
+            if (!Text::foldedEqual(name, word.text)) continue;
+            if (least > 0) found.clear();
+            least = 0;
+            found.push_back(&word);
+            continue;
+        }
+        std::size_t const count = Spelling::mistakes(name, word.text);
+        if (count > allowed) continue;
+        if (count < least) found.clear();
+        least = count;
+        found.push_back(&word);
     }
+    if (found.empty()) found = completions(name, place);
     // Of words that are equally near, one with a common prefix is likelier to be meant.
     std::stable_sort(found.begin(), found.end(), [](Word const * a, Word const * b) {
         return std::fabs(std::log10(a->magnitude)) < std::fabs(std::log10(b->magnitude));
     });
     std::vector<std::wstring> texts;
-    for (Word const * const word : found) {
-        if (texts.size() == c_suggestions) break;
+    for (Word const * const word : found)
         if (std::find(texts.begin(), texts.end(), word->text) == texts.end())
             texts.push_back(word->text);
-    }
+    // Among many that are equally near, one is no better than another.
+    if (texts.size() > c_suggestions) texts.clear();
     return texts;
 }
 

@@ -1,5 +1,10 @@
 #include "Server/CommonData/Units/UnitContext.h"
 
+#include <cmath>
+
+#include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/Tokenizer.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
 #include "Server/CommonData/Units/UnitSystem.h"
 #include "Server/CommonData/Units/UnitSystemChoice.h"
@@ -17,6 +22,36 @@ void apply(StrongRef<UnitSystem> const & system, What const & what, ComplexUnit 
         units = choice->units();
     else if (system->make(what, made))
         units = made;
+}
+
+// Whether a text consists of names, "*" and "/" between them, brackets, and numbers as powers.
+bool looksLikeUnits(std::wstring_view text) {
+    using namespace Expressions;
+    TokenList tokens;
+    TokenStream stream(text, tokens);
+    TokenKind before = TK_START;
+    for (Token * token = stream.after(tokens.first()); token; token = stream.after(token)) {
+        stream.discardBefore(token);
+        switch (token->kind) {
+        case TK_NUMBER:
+            if (before != TK_POWER) return false;
+            break;
+        case TK_MULTIPLY:
+            if (before == TK_START) return false;
+            break;
+        case TK_NAME:
+        case TK_DIVIDE:
+        case TK_POWER:
+        case TK_LEFT_PAREN:
+        case TK_RIGHT_PAREN:
+        case TK_END:
+            break;
+        default:
+            return false;
+        }
+        before = token->kind;
+    }
+    return before == TK_END;
 }
 
 } // namespace
@@ -58,6 +93,30 @@ UnitContext::UnitContext(ComplexUnit const * units)
 UnitContext::UnitContext(std::wstring const & text)
     : m_bHasExpectedUnits(UnitSystemChoice::parse(text, m_expectedUnits)) {
     complete();
+}
+
+UnitContext::UnitContext(std::string_view utf8) {
+    std::wstring text;
+    m_bHasExpectedUnits =
+        Text::fromUtf8(utf8, text) && UnitSystemChoice::parse(text, m_expectedUnits);
+    complete();
+}
+
+std::optional<ComplexUnit> UnitContext::parse(std::wstring_view text) {
+    if (!looksLikeUnits(text)) return std::nullopt;
+    Expressions::Expression const one(L"1 " + std::wstring(text));
+    std::optional<double> const value = one.value();
+    std::optional<ComplexUnit> units = value ? one.units() : std::nullopt;
+    if (!units) return std::nullopt;
+    // A constant among the names shows in the value of one of it.
+    double const expected = units->toInternal(1.0);
+    if (!(std::fabs(*value - expected) <= 1e-9 * std::fabs(expected))) return std::nullopt;
+    return units;
+}
+
+std::optional<ComplexUnit> UnitContext::parse(std::string_view utf8) {
+    std::wstring text;
+    return Text::fromUtf8(utf8, text) ? parse(text) : std::nullopt;
 }
 
 UnitContext::UnitContext(StrongRef<UnitSystem> const & system) : m_rActiveUnitSystem(system) {}

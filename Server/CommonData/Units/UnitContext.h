@@ -7,7 +7,9 @@
 #ifndef VN_SERVER_COMMONDATA_UNITS_UNITCONTEXT_H
 #define VN_SERVER_COMMONDATA_UNITS_UNITCONTEXT_H
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "Platform/Base/RefCounted.h"
 #include "Server/CommonData/Export.h"
@@ -33,6 +35,9 @@ public:
     // Expects what the text, such as "m / (s s)", parses to; nothing if it doesn't parse.  An empty
     // text expects a unitless result.
     explicit UnitContext(std::wstring const & text);
+    explicit UnitContext(wchar_t const * text) : UnitContext(std::wstring(text)) {}
+    // The same for UTF-8; broken UTF-8 doesn't parse.
+    explicit UnitContext(std::string_view utf8);
     // Expects nothing by itself; what a text leaves open is asked of `system`, which may be empty.
     explicit UnitContext(StrongRef<UnitSystem> const & system);
 
@@ -54,6 +59,13 @@ public:
                 ComplexUnit const * units);
     UnitContext(StrongRef<UnitSystem> const & system, std::string const & id,
                 std::wstring const & text);
+
+    // The unit that a text is, such as "kg m / s^2" or "/ s"; none if it isn't one.  An empty text
+    // is the empty unit.  Stricter than the constructors, which take the units of any expression
+    // after a "1": "cm * 2" and "m + 3 m" are no units here, and neither are the marks of feet and
+    // inches, which belong to a number.
+    static std::optional<ComplexUnit> parse(std::wstring_view text);
+    static std::optional<ComplexUnit> parse(std::string_view utf8);
 
     // Whether a unit, or a unitless result, is expected.
     bool hasExpectedUnits() const { return m_bHasExpectedUnits; }

@@ -176,6 +176,78 @@ TEST(ExpressionTests, StoredTextReadsBackWithItsUnits) {
     }
 }
 
+TEST(ExpressionTests, TakesUtf8) {
+    Expression const angle("45\xC2\xB0", UnitContext("deg"));
+    ASSERT_TRUE(angle);
+    EXPECT_EQ(angle.text(), L"45\u00B0");
+    EXPECT_EQ(*angle.value("deg"), 45.0);
+    EXPECT_FALSE(angle.brokenByte());
+    EXPECT_EQ(Expression(std::string("2 in")).value(), Expression(L"2 in").value());
+    EXPECT_EQ(Expression("").result().result(), EResult::expressionIsEmpty);
+}
+
+TEST(ExpressionTests, TellsPositionsInBytes) {
+    std::string const text = "45\xC2\xB0 + \xF0\x9F\x93\x8F + x"; // two words that aren't known
+    Expression const expression(text);
+    ASSERT_FALSE(expression);
+    EXPECT_EQ(expression.result().failureStart(), 6U);
+    EXPECT_EQ(expression.byteAt(expression.result().failureStart()), 7U);
+    EXPECT_EQ(expression.byteAt(8), 11U); // after a character of two 16-bit ones and four bytes
+    EXPECT_EQ(expression.byteAt(1000), text.size());
+    EXPECT_EQ(Expression().byteAt(3), 0U);
+}
+
+TEST(ExpressionTests, BrokenUtf8IsRefusedAtTheByte) {
+    struct Row {
+        char const * text;
+        std::size_t byte;
+        unsigned int position;
+    };
+    Row const rows[] = {
+        {"\xFF", 0, 0},
+        {"2 cm\xC2", 4, 4},
+        {"45\xC2\xB0 \xE2\x82 + 1", 5, 4},
+        {"\xF0\x9F\x93\x8F\xED\xA0\x80", 4, 2},
+        {"\xC0\x80 2 cm \xFF", 0, 0},
+    };
+    for (Row const & row : rows) {
+        Expression const expression(row.text);
+        EXPECT_FALSE(expression);
+        EXPECT_EQ(expression.brokenByte(), row.byte);
+        EXPECT_EQ(expression.result().result(), EResult::failedToParse);
+        EXPECT_EQ(expression.result().failure(), EParseFailure::unusableCharacter);
+        EXPECT_EQ(expression.result().position(), row.position);
+        EXPECT_EQ(expression.byteAt(row.position), row.byte);
+    }
+    std::string large(10'000'000, '1');
+    large += '\xFF';
+    EXPECT_EQ(Expression(large).brokenByte(), 10'000'000U);
+}
+
+TEST(ExpressionTests, GivesItsValueInAUnit) {
+    Expression const width("2 ft + 3 in");
+    EXPECT_DOUBLE_EQ(*width.value("m"), 0.6858);
+    EXPECT_DOUBLE_EQ(*width.value(L"in"), 27.0);
+    EXPECT_DOUBLE_EQ(*width.value(*Units::UnitContext::parse("ft")), 2.25);
+    EXPECT_FALSE(width.value("kg"));
+    EXPECT_FALSE(width.value("metre"));
+    EXPECT_FALSE(width.value(""));
+    EXPECT_DOUBLE_EQ(*Expression("20 C").value("F"), 68.0);
+    EXPECT_EQ(*Expression("6 * 7").value(""), 42.0);
+    EXPECT_FALSE(Expression("1 cm / 0").value("m"));
+    EXPECT_FALSE(Expression("2 in +").value("m"));
+}
+
+TEST(ExpressionTests, GivesItsQuantity) {
+    EXPECT_EQ(Expression("2 ft + 3 in").quantity()->unitText(), "ft");
+    EXPECT_DOUBLE_EQ(Expression("2 ft + 3 in").quantity()->value(), 2.25);
+    EXPECT_DOUBLE_EQ(Expression("2 ft", UnitContext("m")).quantity()->value(), 0.6096);
+    EXPECT_EQ(Expression("5", UnitContext("m")).quantity()->toString(), "5 m");
+    EXPECT_EQ(Expression("5").quantity()->toString(), "5");
+    EXPECT_FALSE(Expression("1 / 0").quantity());
+    EXPECT_FALSE(Expression("cm + kg").quantity());
+}
+
 } // namespace
 
 } // namespace Vn::Expressions

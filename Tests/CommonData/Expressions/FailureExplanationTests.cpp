@@ -236,6 +236,9 @@ TEST(FailureExplanationTests, UnknownNamesGetTheNearestSpelling) {
         {L"2 lb", {L"lbmass", L"lbforce"}, L"did you mean lbmass or lbforce?"},
         {L"2 qqqq", {}, L""},
         {L"2 cm 3", {}, L""},
+        {L"2 EUR", {}, L""},
+        {L"5 G", {}, L""},
+        {L"coz(2)", {L"cos"}, L"did you mean cos?"},
     };
     for (Near const & row : rows) {
         FailureExplanation const failure = explainFailure(Expression(row.text));
@@ -255,6 +258,47 @@ TEST(FailureExplanationTests, SuggestionsAreWordsOfTheVocabulary) {
             EXPECT_TRUE(words.contains(near)) << shown(near);
     }
     EXPECT_TRUE(Vocabulary::get().nearest(std::wstring(1000000, L'm')).empty());
+}
+
+TEST(FailureExplanationTests, KnownSpellingsGetAWholeTextToWrite) {
+    struct Hint {
+        wchar_t const * text;
+        wchar_t const * context;
+        wchar_t const * hint;
+        std::vector<std::wstring> corrections;
+    };
+    Hint const rows[] = {
+        {L"5 Nm", L"?", L"write 5 N m", {L"5 N m"}},
+        {L"2 lb", L"?", L"write 2 lbmass or 2 lbforce", {L"2 lbmass", L"2 lbforce"}},
+        // What is expected decides.
+        {L"2 lb", L"N", L"write 2 lbforce", {L"2 lbforce"}},
+        {L"1,500 feet", L"?", L"write 1500 ft or 1,500 ft", {L"1500 ft", L"1,500 ft"}},
+        {L"5 kgf", L"?", L"\"kgf\" isn't a unit here; write 5 * 9.80665 N", {L"5 * 9.80665 N"}},
+        {L"20 EUR", L"?", L"\"EUR\" isn't a unit here; the nearest is $", {}},
+        {L"3 px", L"?", L"\"px\" isn't a unit here", {}},
+        // A guess is a question.
+        {L"2 metr", L"?", L"", {L"2 meter"}},
+        {L"7/2.2",
+         L"?",
+         L"\"7/2\" was read as a fraction; put the divisor in brackets: 7/(2.2)",
+         {L"7/(2.2)"}},
+        {L"5 m", L"kg", L"", {}},
+    };
+    for (Hint const & row : rows) {
+        FailureExplanation const failure =
+            explainFailure(Expression(row.text, contextOf(row.context)));
+        EXPECT_EQ(shown(failure.hint), shown(row.hint)) << shown(row.text);
+        EXPECT_EQ(failure.corrections, row.corrections) << shown(row.text);
+    }
+}
+
+TEST(FailureExplanationTests, LongTextsHaveNoCorrections) {
+    std::wstring const text = L"1" + repeated(L" + 1", 240) + L" + 5 Nm";
+    FailureExplanation const failure = explainFailure(Expression(text, contextOf(L"N m")));
+    EXPECT_EQ(failure.corrections.size(), 1U);
+    EXPECT_EQ(failure.hint, L""); // it would fill the screen
+    std::wstring const longer = text + repeated(L" + 1", 20);
+    EXPECT_TRUE(explainFailure(Expression(longer, contextOf(L"N m"))).corrections.empty());
 }
 
 TEST(FailureExplanationTests, FractionsGetAHint) {
@@ -394,6 +438,16 @@ TEST(FailureExplanationTests, AReasonGoesWhenTheResultIsUsedAgain) {
         result.failure(Reason::unknownName, 1, 2);
         (result.*set)();
         EXPECT_EQ(result.failure(), Reason::none);
+    }
+}
+
+// Whatever is looked at is passed, so that every look ends.
+TEST(FailureExplanationTests, SignsInOddOrderAreLookedAtOnce) {
+    for (wchar_t const * const text :
+         {L"4,\u00B2", L".\u00B2", L",\u00B9,\u00B2,\u00B3", L"(PI) + 4,\u00B29.25 \u00B0 * 9.2",
+          L"\u00BD.\u00B2", L"'.\u00B2\"", L"\u00B2,\u00B2 2 cm,"}) {
+        FailureExplanation const failure = explainFailure(Expression(text));
+        EXPECT_LE(failure.corrections.size(), 3U) << Text::toUtf8(text);
     }
 }
 

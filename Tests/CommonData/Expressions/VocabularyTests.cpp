@@ -43,6 +43,27 @@ TEST(VocabularyTests, WhatCannotBeTypedIsNotSuggested) {
     }
 }
 
+TEST(VocabularyTests, WhatCannotStandAtAPlaceIsNotSuggested) {
+    using EPlace = Vocabulary::EPlace;
+    Vocabulary const & vocabulary = Vocabulary::get();
+    using Words = std::vector<std::wstring>;
+    EXPECT_EQ(vocabulary.nearest(L"Gravitty", EPlace::Any), Words{L"Gravity"});
+    EXPECT_EQ(vocabulary.nearest(L"Gravitty", EPlace::Unit), Words{});
+    EXPECT_EQ(vocabulary.nearest(L"squrt", EPlace::Function), Words{L"sqrt"});
+    EXPECT_EQ(vocabulary.nearest(L"squrt", EPlace::Any), Words{});
+    EXPECT_EQ(vocabulary.nearest(L"metr", EPlace::Unit), Words{L"meter"});
+    EXPECT_EQ(vocabulary.nearest(L"metr", EPlace::Function), Words{});
+}
+
+TEST(VocabularyTests, AShortNameMustBeRightButForItsCase) {
+    using Words = std::vector<std::wstring>;
+    Vocabulary const & vocabulary = Vocabulary::get();
+    EXPECT_EQ(vocabulary.nearest(L"KG"), Words{L"kg"});
+    EXPECT_EQ(vocabulary.nearest(L"MM"), (Words{L"mm", L"Mm"}));
+    for (wchar_t const * const name : {L"", L"G", L"EUR", L"Nx", L"kWh", L"foo", L"km2"})
+        EXPECT_EQ(vocabulary.nearest(name), Words{}) << Text::toUtf8(name);
+}
+
 TEST(VocabularyTests, LongNamesAreNearNothing) {
     EXPECT_TRUE(Vocabulary::get().nearest(std::wstring(10000000, L'm')).empty());
 }

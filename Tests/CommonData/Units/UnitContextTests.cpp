@@ -190,6 +190,48 @@ TEST(UnitContextTests, EmptyUnitExpectsAUnitlessResult) {
     EXPECT_TRUE(Expression(L"2 cm", UnitContext()));
 }
 
+TEST(UnitContextTests, ATextIsAUnitOrIsNone) {
+    struct Row {
+        wchar_t const * text;
+        wchar_t const * units;
+    };
+    Row const rows[] = {
+        {L"cm", L"cm"},
+        {L"kg m / s^2", L"kg m / s s"},
+        {L"m / (s s)", L"m / s s"},
+        {L"N * m", L"N m"},
+        {L"m * C", L"m C"},
+        {L"/ s", L" / s"},
+        {L" C ", L"C"},
+        {L"W / (m K)", L"W / m K"},
+        {L"kilometer", L"km"},
+        {L"\u00B0", L"deg"},
+    };
+    for (Row const & row : rows) {
+        std::optional<ComplexUnit> const unit = UnitContext::parse(row.text);
+        ASSERT_TRUE(unit) << testing::PrintToString(row.text);
+        EXPECT_EQ(abbreviations(*unit), row.units) << testing::PrintToString(row.text);
+        EXPECT_TRUE(UnitContext::parse(Text::toUtf8(row.text)));
+    }
+    EXPECT_TRUE(UnitContext::parse("")->isEmpty());
+    for (wchar_t const * const text :
+         {L"2 cm",   L"cm * 2", L"m + 3 m", L"m - m",    L"5",   L"PI",     L"m PI",
+          L"m * PI", L"cos(0)", L"cm^0.5",  L"cm^",      L"m /", L"m / (s", L")",
+          L"()",     L"* m",    L"CM",      L"nonsense", L"%",   L"m = m",  L"m;",
+          L"m 3",    L"1 / s",  L"\"",      L"'"})
+        EXPECT_FALSE(UnitContext::parse(text)) << testing::PrintToString(text);
+    EXPECT_FALSE(UnitContext::parse("\xC2"));
+    EXPECT_FALSE(UnitContext::parse(std::wstring(10'000'000, L'm')));
+    EXPECT_FALSE(UnitContext::parse(std::string(1'000'000, '(')));
+}
+
+TEST(UnitContextTests, ATextMayBeUtf8) {
+    EXPECT_EQ(abbreviations(*UnitContext("\xC2\xB0").expectedUnits()), L"deg");
+    EXPECT_EQ(abbreviations(*UnitContext(L"m / s").expectedUnits()), L"m / s");
+    EXPECT_FALSE(UnitContext("\xB0").hasExpectedUnits());
+    EXPECT_FALSE(UnitContext("nonsense").hasExpectedUnits());
+}
+
 } // namespace
 
 } // namespace Vn::Units

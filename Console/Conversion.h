@@ -1,0 +1,49 @@
+// A conversion around an expression: "100 mm to in", "100 mm -> in", "100 mm as ?".
+//
+// The language knows nothing of it.  A text that the language reads as a whole is an expression,
+// whatever words are in it: "5 mm as in" is a product with attoseconds.  Any other text may be an
+// expression, one of "to", "as", "->" and "\u2192", and then a unit of the same dimension, or "?"
+// for all of them.  The words stand between blanks.  If several places could divide the text, the
+// longest expression counts.  Without an expression the last value is converted: "-> in".
+//
+// "ans" stands for the last value, unless the language reads the text with it.
+
+#ifndef VN_CONSOLE_CONVERSION_H
+#define VN_CONSOLE_CONVERSION_H
+
+#include <optional>
+#include <string>
+
+#include "Console/LastValue.h"
+#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Units/UnitContext.h"
+
+namespace Vn::Console {
+
+// Why a text that is meant as a conversion, or names the last value, can't be read.
+struct Refusal {
+    std::wstring message;
+    std::wstring question;    // "did you mean mm?"; empty without suggestions
+    std::wstring text;        // what was read
+    std::size_t position = 0; // of the place in it, in 16-bit characters
+};
+
+// What a text asks for.
+struct Request {
+    Expressions::Expression expression; // which may have failed; without a text if it is refused
+    std::optional<Units::UnitContext> target; // the unit to show it in
+    bool wantsEquivalents = false;            // the value in all units of its dimension
+    std::optional<Refusal> refusal;
+};
+
+// Reads a text.  Bare numbers in it are read as `context` has it.
+Request readRequest(std::wstring const & text, Units::UnitContext const & context,
+                    LastValue const & last);
+
+// The lines that tell of a refusal: the message, the text with a mark under the place, and what to
+// type instead.
+std::string refusalLines(Refusal const & refusal);
+
+} // namespace Vn::Console
+
+#endif

@@ -1,0 +1,27 @@
+// The keys of a POSIX terminal, and what happens to it while one is awaited.
+
+#ifndef VN_CONSOLE_TERMINAL_KEYS_H
+#define VN_CONSOLE_TERMINAL_KEYS_H
+
+#include <cstddef>
+#include <functional>
+
+namespace Vn::Console {
+
+// What is told while a key is awaited, outside of any signal.
+struct TerminalEvents {
+    std::function<void()> resized;   // the window has another size
+    std::function<void()> continued; // the process was stopped, and goes on
+};
+
+// Waits for a key of the standard input, which is a terminal, and reads its character from UTF-8.
+// What isn't UTF-8 is passed over.  1 if there is one, 0 at the end of the input, -1 with errno for
+// an error or an interruption by another signal.  One thread reads at a time.
+int readKey(TerminalEvents const & events, wchar_t & key);
+
+// The columns of the terminal that the standard output is; 80 if it doesn't tell.
+std::size_t terminalColumns();
+
+} // namespace Vn::Console
+
+#endif

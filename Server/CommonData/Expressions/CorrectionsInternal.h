@@ -1,0 +1,35 @@
+// What to type instead of a text that is refused.
+
+#ifndef VN_SERVER_COMMONDATA_EXPRESSIONS_CORRECTIONSINTERNAL_H
+#define VN_SERVER_COMMONDATA_EXPRESSIONS_CORRECTIONSINTERNAL_H
+
+#include <string>
+#include <vector>
+
+#include "Server/CommonData/Expressions/ParseResult.h"
+#include "Server/CommonData/Units/UnitContext.h"
+
+namespace Vn::Expressions {
+
+struct Corrections {
+    // Whole texts that parse and have a value, the likeliest first.
+    std::vector<std::wstring> texts;
+    // What to write instead of the piece at fault alone; none where that isn't all there is to do.
+    std::vector<std::wstring> words;
+    // Whether a word was guessed by its spelling, rather than known.
+    bool guessed = false;
+    // A word that isn't a unit here, and the nearest unit; empty for none.
+    std::wstring missing;
+    std::wstring nearest;
+    // The same for a word that a correction writes as so much of another unit.
+    std::wstring scaled;
+};
+
+// Finds the corrections of `text`, which parsing in `context` refused with `result`.  A long text
+// has none.
+Corrections findCorrections(std::wstring const & text, Units::UnitContext const & context,
+                            ParseResult const & result);
+
+} // namespace Vn::Expressions
+
+#endif
