@@ -113,7 +113,7 @@ public:
             if (isSpace(peek())) {
                 m_bBlank = true;
                 ++m_at;
-            } else if (isDigit(peek()) || (isSeparator(peek()) && isDigit(peek(1)))) {
+            } else if (isDigit(peek()) || (isSeparator(peek()) && isPlainDigit(m_at + 1))) {
                 m_text[m_at].raised ? raisedNumber() : number();
             } else if (m_text[m_at].raised) {
                 raisedNumber();
