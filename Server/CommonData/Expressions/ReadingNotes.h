@@ -42,6 +42,7 @@ enum class EReading : unsigned char {
 
 // A note on one reading.
 struct ReadingNote {
+    // What was read.
     EReading reading;
     // Where the piece begins and ends in the text, in 16-bit characters from 0.
     std::size_t start;
