@@ -99,10 +99,14 @@ Database & FileName::makeSaving() {
                                         "until the document is saved");
         if (!made) fail(made.code(), made.cause());
         m_bMade = true;
-        m_database.open(m_saving);
-        if (m_database.take() && !m_database.hasMoved() && m_hold.take(m_saving)) {
-            m_database.beginEmpty();
-            return m_database;
+        try {
+            m_database.open(m_saving);
+            if (m_database.take() && !m_database.hasMoved() && m_hold.take(m_saving)) {
+                m_database.beginEmpty();
+                return m_database;
+            }
+        } catch (FileFailure const & failure) {
+            if (failure.status.code() != StatusNotFound) throw;
         }
         // Another program took it for the remains of a crash before it was taken here.
         m_bMade = false;
