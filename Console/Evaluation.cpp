@@ -13,6 +13,7 @@
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/ReadingNotes.h"
 #include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
 namespace Vn::Console {
@@ -87,6 +88,14 @@ void showEquivalents(Expression const & expression, UnitDisplaySettings const & 
     out << table.toUtf8(indent);
 }
 
+// What was read otherwise than it may be meant.
+void tellNotes(Expression const & expression, std::ostream & out, std::ostream & err) {
+    std::wstring lines;
+    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression))
+        lines += message(L"note: %1%", note.text) + L'\n';
+    if (!lines.empty()) tell(Text::toUtf8(lines), out, err);
+}
+
 } // namespace
 
 Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & settings,
@@ -140,6 +149,7 @@ bool showEvaluation(Request const & request, UnitDisplaySettings const & setting
         table.add({L"", message(L"(the rebuilt text would not read back to the same value)")});
     }
     out << table.toUtf8();
+    tellNotes(expression, out, err);
     if (e.error.empty()) return true;
     tell("vnconsole: " + Text::toUtf8(e.error) + '\n', out, err);
     return false;
@@ -168,6 +178,7 @@ bool showBriefly(Request const & request, UnitDisplaySettings const & settings,
                            printable(textToStore(e, expression)))
             << '\n';
     }
+    tellNotes(expression, out, err);
     return true;
 }
 

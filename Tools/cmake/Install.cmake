@@ -9,6 +9,7 @@
 #   include/VnCommonData10/                 the public headers, in the folders of their includes
 #   lib/cmake/VnCommonData10/               for find_package
 #   lib/pkgconfig/VnCommonData10.pc         for pkg-config
+#   share/doc/vncommondata10/               documents and licences (by Documents.cmake)
 #
 # On Windows the libraries stand beside the program in bin/, with those of the compiler.
 

@@ -161,6 +161,7 @@ private:
         } else {
             m_pieces[i].raised = false;
             end = endOfOperand(i + 1);
+            if (end > m_pieces.size()) return false; // nothing follows
         }
         std::size_t const base = beginOfOperand(i - 1);
         Piece const & operand = m_pieces[i - 1];

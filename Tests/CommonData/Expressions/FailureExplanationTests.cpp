@@ -384,11 +384,13 @@ unsigned long numberOr(char const * variable, unsigned long otherwise) {
 // A row of pieces, which are more often words of the language than not.
 std::wstring randomText(std::mt19937 & random) {
     static wchar_t const * const s_pieces[] = {
-        L"1",  L"2.5", L"7/2", L"3 1/4", L"2' 6\"",  L"1E",         L"4E3", L"0.5",    L"cm",
-        L"kg", L"deg", L"min", L"PI",    L"Gravity", L"cos",        L"max", L"random", L"pow",
-        L"+",  L"-",   L"*",   L"/",     L"%",       L"^",          L"(",   L")",      L"(",
-        L")",  L";",   L"=",   L" ",     L" ",       L"  ",         L"CM",  L"x",      L"&",
-        L".",  L"\"",  L"'",   L"#",     L"\u65E5",  L"\U0001F4CF", L"\t"};
+        L"1",      L"2.5", L"7/2", L"3 1/4",  L"2' 6\"",     L"1E",      L"4E3",   L"0.5",
+        L"cm",     L"kg",  L"deg", L"min",    L"PI",         L"Gravity", L"cos",   L"max",
+        L"random", L"pow", L"+",   L"-",      L"*",          L"/",       L"%",     L"^",
+        L"(",      L")",   L"(",   L")",      L";",          L"=",       L" ",     L" ",
+        L"  ",     L"CM",  L"x",   L"&",      L"\u00B2",     L"\u00D7",  L"feet",  L"Nm",
+        L"lb",     L"h",   L"pi",  L"\u00BD", L"kgf",        L"+5",      L"1,500", L".",
+        L"\"",     L"'",   L"#",   L"\u65E5", L"\U0001F4CF", L"\t"};
     std::uniform_int_distribution<std::size_t> piece(0, std::size(s_pieces) - 1);
     std::uniform_int_distribution<int> length(0, 12);
     std::wstring text;
@@ -420,6 +422,9 @@ TEST(FailureExplanationTests, EveryFailureHasAReasonInsideTheText) {
             FailureExplanation const failure = explainFailure(expression);
             ASSERT_FALSE(failure.explanation.empty()) << shown(text);
             ASSERT_EQ(failure.message, result.toString() + L": " + failure.explanation);
+            for (std::wstring const & correction : failure.corrections)
+                ASSERT_TRUE(Expression(correction, contextOf(context)).value())
+                    << shown(text) << ' ' << shown(correction);
         }
     }
     EXPECT_GE(seen.size(), 20U);
