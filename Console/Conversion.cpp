@@ -4,6 +4,7 @@
 
 #include "Console/Evaluation.h"
 #include "Console/Failure.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Excerpt.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
@@ -117,26 +118,28 @@ private:
         }
         std::wstring const word = m_text.substr(place.begin, place.end - place.begin);
         if (target.empty())
-            return refused(L"a unit, or \"?\" for all of them, is missing after " + inQuotes(word),
-                           m_text.size());
+            return refused(
+                message(L"a unit, or \"?\" for all of them, is missing after %1%", inQuotes(word)),
+                m_text.size());
         request.target = unitContext(target);
         if (request.target) return request;
         if (place.begin != places.back().begin)
-            return refused(L"a value is converted once, and to one unit", places.back().begin);
+            return refused(message(L"a value is converted once, and to one unit"),
+                           places.back().begin);
         Request answer =
-            refused(inQuotes(target) + L" isn't a unit", m_text.find(target, place.end));
+            refused(message(L"%1% isn't a unit", inQuotes(target)), m_text.find(target, place.end));
         answer.refusal->question = unitQuestion(target);
         return answer;
     }
 
     Request noLastValue(std::size_t index) const {
-        return refused(L"there is no last value yet", index);
+        return refused(message(L"there is no last value yet"), index);
     }
 
-    Request refused(std::wstring const & message, std::size_t index) const {
+    Request refused(std::wstring const & why, std::size_t index) const {
         Request request;
-        request.refusal = Refusal{
-            message, {}, m_text, Text::length16(std::wstring_view(m_text).substr(0, index))};
+        request.refusal =
+            Refusal{why, {}, m_text, Text::length16(std::wstring_view(m_text).substr(0, index))};
         return request;
     }
 

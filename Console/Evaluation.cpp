@@ -8,6 +8,7 @@
 #include "Console/Conversion.h"
 #include "Console/Equivalents.h"
 #include "Console/Failure.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
@@ -49,11 +50,12 @@ void rebuild(Expression const & expression, UnitDisplaySettings const & settings
     e.stored = e.readsBack ? e.rebuilt : expression.text();
 }
 
-std::wstring orNone(std::wstring const & units) { return units.empty() ? L"none" : units; }
+std::wstring orNone(std::wstring const & units) { return units.empty() ? message(L"none") : units; }
 
 // "2.54 cm".
-std::wstring internalText(Evaluation const & e) {
-    return shortestNumber(*e.value) + (e.internalUnits.empty() ? L"" : L" ") + e.internalUnits;
+std::wstring internalText(Evaluation const & e, UnitDisplaySettings const & settings) {
+    return shownNumber(*e.value, settings) + (e.internalUnits.empty() ? L"" : L" ") +
+           e.internalUnits;
 }
 
 // Both streams may go to one terminal, where they must not overtake one another.
@@ -90,7 +92,7 @@ void showEquivalents(Expression const & expression, UnitDisplaySettings const & 
 void tellNotes(Expression const & expression, std::ostream & out, std::ostream & err) {
     std::wstring lines;
     for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression))
-        lines += L"note: " + note.text + L'\n';
+        lines += message(L"note: %1%", note.text) + L'\n';
     if (!lines.empty()) tell(Text::toUtf8(lines), out, err);
 }
 
@@ -113,8 +115,8 @@ std::wstring whyNotShown(ComplexUnit const & units, UnitDisplaySettings const & 
                          UnitContext const & display) {
     ComplexUnit const * const shown = display.expectedUnits();
     if (!shown || shown->isDimensionallyEquivalent(&units)) return {};
-    return L"the value is " + describeUnits(units, settings) + L" and can't be shown " +
-           describeUnits(*shown, settings);
+    return message(L"the value is %1% and can't be shown %2%", describeUnits(units, settings),
+                   describeUnits(*shown, settings));
 }
 
 std::wstring whyNotShown(Expression const & expression, UnitDisplaySettings const & settings,
@@ -138,13 +140,13 @@ bool showEvaluation(Request const & request, UnitDisplaySettings const & setting
         return true;
     }
     Table table;
-    if (!e.formatted.empty()) table.add({L"formatted", e.formatted});
-    if (e.value) table.add({L"internal", internalText(e)});
-    table.add({L"units", orNone(e.units)});
-    table.add({L"rebuilt", e.rebuilt});
+    if (!e.formatted.empty()) table.add({message(L"formatted"), e.formatted});
+    if (e.value) table.add({message(L"internal"), internalText(e, settings)});
+    table.add({message(L"units"), orNone(e.units)});
+    table.add({message(L"rebuilt"), e.rebuilt});
     if (!e.readsBack) {
-        table.add({L"store", printable(textToStore(e, expression))});
-        table.add({L"", L"(the rebuilt text would not read back to the same value)"});
+        table.add({message(L"store"), printable(textToStore(e, expression))});
+        table.add({L"", message(L"(the rebuilt text would not read back to the same value)")});
     }
     out << table.toUtf8();
     tellNotes(expression, out, err);
@@ -167,11 +169,14 @@ bool showBriefly(Request const & request, UnitDisplaySettings const & settings,
         showEquivalents(expression, settings, "  ", out);
         return true;
     }
-    out << Text::toUtf8(e.formatted + L"\n  internal " + internalText(e) + L", units " +
-                        orNone(e.units) + L", rebuilt " + e.rebuilt + L'\n');
+    out << Text::toUtf8(e.formatted) << '\n'
+        << messageUtf8(L"  internal %1%, units %2%, rebuilt %3%", internalText(e, settings),
+                       orNone(e.units), e.rebuilt)
+        << '\n';
     if (!e.readsBack) {
-        out << "  the rebuilt text would not read back to the same value; store "
-            << Text::toUtf8(printable(textToStore(e, expression))) << '\n';
+        out << messageUtf8(L"  the rebuilt text would not read back to the same value; store %1%",
+                           printable(textToStore(e, expression)))
+            << '\n';
     }
     tellNotes(expression, out, err);
     return true;
@@ -183,7 +188,7 @@ bool readUnitContext(std::wstring const & text, std::string const & what, UnitCo
         context = *std::move(read);
         return true;
     }
-    err << what << ": " << Text::toUtf8(inQuotes(text)) << " isn't a unit\n";
+    err << what << ": " << messageUtf8(L"%1% isn't a unit", inQuotes(text)) << '\n';
     err << Text::toUtf8(unitQuestion(text)) << std::flush;
     return false;
 }

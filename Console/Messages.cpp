@@ -8,4 +8,8 @@ std::wstring message(wchar_t const * english) {
     return StringTable::getLocalizedString("VnConsole", {}, english);
 }
 
+std::wstring messageIn(char const * context, wchar_t const * english) {
+    return StringTable::getLocalizedString("VnConsole", context, english);
+}
+
 } // namespace Vn::Console

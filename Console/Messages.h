@@ -2,7 +2,8 @@
 //
 // A message is named by its English text, in which %1% to %9% are the places of values.  Its
 // translations stand in Translations/Console; `Tools/translations.sh` collects the English texts
-// from the sources, where it knows them by the literals that `tr` and `message` are given.
+// from the sources, where it knows them by the literals that `tr`, `message` and `messageUtf8` are
+// given.
 
 #ifndef VN_CONSOLE_MESSAGES_H
 #define VN_CONSOLE_MESSAGES_H
@@ -22,6 +23,10 @@ constexpr wchar_t const * tr(wchar_t const * english) noexcept { return english;
 
 // The text in the user's language, or as it is if there is no translation.
 std::wstring message(wchar_t const * english);
+
+// The same where one English text has several meanings: `context`, in ASCII, tells which one this
+// is.
+std::wstring messageIn(char const * context, wchar_t const * english);
 
 // What goes into a place of a message: a text as it is, or a whole number in digits.
 class MessageValue {
@@ -47,6 +52,12 @@ template <class... Values>
 requires(sizeof...(Values) > 0) std::wstring
     message(wchar_t const * english, Values const &... values) {
     return Text::filled(message(english), {MessageValue(values).text()...});
+}
+
+// The same in UTF-8, for streams.
+template <class... Values>
+std::string messageUtf8(wchar_t const * english, Values const &... values) {
+    return Text::toUtf8(message(english, values...));
 }
 
 // One of two messages that `tr` marks, for the number 1 and for others.  The number is the first

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Platform/Base/PathInfo.h"
@@ -55,12 +56,11 @@ private:
     int reset(std::wstring const & name);
     int path();
 
-    int bad(std::wstring const & message) {
+    int bad(std::wstring const & why) {
         m_rOut.flush();
-        m_rErr << "vnconsole: " << Text::toUtf8(message) << '\n';
-        return ExitBadInput;
+        return told(why, m_rErr);
     }
-    int failed(Status const & status) { return bad(printable(Text::fromUtf8(status.toString()))); }
+    int failed(Status const & status) { return bad(printable(statusText(status))); }
     int badUsage();
 
     // The option by its id or the name of its field, in any case; null, which is told, for none.
@@ -79,10 +79,11 @@ private:
 };
 
 int OptionsCommand::badUsage() {
-    m_rErr << "vnconsole: the preferences are shown and changed by\n";
+    told(message(L"the preferences are shown and changed by"), m_rErr);
     Table table;
     for (OptionsJob const & job : optionsJobs())
-        table.add({std::wstring(L"options ") + job.name + L' ' + job.arguments, job.meaning});
+        table.add(
+            {std::wstring(L"options ") + job.name + L' ' + job.arguments, message(job.meaning)});
     m_rErr << table.toUtf8("  ");
     return ExitBadUsage;
 }
@@ -111,9 +112,10 @@ OptionBase * OptionsCommand::find(std::wstring const & name) {
     auto const nearest =
         Spelling::nearest(name, names, Spelling::allowedMistakes(name.size()),
                           [](auto const & each) -> std::wstring const & { return each.first; });
-    bad(L"there is no preference " + inQuotes(name) +
-        (nearest.empty() ? L"; \"options list\" lists them"
-                         : L"; did you mean " + nearest.front()->first + L"?"));
+    bad(nearest.empty()
+            ? message(L"there is no preference %1%; \"options list\" lists them", inQuotes(name))
+            : message(L"there is no preference %1%; did you mean %2%?", inQuotes(name),
+                      nearest.front()->first));
     return nullptr;
 }
 
@@ -150,7 +152,7 @@ void OptionsCommand::show(std::vector<OptionBase const *> const & options) {
             table.add({option->nonDefault() ? L"*" : L" ", nameOf(*option), option->toString(),
                        choiceText(*option).empty()
                            ? option->userName()
-                           : option->userName() + L": " + choiceText(*option)});
+                           : message(L"%1%: %2%", option->userName(), choiceText(*option))});
     }
     if (!m_bJson) m_rOut << table.toUtf8();
 }
@@ -164,7 +166,7 @@ int OptionsCommand::list(std::wstring const & pattern) {
             break;
         }
     }
-    if (found.empty()) return bad(L"no preference matches " + inQuotes(pattern));
+    if (found.empty()) return bad(message(L"no preference matches %1%", inQuotes(pattern)));
     show(found);
     return ExitGood;
 }
@@ -227,16 +229,17 @@ std::optional<std::wstring> meantValue(OptionBase const & option, std::wstring c
 
 // What an option takes, in words.
 std::wstring wantedText(OptionBase const & option) {
-    if (option.valueType() == OptionBase::DataTypeBool) return L"ON or OFF";
-    if (option.valueType() != OptionBase::DataTypeInt) return L"a number";
+    if (option.valueType() == OptionBase::DataTypeBool) return message(L"ON or OFF");
+    if (option.valueType() != OptionBase::DataTypeInt) return message(L"a number");
     Field const * const field = Units::findUnitDisplaySettingsField(Group::fieldName(option));
-    return L"a whole number from " + shortestNumber(field->low) + L" to " +
-           shortestNumber(field->high);
+    return message(L"a whole number from %1% to %2%", shortestNumber(field->low),
+                   shortestNumber(field->high));
 }
 
 int OptionsCommand::notAValue(OptionBase const & option, std::wstring const & text) {
-    bad(nameOf(option) + L" takes " + wantedText(option) + L", not " + inQuotes(text) +
-        (option.choices().empty() ? L"" : L"; the choices are"));
+    bad(message(option.choices().empty() ? tr(L"%1% takes %2%, not %3%")
+                                         : tr(L"%1% takes %2%, not %3%; the choices are"),
+                nameOf(option), wantedText(option), inQuotes(text)));
     Table table;
     for (OptionBase::Choice const & choice : option.choices())
         table.add({choice.value, choice.text});
@@ -294,7 +297,8 @@ int OptionsCommand::path() {
     };
     std::vector<std::wstring> others;
     std::wstring const own = m_rGroup.onPersistFile(others);
-    if (own.empty()) return bad(L"the system has no place for preferences; --options names one");
+    if (own.empty())
+        return bad(message(L"the system has no place for preferences; --options names one"));
     if (m_bJson) {
         Json object;
         object["path"] = native(own);
@@ -310,11 +314,11 @@ int OptionsCommand::path() {
 
 std::vector<OptionsJob> const & optionsJobs() {
     static std::vector<OptionsJob> const s_jobs = {
-        {L"list", L"[PATTERN]", L"lists them; * marks what isn't the default"},
-        {L"get", L"ID", L"shows one"},
-        {L"set", L"ID VALUE", L"changes one, and saves it"},
-        {L"reset", L"[ID]", L"takes one or all back to the defaults, and saves that"},
-        {L"path", L"", L"the file that they are saved in"},
+        {L"list", L"[PATTERN]", tr(L"lists them; * marks what isn't the default")},
+        {L"get", L"ID", tr(L"shows one")},
+        {L"set", L"ID VALUE", tr(L"changes one, and saves it")},
+        {L"reset", L"[ID]", tr(L"takes one or all back to the defaults, and saves that")},
+        {L"path", L"", tr(L"the file that they are saved in")},
     };
     return s_jobs;
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Spelling.h"
 #include "Platform/Base/Text.h"
@@ -18,22 +19,22 @@ using Units::ESettingsField;
 namespace {
 
 constexpr std::pair<std::string_view, wchar_t const *> c_meanings[] = {
-    {"generalUnit", L"length unit of new documents: 0 mm, 1 cm, 2 m, 3 in, 4 ft"},
-    {"generalPrecision", L"decimals of a value"},
-    {"angularPrecision", L"decimals of a value in degrees"},
-    {"scientificPrecision", L"decimals before an exponent"},
-    {"lengthDisplay", L"0 decimal, 1 fractional, 2 feet and inches"},
-    {"degreeDisplay", L"0 decimal, 1 minutes and seconds"},
-    {"compressUnits", L"m^3 rather than m m m"},
-    {"scientificNotation", L"exponents for big and small values"},
-    {"decimalPointIsFullStop", L"1.5 rather than 1,5"},
-    {"displayAbbreviated", L"cm rather than centimeter"},
-    {"displaySymbol", L"the symbol of a unit that has one"},
-    {"specifiedByNode", L"the format comes from a number as it was typed"},
-    {"hideTrailingZeroes", L"4.02 rather than 4.020"},
-    {"minimumPrecision", L"decimals kept when zeroes are hidden"},
-    {"useScientificNotationAboveThreshold", L"greater values get an exponent"},
-    {"useScientificNotationBelowThreshold", L"smaller values get an exponent"},
+    {"generalUnit", tr(L"length unit of new documents: 0 mm, 1 cm, 2 m, 3 in, 4 ft")},
+    {"generalPrecision", tr(L"decimals of a value")},
+    {"angularPrecision", tr(L"decimals of a value in degrees")},
+    {"scientificPrecision", tr(L"decimals before an exponent")},
+    {"lengthDisplay", tr(L"0 decimal, 1 fractional, 2 feet and inches")},
+    {"degreeDisplay", tr(L"0 decimal, 1 minutes and seconds")},
+    {"compressUnits", tr(L"m^3 rather than m m m")},
+    {"scientificNotation", tr(L"exponents for big and small values")},
+    {"decimalPointIsFullStop", tr(L"1.5 rather than 1,5")},
+    {"displayAbbreviated", tr(L"cm rather than centimeter")},
+    {"displaySymbol", tr(L"the symbol of a unit that has one")},
+    {"specifiedByNode", tr(L"the format comes from a number as it was typed")},
+    {"hideTrailingZeroes", tr(L"4.02 rather than 4.020")},
+    {"minimumPrecision", tr(L"decimals kept when zeroes are hidden")},
+    {"useScientificNotationAboveThreshold", tr(L"greater values get an exponent")},
+    {"useScientificNotationBelowThreshold", tr(L"smaller values get an exponent")},
 };
 
 // NaN for what can't be read.
@@ -57,15 +58,14 @@ std::wstring settingMeaning(Units::UnitDisplaySettingsField const & field) {
     auto const found =
         std::find_if(std::begin(c_meanings), std::end(c_meanings),
                      [&](auto const & meaning) { return meaning.first == field.name; });
-    return found == std::end(c_meanings) ? std::wstring() : found->second;
+    return found == std::end(c_meanings) ? std::wstring() : message(found->second);
 }
 
-std::string setSetting(Units::UnitDisplaySettingsField const & field,
-                       Units::UnitDisplaySettings & settings, double value) {
+std::wstring setSetting(Units::UnitDisplaySettingsField const & field,
+                        Units::UnitDisplaySettings & settings, double value) {
     if (Units::setUnitDisplaySettingsField(field, settings, value)) return {};
-    return std::string(field.name) + " takes a whole number from " +
-           std::to_string(static_cast<int>(field.low)) + " to " +
-           std::to_string(static_cast<int>(field.high));
+    return message(L"%1% takes a whole number from %2% to %3%", Text::widen(field.name),
+                   static_cast<int>(field.low), static_cast<int>(field.high));
 }
 
 Field const * findSetting(std::wstring const & name) {
@@ -74,22 +74,22 @@ Field const * findSetting(std::wstring const & name) {
     return nullptr;
 }
 
-std::wstring noSuchSetting(std::wstring const & name, std::wstring const & otherwise) {
+std::wstring noSuchSetting(std::wstring const & name, wchar_t const * otherwise) {
     auto const nameOf = [](Field const & field) { return Text::widen(field.name); };
     auto const nearest = Spelling::nearest(name, Units::unitDisplaySettingsFields(),
                                            Spelling::allowedMistakes(name.size()), nameOf);
-    return L"there is no setting " + inQuotes(name) +
-           (nearest.empty() ? otherwise : L"; did you mean " + nameOf(*nearest.front()) + L"?");
+    if (nearest.empty()) return message(otherwise, inQuotes(name));
+    return message(L"there is no setting %1%; did you mean %2%?", inQuotes(name),
+                   nameOf(*nearest.front()));
 }
 
 std::wstring readSetting(Field const & field, std::wstring const & text,
                          Units::UnitDisplaySettings & settings) {
     double const value = readValue(field, text);
-    if (!std::isnan(value)) return Text::widen(setSetting(field, settings, value));
-    return Text::widen(field.name) +
-           (field.kind == ESettingsField::Flag ? L" is true or false, not "
-                                               : L" is a number, not ") +
-           inQuotes(text);
+    if (!std::isnan(value)) return setSetting(field, settings, value);
+    return message(field.kind == ESettingsField::Flag ? tr(L"%1% is true or false, not %2%")
+                                                      : tr(L"%1% is a number, not %2%"),
+                   Text::widen(field.name), inQuotes(text));
 }
 
 std::wstring settingValue(Field const & field, Units::UnitDisplaySettings const & settings) {

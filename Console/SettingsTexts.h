@@ -13,14 +13,15 @@ namespace Vn::Console {
 std::wstring settingMeaning(Units::UnitDisplaySettingsField const & field);
 
 // Sets a field.  Returns an empty text, or what is wrong with a value that isn't NaN.
-std::string setSetting(Units::UnitDisplaySettingsField const & field,
-                       Units::UnitDisplaySettings & settings, double value);
+std::wstring setSetting(Units::UnitDisplaySettingsField const & field,
+                        Units::UnitDisplaySettings & settings, double value);
 
 // The field by its name in any case; null if there is none.
 Units::UnitDisplaySettingsField const * findSetting(std::wstring const & name);
 
-// What to tell of a name that no field has: the nearest one, or else `otherwise`.
-std::wstring noSuchSetting(std::wstring const & name, std::wstring const & otherwise);
+// What to tell of a name that no field has: the nearest one, or else `otherwise`, which is a
+// message with a place for the name.
+std::wstring noSuchSetting(std::wstring const & name, wchar_t const * otherwise);
 
 // Sets a field to a value as it is typed: a number, or a word such as "true", "off" or "yes".
 // Returns an empty text, or what is wrong with it.

@@ -1,7 +1,11 @@
 #include "Console/UnitTexts.h"
 
+#include <algorithm>
+
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
 #include "Server/CommonData/Units/UnitLookup.h"
 
 namespace Vn::Console {
@@ -29,13 +33,26 @@ std::wstring internalUnitText(ComplexUnit const & units, UnitDisplaySettings con
 
 std::wstring namedUnits(ComplexUnit const & units, UnitDisplaySettings const & settings) {
     std::wstring const text = clipped(unitText(units, settings));
-    if (text.empty()) return L"no unit";
+    if (text.empty()) return message(L"no unit");
     SimpleUnit const * const kind = Units::findEquivalentUnit(units);
-    return kind ? text + L" (" + kind->simpleUnitTypeName() + L')' : text;
+    return kind ? message(L"%1% (%2%)", text, kind->simpleUnitTypeName()) : text;
 }
 
 std::wstring describeUnits(ComplexUnit const & units, UnitDisplaySettings const & settings) {
-    return units.isUnitless() ? L"without units" : L"in " + namedUnits(units, settings);
+    return units.isUnitless() ? message(L"without units")
+                              : message(L"in %1%", namedUnits(units, settings));
+}
+
+std::wstring shownNumber(double value, UnitDisplaySettings const & settings) {
+    std::wstring text = shortestNumber(value);
+    if (!settings.isDecimalPointFullStop()) std::replace(text.begin(), text.end(), L'.', L',');
+    return text;
+}
+
+std::wstring shownNumber(double value) { return shownNumber(value, UnitDisplaySettings::get()); }
+
+wchar_t const * listSeparator() {
+    return UnitDisplaySettings::get().isDecimalPointFullStop() ? L", " : L"; ";
 }
 
 } // namespace Vn::Console

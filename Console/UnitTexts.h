@@ -33,6 +33,14 @@ std::wstring namedUnits(Units::ComplexUnit const & units,
 std::wstring describeUnits(Units::ComplexUnit const & units,
                            Units::UnitDisplaySettings const & settings);
 
+// A number for people: the fewest digits that read back to it, with the decimal mark of the
+// settings; without these, of the settings that all values are shown by.
+std::wstring shownNumber(double value, Units::UnitDisplaySettings const & settings);
+std::wstring shownNumber(double value);
+
+// What stands between such numbers: a comma, or a semicolon where decimals stand after a comma.
+wchar_t const * listSeparator();
+
 } // namespace Vn::Console
 
 #endif

@@ -5,6 +5,7 @@
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Host/Program.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Terminal.h"
 #include "Platform/Base/OS.h"
 
@@ -28,6 +29,9 @@ int main(int argc, char * argv[]) {
     if (output.error() == 0) return status;
     // Nobody reads any more: there is nobody to tell.
     if (output.error() != EPIPE)
-        std::cerr << "vnconsole: can't write the output: " << std::strerror(output.error()) << '\n';
+        std::cerr << "vnconsole: "
+                  << messageUtf8(L"can't write the output: %1%",
+                                 Vn::Text::fromUtf8(std::strerror(output.error())))
+                  << '\n';
     return ExitBadInput;
 }

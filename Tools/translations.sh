@@ -16,7 +16,8 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 # What Console/Messages.h and the operations that build on it take.
-keywords=(--keyword --keyword=tr:1 --keyword=message:1 --keyword=cannot:1)
+keywords=(--keyword --keyword=tr:1 --keyword=message:1 --keyword=messageUtf8:1
+  --keyword=messageIn:1c,2 --keyword=cannot:1)
 
 collect() {
   cat <<'HEADER'
@@ -33,7 +34,7 @@ HEADER
   find Console \( -name '*.cpp' -o -name '*.h' \) ! -path Console/Messages.h | sort >"$work/sources"
   while read -r source; do
     mkdir -p "$work/$(dirname "$source")"
-    sed 's/\bL"/"/g' "$source" >"$work/$source"
+    sed -E 's/\bL(R?")/\1/g' "$source" >"$work/$source"
   done <"$work/sources"
   xgettext --language=C++ --from-code=UTF-8 --directory="$work" --files-from="$work/sources" \
     --omit-header --no-wrap --add-location=file --add-comments=Translators: "${keywords[@]}" \

@@ -12,6 +12,7 @@
 
 #include "Console/Answer.h"
 #include "Console/Evaluation.h"
+#include "Console/Messages.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
@@ -88,7 +89,8 @@ private:
     bool isInId() const { return m_depth > 1 ? m_member == "id" : m_depth == 1 && id.empty(); }
 
     void keep(json const & value) {
-        if (m_depth == 0 && !value.is_object()) throw LineError("a line must be an object");
+        if (m_depth == 0 && !value.is_object())
+            throw LineError(messageUtf8(L"a line must be an object"));
         if (m_depth == 1) members[m_member] = value;
         if (m_depth == 2 && m_member == "settings") settings[m_setting] = value;
     }
@@ -128,11 +130,10 @@ private:
 
 using Members = LineHandler::Members;
 
-std::string inQuotesUtf8(std::wstring const & text) { return Text::toUtf8(inQuotes(text)); }
-
 std::wstring textOf(Members const & members, char const * key) {
     json const & value = members.at(key);
-    if (!value.is_string()) throw LineError(std::string("\"") + key + "\" must be a text");
+    if (!value.is_string())
+        throw LineError(messageUtf8(L"\"%1%\" must be a text", Text::widen(key)));
     return Text::fromUtf8(value.get_ref<std::string const &>());
 }
 
@@ -140,7 +141,8 @@ UnitContext contextOf(std::wstring const & text, char const * key) {
     if (text == L"?") return UnitContext();
     std::optional<UnitContext> context = unitContext(text);
     if (!context)
-        throw LineError(std::string("\"") + key + "\": " + inQuotesUtf8(text) + " isn't a unit");
+        throw LineError(
+            messageUtf8(L"\"%1%\": %2% isn't a unit", Text::widen(key), inQuotes(text)));
     return *std::move(context);
 }
 
@@ -148,24 +150,29 @@ UnitDisplaySettings settingsOf(LineHandler const & line) {
     UnitDisplaySettings settings = UnitDisplaySettings::standard();
     auto const given = line.members.find("settings");
     if (given == line.members.end() || given->second.is_null()) return settings;
-    if (!given->second.is_object()) throw LineError("\"settings\" must be an object");
+    if (!given->second.is_object())
+        throw LineError(messageUtf8(L"\"%1%\" must be an object", L"settings"));
     for (auto const & [name, value] : line.settings) {
         Units::UnitDisplaySettingsField const * const field =
             Units::findUnitDisplaySettingsField(name);
-        if (!field) throw LineError("\"settings\" has no " + inQuotesUtf8(Text::fromUtf8(name)));
+        if (!field)
+            throw LineError(
+                messageUtf8(L"\"settings\" has no %1%", inQuotes(Text::fromUtf8(name))));
         bool const flag = field->kind == Units::ESettingsField::Flag;
         if (flag ? !value.is_boolean() : !value.is_number())
-            throw LineError("\"" + name + "\" must be " + (flag ? "true or false" : "a number"));
-        std::string const wrong = setSetting(
+            throw LineError(messageUtf8(flag ? tr(L"\"%1%\" must be true or false")
+                                             : tr(L"\"%1%\" must be a number"),
+                                        Text::fromUtf8(name)));
+        std::wstring const wrong = setSetting(
             *field, settings, flag ? (value.get<bool>() ? 1.0 : 0.0) : value.get<double>());
-        if (!wrong.empty()) throw LineError(wrong);
+        if (!wrong.empty()) throw LineError(Text::toUtf8(wrong));
     }
     return settings;
 }
 
 std::string answerTo(LineHandler const & line, bool withTokens) {
     Members const & members = line.members;
-    if (!members.contains("text")) throw LineError("there is no \"text\"");
+    if (!members.contains("text")) throw LineError(messageUtf8(L"there is no \"%1%\"", L"text"));
     std::wstring const text = textOf(members, "text");
     UnitContext const context =
         contextOf(members.contains("context") ? textOf(members, "context") : L"?", "context");
@@ -192,7 +199,7 @@ BatchAnswer errorAnswer(std::string const & id, std::size_t number, std::string_
 }
 
 BatchAnswer outOfMemory(std::string const & id, std::size_t number) {
-    constexpr std::string_view c_what = "memory ran out";
+    constexpr std::string_view c_what = "memory ran out"; // there is none for a translation
     try {
         return errorAnswer(id, number, c_what);
     } catch (std::bad_alloc const &) {

@@ -8,6 +8,7 @@
 
 #include "Console/CommandLine/Batch.h"
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 
@@ -15,12 +16,11 @@ namespace Vn::Console {
 
 namespace {
 
-int cannotRead(std::string const & name, char const * reason, std::ostream & err) {
-    err << "vnconsole: can't read " << name << ": " << reason << '\n';
-    return ExitBadInput;
+int cannotRead(std::wstring const & name, char const * reason, std::ostream & err) {
+    return told(message(L"can't read %1%: %2%", name, Text::fromUtf8(reason)), err);
 }
 
-int statusOf(BatchOutcome const & outcome, std::string const & name, std::ostream & err) {
+int statusOf(BatchOutcome const & outcome, std::wstring const & name, std::ostream & err) {
     if (outcome.inputFailed) return cannotRead(name, std::strerror(EIO), err);
     return outcome.outputFailed || outcome.badLines > 0 ? ExitBadInput : ExitGood;
 }
@@ -32,8 +32,8 @@ int runBatchCommand(std::string const & path, bool withTokens, bool progress, st
     BatchOptions options;
     options.withTokens = withTokens;
     if (path.empty() || path == "-")
-        return statusOf(runBatch(in, out, options), "the standard input", err);
-    std::string const name = Text::toUtf8(printable(Text::fromUtf8(path)));
+        return statusOf(runBatch(in, out, options), message(L"the standard input"), err);
+    std::wstring const name = printable(Text::fromUtf8(path));
     std::filesystem::path const file(std::u8string(path.begin(), path.end()));
     std::error_code ignored;
     if (std::filesystem::is_directory(file, ignored))
@@ -47,10 +47,10 @@ int runBatchCommand(std::string const & path, bool withTokens, bool progress, st
     options.progress = [&](std::size_t count) {
         lines = count;
         // The cursor goes back, so that what comes next takes the place of the line.
-        err << count << " lines\r" << std::flush;
+        err << messageUtf8(L"%1% lines", count) << '\r' << std::flush;
     };
     BatchOutcome const outcome = runBatch(stream, out, options);
-    err << lines << " lines\n";
+    err << messageUtf8(L"%1% lines", lines) << '\n';
     return statusOf(outcome, name, err);
 }
 

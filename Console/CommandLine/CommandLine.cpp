@@ -9,7 +9,9 @@
 #include "Console/CommandLine/BatchCommand.h"
 #include "Console/CommandLine/EvalCommand.h"
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/CommandLine/HelpTexts.h"
 #include "Console/CommandLine/MassCommand.h"
+#include "Console/CommandLine/ParserTexts.h"
 #include "Console/CommandLine/SceneCommand.h"
 #include "Console/CommandLine/SelfTestCommand.h"
 #include "Console/CommandLine/ShellCompletion.h"
@@ -19,11 +21,11 @@
 #include "Console/Documents/TextCommands.h"
 #include "Console/Host/AddInsCommand.h"
 #include "Console/Host/EarlyOptions.h"
+#include "Console/Messages.h"
 #include "Console/Options.h"
 #include "Console/Session/Interactive.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/Session/Tour.h"
-#include "Console/Terminal/Table.h"
 #include "Console/Terminal/Terminal.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
@@ -32,61 +34,6 @@
 namespace Vn::Console {
 
 namespace {
-
-constexpr char c_description[] =
-    R"(Evaluates expressions with units, and keeps documents. Without a subcommand it
-reads lines: from the terminal with editing, history and completion, from a file
-or a pipe without.)";
-
-constexpr char c_examples[] = R"(Examples:
-  vnconsole
-  vnconsole eval '1 in + 1 cm' --unit cm
-  vnconsole eval '60 mph to km/hr'
-  vnconsole eval '1/3 in' --precision 6
-  vnconsole eval --json '2 ft' '3 yd'
-  vnconsole eval --unit cm -- '-5 + 2 in'
-  vnconsole units pressure
-  vnconsole command 'Units.List /Verbose'
-  vnconsole batch expressions.jsonl > results.jsonl
-  vnconsole document --new a.vnd make, add 0 3, tree
-  vnconsole eval --document a.vnd --kind Length '2'
-  vnconsole mass '10 cm' '20 cm' '30 cm' --density '7850 kg/m^3'
-  vnconsole options set lengthDisplay fractional
-
-Exit status: 0 good, 1 the input was not good, 2 the command line was not understood.
-)";
-
-constexpr char c_evalFormat[] = R"(A text that begins with "-" goes after "--".
-A value is converted by "100 mm to in" or "100 mm -> in", and "100 mm as ?" shows
-it in all units of its kind. "ans" stands for the value of the text before.
-)";
-
-constexpr char c_batchFormat[] = R"(Each line of the input is an object with the members
-  id        any value, given back with the answer
-  text      the expression
-  context   "?" expects nothing, "" a result without units, else a unit
-  display   null, or the unit in which the value is formatted
-  settings  an object with any of the display settings
-Each is answered by one line, in order. A line that can't be understood is
-answered by its id, or the number of the line where it has none, and an error; the
-exit status is then 1.
-)";
-
-constexpr char c_documentPaths[] =
-    R"(A path is 0/2, Groups/CmnData[0]/CmnData[2], or '#12' by the id of the entity;
-"." is the root group. The document is saved after the last command; if one
-fails, nothing is saved.
-)";
-
-std::string optionsFooter() {
-    Table table;
-    for (OptionsJob const & job : optionsJobs())
-        table.add({std::wstring(job.name) + L' ' + job.arguments, job.meaning});
-    return table.toUtf8("  ") + "ID is the name of a display setting, such as generalPrecision, or "
-                                "the id that the file\n"
-                                "has, in any case. VALUE is as the file has it, or a choice as it "
-                                "is shown: ft, fractional.\n";
-}
 
 // To the parser of the command line some texts are more than a text: one in square brackets is a
 // list, and "++" ends a subcommand.  They pass it after this mark.
@@ -105,17 +52,20 @@ std::wstring wide(std::string_view argument) {
 // The command line as it is declared, and what was read.
 class CommandLine {
 public:
-    CommandLine() : m_app(c_description, "vnconsole") {
-        m_app.set_version_flag("--version", "vnconsole " VN_CONSOLE_VERSION);
+    CommandLine() : m_app(descriptionHelp(), "vnconsole") {
+        translateParser(m_app);
+        m_app.set_version_flag("--version", "vnconsole " VN_CONSOLE_VERSION,
+                               messageUtf8(L"Display program version information and exit"));
         m_app.require_subcommand(0, 1);
-        m_app.footer(c_examples);
+        m_app.footer(examplesHelp());
         // As everywhere, what begins with a "/" is a text or a path.
         m_app.allow_windows_style_options(false);
         add(m_app, EValueOption::Language, m_language, "TAG",
-            "The language of words and messages, such as de, instead of the one that LANG names");
+            messageUtf8(L"The language of words and messages, such as de, instead of the one that "
+                        L"LANG names"));
         add(m_app, EValueOption::Options, m_optionsDirectory, "DIR",
-            "The directory of the preferences, instead of the user's");
-        m_app.add_flag("--standard", m_standard, "With the factory display settings");
+            messageUtf8(L"The directory of the preferences, instead of the user's"));
+        m_app.add_flag("--standard", m_standard, messageUtf8(L"With the factory display settings"));
         addEval();
         addUnits();
         addCommand();
@@ -126,7 +76,8 @@ public:
         addOptions();
         addAddIns();
         addSelfTest();
-        m_tour = addSubcommand("tour", "Shows a few expressions and what they evaluate to");
+        m_tour = addSubcommand("tour",
+                               messageUtf8(L"Shows a few expressions and what they evaluate to"));
         addShellCompletion();
     }
 
@@ -171,8 +122,9 @@ public:
     }
 
 private:
-    CLI::App * addSubcommand(char const * name, char const * description) {
+    CLI::App * addSubcommand(char const * name, std::string const & description) {
         CLI::App * const command = m_app.add_subcommand(name, description);
+        translateParser(*command);
         command->fallthrough();
         return command;
     }
@@ -180,7 +132,7 @@ private:
     // Declares an option with a value, which may be any text.
     template <class Target>
     static CLI::Option * add(CLI::App & command, EValueOption option, Target & target,
-                             char const * typeName, char const * description) {
+                             char const * typeName, std::string const & description) {
         ValueOptionName const & name = valueOptionName(option);
         std::string names = name.name;
         if (name.shortName) names += std::string(",") + name.shortName;
@@ -201,38 +153,43 @@ private:
     }
 
     void addEval() {
-        m_eval = addSubcommand("eval", "Evaluates expressions");
+        m_eval = addSubcommand("eval", messageUtf8(L"Evaluates expressions"));
         m_texts = m_eval->add_option(
-            "TEXT", m_converted, "The expressions; without one, the lines of the standard input");
+            "TEXT", m_converted,
+            messageUtf8(L"The expressions; without one, the lines of the standard input"));
         m_texts->type_name("");
-        m_unitOption = add(*m_eval, EValueOption::Unit, m_unit, "UNIT",
-                           "The unit of the result; an empty one for a result without units");
+        m_unitOption =
+            add(*m_eval, EValueOption::Unit, m_unit, "UNIT",
+                messageUtf8(L"The unit of the result; an empty one for a result without units"));
         m_displayOption = add(*m_eval, EValueOption::Display, m_display, "UNIT",
-                              "The unit in which the value is shown");
+                              messageUtf8(L"The unit in which the value is shown"));
         m_precisionOption = add(*m_eval, EValueOption::Precision, m_precision, "N",
-                                "How many decimals are shown, at most");
+                                messageUtf8(L"How many decimals are shown, at most"));
         m_sets = add(*m_eval, EValueOption::Set, m_converted, "FIELD=VALUE",
-                     "A display setting for this call, such as lengthDisplay=1");
+                     messageUtf8(L"A display setting for this call, such as lengthDisplay=1"));
         m_sets->expected(1)->take_all()->allow_extra_args(false);
         addUnitSystem(*m_eval);
-        add(*m_eval, EValueOption::Kind, m_kind, "KIND", "The kind of quantity of the result");
-        add(*m_eval, EValueOption::Id, m_id, "KEY", "A key of the system that goes before both");
-        m_eval->add_flag("--standard", m_standard, "With the factory display settings");
-        m_eval->add_flag("--json", m_json, "One JSON object a line for each text");
+        add(*m_eval, EValueOption::Kind, m_kind, "KIND",
+            messageUtf8(L"The kind of quantity of the result"));
+        add(*m_eval, EValueOption::Id, m_id, "KEY",
+            messageUtf8(L"A key of the system that goes before both"));
+        m_eval->add_flag("--standard", m_standard,
+                         messageUtf8(L"With the factory display settings"));
+        m_eval->add_flag("--json", m_json, messageUtf8(L"One JSON object a line for each text"));
         addNoTokens(*m_eval);
-        m_eval->footer(c_evalFormat);
+        m_eval->footer(evalHelp());
     }
 
     void addNoTokens(CLI::App & command) {
-        command.add_flag("--no-tokens", m_noTokens, "Without the tokens in JSON");
+        command.add_flag("--no-tokens", m_noTokens, messageUtf8(L"Without the tokens in JSON"));
     }
 
     // The units of a document, for who doesn't change it.
     void addUnitSystem(CLI::App & command) {
         add(command, EValueOption::Document, m_unitsFile, "FILE",
-            "A document whose units are used");
+            messageUtf8(L"A document whose units are used"));
         add(command, EValueOption::System, m_system, "ID",
-            "Which of its unit systems, if there are several");
+            messageUtf8(L"Which of its unit systems, if there are several"));
     }
 
     // The text of an option, if it was given.
@@ -249,18 +206,21 @@ private:
     }
 
     void addMass() {
-        m_mass = addSubcommand("mass", "Shows the mass properties of a box");
-        m_edges = m_mass->add_option("EDGE", m_converted, "The lengths of three edges");
+        m_mass = addSubcommand("mass", messageUtf8(L"Shows the mass properties of a box"));
+        m_edges =
+            m_mass->add_option("EDGE", m_converted, messageUtf8(L"The lengths of three edges"));
         m_edges->type_name("")->required()->expected(3);
-        add(*m_mass, EValueOption::Density, m_density, "VALUE", "The density of its material")
+        add(*m_mass, EValueOption::Density, m_density, "VALUE",
+            messageUtf8(L"The density of its material"))
             ->required();
-        m_materialOption =
-            add(*m_mass, EValueOption::Material, m_material, "NAME", "The name of its material");
-        m_overrides = add(*m_mass, EValueOption::Override, m_converted, "QUANTITY=VALUE",
-                          "A value in place of the calculated one: volume, area, mass or density");
+        m_materialOption = add(*m_mass, EValueOption::Material, m_material, "NAME",
+                               messageUtf8(L"The name of its material"));
+        m_overrides = add(
+            *m_mass, EValueOption::Override, m_converted, "QUANTITY=VALUE",
+            messageUtf8(L"A value in place of the calculated one: volume, area, mass or density"));
         m_overrides->expected(1)->take_all()->allow_extra_args(false);
         addUnitSystem(*m_mass);
-        m_mass->add_flag("--json", m_json, "One JSON object");
+        m_mass->add_flag("--json", m_json, messageUtf8(L"One JSON object"));
     }
 
     MassOptions massOptions() const {
@@ -275,70 +235,89 @@ private:
     }
 
     void addScene() {
-        m_scene = addSubcommand("scene", "Shows the render graph of a document");
-        m_scene->add_option("FILE", m_file, "The document")->type_name("")->required();
-        m_scene->add_flag("--json", m_json, "One JSON object a line for each node");
+        m_scene = addSubcommand("scene", messageUtf8(L"Shows the render graph of a document"));
+        m_scene->add_option("FILE", m_file, messageUtf8(L"The document"))
+            ->type_name("")
+            ->required();
+        m_scene->add_flag("--json", m_json, messageUtf8(L"One JSON object a line for each node"));
     }
 
     void addUnits() {
-        m_units = addSubcommand("units", "Lists the units that expressions know");
-        m_units->add_option("PATTERN", m_pattern, "A part of a name, abbreviation, symbol or kind")
+        m_units = addSubcommand("units", messageUtf8(L"Lists the units that expressions know"));
+        m_units
+            ->add_option("PATTERN", m_pattern,
+                         messageUtf8(L"A part of a name, abbreviation, symbol or kind"))
             ->type_name("");
-        m_units->add_flag("--json", m_json, "One JSON object a line for each unit");
+        m_units->add_flag("--json", m_json, messageUtf8(L"One JSON object a line for each unit"));
     }
 
     void addCommand() {
-        m_command = addSubcommand("command", "Runs a text command; without one, lists them");
+        m_command =
+            addSubcommand("command", messageUtf8(L"Runs a text command; without one, lists them"));
         m_words = m_command->add_option("COMMAND", m_converted,
-                                        "The command with its parameters and flags");
+                                        messageUtf8(L"The command with its parameters and flags"));
         m_words->type_name("");
     }
 
     void addBatch() {
-        m_batch = addSubcommand("batch", "Evaluates JSON Lines");
-        m_batch->add_option("FILE", m_file, "The input; the standard input if it is missing or -")
+        m_batch = addSubcommand("batch", messageUtf8(L"Evaluates JSON Lines"));
+        m_batch
+            ->add_option("FILE", m_file,
+                         messageUtf8(L"The input; the standard input if it is missing or -"))
             ->type_name("");
         addNoTokens(*m_batch);
-        m_batch->footer(c_batchFormat);
+        m_batch->footer(batchHelp());
     }
 
     void addDocument() {
-        m_document = addSubcommand("document", "Runs commands on a document, and saves it");
-        m_document->add_option("FILE", m_file, "The document")->type_name("")->required();
-        m_calls = m_document->add_option("COMMAND", m_converted,
-                                         "Commands, with a comma or \"then\" between them");
+        m_document =
+            addSubcommand("document", messageUtf8(L"Runs commands on a document, and saves it"));
+        m_document->add_option("FILE", m_file, messageUtf8(L"The document"))
+            ->type_name("")
+            ->required();
+        m_calls =
+            m_document->add_option("COMMAND", m_converted,
+                                   messageUtf8(L"Commands, with a comma or \"then\" between them"));
         m_calls->type_name("");
-        m_document->add_flag("--new", m_new, "Makes the file, which must not be there");
+        m_document->add_flag("--new", m_new,
+                             messageUtf8(L"Makes the file, which must not be there"));
         m_document->add_flag("--json", m_json,
-                             "The tree as one JSON object a line, and nothing else");
-        m_document->add_flag("--verbose", m_verbose,
-                             "The tree with what the system itself says of each entity");
-        m_document->footer([] { return documentCallsText() + c_documentPaths; });
+                             messageUtf8(L"The tree as one JSON object a line, and nothing else"));
+        m_document->add_flag(
+            "--verbose", m_verbose,
+            messageUtf8(L"The tree with what the system itself says of each entity"));
+        m_document->footer([] { return documentHelp(); });
     }
 
     void addOptions() {
-        m_options = addSubcommand("options", "Shows and changes the preferences");
-        m_optionsWords = m_options->add_option("JOB", m_converted,
-                                               "What to do, with the words that belong to it");
+        m_options = addSubcommand("options", messageUtf8(L"Shows and changes the preferences"));
+        m_optionsWords = m_options->add_option(
+            "JOB", m_converted, messageUtf8(L"What to do, with the words that belong to it"));
         m_optionsWords->type_name("");
-        m_options->add_flag("--json", m_json, "One JSON object a line");
-        m_options->footer([] { return optionsFooter(); });
+        m_options->add_flag("--json", m_json, messageUtf8(L"One JSON object a line"));
+        m_options->footer([] { return optionsHelp(); });
     }
 
     void addAddIns() {
-        m_addIns = addSubcommand("add-ins", "Lists the add-ins, and why one isn't loaded");
-        m_addIns->add_flag("--json", m_json, "One JSON object a line for each add-in");
+        m_addIns =
+            addSubcommand("add-ins", messageUtf8(L"Lists the add-ins, and why one isn't loaded"));
+        m_addIns->add_flag("--json", m_json,
+                           messageUtf8(L"One JSON object a line for each add-in"));
     }
 
     void addSelfTest() {
-        m_selfTest = addSubcommand("self-test", "Runs the library's checks of itself");
-        m_selfTest->add_option("GROUP", m_group, "One group of checks only")->type_name("");
+        m_selfTest =
+            addSubcommand("self-test", messageUtf8(L"Runs the library's checks of itself"));
+        m_selfTest->add_option("GROUP", m_group, messageUtf8(L"One group of checks only"))
+            ->type_name("");
     }
 
     // For the scripts of the shells, and in no list.
     void addShellCompletion() {
-        m_shellCompletion = addSubcommand("shell-completion", "Completes the words of a call");
-        m_shellWords = m_shellCompletion->add_option("WORD", m_converted, "The words");
+        m_shellCompletion =
+            addSubcommand("shell-completion", messageUtf8(L"Completes the words of a call"));
+        m_shellWords =
+            m_shellCompletion->add_option("WORD", m_converted, messageUtf8(L"The words"));
         m_shellWords->type_name("");
         m_shellCompletion->group("");
     }
@@ -420,8 +399,9 @@ bool areUtf8(std::vector<std::string> const & arguments, std::ostream & err) {
     std::wstring text;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         if (Text::fromUtf8(arguments[i], text)) continue;
-        err << "vnconsole: argument " << i + 1
-            << " isn't UTF-8: " << Text::toUtf8(inQuotes(Text::fromUtf8(arguments[i]))) << '\n';
+        told(message(L"argument %1% isn't UTF-8: %2%", i + 1,
+                     inQuotes(Text::fromUtf8(arguments[i]))),
+             err);
         return false;
     }
     return true;
@@ -442,7 +422,7 @@ bool isSettled(std::vector<std::string> const & arguments, CommandLine const & c
     EarlyOptions const settled = readEarlyOptions(arguments);
     if (wanted.language == settled.language && wanted.optionsDirectory == settled.optionsDirectory)
         return true;
-    err << "vnconsole: --language and --options can't stand after \"--\"\n";
+    told(message(L"--language and --options can't stand after \"--\""), err);
     return false;
 }
 
@@ -467,7 +447,9 @@ int runCommandLine(std::vector<std::string> const & arguments, std::istream & in
     } catch (CLI::ParseError const & error) {
         int const status = commandLine.exit(error, out, err);
         if (status != ExitGood && looksLikeText(arguments))
-            err << "A text that begins with \"-\" goes after \"--\": vnconsole eval -- '-PI'\n";
+            err << messageUtf8(L"A text that begins with \"-\" goes after \"--\": %1%",
+                               L"vnconsole eval -- '-PI'")
+                << '\n';
         return status;
     }
     if (!isSettled(arguments, commandLine, err)) return ExitBadUsage;

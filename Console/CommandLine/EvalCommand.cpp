@@ -11,6 +11,7 @@
 #include "Console/Conversion.h"
 #include "Console/Equivalents.h"
 #include "Console/Evaluation.h"
+#include "Console/Messages.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Terminal/NumberedErrors.h"
 #include "Console/Terminal/Terminal.h"
@@ -39,8 +40,8 @@ std::wstring setPrecision(std::wstring const & text, UnitDisplaySettings & setti
     int decimals = 0;
     auto const [end, error] = std::from_chars(utf8.data(), last, decimals);
     if (error != std::errc() || end != last || decimals < 0 || decimals > c_mostDecimals) {
-        return L"--precision takes a whole number from 0 to " + std::to_wstring(c_mostDecimals) +
-               L", not " + inQuotes(text);
+        return message(L"--precision takes a whole number from 0 to %1%, not %2%", c_mostDecimals,
+                       inQuotes(text));
     }
     auto const count = static_cast<short>(decimals);
     settings.generalPrecision(count);
@@ -57,13 +58,14 @@ std::wstring assign(std::wstring const & text, UnitDisplaySettings & settings) {
     Units::UnitDisplaySettingsField const * const field = findSetting(name);
     std::wstring why;
     if (!field)
-        why = noSuchSetting(name, L"; \"set\" in a session lists them");
+        why = noSuchSetting(name, tr(L"there is no setting %1%; \"set\" in a session lists them"));
     else if (equals == text.npos)
-        why = L"a value is missing, as in " + name + L"=" + settingValue(*field, settings);
+        why =
+            message(L"a value is missing, as in %1%", name + L"=" + settingValue(*field, settings));
     else
         why = readSetting(*field, std::wstring(trimmed(std::wstring_view(text).substr(equals + 1))),
                           settings);
-    return why.empty() ? why : L"--set: " + why;
+    return why.empty() ? why : message(L"%1%: %2%", L"--set", why);
 }
 
 std::string jsonOf(std::vector<Equivalent> const & equivalents) {
@@ -154,14 +156,15 @@ bool answerLines(Evaluator & evaluator, std::istream & in, std::ostream & out,
                  NumberedErrors & err) {
     bool const isTyped = inputIsTerminal();
     if (isTyped && errorIsTerminal())
-        err << "Type expressions, each on a line; the end of the input ends.\n" << std::flush;
+        err << messageUtf8(L"Type expressions, each on a line; the end of the input ends.") << '\n'
+            << std::flush;
     bool good = true;
     std::string line;
     for (std::size_t number = 1; out && std::getline(in, line); ++number) {
         err.begin(isTyped ? 0 : number);
         std::wstring text;
         if (!Text::fromUtf8(line, text)) {
-            good &= evaluator.refuse(L"the line isn't UTF-8", number);
+            good &= evaluator.refuse(message(L"the line isn't UTF-8"), number);
         } else if (std::wstring_view const trim = trimmed(text); !trim.empty()) {
             good &= evaluator.answer(std::wstring(trim), number);
         }
@@ -169,7 +172,10 @@ bool answerLines(Evaluator & evaluator, std::istream & in, std::ostream & out,
         if (in.rdbuf()->in_avail() <= 0) out.flush();
     }
     err.begin(0);
-    if (in.bad()) err << "vnconsole: can't read the standard input: " << std::strerror(EIO) << '\n';
+    if (in.bad())
+        told(message(L"can't read %1%: %2%", message(L"the standard input"),
+                     Text::fromUtf8(std::strerror(EIO))),
+             err);
     return good && !in.bad() && out.flush();
 }
 

@@ -9,6 +9,7 @@
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/Hosting.h"
 #include "Console/Failure.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
@@ -114,18 +115,19 @@ struct Shown {
 };
 
 // Reads a positive quantity of the dimension of `units`; what is wrong is told on `err`.
-bool readQuantity(std::wstring const & text, char const * what, ComplexUnit const & units,
+bool readQuantity(std::wstring const & text, wchar_t const * what, ComplexUnit const & units,
                   double & value, std::ostream & err) {
     UnitContext const context(&units);
     Expression const expression(text, context);
     if (!expression) {
-        err << "vnconsole: " << what << ": " << failureLines(expression);
+        err << "vnconsole: "
+            << messageUtf8(L"%1%: %2%", message(what), Text::fromUtf8(failureLines(expression)));
         return false;
     }
     std::optional<double> const read = expression.value();
     if (!read || !(*read > 0)) {
-        err << "vnconsole: " << what << ": " << Text::toUtf8(inQuotes(text))
-            << (read ? " isn't above zero\n" : " has no value\n");
+        wchar_t const * const why = read ? tr(L"%1% isn't above zero") : tr(L"%1% has no value");
+        told(message(L"%1%: %2%", message(what), message(why, inQuotes(text))), err);
         return false;
     }
     value = *read;
@@ -134,16 +136,16 @@ bool readQuantity(std::wstring const & text, char const * what, ComplexUnit cons
 
 struct Quantity {
     wchar_t const * name;
-    char const * option;
+    wchar_t const * option;
     int lengths;
     int masses;
     void (MassProperties::*override)(double);
 };
 constexpr Quantity c_quantities[] = {
-    {L"volume", "--override volume", 3, 0, &MassProperties::overrideVolume},
-    {L"area", "--override area", 2, 0, &MassProperties::overrideArea},
-    {L"mass", "--override mass", 0, 1, &MassProperties::overrideMass},
-    {L"density", "--override density", -3, 1, &MassProperties::overrideDensity}};
+    {L"volume", L"--override volume", 3, 0, &MassProperties::overrideVolume},
+    {L"area", L"--override area", 2, 0, &MassProperties::overrideArea},
+    {L"mass", L"--override mass", 0, 1, &MassProperties::overrideMass},
+    {L"density", L"--override density", -3, 1, &MassProperties::overrideDensity}};
 
 int readOverride(std::wstring const & text, Shown const & shown, MassProperties & record,
                  std::ostream & err) {
@@ -159,8 +161,9 @@ int readOverride(std::wstring const & text, Shown const & shown, MassProperties 
         (record.*quantity.override)(value);
         return ExitGood;
     }
-    err << "vnconsole: --override: " << Text::toUtf8(inQuotes(text))
-        << " isn't volume=VALUE, area=VALUE, mass=VALUE or density=VALUE\n";
+    told(message(L"--override: %1% isn't volume=VALUE, area=VALUE, mass=VALUE or density=VALUE",
+                 inQuotes(text)),
+         err);
     return ExitBadUsage;
 }
 
@@ -199,14 +202,15 @@ int runMass(MassOptions const & options, std::ostream & out, std::ostream & err)
     if (int const status = openUnits(options.units, units, err); status != ExitGood) return status;
     Shown const shown(units.system);
     std::array<double, 3> edges{};
-    constexpr char const * c_names[] = {"the first edge", "the second edge", "the third edge"};
+    constexpr wchar_t const * c_names[] = {tr(L"the first edge"), tr(L"the second edge"),
+                                           tr(L"the third edge")};
     for (std::size_t i = 0; i < edges.size(); ++i)
         if (!readQuantity(options.edges[i], c_names[i], shown.units(1, 0), edges[i], err))
             return ExitBadInput;
     double density = 0;
-    if (!readQuantity(options.density, "--density", shown.units(-3, 1), density, err))
+    if (!readQuantity(options.density, L"--density", shown.units(-3, 1), density, err))
         return ExitBadInput;
-    PhysicalMaterial const material(options.material.value_or(L"unnamed"), density);
+    PhysicalMaterial const material(options.material.value_or(message(L"unnamed")), density);
 
     StrongRef<Asset> asset;
     if (Status const status = makeDocument(asset); !status) return told(status, err);

@@ -14,8 +14,10 @@
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/Hosting.h"
 #include "Console/Documents/Session.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
+#include "Console/UnitTexts.h"
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Entity.h"
@@ -50,7 +52,7 @@ double plain(double value) {
     return value;
 }
 
-std::wstring number(double value) { return shortestNumber(plain(value)); }
+std::wstring number(double value) { return shownNumber(plain(value)); }
 
 std::wstring text(std::optional<Color> const & color) {
     if (!color) return L"-";
@@ -58,7 +60,8 @@ std::wstring text(std::optional<Color> const & color) {
            number(color->opacity);
 }
 std::wstring text(TgPoint3d const & point) {
-    return L'(' + number(point.x) + L", " + number(point.y) + L", " + number(point.z) + L')';
+    std::wstring const between = listSeparator();
+    return L'(' + number(point.x) + between + number(point.y) + between + number(point.z) + L')';
 }
 
 // JSON knows no NaN and no infinity; they become null.
@@ -124,7 +127,7 @@ std::wstring boundsText(SimpleMesh const & mesh, TgMatrix3d const & transform) {
     std::optional<BoundingBox> const own = mesh.bounds();
     if (!own) return L"-";
     BoundingBox const box = own->transformed(transform);
-    return text(box.low) + L" to " + text(box.high);
+    return message(L"%1% to %2%", text(box.low), text(box.high));
 }
 
 std::optional<Color> ownColor(ARenderNode const & node) {
@@ -138,14 +141,18 @@ std::optional<Color> effectiveColor(NodeWalk const & walk) {
 // The entity that the node was made for; null if there is none.
 Entity * entityOf(ARenderNode const & node) { return query<Entity>(Scene::INodeSource::of(&node)); }
 
+std::wstring kindOf(ARenderNode const & node) {
+    if (node.asGroup()) return message(node.visible() ? tr(L"group") : tr(L"group, hidden"));
+    return message(node.visible() ? tr(L"geometry") : tr(L"geometry, hidden"));
+}
+
 void addRows(NodeWalk const & walk, Table & table) {
     // Beyond this a line is as long as a terminal is wide.
     constexpr std::size_t c_deepest = 20;
     ARenderNode const & node = *walk.node();
     Entity const * const entity = entityOf(node);
     std::vector<std::wstring> row = {std::wstring(2 * std::min(walk.depth(), c_deepest), L' ') +
-                                         (node.asGroup() ? L"group" : L"geometry") +
-                                         (node.visible() ? L"" : L", hidden"),
+                                         kindOf(node),
                                      entity ? L'#' + std::to_wstring(entity->id()) : L"-",
                                      text(ownColor(node)), text(effectiveColor(walk))};
     std::vector<Detail> const details = detailsOf(node);
@@ -216,10 +223,12 @@ int runScene(std::wstring const & file, bool asJson, std::ostream & out, std::os
     StrongRef<Asset> asset;
     if (Status const status = loadDocument(pathOf(file), asset); !status) return told(status, err);
     auto const * const adapter = query<Scene::SceneAssetAdapter>(asset->adapter());
-    if (!adapter || !adapter->scene()) return told(shown(pathOf(file)) + L" has no graph", err);
+    if (!adapter || !adapter->scene())
+        return told(message(L"%1% has no graph", shown(pathOf(file))), err);
     Table table;
-    table.add({L"node", L"entity", L"color", L"shows in", L"levels", L"vertices", L"triangles",
-               L"bounds in cm"});
+    table.add({message(L"node"), message(L"entity"), message(L"color"), message(L"shows in"),
+               message(L"levels"), message(L"vertices"), message(L"triangles"),
+               message(L"bounds in cm")});
     for (NodeWalk walk(adapter->scene()); walk; walk.next()) {
         if (asJson)
             showJson(walk, out);

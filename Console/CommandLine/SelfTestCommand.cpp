@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
+#include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/UnitTest.h"
 
@@ -13,18 +15,34 @@ namespace Vn::Console {
 
 namespace {
 
-std::string counted(std::size_t count, char const * what) {
-    return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
+std::wstring assertionsText(std::size_t count) {
+    return counted(count, tr(L"%1% assertion"), tr(L"%1% assertions"));
+}
+
+std::wstring failuresText(std::size_t count) {
+    return counted(count, tr(L"%1% failure"), tr(L"%1% failures"));
 }
 
 void show(UnitTest::Report const & report, std::ostream & out) {
-    out << report.group << ' ' << report.name << ": " << (report.passed() ? "passed" : "FAILED")
-        << ", " << counted(report.assertions, "assertion") << ", "
-        << counted(report.failures.size(), "failure") << '\n';
+    wchar_t const * const line =
+        report.passed() ? tr(L"%1%: passed, %2%, %3%") : tr(L"%1%: FAILED, %2%, %3%");
+    out << messageUtf8(line, Text::fromUtf8(report.group + ' ' + report.name),
+                       assertionsText(report.assertions), failuresText(report.failures.size()))
+        << '\n';
     for (std::wstring const & note : report.notes) out << "  " << Text::toUtf8(note) << '\n';
     for (std::wstring const & failure : report.failures)
-        out << "  failed: " << Text::toUtf8(printable(failure)) << '\n';
+        out << messageUtf8(L"  failed: %1%", printable(failure)) << '\n';
     out.flush();
+}
+
+// The checks type English words, and are done in English.
+UnitTest::Report runInEnglish(UnitTest & test) {
+    struct Language {
+        Language() { StringTable::language({}); }
+        ~Language() { StringTable::language(chosen); }
+        std::string const chosen = StringTable::language();
+    } const language;
+    return UnitTest::run(test);
 }
 
 int unknownGroup(std::string const & group, std::vector<UnitTest *> const & tests,
@@ -33,11 +51,12 @@ int unknownGroup(std::string const & group, std::vector<UnitTest *> const & test
     for (UnitTest const * const test : tests)
         if (std::find(groups.begin(), groups.end(), test->group()) == groups.end())
             groups.push_back(test->group());
-    err << "vnconsole: there is no group " << Text::toUtf8(inQuotes(Text::fromUtf8(group)))
-        << " of self-checks; the groups are:";
-    for (std::string const & known : groups) err << ' ' << known;
-    err << '\n';
-    return ExitBadInput;
+    std::wstring all;
+    for (std::string const & known : groups)
+        all += (all.empty() ? L"" : L" ") + Text::fromUtf8(known);
+    return told(message(L"there is no group %1% of self-checks; the groups are: %2%",
+                        inQuotes(Text::fromUtf8(group)), all),
+                err);
 }
 
 } // namespace
@@ -49,15 +68,16 @@ int runSelfTest(std::string const & group, std::ostream & out, std::ostream & er
     std::size_t failures = 0;
     for (UnitTest * const test : tests) {
         if (!group.empty() && test->group() != group) continue;
-        UnitTest::Report const report = UnitTest::run(*test);
+        UnitTest::Report const report = runInEnglish(*test);
         show(report, out);
         ++checks;
         assertions += report.assertions;
         failures += report.failures.size();
     }
     if (checks == 0) return unknownGroup(group, tests, err);
-    out << counted(checks, "check") << ", " << counted(assertions, "assertion") << ", "
-        << counted(failures, "failure") << '\n';
+    out << messageUtf8(L"%1%, %2%, %3%", counted(checks, tr(L"%1% check"), tr(L"%1% checks")),
+                       assertionsText(assertions), failuresText(failures))
+        << '\n';
     return failures == 0 ? ExitGood : ExitBadInput;
 }
 

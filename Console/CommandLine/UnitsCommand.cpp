@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
@@ -73,20 +74,20 @@ void showJson(Row const & row, std::ostream & out) {
 int runUnits(std::wstring const & pattern, bool json, std::ostream & out, std::ostream & err) {
     std::vector<Row> const rows = rowsFor(pattern);
     if (rows.empty()) {
-        err << "vnconsole: no unit matches " << Text::toUtf8(inQuotes(pattern)) << '\n';
-        return ExitBadInput;
+        return told(message(L"no unit matches %1%", inQuotes(pattern)), err);
     }
     Table table;
-    table.add({L"name", L"abbreviation", L"symbol", L"kind", L"one is", L"prefixes"});
+    table.add({message(L"name"), message(L"abbreviation"), message(L"symbol"), message(L"kind"),
+               message(L"one is"), message(L"prefixes")});
     for (Row const & row : rows) {
         if (json) {
             showJson(row, out);
             continue;
         }
-        std::wstring one = shortestNumber(row.one);
+        std::wstring one = shownNumber(row.one);
         if (!row.internalUnit.empty()) one += L' ' + row.internalUnit;
-        table.add(
-            {row.name, row.abbreviation, row.symbol, row.kind, one, row.prefixes ? L"yes" : L"no"});
+        table.add({row.name, row.abbreviation, row.symbol, row.kind, one,
+                   row.prefixes ? message(L"yes") : message(L"no")});
     }
     if (!json) out << table.toUtf8();
     return ExitGood;

@@ -9,6 +9,7 @@
 #include "Console/Failure.h"
 #include "Console/Messages.h"
 #include "Console/Texts.h"
+#include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/MassProperties/MassProperties.h"
@@ -32,14 +33,13 @@ std::wstring textOf(Units::Unit const & unit, double value) {
     if (std::isnan(value)) return L"nan"; // whatever its sign
     if (!std::isfinite(value)) return shortestNumber(value);
     // Too large to be told in the unit.
-    if (!std::isfinite(unit.toThisUnit(value))) return shortestNumber(value) + L" cm";
+    if (!std::isfinite(unit.toThisUnit(value))) return shownNumber(value) + L" cm";
     return unit.reconstructString(value, Units::ValueAndUnit, UnitDisplaySettings::get());
 }
 
 // Where decimals stand after a comma, another sign has to stand between the numbers.
 std::wstring textOf(Units::Unit const & unit, Triple const & value) {
-    wchar_t const * const between =
-        UnitDisplaySettings::get().isDecimalPointFullStop() ? L", " : L"; ";
+    wchar_t const * const between = listSeparator();
     std::wstring text = L"(" + textOf(unit, value[0]);
     for (std::size_t i = 1; i < value.size(); ++i) text += between + textOf(unit, value[i]);
     return text + L')';

@@ -54,7 +54,7 @@ std::wstring textOf(DocumentSetting const & setting, SettingValue const & value,
         return isDirection ? Coordinates::direction(components) : coordinates.lengths(components);
     };
     return std::visit(
-        Overloaded{[](std::monostate) { return message(L"none"); },
+        Overloaded{[](std::monostate) { return messageIn("setting", L"none"); },
                    [](bool flag) { return std::wstring(flag ? L"on" : L"off"); },
                    [](unsigned number) { return std::to_wstring(number); },
                    [&](double length) { return coordinates.length(length); },
@@ -84,7 +84,7 @@ Named namedBy(DocumentSetting const & setting, Settings const & settings) {
         unsigned const count = views->children();
         return {counted(count, tr(L"%1% view"), tr(L"%1% views")), views->id()};
     }
-    return {message(L"none"), nullptr};
+    return {messageIn("setting", L"none"), nullptr};
 }
 
 std::wstring readFlag(std::wstring const & text, SettingValue & value) {

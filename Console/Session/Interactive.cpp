@@ -5,6 +5,7 @@
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/Session.h"
+#include "Console/Messages.h"
 #include "Console/Session/Completion.h"
 #include "Console/Session/Session.h"
 #include "Console/Terminal/LineReader.h"
@@ -30,7 +31,8 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
     std::unique_ptr<LineReader> reader = makeEditor();
     bool const isTyped = reader != nullptr;
     if (isTyped)
-        out << "Type an expression, such as 1 in + 1 cm; help tells more, quit ends.\n";
+        out << messageUtf8(L"Type an expression, such as 1 in + 1 cm; help tells more, quit ends.")
+            << '\n';
     else
         reader = std::make_unique<StreamLineReader>(in);
     Session session(out, err, standard);
@@ -59,7 +61,8 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
         if (interrupted && !isTyped) {
             out.flush();
             err.begin(0);
-            err << "interrupted: the lines that follow aren't run\n" << std::flush;
+            err << messageUtf8(L"interrupted: the lines that follow aren't run") << '\n'
+                << std::flush;
             status = ExitInterrupted;
             good = false;
             result = Session::Result::Quit;
@@ -71,10 +74,10 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
         }
         if (!document.hasUnsavedChanges() || warned) break;
         err.begin(0);
-        err << Text::toUtf8(document.unsavedChanges())
-            << (isTyped ? "; Document.Save keeps it, quitting once more doesn't\n"
-                        : "; what isn't saved is lost\n")
-            << std::flush;
+        wchar_t const * const what =
+            isTyped ? tr(L"%1%; Document.Save keeps it, quitting once more doesn't")
+                    : tr(L"%1%; what isn't saved is lost");
+        err << messageUtf8(what, document.unsavedChanges()) << '\n' << std::flush;
         warned = true;
         if (!isTyped) {
             good = false;

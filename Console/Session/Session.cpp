@@ -7,6 +7,7 @@
 #include "Console/Conversion.h"
 #include "Console/Evaluation.h"
 #include "Console/Host/Language.h"
+#include "Console/Messages.h"
 #include "Console/Options.h"
 #include "Console/Session/TextCommands.h"
 #include "Console/SettingsTexts.h"
@@ -42,20 +43,20 @@ std::wstring takeWord(std::wstring_view & line) {
 
 std::span<Session::Command const> Session::commands() {
     static constexpr Command c_commands[] = {
-        {L"help", L"[TOPIC]", L"what can be typed", &Session::help},
-        {L"unit", L"[UNIT]", L"the unit of results: shows it, sets it; \"none\" expects nothing",
-         &Session::unit},
-        {L"display", L"[UNIT]", L"the unit in which values are shown; \"none\" for their own",
+        {L"help", L"[TOPIC]", tr(L"what can be typed"), &Session::help},
+        {L"unit", L"[UNIT]",
+         tr(L"the unit of results: shows it, sets it; \"none\" expects nothing"), &Session::unit},
+        {L"display", L"[UNIT]", tr(L"the unit in which values are shown; \"none\" for their own"),
          &Session::display},
         {L"set", L"[FIELD [VALUE]]",
-         L"the display settings: shows them, or changes one without saving it", &Session::set},
-        {L"options", L"[JOB ...]", L"the preferences: list, get, set, reset, path",
+         tr(L"the display settings: shows them, or changes one without saving it"), &Session::set},
+        {L"options", L"[JOB ...]", tr(L"the preferences: list, get, set, reset, path"),
          &Session::options},
-        {L"standard", L"", L"back to the factory display settings", &Session::standard},
-        {L"units", L"[PATTERN]", L"the units that expressions know", &Session::units},
-        {L"language", L"[TAG]", L"the language of words and messages: shows it, or changes it",
+        {L"standard", L"", tr(L"back to the factory display settings"), &Session::standard},
+        {L"units", L"[PATTERN]", tr(L"the units that expressions know"), &Session::units},
+        {L"language", L"[TAG]", tr(L"the language of words and messages: shows it, or changes it"),
          &Session::language},
-        {L"quit", L"", L"ends the session; so does Ctrl-D", &Session::quit},
+        {L"quit", L"", tr(L"ends the session; so does Ctrl-D"), &Session::quit},
     };
     return c_commands;
 }
@@ -68,12 +69,12 @@ std::wstring Session::prompt() const {
     UnitDisplaySettings const & standard = UnitDisplaySettings::standard();
     if (!m_context.hasExpectedUnits()) return L"> ";
     std::wstring const unit = clipped(unitText(*m_context.expectedUnits(), standard), 20);
-    return (unit.empty() ? L"no unit" : unit) + L"> ";
+    return (unit.empty() ? message(L"no unit") : unit) + L"> ";
 }
 
 Session::Result Session::execute(std::string const & utf8Line) {
     std::wstring decoded;
-    if (!Text::fromUtf8(utf8Line, decoded)) return bad(L"the line isn't UTF-8");
+    if (!Text::fromUtf8(utf8Line, decoded)) return bad(message(L"the line isn't UTF-8"));
     std::wstring_view rest = trimmed(decoded);
     if (rest.empty()) return Result::Good;
     std::wstring const line(rest);
@@ -93,9 +94,9 @@ Session::Result Session::evaluate(std::wstring const & text) {
     return good ? Result::Good : Result::Bad;
 }
 
-Session::Result Session::bad(std::wstring const & message) {
+Session::Result Session::bad(std::wstring const & why) {
     m_rOut.flush();
-    m_rErr << Text::toUtf8(message) << '\n' << std::flush;
+    m_rErr << Text::toUtf8(why) << '\n' << std::flush;
     return Result::Bad;
 }
 
@@ -107,23 +108,22 @@ bool Session::readUnit(std::wstring const & text, char const * what, UnitContext
     return readUnitContext(text == L"\"\"" ? std::wstring() : text, what, context, m_rErr);
 }
 
-void Session::showUnit(char const * what, UnitContext const & context) {
-    m_rOut << what << ": "
-           << (context.hasExpectedUnits()
-                   ? Text::toUtf8(namedUnits(*context.expectedUnits(), settings()))
-                   : std::string("none"))
-           << '\n';
+void Session::showUnit(wchar_t const * what, UnitContext const & context) {
+    std::wstring const unit = context.hasExpectedUnits()
+                                  ? namedUnits(*context.expectedUnits(), settings())
+                                  : message(L"none");
+    m_rOut << messageUtf8(what, unit) << '\n';
 }
 
 Session::Result Session::unit(std::wstring const & text) {
     if (!text.empty() && !readUnit(text, "unit", m_context)) return Result::Bad;
-    showUnit("expected unit", m_context);
+    showUnit(tr(L"expected unit: %1%"), m_context);
     return Result::Good;
 }
 
 Session::Result Session::display(std::wstring const & text) {
     if (!text.empty() && !readUnit(text, "display", m_display)) return Result::Bad;
-    showUnit("display unit", m_display);
+    showUnit(tr(L"display unit: %1%"), m_display);
     return Result::Good;
 }
 
@@ -149,7 +149,8 @@ Session::Result Session::set(std::wstring const & argument) {
         return runTextCommand({L"Document.Set " + argument}, m_rOut, m_rErr) == ExitGood
                    ? Result::Good
                    : Result::Bad;
-    if (!field) return bad(noSuchSetting(name, L"; \"set\" alone lists them"));
+    if (!field)
+        return bad(noSuchSetting(name, tr(L"there is no setting %1%; \"set\" alone lists them")));
     if (!rest.empty()) {
         std::wstring const wrong = readSetting(*field, std::wstring(rest), settings());
         if (!wrong.empty()) return bad(wrong);
@@ -167,7 +168,7 @@ void Session::setStandard() {
 
 Session::Result Session::standard(std::wstring const &) {
     setStandard();
-    m_rOut << "the display settings are the factory's again\n";
+    m_rOut << messageUtf8(L"the display settings are the factory's again") << '\n';
     return Result::Good;
 }
 
@@ -200,13 +201,9 @@ Session::Result Session::language(std::wstring const & tag) {
         if (std::wstring const why = whyNotLanguage(chosen); !why.empty()) return bad(why);
         StringTable::language(chosen);
     }
-    m_rOut << "language: " << Text::toUtf8(Console::language()) << "; there are ";
-    char const * separator = "";
-    for (std::wstring const & each : languages()) {
-        m_rOut << separator << Text::toUtf8(each);
-        separator = ", ";
-    }
-    m_rOut << '\n';
+    std::wstring all;
+    for (std::wstring const & each : languages()) all += (all.empty() ? L"" : L", ") + each;
+    m_rOut << messageUtf8(L"language: %1%; there are %2%", Console::language(), all) << '\n';
     return Result::Good;
 }
 

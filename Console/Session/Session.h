@@ -71,9 +71,9 @@ private:
     void helpOnCommands();
 
     Result evaluate(std::wstring const & text);
-    Result bad(std::wstring const & message);
+    Result bad(std::wstring const & why);
     bool readUnit(std::wstring const & text, char const * what, Units::UnitContext & context);
-    void showUnit(char const * what, Units::UnitContext const & context);
+    void showUnit(wchar_t const * what, Units::UnitContext const & context);
     void showSettings();
     // Gives all settings their factory values, without saving them.
     void setStandard();

@@ -4,6 +4,8 @@
 #include <ostream>
 
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Documents/CommandTable.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
@@ -12,6 +14,14 @@ namespace Vn::Console {
 
 namespace {
 
+// Of a command of the console in the language; of another as that has it.
+std::wstring descriptionOf(TextCommand const & command) {
+    DocumentCommand const * const own =
+        findDocumentCommand(command.subjectArea() + L'.' + command.name());
+    if (!own) return command.description();
+    return own->usage + std::wstring(*own->usage ? L" " : L"") + message(own->meaning);
+}
+
 int listCommands(std::ostream & out) {
     TextCommandService & service = TextCommandService::get();
     bool first = true;
@@ -19,11 +29,13 @@ int listCommands(std::ostream & out) {
         if (area->hidden()) continue;
         if (!first) out << '\n';
         first = false;
-        out << Text::toUtf8(area->name() + L": " + area->description()) << '\n';
+        out << Text::toUtf8(
+                   message(L"%1%: %2%", area->name(), message(area->description().c_str())))
+            << '\n';
         Table table;
         for (TextCommand const * const command : service.commands(area->name()))
             if (!command->hidden())
-                table.add({area->name() + L'.' + command->name(), command->description()});
+                table.add({area->name() + L'.' + command->name(), descriptionOf(*command)});
         out << table.toUtf8("  ");
     }
     return ExitGood;

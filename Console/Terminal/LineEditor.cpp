@@ -5,6 +5,7 @@
 
 #include <histedit.h>
 
+#include "Console/Messages.h"
 #include "Console/Terminal/Keys.h"
 #include "Console/Terminal/LineReader.h"
 #include "Console/Terminal/Terminal.h"
@@ -221,7 +222,7 @@ private:
             ++shown;
         }
         if (shown < completion.candidates.size())
-            text += L"and " + std::to_wstring(completion.candidates.size() - shown) + L" more";
+            text += message(L"and %1% more", completion.candidates.size() - shown);
         std::string const utf8 = Text::toUtf8(text + L'\n');
         std::fwrite(utf8.data(), 1, utf8.size(), stdout);
         std::fflush(stdout);

@@ -1,4 +1,5 @@
 #include "Console/Terminal/NumberedErrors.h"
+#include "Console/Messages.h"
 
 namespace Vn::Console {
 
@@ -22,7 +23,7 @@ int NumberedErrors::Buffer::sync() { return err.flush() ? 0 : -1; }
 
 void NumberedErrors::Buffer::tellLine() {
     if (line == 0) return;
-    err << "line " << line << ": ";
+    err << messageUtf8(L"line %1%: ", line);
     line = 0;
 }
 

@@ -144,11 +144,11 @@ TEST(SettingsTextsTests, ValuesOutsideTheRangeAreExplained) {
     Units::UnitDisplaySettingsField const & field =
         *Units::findUnitDisplaySettingsField("degreeDisplay");
     for (double const value : {2.0, -1.0, 0.5, 1e300}) {
-        EXPECT_EQ(setSetting(field, settings, value),
+        EXPECT_EQ(Text::toUtf8(setSetting(field, settings, value)),
                   "degreeDisplay takes a whole number from 0 to 1");
     }
     EXPECT_EQ(field.get(settings), 0.0);
-    EXPECT_EQ(setSetting(field, settings, 1.0), "");
+    EXPECT_EQ(setSetting(field, settings, 1.0), L"");
     EXPECT_EQ(field.get(settings), 1.0);
 }
 

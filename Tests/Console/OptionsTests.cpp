@@ -334,10 +334,10 @@ TEST_F(OptionsTests, WhatASessionSetSurvivesAChangeOfSomethingElse) {
                        "minimumPrecision 5\n"
                        "*  decimalPointIsFullStop  OFF  Decimal point display: 1,500\n"
                        "2,50000 cm\n"
-                       "internal 2.5 cm, units cm, rebuilt 2,5 cm\n"
+                       "internal 2,5 cm, units cm, rebuilt 2,5 cm\n"
                        "*  generalPrecision  1  General precision: 0.1\n"
                        "2,5 cm\n"
-                       "internal 2.5 cm, units cm, rebuilt 2,5 cm\n"));
+                       "internal 2,5 cm, units cm, rebuilt 2,5 cm\n"));
     // So do the factory settings that it asked for.
     std::string const out = good({}, "standard\noptions set displayAbbreviated OFF\n2.5 cm\n");
     EXPECT_NE(out.find("2.50 centimeter\n"), std::string::npos) << out;

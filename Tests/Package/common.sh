@@ -48,8 +48,8 @@ try_console() {
   same "the version" "$("$console" --version)" "vnconsole $VN_VERSION"
   "$console" eval --standard --unit cm '1 in + 1' | grep -q '^formatted  3\.54 cm$' ||
     fail "1 in + 1"
-  "$console" --language de eval 'wurzel(16)' | grep -q '^rebuilt    wurzel(16)$' || fail "German"
-  "$console" --language fr eval 'racine(16)' | grep -q '^rebuilt    racine(16)$' || fail "French"
+  "$console" --language de eval 'wurzel(16)' | grep -q '^neu gebildet  wurzel(16)$' || fail "German"
+  "$console" --language fr eval 'racine(16)' | grep -q '^reconstruite  racine(16)$' || fail "French"
   "$console" --language ja units meter | grep -q '長さ' || fail "Japanese"
   "$console" self-test >/dev/null || fail "the self-test"
   same "the add-ins" "$("$console" add-ins | awk 'NR > 1 { print $1, $2, $4 }')" \

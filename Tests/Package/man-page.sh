@@ -24,6 +24,10 @@ while read -r example; do
   bash -c "$example" || fail "$example"
 done <<<"$examples"
 
+for language in de fr ja; do
+  [ -s "$installed/share/man/$language/man1/vnconsole.1" ] || fail "no page in $language"
+done
+
 if command -v man >/dev/null; then
   warnings=$(man --warnings -l "$page" 2>&1 >/dev/null)
   [ -z "$warnings" ] || fail "$warnings"

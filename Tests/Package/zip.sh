@@ -38,7 +38,7 @@ done
 run() { (cd "$installed" && env WINEPATH= "$VN_WINE" "$@" | tr -d '\r'); }
 same "the version" "$(run bin/vnconsole.exe --version)" "vnconsole $VN_VERSION"
 run bin/vnconsole.exe eval --standard --unit cm '1 in + 1' | grep -q '^formatted  3\.54 cm$' || fail "1 in + 1"
-run bin/vnconsole.exe --language de eval 'wurzel(16)' | grep -q '^rebuilt    wurzel(16)$' || fail "German"
+run bin/vnconsole.exe --language de eval 'wurzel(16)' | grep -q '^neu gebildet  wurzel(16)$' || fail "German"
 run bin/vnconsole.exe document --new 'a ä.vnd' new, make, add 0 2 >/dev/null || fail "no document is made"
 same "the document" "$(run bin/vnconsole.exe document 'a ä.vnd' tree Groups | wc -l)" 4
 same "the add-ins" "$(run bin/vnconsole.exe add-ins | awk 'NR > 1 { print $1, $2, $4 }')" \

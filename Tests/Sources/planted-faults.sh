@@ -55,3 +55,10 @@ fi
 expect PASSES messages.sh
 plant Console/Bad.cpp 'auto text = tr(L"another");'
 expect FAILS messages.sh
+
+# A manual page that tells of an option less.
+plant Docs/de/vnconsole.1 "$(cat "$1/Docs/de/vnconsole.1")"
+cp "$1/Docs/vnconsole.1" "$work/Docs"
+expect PASSES man-pages.sh
+plant Docs/de/vnconsole.1 "$(grep -v -e '-precision' "$1/Docs/de/vnconsole.1")"
+expect FAILS man-pages.sh

@@ -40,7 +40,9 @@ std::multiset<std::string> placesOf(std::string const & text) { return found(tex
 
 std::set<std::string> typedIn(std::string const & text) {
     std::multiset<std::string> const all = found(text, c_typed);
-    return {all.begin(), all.end()};
+    std::set<std::string> typed(all.begin(), all.end());
+    for (char const * const word : {"FAILED", "REQUIRED"}) typed.erase(word); // which are told
+    return typed;
 }
 
 std::string blanksBefore(std::string const & text) {
@@ -55,12 +57,11 @@ std::size_t lineEnds(std::string const & text) { return found(text, "\n").size()
 
 TEST(ConsoleCatalogueTemplateTests, HasMessagesWithoutTranslations) {
     std::vector<PoEntry> const entries = readPoFile("Console/VnConsole.pot");
-    EXPECT_GE(entries.size(), 400U);
+    EXPECT_GE(entries.size(), 700U);
     std::set<std::string> ids;
     for (PoEntry const & entry : entries) {
         EXPECT_EQ(entry.text, "") << entry.id;
-        EXPECT_EQ(entry.context, "") << entry.id;
-        EXPECT_TRUE(ids.insert(entry.id).second) << entry.id;
+        EXPECT_TRUE(ids.insert(entry.context + '\4' + entry.id).second) << entry.id;
     }
 }
 
@@ -70,6 +71,7 @@ TEST_P(ConsoleCatalogueTests, TranslatesEveryMessage) {
     ASSERT_EQ(all.size(), wanted.size());
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         EXPECT_EQ(all[i].id, wanted[i].id);
+        EXPECT_EQ(all[i].context, wanted[i].context) << all[i].id;
         EXPECT_NE(all[i].text, "") << all[i].id;
     }
 }
@@ -87,7 +89,7 @@ TEST_P(ConsoleCatalogueTests, ValuesHaveTheirPlaces) {
         EXPECT_EQ(placesOf(entry.text), placesOf(entry.id)) << entry.id;
         places += placesOf(entry.id).size();
     }
-    EXPECT_GE(places, 300U);
+    EXPECT_GE(places, 400U);
 }
 
 TEST_P(ConsoleCatalogueTests, BlanksAndLinesStay) {
@@ -106,13 +108,15 @@ TEST_P(ConsoleCatalogueTests, WhatIsTypedStays) {
             ++typed;
         }
     }
-    EXPECT_GE(typed, 40U);
+    EXPECT_GE(typed, 80U);
 }
 
 TEST_P(ConsoleCatalogueTests, EnglishQuotesAndMarksAreThoseOfTheLanguage) {
     std::map<std::string, char const *> const quotes{
         {"de", "\u201E"}, {"fr", "\u00AB\u00A0"}, {"ja", "\u300C"}};
     for (PoEntry const & entry : entries()) {
+        // Texts of JSON are shown as they are typed there.
+        if (entry.id.find("\"\"") != std::string::npos) continue;
         EXPECT_EQ(entry.text.find('"'), std::string::npos) << entry.text;
         if (entry.id.find('"') != std::string::npos) {
             EXPECT_NE(entry.text.find(quotes.at(language())), std::string::npos) << entry.text;
@@ -121,14 +125,15 @@ TEST_P(ConsoleCatalogueTests, EnglishQuotesAndMarksAreThoseOfTheLanguage) {
         // A blank before these signs doesn't break.
         for (char const * const sign : {" :", " ;", " ?", " !", "\u00AB ", " \u00BB"})
             EXPECT_EQ(entry.text.find(sign), std::string::npos) << entry.text;
-        EXPECT_EQ(entry.text.find('\''), std::string::npos) << entry.text;
+        // What a shell is given has straight ones.
+        EXPECT_EQ(found(entry.text, "'").size(), 2 * found(entry.id, "'#12'").size()) << entry.text;
     }
 }
 
 TEST_P(ConsoleCatalogueTests, ProgramReadsTheTranslations) {
     inLanguage([] {
         for (PoEntry const & entry : entries()) {
-            EXPECT_EQ(Text::toUtf8(StringTable::getLocalizedString("VnConsole", "",
+            EXPECT_EQ(Text::toUtf8(StringTable::getLocalizedString("VnConsole", entry.context,
                                                                    Text::fromUtf8(entry.id))),
                       entry.text);
         }

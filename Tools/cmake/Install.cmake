@@ -1,7 +1,7 @@
 # What is installed, and where.  Everything finds its neighbours by their place relative to it, so an
 # installed tree can be moved.
 #
-#   bin/vnconsole                           share/man/man1/vnconsole.1
+#   bin/vnconsole                           share/man/{,de/,fr/,ja/}man1/vnconsole.1
 #   share/bash-completion/completions/, share/zsh/site-functions/   what the shells complete
 #   Server/                                 the configurations of the add-ins and their schema
 #   lib/VnCommonData10.so, VnConsole10.so and the libraries of the platform
@@ -36,6 +36,10 @@ set_target_properties(VnConsole10 PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS VnConsole10 LIBRARY DESTINATION "${VN_INSTALL_MODULES}" COMPONENT runtime)
 if(NOT WIN32)
   install(FILES Docs/vnconsole.1 DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT runtime)
+  foreach(language IN ITEMS de fr ja)
+    install(FILES Docs/${language}/vnconsole.1
+            DESTINATION "${CMAKE_INSTALL_MANDIR}/${language}/man1" COMPONENT runtime)
+  endforeach()
   install(FILES Console/ShellCompletion/vnconsole.bash RENAME vnconsole COMPONENT runtime
           DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
   install(FILES Console/ShellCompletion/_vnconsole COMPONENT runtime
