@@ -8,6 +8,7 @@
 #include "Console/Evaluation.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/FailureExplanation.h"
+#include "Server/CommonData/Expressions/ReadingNotes.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
 
 namespace Vn::Console {
@@ -87,6 +88,20 @@ std::string tokensOf(std::wstring const & text) {
     return answer + ']';
 }
 
+std::string notesOn(Expression const & expression) {
+    std::string all = "[";
+    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression)) {
+        Members members;
+        members.add("reading", Expressions::readingName(note.reading));
+        members.add("start", note.start);
+        members.add("end", note.end);
+        members.add("text", note.text);
+        if (all.size() > 1) all += ',';
+        all += '{' + members.take() + '}';
+    }
+    return all + ']';
+}
+
 // Why there is no value.  What else is found out about a text that people may mean otherwise has
 // its members here too.
 void addExplanation(Expression const & expression, bool hasValue, Members & members) {
@@ -97,6 +112,8 @@ void addExplanation(Expression const & expression, bool hasValue, Members & memb
     members.add("explanation", failure.explanation);
     members.add("suggestions", failure.suggestions);
     members.add("hint", failure.hint);
+    members.add("corrections", failure.corrections);
+    members.raw("notes", hasValue ? notesOn(expression) : "[]");
 }
 
 } // namespace

@@ -17,6 +17,11 @@
 //   start, end          the piece of the text that is at fault
 //   explanation         the reason in words, also for a tree without a value
 //   suggestions, hint   known names like one that isn't known, and what to type instead
+//   corrections         texts that may be meant by one without a tree, the likeliest first; each
+//                       parses
+//   notes               readings that people rarely mean, of a text with a value: objects with the
+//                       name of the reading, the start and end of the piece, and the text of the
+//                       note
 //
 // All members are always there.  Texts are empty, and numbers 0, where there is nothing to tell.
 // What can't be shown in the unit that is asked for has no such answer, but an error.

@@ -12,6 +12,7 @@
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/ReadingNotes.h"
 #include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
 namespace Vn::Console {
@@ -85,6 +86,14 @@ void showEquivalents(Expression const & expression, UnitDisplaySettings const & 
     out << table.toUtf8(indent);
 }
 
+// What was read otherwise than it may be meant.
+void tellNotes(Expression const & expression, std::ostream & out, std::ostream & err) {
+    std::wstring lines;
+    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression))
+        lines += L"note: " + note.text + L'\n';
+    if (!lines.empty()) tell(Text::toUtf8(lines), out, err);
+}
+
 } // namespace
 
 Evaluation evaluate(Expression const & expression, UnitDisplaySettings const & settings,
@@ -138,6 +147,7 @@ bool showEvaluation(Request const & request, UnitDisplaySettings const & setting
         table.add({L"", L"(the rebuilt text would not read back to the same value)"});
     }
     out << table.toUtf8();
+    tellNotes(expression, out, err);
     if (e.error.empty()) return true;
     tell("vnconsole: " + Text::toUtf8(e.error) + '\n', out, err);
     return false;
@@ -163,6 +173,7 @@ bool showBriefly(Request const & request, UnitDisplaySettings const & settings,
         out << "  the rebuilt text would not read back to the same value; store "
             << Text::toUtf8(printable(textToStore(e, expression))) << '\n';
     }
+    tellNotes(expression, out, err);
     return true;
 }
 

@@ -43,7 +43,8 @@ std::wstring whyNotShown(Expressions::Expression const & expression,
 std::wstring textToStore(Evaluation const & evaluation, Expressions::Expression const & expression);
 
 // Shows what was asked for as a table, or why there is no answer on `err`.  `display` holds where
-// the text itself names no unit.  False if it isn't good.
+// the text itself names no unit.  False if it isn't good.  What was read otherwise than it may be
+// meant is noted on `err` too.
 bool showEvaluation(Request const & request, Units::UnitDisplaySettings const & settings,
                     Units::UnitContext const & display, std::ostream & out, std::ostream & err);
 

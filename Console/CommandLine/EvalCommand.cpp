@@ -13,6 +13,7 @@
 #include "Console/Evaluation.h"
 #include "Console/SettingsTexts.h"
 #include "Console/Terminal/NumberedErrors.h"
+#include "Console/Terminal/Terminal.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 
@@ -147,13 +148,17 @@ private:
     bool m_bFirst = true; // nothing was shown yet
 };
 
-// Answers the lines of `in`; false if one isn't good or can't be read.
+// Answers the lines of `in`, which are numbered unless a person types them; false if one isn't good
+// or can't be read.
 bool answerLines(Evaluator & evaluator, std::istream & in, std::ostream & out,
                  NumberedErrors & err) {
+    bool const isTyped = inputIsTerminal();
+    if (isTyped && errorIsTerminal())
+        err << "Type expressions, each on a line; the end of the input ends.\n" << std::flush;
     bool good = true;
     std::string line;
     for (std::size_t number = 1; out && std::getline(in, line); ++number) {
-        err.begin(number);
+        err.begin(isTyped ? 0 : number);
         std::wstring text;
         if (!Text::fromUtf8(line, text)) {
             good &= evaluator.refuse(L"the line isn't UTF-8", number);

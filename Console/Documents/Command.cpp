@@ -12,6 +12,7 @@
 #include "Console/Documents/CommandTable.h"
 #include "Console/Documents/Interruption.h"
 #include "Console/Documents/Session.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Spelling.h"
@@ -103,18 +104,19 @@ std::vector<Call> takeApart(std::vector<std::wstring> const & words) {
 }
 
 // The aliases of the commands that a call may hold and that are `wanted`.
-std::wstring aliases(wchar_t const * separator, bool (*wanted)(DocumentCommand const &)) {
+std::wstring aliases(bool (*wanted)(DocumentCommand const &)) {
     std::wstring all;
     for (DocumentCommand const & command : documentCommands())
         if (command.call != EDocumentCall::None && wanted(command))
-            all += (all.empty() ? L"" : separator) + Text::widen(command.alias);
+            all += (all.empty() ? L"" : L", ") + Text::widen(command.alias);
     return all;
 }
 
 // "a, b or c" of "a, b, c".
-std::wstring oneOf(std::wstring names) {
+std::wstring oneOf(std::wstring const & names) {
     std::size_t const last = names.rfind(L", ");
-    return last == names.npos ? names : names.replace(last, 2, L" or ");
+    if (last == names.npos) return names;
+    return message(L"%1% or %2%", names.substr(0, last), names.substr(last + 2));
 }
 
 bool takesJson(DocumentCommand const & command) {
@@ -125,22 +127,24 @@ bool takesVerbose(DocumentCommand const & command) {
     return command.otherFlag && std::wstring_view(command.otherFlag) == L"Verbose";
 }
 
+int badUsage(std::wstring const & why, std::ostream & err) {
+    told(why, err);
+    return ExitBadUsage;
+}
+
 int unknown(std::wstring const & word, std::ostream & err) {
     std::vector<std::wstring> names;
     for (DocumentCommand const & command : documentCommands())
         if (command.call != EDocumentCall::None) names.push_back(Text::widen(command.alias));
     auto const nearest = Spelling::nearest(word, names, Spelling::allowedMistakes(word.size()));
-    err << "vnconsole: there is no command " << Text::toUtf8(inQuotes(word)) << " on documents; "
-        << Text::toUtf8(nearest.empty() ? L"the commands are " +
-                                              aliases(L", ", [](auto const &) { return true; })
-                                        : L"did you mean " + *nearest.front() + L"?")
-        << '\n';
-    return ExitBadUsage;
-}
-
-int badUsage(std::string const & message, std::ostream & err) {
-    err << "vnconsole: " << message << '\n';
-    return ExitBadUsage;
+    if (nearest.empty()) {
+        return badUsage(message(L"there is no command %1% on documents; the commands are %2%",
+                                inQuotes(word), aliases([](auto const &) { return true; })),
+                        err);
+    }
+    return badUsage(message(L"there is no command %1% on documents; did you mean %2%?",
+                            inQuotes(word), *nearest.front()),
+                    err);
 }
 
 // Finds the commands, and looks whether they go together; nothing is done yet.
@@ -149,10 +153,11 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
         call.command = findDocumentCommand(call.words.front());
         if (!call.command) return unknown(call.words.front(), err);
         if (call.is(EDocumentCall::None)) {
-            return badUsage(Text::toUtf8(call.words.front()) +
-                                " belongs to a session; here the file is opened first and saved "
-                                "after the last command",
-                            err);
+            return badUsage(
+                message(L"%1% belongs to a session; here the file is opened first and saved "
+                        L"after the last command",
+                        call.words.front()),
+                err);
         }
         for (std::size_t i = 1; i < call.words.size(); ++i) {
             std::wstring const & word = call.words[i];
@@ -163,25 +168,25 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
             else
                 call.parameters.push_back(word);
         }
-        std::string const name = call.command->alias;
+        std::wstring const name = Text::widen(call.command->alias);
         if (call.is(EDocumentCall::Begins) && &call != &calls.front())
-            return badUsage(name + " stands in front of all other commands", err);
+            return badUsage(message(L"%1% stands in front of all other commands", name), err);
         bool const isAlone = calls.size() == 1 && call.words.size() == 1 && !options.isNew;
         if (call.is(EDocumentCall::Alone) && !isAlone)
-            return badUsage(name + " stands alone, and looks at the file", err);
+            return badUsage(message(L"%1% stands alone, and looks at the file", name), err);
     }
     bool const showsJson = std::any_of(calls.begin(), calls.end(),
                                        [](Call const & call) { return takesJson(*call.command); });
     if (options.json && !showsJson) {
         return badUsage(
-            "--json goes with the command " + Text::toUtf8(oneOf(aliases(L", ", &takesJson))), err);
+            message(L"%1% goes with the command %2%", L"--json", oneOf(aliases(&takesJson))), err);
     }
     bool const isVerbose = std::any_of(
         calls.begin(), calls.end(), [](Call const & call) { return takesVerbose(*call.command); });
     if (options.verbose && !isVerbose) {
-        return badUsage("--verbose goes with the command " +
-                            Text::toUtf8(oneOf(aliases(L", ", &takesVerbose))),
-                        err);
+        return badUsage(
+            message(L"%1% goes with the command %2%", L"--verbose", oneOf(aliases(&takesVerbose))),
+            err);
     }
     return ExitGood;
 }
@@ -203,17 +208,20 @@ int begin(std::filesystem::path const & file, Call const & first, DocumentSessio
           std::ostream & err) {
     if (first.is(EDocumentCall::Begins)) {
         if (!first.flags.empty() || !isThere(file)) return ExitGood;
-        err << "cannot make a new document: " << Text::toUtf8(shown(file))
-            << " is there already; the command new /Force replaces it\n";
+        err << Text::toUtf8(message(L"cannot make a new document: %1% is there already; the "
+                                    L"command new /Force replaces it",
+                                    shown(file)))
+            << '\n';
         return ExitBadInput;
     }
     if (!isThere(file) && !isUnseen(file)) {
-        err << "cannot open the document: there is no " << Text::toUtf8(shown(file))
-            << "; --new makes it\n";
+        err << Text::toUtf8(message(L"cannot open the document: there is no %1%; --new makes it",
+                                    shown(file)))
+            << '\n';
         return ExitBadInput;
     }
     if (Status const status = session.open(file); !status) {
-        err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
+        err << Text::toUtf8(printable(statusText(status))) << '\n';
         return status.code() == StatusCancelled ? ExitInterrupted : ExitBadInput;
     }
     return ExitGood;
@@ -243,14 +251,14 @@ int save(std::filesystem::path const & file, bool isNew, bool json, DocumentSess
     Status const status = isNew ? session.saveAs(file) : session.save();
     if (!status) {
         out.flush();
-        err << Text::toUtf8(printable(Text::fromUtf8(status.toString()))) << '\n';
+        err << Text::toUtf8(printable(statusText(status))) << '\n';
         return ExitBadInput;
     }
     if (std::wstring const kept = session.whatWasKept(); !kept.empty()) {
         out.flush();
-        err << "note: " << Text::toUtf8(kept) << '\n';
+        err << Text::toUtf8(message(L"note: %1%", kept)) << '\n';
     }
-    if (!json) out << "saved " << Text::toUtf8(session.name()) << '\n';
+    if (!json) out << Text::toUtf8(message(L"saved %1%", session.name())) << '\n';
     return ExitGood;
 }
 
@@ -262,9 +270,9 @@ std::string documentCallsText() {
         if (command.call == EDocumentCall::None) continue;
         std::wstring const usage =
             *command.callUsage ? L' ' + std::wstring(command.callUsage) : L"";
-        table.add({Text::widen(command.alias) + usage, command.callMeaning});
+        table.add({Text::widen(command.alias) + usage, message(command.callMeaning)});
     }
-    return "Commands:\n" + table.toUtf8("  ");
+    return Text::toUtf8(message(L"Commands:")) + '\n' + table.toUtf8("  ");
 }
 
 int runDocument(DocumentOptions const & options, DocumentSession & session, std::ostream & out,
@@ -276,7 +284,7 @@ int runDocument(DocumentOptions const & options, DocumentSession & session, std:
                                                findDocumentCommand(L"new");
     if (options.isNew && !saysNew) calls.insert(calls.begin(), {{L"new"}});
     if (int const status = prepare(options, calls, err); status != ExitGood) return status;
-    if (options.file.empty()) return badUsage("the name of the file is empty", err);
+    if (options.file.empty()) return badUsage(message(L"the name of the file is empty"), err);
 
     Call const & first = calls.front();
     std::filesystem::path const file = pathOf(options.file);
@@ -287,11 +295,11 @@ int runDocument(DocumentOptions const & options, DocumentSession & session, std:
         int const status = run(call, options, out, err);
         if (status == ExitGood) continue;
         if (std::any_of(calls.begin(), calls.end(), [](Call const & c) { return c.changes(); }))
-            err << "nothing was saved\n";
+            err << Text::toUtf8(message(L"nothing was saved")) << '\n';
         return status;
     }
     if (OS::wasInterrupted()) {
-        err << "interrupted: nothing was saved\n";
+        err << Text::toUtf8(message(L"interrupted: nothing was saved")) << '\n';
         return ExitInterrupted;
     }
     return save(file, first.is(EDocumentCall::Begins), options.json, session, out, err);

@@ -31,14 +31,14 @@ struct DocumentExample {
     wchar_t const * meaning = nullptr;
 };
 
-// How a command is called, and what it does.
+// How a command is called, and what it does.  The texts but for usages are messages.
 struct DocumentCommand {
     wchar_t const * area = nullptr;
     wchar_t const * name = nullptr;
     char const * alias = nullptr;      // which is enough where a line begins
     wchar_t const * usage = L"";       // what stands after the name
     wchar_t const * meaning = nullptr; // in the list of text commands
-    wchar_t const * purpose = nullptr; // after "cannot"
+    wchar_t const * refusal = nullptr; // "cannot ...: %1%", with a place for the reason
     unsigned least = 0;                // the number of parameters
     unsigned most = 0;
     wchar_t const * flag = nullptr;      // one that it knows; null if it knows none

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Console/Failure.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
@@ -52,8 +53,8 @@ std::wstring read(std::wstring const & text, UnitContext const & context, double
         return lines;
     }
     std::optional<double> const found = expression.value();
-    if (!found) return inQuotes(text) + L" has no value";
-    if (!std::isfinite(*found)) return inQuotes(text) + L" isn't finite";
+    if (!found) return message(L"%1% has no value", inQuotes(text));
+    if (!std::isfinite(*found)) return message(L"%1% isn't finite", inQuotes(text));
     value = *found;
     return {};
 }
@@ -81,14 +82,15 @@ std::vector<std::wstring> parts(std::wstring_view text) {
     return found;
 }
 
-std::wstring read(std::wstring const & text, UnitContext const & context, wchar_t const * what,
+std::wstring read(std::wstring const & text, UnitContext const & context, wchar_t const * whyNot,
                   wchar_t const * example, Triple & value) {
     std::vector<std::wstring> const all = parts(text);
     if (all.size() != value.size()) {
-        std::wstring const why = inQuotes(text) + L" isn't " + what + L": write it as " + example;
-        return all.size() > value.size()
-                   ? why + L", or with semicolons between numbers that have decimals after a comma"
-                   : why;
+        std::wstring const why = message(whyNot, inQuotes(text), example);
+        return all.size() > value.size() ? message(L"%1%, or with semicolons between numbers that "
+                                                   L"have decimals after a comma",
+                                                   why)
+                                         : why;
     }
     Triple found{};
     for (std::size_t i = 0; i < all.size(); ++i) {
@@ -117,12 +119,13 @@ std::wstring Coordinates::readLength(std::wstring const & text, double & value) 
 }
 
 std::wstring Coordinates::readLengths(std::wstring const & text, Triple & value) const {
-    return read(text, UnitContext(m_pUnit), L"a point", L"(1 in, 0, 2 cm)", value);
+    return read(text, UnitContext(m_pUnit), tr(L"%1% isn't a point: write it as %2%"),
+                L"(1 in, 0, 2 cm)", value);
 }
 
 std::wstring Coordinates::readDirection(std::wstring const & text, Triple & value) {
-    return read(text, UnitContext(&Units::ComplexUnit::none()), L"a direction", L"(0, 0, 1)",
-                value);
+    return read(text, UnitContext(&Units::ComplexUnit::none()),
+                tr(L"%1% isn't a direction: write it as %2%"), L"(0, 0, 1)", value);
 }
 
 nlohmann::ordered_json jsonOf(double value) {

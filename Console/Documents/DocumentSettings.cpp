@@ -4,6 +4,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 
@@ -66,7 +67,7 @@ std::wstring findSetting(std::wstring const & name, DocumentSetting const *& set
         }
         if (names.back() == names[names.size() - 2]) names.pop_back();
     }
-    return L"there is no setting " + inQuotes(name) + orInstead(name, names);
+    return message(L"there is no setting %1%", inQuotes(name)) + orInstead(name, names);
 }
 
 } // namespace Vn::Console

@@ -7,6 +7,7 @@
 #include "Console/Documents/Session.h"
 #include "Console/Documents/UnitSystems.h"
 #include "Console/Evaluation.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
@@ -49,24 +50,25 @@ UnitContext contextOfKind(DocumentUnits const & options, OpenedUnits const & uni
 int openUnits(DocumentUnits const & options, OpenedUnits & units, std::ostream & err) {
     if (!options.file) {
         if (!options.system && !options.kind && !options.id) return ExitGood;
-        err << "vnconsole: "
-            << (options.system ? "--system"
-                : options.kind ? "--kind"
-                               : "--id")
-            << " asks the unit systems of a document; name one with --document\n";
+        wchar_t const * const option = options.system ? L"--system"
+                                       : options.kind ? L"--kind"
+                                                      : L"--id";
+        told(message(L"%1% asks the unit systems of a document; name one with --document", option),
+             err);
         return ExitBadUsage;
     }
     if (Status const status = loadDocument(pathOf(*options.file), units.asset); !status)
         return told(status, err);
     std::wstring const why = findUnitSystem(units.asset->segment(SegmentType::DesignSegment),
                                             options.system, units.system);
-    return why.empty() ? ExitGood : told(shown(pathOf(*options.file)) + L": " + why, err);
+    return why.empty() ? ExitGood
+                       : told(message(L"%1%: %2%", shown(pathOf(*options.file)), why), err);
 }
 
 int makeDocumentContext(DocumentUnits const & options, std::optional<std::wstring> const & unit,
                         OpenedUnits const & units, UnitContext & context, std::ostream & err) {
     if (unit && options.kind) {
-        err << "vnconsole: --unit and --kind ask for different things\n";
+        told(message(L"--unit and --kind ask for different things"), err);
         return ExitBadUsage;
     }
     if (!units.system) {
@@ -77,7 +79,7 @@ int makeDocumentContext(DocumentUnits const & options, std::optional<std::wstrin
         ESimpleUnitType kind{};
         std::wstring const why = findUnitKind(*options.kind, kind);
         if (!why.empty()) {
-            err << "vnconsole: --kind: " << Text::toUtf8(why) << '\n';
+            told(message(L"%1%: %2%", L"--kind", why), err);
             return ExitBadUsage;
         }
         context = contextOfKind(options, units, kind);
@@ -98,10 +100,13 @@ int makeDocumentContext(DocumentUnits const & options, std::optional<std::wstrin
     if (!units.system->find(Text::toUtf8(*options.id))) {
         StrongRef<Units::UnitSystemChoice> kind;
         std::wstring const why = findUnitChoice(*units.system, *options.id, kind);
-        return told(why.empty() ? L"the unit system has " + inQuotes(*options.id) +
-                                      L" as a kind and not as a key; --kind asks for kinds"
-                                : why,
-                    err);
+        return told(
+            why.empty()
+                ? message(
+                      L"the unit system has %1% as a kind and not as a key; --kind asks for kinds",
+                      inQuotes(*options.id))
+                : why,
+            err);
     }
     context = UnitContext(units.system, Text::toUtf8(*options.id),
                           static_cast<SimpleUnit const *>(nullptr));

@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "Console/Documents/UnitSystems.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/InterfaceId.h"
@@ -18,30 +19,30 @@ namespace {
 
 struct Kind {
     std::string_view className;
-    wchar_t const * word;
+    wchar_t const * word; // a message
 };
 
 constexpr Kind c_kinds[] = {
-    {"CommonBaseEntity", L"entity"},
-    {"CommonBaseGroupEntity", L"group"},
-    {"CommonBaseRootCollection", L"root collection"},
-    {"CommonDataAssetSettings", L"settings"},
-    {"CustomGroup", L"custom group"},
-    {"CustomGroups", L"custom groups"},
-    {"ManagedRootCollection", L"root collection"},
-    {"NamedView", L"view"},
-    {"NamedViews", L"views"},
-    {"UnitSystem", L"unit system"},
-    {"UnitSystemChoiceById", L"unit"},
-    {"UnitSystemChoiceByUnit", L"unit"},
-    {"UnitSystems", L"unit systems"},
+    {"CommonBaseEntity", tr(L"entity")},
+    {"CommonBaseGroupEntity", tr(L"group")},
+    {"CommonBaseRootCollection", tr(L"root collection")},
+    {"CommonDataAssetSettings", tr(L"settings")},
+    {"CustomGroup", tr(L"custom group")},
+    {"CustomGroups", tr(L"custom groups")},
+    {"ManagedRootCollection", tr(L"root collection")},
+    {"NamedView", tr(L"view")},
+    {"NamedViews", tr(L"views")},
+    {"UnitSystem", tr(L"unit system")},
+    {"UnitSystemChoiceById", tr(L"unit")},
+    {"UnitSystemChoiceByUnit", tr(L"unit")},
+    {"UnitSystems", tr(L"unit systems")},
 };
 
 std::wstring gistOf(Units::UnitSystemChoice const & choice) {
     std::wstring const purpose = purposeOf(choice);
     std::wstring const unit = unitText(choice.units(), Units::UnitDisplaySettings::standard());
-    return (purpose.empty() ? choice.name() : purpose) + L": " +
-           (unit.empty() ? choice.storedUnitString() : unit);
+    return message(L"%1%: %2%", purpose.empty() ? choice.name() : purpose,
+                   unit.empty() ? choice.storedUnitString() : unit);
 }
 
 std::wstring gistOf(Units::UnitSystem const & system) {
@@ -52,8 +53,8 @@ std::wstring gistOf(Units::UnitSystem const & system) {
 
 std::wstring gistOf(Managed::ManagedGroupEntity const & group) {
     unsigned const count = group.children();
-    if (count == 0) return L"empty";
-    return std::to_wstring(count) + (count == 1 ? L" entity" : L" entities");
+    if (count == 0) return message(L"empty");
+    return counted(count, tr(L"%1% entity"), tr(L"%1% entities"));
 }
 
 } // namespace
@@ -68,7 +69,7 @@ std::string className(Entity const & entity) {
 std::wstring kindOf(Entity const & entity) {
     std::string const name = className(entity);
     for (Kind const & kind : c_kinds)
-        if (kind.className == name) return kind.word;
+        if (kind.className == name) return message(kind.word);
     return printable(Text::fromUtf8(name));
 }
 

@@ -1,5 +1,6 @@
 #include "Console/Documents/Equipment.h"
 
+#include "Console/Messages.h"
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/AssetAdapter.h"
@@ -35,7 +36,7 @@ SimpleUnit const * unitOf(UnitDisplaySettings::UNIT_TYPE type) {
 }
 
 std::wstring elseUnder(std::string const & key) {
-    return L"something else stands under \"" + Text::widen(key) + L'"';
+    return message(L"something else stands under \"%1%\"", Text::widen(key));
 }
 
 } // namespace

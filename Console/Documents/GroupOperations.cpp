@@ -8,6 +8,7 @@
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/Tree.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
@@ -32,8 +33,8 @@ std::wstring withId(std::wstring const & path, unsigned long long id) {
     return shownPath(path) + L" (#" + std::to_wstring(id) + L')';
 }
 
-std::wstring counted(std::size_t count) {
-    return std::to_wstring(count) + (count == 1 ? L" entity" : L" entities");
+std::wstring entities(std::size_t count) {
+    return counted(count, tr(L"%1% entity"), tr(L"%1% entities"));
 }
 
 ManagedGroupEntity * groupAt(DocumentPlace const & place) {
@@ -44,7 +45,7 @@ ManagedGroupEntity * groupAt(DocumentPlace const & place) {
 // own, which keep those that are built in.
 std::wstring whyNotIn(ManagedGroupEntity * group, std::wstring const & command) {
     if (!group || !query<NameView::NamedViews>(group)) return {};
-    return L"the group holds the named views, and Views." + command + L" is for these";
+    return message(L"the group holds the named views, and %1% is for these", L"Views." + command);
 }
 
 // Finds a group that is to get children.  The root group is the one without a name, and is made by
@@ -60,7 +61,7 @@ std::wstring findGroup(DocumentSession const & session, std::wstring const & tex
     DocumentPlace found;
     std::wstring why = findPlace(session, isRoot ? L"." : text, found);
     if (!why.empty()) return why;
-    if (!groupAt(found)) return shownPath(found.path) + L" isn't a group";
+    if (!groupAt(found)) return message(L"%1% isn't a group", shownPath(found.path));
     why = whyNotIn(groupAt(found), L"New");
     if (why.empty()) place = std::move(found);
     return why;
@@ -81,15 +82,15 @@ std::size_t children(DocumentPlace const & place) {
 TextCommandResult makeGroupAt(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
     std::wstring const why = findGroup(session, parameters.parameter(0), parent);
-    if (!why.empty()) return cannot(L"make a group", why);
+    if (!why.empty()) return cannot(L"cannot make a group: %1%", why);
     std::wstring const path = childPath(parent.path, children(parent));
     unsigned long long id = 0;
     bool const isCustom = parameters.hasFlag(L"Custom");
-    session.change(L"make " + shownPath(path), [&] {
+    session.change(message(L"make %1%", shownPath(path)), [&] {
         StrongRef<Entity> const group = groupFor(session, parent);
         id = isCustom ? makeCustomGroups(group)->id() : makeGroup(group)->id();
     });
-    return {0, L"made " + withId(path, id)};
+    return {0, message(L"made %1%", withId(path, id))};
 }
 
 namespace {
@@ -109,26 +110,27 @@ unsigned readCount(std::wstring const & text) {
 TextCommandResult addEntities(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace parent;
     std::wstring const why = findGroup(session, parameters.parameter(0), parent);
-    if (!why.empty()) return cannot(L"add entities", why);
+    if (!why.empty()) return cannot(L"cannot add entities: %1%", why);
     unsigned count = 1;
     if (parameters.parameters() > 1) count = readCount(parameters.parameter(1));
     if (count == 0) {
-        return cannot(L"add entities", inQuotes(parameters.parameter(1)) +
-                                           L" isn't a whole number from 1 to " +
-                                           std::to_wstring(c_mostAtOnce));
+        return cannot(L"cannot add entities: %1%",
+                      message(L"%1% isn't a whole number from 1 to %2%",
+                              inQuotes(parameters.parameter(1)), c_mostAtOnce));
     }
     std::size_t const first = children(parent);
     unsigned long long id = 0;
-    session.change(L"add " + counted(count) + L" to " + shownPath(parent.path), [&] {
+    session.change(message(L"add %1% to %2%", entities(count), shownPath(parent.path)), [&] {
         StrongRef<Entity> const group = groupFor(session, parent);
         for (unsigned i = 0; i < count; ++i) {
             endIfInterrupted();
             id = makeEntity(group)->id();
         }
     });
-    if (count == 1) return {0, L"added " + withId(childPath(parent.path, first), id)};
-    return {0, L"added " + counted(count) + L": " + shownPath(childPath(parent.path, first)) +
-                   L" to " + shownPath(childPath(parent.path, first + count - 1))};
+    if (count == 1) return {0, message(L"added %1%", withId(childPath(parent.path, first), id))};
+    return {0, message(L"added %1%: %2% to %3%", entities(count),
+                       shownPath(childPath(parent.path, first)),
+                       shownPath(childPath(parent.path, first + count - 1)))};
 }
 
 namespace {
@@ -138,7 +140,7 @@ std::wstring findMember(DocumentSession const & session, std::wstring const & te
                         DocumentPlace & place) {
     std::wstring const why = findPlace(session, text, place);
     if (!why.empty()) return why;
-    if (!place.group) return shownPath(place.path) + L" is a root of the tree";
+    if (!place.group) return message(L"%1% is a root of the tree", shownPath(place.path));
     return whyNotIn(place.group.get(), L"Delete");
 }
 
@@ -153,8 +155,10 @@ bool takeOut(DocumentSession & session, std::wstring const & name, DocumentPlace
     return !session.asset().entity(id);
 }
 
-std::wstring stillThere(bool gone) {
-    return gone ? std::wstring() : L"; something else holds it, and it stays in the document";
+// What was done, and that the entity is there all the same if it hasn't gone.
+std::wstring unlessHeld(std::wstring const & done, bool gone) {
+    return gone ? done
+                : message(L"%1%; something else holds it, and it stays in the document", done);
 }
 
 } // namespace
@@ -162,29 +166,32 @@ std::wstring stillThere(bool gone) {
 TextCommandResult removeEntity(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
     std::wstring const why = findMember(session, parameters.parameter(0), place);
-    if (!why.empty()) return cannot(L"remove", why);
+    if (!why.empty()) return cannot(L"cannot remove: %1%", why);
     std::wstring const path = shownPath(place.path);
     if (auto const * const group = groupAt(place); group && group->children() > 0) {
         std::size_t const below = entitiesBelow(*place.entity);
-        return cannot(L"remove", path + L" is a group with " + counted(below) +
-                                     L" below it; Groups.Delete deletes them all");
+        return cannot(L"cannot remove: %1%",
+                      message(L"%1% is a group with %2% below it; Groups.Delete deletes them all",
+                              path, entities(below)));
     }
-    std::wstring const answer = L"removed " + withId(place.path, place.entity->id());
-    return {0, answer + stillThere(takeOut(session, L"remove " + path, place))};
+    std::wstring const answer = message(L"removed %1%", withId(place.path, place.entity->id()));
+    return {0, unlessHeld(answer, takeOut(session, message(L"remove %1%", path), place))};
 }
 
 TextCommandResult deleteGroup(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
     std::wstring const why = findMember(session, parameters.parameter(0), place);
-    if (!why.empty()) return cannot(L"delete", why);
+    if (!why.empty()) return cannot(L"cannot delete: %1%", why);
     std::wstring const path = shownPath(place.path);
     if (!groupAt(place))
-        return cannot(L"delete", path + L" isn't a group; Groups.Remove takes it out of its own");
+        return cannot(L"cannot delete: %1%",
+                      message(L"%1% isn't a group; Groups.Remove takes it out of its own", path));
     std::size_t const below = entitiesBelow(*place.entity);
     std::wstring const answer =
-        L"deleted " + withId(place.path, place.entity->id()) +
-        (below > 0 ? L" and " + counted(below) + L" below it" : std::wstring());
-    return {0, answer + stillThere(takeOut(session, L"delete " + path, place))};
+        below > 0 ? message(L"deleted %1% and %2% below it", withId(place.path, place.entity->id()),
+                            entities(below))
+                  : message(L"deleted %1%", withId(place.path, place.entity->id()));
+    return {0, unlessHeld(answer, takeOut(session, message(L"delete %1%", path), place))};
 }
 
 namespace {
@@ -208,22 +215,22 @@ std::wstring whyNotMove(DocumentPlace const & moved, DocumentPlace const & targe
     case EMoveFault::None:
         break;
     case EMoveFault::Same:
-        return L"an entity has no place beside or within itself";
+        return message(L"an entity has no place beside or within itself");
     case EMoveFault::Root:
-        return from + L" is a root of the tree";
+        return message(L"%1% is a root of the tree", from);
     case EMoveFault::NotAGroup:
-        return to + L" isn't a group";
+        return message(L"%1% isn't a group", to);
     case EMoveFault::NoSiblings:
-        return to + L" is a root and has no siblings";
+        return message(L"%1% is a root and has no siblings", to);
     case EMoveFault::Foreign:
-        return from + L" has another parent than the group that lists it";
+        return message(L"%1% has another parent than the group that lists it", from);
     case EMoveFault::TargetForeign:
-        return to + L" has another parent than the group that lists it";
+        return message(L"%1% has another parent than the group that lists it", to);
     case EMoveFault::Within:
-        return to + L" stands within " + from;
+        return message(L"%1% stands within %2%", to, from);
     case EMoveFault::Dead: // not what a path leads to
     case EMoveFault::OtherDocument:
-        return to + L" isn't in the same document";
+        return message(L"%1% isn't in the same document", to);
     }
     std::wstring const why = whyNotIn(moved.group.get(), L"Move");
     if (!why.empty()) return why;
@@ -238,22 +245,22 @@ TextCommandResult moveEntity(DocumentSession & session, Parameters const & param
     EMove where = EMove::Before;
     std::wstring why = findPlace(session, parameters.parameter(0), moved);
     if (why.empty() && !readWhere(parameters.parameter(1), where)) {
-        why = L"an entity goes before or after another, or into a group, not " +
-              inQuotes(parameters.parameter(1));
+        why = message(L"an entity goes before or after another, or into a group, not %1%",
+                      inQuotes(parameters.parameter(1)));
     }
     if (why.empty()) why = findPlace(session, parameters.parameter(2), target);
     if (why.empty()) why = whyNotMove(moved, target, where);
-    if (!why.empty()) return cannot(L"move", why);
+    if (!why.empty()) return cannot(L"cannot move: %1%", why);
 
     std::wstring const before = shownPath(moved.path);
     std::wstring const name =
-        L"move " + before + L' ' + parameters.parameter(1) + L' ' + shownPath(target.path);
+        message(L"move %1% %2% %3%", before, parameters.parameter(1), shownPath(target.path));
     Status status;
     session.change(name, [&] { status = Managed::moveEntity(moved, where, target, name); });
-    if (!status) return {1, Text::fromUtf8(status.toString())};
+    if (!status) return {1, statusText(status)};
     std::wstring const now = entityPath(*moved.entity);
-    if (now == moved.path) return {0, before + L" is there already"};
-    return {0, L"moved " + before + L" to " + withId(now, moved.entity->id())};
+    if (now == moved.path) return {0, message(L"%1% is there already", before)};
+    return {0, message(L"moved %1% to %2%", before, withId(now, moved.entity->id()))};
 }
 
 } // namespace Vn::Console

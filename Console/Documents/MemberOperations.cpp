@@ -9,6 +9,7 @@
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Spelling.h"
@@ -32,12 +33,15 @@ std::wstring whyNoMember(EntityMembers const & members, std::wstring const & pat
                          std::wstring const & name) {
     std::vector<std::wstring> names;
     for (EntityMembers::Info const & info : members.all()) names.push_back(shownName(info.name));
-    std::wstring const why = path + L" has no member " + inQuotes(name);
+    std::wstring const wished = inQuotes(name);
     auto const nearest = Spelling::nearest(name, names, Spelling::allowedMistakes(name.size()));
-    if (!nearest.empty()) return why + L"; did you mean " + *nearest.front() + L"?";
+    if (!nearest.empty()) {
+        return message(L"%1% has no member %2%; did you mean %3%?", path, wished, *nearest.front());
+    }
     std::wstring all;
     for (std::wstring const & known : names) all += (all.empty() ? L"" : L", ") + known;
-    return all.empty() ? why : why + L"; its members are " + all;
+    return all.empty() ? message(L"%1% has no member %2%", path, wished)
+                       : message(L"%1% has no member %2%; its members are %3%", path, wished, all);
 }
 
 void writeMembers(EntityMembers const & members, bool json, std::ostream & out) {
@@ -71,7 +75,7 @@ Result showMembers(DocumentSession const & session, Parameters const & parameter
     bool const json = parameters.hasFlag(L"Json");
     DocumentPlace place;
     std::wstring const why = findPlace(session, parameters.parameter(0), place);
-    if (!why.empty()) return cannot(L"show the members", why);
+    if (!why.empty()) return cannot(L"cannot show the members: %1%", why);
     EntityMembers const members(place.entity);
     if (parameters.parameters() == 1) {
         writeMembers(members, json, out);
@@ -80,7 +84,8 @@ Result showMembers(DocumentSession const & session, Parameters const & parameter
     std::wstring const & name = parameters.parameter(1);
     std::wstring value;
     if (!members.get(Text::toUtf8(name), value))
-        return cannot(L"show the member", whyNoMember(members, shownPath(place.path), name));
+        return cannot(L"cannot show the member: %1%",
+                      whyNoMember(members, shownPath(place.path), name));
     if (json)
         out << nlohmann::json(Text::toUtf8(value)).dump() << '\n';
     else
@@ -91,7 +96,7 @@ Result showMembers(DocumentSession const & session, Parameters const & parameter
 Result setMember(DocumentSession & session, Parameters const & parameters) {
     DocumentPlace place;
     std::wstring const why = findPlace(session, parameters.parameter(0), place);
-    if (!why.empty()) return cannot(L"set the member", why);
+    if (!why.empty()) return cannot(L"cannot set the member: %1%", why);
     std::wstring const & name = parameters.parameter(1);
     std::wstring const & value = parameters.parameter(2);
 
@@ -100,19 +105,21 @@ Result setMember(DocumentSession & session, Parameters const & parameters) {
     std::string const key = Text::toUtf8(name);
     std::wstring before;
     if (!members.get(key, before))
-        return cannot(L"set the member", whyNoMember(members, path, name));
+        return cannot(L"cannot set the member: %1%", whyNoMember(members, path, name));
     Status status;
-    session.change(L"set " + printable(name) + L" of " + path,
+    session.change(message(L"set %1% of %2%", printable(name), path),
                    [&] { status = members.set(key, value); });
-    if (!status)
-        return cannot(L"set " + printable(name) + L" of " + path + L" to " + inQuotes(value),
-                      Text::fromUtf8(status.cause()));
+    std::wstring const member = printable(name);
+    if (!status) {
+        return {1, message(L"cannot set %1% of %2% to %3%: %4%", member, path, inQuotes(value),
+                           Text::fromUtf8(status.cause()))};
+    }
     std::wstring after;
     members.get(key, after);
     if (after == before)
-        return {0, printable(name) + L" of " + path + L" is " + inQuotes(after) + L" already"};
-    return {0, L"set " + printable(name) + L" of " + path + L" from " + inQuotes(before) + L" to " +
-                   inQuotes(after)};
+        return {0, message(L"%1% of %2% is %3% already", member, path, inQuotes(after))};
+    return {0, message(L"set %1% of %2% from %3% to %4%", member, path, inQuotes(before),
+                       inQuotes(after))};
 }
 
 } // namespace Vn::Console

@@ -8,6 +8,7 @@
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/Tree.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
@@ -20,7 +21,7 @@ using Parameters = TextCommandParameters;
 
 namespace {
 
-std::wstring textOf(Status const & status) { return printable(Text::fromUtf8(status.toString())); }
+std::wstring textOf(Status const & status) { return printable(statusText(status)); }
 
 TextCommandResult failure(Status const & status) {
     return {status.code() == StatusCancelled ? ExitInterrupted : ExitBadInput, textOf(status)};
@@ -32,39 +33,44 @@ std::wstring waysOn(DocumentSession const & session, Status const & status) {
     std::wstring own = session.name(); // as a parameter
     for (std::size_t i = 0; (i = own.find(L'"', i)) != own.npos; i += 2) own.insert(i, 1, L'\\');
     own = L'"' + own + L'"';
-    std::wstring const keeps = L"\n  Document.SaveAs OTHER.vnd   ";
-    if (status.code() == StatusNotFound)
-        return keeps + L"saves this document under another name" + L"\n  Document.SaveAs " + own +
-               L"   saves it under its own name again";
+    wchar_t const * const way = L"\n  %1%   %2%";
+    std::wstring const other = L"Document.SaveAs OTHER.vnd";
+    std::wstring const saveAs = L"Document.SaveAs " + own;
+    if (status.code() == StatusNotFound) {
+        return Text::filled(way, {other, message(L"saves this document under another name")}) +
+               Text::filled(way, {saveAs, message(L"saves it under its own name again")});
+    }
     if (status.code() != StatusChanged) return {};
-    return keeps + L"saves this document under another name, and keeps both" +
-           L"\n  Document.Open " + own +
-           L" /Force   takes the other's work, and drops what was "
-           L"changed here" +
-           L"\n  Document.SaveAs " + own + L" /Force   replaces the other's work by this document";
+    return Text::filled(
+               way, {other, message(L"saves this document under another name, and keeps both")}) +
+           Text::filled(way,
+                        {L"Document.Open " + own + L" /Force",
+                         message(L"takes the other's work, and drops what was changed here")}) +
+           Text::filled(
+               way, {saveAs + L" /Force", message(L"replaces the other's work by this document")});
 }
 
 // Why a document can't take the place of the one that is open.
 std::wstring whyNotReplace(DocumentSession const & session, Parameters const & parameters) {
     if (!session.hasUnsavedChanges() || parameters.hasFlag(L"Force")) return {};
-    return session.unsavedChanges() + L"; save the document, or lose them with /Force";
+    return message(L"%1%; save the document, or lose them with /Force", session.unsavedChanges());
 }
 
 // Why a text can't be the name of a file.
 std::wstring whyNoFile(std::wstring const & name) {
-    if (name.empty()) return L"the name of the file is empty";
-    if (name.find(L'\0') != name.npos) return inQuotes(name) + L" isn't a file name";
+    if (name.empty()) return message(L"the name of the file is empty");
+    if (name.find(L'\0') != name.npos) return message(L"%1% isn't a file name", inQuotes(name));
     return {};
 }
 
 std::wstring howItDiffers(DocumentSession const & session) {
     bool const hasFile = !session.asset().file().empty();
     if (!session.hasUnsavedChanges()) {
-        return hasFile ? L"the document is as " + session.name() + L" has it"
-                       : L"the document is new and empty, and has no file";
+        return hasFile ? message(L"the document is as %1% has it", session.name())
+                       : message(L"the document is new and empty, and has no file");
     }
-    return hasFile ? L"the document differs from " + session.name()
-                   : L"the document has changes and no file";
+    return hasFile ? message(L"the document differs from %1%", session.name())
+                   : message(L"the document has changes and no file");
 }
 
 // Whether a document that can't be opened for a reason of that kind may be damaged.
@@ -89,51 +95,54 @@ std::wstring listOf(std::vector<std::string> const & lines) {
 
 } // namespace
 
-TextCommandResult cannot(std::wstring const & what, std::wstring const & reason) {
-    return {1, L"cannot " + what + L": " + reason};
+TextCommandResult cannot(wchar_t const * refusal, std::wstring_view reason) {
+    return {1, message(refusal, reason)};
 }
 
 TextCommandResult newDocument(DocumentSession & session, Parameters const & parameters) {
     if (std::wstring const why = whyNotReplace(session, parameters); !why.empty())
-        return cannot(L"make a new document", why);
+        return cannot(L"cannot make a new document: %1%", why);
     if (Status const status = session.makeNew(); !status) return failure(status);
-    return {0, L"a new document with an empty group \"Groups\""};
+    return {0, message(L"a new document with an empty group \"Groups\"")};
 }
 
 TextCommandResult openDocument(DocumentSession & session, Parameters const & parameters) {
     std::wstring const & name = parameters.parameter(0);
     std::wstring why = whyNoFile(name);
     if (why.empty()) why = whyNotReplace(session, parameters);
-    if (!why.empty()) return cannot(L"open the document", why);
+    if (!why.empty()) return cannot(L"cannot open the document: %1%", why);
     if (Status const status = session.open(pathOf(name)); !status) return failure(status);
     std::size_t const count = session.asset().entities();
-    return {0, L"opened " + session.name() + L" with " + std::to_wstring(count) +
-                   (count == 1 ? L" entity" : L" entities")};
+    return {0, counted(count, tr(L"opened %2% with %1% entity"),
+                       tr(L"opened %2% with %1% entities"), session.name())};
 }
 
 TextCommandResult saveDocument(DocumentSession & session, Parameters const &) {
     if (session.asset().file().empty())
-        return cannot(L"save", L"the document has no file yet; Document.SaveAs FILE gives it one");
-    if (!session.hasUnsavedChanges()) return {0, session.name() + L" is up to date"};
+        return cannot(L"cannot save: %1%",
+                      message(L"the document has no file yet; Document.SaveAs FILE gives it one"));
+    if (!session.hasUnsavedChanges()) return {0, message(L"%1% is up to date", session.name())};
     if (Status const status = session.save(); !status)
         return {1, textOf(status) + waysOn(session, status)};
-    return {0, L"saved " + session.name()};
+    return {0, message(L"saved %1%", session.name())};
 }
 
 TextCommandResult saveDocumentAs(DocumentSession & session, Parameters const & parameters) {
     std::wstring const & name = parameters.parameter(0);
-    if (std::wstring const why = whyNoFile(name); !why.empty()) return cannot(L"save", why);
+    if (std::wstring const why = whyNoFile(name); !why.empty())
+        return cannot(L"cannot save: %1%", why);
     fs::path const file = pathOf(name);
     std::error_code ignored;
     if (!parameters.hasFlag(L"Force") && fs::exists(fs::symlink_status(file, ignored))) {
         bool const isOwn = !session.asset().file().empty() &&
                            fs::equivalent(file, session.asset().file(), ignored);
         if (isOwn) return saveDocument(session, parameters);
-        return cannot(L"save", shown(file) + L" is there already; /Force replaces it");
+        return cannot(L"cannot save: %1%",
+                      message(L"%1% is there already; /Force replaces it", shown(file)));
     }
     if (Status const status = session.saveAs(file); !status) return {1, textOf(status)};
     std::wstring const kept = session.whatWasKept();
-    return {0, L"saved " + session.name() + (kept.empty() ? L"" : L'\n' + kept)};
+    return {0, message(L"saved %1%", session.name()) + (kept.empty() ? L"" : L'\n' + kept)};
 }
 
 TextCommandResult showTree(DocumentSession const & session, Parameters const & parameters,
@@ -151,8 +160,8 @@ TextCommandResult showTree(DocumentSession const & session, Parameters const & p
             paths.push_back(parameters.parameter(i));
     }
     if (paths.size() > 1) {
-        return cannot(L"show the tree",
-                      inQuotes(paths[1]) + L" is too much: the tree is of one entity");
+        return cannot(L"cannot show the tree: %1%",
+                      message(L"%1% is too much: the tree is of one entity", inQuotes(paths[1])));
     }
     if (paths.empty()) {
         writeTree(session, form, out);
@@ -160,7 +169,7 @@ TextCommandResult showTree(DocumentSession const & session, Parameters const & p
     }
     DocumentPlace place;
     std::wstring const why = findPlace(session, paths.front(), place);
-    if (!why.empty()) return cannot(L"show the tree", why);
+    if (!why.empty()) return cannot(L"cannot show the tree: %1%", why);
     writeTree(place, form, out);
     return {};
 }
@@ -168,22 +177,24 @@ TextCommandResult showTree(DocumentSession const & session, Parameters const & p
 TextCommandResult undoChange(DocumentSession & session, Parameters const &) {
     ChangeHistory & history = session.history();
     if (history.undoSteps() == 0) {
-        return cannot(L"undo", history.redoSteps() > 0
-                                   ? L"everything is undone already"
-                                   : L"nothing was changed since the document was opened; the "
-                                     L"history isn't saved, and no earlier session can be undone");
+        return cannot(L"cannot undo: %1%",
+                      history.redoSteps() > 0
+                          ? message(L"everything is undone already")
+                          : message(L"nothing was changed since the document was opened; the "
+                                    L"history isn't saved, and no earlier session can be undone"));
     }
     std::wstring const name = history.undoNames().front();
     if (Status const status = history.undo(); !status) return {1, textOf(status)};
-    return {0, L"undone: " + name};
+    return {0, message(L"undone: %1%", name)};
 }
 
 TextCommandResult redoChange(DocumentSession & session, Parameters const &) {
     ChangeHistory & history = session.history();
-    if (history.redoSteps() == 0) return cannot(L"redo", L"nothing was undone last");
+    if (history.redoSteps() == 0)
+        return cannot(L"cannot redo: %1%", message(L"nothing was undone last"));
     std::wstring const name = history.redoNames().front();
     if (Status const status = history.redo(); !status) return {1, textOf(status)};
-    return {0, L"redone: " + name};
+    return {0, message(L"redone: %1%", name)};
 }
 
 TextCommandResult showHistory(DocumentSession & session, Parameters const &) {
@@ -191,13 +202,13 @@ TextCommandResult showHistory(DocumentSession & session, Parameters const &) {
     std::vector<std::wstring> names = session.history().undoNames();
     std::size_t const now = names.size();
     std::reverse(names.begin(), names.end());
-    names.insert(names.begin(), L"where the history begins");
+    names.insert(names.begin(), message(L"where the history begins"));
     names.insert(names.end(), undone.begin(), undone.end());
     Table table;
     for (std::size_t i = 0; i < names.size(); ++i) {
-        std::wstring notes = i > now ? L"undone" : L"";
+        std::wstring notes = i > now ? message(L"undone") : L"";
         if (session.savedStep() == i && !session.asset().file().empty())
-            notes += notes.empty() ? L"saved" : L", saved";
+            notes += (notes.empty() ? L"" : L", ") + message(L"saved");
         table.add({i == now ? L">" : L"", std::to_wstring(i), names[i], notes});
     }
     return {0, Text::fromUtf8(table.toUtf8()) + howItDiffers(session)};
@@ -205,10 +216,10 @@ TextCommandResult showHistory(DocumentSession & session, Parameters const &) {
 
 TextCommandResult checkDocument(DocumentSession & session, Parameters const & parameters) {
     if (parameters.parameters() == 0 && (!session.isOpen() || session.asset().file().empty()))
-        return cannot(L"check", L"there is no file; name one");
+        return cannot(L"cannot check: %1%", message(L"there is no file; name one"));
     bool const isOwn = parameters.parameters() == 0;
     std::wstring const why = isOwn ? std::wstring() : whyNoFile(parameters.parameter(0));
-    if (!why.empty()) return cannot(L"check", why);
+    if (!why.empty()) return cannot(L"cannot check: %1%", why);
     fs::path const file = isOwn ? session.asset().file() : pathOf(parameters.parameter(0));
     std::wstring const name = isOwn ? session.name() : shown(file);
     std::vector<std::string> findings;
@@ -223,13 +234,17 @@ TextCommandResult checkDocument(DocumentSession & session, Parameters const & pa
         else if (!status || !(status = equipDocument(asset)))
             return failure(status);
     }
-    if (findings.empty() && unknownTypes.empty()) return {0, L"nothing is wrong with " + name};
+    if (findings.empty() && unknownTypes.empty())
+        return {0, message(L"nothing is wrong with %1%", name)};
     std::wstring text;
-    if (!findings.empty()) text = name + L" is damaged:" + listOf(findings) + L'\n';
+    if (!findings.empty()) text = message(L"%1% is damaged:", name) + listOf(findings) + L'\n';
     if (!unknownTypes.empty()) {
-        text += (findings.empty() ? L"nothing is damaged in " + name + L", but it"
-                                  : std::wstring(L"it also")) +
-                L" has entities of types that this program doesn't know:" + listOf(unknownTypes);
+        text += (findings.empty()
+                     ? message(L"nothing is damaged in %1%, but it has entities of types that this "
+                               L"program doesn't know:",
+                               name)
+                     : message(L"it also has entities of types that this program doesn't know:")) +
+                listOf(unknownTypes);
     } else
         text.pop_back();
     return {findings.empty() ? ExitUnknownTypes : ExitBadInput, text};

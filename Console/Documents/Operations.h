@@ -5,6 +5,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <string_view>
 
 #include "Platform/Base/TextCommand.h"
 
@@ -81,8 +82,8 @@ TextCommandResult synchronizeViews(DocumentSession & session,
                                    TextCommandParameters const & parameters);
 TextCommandResult restoreViews(DocumentSession & session, TextCommandParameters const & parameters);
 
-// "cannot ...: ...".
-TextCommandResult cannot(std::wstring const & what, std::wstring const & reason);
+// A refusal: a message such as "cannot save: %1%", with the reason in its place.
+TextCommandResult cannot(wchar_t const * refusal, std::wstring_view reason);
 
 } // namespace Vn::Console
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "Console/Documents/Session.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
@@ -32,27 +33,33 @@ std::wstring rootPath(std::wstring key) { return Onk(std::move(key)).toString();
 std::wstring noChild(ManagedGroupEntity const & group, std::wstring const & path, Onk const & onk) {
     std::wstring const here = shownPath(path);
     if (siblingIndex(onk) < 0 && !isNumber(onk.strName()) && onk.strName() != c_childName) {
-        return inQuotes(onk.toString()) + L" isn't a child of " + here +
-               L": children are called 0 or CmnData[0], 1 or CmnData[1], and so on";
+        return message(L"%1% isn't a child of %2%: children are called 0 or CmnData[0], 1 or "
+                       L"CmnData[1], and so on",
+                       inQuotes(onk.toString()), here);
     }
     unsigned const count = group.children();
-    if (count == 0) return here + L" has no children";
-    return here + L" has no child " + clipped(onk.toString()) + L": it has " +
-           (count == 1 ? std::wstring(L"only 0") : L"0 to " + std::to_wstring(count - 1));
+    if (count == 0) return message(L"%1% has no children", here);
+    std::wstring const child = clipped(onk.toString());
+    if (count == 1) return message(L"%1% has no child %2%: it has only 0", here, child);
+    return message(L"%1% has no child %2%: it has 0 to %3%", here, child, count - 1);
 }
 
 std::wstring noRoot(DocumentSession const & session, Onk const & onk) {
     std::vector<std::string> keys;
     session.design().rootEntityIds(keys);
-    std::wstring text = L"the document has no root " + inQuotes(onk.toString());
-    if (keys.empty()) return text;
-    text += keys.size() == 1 ? L"; its root is " : L"; its roots are ";
+    std::wstring const root = inQuotes(onk.toString());
+    if (keys.empty()) return message(L"the document has no root %1%", root);
     constexpr std::size_t c_most = 10;
+    std::wstring roots;
     for (std::size_t i = 0; i < std::min(keys.size(), c_most); ++i) {
-        if (i > 0) text += L", ";
-        text += clipped(printable(rootPath(Text::fromUtf8(keys[i]))));
+        if (i > 0) roots += L", ";
+        roots += clipped(printable(rootPath(Text::fromUtf8(keys[i]))));
     }
-    return keys.size() > c_most ? text + L" and others" : text;
+    if (keys.size() == 1)
+        return message(L"the document has no root %1%; its root is %2%", root, roots);
+    if (keys.size() <= c_most)
+        return message(L"the document has no root %1%; its roots are %2%", root, roots);
+    return message(L"the document has no root %1%; its roots are %2% and others", root, roots);
 }
 
 std::wstring findById(DocumentSession const & session, std::wstring const & text,
@@ -61,11 +68,11 @@ std::wstring findById(DocumentSession const & session, std::wstring const & text
     unsigned long long id = 0;
     auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), id);
     if (error != std::errc() || end != digits.data() + digits.size() || !isNumber(text.substr(1)))
-        return inQuotes(text) + L" isn't an id: that is a number such as #12";
+        return message(L"%1% isn't an id: that is a number such as #12", inQuotes(text));
     StrongRef<Entity> const entity = session.asset().entity(id);
-    if (!entity) return L"no entity has the id " + text;
+    if (!entity) return message(L"no entity has the id %1%", text);
     std::wstring path = entityPath(*entity);
-    if (path.empty()) return text + L" isn't part of the tree";
+    if (path.empty()) return message(L"%1% isn't part of the tree", text);
     place = {Managed::placeOf(entity), std::move(path)};
     return {};
 }
@@ -101,9 +108,9 @@ std::wstring findPlace(DocumentSession const & session, std::wstring const & tex
     if (!text.empty() && text.front() == L'#') return findById(session, text, place);
     ObjectPath path;
     if (text != L"." && !ObjectPath::fromString(text, &session.design(), path)) {
-        return inQuotes(text) + L" isn't a path: write it as 0/2, as Groups/CmnData[0]/CmnData[2], "
-                                L"or as #12 with the "
-                                L"id of the entity";
+        return message(L"%1% isn't a path: write it as 0/2, as Groups/CmnData[0]/CmnData[2], "
+                       L"or as #12 with the id of the entity",
+                       inQuotes(text));
     }
     // A number in front counts the children of the root group.
     std::vector<Onk> onks = path.onks();
@@ -118,12 +125,12 @@ std::wstring findPlace(DocumentSession const & session, std::wstring const & tex
         appendChild(found, static_cast<std::size_t>(siblingIndex(onks[i])));
     switch (end.fault) {
     case EPathFault::NotAGroup:
-        return shownPath(found) + L" isn't a group and has no children";
+        return message(L"%1% isn't a group and has no children", shownPath(found));
     case EPathFault::NoChild:
         return noChild(*query<ManagedGroupEntity>(end.place.entity.get()), found, onks[end.onks]);
     case EPathFault::EmptyPlace:
         appendChild(found, static_cast<std::size_t>(siblingIndex(onks[end.onks])));
-        return shownPath(found) + L" is empty: what stood there wasn't saved";
+        return message(L"%1% is empty: what stood there wasn't saved", shownPath(found));
     default:
         break;
     }

@@ -6,6 +6,7 @@
 #include "Console/Documents/Equipment.h"
 #include "Console/Documents/Hosting.h"
 #include "Console/Documents/Interruption.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/DocumentFile.h"
@@ -117,12 +118,12 @@ bool DocumentSession::change(std::wstring_view name, std::function<void()> const
 
 std::wstring DocumentSession::unsavedChanges() const {
     std::size_t const steps = history().undoSteps();
-    if (!m_savedStep || *m_savedStep >= steps) return name() + L" has changes that aren't saved";
+    if (!m_savedStep || *m_savedStep >= steps)
+        return message(L"%1% has changes that aren't saved", name());
     std::size_t const count = steps - *m_savedStep;
-    std::wstring const last = L'"' + history().undoNames().front() + L'"';
-    if (count == 1) return name() + L" has a change that isn't saved, " + last;
-    return name() + L" has " + std::to_wstring(count) + L" changes that aren't saved, the last " +
-           last;
+    std::wstring const last = message(L"\"%1%\"", history().undoNames().front());
+    if (count == 1) return message(L"%1% has a change that isn't saved, %2%", name(), last);
+    return message(L"%1% has %2% changes that aren't saved, the last %3%", name(), count, last);
 }
 
 std::wstring DocumentSession::whatWasKept() const {
@@ -131,13 +132,16 @@ std::wstring DocumentSession::whatWasKept() const {
         std::filesystem::path before = file;
         while (before.extension() != ".kept") before.replace_extension();
         before.replace_extension();
-        text += (text.empty() ? L"" : L"\n") + shown(before) +
-                L", which was left beside it, is kept as " + shown(file.filename());
+        text +=
+            (text.empty() ? L"" : L"\n") + message(L"%1%, which was left beside it, is kept as %2%",
+                                                   shown(before), shown(file.filename()));
     }
     return text;
 }
 
-std::wstring DocumentSession::name() const { return m_name.empty() ? L"the new document" : m_name; }
+std::wstring DocumentSession::name() const {
+    return m_name.empty() ? message(L"the new document") : m_name;
+}
 
 void DocumentSession::marked() { m_savedStep = history().undoSteps(); }
 

@@ -13,6 +13,7 @@
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/UnitSystems.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
@@ -27,8 +28,8 @@ using Parameters = TextCommandParameters;
 using Result = TextCommandResult;
 using Settings = StrongRef<CommonDataAssetSettings>;
 
-constexpr wchar_t c_notYet[] =
-    L"the document has no settings yet, and gets these with its first change";
+constexpr wchar_t const * c_notYet =
+    tr(L"the document has no settings yet, and gets these with its first change");
 
 bool isLength(DocumentSetting const & setting) {
     return setting.kind == ESettingKind::Length || setting.kind == ESettingKind::Point;
@@ -53,7 +54,7 @@ std::wstring textOf(DocumentSetting const & setting, SettingValue const & value,
         return isDirection ? Coordinates::direction(components) : coordinates.lengths(components);
     };
     return std::visit(
-        Overloaded{[](std::monostate) { return std::wstring(L"none"); },
+        Overloaded{[](std::monostate) { return message(L"none"); },
                    [](bool flag) { return std::wstring(flag ? L"on" : L"off"); },
                    [](unsigned number) { return std::to_wstring(number); },
                    [&](double length) { return coordinates.length(length); },
@@ -81,9 +82,9 @@ Named namedBy(DocumentSetting const & setting, Settings const & settings) {
         if (system) return {printable(Text::fromUtf8(system->id())), system->id()};
     } else if (auto const views = settings ? settings->namedViews() : nullptr) {
         unsigned const count = views->children();
-        return {std::to_wstring(count) + (count == 1 ? L" view" : L" views"), views->id()};
+        return {counted(count, tr(L"%1% view"), tr(L"%1% views")), views->id()};
     }
-    return {L"none", nullptr};
+    return {message(L"none"), nullptr};
 }
 
 std::wstring readFlag(std::wstring const & text, SettingValue & value) {
@@ -91,7 +92,8 @@ std::wstring readFlag(std::wstring const & text, SettingValue & value) {
         if (Text::foldedEqual(std::wstring_view(text), std::wstring_view(yes))) value = true;
     for (wchar_t const * const no : {L"off", L"false"})
         if (Text::foldedEqual(std::wstring_view(text), std::wstring_view(no))) value = false;
-    return std::holds_alternative<bool>(value) ? L"" : inQuotes(text) + L" isn't on or off";
+    return std::holds_alternative<bool>(value) ? L""
+                                               : message(L"%1% isn't on or off", inQuotes(text));
 }
 
 std::wstring readNumber(std::wstring const & text, SettingValue & value) {
@@ -99,7 +101,7 @@ std::wstring readNumber(std::wstring const & text, SettingValue & value) {
     unsigned number = 0;
     auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     if (error != std::errc() || end != digits.data() + digits.size())
-        return inQuotes(text) + L" isn't a whole number from 0 to 4294967295";
+        return message(L"%1% isn't a whole number from 0 to 4294967295", inQuotes(text));
     value = number;
     return {};
 }
@@ -138,8 +140,8 @@ std::wstring readValue(DocumentSetting const & setting, std::wstring const & tex
 std::wstring whyNotSet(DocumentSetting const & setting) {
     if (setting.kind != ESettingKind::Reference) return {};
     return std::string_view(setting.accessor) == "activeUnitSystem"
-               ? L"UnitSystems.Activate ID and UnitSystems.Deactivate do that"
-               : L"the commands of the subject area Views change the views";
+               ? message(L"UnitSystems.Activate ID and UnitSystems.Deactivate do that")
+               : message(L"the commands of the subject area Views change the views");
 }
 
 // The words from one on, as they were typed but for the number of blanks.
@@ -161,13 +163,15 @@ Result setTo(DocumentSession & session, DocumentSetting const & setting, Setting
     std::wstring const name = nameOf(setting);
     SettingValue const before = valueOf(setting, settingsOf(session.design()));
     if (value == before)
-        return {0, name + L" is " + textOf(setting, before, coordinates) + L" already"};
-    bool const isStep = session.change(L"set " + name, [&] { give(session, setting, value); });
-    std::wstring answer = L"set " + name + L" from " + textOf(setting, before, coordinates) +
-                          L" to " + textOf(setting, value, coordinates);
-    if (!setting.isStep && !isStep)
-        answer += L"; that is no step of the history, and undo leaves it";
-    return {0, answer};
+        return {0, message(L"%1% is %2% already", name, textOf(setting, before, coordinates))};
+    bool const isStep =
+        session.change(message(L"set %1%", name), [&] { give(session, setting, value); });
+    std::wstring const old = textOf(setting, before, coordinates);
+    std::wstring const now = textOf(setting, value, coordinates);
+    if (setting.isStep || isStep) return {0, message(L"set %1% from %2% to %3%", name, old, now)};
+    return {0,
+            message(L"set %1% from %2% to %3%; that is no step of the history, and undo leaves it",
+                    name, old, now)};
 }
 
 // The coordinates for values of a setting, of which only lengths ask for the units of the document.
@@ -187,7 +191,7 @@ Result listSettings(DocumentSession const & session, Parameters const & paramete
     std::optional<Coordinates> coordinates;
     std::wstring why = whyNoSettings(session.design());
     if (why.empty()) why = findCoordinates(session, true, coordinates);
-    if (!why.empty()) return cannot(L"list the settings", why);
+    if (!why.empty()) return cannot(L"cannot list the settings: %1%", why);
     Settings const settings = settingsOf(session.design());
     Table table;
     for (DocumentSetting const & setting : documentSettings()) {
@@ -208,26 +212,26 @@ Result listSettings(DocumentSession const & session, Parameters const & paramete
             continue;
         }
         table.add({nameOf(setting), clipped(text, 100),
-                   textOf(setting, setting.standard, *coordinates), isChanged ? L"changed" : L""});
+                   textOf(setting, setting.standard, *coordinates),
+                   isChanged ? message(L"changed") : L""});
     }
     if (json) return {};
     out << table.toUtf8();
-    if (!settings) out << Text::toUtf8(c_notYet) << '\n';
+    if (!settings) out << Text::toUtf8(message(c_notYet)) << '\n';
     return {};
 }
 
 Result setSetting(DocumentSession & session, Parameters const & parameters) {
     DocumentSetting const * setting = nullptr;
     std::wstring why = findSetting(parameters.parameter(0), setting);
-    if (!why.empty()) return cannot(L"set", why);
-    std::wstring const purpose = L"set " + nameOf(*setting);
+    if (!why.empty()) return cannot(L"cannot set: %1%", why);
     why = whyNotSet(*setting);
     if (why.empty()) why = whyNoSettings(session.design());
     std::optional<Coordinates> coordinates;
     if (why.empty()) why = findCoordinates(session, isLength(*setting), coordinates);
     SettingValue value;
     if (why.empty()) why = readValue(*setting, joined(parameters, 1), *coordinates, value);
-    if (!why.empty()) return cannot(purpose, why);
+    if (!why.empty()) return {1, message(L"cannot set %1%: %2%", nameOf(*setting), why)};
     return setTo(session, *setting, value, *coordinates);
 }
 
@@ -239,35 +243,36 @@ Result resetSettings(DocumentSession & session, Parameters const & parameters) {
         if (why.empty()) why = whyNotSet(*setting);
         std::optional<Coordinates> coordinates;
         if (why.empty()) why = findCoordinates(session, isLength(*setting), coordinates);
-        if (!why.empty()) return cannot(L"reset the setting", why);
+        if (!why.empty()) return cannot(L"cannot reset the setting: %1%", why);
         return setTo(session, *setting, setting->standard, *coordinates);
     }
-    if (!why.empty()) return cannot(L"reset the settings", why);
+    if (!why.empty()) return cannot(L"cannot reset the settings: %1%", why);
     Settings const settings = settingsOf(session.design());
     unsigned count = 0;
-    session.change(L"reset the settings", [&] {
+    session.change(message(L"reset the settings"), [&] {
         for (DocumentSetting const & setting : documentSettings()) {
             if (!setting.isStep || valueOf(setting, settings) == setting.standard) continue;
             give(session, setting, setting.standard);
             ++count;
         }
     });
-    if (count == 0) return {0, L"all settings have their defaults already"};
-    return {0, L"reset " + std::to_wstring(count) + (count == 1 ? L" setting" : L" settings")};
+    if (count == 0) return {0, message(L"all settings have their defaults already")};
+    return {0, counted(count, tr(L"reset %1% setting"), tr(L"reset %1% settings"))};
 }
 
 Result resetAxes(DocumentSession & session, Parameters const &) {
     std::wstring const why = whyNoSettings(session.design());
-    if (!why.empty()) return cannot(L"reset the axes", why);
+    if (!why.empty()) return cannot(L"cannot reset the axes: %1%", why);
     Settings const settings = settingsOf(session.design());
-    bool const isStep = session.change(L"reset the axes", [&] {
+    bool const isStep = session.change(message(L"reset the axes"), [&] {
         if (!settings) return; // the axes of new settings are the default ones
         settings->sceneFront(settings->defaultSceneFront());
         settings->sceneUp(settings->defaultSceneUp());
     });
-    if (!isStep) return {0, L"the axes are the default ones already"};
-    return {0, L"the front is " + Coordinates::direction(tripleOf(settings->sceneFront())) +
-                   L" and up is " + Coordinates::direction(tripleOf(settings->sceneUp()))};
+    if (!isStep) return {0, message(L"the axes are the default ones already")};
+    return {0, message(L"the front is %1% and up is %2%",
+                       Coordinates::direction(tripleOf(settings->sceneFront())),
+                       Coordinates::direction(tripleOf(settings->sceneUp())))};
 }
 
 } // namespace Vn::Console

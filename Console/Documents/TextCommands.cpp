@@ -10,6 +10,7 @@
 #include "Console/Documents/Interruption.h"
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/Session.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 
@@ -40,20 +41,22 @@ private:
         std::wstring const usage =
             subjectArea() + L'.' + name() + (*m_rCommand.usage ? L" " : L"") + m_rCommand.usage;
         if (parameters.parameters() < m_rCommand.least)
-            return cannot(m_rCommand.purpose, L"more is needed: " + usage);
+            return cannot(m_rCommand.refusal, message(L"more is needed: %1%", usage));
         if (parameters.parameters() > m_rCommand.most) {
             std::wstring const & next = parameters.parameter(m_rCommand.most);
-            return cannot(m_rCommand.purpose, inQuotes(next) + L" is too much: " + usage);
+            return cannot(m_rCommand.refusal,
+                          message(L"%1% is too much: %2%", inQuotes(next), usage));
         }
         for (std::wstring const & flag : parameters.flags()) {
             if (isFlag(flag, m_rCommand.flag) || isFlag(flag, m_rCommand.otherFlag)) continue;
-            return cannot(m_rCommand.purpose,
-                          inQuotes(L'/' + flag) +
-                              L" isn't a flag of it, and a path goes in quotes: " + usage);
+            return cannot(m_rCommand.refusal,
+                          message(L"%1% isn't a flag of it, and a path goes in quotes: %2%",
+                                  inQuotes(L'/' + flag), usage));
         }
         if (m_rCommand.needsDocument && !m_rSession.isOpen()) {
-            return cannot(m_rCommand.purpose, L"no document is open; Document.New makes one, and "
-                                              L"Document.Open FILE opens one");
+            return cannot(m_rCommand.refusal,
+                          message(L"no document is open; Document.New makes one, and "
+                                  L"Document.Open FILE opens one"));
         }
         // A change that throws was taken back.
         try {
@@ -61,15 +64,16 @@ private:
             return m_rCommand.write ? write(parameters) : m_rCommand.run(m_rSession, parameters);
         } catch (Interrupted const &) {
             return {ExitInterrupted,
-                    cannot(m_rCommand.purpose, m_rCommand.write
-                                                   ? L"it was interrupted"
-                                                   : L"it was interrupted; the document is as it "
-                                                     L"was before")
+                    cannot(m_rCommand.refusal,
+                           m_rCommand.write ? message(L"it was interrupted")
+                                            : message(L"it was interrupted; the document is as it "
+                                                      L"was before"))
                         .text};
         } catch (std::bad_alloc const &) {
-            return cannot(m_rCommand.purpose, L"memory ran out; the document is as it was before");
+            return cannot(m_rCommand.refusal,
+                          message(L"memory ran out; the document is as it was before"));
         } catch (std::length_error const & error) {
-            return cannot(m_rCommand.purpose, Text::fromUtf8(error.what()));
+            return cannot(m_rCommand.refusal, Text::fromUtf8(error.what()));
         }
     }
 
@@ -90,15 +94,15 @@ private:
 
 DocumentTextCommands::DocumentTextCommands(DocumentSession & session, std::ostream * out) {
     m_areas.push_back(std::make_unique<SubjectArea>(
-        L"Document", L"Commands that keep a document: its file, its tree and its history"));
+        L"Document", tr(L"Commands that keep a document: its file, its tree and its history")));
     m_areas.push_back(std::make_unique<SubjectArea>(
-        L"Groups", L"Commands that change the groups of the document"));
+        L"Groups", tr(L"Commands that change the groups of the document")));
     m_areas.push_back(std::make_unique<SubjectArea>(
-        L"UnitSystems", L"Commands that change the units of the document"));
+        L"UnitSystems", tr(L"Commands that change the units of the document")));
     m_areas.push_back(std::make_unique<SubjectArea>(
-        L"Settings", L"Commands that show and change the settings of the document"));
+        L"Settings", tr(L"Commands that show and change the settings of the document")));
     m_areas.push_back(std::make_unique<SubjectArea>(
-        L"Views", L"Commands that keep the named views of the document"));
+        L"Views", tr(L"Commands that keep the named views of the document")));
     for (DocumentCommand const & command : documentCommands())
         m_commands.push_back(std::make_unique<Command>(command, session, out));
 }

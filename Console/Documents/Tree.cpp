@@ -11,6 +11,7 @@
 #include "Console/Documents/Interruption.h"
 #include "Console/Documents/Place.h"
 #include "Console/Documents/Session.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
@@ -127,7 +128,8 @@ void writeLine(TreeWalk::Step const & step, ETreeForm form, std::ostream & out) 
         std::wstring const gist = gistOf(step.entity);
         out << Text::toUtf8(kindOf(step.entity) + (gist.empty() ? L"" : L"  ") + gist);
     }
-    if (step.repeated && step.group->children() > 0) out << "  (its children are shown above)";
+    if (step.repeated && step.group->children() > 0)
+        out << Text::toUtf8(message(L"  (its children are shown above)"));
     out << '\n';
 }
 
@@ -156,8 +158,9 @@ void writeTree(DocumentSession const & session, ETreeForm form, std::ostream & o
     if (form == ETreeForm::Json) return;
     std::size_t const outside = session.asset().entities() - seen.size();
     if (outside == 0) return;
-    out << outside << (outside == 1 ? " entity stands" : " entities stand")
-        << " outside the tree\n";
+    out << Text::toUtf8(counted(outside, tr(L"%1% entity stands outside the tree"),
+                                tr(L"%1% entities stand outside the tree")))
+        << '\n';
 }
 
 void writeTree(DocumentPlace const & place, ETreeForm form, std::ostream & out) {

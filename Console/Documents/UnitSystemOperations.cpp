@@ -9,6 +9,7 @@
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/UnitSystems.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
@@ -50,10 +51,6 @@ Completion const * findCompletion(std::wstring const & name) {
     return nullptr;
 }
 
-std::wstring count(unsigned number, wchar_t const * thing) {
-    return std::to_wstring(number) + L' ' + thing + (number == 1 ? L"" : L"s");
-}
-
 std::wstring idOf(UnitSystem const & system) { return printable(Text::fromUtf8(system.id())); }
 
 // The unit as it is shown: "ft".  Of a choice whose text is no unit, that text.
@@ -61,8 +58,8 @@ std::wstring unitOf(UnitSystemChoice const & choice) {
     std::wstring const text = unitText(choice.units(), Units::UnitDisplaySettings::standard());
     if (!text.empty()) return printable(text);
     return choice.storedUnitString().empty()
-               ? L"no unit"
-               : inQuotes(choice.storedUnitString()) + L", which isn't a unit";
+               ? message(L"no unit")
+               : message(L"%1%, which isn't a unit", inQuotes(choice.storedUnitString()));
 }
 
 std::wstring purpose(UnitSystemChoice const & choice) {
@@ -74,96 +71,100 @@ std::wstring purpose(UnitSystemChoice const & choice) {
 Result chosen(UnitSystem const & system, StrongRef<UnitSystemChoice> const & made,
               StrongRef<UnitSystemChoice> const & held) {
     if (!made) {
-        return cannot(L"choose the unit",
-                      held ? L"the unit system has " + unitOf(*held) + L" for " + purpose(*held) +
-                                 L" already; UnitSystems.Change gives it another unit"
-                           : std::wstring(L"the document is closed"));
+        return cannot(L"cannot choose the unit: %1%",
+                      held ? message(L"the unit system has %1% for %2% already; UnitSystems.Change "
+                                     L"gives it another unit",
+                                     unitOf(*held), purpose(*held))
+                           : message(L"the document is closed"));
     }
-    return {0, idOf(system) + L" has " + unitOf(*made) + L" for " + purpose(*made)};
+    return {0, message(L"%1% has %2% for %3%", idOf(system), unitOf(*made), purpose(*made))};
 }
 
 } // namespace
 
 Result makeUnitSystem(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const purpose = L"make a unit system";
+    wchar_t const * const refusal = tr(L"cannot make a unit system: %1%");
     std::wstring const & name = parameters.parameter(0);
     std::wstring const & id = parameters.parameter(1);
     std::wstring const & kind = parameters.parameter(2);
     Completion const * const completion = findCompletion(kind);
     bool const isEmpty = Text::foldedEqual(std::wstring_view(kind), std::wstring_view(L"empty"));
     if (!isEmpty && (!completion || !completion->isWhole))
-        return cannot(purpose, inQuotes(kind) + L" isn't mks, cgs, imperial or empty");
-    if (id.empty()) return cannot(purpose, L"its identifier is empty");
+        return cannot(refusal, message(L"%1% isn't mks, cgs, imperial or empty", inQuotes(kind)));
+    if (id.empty()) return cannot(refusal, message(L"its identifier is empty"));
     StrongRef<UnitSystems> systems = UnitSystems::find(&session.design());
     std::string const key = Text::toUtf8(id);
     if (systems && systems->findUnitSystem(key))
-        return cannot(purpose, L"the document has a unit system " + inQuotes(id) + L" already");
+        return cannot(refusal,
+                      message(L"the document has a unit system %1% already", inQuotes(id)));
     if (!systems && session.design().rootEntity(UnitSystems::segmentRootId()))
-        return cannot(purpose, L"something else stands under \"UnitSystems\"");
+        return cannot(refusal, message(L"something else stands under \"%1%\"", L"UnitSystems"));
     StrongRef<UnitSystem> made;
-    session.change(L"make the unit system " + printable(id), [&] {
+    session.change(message(L"make the unit system %1%", printable(id)), [&] {
         if (!systems) systems = UnitSystems::make(&session.design());
         made = UnitSystem::make(systems, name, key);
         if (completion) ((*made).*completion->complete)();
     });
-    return {0, L"made the unit system " + idOf(*made) + L" with " +
-                   count(made->unitSystemChoices(), L"choice")};
+    return {0, counted(made->unitSystemChoices(), tr(L"made the unit system %2% with %1% choice"),
+                       tr(L"made the unit system %2% with %1% choices"), idOf(*made))};
 }
 
 Result completeUnitSystem(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const purpose = L"complete the unit system";
+    wchar_t const * const refusal = tr(L"cannot complete the unit system: %1%");
     StrongRef<UnitSystem> system;
     std::wstring const why = findUnitSystem(&session.design(), parameters.parameter(0), system);
-    if (!why.empty()) return cannot(purpose, why);
+    if (!why.empty()) return cannot(refusal, why);
     Completion const * const completion = findCompletion(parameters.parameter(1));
     if (!completion)
-        return cannot(purpose,
-                      inQuotes(parameters.parameter(1)) + L" isn't mks, cgs, imperial or common");
+        return cannot(refusal, message(L"%1% isn't mks, cgs, imperial or common",
+                                       inQuotes(parameters.parameter(1))));
     unsigned const before = system->unitSystemChoices();
-    session.change(L"complete " + idOf(*system) + L" as " + completion->name,
+    session.change(message(L"complete %1% as %2%", idOf(*system), completion->name),
                    [&] { ((*system).*completion->complete)(); });
     unsigned const added = system->unitSystemChoices() - before;
-    return {0, L"added " + count(added, L"choice") + L" to " + idOf(*system)};
+    return {0, counted(added, tr(L"added %1% choice to %2%"), tr(L"added %1% choices to %2%"),
+                       idOf(*system))};
 }
 
 Result removeUnitSystem(DocumentSession & session, Parameters const & parameters) {
     StrongRef<UnitSystem> system;
     std::wstring const why = findUnitSystem(&session.design(), parameters.parameter(0), system);
-    if (!why.empty()) return cannot(L"remove the unit system", why);
+    if (!why.empty()) return cannot(L"cannot remove the unit system: %1%", why);
     unsigned const choices = system->unitSystemChoices();
     bool const wasActive = activeUnitSystem(&session.design()) == system;
     std::wstring answer =
-        L"removed the unit system " + idOf(*system) + L" with " + count(choices, L"choice");
-    session.change(L"remove the unit system " + idOf(*system), [&] {
+        counted(choices, tr(L"removed the unit system %2% with %1% choice"),
+                tr(L"removed the unit system %2% with %1% choices"), idOf(*system));
+    session.change(message(L"remove the unit system %1%", idOf(*system)), [&] {
         StrongRef<UnitSystems> const systems = system->parentUnitSystems();
         systems->remove(std::exchange(system, nullptr)); // the last to hold it
     });
     if (wasActive && !activeUnitSystem(&session.design()))
-        answer += L"; it was the active one, and now none is";
+        return {0, message(L"%1%; it was the active one, and now none is", answer)};
     return {0, answer};
 }
 
 Result activateUnitSystem(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const task = L"activate the unit system";
+    wchar_t const * const refusal = tr(L"cannot activate the unit system: %1%");
     StrongRef<UnitSystem> system;
     std::wstring why = findUnitSystem(&session.design(), parameters.parameter(0), system);
     if (why.empty()) why = whyNoSettings(session.design());
-    if (!why.empty()) return cannot(task, why);
+    if (!why.empty()) return cannot(refusal, why);
     if (activeUnitSystem(&session.design()) == system)
-        return {0, idOf(*system) + L" is the active unit system already"};
-    session.change(L"activate the unit system " + idOf(*system), [&] {
+        return {0, message(L"%1% is the active unit system already", idOf(*system))};
+    session.change(message(L"activate the unit system %1%", idOf(*system)), [&] {
         equip(session.design());
         settingsOf(session.design())->activateUnitSystem(system);
     });
-    return {0, idOf(*system) + L" is the active unit system now"};
+    return {0, message(L"%1% is the active unit system now", idOf(*system))};
 }
 
 Result deactivateUnitSystem(DocumentSession & session, Parameters const &) {
     StrongRef<UnitSystem> const system = activeUnitSystem(&session.design());
-    if (!system) return {0, L"no unit system is active"};
-    session.change(L"deactivate the unit system " + idOf(*system),
+    if (!system) return {0, message(L"no unit system is active")};
+    session.change(message(L"deactivate the unit system %1%", idOf(*system)),
                    [&] { settingsOf(session.design())->activateUnitSystem(nullptr); });
-    return {0, idOf(*system) + L" isn't active any more"};
+    return {0, message(L"%1% isn't active any more", idOf(*system))};
 }
 
 Result chooseUnit(DocumentSession & session, Parameters const & parameters) {
@@ -171,23 +172,24 @@ Result chooseUnit(DocumentSession & session, Parameters const & parameters) {
     ComplexUnit units;
     std::wstring why = findUnitSystem(&session.design(), parameters.parameter(0), system);
     if (why.empty()) why = readKeptUnit(parameters.parameter(1), units);
-    if (!why.empty()) return cannot(L"choose the unit", why);
+    if (!why.empty()) return cannot(L"cannot choose the unit: %1%", why);
     StrongRef<UnitSystemChoice> made;
-    session.change(L"choose " + printable(parameters.parameter(1)) + L" in " + idOf(*system), [&] {
-        SimpleUnit const * simple = nullptr;
-        if (parameters.parameters() > 2)
-            made = UnitSystemChoiceByUnit::make(system, &units,
-                                                GlobalizedString(parameters.parameter(2)));
-        else if (units.isSimpleUnit(&simple))
-            made = UnitSystemChoiceByUnit::make(system, simple);
-        else if (SimpleUnit const * const kind = Units::findEquivalentUnit(units))
-            made =
-                UnitSystemChoiceByUnit::make(system, &units, kind->globalizedSimpleUnitTypeName());
-        else
-            made = UnitSystemChoiceByUnit::make(
-                system, &units,
-                GlobalizedString(unitText(units, Units::UnitDisplaySettings::standard())));
-    });
+    session.change(
+        message(L"choose %1% in %2%", printable(parameters.parameter(1)), idOf(*system)), [&] {
+            SimpleUnit const * simple = nullptr;
+            if (parameters.parameters() > 2)
+                made = UnitSystemChoiceByUnit::make(system, &units,
+                                                    GlobalizedString(parameters.parameter(2)));
+            else if (units.isSimpleUnit(&simple))
+                made = UnitSystemChoiceByUnit::make(system, simple);
+            else if (SimpleUnit const * const kind = Units::findEquivalentUnit(units))
+                made = UnitSystemChoiceByUnit::make(system, &units,
+                                                    kind->globalizedSimpleUnitTypeName());
+            else
+                made = UnitSystemChoiceByUnit::make(
+                    system, &units,
+                    GlobalizedString(unitText(units, Units::UnitDisplaySettings::standard())));
+        });
     return chosen(*system, made, system->find(&units));
 }
 
@@ -197,7 +199,7 @@ Result chooseUnitById(DocumentSession & session, Parameters const & parameters) 
     std::wstring const & unit = parameters.parameter(2);
     std::wstring why = findUnitSystem(&session.design(), parameters.parameter(0), system);
     if (why.empty()) why = readKeptUnit(unit, units);
-    if (!why.empty()) return cannot(L"choose the unit", why);
+    if (!why.empty()) return cannot(L"cannot choose the unit: %1%", why);
     std::string const key = Text::toUtf8(parameters.parameter(1));
     GlobalizedString name(parameters.parameter(1));
     if (parameters.parameters() > 3)
@@ -207,31 +209,31 @@ Result chooseUnitById(DocumentSession & session, Parameters const & parameters) 
     else if (key == UnitSystemChoiceById::modelingMassId())
         name = UnitSystemChoiceById::modelingMassName();
     StrongRef<UnitSystemChoice> made;
-    session.change(L"choose " + printable(unit) + L" for " + printable(parameters.parameter(1)) +
-                       L" in " + idOf(*system),
+    session.change(message(L"choose %1% for %2% in %3%", printable(unit),
+                           printable(parameters.parameter(1)), idOf(*system)),
                    [&] { made = UnitSystemChoiceById::make(system, name, key, unit); });
     return chosen(*system, made, system->find(key));
 }
 
 Result changeUnit(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const task = L"change the unit";
+    wchar_t const * const refusal = tr(L"cannot change the unit: %1%");
     StrongRef<UnitSystem> system;
     StrongRef<UnitSystemChoice> choice;
     ComplexUnit units;
     std::wstring why = findUnitSystem(&session.design(), parameters.parameter(0), system);
     if (why.empty()) why = findUnitChoice(*system, parameters.parameter(1), choice);
     if (why.empty()) why = readKeptUnit(parameters.parameter(2), units);
-    if (!why.empty()) return cannot(task, why);
+    if (!why.empty()) return cannot(refusal, why);
     std::wstring const before = unitOf(*choice);
     if (!choice->units().isDimensionallyEquivalent(&units)) {
-        return cannot(task,
-                      inQuotes(parameters.parameter(2)) + L" isn't of the dimension of " + before);
+        return cannot(refusal, message(L"%1% isn't of the dimension of %2%",
+                                       inQuotes(parameters.parameter(2)), before));
     }
-    session.change(L"change " + purpose(*choice) + L" of " + idOf(*system) + L" to " +
-                       printable(parameters.parameter(2)),
+    session.change(message(L"change %1% of %2% to %3%", purpose(*choice), idOf(*system),
+                           printable(parameters.parameter(2))),
                    [&] { choice->changeUnits(&units); });
-    return {0, idOf(*system) + L" has " + unitOf(*choice) + L" for " + purpose(*choice) +
-                   L" in place of " + before};
+    return {0, message(L"%1% has %2% for %3% in place of %4%", idOf(*system), unitOf(*choice),
+                       purpose(*choice), before)};
 }
 
 Result removeUnitChoice(DocumentSession & session, Parameters const & parameters) {
@@ -239,11 +241,12 @@ Result removeUnitChoice(DocumentSession & session, Parameters const & parameters
     StrongRef<UnitSystemChoice> choice;
     std::wstring why = findUnitSystem(&session.design(), parameters.parameter(0), system);
     if (why.empty()) why = findUnitChoice(*system, parameters.parameter(1), choice);
-    if (!why.empty()) return cannot(L"remove the choice", why);
-    std::wstring const what = unitOf(*choice) + L" for " + purpose(*choice);
-    session.change(L"remove " + purpose(*choice) + L" from " + idOf(*system),
+    if (!why.empty()) return cannot(L"cannot remove the choice: %1%", why);
+    std::wstring const unit = unitOf(*choice);
+    std::wstring const use = purpose(*choice);
+    session.change(message(L"remove %1% from %2%", use, idOf(*system)),
                    [&] { system->removeChild(choice); });
-    return {0, L"removed " + what + L" from " + idOf(*system)};
+    return {0, message(L"removed %1% for %2% from %3%", unit, use, idOf(*system))};
 }
 
 Result listUnitSystems(DocumentSession const & session, Parameters const & parameters,
@@ -266,11 +269,13 @@ Result listUnitSystems(DocumentSession const & session, Parameters const & param
             out << line.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n';
         } else {
             table.add({idOf(*system), printable(system->name()),
-                       count(system->unitSystemChoices(), L"choice"),
-                       system == active ? L"active" : L""});
+                       counted(system->unitSystemChoices(), tr(L"%1% choice"), tr(L"%1% choices")),
+                       system == active ? message(L"active") : L""});
         }
     }
-    if (!json) out << (number > 0 ? table.toUtf8() : "the document has no unit system\n");
+    if (!json)
+        out << (number > 0 ? table.toUtf8()
+                           : Text::toUtf8(message(L"the document has no unit system")) + '\n');
     return {};
 }
 
@@ -278,7 +283,7 @@ Result showUnitSystem(DocumentSession const & session, Parameters const & parame
                       std::ostream & out) {
     StrongRef<UnitSystem> system;
     std::wstring const why = findUnitSystem(&session.design(), parameters.parameter(0), system);
-    if (!why.empty()) return cannot(L"show the unit system", why);
+    if (!why.empty()) return cannot(L"cannot show the unit system: %1%", why);
     bool const json = parameters.hasFlag(L"Json");
     Table table;
     for (unsigned i = 0; i < system->unitSystemChoices(); ++i) {
@@ -298,8 +303,8 @@ Result showUnitSystem(DocumentSession const & session, Parameters const & parame
         }
         std::wstring const key = printable(purposeOf(*choice));
         std::wstring const name = printable(choice->name());
-        wchar_t const * const kind = key.empty() ? L"dimension" : L"kind";
-        table.add({std::to_wstring(i), isById ? L"key" : kind, key, unitOf(*choice),
+        std::wstring const kind = key.empty() ? message(L"dimension") : message(L"kind");
+        table.add({std::to_wstring(i), isById ? message(L"key") : kind, key, unitOf(*choice),
                    printable(choice->storedUnitString()), name == key ? L"" : name});
     }
     if (!json) out << table.toUtf8();

@@ -4,6 +4,7 @@
 
 #include "Console/Documents/Equipment.h"
 #include "Console/Failure.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/InterfaceId.h"
@@ -66,7 +67,7 @@ std::wstring findUnitSystem(Segment * segment, std::optional<std::wstring> const
     }
     std::vector<StrongRef<UnitSystem>> const all = unitSystems(segment);
     if (all.empty())
-        return L"the document has no unit system; UnitSystems.Make NAME ID mks makes one";
+        return message(L"the document has no unit system; UnitSystems.Make NAME ID mks makes one");
     if (!id && all.size() == 1) {
         system = all.front();
         return {};
@@ -81,10 +82,11 @@ std::wstring findUnitSystem(Segment * segment, std::optional<std::wstring> const
         ids.push_back(Text::fromUtf8(each->id()));
     }
     if (!id) {
-        return L"the document has several unit systems" + orInstead({}, ids) +
-               L"; UnitSystems.Activate ID makes one the document's";
+        return message(L"the document has several unit systems%1%; UnitSystems.Activate ID makes "
+                       L"one the document's",
+                       orInstead({}, ids));
     }
-    return L"the document has no unit system " + inQuotes(*id) + orInstead(*id, ids);
+    return message(L"the document has no unit system %1%", inQuotes(*id)) + orInstead(*id, ids);
 }
 
 std::wstring findShownSystem(Segment * segment, StrongRef<UnitSystem> & system) {
@@ -119,9 +121,10 @@ std::wstring findUnitChoice(UnitSystem const & system, std::wstring const & whic
         if (std::wstring const name = purposeOf(*each); !name.empty()) names.push_back(name);
     }
     if (!found) {
-        return L"the unit system " + inQuotes(Text::fromUtf8(system.id())) +
-               (number ? L" has no choice of that number"
-                       : L" has no choice " + inQuotes(which) + orInstead(which, names));
+        std::wstring const id = inQuotes(Text::fromUtf8(system.id()));
+        if (number) return message(L"the unit system %1% has no choice of that number", id);
+        return message(L"the unit system %1% has no choice %2%", id, inQuotes(which)) +
+               orInstead(which, names);
     }
     choice = std::move(found);
     return {};
@@ -130,23 +133,29 @@ std::wstring findUnitChoice(UnitSystem const & system, std::wstring const & whic
 std::wstring readKeptUnit(std::wstring const & text, ComplexUnit & units) {
     ComplexUnit read;
     if (!UnitSystemChoice::parse(text, read)) {
-        std::wstring why = inQuotes(text) + L" isn't a unit";
+        std::wstring why = message(L"%1% isn't a unit", inQuotes(text));
         // A unit begins with no number, not even with the 1 above a fraction line.
         std::wstring_view rest = trimmed(text);
         if (rest.starts_with(L'1')) {
             rest = trimmed(rest.substr(1));
             if (rest.starts_with(L'/') && UnitSystemChoice::parse(std::wstring(rest), read))
-                return why + L"; write " + unitText(read, Units::UnitDisplaySettings::standard());
+                return message(L"%1%; write %2%", why,
+                               unitText(read, Units::UnitDisplaySettings::standard()));
         }
         std::wstring const question = std::wstring(
             trimmed(questionLine(explainFailure(Expressions::Expression(L"1 " + text)))));
-        return question.empty() ? why : why + L"; " + question;
+        return question.empty() ? why : message(L"%1%; %2%", why, question);
     }
-    if (!UnitSystemChoice::isStorable(&read))
-        return inQuotes(text) + L" can't be kept: a document would give back " +
-               (UnitSystemChoice::reconstructString(&read).empty()
-                    ? std::wstring(L"no unit, since nothing remains of the dimension")
-                    : inQuotes(UnitSystemChoice::reconstructString(&read)));
+    if (!UnitSystemChoice::isStorable(&read)) {
+        std::wstring const back = UnitSystemChoice::reconstructString(&read);
+        if (back.empty()) {
+            return message(L"%1% can't be kept: a document would give back no unit, since nothing "
+                           L"remains of the dimension",
+                           inQuotes(text));
+        }
+        return message(L"%1% can't be kept: a document would give back %2%", inQuotes(text),
+                       inQuotes(back));
+    }
     units = read;
     return {};
 }
@@ -161,7 +170,7 @@ std::wstring findUnitKind(std::wstring const & name, ESimpleUnitType & kind) {
         }
         names.push_back(SimpleUnit::globalizedSimpleUnitTypeName(each).value());
     }
-    return inQuotes(name) + L" isn't a kind of quantity" + orInstead(name, names);
+    return message(L"%1% isn't a kind of quantity", inQuotes(name)) + orInstead(name, names);
 }
 
 } // namespace Vn::Console

@@ -13,6 +13,7 @@
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/Session.h"
 #include "Console/Documents/UnitSystems.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
@@ -62,7 +63,8 @@ bool isWord(std::wstring const & text, wchar_t const * word) {
 std::wstring findViews(DocumentSession const & session, Views & views) {
     if (std::wstring why = whyNoViews(session.design()); !why.empty()) return why;
     views = viewsOf(session.design());
-    return views ? L"" : L"the document has no views yet; Views.Restore makes the built-in ones";
+    return views ? L""
+                 : message(L"the document has no views yet; Views.Restore makes the built-in ones");
 }
 
 std::vector<std::wstring> namesOf(NamedViews const & views) {
@@ -75,7 +77,9 @@ std::vector<std::wstring> namesOf(NamedViews const & views) {
 // Finds a view by its name, the first of several.  As above.
 std::wstring findView(NamedViews const & views, std::wstring const & name, View & view) {
     view = views.find(name);
-    return view ? L"" : L"there is no view " + inQuotes(name) + orInstead(name, namesOf(views));
+    return view
+               ? L""
+               : message(L"there is no view %1%", inQuotes(name)) + orInstead(name, namesOf(views));
 }
 
 // Both of them.
@@ -85,11 +89,12 @@ std::wstring findView(DocumentSession const & session, std::wstring const & name
     return why.empty() ? findView(*views, name, view) : why;
 }
 
-std::wstring isBuiltIn(std::wstring const & name) { return inQuotes(name) + L" is built in"; }
-
-// " since there is a view ... already", for a name that came out in another way.
-std::wstring sinceTaken(std::wstring const & wished, std::wstring const & given) {
-    return wished == given ? L"" : L", since there is a view " + inQuotes(wished) + L" already";
+// What was done, and why the name came out in another way than wished, if it did.
+std::wstring withReason(std::wstring const & done, std::wstring const & wished,
+                        std::wstring const & given) {
+    return wished == given
+               ? done
+               : message(L"%1%, since there is a view %2% already", done, inQuotes(wished));
 }
 
 // Ends a change, which is then taken back.
@@ -99,7 +104,7 @@ struct Refused {
 
 void run(DocumentSession & session, std::unique_ptr<Request> request) {
     Status const status = session.asset().run(std::move(request));
-    if (!status) throw Refused{printable(Text::fromUtf8(status.toString()))};
+    if (!status) throw Refused{printable(statusText(status))};
 }
 
 // Runs a request as a step of its name, and tells whether there was one.  The answer is empty, or
@@ -178,21 +183,21 @@ std::wstring readAimPart(DocumentSession const & session, std::wstring const & w
         Views views;
         View view;
         if (std::wstring why = findView(session, text, views, view); !why.empty()) return why;
-        if (!view->camera()) return L"the view " + inQuotes(text) + L" has no camera";
+        if (!view->camera()) return message(L"the view %1% has no camera", inQuotes(text));
         aim.like = valuesOf(*view->camera());
         return {};
     }
     Triple triple{};
     if (isWord(word, L"up")) {
         std::wstring const why = Coordinates::readDirection(text, triple);
-        if (!why.empty()) return L"up: " + why;
+        if (!why.empty()) return message(L"%1%: %2%", L"up", why);
         aim.up = fromTriple<TgVector3d>(triple);
         return {};
     }
     StrongRef<Units::UnitSystem> system;
     std::wstring why = findShownSystem(&session.design(), system);
     if (why.empty()) why = Coordinates(system).readLengths(text, triple);
-    if (!why.empty()) return word + L": " + why;
+    if (!why.empty()) return message(L"%1%: %2%", word, why);
     (isWord(word, L"position") ? aim.position : aim.target) = fromTriple<TgPoint3d>(triple);
     return {};
 }
@@ -204,10 +209,11 @@ std::wstring readAim(DocumentSession const & session, Parameters const & paramet
     for (unsigned i = first; i < parameters.parameters();) {
         std::wstring const & word = parameters.parameter(i);
         if (!isAimWord(word))
-            return inQuotes(word) + L" isn't one of from VIEW, position P, target P and up V";
+            return message(L"%1% isn't one of from VIEW, position P, target P and up V",
+                           inQuotes(word));
         if (++i == parameters.parameters())
-            return word + L" is followed by " +
-                   (isWord(word, L"from") ? L"the name of a view" : L"three numbers");
+            return isWord(word, L"from") ? message(L"%1% is followed by the name of a view", word)
+                                         : message(L"%1% is followed by three numbers", word);
         // The name of a view is one parameter, and may be one of these words.
         std::wstring text = parameters.parameter(i++);
         for (; !isWord(word, L"from") && i < parameters.parameters() &&
@@ -242,16 +248,16 @@ void writeView(NamedView const & view, unsigned index, std::ostream & out) {
 }
 
 void addView(NamedView const & view, Coordinates const & coordinates, Table & table) {
-    std::vector<std::wstring> row{shownName(view.name()), view.isFixed() ? L"fixed" : L""};
+    std::vector<std::wstring> row{shownName(view.name()), view.isFixed() ? message(L"fixed") : L""};
     if (view.camera()) {
         CameraValues const values = valuesOf(*view.camera());
         row.insert(row.end(),
-                   {L"from " + coordinates.lengths(tripleOf(values.position)),
-                    L"to " + coordinates.lengths(tripleOf(values.target)),
-                    L"up " + Coordinates::direction(tripleOf(values.up)),
+                   {message(L"from %1%", coordinates.lengths(tripleOf(values.position))),
+                    message(L"to %1%", coordinates.lengths(tripleOf(values.target))),
+                    message(L"up %1%", Coordinates::direction(tripleOf(values.up))),
                     coordinates.length(values.width) + L" x " + coordinates.length(values.height)});
     } else {
-        row.emplace_back(L"no camera");
+        row.push_back(message(L"no camera"));
     }
     table.add(std::move(row));
 }
@@ -264,7 +270,7 @@ Result listViews(DocumentSession const & session, Parameters const & parameters,
     StrongRef<Units::UnitSystem> system;
     std::wstring why = whyNoViews(session.design());
     if (why.empty() && !json) why = findShownSystem(&session.design(), system);
-    if (!why.empty()) return cannot(L"list the views", why);
+    if (!why.empty()) return cannot(L"cannot list the views: %1%", why);
     Coordinates const coordinates(system);
     Views const views = viewsOf(session.design());
     Table table;
@@ -281,20 +287,22 @@ Result listViews(DocumentSession const & session, Parameters const & parameters,
     if (json) return {};
     out << table.toUtf8();
     if (!views)
-        out << "the document has no views yet, and gets the built-in ones with its first change\n";
+        out << Text::toUtf8(message(L"the document has no views yet, and gets the built-in ones "
+                                    L"with its first change"))
+            << '\n';
     else if (isEmpty)
-        out << "the document has no views\n";
+        out << Text::toUtf8(message(L"the document has no views")) << '\n';
     return {};
 }
 
 Result newView(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const task = L"make a view";
+    wchar_t const * const refusal = tr(L"cannot make a view: %1%");
     unsigned const count = parameters.parameters();
     bool const isNamed = count == 1 || (count > 1 && !isAimWord(parameters.parameter(0)));
     Aim aim;
     std::wstring why = whyNoViews(session.design());
     if (why.empty()) why = readAim(session, parameters, isNamed ? 1 : 0, aim);
-    if (!why.empty()) return cannot(task, why);
+    if (!why.empty()) return cannot(refusal, why);
 
     Asset * const asset = &session.asset();
     std::unique_ptr<Request> const sample(CommonData::NewNamedViewRequest::make(asset, nullptr));
@@ -313,84 +321,90 @@ Result newView(DocumentSession & session, Parameters const & parameters) {
             run(session, std::unique_ptr<Request>(CommonData::NewNamedViewRequest::make(
                              asset, makeCamera(design, values))));
             View const view = views->find(made);
-            if (!view) throw Refused{L"the document has no adapter"};
+            if (!view) throw Refused{message(L"the document has no adapter")};
             if (made != name) view->name(name);
         });
     } catch (Refused const & refused) {
-        return cannot(task, refused.why);
+        return cannot(refusal, refused.why);
     }
-    return {0, L"made the view " + inQuotes(name) + sinceTaken(wished, name)};
+    return {0, withReason(message(L"made the view %1%", inQuotes(name)), wished, name)};
 }
 
 Result updateView(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const task = L"update the view";
+    wchar_t const * const refusal = tr(L"cannot update the view: %1%");
     std::wstring const & name = parameters.parameter(0);
     Views views;
     View view;
     Aim aim;
     std::wstring why = findView(session, name, views, view);
     if (why.empty() && view->isFixed())
-        why = isBuiltIn(name) + L" and keeps its camera; Views.Synchronize has it follow the "
-                                L"settings";
-    if (why.empty() && !view->camera()) why = L"the view " + inQuotes(name) + L" has no camera";
+        why = message(
+            L"%1% is built in and keeps its camera; Views.Synchronize has it follow the settings",
+            inQuotes(name));
+    if (why.empty() && !view->camera())
+        why = message(L"the view %1% has no camera", inQuotes(name));
     if (why.empty()) why = readAim(session, parameters, 1, aim);
-    if (why.empty() && aim.isEmpty()) why = L"from VIEW, position P, target P or up V is needed";
-    if (!why.empty()) return cannot(task, why);
+    if (why.empty() && aim.isEmpty())
+        why = message(L"from VIEW, position P, target P or up V is needed");
+    if (!why.empty()) return cannot(refusal, why);
     CameraValues const before = valuesOf(*view->camera());
     CameraValues values = before;
     aim.applyTo(values);
     // Asked beforehand, since a camera that comes and goes would be a step.
-    if (values == before) return {0, L"the view " + inQuotes(name) + L" is so already"};
-    session.change(L"update the view " + inQuotes(name), [&] {
+    if (values == before) return {0, message(L"the view %1% is so already", inQuotes(name))};
+    session.change(message(L"update the view %1%", inQuotes(name)), [&] {
         views->updateNamedViewCamera(name, makeCamera(session.design(), values));
     });
-    return {0, L"updated the view " + inQuotes(name)};
+    return {0, message(L"updated the view %1%", inQuotes(name))};
 }
 
 Result renameView(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const task = L"rename the view";
+    wchar_t const * const refusal = tr(L"cannot rename the view: %1%");
     std::wstring const & name = parameters.parameter(0);
     std::wstring const & wished = parameters.parameter(1);
     Views views;
     View view;
     std::wstring why = findView(session, name, views, view);
-    if (why.empty() && view->isFixed()) why = isBuiltIn(name) + L" and keeps its name";
-    if (!why.empty()) return cannot(task, why);
-    if (wished == name) return {0, L"the view is called " + inQuotes(name) + L" already"};
+    if (why.empty() && view->isFixed())
+        why = message(L"%1% is built in and keeps its name", inQuotes(name));
+    if (!why.empty()) return cannot(refusal, why);
+    if (wished == name) return {0, message(L"the view is called %1% already", inQuotes(name))};
     bool isStep = false;
     why = runAsStep(session,
                     std::unique_ptr<Request>(CommonData::UpdateNamedViewNameRequest::make(
                         &session.asset(), name, wished)),
                     isStep);
-    if (!why.empty()) return cannot(task, why);
-    if (view->name() == name) return cannot(task, L"the document has no adapter");
-    return {0, L"renamed the view " + inQuotes(name) + L" to " + inQuotes(view->name()) +
-                   sinceTaken(wished, view->name())};
+    if (!why.empty()) return cannot(refusal, why);
+    if (view->name() == name) return cannot(refusal, message(L"the document has no adapter"));
+    return {0, withReason(
+                   message(L"renamed the view %1% to %2%", inQuotes(name), inQuotes(view->name())),
+                   wished, view->name())};
 }
 
 Result deleteView(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const task = L"delete the view";
+    wchar_t const * const refusal = tr(L"cannot delete the view: %1%");
     std::wstring const & name = parameters.parameter(0);
     Views views;
     View view;
     std::wstring why = findView(session, name, views, view);
     bool const isFixed = why.empty() && view->isFixed();
     if (isFixed && !parameters.hasFlag(L"Force"))
-        why = isBuiltIn(name) + L"; /Force deletes it, and Views.Restore brings it back";
-    if (!why.empty()) return cannot(task, why);
+        why = message(L"%1% is built in; /Force deletes it, and Views.Restore brings it back",
+                      inQuotes(name));
+    if (!why.empty()) return cannot(refusal, why);
     view.reset(); // so that it goes within the change
     bool isStep = false;
     why = runAsStep(
         session,
         std::unique_ptr<Request>(CommonData::DeleteNamedViewRequest::make(&session.asset(), name)),
         isStep);
-    if (!why.empty()) return cannot(task, why);
-    if (!isStep) return cannot(task, L"the document has no adapter");
-    return {0, L"deleted the view " + inQuotes(name)};
+    if (!why.empty()) return cannot(refusal, why);
+    if (!isStep) return cannot(refusal, message(L"the document has no adapter"));
+    return {0, message(L"deleted the view %1%", inQuotes(name))};
 }
 
 Result moveViews(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const task = L"move the views";
+    wchar_t const * const refusal = tr(L"cannot move the views: %1%");
     unsigned const last = parameters.parameters() - 1;
     std::wstring const & where = parameters.parameter(last - 1);
     std::wstring const & targetName = parameters.parameter(last);
@@ -400,36 +414,43 @@ Result moveViews(DocumentSession & session, Parameters const & parameters) {
     std::wstring names;
     std::wstring why;
     if (!isWord(where, L"before") && !isWord(where, L"after"))
-        why = L"views go before or after another, not " + inQuotes(where);
+        why = message(L"views go before or after another, not %1%", inQuotes(where));
     if (why.empty()) why = findView(session, targetName, views, target);
     for (unsigned i = 0; why.empty() && i + 1 < last; ++i) {
         View view;
         why = findView(*views, parameters.parameter(i), view);
         if (!why.empty()) break;
-        if (view == target) why = L"a view has no place beside itself";
+        if (view == target) why = message(L"a view has no place beside itself");
         paths.push_back(Managed::ManagedEntityUtils::objectPath(*view));
-        if (paths.back().empty()) why = L"the views don't stand under a root of the document";
+        if (paths.back().empty())
+            why = message(L"the views don't stand under a root of the document");
         names += (names.empty() ? L"" : L", ") + inQuotes(parameters.parameter(i));
     }
-    if (!why.empty()) return cannot(task, why);
+    if (!why.empty()) return cannot(refusal, why);
     bool const isAfter = isWord(where, L"after");
     std::unique_ptr<Request> request(CommonData::NamedViewPasteRequest::make(
         &session.asset(), paths, Managed::ManagedEntityUtils::objectPath(*target), isAfter, true,
         true));
     bool isStep = false;
     why = runAsStep(session, std::move(request), isStep);
-    if (!why.empty()) return cannot(task, why);
-    std::wstring const place = (isAfter ? L" after " : L" before ") + inQuotes(targetName);
-    if (isStep) return {0, L"moved " + clipped(names, 1000) + place};
-    return {0, clipped(names, 1000) + (paths.size() == 1 ? L" stands" : L" stand") + place +
-                   L" already"};
+    if (!why.empty()) return cannot(refusal, why);
+    wchar_t const * const moved =
+        isAfter ? tr(L"moved %1% after %2%") : tr(L"moved %1% before %2%");
+    wchar_t const * const one =
+        isAfter ? tr(L"%1% stands after %2% already") : tr(L"%1% stands before %2% already");
+    wchar_t const * const several =
+        isAfter ? tr(L"%1% stand after %2% already") : tr(L"%1% stand before %2% already");
+    return {0, message(isStep              ? moved
+                       : paths.size() == 1 ? one
+                                           : several,
+                       clipped(names, 1000), inQuotes(targetName))};
 }
 
 Result synchronizeViews(DocumentSession & session, Parameters const &) {
     std::wstring const why = whyNoViews(session.design());
-    if (!why.empty()) return cannot(L"synchronize the views", why);
+    if (!why.empty()) return cannot(L"cannot synchronize the views: %1%", why);
     std::wstring missing;
-    bool const isStep = session.change(L"synchronize the views", [&] {
+    bool const isStep = session.change(message(L"synchronize the views"), [&] {
         equip(session.design());
         Views const views = viewsOf(session.design());
         for (BuiltIn const & builtIn : builtIns()) {
@@ -438,14 +459,14 @@ Result synchronizeViews(DocumentSession & session, Parameters const &) {
                 missing += (missing.empty() ? L"" : L", ") + builtIn.name;
         }
     });
-    std::wstring answer =
-        isStep ? L"the built-in views follow the settings" : L"the built-in views are so already";
-    if (!missing.empty()) answer += L"; missing: " + missing + L", which Views.Restore makes";
-    return {0, answer};
+    std::wstring const answer = isStep ? message(L"the built-in views follow the settings")
+                                       : message(L"the built-in views are so already");
+    if (missing.empty()) return {0, answer};
+    return {0, message(L"%1%; missing: %2%, which Views.Restore makes", answer, missing)};
 }
 
 Result restoreViews(DocumentSession & session, Parameters const & parameters) {
-    wchar_t const * const task = L"restore the view";
+    wchar_t const * const refusal = tr(L"cannot restore the view: %1%");
     std::wstring why = whyNoViews(session.design());
     std::vector<BuiltIn> wanted = builtIns();
     if (why.empty() && parameters.parameters() > 0) {
@@ -454,9 +475,10 @@ Result restoreViews(DocumentSession & session, Parameters const & parameters) {
         for (BuiltIn const & each : wanted) names.push_back(each.name);
         std::erase_if(wanted,
                       [&](BuiltIn const & each) { return !isWord(name, each.name.c_str()); });
-        if (wanted.empty()) why = inQuotes(name) + L" isn't built in" + orInstead(name, names);
+        if (wanted.empty())
+            why = message(L"%1% isn't built in", inQuotes(name)) + orInstead(name, names);
     }
-    if (!why.empty()) return cannot(task, why);
+    if (!why.empty()) return cannot(refusal, why);
 
     Views const before = viewsOf(session.design());
     if (!before) wanted = builtIns(); // which come together
@@ -466,8 +488,8 @@ Result restoreViews(DocumentSession & session, Parameters const & parameters) {
         View const view = before ? before->find(each.name) : nullptr;
         if (view && !view->isFixed()) taken += (taken.empty() ? L"" : L", ") + each.name;
     }
-    session.change(wanted.size() == 1 ? L"restore the view " + wanted.front().name
-                                      : L"restore the views",
+    session.change(wanted.size() == 1 ? message(L"restore the view %1%", wanted.front().name)
+                                      : message(L"restore the views"),
                    [&] {
                        equip(session.design());
                        Views const views = viewsOf(session.design());
@@ -476,11 +498,11 @@ Result restoreViews(DocumentSession & session, Parameters const & parameters) {
                                restored += (restored.empty() ? L"" : L", ") + each.name;
                    });
     if (!taken.empty() && restored.empty())
-        return cannot(task, L"a view of the user's is called " + taken);
-    std::wstring answer =
-        restored.empty() ? L"no built-in view is missing" : L"restored " + restored;
-    if (!taken.empty()) answer += L"; a view of the user's is called " + taken;
-    return {0, answer};
+        return cannot(refusal, message(L"a view of the user's is called %1%", taken));
+    std::wstring const answer = restored.empty() ? message(L"no built-in view is missing")
+                                                 : message(L"restored %1%", restored);
+    if (taken.empty()) return {0, answer};
+    return {0, message(L"%1%; a view of the user's is called %2%", answer, taken)};
 }
 
 } // namespace Vn::Console

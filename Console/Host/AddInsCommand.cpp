@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "Console/CommandLine/ExitStatus.h"
+#include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
 #include "Console/Texts.h"
 #include "Platform/AddInMgr/AddIn.h"
@@ -17,38 +18,42 @@ namespace Vn::Console {
 
 namespace {
 
-char const * word(EAddInState state) {
+wchar_t const * word(EAddInState state) {
     switch (state) {
     case EAddInState::Registered:
-        return "registered";
+        return tr(L"registered");
     case EAddInState::Configured:
-        return "configured";
+        return tr(L"configured");
     case EAddInState::Refused:
-        return "refused";
+        return tr(L"refused");
     case EAddInState::Loaded:
-        return "loaded";
+        return tr(L"loaded");
     case EAddInState::Failed:
-        return "failed";
+        return tr(L"failed");
     case EAddInState::Unloaded:
-        return "unloaded";
+        return tr(L"unloaded");
     case EAddInState::Kept:
-        return "kept";
+        return tr(L"kept");
     }
-    return "";
+    return L"";
 }
 
 struct Row {
     explicit Row(AddIn const & addIn)
         : identifier(addIn.identifier()), module(Text::toUtf8(addIn.module())),
           assetType(addIn.assetTypeId()), state(word(addIn.state())) {
-        if (Status const status = addIn.status(); !status) reason = status.toString();
+        if (Status const status = addIn.status(); !status) {
+            reason = status.toString();
+            shownReason = printable(statusText(status));
+        }
     }
 
     std::string identifier;
     std::string module;
     std::string assetType;
-    std::string state;
-    std::string reason;
+    wchar_t const * state; // a message
+    std::string reason;    // for programs
+    std::wstring shownReason;
 };
 
 // Configurations may come from anyone, and reasons quote from them.
@@ -66,7 +71,7 @@ void showJson(Row const & row, std::ostream & out) {
     object["identifier"] = member(row.identifier);
     object["module"] = member(row.module);
     object["assetType"] = member(row.assetType);
-    object["state"] = row.state;
+    object["state"] = Text::toUtf8(row.state);
     object["reason"] = member(row.reason);
     out << object.dump() << '\n';
 }
@@ -77,15 +82,16 @@ int runAddIns(bool json, std::ostream & out) {
     std::vector<AddIn *> const addIns = AddInMgr::get()->addIns();
     bool isGood = !addIns.empty();
     Table table;
-    table.add({L"identifier", L"module", L"asset type", L"state", L"reason"});
+    table.add({message(L"identifier"), message(L"module"), message(L"asset type"),
+               message(L"state"), message(L"reason")});
     for (AddIn const * const addIn : addIns) {
         Row const row(*addIn);
         isGood &= addIn->status().ok();
         if (json)
             showJson(row, out);
         else
-            table.add({cell(row.identifier), cell(row.module), cell(row.assetType), cell(row.state),
-                       cell(row.reason)});
+            table.add({cell(row.identifier), cell(row.module), cell(row.assetType),
+                       message(row.state), row.shownReason.empty() ? L"-" : row.shownReason});
     }
     if (!json) out << table.toUtf8();
     return isGood ? ExitGood : ExitBadInput;

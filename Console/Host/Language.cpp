@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/StringTable.h"
 #include "Platform/Base/Text.h"
@@ -46,7 +47,7 @@ std::string preferredLanguage() {
 std::wstring whyNotLanguage(std::string_view tag) {
     if (StringTable::hasLanguage(c_module, tag)) return {};
     std::wstring const name = Text::fromUtf8(tag);
-    return L"there is no language " + inQuotes(name) + orInstead(name, languages());
+    return message(L"there is no language %1%", inQuotes(name)) + orInstead(name, languages());
 }
 
 std::vector<std::wstring> languages() {

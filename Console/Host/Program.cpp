@@ -12,6 +12,7 @@
 #include "Console/Host/EarlyOptions.h"
 #include "Console/Host/ICommandLine.h"
 #include "Console/Host/Language.h"
+#include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/AddInMgr/AddIn.h"
 #include "Platform/AddInMgr/AddInMgr.h"
@@ -49,7 +50,7 @@ void prepareProcess(EarlyOptions const & options) {
     PathInfo::optionsDirectory(Text::fromUtf8(options.optionsDirectory));
 }
 
-std::wstring textOf(Status const & status) { return Text::fromUtf8(status.toString()); }
+std::wstring textOf(Status const & status) { return statusText(status); }
 
 AddIn * configuredBy(std::filesystem::path const & file) {
     for (AddIn * const addIn : AddInMgr::get()->addIns())
@@ -67,11 +68,11 @@ std::wstring whatIsMissing(Status const & configured) {
         if (AddIn const * const addIn = configuredBy(file)) {
             if (Status const status = addIn->status(); !status) return textOf(status);
         } else if (!std::filesystem::exists(file, ignored)) {
-            return L"there is no " + root + needed;
+            return message(L"there is no %1%", root + needed);
         }
     }
     return AddInMgr::get()->addIns().empty() ? textOf(configured)
-                                             : L"no add-in \"Console\" has the commands";
+                                             : message(L"no add-in \"Console\" has the commands");
 }
 
 } // namespace
@@ -97,8 +98,9 @@ int runProgram(std::vector<std::string> const & arguments, std::istream & in, st
     }
     if (!commandLine) {
         told(printable(whatIsMissing(configured)), err);
-        err << "Install vnconsole again, with all of its files; "
-               "\"vnconsole add-ins\" lists what was found.\n";
+        err << Text::toUtf8(message(L"Install vnconsole again, with all of its files; "
+                                    L"\"vnconsole add-ins\" lists what was found."))
+            << '\n';
         return ExitBadInput;
     }
     if (!listsAddIns)

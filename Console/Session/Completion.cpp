@@ -6,6 +6,7 @@
 #include "Console/Documents/CommandTable.h"
 #include "Console/Documents/DocumentSettings.h"
 #include "Console/Documents/Operations.h"
+#include "Console/LastValue.h"
 #include "Console/Options.h"
 #include "Console/Session/FileNames.h"
 #include "Console/Session/Session.h"
@@ -126,6 +127,7 @@ Candidates words() {
     using Expressions::Vocabulary;
     for (Vocabulary::Word const & word : Vocabulary::get().words())
         all.push_back({word.text, word.kind == Vocabulary::EKind::Function ? L"(" : L""});
+    all.push_back({std::wstring(LastValue::c_word), L""});
     return all;
 }
 

@@ -38,9 +38,9 @@ public:
         ::sigemptyset(&held);
         ::sigaddset(&held, SIGWINCH);
         ::sigaddset(&held, SIGCONT);
-        ::sigprocmask(SIG_BLOCK, &held, &m_before);
+        ::pthread_sigmask(SIG_BLOCK, &held, &m_before);
     }
-    ~HeldSignals() { ::sigprocmask(SIG_SETMASK, &m_before, nullptr); }
+    ~HeldSignals() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
     HeldSignals(HeldSignals const &) = delete;
     HeldSignals & operator=(HeldSignals const &) = delete;
 

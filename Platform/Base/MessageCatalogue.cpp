@@ -50,6 +50,7 @@ MessageCatalogue::MessageCatalogue(std::string file) : m_file(std::move(file)) {
 
 std::optional<std::string_view> MessageCatalogue::find(std::string_view context,
                                                        std::string_view message) const {
+    if (context.empty()) return find(message);
     std::string key(context);
     key += '\4';
     key += message;

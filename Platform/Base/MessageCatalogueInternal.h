@@ -23,8 +23,8 @@ public:
     // within the file, a text without its null at the end, another encoding.
     static std::unique_ptr<MessageCatalogue const> make(std::string file);
 
-    // The translation of a message in its context; none if the catalogue hasn't got it.  Of a
-    // message with plural forms it is the first.
+    // The translation of a message in its context, or of one without a context if that is empty;
+    // none if the catalogue hasn't got it.  Of a message with plural forms it is the first.
     std::optional<std::string_view> find(std::string_view context, std::string_view message) const;
 
 private:

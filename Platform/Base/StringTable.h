@@ -23,7 +23,9 @@ namespace Vn {
 class VN_BASE_API StringTable {
 public:
     // The text in the current language, or `defaultText` if the language has none for it.  `module`
-    // and `key` are ASCII.  A catalogue that is damaged, or isn't in UTF-8, holds no translations.
+    // and `key` are ASCII.  With an empty key the English wording alone names the text: an entry of
+    // the catalogue without a context.  An empty `defaultText` stays empty.  A catalogue that is
+    // damaged, or isn't in UTF-8, holds no translations.
     static std::wstring getLocalizedString(std::string_view module, std::string_view key,
                                            std::wstring_view defaultText);
 

@@ -107,6 +107,14 @@ TEST_F(StringTableTests, TranslatesByKeyAndText) {
     EXPECT_EQ(text("degreeSign", L"20 \u00B0C"), L"20 Grad Celsius");
 }
 
+TEST_F(StringTableTests, WithoutAKeyTheTextNamesItself) {
+    StringTable::language("de");
+    EXPECT_EQ(text("", L"no room"), L"kein Platz");
+    EXPECT_EQ(text("roomKey", L"no room"), L"no room");
+    EXPECT_EQ(text("", L"Length"), L"Length"); // which has contexts
+    EXPECT_EQ(text("", L""), L"");             // and not the header of the catalogue
+}
+
 TEST_F(StringTableTests, WhatIsMissingKeepsTheDefaultText) {
     StringTable::language("de");
     EXPECT_EQ(text("untranslated", L"Width"), L"Width");

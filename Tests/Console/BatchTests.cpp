@@ -32,15 +32,16 @@ TEST(BatchTests, AnswerHasEveryMemberInOrder) {
                               "\n");
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
-    EXPECT_EQ(outcome.out,
-              R"({"id":"a","tokens":[[1,0,0,""],[11,0,4,"1' 9"],[14,4,5,"foot"],[2,5,5,""]],)"
-              R"("parsed":true,"result":"parsedOk","position":0,"message":"Success!",)"
-              R"j("evaluated":true,"value":53.340000000000003,"units":"(foot) / (1)",)j"
-              R"("formatted":"21.00 in","rebuilt":"1'-9\"","formattedValueOnly":"21.00",)"
-              R"("formattedUnitOnly":"in","rebuiltValueOnly":"1'-9\"","readableUnits":"ft",)"
-              R"("internalUnits":"cm","rebuiltReadsBack":true,"textToStore":"1'-9\"",)"
-              R"("reason":"none","start":0,"end":0,"explanation":"","suggestions":[],"hint":""})"
-              "\n");
+    EXPECT_EQ(
+        outcome.out,
+        R"({"id":"a","tokens":[[1,0,0,""],[11,0,4,"1' 9"],[14,4,5,"foot"],[2,5,5,""]],)"
+        R"("parsed":true,"result":"parsedOk","position":0,"message":"Success!",)"
+        R"j("evaluated":true,"value":53.340000000000003,"units":"(foot) / (1)",)j"
+        R"("formatted":"21.00 in","rebuilt":"1'-9\"","formattedValueOnly":"21.00",)"
+        R"("formattedUnitOnly":"in","rebuiltValueOnly":"1'-9\"","readableUnits":"ft",)"
+        R"("internalUnits":"cm","rebuiltReadsBack":true,"textToStore":"1'-9\"",)"
+        R"("reason":"none","start":0,"end":0,"explanation":"","suggestions":[],"hint":"","corrections":[],"notes":[]})"
+        "\n");
 }
 
 TEST(BatchTests, TextThatDoesNotParseIsAnswered) {
@@ -58,7 +59,7 @@ TEST(BatchTests, TextThatDoesNotParseIsAnswered) {
         R"("rebuiltValueOnly":"","readableUnits":"","internalUnits":"","rebuiltReadsBack":false,)"
         R"("textToStore":"","reason":"otherThanExpectedUnits","start":0,"end":3,"explanation":)"
         R"j("a result in cm (Length) is expected, but this is in kg (Mass)","suggestions":[],)j"
-        R"("hint":""})"
+        R"("hint":"","corrections":[],"notes":[]})"
         "\n"
         R"({"id":2,"tokens":[[1,0,0,""],[11,0,1,"2"],[14,2,3,"$"],[0,4,5,"&"]],"parsed":false,)"
         R"("result":"failedToParse","position":4,"message":"Parse error at character 4",)"
@@ -66,7 +67,7 @@ TEST(BatchTests, TextThatDoesNotParseIsAnswered) {
         R"("formattedValueOnly":"","formattedUnitOnly":"","rebuiltValueOnly":"",)"
         R"("readableUnits":"","internalUnits":"","rebuiltReadsBack":false,"textToStore":"",)"
         R"("reason":"unusableCharacter","start":4,"end":5,"explanation":"\"&\" has no meaning in )"
-        R"(an expression","suggestions":[],"hint":""})"
+        R"(an expression","suggestions":[],"hint":"","corrections":[],"notes":[]})"
         "\n");
 }
 

@@ -184,18 +184,19 @@ TEST(EvaluationTests, ARebuiltTextIsReadOnce) {
     Request rounded;
     rounded.expression = Expressions::Expression(L"1/128 in");
     EXPECT_EQ(keeper.takeTexts(), (Texts{L"1 in+2cm", L"1/128 in"}));
+    // The text as typed is read for the notes on it.
     for (auto const show : {&showEvaluation, &showBriefly}) {
         EXPECT_TRUE(show(length, UnitDisplaySettings::standard(), anything, out, out));
-        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 in + 2 cm"});
+        EXPECT_EQ(keeper.takeTexts(), (Texts{L"1 in + 2 cm", L"1 in+2cm"}));
         // A copy of the factory settings, as the user's are at first.
         EXPECT_TRUE(
             show(length, UnitDisplaySettings(UnitDisplaySettings::standard()), anything, out, out));
-        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 in + 2 cm"});
+        EXPECT_EQ(keeper.takeTexts(), (Texts{L"1 in + 2 cm", L"1 in+2cm"}));
         EXPECT_TRUE(show(length, inWords, anything, out, out));
-        EXPECT_EQ(keeper.takeTexts(), Texts{L"1 inch + 2 centimeter"});
+        EXPECT_EQ(keeper.takeTexts(), (Texts{L"1 inch + 2 centimeter", L"1 in+2cm"}));
         // What is stored then isn't the text that is shown.
         EXPECT_TRUE(show(rounded, UnitDisplaySettings::standard(), anything, out, out));
-        EXPECT_EQ(keeper.takeTexts(), Texts{L"1/64\""});
+        EXPECT_EQ(keeper.takeTexts(), (Texts{L"1/64\"", L"1/128 in"}));
     }
 }
 

@@ -134,14 +134,14 @@ TEST(EvalTests, JsonIsOneObjectALine) {
         R"("rebuilt":"1/64\"","formattedValueOnly":"0.008","formattedUnitOnly":"in",)"
         R"("rebuiltValueOnly":"1/64","readableUnits":"in","internalUnits":"cm",)"
         R"("rebuiltReadsBack":false,"textToStore":"1/128","reason":"none","start":0,"end":0,)"
-        R"("explanation":"","suggestions":[],"hint":""})"
+        R"("explanation":"","suggestions":[],"hint":"","corrections":[],"notes":[]})"
         "\n"
         R"({"text":"CM","parsed":false,"result":"abruptTermination","position":0,"message":)"
         R"("Abrupt Termination","evaluated":false,"value":null,"units":"","formatted":"",)"
         R"("rebuilt":"","formattedValueOnly":"","formattedUnitOnly":"","rebuiltValueOnly":"",)"
         R"("readableUnits":"","internalUnits":"","rebuiltReadsBack":false,"textToStore":"",)"
         R"("reason":"unknownName","start":0,"end":2,"explanation":"\"CM\" isn't a unit, a )"
-        R"(function or a constant","suggestions":["cm"],"hint":""})"
+        R"(function or a constant","suggestions":["cm"],"hint":"","corrections":["cm"],"notes":[]})"
         "\n"
         R"({"text":"1/0","parsed":true,"result":"parsedOk","position":0,"message":"Success!",)"
         R"j("evaluated":false,"value":null,"units":"(inch) / (1)","formatted":"",)j"
@@ -149,7 +149,7 @@ TEST(EvalTests, JsonIsOneObjectALine) {
         R"j("rebuiltValueOnly":"( 1 / 0 ) * 1 in","readableUnits":"in","internalUnits":"cm",)j"
         R"j("rebuiltReadsBack":true,"textToStore":"( 1 / 0 ) * 1 in","reason":"none","start":0,)j"
         R"("end":0,"explanation":"a divisor is nearly zero, a number is too large, or a function )"
-        R"(isn't defined for its argument","suggestions":[],"hint":""})"
+        R"(isn't defined for its argument","suggestions":[],"hint":"","corrections":[],"notes":[]})"
         "\n");
 }
 
@@ -159,6 +159,20 @@ TEST(EvalTests, JsonOfAValueThatCanNotBeShownIsAnError) {
     EXPECT_EQ(outcome.out, R"({"text":"2 cm","error":"the value is in cm (Length) and can't be )"
                            R"j(shown in kg (Mass)"})j"
                            "\n");
+}
+
+TEST(EvalTests, ReadingsThatPeopleRarelyMeanAreNotedBesideTheValue) {
+    Outcome const power = runConsole({"eval", "2*3^2"});
+    EXPECT_EQ(power.status, 0);
+    EXPECT_EQ(power.out.substr(0, power.out.find('\n')), "formatted  36.00");
+    EXPECT_EQ(power.err, "note: the power is that of all of \"2*3\"; to take the power first write "
+                         "2*(3^2)\n");
+    EXPECT_EQ(runConsole({"eval", "1,500 mm"}).err,
+              "note: \"1,500\" is 1.500, with a comma for decimals; for thousands write 1500\n");
+    EXPECT_EQ(runConsole({"eval", "2*(3^2)"}).err, "");
+    Outcome const session = runConsole({}, "5 kilos\n");
+    EXPECT_EQ(session.status, 0);
+    EXPECT_EQ(session.err, "line 1: note: \"kilos\" was read as kilosecond; did you mean kg?\n");
 }
 
 TEST(EvalTests, TextThatDoesNotEvaluateSaysSo) {
@@ -343,6 +357,48 @@ TEST(EvalTests, WithoutATextTheLinesOfTheInputAreRead) {
               "line 5: the line isn't UTF-8\n");
     EXPECT_EQ(runConsole({"eval"}, "").status, 0);
 }
+
+TEST(EvalTests, LinesOfAnyLengthAndNumberAreRead) {
+    std::string const digits(5000000, '7');
+    std::string const name(5000000, 'x');
+    Outcome const outcome =
+        runConsole({"eval", "--json", "--no-tokens"},
+                   digits + "\n" + name + "\n2 in" + std::string(5000000, ' ') + "to cm\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.out.find("\"reason\":\"unknownName\""), std::string::npos);
+    EXPECT_NE(outcome.out.find("\"formatted\":\"5.08 cm\""), std::string::npos);
+
+    std::string lines = "1\n";
+    for (int i = 0; i < 20000; ++i) lines += "ans + 1\n";
+    std::string const all = runConsole({"eval", "--standard"}, lines).out;
+    EXPECT_NE(all.find("internal   20001\n"), std::string::npos);
+}
+
+#ifndef _WIN32 // whose shell is another
+TEST(EvalTests, EndsWhenNobodyReads) {
+    Outcome const outcome = runShell("yes \"2 in\" | \"$VNCONSOLE\" eval | head -n 2");
+    EXPECT_EQ(outcome.out, "2 in\nformatted  2.00 in\n");
+}
+
+// A program at the other end sends a line and waits for its answer.
+TEST(EvalTests, EachLineIsAnsweredBeforeTheNextComes) {
+    Outcome const outcome = runShell(R"(
+        fifo=$(mktemp -u) && mkfifo "$fifo"
+        "$VNCONSOLE" eval --json < "$fifo" | {
+            exec 3> "$fifo"
+            echo '2 in' >&3
+            read -r first
+            echo 'ans to cm' >&3
+            read -r second
+            exec 3>&-
+            echo "$first" | cut -c1-14
+            echo "$second" | cut -c1-19
+        }
+        rm "$fifo")");
+    EXPECT_EQ(outcome.out, "{\"text\":\"2 in\"\n{\"text\":\"ans to cm\"\n");
+    EXPECT_EQ(outcome.err, "");
+}
+#endif
 
 TEST(EvalTests, LinesAreAnsweredInJson) {
     Outcome const outcome =

@@ -276,6 +276,7 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
         {L"unit inc", 3, {L"inch"}},
         {L"2 + ", 0, {}},
         {L"2 qqq", 3, {}},
+        {L"2 * an", 2, {L"ans"}},
         {L"2 + 3", 0, {}},
     };
     for (Row const & row : rows) {

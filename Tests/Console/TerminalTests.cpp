@@ -286,6 +286,17 @@ TEST_F(InteractiveTests, BadLinesDoNotMakeTheStatusBad) {
     EXPECT_EQ(session.waitForEnd(), 0);
 }
 
+// Who types sees the lines, and needs no numbers.
+TEST(TypedEvalTests, LinesAreNotNumbered) {
+    TerminalSession session({"eval"});
+    ASSERT_TRUE(session.waitFor("each on a line; the end of the input ends.\r\n"));
+    session.type("CM\r");
+    EXPECT_TRUE(session.waitFor("Abrupt Termination")) << session.screen();
+    EXPECT_EQ(session.screen().find("line 1:"), std::string::npos) << session.screen();
+    session.type("\x04");
+    EXPECT_EQ(session.waitForEnd(), 1);
+}
+
 TEST(ProgressTests, LinesAreCountedOnATerminal) {
     std::string input;
     for (int i = 0; i < 2500; ++i) input += "{\"text\":\"2\"}\n";

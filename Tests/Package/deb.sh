@@ -38,6 +38,9 @@ done
 for file in bash-completion/completions/vnconsole zsh/vendor-completions/_vnconsole; do
   [ -s "$work/run/usr/share/$file" ] || fail "no $file in the package"
 done
+for file in copyright README.md Docs/embedding.md licenses/libboost-dev.txt; do
+  [ -s "$work/run/usr/share/doc/vncommondata10/$file" ] || fail "no $file in the package"
+done
 missing=$(ldd "$work"/run/usr/lib/*.so* "$work/run/usr/bin/vnconsole" | grep 'not found' || true)
 [ -z "$missing" ] || fail "$missing"
 

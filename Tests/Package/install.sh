@@ -22,3 +22,20 @@ found=$(find "$installed" -name '*Internal.h' -o -name LoadOrder.h -o -name '*.c
 for file in AddInMgr/Configuration/Schema/AddinSchema.xsd CommonData/Configuration/VnCommonData10.xml; do
   [ -s "$installed/Server/$file" ] || fail "no Server/$file"
 done
+
+# There are the documents, with what they lead to, and the terms of what is shipped.
+documents=$installed/share/doc/vncommondata10
+for file in copyright README.md CHANGELOG.md Docs/embedding.md Docs/compatibility.md Docs/units.md; do
+  [ -s "$documents/$file" ] || fail "no $file among the documents"
+done
+for document in "$documents"/*.md "$documents"/Docs/*.md; do
+  for target in $(grep -o '](\([^)#]*\.md\)' "$document" | sed 's/^](//'); do
+    [ -s "$(dirname "$document")/$target" ] || fail "$document leads to $target, which isn't there"
+  done
+done
+for license in $(grep -o 'licenses/[a-z0-9-]*\.txt' "$documents/copyright"); do
+  case $license in
+    *sqlite3.txt | *libxml2.txt | *mingw*) ;; # in the zip for Windows
+    *) [ -s "$documents/$license" ] || fail "no $license" ;;
+  esac
+done

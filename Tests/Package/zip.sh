@@ -16,7 +16,9 @@ unzip -q "$zip" -d "$installed"
 # What is there.
 for file in bin/vnconsole.exe bin/VnCommonData10.dll bin/VnConsole10.dll bin/VnSqlite3.dll bin/VnXml2.dll lib/libVnCommonData10.dll.a \
     lib/cmake/VnCommonData10/VnCommonData10Config.cmake licenses/sqlite3.txt licenses/libxml2.txt licenses/gcc-mingw-w64-base.txt \
+    licenses/libboost-dev.txt licenses/mingw-w64-common.txt doc/copyright doc/README.md doc/Docs/embedding.md \
     include/VnCommonData10/Server/CommonData/Units/Unit.h share/locale/de/LC_MESSAGES/VnCommonData.mo \
+    share/locale/ja/LC_MESSAGES/VnConsole.mo \
     Server/AddInMgr/Configuration/Schema/AddinSchema.xsd Server/CommonData/Configuration/VnCommonData10.xml; do
   [ -s "$installed/$file" ] || fail "no $file"
 done

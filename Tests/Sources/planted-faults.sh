@@ -40,3 +40,18 @@ plant Server/CommonData/Units/UnitTextCommands.cpp \
 expect PASSES includes.sh
 plant Server/CommonData/Units/Unit.cpp '#include "Server/CommonData/Expressions/ValueFormatter.h"'
 expect FAILS includes.sh
+
+# The messages of the console, without a line of its own and with one.
+catalogues=$work/Translations/Console
+mkdir -p "$work/Tools" "$work/Console" "$catalogues"
+cp "$1/Tools/translations.sh" "$work/Tools"
+plant Console/Good.cpp 'auto text = message(L"a " L"message");'
+printf '%s\n' 'msgid ""' 'msgstr ""' '"Content-Type: text/plain; charset=UTF-8\n"' >"$catalogues/de.po"
+if command -v xgettext >/dev/null; then
+  bash "$work/Tools/translations.sh"
+  grep -qx 'msgid "a message"' "$catalogues/VnConsole.pot"
+  grep -qx 'msgid "a message"' "$catalogues/de.po"
+fi
+expect PASSES messages.sh
+plant Console/Bad.cpp 'auto text = tr(L"another");'
+expect FAILS messages.sh

@@ -84,7 +84,8 @@ std::multiset<std::string> placesOf(std::string const & text) {
 TEST_P(CatalogueTests, ValuesHaveTheirPlacesInEveryText) {
     std::size_t places = 0;
     for (PoEntry const & entry : entries()) {
-        if (!entry.context.starts_with("Failure")) continue;
+        if (!entry.context.starts_with("Failure") && !entry.context.starts_with("Reading"))
+            continue;
         EXPECT_EQ(placesOf(entry.text), placesOf(entry.id)) << entry.context;
         for (std::string const & place : placesOf(entry.text)) {
             EXPECT_TRUE(place == "%1%" || place == "%2%" || place == "%3%") << entry.context;
@@ -171,6 +172,11 @@ TEST_P(CatalogueTests, ProgramReadsTheTranslations) {
         Text::toUtf8(StringTable::getLocalizedString("VnCommonData", "Failure" #name, text)),      \
         texts["Failure" #name]);
 #include "Server/CommonData/Expressions/FailureTexts.inc"
+#define VN_READING_TEXT(name, text)                                                                \
+    EXPECT_EQ(                                                                                     \
+        Text::toUtf8(StringTable::getLocalizedString("VnCommonData", "Reading" #name, text)),      \
+        texts["Reading" #name]);
+#include "Server/CommonData/Expressions/ReadingTexts.inc"
     });
 }
 

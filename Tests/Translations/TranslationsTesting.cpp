@@ -47,6 +47,8 @@ std::vector<Source> makeSources() {
 #include "Server/CommonData/Units/UnitDisplayOptions.inc"
 #define VN_FAILURE_TEXT(name, text) result.push_back({"Failure" #name, Text::toUtf8(text)});
 #include "Server/CommonData/Expressions/FailureTexts.inc"
+#define VN_READING_TEXT(name, text) result.push_back({"Reading" #name, Text::toUtf8(text)});
+#include "Server/CommonData/Expressions/ReadingTexts.inc"
     return result;
 }
 

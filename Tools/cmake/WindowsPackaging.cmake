@@ -13,20 +13,10 @@ set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY OFF)
 set(CPACK_COMPONENTS_ALL runtime development)
 set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
 
-# What the programs contain, or have beside them, of others: as their Debian packages state it.
-foreach(package IN ITEMS
-    gcc-mingw-w64-base mingw-w64-common
-    libboost-dev libtbb-dev libeigen3-dev nlohmann-json3-dev libcli11-dev)
-  set(copyright "/usr/share/doc/${package}/copyright")
-  if(EXISTS "${copyright}")
-    file(REAL_PATH "${copyright}" copyright)
-    install(FILES "${copyright}" DESTINATION licenses RENAME "${package}.txt" COMPONENT runtime)
-  else()
-    message(WARNING "The zip lacks the licence of ${package}: there is no ${copyright}")
-  endif()
-endforeach()
+# What the programs have beside them, beyond the headers of others.
+vn_install_licenses(gcc-mingw-w64-base mingw-w64-common)
 install(FILES "${VN_WINDOWS_DEPENDENCIES}/licenses/sqlite3.txt"
               "${VN_WINDOWS_DEPENDENCIES}/licenses/libxml2.txt"
-        DESTINATION licenses COMPONENT runtime)
+        DESTINATION "${VN_INSTALL_LICENSES}" COMPONENT runtime)
 
 include(CPack)
