@@ -18,7 +18,7 @@ public:
         OS::Module module;
         Status status;
         for (char const * const name : {"libOSMesa.so.8", "libOSMesa.so.6"}) {
-            status = module.load(name);
+            status = module.loadLibrary(name);
             if (status) break;
         }
         if (!status)
