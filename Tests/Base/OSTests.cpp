@@ -192,14 +192,14 @@ TEST(OSTests, LibrariesOfTheSystemAreFoundByTheirNames) {
     constexpr char c_name[] = "libm.so.6";
     constexpr char c_symbol[] = "cos";
 #endif
-    OS::Module module;
+    Module module;
     ASSERT_TRUE(module.loadLibrary(c_name));
     EXPECT_NE(module.symbol(c_symbol), nullptr);
-    EXPECT_EQ(module.loadLibrary("no-such-library.so").code(), StatusNotFound);
+    EXPECT_EQ(module.loadLibrary("no-such-library.so").code(), Vn::StatusNotFound);
     EXPECT_FALSE(module.isLoaded());
     for (char const * const bad :
          {"", "./libm.so.6", "/lib/libm.so.6", "..\\kernel32.dll", "C:x.dll"})
-        EXPECT_EQ(module.loadLibrary(bad).code(), StatusInvalidArgument) << bad;
+        EXPECT_EQ(module.loadLibrary(bad).code(), Vn::StatusInvalidArgument) << bad;
 }
 
 TEST(OSTests, MissingModuleIsNotFound) {
