@@ -636,6 +636,22 @@ Status Module::load(std::filesystem::path const & file) {
     return Status::success();
 }
 
+Status Module::loadLibrary(std::string const & name) {
+    constexpr char c_operation[] = "load the library";
+    unload();
+    // Anything else would be looked for in the present directory too.
+    if (name.empty() || name.find_first_of("/\\:") != name.npos)
+        return Status::invalidArgument(c_operation, name, "it isn't the name of a library");
+#ifdef _WIN32
+    m_pHandle = reinterpret_cast<void *>(
+        LoadLibraryExA(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+#else
+    m_pHandle = dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+#endif
+    if (!m_pHandle) return Status::notFound(c_operation, name, loaderError());
+    return Status::success();
+}
+
 bool Module::isInProcess(std::filesystem::path const & file) {
     std::error_code error;
     std::filesystem::path path = std::filesystem::absolute(file, error);

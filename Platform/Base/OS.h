@@ -175,6 +175,10 @@ public:
     // wait until the process ends.
     [[nodiscard]] Status load(std::filesystem::path const & file);
 
+    // Loads a library of the system by its name alone, such as "libm.so.6", from where the system
+    // looks for libraries.  As above otherwise; StatusNotFound if the system finds none.
+    [[nodiscard]] Status loadLibrary(std::string const & name);
+
     // Whether the process has a module loaded from that file, by whomever.  A module may outlive
     // its unloading: others may use it, or the system may keep it for what it has made.
     static bool isInProcess(std::filesystem::path const & file);

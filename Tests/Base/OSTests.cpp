@@ -184,6 +184,24 @@ TEST(OSTests, AModuleThatIsCutOffIsNotLoaded) {
     }
 }
 
+TEST(OSTests, LibrariesOfTheSystemAreFoundByTheirNames) {
+#ifdef _WIN32
+    constexpr char c_name[] = "kernel32.dll";
+    constexpr char c_symbol[] = "GetTickCount";
+#else
+    constexpr char c_name[] = "libm.so.6";
+    constexpr char c_symbol[] = "cos";
+#endif
+    Module module;
+    ASSERT_TRUE(module.loadLibrary(c_name));
+    EXPECT_NE(module.symbol(c_symbol), nullptr);
+    EXPECT_EQ(module.loadLibrary("no-such-library.so").code(), Vn::StatusNotFound);
+    EXPECT_FALSE(module.isLoaded());
+    for (char const * const bad :
+         {"", "./libm.so.6", "/lib/libm.so.6", "..\\kernel32.dll", "C:x.dll"})
+        EXPECT_EQ(module.loadLibrary(bad).code(), Vn::StatusInvalidArgument) << bad;
+}
+
 TEST(OSTests, MissingModuleIsNotFound) {
     Module module;
     Vn::Status const status = module.load(c_module.parent_path() / "noSuchModule.so");

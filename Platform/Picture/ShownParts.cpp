@@ -1,0 +1,91 @@
+#include "Platform/Picture/ShownParts.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Platform/Graphics/LODGeometryNode.h"
+#include "Platform/Graphics/NodeWalk.h"
+#include "Platform/Scene/INodeSource.h"
+
+namespace Vn::Picture {
+
+using Vrx::Devices::BoundingBox;
+using Vrx::Devices::SimpleMesh;
+using Vrx::Graphics::ARenderNode;
+using Vrx::Graphics::LODGeometryNode;
+using Vrx::Graphics::NodeWalk;
+
+namespace {
+
+constexpr float c_grey = 0.5F;
+
+float channel(float value) { return std::isnan(value) ? c_grey : std::clamp(value, 0.0F, 1.0F); }
+
+// What has no effect at all is grey.
+Color shownColor(std::optional<Vrx::Graphics::EffectParams> const & effect) {
+    if (!effect) return {c_grey, c_grey, c_grey, 1};
+    Color const & color = effect->color;
+    float const opacity = std::isnan(color.opacity) ? 1.0F : channel(color.opacity);
+    return {channel(color.red), channel(color.green), channel(color.blue), opacity};
+}
+
+SimpleMesh * finest(LODGeometryNode const & node) {
+    for (unsigned level = 0; level < LODGeometryNode::c_levels; ++level)
+        if (SimpleMesh * const mesh = node.mesh(level)) return mesh;
+    return nullptr;
+}
+
+bool isFinite(TgMatrix3d const & matrix) {
+    for (unsigned row = 0; row < 4; ++row)
+        for (unsigned column = 0; column < 4; ++column)
+            if (!std::isfinite(matrix.entry(row, column))) return false;
+    return true;
+}
+
+// Positions that bounds leave out, since they aren't finite.
+bool hasOddPositions(SimpleMesh const & mesh) {
+    for (std::size_t i = 0; i < mesh.triangles(); ++i)
+        for (std::uint32_t const vertex : mesh.triangle(i))
+            for (float const number : mesh.vertexBuffer()->position(vertex))
+                if (!std::isfinite(number)) return true;
+    return false;
+}
+
+void grow(std::optional<BoundingBox> & bounds, BoundingBox const & box) {
+    if (bounds)
+        bounds->add(box);
+    else
+        bounds = box;
+}
+
+} // namespace
+
+ShownParts::ShownParts(Vrx::Graphics::GroupNode const * top) {
+    for (NodeWalk walk(top); walk;) {
+        ARenderNode const & node = *walk.node();
+        auto const * const group = node.asGroup();
+        if (!node.visible() || (group && group->world() == Vrx::Scene::WorldScreen)) {
+            walk.skip();
+            continue;
+        }
+        LODGeometryNode const * const geometry = node.asGeometry();
+        SimpleMesh * const mesh = geometry ? finest(*geometry) : nullptr;
+        if (mesh && mesh->vertexBuffer() && mesh->triangles() > 0) {
+            std::optional<BoundingBox> const own = mesh->bounds();
+            std::optional<BoundingBox> box;
+            if (own && isFinite(walk.transform())) box = own->transformed(walk.transform());
+            if (!box || !box->isValid() || hasOddPositions(*mesh)) {
+                ++m_leftOut;
+            } else {
+                bool const isBackground = walk.depth() == 1 && !Scene::INodeSource::of(&node);
+                (isBackground ? m_background : m_model)
+                    .push_back(
+                        {StrongRef<SimpleMesh>(mesh), walk.transform(), shownColor(walk.effect())});
+                grow(isBackground ? m_backgroundBounds : m_bounds, *box);
+            }
+        }
+        walk.next();
+    }
+}
+
+} // namespace Vn::Picture
