@@ -21,8 +21,8 @@ struct PictureOptions {
     static constexpr unsigned c_maxSide = 8192;
     static constexpr std::size_t c_maxPixels = std::size_t{32} << 20;
 
-    unsigned width = 1024;
-    unsigned height = 768;
+    unsigned width = 1024;      // in pixels
+    unsigned height = 768;      // likewise
     bool background = true;     // the background of the document is drawn too
     Color backdrop{1, 1, 1, 1}; // where there is nothing; opaque
     bool edges = true;          // edges of the model are drawn as dark lines
@@ -30,9 +30,9 @@ struct PictureOptions {
 
 // Rows of pixels from the top, three bytes each: red, green and blue in sRGB.
 struct Picture {
-    unsigned width = 0;
-    unsigned height = 0;
-    std::vector<std::uint8_t> pixels;
+    unsigned width = 0;               // in pixels
+    unsigned height = 0;              // likewise
+    std::vector<std::uint8_t> pixels; // as many bytes as three times the product of these
 };
 
 // Draws what is shown: flat faces in the light of a lamp at the camera, four samples to a pixel.

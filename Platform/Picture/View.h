@@ -33,14 +33,14 @@ struct View {
 
 // A view that was made sound: three unit vectors at right angles, sizes above 0.
 struct VN_PICTURE_API ViewFrame {
-    TgPoint3d eye;       // where it looks from, in cm
-    TgVector3d right;    // in the picture
-    TgVector3d up;       // in the picture
-    TgVector3d back;     // towards the eye
-    double distance = 1; // from the eye to the target, in cm
-    double width = 1;    // of what is seen at that distance, in cm
-    double height = 1;   // likewise
-    bool perspective = false;
+    TgPoint3d eye;            // where it looks from, in cm
+    TgVector3d right;         // in the picture
+    TgVector3d up;            // in the picture
+    TgVector3d back;          // towards the eye
+    double distance = 1;      // from the eye to the target, in cm
+    double width = 1;         // of what is seen at that distance, in cm
+    double height = 1;        // likewise
+    bool perspective = false; // else parallel
 
     // A point as the eye has it: to the right, up and towards the eye, in cm.
     TgVector3d seen(TgPoint3d const & point) const noexcept;
