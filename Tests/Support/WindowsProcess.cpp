@@ -50,6 +50,22 @@ struct Pipe {
     }
 };
 
+// Starts a process; without one, GetLastError tells why.  Where much is going on, Wine now and then
+// can't start one just then, and says that of itself.
+PROCESS_INFORMATION started(std::wstring const & line, STARTUPINFOW & start) {
+    constexpr int c_attempts = 5;
+    PROCESS_INFORMATION made{};
+    for (int i = 0; i < c_attempts; ++i) {
+        std::wstring words = line; // which the call may change
+        if (CreateProcessW(nullptr, words.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                           &start, &made))
+            return made;
+        if (GetLastError() != ERROR_INTERNAL_ERROR) break;
+        Sleep(200);
+    }
+    return PROCESS_INFORMATION{};
+}
+
 // An argument as CommandLineToArgvW takes it apart: backslashes count double in front of a quote.
 std::wstring inQuotes(std::wstring_view argument) {
     std::wstring text = L"\"";
@@ -100,9 +116,8 @@ Outcome run(std::string const & program, std::vector<std::string> const & argume
     start.hStdInput = in.read.get();
     start.hStdOutput = out.write.get();
     start.hStdError = err.write.get();
-    PROCESS_INFORMATION made{};
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
-                        &made))
+    PROCESS_INFORMATION const made = started(line, start);
+    if (!made.hProcess)
         throw std::runtime_error("no process: " + program + ", error " +
                                  std::to_string(GetLastError()));
     Handle process;
