@@ -34,8 +34,15 @@ constexpr char c_commands[] = "Console"; // the add-in that has them
 constexpr wchar_t const * c_needed[] = {L"Server/CommonData/Configuration/VnCommonData10.xml",
                                         L"Server/Console/Configuration/VnConsole10.xml"};
 
+// Programs that read answers need them to be the same on every machine, so the environment has no
+// say in their language.
+bool isForPrograms(EarlyOptions const & options, std::vector<std::string> const & arguments) {
+    return options.subcommand == "batch" ||
+           std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+}
+
 // What depends on the language and on the preferences comes after this.
-void prepareProcess(EarlyOptions const & options) {
+void prepareProcess(EarlyOptions const & options, bool isForPrograms) {
     std::filesystem::path const program = OS::executableDirectory();
     if (!program.empty()) {
         std::u8string const catalogues = (program.parent_path() / "share" / "locale").u8string();
@@ -46,7 +53,8 @@ void prepareProcess(EarlyOptions const & options) {
     if (!std::filesystem::is_directory(
             PathInfo::fromText(PathInfo::rootDirectory(true) + L"Server"), ignored))
         PathInfo::rootDirectory(PathInfo::installedRoot());
-    StringTable::language(options.language.empty() ? preferredLanguage() : options.language);
+    bool const isPreferred = options.language.empty() && !isForPrograms;
+    StringTable::language(isPreferred ? preferredLanguage() : options.language);
     PathInfo::optionsDirectory(Text::fromUtf8(options.optionsDirectory));
 }
 
@@ -80,7 +88,7 @@ std::wstring whatIsMissing(Status const & configured) {
 int runProgram(std::vector<std::string> const & arguments, std::istream & in, std::ostream & out,
                std::ostream & err) {
     EarlyOptions const options = readEarlyOptions(arguments);
-    prepareProcess(options);
+    prepareProcess(options, isForPrograms(options, arguments));
     if (std::wstring const why = whyNotLanguage(options.language); !why.empty()) {
         told(why, err);
         return ExitBadUsage;

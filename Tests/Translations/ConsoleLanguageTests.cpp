@@ -55,6 +55,12 @@ TEST(ConsoleLanguageTests, EnvironmentNamesTheLanguage) {
     EXPECT_EQ(runShell(german + "eval 'sqrt(16)'").status, 1);
     EXPECT_EQ(runShell(german + "--language en eval 'sqrt(16)'").status, 0);
     EXPECT_EQ(runShell(german + "--language fr eval 'racine(16)'").status, 0);
+    // What programs read is the same everywhere, unless they ask.
+    EXPECT_EQ(runShell(german + "eval --json 'sqrt(16)'").status, 0);
+    std::string const batch = "batch --no-tokens";
+    std::string const line = "{\"id\":1,\"text\":\"sqrt(16) * 1 cm\",\"context\":\"centimeter\"}\n";
+    EXPECT_EQ(runShell(german + batch, line).out, runShell("\"$VNCONSOLE\" " + batch, line).out);
+    EXPECT_EQ(runShell(german + "--language de eval --json 'sqrt(16)'").status, 1);
     // A language that there is no catalogue of is nobody's mistake there.
     Outcome const unknown = runShell("LC_ALL= LANG=eo \"$VNCONSOLE\" eval 'sqrt(16)'");
     EXPECT_EQ(unknown.status, 0);

@@ -3,6 +3,7 @@
 
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/CorrectionsInternal.h"
+#include "Server/CommonData/Expressions/DoubtsInternal.h"
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/RespellingInternal.h"
 #include "Server/CommonData/Expressions/RevisionInternal.h"
@@ -76,6 +77,7 @@ private:
         m_bOtherUnits = expression.result().result() == EResult::unitMismatch;
         std::optional<double> const value = expression.value();
         if (!value) return false;
+        if (isDoubtful(m_text, text)) return false;
         m_found.texts.push_back(text);
         m_values.push_back(*value);
         return true;

@@ -278,6 +278,10 @@ void correct(std::wstring const & text, Units::UnitContext const & context,
              ParseResult const & result, FailureExplanation & failure) {
     Corrections found = findCorrections(text, context, result);
     failure.hint = Text::printable(hintOf(found));
+    // What was refused is no suggestion, whatever it would mean elsewhere.
+    std::size_t const start = Text::indexAt16(text, failure.start);
+    std::size_t const end = Text::indexAt16(text, failure.end);
+    std::erase(found.words, text.substr(start, std::max(start, end) - start));
     failure.suggestions = std::move(found.words);
     failure.question = questionOf(failure.suggestions);
     failure.corrections = std::move(found.texts);

@@ -357,6 +357,7 @@ private:
         // The dot of an abbreviation.
         bool const isAfterWord = !m_pieces.empty() && m_pieces.back().kind == EPiece::Word;
         if (meant.c == L'.' && isAfterWord && !m_bBlank) {
+            m_bBlank = true; // what follows is another word: "N.m"
             ++m_at;
             return;
         }
