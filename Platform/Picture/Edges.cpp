@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <compare>
 #include <numeric>
 
 #include "Platform/Geometry/Tg.h"
@@ -30,12 +31,21 @@ TgPoint3d point(VertexBuffer const & vertices, std::uint32_t vertex) {
     return {at[0], at[1], at[2]};
 }
 
+// An order of all positions, those with a NaN included, which no triangle that is drawn has.
+bool isBefore(std::array<float, 3> const & a, std::array<float, 3> const & b) {
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::strong_ordering const order = std::strong_order(a[i] + 0.0F, b[i] + 0.0F);
+        if (order != 0) return order < 0;
+    }
+    return false;
+}
+
 // For each vertex, the first in the buffer with its position.
 std::vector<std::uint32_t> firstOfPositions(VertexBuffer const & vertices) {
     std::vector<std::uint32_t> order(vertices.vertices());
     std::iota(order.begin(), order.end(), 0U);
     std::stable_sort(order.begin(), order.end(), [&](std::uint32_t a, std::uint32_t b) {
-        return vertices.position(a) < vertices.position(b);
+        return isBefore(vertices.position(a), vertices.position(b));
     });
     std::vector<std::uint32_t> first(order.size());
     for (std::size_t i = 0; i < order.size(); ++i) {

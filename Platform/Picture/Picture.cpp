@@ -179,8 +179,8 @@ private:
         return made;
     }
 
-    Status failed(char const * what) const {
-        GLenum const error = m_gl.GetError();
+    Status failed(char const * what) const { return failed(what, m_gl.GetError()); }
+    static Status failed(char const * what, GLenum error) {
         return error == GL_OUT_OF_MEMORY ? Status::outOfMemory(c_operation)
                                          : Status::failed(c_operation, {}, what);
     }
@@ -343,7 +343,8 @@ private:
         std::size_t const row = std::size_t{3} * m_options.width;
         std::vector<std::uint8_t> pixels(row * m_options.height);
         m_gl.ReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
-        if (m_gl.GetError() != GL_NO_ERROR) return failed("its pixels can't be read");
+        if (GLenum const error = m_gl.GetError(); error != GL_NO_ERROR)
+            return failed("its pixels can't be read", error);
         // OpenGL counts rows from below.
         for (std::size_t low = 0, high = m_options.height - 1; low < high; ++low, --high)
             std::swap_ranges(pixels.begin() + static_cast<std::ptrdiff_t>(low * row),

@@ -40,7 +40,8 @@ struct Picture {
 //
 // Refused as an invalid argument: a size of 0 or above the limits, before memory is taken, and a
 // view that makeFrame refuses.  Unsupported where the library that draws isn't installed, and on
-// Windows.  `picture` is changed only by success.  One thread draws at a time; others wait.
+// Windows.  `picture` is changed only by success.  One thread draws at a time; others wait.  The
+// OpenGL context of the thread is another after it.  Throws std::bad_alloc if there is no memory.
 [[nodiscard]] VN_PICTURE_API Status draw(ShownParts const & parts, View const & view,
                                          PictureOptions const & options, Picture & picture);
 
