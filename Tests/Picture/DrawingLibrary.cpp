@@ -7,5 +7,5 @@ extern "C" __attribute__((visibility("default"))) char const * __lsan_default_su
 }
 
 extern "C" __attribute__((visibility("default"))) char const * __tsan_default_suppressions() {
-    return "race:libOSMesa\ncalled_from_lib:libOSMesa.so\n";
+    return "race:libOSMesa\ncalled_from_lib:libOSMesa.so\nrace:libLLVM\ndeadlock:libLLVM\n";
 }
