@@ -8,7 +8,7 @@ packages=(
   g++ cmake ninja-build ccache pkg-config        # the build
   libboost-dev libboost-filesystem-dev gettext
   libtbb-dev libeigen3-dev libsqlite3-dev libxml2-dev
-  libpng-dev libosmesa6-dev                      # pictures
+  libpng-dev libosmesa6-dev libgl-dev            # pictures
   libcli11-dev nlohmann-json3-dev libedit-dev    # the console
   libgtest-dev libgmock-dev libbenchmark-dev     # tests and benchmarks
   locales                                        # tests in other locales
