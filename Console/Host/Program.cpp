@@ -36,9 +36,8 @@ constexpr wchar_t const * c_needed[] = {L"Server/CommonData/Configuration/VnComm
 
 // Programs that read answers need them to be the same on every machine, so the environment has no
 // say in their language.
-bool isForPrograms(EarlyOptions const & options, std::vector<std::string> const & arguments) {
-    return options.subcommand == "batch" ||
-           std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+bool isForPrograms(EarlyOptions const & options, bool asJson) {
+    return options.subcommand == "batch" || asJson;
 }
 
 // What depends on the language and on the preferences comes after this.
@@ -88,7 +87,8 @@ std::wstring whatIsMissing(Status const & configured) {
 int runProgram(std::vector<std::string> const & arguments, std::istream & in, std::ostream & out,
                std::ostream & err) {
     EarlyOptions const options = readEarlyOptions(arguments);
-    prepareProcess(options, isForPrograms(options, arguments));
+    bool const asJson = std::find(arguments.begin(), arguments.end(), "--json") != arguments.end();
+    prepareProcess(options, isForPrograms(options, asJson));
     if (std::wstring const why = whyNotLanguage(options.language); !why.empty()) {
         told(why, err);
         return ExitBadUsage;
@@ -101,7 +101,7 @@ int runProgram(std::vector<std::string> const & arguments, std::istream & in, st
     auto const * const commandLine = addIn ? query<ICommandLine>(addIn->object()) : nullptr;
     bool const listsAddIns = options.subcommand == "add-ins";
     if (!commandLine && listsAddIns) {
-        runAddIns(std::find(arguments.begin(), arguments.end(), "--json") != arguments.end(), out);
+        runAddIns(asJson, out);
         return told(printable(whatIsMissing(configured)), err);
     }
     if (!commandLine) {

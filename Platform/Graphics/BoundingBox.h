@@ -29,14 +29,20 @@ struct BoundingBox {
                 std::max(high.z, other.high.z)};
     }
 
+    // How many corners there are, and each of them: bit 0 of its number stands for the greater x,
+    // bit 1 for y and bit 2 for z.
+    static constexpr unsigned c_corners = 8;
+    TgPoint3d corner(unsigned number) const noexcept {
+        return {number & 1 ? high.x : low.x, number & 2 ? high.y : low.y,
+                number & 4 ? high.z : low.z};
+    }
+
     // The smallest box with this one after a map: that of its corners.  Not valid if one of them
     // has a NaN or an infinity.
     BoundingBox transformed(TgMatrix3d const & map) const noexcept {
         BoundingBox box = of(map * low);
-        for (unsigned corner = 1; corner < 8; ++corner) {
-            TgPoint3d const point =
-                map * TgPoint3d(corner & 1 ? high.x : low.x, corner & 2 ? high.y : low.y,
-                                corner & 4 ? high.z : low.z);
+        for (unsigned number = 1; number < c_corners; ++number) {
+            TgPoint3d const point = map * corner(number);
             if (!isFinite(point)) return of(point);
             box.add(of(point));
         }

@@ -90,12 +90,8 @@ struct Depths {
 Depths depthsOf(ViewFrame const & frame, BoundingBox const & box) {
     Depths depths{std::numeric_limits<double>::infinity(),
                   -std::numeric_limits<double>::infinity()};
-    for (unsigned i = 0; i < 8; ++i) {
-        double const depth =
-            -frame
-                 .seen({i & 1 ? box.high.x : box.low.x, i & 2 ? box.high.y : box.low.y,
-                        i & 4 ? box.high.z : box.low.z})
-                 .z;
+    for (unsigned i = 0; i < BoundingBox::c_corners; ++i) {
+        double const depth = -frame.seen(box.corner(i)).z;
         depths.least = std::min(depths.least, depth);
         depths.most = std::max(depths.most, depth);
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <unordered_map>
 
 #include "Platform/Graphics/LODGeometryNode.h"
 #include "Platform/Graphics/NodeWalk.h"
@@ -61,6 +62,8 @@ void grow(std::optional<BoundingBox> & bounds, BoundingBox const & box) {
 } // namespace
 
 ShownParts::ShownParts(Vrx::Graphics::GroupNode const * top) {
+    // Of each mesh, however often it is shown; none if it can't be.
+    std::unordered_map<SimpleMesh const *, std::optional<BoundingBox>> boxes;
     for (NodeWalk walk(top); walk;) {
         ARenderNode const & node = *walk.node();
         auto const * const group = node.asGroup();
@@ -71,10 +74,12 @@ ShownParts::ShownParts(Vrx::Graphics::GroupNode const * top) {
         LODGeometryNode const * const geometry = node.asGeometry();
         SimpleMesh * const mesh = geometry ? finest(*geometry) : nullptr;
         if (mesh && mesh->vertexBuffer() && mesh->triangles() > 0) {
-            std::optional<BoundingBox> const own = mesh->bounds();
+            auto const [known, isNew] = boxes.try_emplace(mesh);
+            if (isNew && !hasOddPositions(*mesh)) known->second = mesh->bounds();
+            std::optional<BoundingBox> const & own = known->second;
             std::optional<BoundingBox> box;
             if (own && isFinite(walk.transform())) box = own->transformed(walk.transform());
-            if (!box || !box->isValid() || hasOddPositions(*mesh)) {
+            if (!box || !box->isValid()) {
                 ++m_leftOut;
             } else {
                 bool const isBackground = walk.depth() == 1 && !Scene::INodeSource::of(&node);

@@ -110,13 +110,12 @@ Status fit(View const & view, BoundingBox const & box, double aspect, View & fit
     TgPoint3d const middle{box.low.x / 2 + box.high.x / 2, box.low.y / 2 + box.high.y / 2,
                            box.low.z / 2 + box.high.z / 2};
     frame.eye = middle;
-    std::array<TgVector3d, 8> corners;
+    std::array<TgVector3d, BoundingBox::c_corners> corners;
     Range right;
     Range up;
     Range back;
     for (unsigned i = 0; i < corners.size(); ++i) {
-        corners[i] = frame.seen({i & 1 ? box.high.x : box.low.x, i & 2 ? box.high.y : box.low.y,
-                                 i & 4 ? box.high.z : box.low.z});
+        corners[i] = frame.seen(box.corner(i));
         right.add(corners[i].x);
         up.add(corners[i].y);
         back.add(corners[i].z);
