@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/LooseTextInternal.h"
 
 namespace Vn::Expressions {
 
@@ -17,10 +18,7 @@ bool isLetter(wchar_t c) {
     return !isDigit(c) && !isSpace(c) && !Text::isPunctuation(static_cast<char32_t>(c));
 }
 
-bool isRaised(wchar_t c) {
-    return c == L'\u00B2' || c == L'\u00B3' || c == L'\u00B9' || c == L'\u2070' ||
-           (c >= L'\u2074' && c <= L'\u2079');
-}
+bool isRaised(wchar_t c) { return isDigit(raised(c)); } // a digit above the line
 
 // A text by its pieces: "n" for a number, "e" for one with an exponent, "w" for a word, and signs
 // as they are.  "5 m^2 / 2" is "nw^n/n".

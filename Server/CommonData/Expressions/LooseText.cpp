@@ -44,26 +44,6 @@ constexpr Spelling c_spellings[] = {
     {L'\u33A5', L"m^3"},     {L'\u33A4', L"cm^3"},   {L'\u338F', L"kg"},
     {L'\u338E', L"mg"},      {L'\u33A7', L"m/s"},    {L'\u33A8', L"m/s^2"}};
 
-// The character that a raised one stands for, or 0.
-wchar_t raised(wchar_t c) {
-    switch (c) {
-    case L'\u00B9':
-        return L'1';
-    case L'\u00B2':
-        return L'2';
-    case L'\u00B3':
-        return L'3';
-    case L'\u207A':
-        return L'+';
-    case L'\u207B':
-        return L'-';
-    default:
-        if (c == L'\u2070' || (c >= L'\u2074' && c <= L'\u2079'))
-            return static_cast<wchar_t>(L'0' + (c - L'\u2070'));
-        return L'\0';
-    }
-}
-
 bool isMiddleDot(wchar_t c) {
     return c == L'\u00B7' || c == L'\u22C5' || c == L'\u2219' || c == L'\u2022' || c == L'\u30FB';
 }
@@ -375,6 +355,25 @@ private:
 };
 
 } // namespace
+
+wchar_t raised(wchar_t c) {
+    switch (c) {
+    case L'\u00B9':
+        return L'1';
+    case L'\u00B2':
+        return L'2';
+    case L'\u00B3':
+        return L'3';
+    case L'\u207A':
+        return L'+';
+    case L'\u207B':
+        return L'-';
+    default:
+        if (c == L'\u2070' || (c >= L'\u2074' && c <= L'\u2079'))
+            return static_cast<wchar_t>(L'0' + (c - L'\u2070'));
+        return L'\0';
+    }
+}
 
 bool areDigits(std::wstring_view text) {
     return !text.empty() && std::all_of(text.begin(), text.end(), isDigit);

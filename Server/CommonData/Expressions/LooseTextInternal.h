@@ -45,6 +45,9 @@ Pieces takenApart(std::wstring_view text);
 // The text that pieces make.
 std::wstring putTogether(Pieces const & pieces);
 
+// The character that a raised one stands for: L'2' for a superscript two; 0 for all others.
+wchar_t raised(wchar_t c);
+
 // Whether `text` is digits, at least one.
 bool areDigits(std::wstring_view text);
 
