@@ -2,12 +2,14 @@
 // is drawn here: libedit counts a column for a combining mark.  Nothing else in the console knows
 // of it.
 
+#include <algorithm>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <deque>
+#include <iostream>
 #include <utility>
 
 #include <histedit.h>
@@ -205,6 +207,8 @@ private:
                 takePaste();
             else if (keys.size() == 1 || isBound(keys))
                 m_pending.assign(keys.begin(), keys.end());
+            else if (keys.size() == 2 && keys.back() < 0x20)
+                m_pending.assign(1, keys.back()); // the escape key was pressed before
         }
         key = m_pending.front();
         m_pending.pop_front();
@@ -374,16 +378,19 @@ private:
 
     void list(Completion const & completion) {
         std::wstring text;
+        std::size_t const columns =
+            std::min(c_columns, std::max<std::size_t>(terminalSize().columns, 2) - 2);
         std::size_t column = 0;
         std::size_t shown = 0;
         for (Completion::Candidate const & candidate : completion.candidates) {
             if (shown == c_candidatesShown) break;
-            if (column > 0 && column + candidate.text.size() > c_columns) {
+            auto const width = static_cast<std::size_t>(Text::displayWidth(candidate.text));
+            if (column > 0 && column + width > columns) {
                 text += L'\n';
                 column = 0;
             }
             text += candidate.text + L"  ";
-            column += candidate.text.size() + 2;
+            column += width + 2;
             ++shown;
         }
         if (shown < completion.candidates.size())
@@ -414,9 +421,29 @@ private:
     std::unique_ptr<EditLine, EndEditor> m_editor; // ends before the history that it reads
 };
 
+// Lines from a terminal that can't move its cursor, and edits them itself.
+class PlainLineEditor final : public LineReader {
+public:
+    std::optional<std::string> read(std::wstring const & prompt) override {
+        std::string const utf8 = Text::toUtf8(prompt);
+        std::fwrite(utf8.data(), 1, utf8.size(), stdout);
+        std::fflush(stdout);
+        return m_lines.read({});
+    }
+
+private:
+    StreamLineReader m_lines{std::cin};
+};
+
+bool terminalMovesCursor() {
+    char const * const name = std::getenv("TERM");
+    return name && *name && std::string_view(name) != "dumb";
+}
+
 } // namespace
 
 std::unique_ptr<LineReader> makeLineEditor(Completer completer) {
+    if (!terminalMovesCursor()) return std::make_unique<PlainLineEditor>();
     auto editor = std::make_unique<LineEditor>(std::move(completer));
     if (!editor->isReady()) return nullptr;
     return editor;

@@ -264,6 +264,48 @@ TEST_F(InteractiveTests, LinesThatArePastedAreRunButTheLast) {
     }
 }
 
+TEST_F(InteractiveTests, TheEscapeKeyByItselfTakesNoOther) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("2 in\x1B");
+    ::usleep(200000);
+    session.type("\r");
+    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("bogus\x1B\x03"
+                 "3 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+}
+
+// No shell is there that could go on with it, so the system lets it run; the line is drawn anew.
+TEST_F(InteractiveTests, ControlZLeavesTheTerminalAndComesBack) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("1 in + ");
+    ASSERT_TRUE(session.waitFor("1 in + ")) << session.screen();
+    session.type("\x1A");
+    ASSERT_TRUE(session.waitForRaw("\x1B[?2004l\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitFor("> 1 in + ")) << session.screen();
+    session.type("2 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, ATerminalThatMovesNoCursorIsSentNoSequences) {
+    std::map<std::string, std::string> chosen = environment();
+    chosen["TERM"] = "dumb";
+    TerminalSession session({}, chosen);
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("2 in\r");
+    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("bogus\x03"
+                 "3 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+    EXPECT_FALSE(session.wrote("\x1B"));
+    session.type("\x04");
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
 // As when the terminal forgets to tell.
 TEST_F(InteractiveTests, ControlCEndsAPaste) {
     TerminalSession session({}, environment());
