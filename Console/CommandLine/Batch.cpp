@@ -185,7 +185,9 @@ std::string answerTo(LineHandler const & line, bool withTokens) {
     Expression const expression(text, context);
     if (std::wstring const why = whyNotShown(expression, settings, display); !why.empty())
         throw LineError(Text::toUtf8(why));
-    return answerMembers(expression, settings, display, withTokens);
+    return answerMembers(expression, settings, display, withTokens,
+                         expression.value() ? Expressions::FailureExplanation()
+                                            : explainFailure(expression));
 }
 
 // Without an id the line tells what is answered.

@@ -129,10 +129,14 @@ private:
         if (!error.empty()) {
             m_rOut << ",\"error\":" << jsonText(error);
             if (line > 0) m_rOut << ",\"line\":" << line;
+            if (request.refusal) m_rOut << ',' << refusalMembers(request.refusal->explanation);
         } else {
             if (expression.text() != text)
                 m_rOut << ",\"expression\":" << jsonText(expression.text());
-            m_rOut << ',' << answerMembers(expression, m_rSettings, display, m_rOptions.withTokens);
+            m_rOut << ','
+                   << answerMembers(expression, m_rSettings, display, m_rOptions.withTokens,
+                                    expression.value() ? Expressions::FailureExplanation()
+                                                       : explainFailure(request));
             if (request.wantsEquivalents)
                 m_rOut << ",\"equivalents\":" << jsonOf(equivalentsOf(expression, m_rSettings));
         }

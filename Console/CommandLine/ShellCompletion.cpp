@@ -101,7 +101,7 @@ Words languageTags() {
 // The values of an option by its long name, of which `begun` stands there.
 Words valuesOf(std::string const & option, std::string const & begun) {
     if (option == "language") return languageTags();
-    if (option == "options" || option == "document") return {c_files};
+    if (option == "options" || option == "document" || option == "output") return {c_files};
     if (option == "unit" || option == "display") return unitNames();
     if (option == "kind") return kinds();
     if (option == "set") return settings(begun);

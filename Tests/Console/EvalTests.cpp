@@ -470,7 +470,8 @@ TEST(EvalTests, LinesAreAnsweredInJson) {
               R"j((Length)","line":2})j"
               "\n"
               R"({"text":"5 to","error":"a unit, or \"?\" for all of them, is missing after )"
-              R"(\"to\"","line":4})"
+              R"(\"to\"","line":4,"start":4,"end":4,"suggestions":[],"hint":"",)"
+              R"("corrections":[]})"
               "\n"
               R"({"error":"the line isn't UTF-8","line":5})"
               "\n");
