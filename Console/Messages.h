@@ -69,7 +69,7 @@ std::wstring counted(std::size_t number, wchar_t const * one, wchar_t const * ot
 }
 
 // A status in the user's language: what couldn't be done, with what, and of which kind the failure
-// is.  The cause stays as the platform tells it, in English.  In English it is Status::toString.
+// is, and the cause as the status has it.  In English it is Status::toString.
 std::wstring statusText(Status const & status);
 
 } // namespace Vn::Console

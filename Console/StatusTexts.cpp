@@ -17,6 +17,7 @@ struct Operation {
 // What the platform and the server tell of.  Others are shown as they are.
 constexpr Operation c_operations[] = {
     {"check the document", tr(L"cannot check the document")},
+    {"draw the picture", tr(L"cannot draw the picture")},
     {"find the entity", tr(L"cannot find the entity")},
     {"follow the link", tr(L"cannot follow the link")},
     {"hand the document on to the add-in", tr(L"cannot hand the document on to the add-in")},
@@ -24,6 +25,7 @@ constexpr Operation c_operations[] = {
     {"list the configurations", tr(L"cannot list the configurations")},
     {"load the add-in", tr(L"cannot load the add-in")},
     {"load the module", tr(L"cannot load the module")},
+    {"load the library", tr(L"cannot load the library")},
     {"lock the file", tr(L"cannot lock the file")},
     {"make a document", tr(L"cannot make a document")},
     {"make the directory", tr(L"cannot make the directory")},
@@ -47,6 +49,7 @@ constexpr Operation c_operations[] = {
     {"set the member", tr(L"cannot set the member")},
     {"set the number of the last group", tr(L"cannot set the number of the last group")},
     {"show the member", tr(L"cannot show the member")},
+    {"show the view", tr(L"cannot show the view")},
     {"sync the directory", tr(L"cannot sync the directory")},
     {"undo", tr(L"cannot undo")},
     {"unload the add-ins", tr(L"cannot unload the add-ins")},
@@ -54,6 +57,7 @@ constexpr Operation c_operations[] = {
     {"validate the document", tr(L"cannot validate the document")},
     {"write the file", tr(L"cannot write the file")},
     {"write the options", tr(L"cannot write the options")},
+    {"write the picture", tr(L"cannot write the picture")},
 };
 
 std::wstring refusal(std::string const & operation) {

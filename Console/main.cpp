@@ -1,7 +1,8 @@
 #include <cerrno>
-#include <cstring>
 #include <exception>
 #include <iostream>
+#include <new>
+#include <system_error>
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Host/Program.h"
@@ -23,7 +24,10 @@ int main(int argc, char * argv[]) {
     } catch (std::bad_alloc const &) {
         std::cerr << "vnconsole: out of memory\n";
     } catch (std::exception const & exception) {
-        std::cerr << "vnconsole: " << exception.what() << '\n';
+        std::cerr << "vnconsole: "
+                  << messageUtf8(L"it ended unexpectedly: %1%",
+                                 Vn::Text::fromUtf8(exception.what()))
+                  << '\n';
     }
     out.flush();
     if (output.error() == 0) return status;
@@ -31,7 +35,8 @@ int main(int argc, char * argv[]) {
     if (output.error() != EPIPE)
         std::cerr << "vnconsole: "
                   << messageUtf8(L"can't write the output: %1%",
-                                 Vn::Text::fromUtf8(std::strerror(output.error())))
+                                 Vn::Text::fromUtf8(
+                                     Vn::OS::errorText({output.error(), std::generic_category()})))
                   << '\n';
     return ExitBadInput;
 }

@@ -1,27 +1,28 @@
 #!/usr/bin/env bash
-# Collects the messages of the console from its sources, and brings them into its catalogues:
+# Collects the messages of the console and of the libraries from their sources, and brings them into
+# their catalogues:
 #
-#     Tools/translations.sh          renews Translations/Console/VnConsole.pot and the .po files there
+#     Tools/translations.sh          renews the .pot and .po files of Translations/Console and
+#                                    Translations/Libraries
 #     Tools/translations.sh --check  only tells what would change, with status 1 if anything would
 #
-# A new message has no translation then, and one that isn't used any more is gone.  The texts of the
-# library stand in Translations itself; these have keys, and are kept by hand.
+# A new message has no translation then, and one that isn't used any more is gone.  The words of the
+# expression language and the explanations of its failures stand in Translations itself; these have
+# keys, and are kept by hand.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 export LC_ALL=C.UTF-8
 
-catalogues=Translations/Console
-template=$catalogues/VnConsole.pot
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+status=0
+if [ "${1:-}" = --check ]; then check=1; fi
 
-# What Console/Messages.h and the operations that build on it take.
-keywords=(--keyword --keyword=tr:1 --keyword=message:1 --keyword=messageUtf8:1
-  --keyword=messageIn:1c,2 --keyword=cannot:1)
-
-collect() {
-  cat <<'HEADER'
-# The messages of the console.
+collect() { # collect TITLE KEYWORD...: what the sources in $work/sources say
+  title=$1
+  shift
+  cat <<HEADER
+# $title
 msgid ""
 msgstr ""
 "Project-Id-Version: VnCommonData 10\n"
@@ -31,24 +32,16 @@ msgstr ""
 
 HEADER
   # xgettext doesn't join wide literals, nor read UTF-8 in them: they are made narrow.
-  find Console \( -name '*.cpp' -o -name '*.h' \) ! -path Console/Messages.h | sort >"$work/sources"
   while read -r source; do
     mkdir -p "$work/$(dirname "$source")"
     sed -E 's/\bL(R?")/\1/g' "$source" >"$work/$source"
   done <"$work/sources"
   xgettext --language=C++ --from-code=UTF-8 --directory="$work" --files-from="$work/sources" \
-    --omit-header --no-wrap --add-location=file --add-comments=Translators: "${keywords[@]}" \
-    --output=- |
+    --omit-header --no-wrap --add-location=file --add-comments=Translators: --keyword \
+    "${@/#/--keyword=}" --output=- |
     sed '/^#, .*format/d'
 }
 
-merge() { # merge OLD: the catalogue with the messages of today
-  msgmerge --quiet --no-fuzzy-matching --no-wrap --add-location=file "$1" "$work/VnConsole.pot" |
-    msgattrib --no-obsolete --no-wrap
-}
-
-collect >"$work/VnConsole.pot"
-status=0
 renew() { # renew NEW OLD
   if cmp -s "$1" "$2"; then return; fi
   if [ "${check:-}" ]; then
@@ -59,10 +52,24 @@ renew() { # renew NEW OLD
   fi
 }
 
-if [ "${1:-}" = --check ]; then check=1; fi
-renew "$work/VnConsole.pot" "$template"
-for catalogue in "$catalogues"/*.po; do
-  merge "$catalogue" >"$work/${catalogue##*/}"
-  renew "$work/${catalogue##*/}" "$catalogue"
-done
+renewAll() { # renewAll DIRECTORY TEMPLATE: the catalogues, with the messages of today
+  renew "$work/template" "$1/$2"
+  for catalogue in "$1"/*.po; do
+    msgmerge --quiet --no-fuzzy-matching --no-wrap --add-location=file "$catalogue" "$work/template" |
+      msgattrib --no-obsolete --no-wrap >"$work/catalogue"
+    renew "$work/catalogue" "$catalogue"
+  done
+}
+
+# What Console/Messages.h and the operations that build on it take.
+find Console \( -name '*.cpp' -o -name '*.h' \) ! -path Console/Messages.h | sort >"$work/sources"
+collect "The messages of the console." tr:1 message:1 messageUtf8:1 messageIn:1c,2 cannot:1 \
+  >"$work/template"
+renewAll Translations/Console VnConsole.pot
+
+# What Platform/Base/LocalizedText.h takes.
+find Platform Server \( -name '*.cpp' -o -name '*.h' \) ! -path Platform/Base/LocalizedText.h |
+  sort >"$work/sources"
+collect "What the libraries tell." localized:1 localizedIn:1c,2 localizable:1 >"$work/template"
+renewAll Translations/Libraries VnLibraries.pot
 exit $status

@@ -47,6 +47,9 @@ public:
     // The value of "id", as it is given back.
     std::string id = "null";
 
+    // The line stays the caller's.
+    explicit LineHandler(std::string_view line) : m_line(line) {}
+
     bool null() override { return scalar(json(), "null"); }
     bool boolean(bool value) override { return scalar(value, value ? "true" : "false"); }
     bool number_integer(number_integer_t value) override {
@@ -81,8 +84,15 @@ public:
         return true;
     }
 
-    bool parse_error(std::size_t, std::string const &, json::exception const & error) override {
-        throw LineError(error.what());
+    // The place is one in the line, and what is wrong there is told by the library that reads it.
+    bool parse_error(std::size_t byte, std::string const &,
+                     json::exception const & error) override {
+        std::string_view const head = m_line.substr(0, byte > 0 ? byte - 1 : 0);
+        std::string_view what = error.what();
+        std::size_t const place = what.find(": "); // after its own lines and columns
+        if (place != what.npos) what.remove_prefix(place + 2);
+        throw LineError(messageUtf8(L"not JSON at character %1%: %2%",
+                                    Text::length16(Text::fromUtf8(head)), Text::fromUtf8(what)));
     }
 
 private:
@@ -123,6 +133,7 @@ private:
         return true;
     }
 
+    std::string_view m_line;
     std::size_t m_depth = 0;
     std::string m_member;  // of the line, that is read
     std::string m_setting; // of "settings"
@@ -193,8 +204,6 @@ std::string answerTo(LineHandler const & line, bool withTokens) {
 // Without an id the line tells what is answered.
 BatchAnswer errorAnswer(std::string const & id, std::size_t number, std::string_view what) {
     constexpr std::size_t c_longestMessage = 300;
-    // The JSON library begins its messages with a number in square brackets.
-    if (what.starts_with('[')) what.remove_prefix(what.find(' ') + 1);
     // What it couldn't read needn't be UTF-8, nor short.
     std::wstring const message = clipped(Text::fromUtf8(what), c_longestMessage);
     std::string const line = id == "null" ? ",\"line\":" + std::to_string(number) : std::string();
@@ -238,7 +247,7 @@ BatchAnswer answerBatchLine(std::string const & line, std::size_t number, bool w
     std::string id = "null"; // as long as the line isn't read to its end
     try {
         try {
-            LineHandler handler;
+            LineHandler handler(line);
             json::sax_parse(line, &handler);
             id = std::move(handler.id);
             return {"{\"id\":" + id + ',' + answerTo(handler, withTokens) + '}', true};

@@ -21,6 +21,7 @@
 #include "Console/Documents/TextCommands.h"
 #include "Console/Host/AddInsCommand.h"
 #include "Console/Host/EarlyOptions.h"
+#include "Console/Host/Language.h"
 #include "Console/Messages.h"
 #include "Console/Options.h"
 #include "Console/Session/Interactive.h"
@@ -98,6 +99,10 @@ public:
         std::vector<CLI::App *> const subcommands = m_app.get_subcommands();
         return {Text::toUtf8(wide(m_language)), Text::toUtf8(wide(m_optionsDirectory)),
                 subcommands.empty() ? std::string() : subcommands.front()->get_name()};
+    }
+    bool hasEmptyLanguage() const {
+        return m_app.count(valueOptionName(EValueOption::Language).name) > 0 &&
+               wide(m_language).empty();
     }
     // Whether values are shown as the user prefers.  What others rely on isn't.
     bool usesPreferences() const { return !m_standard && !*m_batch && !*m_selfTest && !*m_tour; }
@@ -440,6 +445,15 @@ bool looksLikeText(std::vector<std::string> const & arguments) {
     });
 }
 
+// Whether no option names a language without a text for it, which is a variable of a script that
+// isn't set rather than a wish for English.
+bool isLanguageNamed(CommandLine const & commandLine, std::ostream & err) {
+    if (!commandLine.hasEmptyLanguage()) return true;
+    told(message(L"the language after %1% is empty", L"--language") + orInstead({}, languages()),
+         err);
+    return false;
+}
+
 // Whether the program has settled the language and the preferences as they are understood here.
 bool isSettled(std::vector<std::string> const & arguments, CommandLine const & commandLine,
                std::ostream & err) {
@@ -477,7 +491,8 @@ int runCommandLine(std::vector<std::string> const & arguments, std::istream & in
                 << '\n';
         return status;
     }
-    if (!isSettled(arguments, commandLine, err)) return ExitBadUsage;
+    if (!isLanguageNamed(commandLine, err) || !isSettled(arguments, commandLine, err))
+        return ExitBadUsage;
     if (commandLine.usesPreferences())
         tellOfDamagedOptions(err);
     else

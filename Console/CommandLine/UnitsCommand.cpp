@@ -48,7 +48,9 @@ std::vector<Row> rowsFor(std::wstring const & pattern) {
         // The others are these with a prefix.
         if (unit->magnitude() != 1.0) continue;
         Row row = rowOf(*unit);
-        for (std::wstring const & text : {row.name, row.abbreviation, row.symbol, row.kind}) {
+        // The catalogue's own name of the kind too, which examples in every language have.
+        std::wstring const kind = unit->globalizedSimpleUnitTypeName().defaultText();
+        for (std::wstring const & text : {row.name, row.abbreviation, row.symbol, row.kind, kind}) {
             if (!containsFolded(text, pattern)) continue;
             rows.push_back(std::move(row));
             break;

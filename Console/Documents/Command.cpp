@@ -282,21 +282,41 @@ int run(Call const & call, DocumentOptions const & options, std::ostream & out,
     return result.status;
 }
 
+// What became of the changes, and how they can be made all the same.
+std::wstring whatIsThere(Status const & status, bool isNew) {
+    if (isNew && status.code() == StatusNotFound) return message(L"nothing was saved");
+    switch (status.code()) {
+    case StatusChanged:
+        return message(L"nothing was saved; the same call again makes the changes in the document "
+                       L"that is there now");
+    case StatusNotFound:
+        return message(L"nothing was saved; with --new the same call begins a new document");
+    case StatusIO: // when is not known
+        return message(L"either everything was saved or nothing; the command check looks at the "
+                       L"file");
+    default:
+        return message(L"nothing was saved");
+    }
+}
+
 int save(std::filesystem::path const & file, bool isNew, bool json, DocumentSession & session,
          std::ostream & out, std::ostream & err) {
     if (!isNew && !session.hasUnsavedChanges()) return ExitGood;
     Status const status = isNew ? session.saveAs(file) : session.save();
     if (!status) {
         out.flush();
-        err << Text::toUtf8(printable(statusText(status))) << '\n';
+        err << Text::toUtf8(printable(statusText(status))) << '\n'
+            << Text::toUtf8(whatIsThere(status, isNew)) << '\n';
         return ExitBadInput;
     }
     if (std::wstring const kept = session.whatWasKept(); !kept.empty()) {
         out.flush();
         err << Text::toUtf8(message(L"note: %1%", kept)) << '\n';
     }
-    if (!json) out << Text::toUtf8(message(L"saved %1%", session.name())) << '\n';
-    return ExitGood;
+    if (!json) out << Text::toUtf8(message(L"saved %1%", session.name())) << '\n' << std::flush;
+    // What was asked for is done all the same; who can't read the output is told so.
+    if (!out) err << Text::toUtf8(message(L"saved %1%", session.name())) << '\n';
+    return out ? ExitGood : ExitBadInput;
 }
 
 } // namespace

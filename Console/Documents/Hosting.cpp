@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "Console/Messages.h"
 #include "Platform/AddInMgr/AddIn.h"
 #include "Platform/AddInMgr/AddInMgr.h"
 #include "Platform/DataModel/DocumentFile.h"
@@ -17,7 +18,8 @@ Status documentType(char const * operation, AssetType const *& type) {
     std::string const & identifier = AddIn::defaultCommonDataServerAddIn()->assetTypeId();
     if (identifier.empty())
         return Status::failed(
-            operation, {}, "the configuration of the add-in for common data names no asset type");
+            operation, {},
+            messageUtf8(L"the configuration of the add-in for common data names no asset type"));
     static std::map<std::string, AssetType> s_types;
     type = &s_types.try_emplace(identifier, identifier).first->second;
     return Status::success();

@@ -7,6 +7,7 @@
 #include "Console/Documents/CommandTable.h"
 #include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
 
@@ -18,8 +19,12 @@ namespace {
 std::wstring descriptionOf(TextCommand const & command) {
     DocumentCommand const * const own =
         findDocumentCommand(command.subjectArea() + L'.' + command.name());
-    if (!own) return command.description();
+    if (!own) return localized(command.description().c_str());
     return own->usage + std::wstring(*own->usage ? L" " : L"") + message(own->meaning);
+}
+
+std::wstring descriptionOf(TextCommandSubjectArea const & area) {
+    return localized(message(area.description().c_str()).c_str());
 }
 
 int listCommands(std::ostream & out) {
@@ -29,9 +34,7 @@ int listCommands(std::ostream & out) {
         if (area->hidden()) continue;
         if (!first) out << '\n';
         first = false;
-        out << Text::toUtf8(
-                   message(L"%1%: %2%", area->name(), message(area->description().c_str())))
-            << '\n';
+        out << Text::toUtf8(message(L"%1%: %2%", area->name(), descriptionOf(*area))) << '\n';
         Table table;
         for (TextCommand const * const command : service.commands(area->name()))
             if (!command->hidden())

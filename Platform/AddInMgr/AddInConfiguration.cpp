@@ -9,6 +9,7 @@
 
 #include "Platform/AddInMgr/AddInConfigurationInternal.h"
 #include "Platform/AddInMgr/Limits.h"
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/Base/PathInfo.h"
 #include "Platform/Base/Text.h"
@@ -40,7 +41,7 @@ Status list(Path const & directory, std::vector<Path> & entries) {
          i.increment(error)) {
         if (entries.size() == Limits::c_configurations)
             return Status(StatusUnsupported, "list the configurations", textOf(directory),
-                          "there are too many");
+                          localized("there are too many"));
         entries.push_back(i->path());
     }
     if (error && error != std::errc::no_such_file_or_directory &&
@@ -65,7 +66,7 @@ Status listConfigurations(Path const & server, std::vector<Path> & files) {
         }
         if (files.size() > Limits::c_configurations)
             return Status(StatusUnsupported, "list the configurations", textOf(server),
-                          "there are too many");
+                          localized("there are too many"));
     }
     return Status::success();
 }
@@ -99,15 +100,11 @@ Status refusal(ReadConfiguration const & refused, std::string const & cause) {
     return Status::invalidArgument(c_use, textOf(refused.configuration.file), cause);
 }
 
-std::string inQuotes(std::string_view name) {
-    std::string text = "'";
-    text += name;
-    return text += '\'';
-}
+std::string inQuotes(std::string const & name) { return localized("'%1%'", name); }
 
-// Refuses all that share what `keyOf` says.
+// Refuses all that share what `keyOf` says.  `what` is told of the other file, its value.
 template <class KeyOf>
-void refuseShared(std::vector<ReadConfiguration> & all, std::string const & what, KeyOf && keyOf) {
+void refuseShared(std::vector<ReadConfiguration> & all, char const * what, KeyOf && keyOf) {
     std::map<std::wstring, std::vector<ReadConfiguration *>> groups;
     for (ReadConfiguration & each : all)
         if (each.status) groups[keyOf(each.configuration)].push_back(&each);
@@ -115,8 +112,8 @@ void refuseShared(std::vector<ReadConfiguration> & all, std::string const & what
         if (group.size() == 1) continue;
         for (std::size_t i = 0; i < group.size(); ++i) {
             ReadConfiguration const & other = *group[i == 0 ? 1 : 0];
-            group[i]->status = refusal(*group[i], inQuotes(textOf(other.configuration.file)) +
-                                                      " has the same " + what);
+            group[i]->status =
+                refusal(*group[i], localized(what, textOf(other.configuration.file)));
         }
     }
 }
@@ -142,8 +139,9 @@ public:
             }
         }
         for (auto const & [i, required] : missing)
-            refuse({i}, "it requires " + inQuotes(required) +
-                            (isThere(required) ? ", which is refused" : ", which isn't there"));
+            refuse({i}, isThere(required)
+                            ? localized("it requires '%1%', which is refused", required)
+                            : localized("it requires '%1%', which isn't there", required));
     }
 
     // The numbers of those that can be loaded, in order.  The others are refused.
@@ -198,7 +196,7 @@ private:
             for (std::size_t const user : m_nodes[at].users) {
                 if (!m_all[user].status) continue;
                 m_all[user].status = refusal(
-                    m_all[user], "it requires " + inQuotes(identifier(at)) + ", which is refused");
+                    m_all[user], localized("it requires '%1%', which is refused", identifier(at)));
                 refused.push_back(user);
             }
         }
@@ -216,10 +214,9 @@ private:
         }
         way.erase(way.begin(), begin);
         constexpr std::size_t c_shown = 8;
-        std::string text;
-        for (std::size_t k = 0; k < std::min(way.size(), c_shown); ++k)
-            text += inQuotes(identifier(way[k])) + " requires ";
-        text += way.size() > c_shown ? "..." : inQuotes(identifier(way.front()));
+        std::string text = way.size() > c_shown ? "..." : inQuotes(identifier(way.front()));
+        for (std::size_t k = std::min(way.size(), c_shown); k-- > 0;)
+            text = localized("'%1%' requires %2%", identifier(way[k]), text);
         refuse(std::move(way), text);
     }
 
@@ -236,7 +233,7 @@ Status readConfigurations(Path const & root, std::vector<ReadConfiguration> & al
     if (Status status = listConfigurations(server, files); !status) return status;
     if (files.empty())
         return Status::notFound("read the configurations of add-ins", textOf(server),
-                                "there is none");
+                                localized("there is none"));
     XMLSchema schema;
     Status const schemaStatus = XMLSchema::read(
         server / "AddInMgr" / "Configuration" / "Schema" / "AddinSchema.xsd", schema);
@@ -259,18 +256,20 @@ void orderConfigurations(std::vector<ReadConfiguration> & all,
     for (ReadConfiguration & each : all)
         if (each.status &&
             std::find(others.begin(), others.end(), each.configuration.identifier) != others.end())
-            each.status = refusal(each, "the application has " +
-                                            inQuotes(each.configuration.identifier) + " itself");
-    refuseShared(all, "identifier", [](AddInConfiguration const & configuration) {
-        return Text::fromUtf8(configuration.identifier);
-    });
+            each.status = refusal(
+                each, localized("the application has '%1%' itself", each.configuration.identifier));
+    refuseShared(all, localizable("'%1%' has the same identifier"),
+                 [](AddInConfiguration const & configuration) {
+                     return Text::fromUtf8(configuration.identifier);
+                 });
     // Some systems don't tell the cases of letters apart in names of files.
-    refuseShared(all, "module", [](AddInConfiguration const & configuration) {
-        std::wstring folded = configuration.module; // in ASCII
-        for (wchar_t & c : folded)
-            if (c >= L'A' && c <= L'Z') c = static_cast<wchar_t>(c - L'A' + L'a');
-        return folded;
-    });
+    refuseShared(all, localizable("'%1%' has the same module"),
+                 [](AddInConfiguration const & configuration) {
+                     std::wstring folded = configuration.module; // in ASCII
+                     for (wchar_t & c : folded)
+                         if (c >= L'A' && c <= L'Z') c = static_cast<wchar_t>(c - L'A' + L'a');
+                     return folded;
+                 });
     std::vector<ReadConfiguration> ordered;
     for (std::size_t const i : Requirements(all, others).order())
         ordered.push_back(std::move(all[i]));

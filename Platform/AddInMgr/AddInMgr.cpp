@@ -10,6 +10,7 @@
 #include "Platform/AddInMgr/IAddInInitializeAsset.h"
 #include "Platform/Base/Initializer.h"
 #include "Platform/Base/InterfaceId.h"
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/PathInfo.h"
 #include "Platform/Base/RegistrationLog.h"
 #include "Platform/Base/Shared.h"
@@ -28,14 +29,14 @@ constexpr char c_unload[] = "unload the add-in";
 template <class Call>
 Status guarded(char const * operation, AddIn const & addIn, std::string const & what,
                Call && call) {
-    std::string cause = what;
+    std::string cause;
     try {
         call();
         return Status::success();
     } catch (std::exception const & exception) {
-        cause += std::string(" throws: ") + exception.what();
+        cause = localized("%1% throws: %2%", what, exception.what());
     } catch (...) {
-        cause += " throws";
+        cause = localized("%1% throws", what);
     }
     return Status::failed(operation, addIn.identifier(), cause);
 }
@@ -70,8 +71,8 @@ Status openDocuments() {
     std::size_t const count = Asset::openAssets();
     if (count == 0) return Status::success();
     return Status(StatusBusy, "unload the add-ins", {},
-                  count == 1 ? "a document is open"
-                             : std::to_string(count) + " documents are open");
+                  count == 1 ? localized("a document is open")
+                             : localized("%1% documents are open", count));
 }
 
 } // namespace
@@ -145,7 +146,7 @@ Status AddInMgr::configure() {
     for (AddIn const * const addIn : configured()) {
         if (addIn->state() == EAddInState::Loaded)
             return Status(StatusBusy, "read the configurations of add-ins", addIn->identifier(),
-                          "it is loaded");
+                          localized("it is loaded"));
     }
     std::vector<ReadConfiguration> all;
     Status const status =
@@ -189,28 +190,31 @@ Status AddInMgr::loadOne(AddIn & addIn) {
         EAddInState const state = required ? required->state() : EAddInState::Refused;
         if (state != EAddInState::Loaded && state != EAddInState::Registered)
             return Status::failed(c_load, addIn.identifier(),
-                                  "it requires '" + name + "', which isn't loaded");
+                                  localized("it requires '%1%', which isn't loaded", name));
     }
     std::filesystem::path const file = moduleFile(addIn);
     OS::Module module;
     if (Status status = module.load(file); !status) return status;
     IAddIn * object = nullptr;
-    Status status = guarded(c_load, addIn, "an initialiser", [] { Initializer::runAll(); });
+    Status status =
+        guarded(c_load, addIn, localized("an initialiser"), [] { Initializer::runAll(); });
     if (status) {
         auto const getter = reinterpret_cast<IAddIn::Getter *>(module.symbol("_GetIAddIn"));
         status = getter ? guarded(c_load, addIn, "_GetIAddIn", [&] { object = getter(); })
                         : Status::failed(c_load, addIn.identifier(),
-                                         "its module doesn't offer _GetIAddIn");
+                                         localized("its module doesn't offer _GetIAddIn"));
         if (status && !object)
-            status = Status::failed(c_load, addIn.identifier(), "_GetIAddIn gives no object");
+            status =
+                Status::failed(c_load, addIn.identifier(), localized("_GetIAddIn gives no object"));
     }
     if (status)
-        status = guarded(c_load, addIn, "the hook for the loading", [&] { object->loaded(); });
+        status = guarded(c_load, addIn, localized("the hook for the loading"),
+                         [&] { object->loaded(); });
     if (!status) {
         module.unload();
         if (OS::Module::isInProcess(file))
             status = Status(status.code(), status.operation(), status.subject(),
-                            status.cause() + "; the system keeps its module");
+                            localized("%1%; the system keeps its module", status.cause()));
         return status;
     }
     addIn.m_module = std::move(module);
@@ -233,7 +237,7 @@ Status AddInMgr::unload() {
 }
 
 Status AddInMgr::unloadOne(AddIn & addIn) {
-    if (Status status = guarded(c_unload, addIn, "the hook for the unloading",
+    if (Status status = guarded(c_unload, addIn, localized("the hook for the unloading"),
                                 [&] { addIn.object()->unloading(&addIn); });
         !status)
         return status;
@@ -241,7 +245,7 @@ Status AddInMgr::unloadOne(AddIn & addIn) {
     addIn.m_module.unload();
     if (!OS::Module::isInProcess(moduleFile(addIn))) return Status::success();
     Status status(StatusBusy, c_unload, addIn.identifier(),
-                  "the system keeps its module, with all that it registered");
+                  localized("the system keeps its module, with all that it registered"));
     addIn.set(EAddInState::Kept, status);
     return status;
 }
@@ -258,9 +262,9 @@ Status AddInMgr::initializeOpenedAsset(Asset * asset) {
 
 Status AddInMgr::handOn(Asset * asset, Hook hook) {
     constexpr char c_handOn[] = "hand the document on to the add-in";
-    if (!asset) return Status::invalidArgument(c_handOn, {}, "there is no document");
+    if (!asset) return Status::invalidArgument(c_handOn, {}, localized("there is no document"));
     for (AddIn * const addIn : m_loaded) {
-        Status status = guarded(c_handOn, *addIn, "its hook", [&] {
+        Status status = guarded(c_handOn, *addIn, localized("its hook"), [&] {
             if (auto * const hooks = query<IAddInInitializeAsset>(addIn->object()))
                 (hooks->*hook)(asset, addIn);
         });

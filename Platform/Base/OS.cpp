@@ -38,6 +38,7 @@
 #include <unistd.h>
 #endif
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OSFailuresInternal.h"
 #include "Platform/Base/Text.h"
 
@@ -101,7 +102,7 @@ std::string loaderError() {
     return errorText(lastError());
 #else
     char const * const text = dlerror();
-    return text ? text : "";
+    return text ? localizedIn("OperatingSystem", "%1%", text) : std::string();
 #endif
 }
 
@@ -263,10 +264,11 @@ std::string errorText(std::error_code const & error) {
                                       nullptr, static_cast<DWORD>(error.value()), 0, text,
                                       static_cast<DWORD>(std::size(text)), nullptr);
         while (length > 0 && Text::isSpace(static_cast<char32_t>(text[length - 1]))) --length;
-        if (length > 0) return Text::toUtf8(std::wstring_view(text, length));
+        if (length > 0)
+            return localizedIn("OperatingSystem", "%1%", std::wstring_view(text, length));
     }
 #endif
-    return error.message();
+    return localizedIn("OperatingSystem", "%1%", error.message());
 }
 
 int writeError() noexcept {
@@ -483,7 +485,7 @@ Status FileHold::take(std::filesystem::path const & file) {
     m_pHandle = handle;
     if (hasName(handle, file)) return Status::success();
     release();
-    return Status::notFound(c_operation, pathText(file), "it was renamed meanwhile");
+    return Status::notFound(c_operation, pathText(file), localized("it was renamed meanwhile"));
 }
 
 void FileHold::release() noexcept {
@@ -604,7 +606,8 @@ Status Module::load(std::filesystem::path const & file) {
     if (!std::filesystem::exists(path, error))
         return Status::notFound("load the module", pathText(path));
     if (!std::filesystem::is_regular_file(path, error)) // one that is a pipe would be waited for
-        return Status::invalidArgument("load the module", pathText(path), "it isn't a file");
+        return Status::invalidArgument("load the module", pathText(path),
+                                       localized("it isn't a file"));
 #ifdef _WIN32
     // What it needs is looked for beside it, beside the program and in the system's own directory.
     path.make_preferred(); // the only separator that the loader knows
@@ -613,15 +616,16 @@ Status Module::load(std::filesystem::path const & file) {
                        LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS));
 #else
     if (isCutOff(path))
-        return Status::corrupt("load the module", pathText(path), "the file is too short");
+        return Status::corrupt("load the module", pathText(path),
+                               localized("the file is too short"));
     // Of the exception nothing is left when the module goes, which its class may belong to.
     std::string thrown;
     try {
         m_pHandle = s_openModule(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     } catch (std::exception const & exception) {
-        thrown = std::string("a static object of it throws: ") + exception.what();
+        thrown = localized("a static object of it throws: %1%", exception.what());
     } catch (...) {
-        thrown = "a static object of it throws";
+        thrown = localized("a static object of it throws");
     }
     if (!thrown.empty()) {
         // The call that was left had counted a use of the module.
@@ -641,7 +645,8 @@ Status Module::loadLibrary(std::string const & name) {
     unload();
     // Anything else would be looked for in the present directory too.
     if (name.empty() || name.find_first_of("/\\:") != name.npos)
-        return Status::invalidArgument(c_operation, name, "it isn't the name of a library");
+        return Status::invalidArgument(c_operation, name,
+                                       localized("it isn't the name of a library"));
 #ifdef _WIN32
     m_pHandle = reinterpret_cast<void *>(
         LoadLibraryExA(name.c_str(), nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));

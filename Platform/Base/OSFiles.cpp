@@ -31,6 +31,7 @@
 #include <unistd.h>
 #endif
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/Base/OSFailuresInternal.h"
 #include "Platform/Base/Shared.h"
@@ -59,7 +60,7 @@ constexpr char c_lock[] = "lock the file";
 
 Status isTooLarge(path const & file, std::size_t limit) {
     return Status(StatusUnsupported, c_read, pathText(file),
-                  "it has more than " + std::to_string(limit) + " bytes");
+                  localized("it has more than %1% bytes", limit));
 }
 
 #ifdef _WIN32
@@ -134,13 +135,13 @@ Status OpenFile::openToRead(std::uint64_t & size) {
         Status const failed = failure(c_read, m_rFile);
         DWORD const attributes = GetFileAttributesW(m_rFile.c_str());
         if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY))
-            return Status::invalidArgument(c_read, pathText(m_rFile), "it isn't a file");
+            return Status::invalidArgument(c_read, pathText(m_rFile), localized("it isn't a file"));
         bool const mayPass = failed.code() == StatusBusy || failed.code() == StatusAccessDenied;
         if (!mayPass || attempt == 20) return failed;
         Sleep(1);
     }
     if (GetFileType(m_handle) != FILE_TYPE_DISK)
-        return Status::invalidArgument(c_read, pathText(m_rFile), "it isn't a file");
+        return Status::invalidArgument(c_read, pathText(m_rFile), localized("it isn't a file"));
     LARGE_INTEGER count{};
     if (!GetFileSizeEx(m_handle, &count)) return failure(c_read, m_rFile);
     size = static_cast<std::uint64_t>(count.QuadPart);
@@ -194,7 +195,7 @@ Status OpenFile::openToRead(std::uint64_t & size) {
     struct stat status {};
     if (fstat(m_handle, &status) != 0) return failure(c_read, m_rFile);
     if (!S_ISREG(status.st_mode))
-        return Status::invalidArgument(c_read, pathText(m_rFile), "it isn't a file");
+        return Status::invalidArgument(c_read, pathText(m_rFile), localized("it isn't a file"));
     size = static_cast<std::uint64_t>(status.st_size);
     return Status::success();
 }
@@ -282,7 +283,7 @@ Status permissionsOf(path const & file, [[maybe_unused]] Permissions & permissio
         (permissions.mode & 0222U) == 0 || faccessat(AT_FDCWD, file.c_str(), W_OK, AT_EACCESS) != 0;
 #endif
     if (!isReadOnly) return Status::success();
-    return Status(StatusAccessDenied, c_write, pathText(file), "it is read-only");
+    return Status(StatusAccessDenied, c_write, pathText(file), localized("it is read-only"));
 }
 
 Status renameInto(path const & from, path const & to) {
@@ -614,7 +615,8 @@ Status FileLock::take(path const & file, std::chrono::milliseconds patience) {
             }
         }
         if (std::chrono::steady_clock::now() >= end) {
-            status = Status(StatusBusy, c_lock, pathText(file), "another program is saving");
+            status =
+                Status(StatusBusy, c_lock, pathText(file), localized("another program is saving"));
             break;
         }
         std::this_thread::sleep_for(c_pause);

@@ -1,5 +1,6 @@
 #include "Platform/Base/Option.h"
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/Utility.h"
 #include "Platform/Base/XMLNode.h"
@@ -35,9 +36,9 @@ bool match(T a, T b) {
 }
 
 // What the text in a file should be.
-char const * wanted(bool) { return "1 or 0"; }
-char const * wanted(int) { return "a whole number"; }
-char const * wanted(double) { return "a number"; }
+char const * wanted(bool) { return localizable("1 or 0"); }
+char const * wanted(int) { return localizable("a whole number"); }
+char const * wanted(double) { return localizable("a number"); }
 
 OptionBase::EDataType typeOf(bool) { return OptionBase::DataTypeBool; }
 OptionBase::EDataType typeOf(int) { return OptionBase::DataTypeInt; }
@@ -78,7 +79,8 @@ OptionBase::EDataType Option<T>::valueType() const {
 template <class T>
 void Option<T>::onSave(XMLNode & node, Status & status) {
     if (!node.attribute(c_value).write(m_value))
-        status = Status::invalidArgument("save the option", id(), "there is no element for it");
+        status = Status::invalidArgument("save the option", id(),
+                                         localized("there is no element for it"));
 }
 
 template <class T>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OptionGroup.h"
 #include "Platform/Base/Text.h"
 
@@ -58,9 +59,9 @@ void OptionBase::notifyChange() {
 
 void OptionBase::noteUnreadable(std::wstring const & text, char const * wanted, Status & status) {
     m_bUnreadable = true;
-    status = Status::corrupt("read the option", m_id,
-                             '"' + Text::toUtf8(Text::printable(Text::clipped(text))) +
-                                 "\" isn't " + wanted);
+    status = Status::corrupt(
+        "read the option", m_id,
+        localized("\"%1%\" isn't %2%", Text::printable(Text::clipped(text)), localized(wanted)));
 }
 
 void OptionBase::noteReadable() noexcept {

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Platform/Base/Limits.h"
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OSFailuresInternal.h"
 #include "Platform/Base/OptionBase.h"
 #include "Platform/Base/OptionFileInternal.h"
@@ -47,7 +48,7 @@ Status OptionFile::read() {
     std::string const subject = pathText(m_file);
     Status status = XMLNode::parse(bytes, subject, m_root);
     if (status && m_root.name() != c_root) {
-        status = Status::corrupt("read the options", subject, "it isn't an option file");
+        status = Status::corrupt("read the options", subject, localized("it isn't an option file"));
         m_root = XMLNode();
     }
     m_bDamaged = status.code() == StatusCorrupt;
@@ -95,7 +96,7 @@ Status OptionFile::write() {
     // What couldn't be read again isn't written.
     if (text.size() > Limits::c_optionFile)
         return Status(StatusUnsupported, "write the options", pathText(m_file),
-                      "it would have more than " + std::to_string(Limits::c_optionFile) + " bytes");
+                      localized("it would have more than %1% bytes", Limits::c_optionFile));
     if (m_bDamaged)
         if (Status status = keepDamaged(); !status) return status;
     return OS::replaceSmallFile(m_file, text);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OptionFileInternal.h"
 #include "Platform/Base/PathInfo.h"
 
@@ -48,7 +49,8 @@ private:
 bool isThere(Status const & status) { return status.code() != StatusNotFound; }
 
 Status hasNoPlace(std::string const & group) {
-    return Status::notFound("save the options", group, "the system has no place for them");
+    return Status::notFound("save the options", group,
+                            localized("the system has no place for them"));
 }
 
 } // namespace

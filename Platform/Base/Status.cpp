@@ -4,6 +4,7 @@
 #include <new>
 #include <system_error>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Shared.h"
 
 namespace Vn {
@@ -127,7 +128,8 @@ Status Status::cancelled(std::string_view operation, std::string_view subject,
 Status Status::fromErrno(int error, std::string_view operation, std::string_view subject) {
     EStatus const code = codeOfErrno(error);
     if (code == StatusOk) return success();
-    return Status(code, operation, subject, std::generic_category().message(error));
+    return Status(code, operation, subject,
+                  localizedIn("OperatingSystem", "%1%", std::generic_category().message(error)));
 }
 
 EStatus Status::code() const noexcept { return ok() ? StatusOk : m_rFailure->m_code; }

@@ -70,16 +70,28 @@ std::vector<std::string> namesOf(std::string const & language) {
     return names;
 }
 
-// A tag with an underscore before the territory, and without an encoding; empty if it isn't one.
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
+
+bool isCOrPosix(std::string_view tag) { return tag == "c" || tag == "posix"; }
+
+// A tag as catalogues are named: the language in small letters, an underscore, the territory in
+// capitals, and no encoding; empty if it isn't one.
 std::string normalized(std::string_view languageTag) {
     std::string tag(languageTag.substr(0, languageTag.find('.')));
     std::replace(tag.begin(), tag.end(), '-', '_');
-    return isName(tag, "_@") ? tag : std::string();
+    if (!isName(tag, "_@")) return {};
+    auto const variant = std::find(tag.begin(), tag.end(), '@');
+    auto const territory = std::find(tag.begin(), variant, '_');
+    std::transform(tag.begin(), territory, tag.begin(), lower);
+    // A longer word there is a script: "zh_Hant".
+    if (variant - territory == 3) std::transform(territory, variant, territory, upper);
+    return tag;
 }
 
 bool isEnglish(std::string const & tag) {
     std::vector<std::string> const names = namesOf(tag);
-    return tag == "C" || tag == "POSIX" || (!names.empty() && names.back() == "en");
+    return isCOrPosix(tag) || (!names.empty() && names.back() == "en");
 }
 
 std::filesystem::path catalogueIn(std::filesystem::path const & directory,
@@ -129,7 +141,7 @@ std::wstring StringTable::getLocalizedString(std::string_view module, std::strin
 
 void StringTable::language(std::string_view languageTag) {
     std::string tag = normalized(languageTag);
-    if (tag == "C" || tag == "POSIX") tag.clear();
+    if (isCOrPosix(tag)) tag.clear();
     Catalogues & all = catalogues();
     std::lock_guard const guard(all.mutex);
     all.language = std::move(tag);

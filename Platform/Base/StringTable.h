@@ -30,7 +30,8 @@ public:
                                            std::wstring_view defaultText);
 
     // Chooses the language by a tag such as "de", "de_AT" or "de-AT"; an encoding after it, as in
-    // "de_DE.UTF-8", is dropped.  A territory that has no catalogue falls back to its language.
+    // "de_DE.UTF-8", is dropped.  The case of letters doesn't count: "DE-at" is "de_AT".  A
+    // territory that has no catalogue falls back to its language.
     // "" is English as written in the program, and so are "C", "POSIX" and a tag that isn't one.
     //
     // To be called by the host, while no other thread uses texts: before the first is asked for, or

@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/RegistrationLog.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/Text.h"
@@ -62,6 +63,11 @@ TextCommandSubjectArea::~TextCommandSubjectArea() {
     note(*this, Log::EEvent::Leaves);
 }
 
+TextCommandFailure::TextCommandFailure(std::wstring text) : m_text(std::move(text)) {}
+
+// Out of line, so that one module has the type that the service looks for.
+TextCommandFailure::~TextCommandFailure() = default;
+
 TextCommand::TextCommand(std::wstring subjectArea, std::wstring name, std::wstring description,
                          std::string alias, bool hidden, bool enabled)
     : m_subjectArea(std::move(subjectArea)), m_name(std::move(name)),
@@ -77,7 +83,7 @@ TextCommand::~TextCommand() {
 }
 
 TextCommandResult TextCommand::run(TextCommandParameters const & parameters) {
-    if (!m_bEnabled) return {1, m_subjectArea + L"." + m_name + L" is not enabled"};
+    if (!m_bEnabled) return {1, localized(L"%1%.%2% is not enabled", m_subjectArea, m_name)};
     return onRun(parameters);
 }
 

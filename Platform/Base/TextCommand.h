@@ -36,6 +36,21 @@ private:
     std::vector<std::wstring> m_flags;
 };
 
+// A base, beside its own, of an exception that a text command throws to tell the user something. Of
+// other exceptions the service tells that they were not expected.
+class VN_BASE_API TextCommandFailure {
+public:
+    // The text that the service makes a result of, with status 1.
+    explicit TextCommandFailure(std::wstring text);
+    virtual ~TextCommandFailure();
+
+    // What the constructor was given.
+    std::wstring const & text() const noexcept { return m_text; }
+
+private:
+    std::wstring m_text;
+};
+
 // A family of text commands, such as "Units".  It joins the text command service when it is
 // constructed, and leaves it when it is destroyed.
 class VN_BASE_API TextCommandSubjectArea {

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <exception>
+#include <new>
 #include <optional>
 #include <typeinfo>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/Spelling.h"
@@ -75,28 +77,27 @@ std::optional<Line> takeApart(std::wstring_view line) {
     }
 }
 
-// " Did you mean ...?" with the candidate nearest to what was typed, or nothing if none is near.
-std::wstring suggestion(std::wstring_view typed, std::vector<std::wstring> candidates) {
-    if (typed.size() > c_longestName) return {};
+// The text and "Did you mean ...?" with the candidate nearest to what was typed, or the text alone
+// if none is near.
+std::wstring withSuggestion(std::wstring text, std::wstring_view typed,
+                            std::vector<std::wstring> candidates) {
+    if (typed.size() > c_longestName) return text;
     std::erase_if(candidates, [](auto const & each) { return each.size() > c_longestName; });
     auto const nearest =
         Spelling::nearest(typed, candidates, std::max<std::size_t>(2, typed.size() / 3));
-    return nearest.empty() ? std::wstring() : L" Did you mean " + *nearest.front() + L"?";
+    return nearest.empty() ? text : localized(L"%1% Did you mean %2%?", text, *nearest.front());
 }
 
-std::wstring quoted(std::wstring_view name) {
-    std::wstring text = L"\"";
-    text += name.substr(0, c_longestName);
-    if (name.size() > c_longestName) text += L"...";
-    return text + L"\"";
-}
+std::wstring shown(std::wstring_view name) { return Text::clipped(name, c_longestName); }
 
-std::wstring listing(std::wstring_view introduction, std::vector<std::wstring> const & names) {
-    if (names.empty()) return {};
-    std::wstring text = L" ";
-    text += introduction;
-    for (std::size_t i = 0; i < names.size(); ++i) text += (i ? L", " : L" ") + names[i];
-    return text + L".";
+// The text and the names, for which `english` has the places, or the text alone if there are none.
+std::wstring withNames(std::wstring text, wchar_t const * english,
+                       std::vector<std::wstring> const & names) {
+    if (names.empty()) return text;
+    std::wstring const comma = localized(L", ");
+    std::wstring all = names.front();
+    for (std::size_t i = 1; i < names.size(); ++i) all += comma + names[i];
+    return localized(english, text, all);
 }
 
 // Whatever `matches` exactly, or else whatever matches folded.
@@ -146,8 +147,8 @@ TextCommand * TextCommandService::find(std::wstring_view subject, std::wstring_v
 TextCommandResult TextCommandService::run(std::wstring_view line) {
     std::optional<Line> parts = takeApart(line);
     if (!parts)
-        return {1, L"A quote is not closed: it ends with a double quote that a blank or the end of "
-                   L"the line follows"};
+        return {1, localized(L"A quote is not closed: it ends with a double quote that a blank or "
+                             L"the end of the line follows")};
     std::wstring_view const typed = parts->command;
     std::size_t const stop = typed.find(L'.');
     TextCommand * const command =
@@ -156,10 +157,16 @@ TextCommandResult TextCommandService::run(std::wstring_view line) {
     try {
         return command->run(
             TextCommandParameters(std::move(parts->parameters), std::move(parts->flags)));
+    } catch (TextCommandFailure const & failure) {
+        return {1, failure.text()};
+    } catch (std::bad_alloc const &) {
+        return {1, localized(L"Memory ran out")};
     } catch (std::exception const & exception) {
-        std::wstring text = Text::fromUtf8(exception.what());
-        if (text.empty()) text = Text::fromUtf8(OS::className(typeid(exception)));
-        return {1, std::move(text)};
+        // What it says was written for whoever wrote the command.
+        std::string text = exception.what();
+        if (text.empty()) text = OS::className(typeid(exception));
+        return {1, localized(L"%1%.%2% failed unexpectedly: %3%", command->subjectArea(),
+                             command->name(), text)};
     }
 }
 
@@ -167,10 +174,13 @@ std::wstring TextCommandService::unknownCommand(std::wstring_view typed) const {
     std::vector<std::wstring> areas;
     for (TextCommandSubjectArea const * area : subjectAreas())
         if (!area->hidden()) areas.push_back(area->name());
-    std::wstring const allAreas = listing(L"The subject areas are:", areas);
+    auto const withAreas = [&](std::wstring text) {
+        return withNames(std::move(text), localizable(L"%1% The subject areas are: %2%."), areas);
+    };
 
     if (typed.empty())
-        return L"There is no command in this line; one is written as Subject.Name." + allAreas;
+        return withAreas(
+            localized(L"There is no command in this line; one is written as Subject.Name."));
 
     std::size_t const stop = typed.find(L'.');
     std::wstring_view const subject = typed.substr(0, stop);
@@ -180,20 +190,22 @@ std::wstring TextCommandService::unknownCommand(std::wstring_view typed) const {
         for (TextCommand const * command : ofSubject)
             if (!command->hidden())
                 names.push_back(command->subjectArea() + L"." + command->name());
-        std::wstring const all = listing(L"Its commands are:", names);
-        if (stop == typed.npos || stop + 1 == typed.size())
-            return quoted(subject) + L" is a subject area, not a command." + all;
-        return L"The subject area " + quoted(subject) + L" has no command " +
-               quoted(typed.substr(stop + 1)) + L"." + suggestion(typed, names) + all;
+        std::wstring const text =
+            stop == typed.npos || stop + 1 == typed.size()
+                ? localized(L"\"%1%\" is a subject area, not a command.", shown(subject))
+                : withSuggestion(localized(L"The subject area \"%1%\" has no command \"%2%\".",
+                                           shown(subject), shown(typed.substr(stop + 1))),
+                                 typed, names);
+        return withNames(text, localizable(L"%1% Its commands are: %2%."), names);
     }
 
     bool const areaExists = std::any_of(areas.begin(), areas.end(), [&](std::wstring const & area) {
         return Text::foldedEqual(std::wstring_view(area), subject);
     });
-    if (areaExists) return L"The subject area " + quoted(subject) + L" has no commands.";
+    if (areaExists) return localized(L"The subject area \"%1%\" has no commands.", shown(subject));
     if (stop != typed.npos)
-        return L"There is no subject area " + quoted(subject) + L"." + suggestion(subject, areas) +
-               allAreas;
+        return withAreas(withSuggestion(
+            localized(L"There is no subject area \"%1%\".", shown(subject)), subject, areas));
 
     std::vector<std::wstring> candidates = areas;
     {
@@ -204,8 +216,9 @@ std::wstring TextCommandService::unknownCommand(std::wstring_view typed) const {
             if (!command->alias().empty()) candidates.push_back(Text::widen(command->alias()));
         }
     }
-    return L"There is no command " + quoted(typed) + L"; one is written as Subject.Name." +
-           suggestion(typed, candidates) + allAreas;
+    return withAreas(withSuggestion(
+        localized(L"There is no command \"%1%\"; one is written as Subject.Name.", shown(typed)),
+        typed, candidates));
 }
 
 void TextCommandService::add(TextCommandSubjectArea * area) {

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <initializer_list>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/XMLEncodingInternal.h"
 
@@ -12,10 +13,10 @@ namespace {
 
 using namespace std::string_view_literals;
 
-constexpr char c_unknown[] = "its encoding isn't known";
-constexpr char c_broken[] = "it isn't in the encoding that it claims";
-constexpr char c_null[] = "it has a null character";
-constexpr char c_declaration[] = "its declaration isn't one";
+constexpr char const * c_unknown = localizable("its encoding isn't known");
+constexpr char const * c_broken = localizable("it isn't in the encoding that it claims");
+constexpr char const * c_null = localizable("it has a null character");
+constexpr char const * c_declaration = localizable("its declaration isn't one");
 
 // The pseudo attributes of a declaration, and where it ends; 0 if there is none.
 struct Declaration {

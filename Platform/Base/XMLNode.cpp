@@ -9,6 +9,7 @@
 #include <libxml/tree.h>
 #include <libxml/xmlerror.h>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/Utility.h"
 #include "Platform/Base/XMLEncodingInternal.h"
@@ -98,8 +99,8 @@ void prepareLibrary() {
 
 std::string Detail::messageOf(xmlError const & error) {
     std::wstring const text = Text::fromUtf8(error.message ? error.message : "");
-    return "line " + std::to_string(error.line) + ": " +
-           Text::toUtf8(Text::printable(Text::clipped(Text::trimmed(text), 100)));
+    return localizedIn("libxml2", "line %1%: %2%", error.line,
+                       Text::printable(Text::clipped(Text::trimmed(text), 100)));
 }
 
 XMLNode::XMLNode(std::shared_ptr<void> document, void * node) noexcept
@@ -123,7 +124,7 @@ Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode 
     std::string converted;
     std::string_view text;
     if (char const * const reason = decodeXml(bytes, converted, text))
-        return Status::corrupt(operation, subject, reason);
+        return Status::corrupt(operation, subject, localized(reason));
     std::unique_ptr<xmlParserCtxt, FreeParser> const parser(xmlNewParserCtxt());
     if (!parser) return Status::outOfMemory(operation, subject);
     Notes notes;
@@ -139,14 +140,14 @@ Status XMLNode::parse(std::string_view bytes, std::string_view subject, XMLNode 
                                              if (d) xmlFreeDoc(static_cast<xmlDocPtr>(d));
                                          });
     if (notes.isOutOfMemory) return Status::outOfMemory(operation, subject);
-    if (notes.hasDoctype) return Status::corrupt(operation, subject, "it has a DOCTYPE");
+    if (notes.hasDoctype) return Status::corrupt(operation, subject, localized("it has a DOCTYPE"));
     auto * const read = static_cast<xmlDocPtr>(document.get());
     xmlNodePtr const element = read ? xmlDocGetRootElement(read) : nullptr;
     if (!element) {
         xmlError const * const last = xmlCtxtGetLastError(parser.get());
         if (notes.error.empty() && last) notes.error = Detail::messageOf(*last);
         return Status::corrupt(operation, subject,
-                               notes.error.empty() ? "it has no element" : notes.error);
+                               notes.error.empty() ? localized("it has no element") : notes.error);
     }
     root = XMLNode(document, element);
     return Status::success();

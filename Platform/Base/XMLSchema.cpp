@@ -8,6 +8,7 @@
 #include <libxml/xmlschemas.h>
 
 #include "Platform/Base/Limits.h"
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OSFiles.h"
 #include "Platform/Base/PathInfo.h"
 #include "Platform/Base/Shared.h"
@@ -87,7 +88,8 @@ Status XMLSchema::read(std::filesystem::path const & file, XMLSchema & schema) {
     // These elements stand directly in the root.
     for (XMLNode i = made->root.firstChild(); i; i = i.nextSibling())
         if (asksForFile(i))
-            return Status(StatusUnsupported, c_read, subject, "it asks for another file");
+            return Status(StatusUnsupported, c_read, subject,
+                          localized("it asks for another file"));
     std::lock_guard const guard(s_reading.get([] { return new std::mutex; }));
     SchemaReader const reader(
         xmlSchemaNewDocParserCtxt(static_cast<xmlDocPtr>(made->root.m_pDocument.get())));
@@ -98,14 +100,16 @@ Status XMLSchema::read(std::filesystem::path const & file, XMLSchema & schema) {
     if (notes.isOutOfMemory) return Status::outOfMemory(c_read, subject);
     if (!made->schema)
         return Status::corrupt(c_read, subject,
-                               notes.error.empty() ? "it isn't a schema" : notes.error);
+                               notes.error.empty() ? localized("it isn't a schema") : notes.error);
     schema.m_pSchema = made;
     return Status::success();
 }
 
 Status XMLSchema::validate(XMLNode const & root, std::string_view subject) const {
-    if (!root) return Status::invalidArgument(c_validate, subject, "there is no document");
-    if (!m_pSchema) return Status::invalidArgument(c_validate, subject, "there is no schema");
+    if (!root)
+        return Status::invalidArgument(c_validate, subject, localized("there is no document"));
+    if (!m_pSchema)
+        return Status::invalidArgument(c_validate, subject, localized("there is no schema"));
     Validator const validator(
         xmlSchemaNewValidCtxt(static_cast<SchemaOfDocument *>(m_pSchema.get())->schema));
     if (!validator) return Status::outOfMemory(c_validate, subject);
@@ -116,7 +120,7 @@ Status XMLSchema::validate(XMLNode const & root, std::string_view subject) const
     if (notes.isOutOfMemory) return Status::outOfMemory(c_validate, subject);
     if (result == 0) return Status::success();
     return Status::corrupt(c_validate, subject,
-                           notes.error.empty() ? "it isn't valid" : notes.error);
+                           notes.error.empty() ? localized("it isn't valid") : notes.error);
 }
 
 } // namespace Vn

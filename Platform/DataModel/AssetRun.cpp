@@ -1,13 +1,15 @@
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/Request.h"
 
 namespace Vn {
 
 Status Asset::run(std::unique_ptr<Request> request) {
-    if (!request) return Status::invalidArgument("run a request", {}, "there is none");
+    if (!request) return Status::invalidArgument("run a request", {}, localized("there is none"));
     Transaction transaction(*this, request->name());
     if (!transaction.isOpen())
-        return Status::invalidArgument("run a request", {}, "an undo or redo is running");
+        return Status::invalidArgument("run a request", {},
+                                       localized("an undo or redo is running"));
     Status status;
     try {
         status = request->execute();

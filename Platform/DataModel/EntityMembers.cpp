@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/EntityChange.h"
@@ -21,7 +22,7 @@ using DataModel::WordBuffer;
 
 namespace {
 
-constexpr char c_notAList[] = "it isn't a list of that kind";
+constexpr char const * c_notAList = localizable("it isn't a list of that kind");
 
 // A value as it is kept in a log, given up at the end.
 class KeptValue {
@@ -185,9 +186,9 @@ bool leadsSomewhere(Leaf const & leaf) {
 
 std::string whyReadOnly(Leaf const & leaf) {
     if (leadsSomewhere(leaf))
-        return leaf.kind == EMemberKind::Vector ? "it holds references to entities"
-                                                : "it is a reference to an entity";
-    return memberOf(leaf).readOnly();
+        return leaf.kind == EMemberKind::Vector ? localized("it holds references to entities")
+                                                : localized("it is a reference to an entity");
+    return localized(memberOf(leaf).readOnly().c_str());
 }
 
 constexpr char c_set[] = "set the member";
@@ -226,7 +227,9 @@ Leaf const * EntityMembers::find(std::string_view name) const {
 
 Status EntityMembers::get(std::string_view name, std::wstring & text) const {
     Leaf const * const leaf = find(name);
-    if (!leaf) return Status::notFound("show the member", name, "the entity has no such member");
+    if (!leaf)
+        return Status::notFound("show the member", name,
+                                localized("the entity has no such member"));
     void * const field = DataModel::field(*m_rEntity, *leaf);
     text = leaf->kind == EMemberKind::Vector ? listText(*leaf, field)
                                              : memberKind(leaf->kind).print(field);
@@ -235,14 +238,14 @@ Status EntityMembers::get(std::string_view name, std::wstring & text) const {
 
 Status EntityMembers::set(std::string_view name, std::wstring_view text) const {
     Leaf const * const leaf = find(name);
-    if (!leaf) return Status::notFound(c_set, name, "the entity has no such member");
+    if (!leaf) return Status::notFound(c_set, name, localized("the entity has no such member"));
     if (!m_rEntity->isAlive())
-        return Status::invalidArgument(c_set, name, "the entity isn't in a document");
+        return Status::invalidArgument(c_set, name, localized("the entity isn't in a document"));
     if (std::string const why = whyReadOnly(*leaf); !why.empty())
         return Status(StatusAccessDenied, c_set, name, why);
     KeptValue value(*leaf);
     if (char const * const wrong = value.parse(text))
-        return Status::invalidArgument(c_set, name, wrong);
+        return Status::invalidArgument(c_set, name, localized(wrong));
 
     Entity & entity = *m_rEntity;
     void * const field = DataModel::field(entity, *leaf);

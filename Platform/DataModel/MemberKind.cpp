@@ -1,3 +1,4 @@
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/MemberKindInternal.h"
 
 #include <charconv>
@@ -24,14 +25,14 @@ using Words = std::uint64_t const *;
 static_assert(sizeof(GlobalizedString) == sizeof(std::uint64_t));
 static_assert(sizeof(PassiveRef<Entity>) == sizeof(std::uint64_t));
 
-constexpr char c_notANumber[] = "it isn't a number";
-constexpr char c_notWhole[] = "it isn't a whole number of that kind";
-constexpr char c_notBool[] = "it is neither true nor false";
-constexpr char c_notText[] = "it isn't a well-formed text";
-constexpr char c_notReference[] = "it isn't the id of an entity";
-constexpr char c_noReference[] = "it is a reference, which isn't set by a text";
-constexpr char c_beyondFloat[] = "it is beyond the range of a float";
-constexpr char c_beyondDouble[] = "it is beyond the range of a double";
+constexpr char const * c_notANumber = localizable("it isn't a number");
+constexpr char const * c_notWhole = localizable("it isn't a whole number of that kind");
+constexpr char const * c_notBool = localizable("it is neither true nor false");
+constexpr char const * c_notText = localizable("it isn't a well-formed text");
+constexpr char const * c_notReference = localizable("it isn't the id of an entity");
+constexpr char const * c_noReference = localizable("it is a reference, which isn't set by a text");
+constexpr char const * c_beyondFloat = localizable("it is beyond the range of a float");
+constexpr char const * c_beyondDouble = localizable("it is beyond the range of a double");
 
 template <class T>
 void put(void * field, T value) {

@@ -5,6 +5,7 @@
 
 #include <GL/glcorearb.h>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Status.h"
 #include "Platform/Picture/DeviceInternal.h"
 
@@ -69,7 +70,9 @@ struct Gl {
     [[nodiscard]] Status load(Device const & device) {
 #define VN_GL_FUNCTION(type, name)                                                                 \
     name = reinterpret_cast<type>(device.function("gl" #name));                                    \
-    if (!name) return Status(StatusUnsupported, "draw the picture", {}, "there is no gl" #name);
+    if (!name)                                                                                     \
+        return Status(StatusUnsupported, "draw the picture", {},                                   \
+                      localized("there is no %1%", "gl" #name));
         VN_GL_FUNCTIONS(VN_GL_FUNCTION)
 #undef VN_GL_FUNCTION
         return Status::success();

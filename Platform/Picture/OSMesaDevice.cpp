@@ -2,6 +2,7 @@
 
 #include <GL/osmesa.h>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/Picture/DeviceInternal.h"
 
@@ -23,8 +24,8 @@ public:
         }
         if (!status)
             return Status(StatusUnsupported, c_operation, {},
-                          "the library that draws, libOSMesa, isn't installed (" + status.cause() +
-                              ")");
+                          localized("the library that draws, libOSMesa, isn't installed (%1%)",
+                                    status.cause()));
         auto const create = reinterpret_cast<decltype(&OSMesaCreateContextAttribs)>(
             module.symbol("OSMesaCreateContextAttribs"));
         m_destroy = reinterpret_cast<decltype(m_destroy)>(module.symbol("OSMesaDestroyContext"));
@@ -34,7 +35,7 @@ public:
         // What it has made may refer to it until the process ends.
         module.keep();
         if (!create || !m_destroy || !m_makeCurrent || !m_function)
-            return Status(StatusUnsupported, c_operation, {}, "libOSMesa is too old");
+            return Status(StatusUnsupported, c_operation, {}, localized("libOSMesa is too old"));
         static constexpr int c_attributes[] = {OSMESA_FORMAT,
                                                OSMESA_RGBA,
                                                OSMESA_DEPTH_BITS,
@@ -49,7 +50,7 @@ public:
         m_context = create(c_attributes, nullptr);
         if (!m_context)
             return Status(StatusUnsupported, c_operation, {},
-                          "libOSMesa has no OpenGL 3.3 to draw with");
+                          localized("libOSMesa has no OpenGL 3.3 to draw with"));
         return Status::success();
     }
     ~OSMesaDevice() override {
@@ -60,7 +61,8 @@ public:
         // Pictures are drawn into memory of OpenGL itself.
         if (m_makeCurrent(m_context, m_pixel.data(), GL_UNSIGNED_BYTE, 1, 1))
             return Status::success();
-        return Status(StatusFailed, c_operation, {}, "libOSMesa doesn't take its own context");
+        return Status(StatusFailed, c_operation, {},
+                      localized("libOSMesa doesn't take its own context"));
     }
     void * function(char const * name) const override {
         return reinterpret_cast<void *>(m_function(name));

@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Picture/DeviceInternal.h"
 #include "Platform/Picture/EdgesInternal.h"
 #include "Platform/Picture/GlInternal.h"
@@ -178,7 +179,7 @@ private:
     Status failed(char const * what) const { return failed(what, m_gl.GetError()); }
     static Status failed(char const * what, GLenum error) {
         return error == GL_OUT_OF_MEMORY ? Status::outOfMemory(c_operation)
-                                         : Status::failed(c_operation, {}, what);
+                                         : Status::failed(c_operation, {}, localized(what));
     }
 
     Status prepare() {
@@ -188,7 +189,7 @@ private:
         m_gl.LinkProgram(m_program);
         GLint isLinked = 0;
         m_gl.GetProgramiv(m_program, GL_LINK_STATUS, &isLinked);
-        if (!isLinked) return failed("its shaders can't be linked");
+        if (!isLinked) return failed(localizable("its shaders can't be linked"));
         m_gl.UseProgram(m_program);
 
         auto const width = static_cast<GLsizei>(m_options.width);
@@ -216,7 +217,7 @@ private:
         for (GLuint const frame : m_frames) {
             m_gl.BindFramebuffer(GL_FRAMEBUFFER, frame);
             if (m_gl.CheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE)
-                return failed("there is no memory for its pixels");
+                return failed(localizable("there is no memory for its pixels"));
         }
         m_gl.BindFramebuffer(GL_FRAMEBUFFER, m_frames[0]);
         m_gl.Viewport(0, 0, width, height);
@@ -340,7 +341,7 @@ private:
         std::vector<std::uint8_t> pixels(row * m_options.height);
         m_gl.ReadPixels(0, 0, width, height, GL_RGB, GL_UNSIGNED_BYTE, pixels.data());
         if (GLenum const error = m_gl.GetError(); error != GL_NO_ERROR)
-            return failed("its pixels can't be read", error);
+            return failed(localizable("its pixels can't be read"), error);
         // OpenGL counts rows from below.
         for (std::size_t low = 0, high = m_options.height - 1; low < high; ++low, --high)
             std::swap_ranges(pixels.begin() + static_cast<std::ptrdiff_t>(low * row),
@@ -378,15 +379,14 @@ Shared & shared() {
 
 Status checkSize(PictureOptions const & options) {
     if (options.width == 0 || options.height == 0)
-        return Status::invalidArgument(c_operation, {}, "it has no pixels");
+        return Status::invalidArgument(c_operation, {}, localized("it has no pixels"));
     if (options.width > PictureOptions::c_maxSide || options.height > PictureOptions::c_maxSide)
-        return Status::invalidArgument(c_operation, {},
-                                       "its sides have more than " +
-                                           std::to_string(PictureOptions::c_maxSide) + " pixels");
+        return Status::invalidArgument(
+            c_operation, {},
+            localized("its sides have more than %1% pixels", PictureOptions::c_maxSide));
     if (std::size_t{options.width} * options.height > PictureOptions::c_maxPixels)
-        return Status::invalidArgument(c_operation, {},
-                                       "it has more than " +
-                                           std::to_string(PictureOptions::c_maxPixels) + " pixels");
+        return Status::invalidArgument(
+            c_operation, {}, localized("it has more than %1% pixels", PictureOptions::c_maxPixels));
     return Status::success();
 }
 

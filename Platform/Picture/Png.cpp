@@ -4,6 +4,7 @@
 
 #include <png.h>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Picture/Picture.h"
 
 namespace Vn::Picture {
@@ -54,7 +55,7 @@ bool write(png_structp png, png_infop info, Picture const & picture, Target & ta
 Status toPng(Picture const & picture, std::string & bytes) {
     if (picture.width == 0 || picture.height == 0 ||
         picture.pixels.size() != std::size_t{3} * picture.width * picture.height)
-        return Status::invalidArgument(c_operation, {}, "it has no pixels");
+        return Status::invalidArgument(c_operation, {}, localized("it has no pixels"));
     std::string written;
     Target target{&written};
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, &fail, &ignore);

@@ -6,6 +6,8 @@
 #include <limits>
 #include <numbers>
 
+#include "Platform/Base/LocalizedText.h"
+
 namespace Vn::Picture {
 
 using Vrx::Devices::BoundingBox;
@@ -34,12 +36,14 @@ constexpr double c_noAngle = 1e-9;
 
 Status directions(View const & view, ViewFrame & frame) {
     if (!BoundingBox::isFinite(view.position) || !BoundingBox::isFinite(view.target))
-        return Status::invalidArgument(c_operation, {}, "its position or target isn't finite");
+        return Status::invalidArgument(c_operation, {},
+                                       localized("its position or target isn't finite"));
     TgVector3d const back = view.position - view.target;
     if (!isFinite(back) || lengthOf(back) == 0)
-        return Status::invalidArgument(c_operation, {}, "it looks in no direction");
+        return Status::invalidArgument(c_operation, {}, localized("it looks in no direction"));
     if (!isFinite(view.up))
-        return Status::invalidArgument(c_operation, {}, "its direction of up isn't finite");
+        return Status::invalidArgument(c_operation, {},
+                                       localized("its direction of up isn't finite"));
     frame.back = unit(back);
     TgVector3d up = lengthOf(view.up) > 0 ? unit(view.up) : TgVector3d();
     if (lengthOf(up.crossProduct(frame.back)) < c_noAngle) up = {0, 0, 1};
@@ -94,11 +98,11 @@ Status makeFrame(View const & view, double aspect, ViewFrame & frame) {
     ViewFrame made;
     if (Status const status = directions(view, made); !status) return status;
     if (!isSize(view.width) || !isSize(view.height))
-        return Status::invalidArgument(c_operation, {}, "its extents aren't above 0");
+        return Status::invalidArgument(c_operation, {}, localized("its extents aren't above 0"));
     made.width = std::max(view.width, view.height * aspect);
     made.height = made.width / aspect;
     if (!isSize(made.width) || !isSize(made.height))
-        return Status::invalidArgument(c_operation, {}, "its extents are too large");
+        return Status::invalidArgument(c_operation, {}, localized("its extents are too large"));
     frame = made;
     return Status::success();
 }
@@ -145,7 +149,7 @@ Status fit(View const & view, BoundingBox const & box, double aspect, View & fit
     ViewFrame sound;
     if (!makeFrame(made, aspect, sound))
         return Status(StatusUnsupported, c_operation, {},
-                      "what is to be seen is too far away, too large or too small");
+                      localized("what is to be seen is too far away, too large or too small"));
     fitted = made;
     return Status::success();
 }

@@ -138,11 +138,15 @@ TEST_F(StringTableTests, LanguageTags) {
         {"de_DE", "de_DE", L"L\u00E4nge"},
         {"de-AT", "de_AT", L"L\u00E4nge"},
         {"de_CH.UTF-8", "de_CH", L"L\u00E4nge"},
+        {"DE", "de", L"L\u00E4nge"},
+        {"De-at.utf8", "de_AT", L"L\u00E4nge"},
+        {"DE_latn@Old", "de_latn@Old", L"L\u00E4nge"},
         {"fr", "fr", L"Length"},
         {"", "", L"Length"},
         {"C", "", L"Length"},
         {"C.UTF-8", "", L"Length"},
         {"POSIX", "", L"Length"},
+        {"c", "", L"Length"},
         {"../de", "", L"Length"},
         {"de\xFF", "", L"Length"},
     };
@@ -157,7 +161,8 @@ TEST_F(StringTableTests, LanguagesAreThoseWithACatalogue) {
     EXPECT_EQ(StringTable::languages("VnBaseTests"), std::vector<std::string>{"de"});
     EXPECT_EQ(StringTable::languages("NoSuchModule"), std::vector<std::string>{});
     EXPECT_EQ(StringTable::languages("../VnBaseTests"), std::vector<std::string>{});
-    for (char const * const tag : {"de", "de_AT", "de-CH.UTF-8", "de@old", "", "C", "en", "en_US"})
+    for (char const * const tag :
+         {"de", "de_AT", "de-CH.UTF-8", "de@old", "DE", "", "C", "en", "en_US", "EN"})
         EXPECT_TRUE(StringTable::hasLanguage("VnBaseTests", tag)) << tag;
     for (char const * const tag : {"fr", "d", "deu", "../de", "de\xFF", ".UTF-8", "_AT"})
         EXPECT_FALSE(StringTable::hasLanguage("VnBaseTests", tag)) << tag;

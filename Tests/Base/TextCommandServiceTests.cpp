@@ -1,6 +1,7 @@
 #include "Platform/Base/TextCommandService.h"
 
 #include <algorithm>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -11,6 +12,7 @@
 namespace {
 
 using Vn::TextCommand;
+using Vn::TextCommandFailure;
 using Vn::TextCommandParameters;
 using Vn::TextCommandResult;
 using Vn::TextCommandService;
@@ -33,6 +35,10 @@ private:
     }
 };
 
+struct Told : std::runtime_error, TextCommandFailure {
+    Told() : std::runtime_error("too many"), TextCommandFailure(L"Three is too many") {}
+};
+
 class Throw : public TextCommand {
 public:
     Throw() : TextCommand(L"Testing", L"Throw", L"Throws") {}
@@ -40,6 +46,8 @@ public:
 private:
     TextCommandResult onRun(TextCommandParameters const & parameters) override {
         if (parameters.hasFlag(L"nameless")) throw std::runtime_error("");
+        if (parameters.hasFlag(L"memory")) throw std::bad_alloc();
+        if (parameters.hasFlag(L"told")) throw Told();
         throw std::runtime_error("bad lexical cast");
     }
 };
@@ -169,8 +177,21 @@ TEST_F(TextCommandServiceTests, DisabledCommandRefuses) {
 TEST_F(TextCommandServiceTests, ExceptionBecomesAFailure) {
     TextCommandResult const result = run(L"Testing.Throw");
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.text, L"bad lexical cast");
-    EXPECT_EQ(run(L"Testing.Throw /nameless").text, L"std::runtime_error");
+    EXPECT_EQ(result.text, L"Testing.Throw failed unexpectedly: bad lexical cast");
+    EXPECT_EQ(run(L"Testing.Throw /nameless").text,
+              L"Testing.Throw failed unexpectedly: std::runtime_error");
+}
+
+TEST_F(TextCommandServiceTests, WantOfMemoryIsSaid) {
+    TextCommandResult const result = run(L"Testing.Throw /memory");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.text, L"Memory ran out");
+}
+
+TEST_F(TextCommandServiceTests, ExceptionForTheUserIsSaidAsItIs) {
+    TextCommandResult const result = run(L"Testing.Throw /told");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.text, L"Three is too many");
 }
 
 TEST_F(TextCommandServiceTests, AnswersSayWhatWouldHaveBeenRight) {

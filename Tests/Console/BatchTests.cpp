@@ -200,8 +200,8 @@ TEST(BatchTests, BadLinesAreAnsweredWithoutStopping) {
         char const * answer;
     };
     Row const rows[] = {
-        {"foo", R"({"id":null,"error":"parse error at line 1, column 2: syntax error while )"
-                R"(parsing value - invalid literal; last read: 'fo'","line":1})"},
+        {"foo", R"({"id":null,"error":"not JSON at character 1: syntax error while parsing )"
+                R"(value - invalid literal; last read: 'fo'","line":1})"},
         {"[1]", R"({"id":null,"error":"a line must be an object","line":4})"},
         {"{\"id\":3}", R"({"id":3,"error":"there is no \"text\""})"},
         {R"({"id":4,"text":null})", R"({"id":4,"error":"\"text\" must be a text"})"},

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "Tests/Support/Process.h"
+#include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Console::Tests {
 
@@ -330,6 +331,32 @@ TEST(CommandLineTests, FullDiskIsTold) {
         EXPECT_EQ(outcome.err, "vnconsole: can't write the output: No space left on device\n")
             << command;
     }
+}
+
+// Changes that were asked for are saved, and it is told where it can be read.
+TEST(CommandLineTests, FullDiskOfTheOutputDoesntTakeTheChangesBack) {
+    Testing::TemporaryDirectory const directory;
+    std::string const name = (directory.path() / "a.vnd").string();
+    std::string const call = "\"$VNCONSOLE\" document " + name + ' '; // a name without blanks
+    std::string const saved = "saved " + name + "\n";
+    std::string const told = "vnconsole: can't write the output: No space left on device\n";
+    struct Row {
+        char const * commands;
+        std::string err;
+    };
+    Row const rows[] = {
+        {"--new make", saved + told}, {"'make, tree'", saved + told}, {"tree", told}};
+    for (Row const & row : rows) {
+        Outcome const outcome = runShell(call + row.commands + " > /dev/full");
+        EXPECT_EQ(outcome.status, 1) << row.commands;
+        EXPECT_EQ(outcome.err, row.err) << row.commands;
+    }
+    Outcome const tree = runShell(call + "tree");
+    EXPECT_NE(tree.out.find("Groups/CmnData[1]"), std::string::npos) << tree.out;
+    Outcome const bad = runShell(call + "make, remove 9 > /dev/full");
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_NE(bad.err.find("\nnothing was saved\n"), std::string::npos) << bad.err;
+    EXPECT_EQ(runShell(call + "tree").out, tree.out);
 }
 
 TEST(CommandLineTests, BrokenPipeEndsQuietly) {

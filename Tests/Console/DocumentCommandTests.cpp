@@ -485,7 +485,7 @@ TEST_F(DocumentCommandTests, AFileNameThatIsTooLongIsToldAsThat) {
         " the document '" + name + "': invalid argument: the name is longer than names may be\n";
     EXPECT_EQ(document("make", name).err, "cannot open" + why);
     EXPECT_EQ(document("check", name).err, "cannot check" + why);
-    EXPECT_EQ(document("new", name).err, "cannot save" + why);
+    EXPECT_EQ(document("new", name).err, "cannot save" + why + "nothing was saved\n");
 }
 
 #endif

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <optional>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include "Console/Documents/Command.h"
@@ -283,6 +284,52 @@ TEST_F(ConflictTests, TellsTheWaysOn) {
         "  Document.Open \"a b.vnd\" /Force   takes the other's work, and drops what was changed "
         "here\n"
         "  Document.SaveAs \"a b.vnd\" /Force   replaces the other's work by this document");
+}
+
+// Where what is shown first is read, another program saves.
+class OtherProgram final : public std::stringbuf {
+public:
+    explicit OtherProgram(void (*act)()) : m_pAct(act) {}
+
+private:
+    int sync() override {
+        if (void (*const act)() = std::exchange(m_pAct, nullptr)) act();
+        return 0;
+    }
+
+    void (*m_pAct)();
+};
+
+TEST_F(DocumentCoreTests, ACallTellsWhatBecameOfItsChangesAndTheWayOn) {
+    struct Row {
+        void (*act)();
+        char const * err; // after the name of the file
+    };
+    Row const rows[] = {
+        {[] { EXPECT_EQ(document("make").status, 0); },
+         "changed meanwhile: the file was changed by another program\n"
+         "nothing was saved; the same call again makes the changes in the document that is there "
+         "now\n"},
+        {[] { EXPECT_TRUE(std::filesystem::remove("a.vnd")); },
+         "not found: the file is gone\n"
+         "nothing was saved; with --new the same call begins a new document\n"},
+        {[] {
+             EXPECT_TRUE(std::filesystem::remove("a.vnd") &&
+                         std::filesystem::create_directory("a.vnd"));
+         },
+         "invalid argument: it is a directory\nnothing was saved\n"},
+    };
+    for (Row const & row : rows) {
+        document("new /Force");
+        OtherProgram other(row.act);
+        std::ostream out(&other);
+        std::ostringstream err;
+        DocumentOptions options;
+        options.file = L"a.vnd";
+        options.words = {L"tree, make"};
+        EXPECT_EQ(runDocument(options, m_session, out, err), 1);
+        EXPECT_EQ(err.str().substr(err.str().find("': ") + 3), row.err);
+    }
 }
 
 TEST_F(ConflictTests, BothAreKept) {

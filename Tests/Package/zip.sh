@@ -18,7 +18,7 @@ for file in bin/vnconsole.exe bin/VnCommonData10.dll bin/VnConsole10.dll bin/VnS
     lib/cmake/VnCommonData10/VnCommonData10Config.cmake licenses/sqlite3.txt licenses/libxml2.txt licenses/gcc-mingw-w64-base.txt \
     licenses/libboost-dev.txt licenses/mingw-w64-common.txt doc/copyright doc/README.md doc/Docs/embedding.md \
     include/VnCommonData10/Server/CommonData/Units/Unit.h share/locale/de/LC_MESSAGES/VnCommonData.mo \
-    share/locale/ja/LC_MESSAGES/VnConsole.mo \
+    share/locale/ja/LC_MESSAGES/VnConsole.mo share/locale/fr/LC_MESSAGES/VnLibraries.mo \
     Server/AddInMgr/Configuration/Schema/AddinSchema.xsd Server/CommonData/Configuration/VnCommonData10.xml; do
   [ -s "$installed/$file" ] || fail "no $file"
 done

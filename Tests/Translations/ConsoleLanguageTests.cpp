@@ -1,5 +1,7 @@
 // The console in another language, with the catalogues that it finds beside itself.
 
+#include <regex>
+
 #include "Tests/Support/Process.h"
 #include "Tests/Translations/TranslationsTesting.h"
 
@@ -40,11 +42,87 @@ TEST(ConsoleLanguageTests, LanguageIsChosen) {
     }
 }
 
+// The examples of the help are typed as they stand in every language.
+TEST(ConsoleLanguageTests, KindsAreFoundByTheirEnglishNamesToo) {
+    for (Row const & row : c_rows) {
+        Outcome const english = runConsole({"--language", row.language, "units", "length"});
+        EXPECT_EQ(english.status, 0) << row.language << english.err;
+        EXPECT_EQ(english.out, runConsole({"--language", row.language, "units", row.kind}).out);
+    }
+}
+
 TEST(ConsoleLanguageTests, EnglishHasMoreThanOneName) {
-    for (char const * const language : {"C", "POSIX", "en", "en_GB.UTF-8", ""}) {
+    for (char const * const language : {"C", "POSIX", "en", "en_GB.UTF-8", "EN"}) {
         EXPECT_EQ(runConsole({"--language", language, "eval", "sqrt(16)"}).status, 0) << language;
         EXPECT_EQ(runConsole({"--language", language, "eval", "wurzel(16)"}).status, 1) << language;
     }
+}
+
+TEST(ConsoleLanguageTests, AnEmptyTagIsRefused) {
+    for (Outcome const & outcome : {runConsole({"--language", "", "eval", "1"}),
+                                    runConsole({"eval", "1", "--language", ""})}) {
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err,
+                  "vnconsole: the language after --language is empty; there are en, de, fr, ja\n");
+    }
+}
+
+// What the libraries tell, and texts of others marked as such.
+TEST(ConsoleLanguageTests, CausesAreToldInTheLanguage) {
+    struct Told {
+        char const * language;
+        std::vector<std::string> arguments;
+        char const * err;
+    };
+    Told const rows[] = {
+        {"de", {"document", "."}, "Fehler beim \u00D6ffnen des Dokuments"},
+        {"de", {"document", "."}, ": es ist ein Verzeichnis\n"},
+        {"fr", {"document", "."}, "\u00A0: c\u2019est un r\u00E9pertoire\n"},
+        {"ja", {"document", "."}, "\uFF1A\u30C7\u30A3\u30EC\u30AF\u30C8\u30EA\u3067\u3059\n"},
+        {"de", {"command", "Unit.List"}, "Es gibt keinen Themenbereich \u201EUnit\u201C. "},
+        {"de",
+         {"command", "Units.MakeForMagnitude", "x"},
+         "Die Gr\u00F6\u00DFenordnung ist eine Zehnerpotenz, eine ganze Zahl wie 3 oder -6, und "
+         "\u201Ex\u201C ist keine\n"},
+        {"fr", {"command", "Units.Lst"}, " Vouliez-vous dire Units.List\u00A0? "},
+        {"ja", {"command", "Units"}, "\u300CUnits\u300D"},
+    };
+    for (Told const & row : rows) {
+        std::vector<std::string> arguments{"--language", row.language};
+        arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
+        Outcome const outcome = runConsole(arguments);
+        EXPECT_EQ(outcome.status, 1) << row.err;
+        EXPECT_NE(outcome.err.find(row.err), std::string::npos) << outcome.err << row.err;
+    }
+}
+
+// Values that the console quotes stand in its texts as words of the language do.
+TEST(ConsoleLanguageTests, JapaneseQuotesHaveNoBlanksBesideThem) {
+    std::vector<std::vector<std::string>> const calls{{"units", "parsec"},
+                                                      {"document", "no.vnd", "foo"},
+                                                      {"eval", "1", "--set", "x=1"},
+                                                      {"eval", "1", "--unit", ";"},
+                                                      {"command", "Units.Lst"}};
+    for (std::vector<std::string> arguments : calls) {
+        arguments.insert(arguments.begin(), {"--language", "ja"});
+        std::string const told = runConsole(arguments).err;
+        EXPECT_NE(told.find("\u300C"), std::string::npos) << told;
+        // What stands in front of a message ends with a colon.
+        EXPECT_FALSE(std::regex_search(told, std::regex("[^:] \u300C|\u300D "))) << told;
+    }
+}
+
+TEST(ConsoleLanguageTests, BatchTellsOfBadJsonInTheLanguage) {
+    Outcome const english = runConsole({"batch"}, "\n\n\n{\"id\":1,x\n");
+    EXPECT_EQ(english.out,
+              "{\"id\":null,\"error\":\"not JSON at character 8: syntax error while parsing object "
+              "key - invalid literal; last read: '1,x'; expected string literal\",\"line\":4}\n");
+    Outcome const german = runConsole({"--language", "de", "batch"}, "{\"id\":1,x\n");
+    EXPECT_NE(german.out.find("\"error\":\"kein JSON bei Zeichen 8; die Bibliothek f\u00FCr JSON "
+                              "meldet: syntax error"),
+              std::string::npos)
+        << german.out;
 }
 
 #ifndef _WIN32 // which has no such shell

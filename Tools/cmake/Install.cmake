@@ -5,7 +5,7 @@
 #   share/bash-completion/completions/, share/zsh/site-functions/   what the shells complete
 #   Server/                                 the configurations of the add-ins and their schema
 #   lib/VnCommonData10.so, VnConsole10.so and the libraries of the platform
-#   share/locale/<language>/LC_MESSAGES/{VnCommonData,VnConsole}.mo (by Translations/)
+#   share/locale/<language>/LC_MESSAGES/{VnCommonData,VnConsole,VnLibraries}.mo (by Translations/)
 #   include/VnCommonData10/                 the public headers, in the folders of their includes
 #   lib/cmake/VnCommonData10/               for find_package
 #   lib/pkgconfig/VnCommonData10.pc         for pkg-config

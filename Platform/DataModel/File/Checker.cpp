@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/File/Circles.h"
 #include "Platform/DataModel/File/Lists.h"
 #include "Platform/DataModel/Limits.h"
@@ -25,19 +26,25 @@ DocumentChecker::DocumentChecker(std::filesystem::path file, std::string operati
 
 void DocumentChecker::found(std::string finding) {
     if (m_findings.size() == Limits::c_findings) {
-        m_findings.emplace_back("and more");
+        m_findings.push_back(localized("and more"));
         throw Enough();
     }
     m_findings.push_back(std::move(finding));
+}
+
+void DocumentChecker::found(unsigned long long entity, FileMember const & member,
+                            std::string const & why) {
+    found(localized("entity %1%, member %2%: %3%", entity, member.path(), why));
 }
 
 void DocumentChecker::check() {
     std::error_code error;
     auto const status = std::filesystem::status(m_database.file(), error);
     m_database.refuseUnseen(error);
-    if (!std::filesystem::exists(status)) m_database.fail(StatusNotFound, "there is no such file");
+    if (!std::filesystem::exists(status))
+        m_database.fail(StatusNotFound, localized("there is no such file"));
     if (!std::filesystem::is_regular_file(status))
-        m_database.fail(StatusInvalidArgument, "it isn't a file");
+        m_database.fail(StatusInvalidArgument, localized("it isn't a file"));
     m_database.open(m_database.file());
     try {
         m_schema.checkHeader();
@@ -64,7 +71,7 @@ void DocumentChecker::checkDatabase() {
     Statement row(m_database, "PRAGMA integrity_check");
     while (row.step()) {
         std::string finding(row.bytes(0));
-        if (finding != "ok") found("the database: " + finding);
+        if (finding != "ok") found(localizedIn("SQLite", "the database: %1%", finding));
     }
 }
 
@@ -72,8 +79,7 @@ void DocumentChecker::checkSegments() {
     Statement row(m_database, "SELECT kind FROM segments");
     while (row.step()) {
         long long const kind = row.integer(0);
-        if (!storedSegment(kind))
-            found("there is no segment of kind " + std::to_string(kind) + " to load");
+        if (!storedSegment(kind)) found(localized("there is no segment of kind %1% to load", kind));
         m_segments.insert(kind);
     }
 }
@@ -93,28 +99,30 @@ void DocumentChecker::readIds() {
                       "SELECT id, segment FROM " + sqlName(type.table) + " ORDER BY id");
         while (row.step()) {
             long long const id = row.integer(0);
-            std::string const where = "entity " + std::to_string(id) + " of " + type.table;
+            auto const wrong = [&](char const * why) {
+                found(localized("entity %1% of %2%: %3%", id, type.table, localized(why)));
+            };
             if (id < 1 || static_cast<unsigned long long>(id) >= m_head.nextEntity) {
-                found(where + ": its id is out of range");
+                wrong(localizable("its id is out of range"));
                 continue;
             }
             auto const key = static_cast<unsigned long long>(id);
             if (!m_typeOf.emplace(key, &type).second)
-                found(where + ": its id is that of another entity");
+                wrong(localizable("its id is that of another entity"));
             m_segmentOf[key] = row.integer(1);
             if (row.type(1) != SQLITE_INTEGER || !m_segments.contains(row.integer(1)))
-                found(where + ": its segment isn't in the file");
+                wrong(localizable("its segment isn't in the file"));
         }
     }
 }
 
 void DocumentChecker::checkReference(EMemberKind kind, unsigned long long from,
-                                     unsigned long long id, std::string const & where) {
+                                     unsigned long long id, FileMember const & member) {
     if (!id) return;
     if (kind == EMemberKind::StrongRef) m_ownerships.emplace_back(from, id);
     if (m_typeOf.contains(id)) return;
     if (kind == EMemberKind::PassiveRef && id < m_head.nextEntity) return;
-    found(where + ": there is no entity " + std::to_string(id));
+    found(from, member, localized("there is no entity %1%", id));
 }
 
 void DocumentChecker::checkEntities(FileType const & type) {
@@ -128,15 +136,11 @@ void DocumentChecker::checkEntities(FileType const & type) {
             if (!member.isColumn()) continue;
             char const * const wrong =
                 m_values.column(row, place, member.m_kind, nullptr, reference);
-            if (wrong || reference) {
-                std::string const where =
-                    "entity " + std::to_string(row.integer(0)) + ", member " + member.path();
-                if (wrong)
-                    found(where + ": " + wrong);
-                else
-                    checkReference(member.m_kind, static_cast<unsigned long long>(row.integer(0)),
-                                   reference, where);
-            }
+            auto const id = static_cast<unsigned long long>(row.integer(0));
+            if (wrong)
+                found(id, member, localized(wrong));
+            else
+                checkReference(member.m_kind, id, reference, member);
             place += memberKind(member.m_kind).columns;
         }
     }
@@ -147,25 +151,27 @@ void DocumentChecker::checkLists() {
                   "SELECT entity, member, chunk, items FROM lists ORDER BY entity, member, chunk");
     while (row.step()) {
         long long const id = row.integer(0);
-        std::string const where = "a list of entity " + std::to_string(id);
+        auto const wrong = [&](char const * why) {
+            found(localized("a list of entity %1%: %2%", id, localized(why)));
+        };
         if (row.type(0) != SQLITE_INTEGER || row.type(1) != SQLITE_INTEGER ||
             row.type(2) != SQLITE_INTEGER || row.integer(2) <= -Limits::c_chunkNumber ||
             row.integer(2) >= Limits::c_chunkNumber) {
-            found(where + ": its key isn't one");
+            wrong(localizable("its key isn't one"));
             continue;
         }
         auto const i = m_typeOf.find(static_cast<unsigned long long>(id));
         if (i == m_typeOf.end()) {
-            found(where + ": there is no such entity");
+            wrong(localizable("there is no such entity"));
             continue;
         }
         auto const & members = i->second->members;
         long long const member = row.integer(1);
         if (member < 0 || member >= static_cast<long long>(members.size()) ||
             members[static_cast<std::size_t>(member)].m_kind != EMemberKind::Vector)
-            found(where + ": there is no such member");
+            wrong(localizable("there is no such member"));
         else if (row.type(3) != SQLITE_TEXT)
-            found(where + ": its items aren't a text");
+            wrong(localizable("its items aren't a text"));
         else
             checkChunk(*i->second, i->first, static_cast<std::size_t>(member), row.bytes(3));
     }
@@ -174,15 +180,14 @@ void DocumentChecker::checkLists() {
 void DocumentChecker::checkChunk(FileType const & type, unsigned long long entity,
                                  std::size_t member, std::string_view items) {
     FileMember const & list = type.members[member];
-    std::string const where = "entity " + std::to_string(entity) + ", member " + list.path();
     JsonReader json(items);
     unsigned long long reference = 0;
     auto const isGoodValue = [&](EMemberKind kind) {
         if (char const * const wrong = m_values.element(json, kind, nullptr, reference)) {
-            found(where + ": " + wrong);
+            found(entity, list, localized(wrong));
             return false;
         }
-        checkReference(kind, entity, reference, where);
+        checkReference(kind, entity, reference, list);
         return true;
     };
     bool isGood = json.skip('[');
@@ -206,7 +211,7 @@ void DocumentChecker::checkChunk(FileType const & type, unsigned long long entit
         isGood = isGood && json.skip('}');
     } while (isGood && json.skip(','));
     if (!isGood || !json.skip(']') || !json.atEnd())
-        found(where + ": its items aren't a list of that kind");
+        found(entity, list, localized("its items aren't a list of that kind"));
 }
 
 void DocumentChecker::checkRoots() {
@@ -217,17 +222,19 @@ void DocumentChecker::checkRoots() {
         int const keyType = row.type(1);
         std::string key(row.bytes(1));
         bool const isKey = keyType == SQLITE_BLOB || (keyType == SQLITE_TEXT && isText(key));
-        std::string const where = "the root " + (keyType == SQLITE_TEXT && isKey ? key : "");
-        if (!isKey) found(where + ": its key isn't a text");
+        auto const wrong = [&](char const * why) {
+            found(localized("the root %1%: %2%", keyType == SQLITE_TEXT && isKey ? key : "",
+                            localized(why)));
+        };
+        if (!isKey) wrong(localizable("its key isn't a text"));
         if (row.type(0) != SQLITE_INTEGER || row.type(3) != SQLITE_INTEGER)
-            found(where + ": it has no place");
+            wrong(localizable("it has no place"));
         auto const i = m_segmentOf.find(static_cast<unsigned long long>(row.integer(2)));
         if (row.type(2) != SQLITE_INTEGER || i == m_segmentOf.end())
-            found(where + ": there is no such entity");
+            wrong(localizable("there is no such entity"));
         else if (i->second != row.integer(0))
-            found(where + ": its entity is in another segment");
-        if (!keys.emplace(row.integer(0), std::move(key)).second)
-            found(where + ": there are two of them");
+            wrong(localizable("its entity is in another segment"));
+        if (!keys.emplace(row.integer(0), key).second) wrong(localizable("there are two of them"));
     }
 }
 

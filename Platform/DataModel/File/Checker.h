@@ -37,8 +37,9 @@ private:
                     std::string_view items);
     void checkRoots();
     void checkReference(EMemberKind kind, unsigned long long from, unsigned long long id,
-                        std::string const & where);
+                        FileMember const & member);
     void found(std::string finding);
+    void found(unsigned long long entity, FileMember const & member, std::string const & why);
 
     Database m_database;
     FileSchema m_schema;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/MemberLayoutInternal.h"
@@ -61,7 +62,7 @@ idOnCircle(std::vector<std::pair<unsigned long long, unsigned long long>> const 
 }
 
 std::string circleText(unsigned long long id) {
-    return "entity " + std::to_string(id) + " owns itself in a circle";
+    return localized("entity %1% owns itself in a circle", id);
 }
 
 namespace {
@@ -90,7 +91,7 @@ Entity const * ParentWalk::onCircle(Entity & entity) {
 }
 
 std::string parentCircleText(unsigned long long id) {
-    return "the parents of entity " + std::to_string(id) + " lead in a circle";
+    return localized("the parents of entity %1% lead in a circle", id);
 }
 
 } // namespace Vn::DataModel

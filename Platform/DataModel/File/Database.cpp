@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/File/Database.h"
 #include "Platform/DataModel/Limits.h"
@@ -129,9 +130,9 @@ bool Database::readHeader(Header & header) const {
 
 void Database::refuseUnseen(std::error_code const & error) const {
     if (error == std::errc::filename_too_long)
-        fail(StatusInvalidArgument, "the name is longer than names may be");
+        fail(StatusInvalidArgument, localized("the name is longer than names may be"));
     if (error == std::errc::permission_denied)
-        fail(StatusAccessDenied, "its directory can't be looked into");
+        fail(StatusAccessDenied, localized("its directory can't be looked into"));
 }
 
 void Database::run(std::string const & sql) const {
@@ -151,21 +152,23 @@ std::error_code Database::systemError() const noexcept {
 void Database::fail(int result) const {
     std::error_code const error = systemError();
     if (m_pFiles && !m_pFiles->strangeFile().empty())
-        damaged("the journal beside it isn't one of a document: it names the file " +
-                m_pFiles->strangeFile() +
-                "; put the journal elsewhere to open the document as it is");
+        damaged(
+            localized("the journal beside it isn't one of a document: it names the file %1%; put "
+                      "the journal elsewhere to open the document as it is",
+                      m_pFiles->strangeFile()));
     if ((m_pFiles && m_pFiles->hasMoved()) || result == SQLITE_READONLY_DBMOVED)
-        fail(StatusBusy, "another program has moved the file, or put another in its place");
+        fail(StatusBusy,
+             localized("another program has moved the file, or put another in its place"));
     if (result == SQLITE_READONLY_ROLLBACK)
         fail(StatusAccessDenied,
-             "a save of it was cut short, and to be repaired it must be writable");
+             localized("a save of it was cut short, and to be repaired it must be writable"));
     if (result == SQLITE_READONLY_DIRECTORY)
-        fail(StatusAccessDenied, "no file can be made in its directory");
+        fail(StatusAccessDenied, localized("no file can be made in its directory"));
     EStatus code = codeOf(result, error);
-    if (code == StatusBusy) fail(code, "another program is using the file");
-    std::string cause = sqlite3_errstr(result & 0xFF);
-    if (m_pDatabase && sqlite3_extended_errcode(m_pDatabase) == result)
-        cause = sqlite3_errmsg(m_pDatabase);
+    if (code == StatusBusy) fail(code, localized("another program is using the file"));
+    bool const isLast = m_pDatabase && sqlite3_extended_errcode(m_pDatabase) == result;
+    std::string cause = localizedIn(
+        "SQLite", "%1%", isLast ? sqlite3_errmsg(m_pDatabase) : sqlite3_errstr(result & 0xFF));
     if (code == StatusIO) {
         if (error == std::errc::no_space_on_device || error == std::errc::file_too_large)
             code = StatusNoSpace;
@@ -173,9 +176,9 @@ void Database::fail(int result) const {
     bool const fromSystem =
         code == StatusIO || code == StatusNoSpace || (result & 0xFF) == SQLITE_CANTOPEN;
     if (error == std::errc::file_too_large)
-        cause = "it would be larger than files may be";
+        cause = localized("it would be larger than files may be");
     else if (fromSystem && error)
-        cause += ": " + OS::errorText(error);
+        cause = localized("%1%: %2%", cause, OS::errorText(error));
     fail(code, cause);
 }
 

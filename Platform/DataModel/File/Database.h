@@ -13,6 +13,7 @@
 
 #include <sqlite3.h>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/Base/Status.h"
 #include "Platform/DataModel/File/FileSystem.h"
@@ -75,7 +76,7 @@ public:
     // runs.  For what only reads.
     void endsWhenInterrupted() noexcept { m_bEnds = true; }
     void endIfInterrupted() const {
-        if (m_bEnds && OS::wasInterrupted()) fail(StatusCancelled, "it was interrupted");
+        if (m_bEnds && OS::wasInterrupted()) fail(StatusCancelled, localized("it was interrupted"));
     }
 
     // Throws what the engine says about a result that isn't good.

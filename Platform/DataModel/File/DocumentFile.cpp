@@ -1,4 +1,5 @@
 #include "Platform/DataModel/DocumentFile.h"
+#include "Platform/Base/LocalizedText.h"
 
 #include <exception>
 #include <mutex>
@@ -45,14 +46,15 @@ Status guarded(char const * operation, std::filesystem::path const & file, Work 
     } catch (DataModel::FileFailure const & failure) {
         if (failure.status.code() == StatusIO && limit.wasReached())
             return Status(StatusNoSpace, operation, DataModel::pathText(file),
-                          "it would be larger than files may be");
+                          localized("it would be larger than files may be"));
         return failure.status;
     } catch (std::bad_alloc const &) {
         return Status(StatusOutOfMemory, operation);
     } catch (std::exception const & exception) {
         return Status::failed(operation, DataModel::pathText(file), exception.what());
     } catch (...) {
-        return Status::failed(operation, DataModel::pathText(file), "a hook of an entity threw");
+        return Status::failed(operation, DataModel::pathText(file),
+                              localized("a hook of an entity threw"));
     }
 }
 
@@ -83,19 +85,20 @@ private:
 Status refuseWithinChanges(Asset & asset, std::filesystem::path const & file) {
     ChangeHistory const & history = asset.history();
     if (!history.isUsable())
-        return Status::failed(c_save, DataModel::pathText(file),
-                              "memory ran out while a change was taken back or made again");
+        return Status::failed(
+            c_save, DataModel::pathText(file),
+            localized("memory ran out while a change was taken back or made again"));
     if (!history.isInTransaction() && !history.isReplaying()) return Status::success();
     return Status::failed(c_save, DataModel::pathText(file),
-                          history.isReplaying() ? "an undo or a redo is running"
-                                                : "a transaction is open");
+                          history.isReplaying() ? localized("an undo or a redo is running")
+                                                : localized("a transaction is open"));
 }
 
 } // namespace
 
 Status DocumentFile::save(Asset & asset) {
     if (asset.m_file.empty())
-        return Status::invalidArgument(c_save, {}, "the document has no file yet");
+        return Status::invalidArgument(c_save, {}, localized("the document has no file yet"));
     if (Status refused = refuseWithinChanges(asset, asset.m_file); !refused) return refused;
     std::filesystem::path const file = asset.m_file;
     return guarded(c_save, file, [&] {
@@ -114,7 +117,7 @@ Status DocumentFile::saveAs(Asset & asset, std::filesystem::path const & file) {
 Status DocumentFile::saveAsKeeping(Asset & asset, std::filesystem::path const & file,
                                    std::vector<std::filesystem::path> & kept) {
     kept.clear();
-    if (file.empty()) return Status::invalidArgument(c_save, {}, "the name is empty");
+    if (file.empty()) return Status::invalidArgument(c_save, {}, localized("the name is empty"));
     if (Status refused = refuseWithinChanges(asset, file); !refused) return refused;
     return guarded(c_save, file, [&] {
         SpecialSerializers const serializers(asset);
@@ -125,7 +128,7 @@ Status DocumentFile::saveAsKeeping(Asset & asset, std::filesystem::path const & 
 Status DocumentFile::load(std::filesystem::path const & file, AssetType const * type,
                           StrongRef<Asset> & asset) {
     asset.reset();
-    if (file.empty()) return Status::invalidArgument(c_open, {}, "the name is empty");
+    if (file.empty()) return Status::invalidArgument(c_open, {}, localized("the name is empty"));
     return guarded(c_open, file, [&] {
         Reader reader(file, type, c_open, FileSystemName::get());
         asset = reader.read();
@@ -142,7 +145,7 @@ Status DocumentFile::check(std::filesystem::path const & file, std::vector<std::
                            std::vector<std::string> & unknownTypes) {
     findings.clear();
     unknownTypes.clear();
-    if (file.empty()) return Status::invalidArgument(c_check, {}, "the name is empty");
+    if (file.empty()) return Status::invalidArgument(c_check, {}, localized("the name is empty"));
     return guarded(c_check, file, [&] {
         DataModel::DocumentChecker checker(file, c_check, FileSystemName::get(), findings,
                                            unknownTypes);

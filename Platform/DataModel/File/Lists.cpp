@@ -4,6 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/File/Lists.h"
 #include "Platform/DataModel/Limits.h"
 
@@ -196,7 +197,7 @@ void ListWriter::replace(unsigned long long entity, int member,
         stored.push_back({m_select.integer(0), std::string(m_select.bytes(1))});
         if (stored.back().number <= -Limits::c_chunkNumber ||
             stored.back().number >= Limits::c_chunkNumber)
-            m_database.damaged("the number of a chunk is out of range");
+            m_database.damaged(localized("the number of a chunk is out of range"));
     }
     m_select.reset();
 

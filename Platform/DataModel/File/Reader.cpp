@@ -5,6 +5,7 @@
 #include <set>
 #include <system_error>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/Base/UniqueString.h"
 #include "Platform/DataModel/EntityTableInternal.h"
@@ -139,11 +140,12 @@ StrongRef<Asset> DocumentFile::Reader::read() {
     std::error_code error;
     auto const status = std::filesystem::status(m_database.file(), error);
     m_database.refuseUnseen(error);
-    if (!std::filesystem::exists(status)) m_database.fail(StatusNotFound, "there is no such file");
+    if (!std::filesystem::exists(status))
+        m_database.fail(StatusNotFound, localized("there is no such file"));
     if (std::filesystem::is_directory(status))
-        m_database.fail(StatusInvalidArgument, "it is a directory");
+        m_database.fail(StatusInvalidArgument, localized("it is a directory"));
     if (!std::filesystem::is_regular_file(status))
-        m_database.fail(StatusInvalidArgument, "it isn't a file");
+        m_database.fail(StatusInvalidArgument, localized("it isn't a file"));
 
     m_database.open(m_database.file());
     m_schema.checkHeader();
@@ -170,13 +172,14 @@ void DocumentFile::Reader::resolveTypes() {
     for (FileType & type : m_schema.types()) {
         MetaType * const present = MetaTypeMgr::get()->metaType(type.id);
         if (present && type.version > present->version())
-            m_database.fail(StatusNewerFormat, "the type " + type.name + " (" + type.id +
-                                                   ") has version " + std::to_string(type.version) +
-                                                   ", and " + std::to_string(present->version()) +
-                                                   " is the latest that is known");
+            m_database.fail(
+                StatusNewerFormat,
+                localized("the type %1% (%2%) has version %3%, and %4% is the latest that is "
+                          "known",
+                          type.name, type.id, type.version, present->version()));
         auto * const entityType = dynamic_cast<EntityMetaType *>(present);
         if (present && type.isEntity != (entityType != nullptr))
-            m_database.damaged("the type " + type.id + " isn't what the file says it is");
+            m_database.damaged(localized("the type %1% isn't what the file says it is", type.id));
         if (present && type.version < present->version()) {
             m_rAsset->m_upgraded.emplace_back(present, type.version);
             if (auto * const value = dynamic_cast<ValueMetaType *>(present))
@@ -239,8 +242,8 @@ DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
     std::vector<Home> all = homes(of, *plan);
     std::string const & table = of.file->table;
     auto const disagree = [&](FileMember const & member) {
-        m_database.damaged("the member " + member.path() + " of " + table +
-                           " isn't what the class has");
+        m_database.damaged(
+            localized("the member %1% of %2% isn't what the class has", member.path(), table));
     };
 
     std::vector<FileMember> const & members = of.file->members;
@@ -305,7 +308,8 @@ DocumentFile::Reader::makePlan(Class & of, std::vector<unsigned> versions) {
         member.m_class = classNameOf(*home.leaf);
         member.m_name = nameOf(*home.leaf);
         if (!isOlder(of, member))
-            m_database.damaged("the member " + home.leaf->path + " of " + table + " is missing");
+            m_database.damaged(
+                localized("the member %1% of %2% is missing", home.leaf->path, table));
     }
     return plan;
 }
@@ -336,8 +340,7 @@ void DocumentFile::Reader::readSegments() {
     while (row.step()) {
         long long const kind = row.integer(0);
         SegmentType * const type = DataModel::storedSegment(kind);
-        if (!type)
-            m_database.damaged("there is no segment of kind " + std::to_string(kind) + " to load");
+        if (!type) m_database.damaged(localized("there is no segment of kind %1% to load", kind));
         m_segments.push_back(Segment::create(m_rAsset.get(), type, false));
     }
 }
@@ -350,26 +353,27 @@ void DocumentFile::Reader::readEntities(Class & of) {
     Statement row(m_database, sql + " FROM " + DataModel::sqlName(file.table) + " ORDER BY id");
     while (row.step()) {
         if (!of.type)
-            m_database.fail(StatusUnsupported, "the type " + file.name + " (" + file.id +
-                                                   ") isn't known to this program");
+            m_database.fail(
+                StatusUnsupported,
+                localized("the type %1% (%2%) isn't known to this program", file.name, file.id));
         if (of.type->type() != EntityMetaType::TypeConcrete)
-            m_database.damaged("the type " + file.id + " has entities and is abstract");
+            m_database.damaged(localized("the type %1% has entities and is abstract", file.id));
         long long const id = row.integer(0);
-        auto const refuse = [&](char const * why) {
-            m_database.damaged("entity " + std::to_string(id) + " (" + file.table + "): " + why);
+        auto const refuse = [&](std::string const & why) {
+            m_database.damaged(localized("entity %1% (%2%): %3%", id, file.table, why));
         };
         if (id < 1 || static_cast<unsigned long long>(id) >= m_head.nextEntity)
-            refuse("its id is out of range");
+            refuse(localized("its id is out of range"));
         if (m_rAsset->m_pTable->find(static_cast<unsigned long long>(id)))
-            refuse("its id is that of another entity");
+            refuse(localized("its id is that of another entity"));
         long long const kind = row.type(1) == SQLITE_INTEGER ? row.integer(1) : 0;
         Segment * segment = nullptr;
         for (Segment * const present : m_segments)
             if (static_cast<long long>(present->segmentType()->type()) == kind) segment = present;
-        if (!segment) refuse("its segment isn't in the file");
+        if (!segment) refuse(localized("its segment isn't in the file"));
         StrongRef<Entity> entity =
             of.type->createEntity(segment, static_cast<unsigned long long>(id));
-        if (!entity) refuse("its class refuses to make it");
+        if (!entity) refuse(localized("its class refuses to make it"));
         m_loaded.push_back(std::move(entity));
         Entity & made = *m_loaded.back();
         made.m_state.set(DataModel::EntityState::Stored);
@@ -394,7 +398,7 @@ void DocumentFile::Reader::readColumns(Plan & plan, Statement & row, Entity & en
             column.isDropped ? nullptr : placeOf(entity, column.offset, column.helper);
         if (char const * const wrong =
                 m_values.column(row, column.place, member.m_kind, field, reference))
-            damaged(entity, member, wrong);
+            damaged(entity, member, localized(wrong));
         if (!field) continue;
         if (!reference) {
             // Nor is what it puts into a reference.
@@ -459,10 +463,9 @@ bool DocumentFile::Reader::resolve(EMemberKind kind, void * field, unsigned long
         // A target that was deleted after the reference was written is what a passive one allows
         // for.
         if (kind == EMemberKind::PassiveRef && id < m_head.nextEntity) return true;
-        damaged(from, member, "there is no entity " + std::to_string(id));
+        damaged(from, member, localized("there is no entity %1%", id));
     }
-    if (!isFit(target, *to))
-        damaged(from, member, "entity " + std::to_string(id) + " is of another class");
+    if (!isFit(target, *to)) damaged(from, member, localized("entity %1% is of another class", id));
     if (kind == EMemberKind::PassiveRef) {
         *static_cast<PassiveRef<Entity> *>(field) = PassiveRef<Entity>(to);
         return true;
@@ -474,8 +477,7 @@ bool DocumentFile::Reader::resolve(EMemberKind kind, void * field, unsigned long
 
 void DocumentFile::Reader::damaged(Entity const & entity, FileMember const & member,
                                    std::string_view why) const {
-    std::string cause = "entity " + std::to_string(entity.id()) + ", member " + member.path();
-    m_database.damaged((cause += ": ") += why);
+    m_database.damaged(localized("entity %1%, member %2%: %3%", entity.id(), member.path(), why));
 }
 
 // --- Lists -------------------------------------------------------------------------------------
@@ -486,22 +488,22 @@ void DocumentFile::Reader::readLists() {
                   "SELECT entity, member, chunk, items FROM lists ORDER BY entity, member, chunk");
     while (row.step()) {
         long long const id = row.integer(0);
-        auto const refuse = [&](char const * why) {
-            m_database.damaged("a list of entity " + std::to_string(id) + ": " + why);
+        auto const refuse = [&](std::string const & why) {
+            m_database.damaged(localized("a list of entity %1%: %2%", id, why));
         };
         for (int i = 0; i < 3; ++i)
-            if (row.type(i) != SQLITE_INTEGER) refuse("its key isn't one");
+            if (row.type(i) != SQLITE_INTEGER) refuse(localized("its key isn't one"));
         Entity * const entity = id > 0 ? loaded(static_cast<unsigned long long>(id)) : nullptr;
-        if (!entity) refuse("there is no such entity");
+        if (!entity) refuse(localized("there is no such entity"));
         Class & of = *m_classByType.at(entity->metaType());
         Plan & plan = planFor(of, *entity);
         long long const member = row.integer(1);
         if (member < 0 || member >= static_cast<long long>(plan.listOfMember.size()) ||
             plan.listOfMember[static_cast<std::size_t>(member)] < 0)
-            refuse("there is no such member");
+            refuse(localized("there is no such member"));
         if (row.integer(2) <= -Limits::c_chunkNumber || row.integer(2) >= Limits::c_chunkNumber)
-            refuse("the number of a chunk is out of range");
-        if (row.type(3) != SQLITE_TEXT) refuse("its items aren't a text");
+            refuse(localized("the number of a chunk is out of range"));
+        if (row.type(3) != SQLITE_TEXT) refuse(localized("its items aren't a text"));
         int const list = plan.listOfMember[static_cast<std::size_t>(member)];
         readChunk(plan.lists[static_cast<std::size_t>(list)], *entity, row.bytes(3));
     }
@@ -529,7 +531,7 @@ void DocumentFile::Reader::readChunk(List & list, Entity & entity, std::string_v
     auto const readOne = [&](EMemberKind kind, void * into, Target & target,
                              FileMember const & what) {
         if (char const * const wrong = m_values.element(json, kind, into, reference))
-            damaged(entity, what, wrong);
+            damaged(entity, what, localized(wrong));
         if (reference && into) resolve(kind, into, reference, target, entity, what, true);
     };
     bool isGood = json.skip('[');
@@ -555,7 +557,7 @@ void DocumentFile::Reader::readChunk(List & list, Entity & entity, std::string_v
         ++place;
     } while (isGood && json.skip(','));
     if (!isGood || !json.skip(']') || !json.atEnd())
-        damaged(entity, member, "its items aren't a list of that kind");
+        damaged(entity, member, localized("its items aren't a list of that kind"));
 }
 
 // --- The whole ---------------------------------------------------------------------------------
@@ -566,21 +568,22 @@ void DocumentFile::Reader::readRoots() {
     std::set<std::pair<long long, std::string>> keys;
     while (row.step()) {
         for (int const i : {0, 1, 3})
-            if (row.type(i) != SQLITE_INTEGER) m_database.damaged("a root has no place");
+            if (row.type(i) != SQLITE_INTEGER) m_database.damaged(localized("a root has no place"));
         int const keyType = row.type(2);
         std::string key(row.bytes(2));
         if (keyType != SQLITE_BLOB && (keyType != SQLITE_TEXT || !DataModel::isText(key)))
-            m_database.damaged("the key of a root isn't a text");
-        auto const refuse = [&](char const * why) {
-            m_database.damaged("the root " + (keyType == SQLITE_TEXT ? key : "") + ": " + why);
+            m_database.damaged(localized("the key of a root isn't a text"));
+        auto const refuse = [&](std::string const & why) {
+            m_database.damaged(
+                localized("the root %1%: %2%", keyType == SQLITE_TEXT ? key : "", why));
         };
         long long const id = row.integer(3);
         Entity * const entity =
             id > 0 ? m_rAsset->m_pTable->find(static_cast<unsigned long long>(id)) : nullptr;
-        if (!entity) refuse("there is no such entity");
+        if (!entity) refuse(localized("there is no such entity"));
         if (static_cast<long long>(entity->segment()->segmentType()->type()) != row.integer(0))
-            refuse("its entity is in another segment");
-        if (!keys.emplace(row.integer(0), key).second) refuse("there are two of them");
+            refuse(localized("its entity is in another segment"));
+        if (!keys.emplace(row.integer(0), key).second) refuse(localized("there are two of them"));
         Segment & segment = *entity->segment();
         segment.placeRoot(StrongRef<Entity>(entity), key, segment.rootPlace(key));
     }
@@ -632,7 +635,7 @@ void DocumentFile::Reader::migrateValue(ValueMetaType & type, char * value, Enti
     type.migratingVersion(value, older->second);
     if (type.postMigrate(value, older->second) != MigrationDone)
         m_database.fail(StatusFailed,
-                        "a value of entity " + std::to_string(entity.id()) + " can't be migrated");
+                        localized("a value of entity %1% can't be migrated", entity.id()));
 }
 
 // What nothing in the file owns is kept, so that opening a document loses nothing.  All else is

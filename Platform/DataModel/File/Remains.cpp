@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/File/Checker.h"
 #include "Platform/DataModel/File/Schema.h"
@@ -74,10 +75,11 @@ fs::path FileName::keep(fs::path const & file) {
         Status const renamed = OS::renameToFreeName(file, name);
         if (renamed) return name;
         if (renamed.code() != StatusAlreadyExists)
-            fail(renamed.code(),
-                 pathText(file) + " is there and can't be renamed: " + renamed.cause());
+            fail(renamed.code(), localized("%1% is there and can't be renamed: %2%", pathText(file),
+                                           renamed.cause()));
     }
-    fail(StatusAlreadyExists, pathText(file) + " is there, and too many were kept before");
+    fail(StatusAlreadyExists,
+         localized("%1% is there, and too many were kept before", pathText(file)));
 }
 
 // --- The file to write -------------------------------------------------------------------------
@@ -93,10 +95,11 @@ Database & FileName::makeSaving() {
         std::error_code error;
         if (made.code() == StatusAccessDenied ||
             (made.code() == StatusNotFound && fs::is_directory(m_saving.parent_path(), error)))
-            fail(StatusAccessDenied, "no file can be made in its directory");
+            fail(StatusAccessDenied, localized("no file can be made in its directory"));
         if (!made && !fs::exists(m_saving, error) && error == std::errc::filename_too_long)
-            fail(StatusInvalidArgument, "the name is too long for \".saving\" to stand after it "
-                                        "until the document is saved");
+            fail(StatusInvalidArgument,
+                 localized("the name is too long for \".saving\" to stand after it until the "
+                           "document is saved"));
         if (!made) fail(made.code(), made.cause());
         m_bMade = true;
         try {
@@ -112,7 +115,7 @@ Database & FileName::makeSaving() {
         m_bMade = false;
         m_database.close();
     }
-    fail(StatusBusy, "another program is saving it");
+    fail(StatusBusy, localized("another program is saving it"));
 }
 
 void FileName::keepOldSaving() {
@@ -123,13 +126,13 @@ void FileName::keepOldSaving() {
         return;
     }
     if (type != fs::file_type::regular)
-        fail(StatusAlreadyExists, pathText(m_saving) + " is there and isn't a file");
+        fail(StatusAlreadyExists, localized("%1% is there and isn't a file", pathText(m_saving)));
     fs::path name;
     OS::FileHold hold;
     if (Status const held = hold.take(m_saving); !held) {
         if (held.code() == StatusNotFound) return;
         fail(held.code(),
-             held.code() == StatusBusy ? "another program is saving it" : held.cause());
+             held.code() == StatusBusy ? localized("another program is saving it") : held.cause());
     }
     {
         Database stale(m_operation, m_saving, m_fileSystem);
@@ -139,7 +142,7 @@ void FileName::keepOldSaving() {
             if (failure.status.code() == StatusNotFound) return;
             throw;
         }
-        if (!stale.take()) fail(StatusBusy, "another program is saving it");
+        if (!stale.take()) fail(StatusBusy, localized("another program is saving it"));
         if (stale.hasMoved()) return;
         // Nobody writes it, and nobody will.
         if constexpr (OS::c_renamesOpenFiles) name = keep(m_saving);
@@ -177,8 +180,9 @@ void FileName::takeOld() {
     bool const isLogged = isDatabase && (header[18] == 2 || header[19] == 2);
     std::error_code error;
     if (isLogged && fs::file_size(beside("-wal"), error) > 0 && !error)
-        fail(StatusBusy, "it is a database of another program, and its last changes are in " +
-                             pathText(beside("-wal")));
+        fail(StatusBusy,
+             localized("it is a database of another program, and its last changes are in %1%",
+                       pathText(beside("-wal"))));
     bool isTaken = false;
     if (isDatabase && !isLogged) {
         try {
@@ -189,9 +193,10 @@ void FileName::takeOld() {
             if (failure.status.code() != StatusCorrupt) throw;
         }
     }
-    if (!isTaken && !m_old.take()) fail(StatusBusy, "another program is using the file");
+    if (!isTaken && !m_old.take()) fail(StatusBusy, localized("another program is using the file"));
     if (m_old.hasMoved())
-        fail(StatusBusy, "another program has moved the file, or put another in its place");
+        fail(StatusBusy,
+             localized("another program has moved the file, or put another in its place"));
 }
 
 void FileName::keepRemains() {
@@ -201,12 +206,13 @@ void FileName::keepRemains() {
         fs::file_type const type = typeOf(name);
         if (type == fs::file_type::not_found) continue;
         if (type != fs::file_type::regular && type != fs::file_type::symlink)
-            fail(StatusAlreadyExists, pathText(name) + " is there and isn't a file");
+            fail(StatusAlreadyExists, localized("%1% is there and isn't a file", pathText(name)));
         std::error_code error;
         // Without a beginning a journal says nothing.
         if (type == fs::file_type::regular && isZero(firstBytes<28>(name))) {
             if (!fs::remove(name, error) && error)
-                fail(StatusIO, pathText(name) + " can't be removed: " + OS::errorText(error));
+                fail(StatusIO,
+                     localized("%1% can't be removed: %2%", pathText(name), OS::errorText(error)));
             continue;
         }
         m_kept.push_back(keep(name));
@@ -221,13 +227,14 @@ void FileName::keepRemains() {
 
 void FileName::renameSaving() {
     if (m_database.isOpen() && m_database.hasMoved())
-        fail(StatusBusy, "another program has taken " + pathText(m_saving) + " away");
+        fail(StatusBusy, localized("another program has taken %1% away", pathText(m_saving)));
     if constexpr (!OS::c_renamesOpenFiles) {
         m_database.close();
         m_old.close();
     }
     Status const renamed = OS::renameFile(m_saving, m_target);
-    if (renamed.code() == StatusBusy) fail(StatusBusy, "another program is using the file");
+    if (renamed.code() == StatusBusy)
+        fail(StatusBusy, localized("another program is using the file"));
     if (!renamed) fail(renamed.code(), renamed.cause());
     m_bMade = false;
     m_hold.release();

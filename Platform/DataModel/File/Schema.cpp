@@ -4,6 +4,7 @@
 #include <random>
 #include <set>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/DocumentFile.h"
 #include "Platform/DataModel/Entity.h"
 #include "Platform/DataModel/File/Schema.h"
@@ -56,15 +57,16 @@ std::string tableSql(std::string const & table, std::vector<std::string> const &
 }
 
 std::string_view text(Database const & database, Statement & row, int place, char const * what) {
-    if (row.type(place) != SQLITE_TEXT) database.damaged(std::string(what) + " isn't a text");
+    if (row.type(place) != SQLITE_TEXT)
+        database.damaged(localized("%1% isn't a text", localized(what)));
     std::string_view const bytes = row.bytes(place);
-    if (!isText(bytes)) database.damaged(std::string(what) + " isn't UTF-8");
+    if (!isText(bytes)) database.damaged(localized("%1% isn't UTF-8", localized(what)));
     return bytes;
 }
 
 long long integer(Database const & database, Statement & row, int place, char const * what) {
     if (row.type(place) != SQLITE_INTEGER)
-        database.damaged(std::string(what) + " isn't a whole number");
+        database.damaged(localized("%1% isn't a whole number", localized(what)));
     return row.integer(place);
 }
 
@@ -128,7 +130,8 @@ std::string randomName() {
 DescribedType describe(Database const & database, EntityMetaType & type) {
     DescribedType described;
     auto const refuse = [&](std::string const & why) {
-        database.fail(StatusUnsupported, "the class " + type.name() + " can't be stored: " + why);
+        database.fail(StatusUnsupported,
+                      localized("the class %1% can't be stored: %2%", type.name(), why));
     };
     auto const add = [&](Leaf const & leaf, int list) {
         FileMember member;
@@ -137,13 +140,14 @@ DescribedType describe(Database const & database, EntityMetaType & type) {
         member.m_kind = leaf.kind;
         if (leaf.kind == EMemberKind::Vector) member.m_element = leaf.elementKind;
         member.m_list = list;
-        if (!isName(member.m_class) || !isName(member.m_name)) refuse("a member has an unfit name");
+        if (!isName(member.m_class) || !isName(member.m_name))
+            refuse(localized("a member has an unfit name"));
         if (list >= 0 && leaf.kind == EMemberKind::Vector)
-            refuse(leaf.path + " is a vector within a vector");
+            refuse(localized("%1% is a vector within a vector", leaf.path));
         described.members.push_back(std::move(member));
         described.leaves.push_back(&leaf);
     };
-    if (type.type() != EntityMetaType::TypeConcrete) refuse("it is abstract");
+    if (type.type() != EntityMetaType::TypeConcrete) refuse(localized("it is abstract"));
     for (Leaf const & leaf : type.layout().leaves()) {
         if (!leaf.isPersisted || leaf.isInHelper) continue;
         int const place = static_cast<int>(described.members.size());
@@ -155,7 +159,7 @@ DescribedType describe(Database const & database, EntityMetaType & type) {
     std::set<std::pair<int, std::string>> paths;
     for (FileMember const & member : described.members)
         if (!paths.emplace(member.m_list, member.path()).second)
-            refuse("there are two members " + member.path());
+            refuse(localized("there are two members %1%", member.path()));
     nameColumns(described.members);
     return described;
 }
@@ -175,7 +179,7 @@ std::vector<std::string> columnsOf(std::vector<FileMember> const & members) {
 
 void FileSchema::checkHeader() const {
     Database::Header header;
-    if (!m_database.readHeader(header)) m_database.damaged("it is not a document");
+    if (!m_database.readHeader(header)) m_database.damaged(localized("it is not a document"));
     auto const number = [&](std::size_t place) {
         return static_cast<long long>(header[place]) << 24 | header[place + 1] << 16 |
                header[place + 2] << 8 | header[place + 3];
@@ -183,17 +187,17 @@ void FileSchema::checkHeader() const {
     constexpr std::string_view c_magic("SQLite format 3\0", 16);
     if (!std::equal(c_magic.begin(), c_magic.end(), header.begin()) ||
         number(68) != c_applicationId)
-        m_database.damaged("it is not a document");
+        m_database.damaged(localized("it is not a document"));
     long long const version = number(60);
     if (version > DocumentFile::c_schemaVersion)
-        m_database.fail(StatusNewerFormat, "it has version " + std::to_string(version) +
-                                               " of the format, and " +
-                                               std::to_string(DocumentFile::c_schemaVersion) +
-                                               " is the latest that is known");
-    if (version < 1) m_database.damaged("there is no version " + std::to_string(version));
+        m_database.fail(
+            StatusNewerFormat,
+            localized("it has version %1% of the format, and %2% is the latest that is known",
+                      version, DocumentFile::c_schemaVersion));
+    if (version < 1) m_database.damaged(localized("there is no version %1%", version));
     if (header[18] != 1 || header[19] != 1)
-        m_database.damaged("it was switched to another mode of journalling");
-    if (number(56) != 1) m_database.damaged("its texts are not in UTF-8");
+        m_database.damaged(localized("it was switched to another mode of journalling"));
+    if (number(56) != 1) m_database.damaged(localized("its texts are not in UTF-8"));
 }
 
 void FileSchema::create() {
@@ -212,26 +216,27 @@ void FileSchema::read() {
 
 FileHead FileSchema::readHead() {
     Statement row(m_database, "SELECT id, stamp, generation, next_entity FROM document");
-    if (!row.step()) m_database.damaged("the row of the document is missing");
+    if (!row.step()) m_database.damaged(localized("the row of the document is missing"));
     FileHead head;
-    head.id = text(m_database, row, 0, "the id of the document");
-    head.stamp = text(m_database, row, 1, "the stamp of the document");
-    head.generation = integer(m_database, row, 2, "the generation of the document");
-    long long const next = integer(m_database, row, 3, "the next id");
-    if (head.generation < 0) m_database.damaged("the generation of the document is negative");
+    head.id = text(m_database, row, 0, localizable("the id of the document"));
+    head.stamp = text(m_database, row, 1, localizable("the stamp of the document"));
+    head.generation = integer(m_database, row, 2, localizable("the generation of the document"));
+    long long const next = integer(m_database, row, 3, localizable("the next id"));
+    if (head.generation < 0)
+        m_database.damaged(localized("the generation of the document is negative"));
     if (next < 1 || static_cast<unsigned long long>(next) > Limits::c_entityId)
-        m_database.damaged("the next id is out of range");
+        m_database.damaged(localized("the next id is out of range"));
     head.nextEntity = static_cast<unsigned long long>(next);
-    if (row.step()) m_database.damaged("there are two rows of the document");
+    if (row.step()) m_database.damaged(localized("there are two rows of the document"));
     return head;
 }
 
 void FileSchema::writeHead(FileHead & head) {
     // What is refused here is what a load would refuse.
     if (head.generation < 0 || head.generation >= Limits::c_generations)
-        m_database.fail(StatusFailed, "its generation would be out of range");
+        m_database.fail(StatusFailed, localized("its generation would be out of range"));
     if (head.nextEntity < 1 || head.nextEntity > Limits::c_entityId)
-        m_database.fail(StatusFailed, "the id of an entity would be out of range");
+        m_database.fail(StatusFailed, localized("the id of an entity would be out of range"));
     if (head.id.empty()) head.id = randomName();
     head.stamp = randomName();
     ++head.generation;
@@ -275,13 +280,13 @@ FileType & FileSchema::add(EntityMetaType & type) {
 FileType & FileSchema::addType(MetaType const & type, bool isEntity) {
     if (FileType * const present = find(type.identifier())) return *present;
     if (!isName(type.identifier()) || !isName(type.name()))
-        m_database.fail(StatusUnsupported, "a meta type has an unfit name");
+        m_database.fail(StatusUnsupported, localized("a meta type has an unfit name"));
     FileType added;
     added.number = m_types.empty() ? 1 : m_types.back().number + 1;
     if (added.number > Limits::c_fileTypes)
-        m_database.fail(StatusFailed,
-                        "it has no number left for another type; save it under another "
-                        "name");
+        m_database.fail(
+            StatusFailed,
+            localized("it has no number left for another type; save it under another name"));
     added.id = type.identifier();
     added.name = type.name();
     added.isEntity = isEntity;
@@ -348,27 +353,28 @@ void FileSchema::readTypes() {
     std::set<std::string> tables;
     while (row.step()) {
         FileType type;
-        type.number = integer(m_database, row, 0, "the number of a type");
+        type.number = integer(m_database, row, 0, localizable("the number of a type"));
         if (type.number < 1 || type.number > Limits::c_fileTypes)
-            m_database.damaged("the number of a type is out of range");
-        type.id = text(m_database, row, 1, "the id of a type");
-        type.name = text(m_database, row, 2, "the name of a type");
-        std::string_view const what = text(m_database, row, 3, "what a type is");
+            m_database.damaged(localized("the number of a type is out of range"));
+        type.id = text(m_database, row, 1, localizable("the id of a type"));
+        type.name = text(m_database, row, 2, localizable("the name of a type"));
+        std::string_view const what = text(m_database, row, 3, localizable("what a type is"));
         if (what != "entity" && what != "value")
-            m_database.damaged("the type " + type.id + " is neither of entities nor of values");
+            m_database.damaged(
+                localized("the type %1% is neither of entities nor of values", type.id));
         type.isEntity = what == "entity";
-        long long const version = integer(m_database, row, 4, "the version of a type");
+        long long const version = integer(m_database, row, 4, localizable("the version of a type"));
         if (version < 0 || version >= c_latestVersion)
-            m_database.damaged("the version of the type " + type.id + " is out of range");
+            m_database.damaged(localized("the version of the type %1% is out of range", type.id));
         type.version = static_cast<unsigned>(version);
-        type.base = text(m_database, row, 5, "the base of a type");
+        type.base = text(m_database, row, 5, localizable("the base of a type"));
         if (row.type(6) != SQLITE_NULL)
-            type.table = text(m_database, row, 6, "the name of a table");
+            type.table = text(m_database, row, 6, localizable("the name of a table"));
         if (!isName(type.id) || !isName(type.name) || !ids.insert(type.id).second)
-            m_database.damaged("the id or the name of a type is unfit");
+            m_database.damaged(localized("the id or the name of a type is unfit"));
         if (row.type(6) != SQLITE_NULL &&
             (!isName(type.table) || !type.isEntity || !tables.insert(folded(type.table)).second))
-            m_database.damaged("the table of the type " + type.id + " is unfit");
+            m_database.damaged(localized("the table of the type %1% is unfit", type.id));
         m_types.push_back(std::move(type));
     }
 }
@@ -380,39 +386,43 @@ void FileSchema::readMembers() {
                   "SELECT type, position, class, name, kind, element, column_name, list "
                   "FROM members ORDER BY type, position");
     while (row.step()) {
-        auto const found = types.find(integer(m_database, row, 0, "the type of a member"));
+        auto const found =
+            types.find(integer(m_database, row, 0, localizable("the type of a member")));
         if (found == types.end() || found->second->table.empty())
-            m_database.damaged("a member belongs to no class with a table");
+            m_database.damaged(localized("a member belongs to no class with a table"));
         auto & members = found->second->members;
         std::string const & id = found->second->id;
-        if (integer(m_database, row, 1, "the position of a member") !=
+        if (integer(m_database, row, 1, localizable("the position of a member")) !=
             static_cast<long long>(members.size()))
-            m_database.damaged("a member of the type " + id + " is missing");
+            m_database.damaged(localized("a member of the type %1% is missing", id));
         FileMember member;
-        member.m_class = text(m_database, row, 2, "the class of a member");
-        member.m_name = text(m_database, row, 3, "the name of a member");
+        member.m_class = text(m_database, row, 2, localizable("the class of a member"));
+        member.m_name = text(m_database, row, 3, localizable("the name of a member"));
         if (!isName(member.m_class) || !isName(member.m_name))
-            m_database.damaged("the name of a member is unfit");
-        std::string const wrong = "the member " + member.path() + " of the type " + id;
-        if (!kindOf(text(m_database, row, 4, "the kind of a member"), member.m_kind) ||
+            m_database.damaged(localized("the name of a member is unfit"));
+        auto const refuse = [&](char const * english) {
+            m_database.damaged(localized(english, member.path(), id));
+        };
+        if (!kindOf(text(m_database, row, 4, localizable("the kind of a member")), member.m_kind) ||
             member.m_kind == EMemberKind::Value)
-            m_database.damaged(wrong + " is of no kind");
+            refuse(localizable("the member %1% of the type %2% is of no kind"));
         bool const isVector = member.m_kind == EMemberKind::Vector;
-        if (isVector &&
-            (!kindOf(text(m_database, row, 5, "the kind of elements"), member.m_element) ||
-             member.m_element == EMemberKind::Vector))
-            m_database.damaged(wrong + " has elements of no kind");
+        if (isVector && (!kindOf(text(m_database, row, 5, localizable("the kind of elements")),
+                                 member.m_element) ||
+                         member.m_element == EMemberKind::Vector))
+            refuse(localizable("the member %1% of the type %2% has elements of no kind"));
         if (row.type(7) != SQLITE_NULL) {
-            long long const list = integer(m_database, row, 7, "the list of a member");
+            long long const list = integer(m_database, row, 7, localizable("the list of a member"));
             if (isVector || list < 0 || list >= static_cast<long long>(members.size()) ||
                 members[static_cast<std::size_t>(list)].m_element != EMemberKind::Value ||
                 members[static_cast<std::size_t>(list)].m_kind != EMemberKind::Vector)
-                m_database.damaged(wrong + " belongs to no list");
+                refuse(localizable("the member %1% of the type %2% belongs to no list"));
             member.m_list = static_cast<int>(list);
         }
         if (member.isColumn()) {
-            member.m_column = text(m_database, row, 6, "the column of a member");
-            if (!isName(member.m_column)) m_database.damaged(wrong + " has an unfit column");
+            member.m_column = text(m_database, row, 6, localizable("the column of a member"));
+            if (!isName(member.m_column))
+                refuse(localizable("the member %1% of the type %2% has an unfit column"));
         }
         members.push_back(std::move(member));
     }
@@ -427,7 +437,7 @@ void FileSchema::checkTables() {
     for (FileType const & type : m_types)
         if (!type.table.empty() &&
             !expected.emplace(type.table, tableSql(type.table, columnsOf(type.members))).second)
-            m_database.damaged("the table of the type " + type.id + " is unfit");
+            m_database.damaged(localized("the table of the type %1% is unfit", type.id));
     bool const onlyFixed = expected.size() == fixed;
     std::size_t found = 0;
     Statement row(m_database, "SELECT type, name, tbl_name, sql FROM sqlite_schema");
@@ -439,12 +449,12 @@ void FileSchema::checkTables() {
         auto const i = expected.find(name);
         if (kind == "table" && i != expected.end()) {
             if (row.bytes(3) != i->second)
-                m_database.damaged("the table " + name + " isn't as it should be");
+                m_database.damaged(localized("the table %1% isn't as it should be", name));
             ++found;
         } else if (kind != "table" || !onlyFixed)
-            m_database.damaged("a document has no " + std::string(kind) + " " + name);
+            m_database.damaged(localized("a document has no %1% %2%", kind, name));
     }
-    if (found < expected.size()) m_database.damaged("a table is missing");
+    if (found < expected.size()) m_database.damaged(localized("a table is missing"));
 }
 
 } // namespace Vn::DataModel

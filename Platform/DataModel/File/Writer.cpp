@@ -6,6 +6,7 @@
 #include <system_error>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/OS.h"
 #include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/Entity.h"
@@ -33,7 +34,7 @@ using DataModel::Statement;
 
 namespace {
 
-constexpr char c_changed[] = "the file was changed by another program";
+constexpr char const * c_changed = localizable("the file was changed by another program");
 
 // Many rows that one statement inserts cost much less than as many statements.
 constexpr int c_rowsTogether = 32;
@@ -190,15 +191,16 @@ void DocumentFile::Writer::saveWhole(std::filesystem::path const & file,
     if (error) target = file;
     auto const status = std::filesystem::status(target, error);
     if (error == std::errc::filename_too_long)
-        refuse(StatusInvalidArgument, "the name is longer than names may be");
+        refuse(StatusInvalidArgument, localized("the name is longer than names may be"));
     bool const exists = std::filesystem::exists(status);
-    if (std::filesystem::is_directory(status)) refuse(StatusInvalidArgument, "it is a directory");
+    if (std::filesystem::is_directory(status))
+        refuse(StatusInvalidArgument, localized("it is a directory"));
     if (exists && !std::filesystem::is_regular_file(status))
-        refuse(StatusInvalidArgument, "it isn't a file");
+        refuse(StatusInvalidArgument, localized("it isn't a file"));
     using std::filesystem::perms;
     constexpr perms c_writable = perms::owner_write | perms::group_write | perms::others_write;
     if (exists && (status.permissions() & c_writable) == perms::none)
-        refuse(StatusAccessDenied, "the file is read-only");
+        refuse(StatusAccessDenied, localized("the file is read-only"));
 
     m_bWhole = true;
     prepare(file);
@@ -265,7 +267,7 @@ void DocumentFile::Writer::refuseChanged(Database & old, FileHead const & expect
     schema.checkHeader();
     FileHead const found = schema.readHead();
     if (found.id != expected.id || found.stamp != expected.stamp)
-        old.fail(StatusChanged, c_changed);
+        old.fail(StatusChanged, localized(c_changed));
 }
 
 // --- The changes -------------------------------------------------------------------------------
@@ -278,13 +280,15 @@ void DocumentFile::Writer::saveChanges() {
     };
     std::error_code error;
     auto const status = std::filesystem::status(file, error);
-    if (!std::filesystem::exists(status)) refuse(StatusNotFound, "the file is gone");
-    if (std::filesystem::is_directory(status)) refuse(StatusInvalidArgument, "it is a directory");
-    if (!std::filesystem::is_regular_file(status)) refuse(StatusInvalidArgument, "it isn't a file");
+    if (!std::filesystem::exists(status)) refuse(StatusNotFound, localized("the file is gone"));
+    if (std::filesystem::is_directory(status))
+        refuse(StatusInvalidArgument, localized("it is a directory"));
+    if (!std::filesystem::is_regular_file(status))
+        refuse(StatusInvalidArgument, localized("it isn't a file"));
     using std::filesystem::perms;
     constexpr perms c_writable = perms::owner_write | perms::group_write | perms::others_write;
     if ((status.permissions() & c_writable) == perms::none)
-        refuse(StatusAccessDenied, "the file is read-only");
+        refuse(StatusAccessDenied, localized("the file is read-only"));
 
     bool isWholeNeeded = false;
     FileHead head;
@@ -295,7 +299,7 @@ void DocumentFile::Writer::saveChanges() {
             database.open(file);
             schema.checkHeader();
             if (sqlite3_db_readonly(database.get(), "main") == 1)
-                refuse(StatusAccessDenied, "the file is read-only");
+                refuse(StatusAccessDenied, localized("the file is read-only"));
             database.run("PRAGMA synchronous=EXTRA");
             database.run("BEGIN IMMEDIATE");
             if (database.hasMoved()) database.fail(SQLITE_READONLY_DBMOVED);
@@ -303,12 +307,14 @@ void DocumentFile::Writer::saveChanges() {
             head = schema.readHead();
             bool const isDoubtful = !stamp.m_doubtful.empty() && head.stamp == stamp.m_doubtful;
             if (head.id != stamp.m_id)
-                refuse(StatusChanged, "another program has put another document in its place");
-            if (head.stamp != stamp.m_stamp && !isDoubtful) refuse(StatusChanged, c_changed);
+                refuse(StatusChanged,
+                       localized("another program has put another document in its place"));
+            if (head.stamp != stamp.m_stamp && !isDoubtful)
+                refuse(StatusChanged, localized(c_changed));
             if (head.generation >= Limits::c_generations)
                 refuse(StatusFailed,
-                       "it can't be saved more often under its own name; save it under "
-                       "another");
+                       localized("it can't be saved more often under its own name; save it under "
+                                 "another"));
             isWholeNeeded = isDoubtful || m_asset.m_bUnnoted || !isCurrent(database, schema);
             if (!isWholeNeeded) {
                 m_bWhole = false;
@@ -476,11 +482,12 @@ void DocumentFile::Writer::checkReferences(std::filesystem::path const & file) {
             if (fate == EFate::Gap)
                 gaps.push_back(target.id());
             else if (fate == EFate::Foreign)
-                throw FileFailure{
-                    Status(StatusFailed, m_operation, pathText(file),
-                           "entity " + std::to_string(entity.id()) + ", member " + leaf.path +
-                               ": it refers to an entity of " +
-                               (target.asset() ? "another document" : "a closed document"))};
+                throw FileFailure{Status(
+                    StatusFailed, m_operation, pathText(file),
+                    localized("entity %1%, member %2%: %3%", entity.id(), leaf.path,
+                              target.asset()
+                                  ? localized("it refers to an entity of another document")
+                                  : localized("it refers to an entity of a closed document")))};
             else if (!target.m_state.test(DataModel::EntityState::Stored))
                 m_asset.markDirty(target);
         });

@@ -1,4 +1,5 @@
 #include "Platform/DataModel/ChangeHistory.h"
+#include "Platform/Base/LocalizedText.h"
 
 #include <new>
 #include <utility>
@@ -40,17 +41,21 @@ ChangeHistory::~ChangeHistory() = default;
 Status ChangeHistory::move(bool undoing) {
     char const * const operation = undoing ? "undo" : "redo";
     if (!m_bUsable)
-        return Status::failed(operation, {}, "memory ran out in an undo or redo before");
-    if (m_bReplaying) return Status::invalidArgument(operation, {}, "an undo or redo is running");
-    if (isInTransaction()) return Status::invalidArgument(operation, {}, "a transaction is open");
+        return Status::failed(operation, {}, localized("memory ran out in an undo or redo before"));
+    if (m_bReplaying)
+        return Status::invalidArgument(operation, {}, localized("an undo or redo is running"));
+    if (isInTransaction())
+        return Status::invalidArgument(operation, {}, localized("a transaction is open"));
     if (m_pLifetimes->isKilling() || m_pLifetimes->isDropping())
-        return Status::invalidArgument(operation, {}, "an entity is being deleted");
-    if (m_telling) return Status::invalidArgument(operation, {}, "a transaction is ending");
+        return Status::invalidArgument(operation, {}, localized("an entity is being deleted"));
+    if (m_telling)
+        return Status::invalidArgument(operation, {}, localized("a transaction is ending"));
     Steps & from = undoing ? m_undo : m_redo;
     Steps & to = undoing ? m_redo : m_undo;
     if (from.empty())
         return Status::notFound(operation, {},
-                                undoing ? "there is nothing to undo" : "there is nothing to redo");
+                                undoing ? localized("there is nothing to undo")
+                                        : localized("there is nothing to redo"));
     // What may be refused comes first: room for the step in its new place, and for the inverse of a
     // mixed log, which is used again and again.
     try {

@@ -2,6 +2,7 @@
 
 #include <boost/format.hpp>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/TextCommand.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Expressions/Expression.h"
@@ -17,9 +18,9 @@ namespace {
 
 constexpr wchar_t c_subject[] = L"Expressions";
 constexpr wchar_t c_lineEnd[] = L"\r\n";
-constexpr wchar_t c_noExpression[] =
+constexpr wchar_t const * c_noExpression = localizable(
     L"You need to specify an expression as a parameter and may need to use quotes to get a single "
-    L"string";
+    L"string");
 
 TextCommandResult failure(std::wstring text) { return {1, std::move(text)}; }
 
@@ -35,20 +36,21 @@ bool readContext(std::wstring const & text, UnitContext & context) {
 class TextCommandSubjectAreaExpressions : public TextCommandSubjectArea {
 public:
     TextCommandSubjectAreaExpressions()
-        : TextCommandSubjectArea(c_subject, L"Commands that operate on expression", false) {}
+        : TextCommandSubjectArea(c_subject, localizable(L"Commands that operate on expression"),
+                                 false) {}
 };
 
 class TextCmdExpressionsParse : public TextCommand {
 public:
     TextCmdExpressionsParse()
         : TextCommand(c_subject, L"Parse",
-                      L"[/UnitOnly] [/ValueOnly] <Expression> [ExpectedUnit] [DisplayUnit] Parses "
-                      L"and evaluates the passed expression",
+                      localizable(L"[/UnitOnly] [/ValueOnly] <Expression> [ExpectedUnit] "
+                                  L"[DisplayUnit] Parses and evaluates the passed expression"),
                       "", false, true) {}
 
 private:
     TextCommandResult onRun(TextCommandParameters const & parameters) override {
-        if (parameters.parameters() == 0) return failure(c_noExpression);
+        if (parameters.parameters() == 0) return failure(localized(c_noExpression));
         std::wstring const & text = parameters.parameter(0);
         Units::EUnitDisplayMode mode = Units::ValueAndUnit;
         if (parameters.hasFlag(L"UnitOnly")) mode = Units::UnitOnly;
@@ -56,8 +58,9 @@ private:
 
         UnitContext context;
         if (parameters.parameters() > 1 && !readContext(parameters.parameter(1), context)) {
-            return failure(L"The second parameter doesn't parse as expected units - do you need to "
-                           L"use quotes?");
+            return failure(
+                localized(L"The second parameter doesn't parse as expected units - do you "
+                          L"need to use quotes?"));
         }
         Expression const expression(text, context);
         std::wstring answer =
@@ -81,9 +84,8 @@ private:
 
         UnitContext display = context;
         if (parameters.parameters() > 2 && !readContext(parameters.parameter(2), display)) {
-            return failure(
-                L"The third parameter doesn't parse as display units - do you need to use "
-                L"quotes?");
+            return failure(localized(L"The third parameter doesn't parse as display units - do you "
+                                     L"need to use quotes?"));
         }
         if (units) {
             UnitDisplaySettings const & settings = UnitDisplaySettings::get();
@@ -107,13 +109,13 @@ class TextCmdExpressionsTokenize : public TextCommand {
 public:
     TextCmdExpressionsTokenize()
         : TextCommand(c_subject, L"Tokenize",
-                      L"<Expression> Parses the passed expressions into tokens - the first step on "
-                      L"the parsing process",
+                      localizable(L"<Expression> Parses the passed expressions into tokens - the "
+                                  L"first step on the parsing process"),
                       "", false, true) {}
 
 private:
     TextCommandResult onRun(TextCommandParameters const & parameters) override {
-        if (parameters.parameters() == 0) return failure(c_noExpression);
+        if (parameters.parameters() == 0) return failure(localized(c_noExpression));
         std::wstring const & text = parameters.parameter(0);
         TokenList tokens;
         TokenizerRegistry::get()->tokenize(text, tokens);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Server/CommonData/Managed/CustomGroups.h"
 #include "Server/CommonData/Managed/ListPlaceInternal.h"
@@ -34,7 +35,7 @@ StrongRefCreator<CustomGroup> CustomGroup::make(StrongRef<Entity> const & parent
 
 void CustomGroup::initializeMemberSet(unsigned, MemberSet * set) {
     addMember(set, "creationIndex", m_creationIndex, IntrinsicMetaType<unsigned int>::get())
-        ->readOnly("the group got its number when it was made");
+        ->readOnly(localizable("the group got its number when it was made"));
     addMember(set, "rGroupParent", m_rGroupParent, PassiveRefMetaType::get());
     addVector(set, "groupChildren", m_groupChildren, PassiveRefMetaType::get());
 }

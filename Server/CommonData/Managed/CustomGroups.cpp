@@ -1,5 +1,6 @@
 #include "Server/CommonData/Managed/CustomGroups.h"
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Server/CommonData/Managed/CustomGroup.h"
 
@@ -38,10 +39,10 @@ void CustomGroups::initializeMemberSet(unsigned, MemberSet * set) {
 Status CustomGroups::setHighWaterMark(CustomGroups & groups, int const & mark) {
     char const * const operation = "set the number of the last group";
     if (mark < groups.m_highWaterMark && mark >= 0)
-        return Status::invalidArgument(operation, {},
-                                       "numbers are never given twice, so it only goes up");
+        return Status::invalidArgument(
+            operation, {}, localized("numbers are never given twice, so it only goes up"));
     if (mark < 0 || mark > c_highestMark)
-        return Status::invalidArgument(operation, {}, "it is 1,000,000,000 at most");
+        return Status::invalidArgument(operation, {}, localized("it is 1,000,000,000 at most"));
     if (mark == groups.m_highWaterMark) return Status();
     EntityChange const change(&groups, DataChange::TransactDirect, DataChange::ChangeStructural,
                               DataChange::TimingPreAndPost, nullptr, true);

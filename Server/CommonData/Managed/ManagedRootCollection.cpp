@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/DataModel/Segment.h"
@@ -28,7 +29,7 @@ ManagedRootCollection::~ManagedRootCollection() {
 void ManagedRootCollection::initializeMemberSet(unsigned, MemberSet * set) {
     addVector(set, "rooted", m_rooted, PassiveRefMetaType::get());
     addMember(set, "rootId", m_rootId, IntrinsicMetaType<std::string>::get())
-        ->readOnly("it is the key of the collection in the document");
+        ->readOnly(localizable("it is the key of the collection in the document"));
 }
 
 void ManagedRootCollection::follow() {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "Platform/Base/InterfaceId.h"
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/ChangeHistory.h"
@@ -39,24 +40,25 @@ char const * textOf(EMoveFault fault) {
     case EMoveFault::None:
         break;
     case EMoveFault::Dead:
-        return "it or what it is to go to isn't alive";
+        return localizable("it or what it is to go to isn't alive");
     case EMoveFault::OtherDocument:
-        return "what it is to go to is in another document";
+        return localizable("what it is to go to is in another document");
     case EMoveFault::Same:
-        return "an entity has no place beside or within itself";
+        return localizable("an entity has no place beside or within itself");
     case EMoveFault::Root:
-        return "it stands in no group";
+        return localizable("it stands in no group");
     case EMoveFault::NotAGroup:
-        return "what it is to go into isn't a group";
+        return localizable("what it is to go into isn't a group");
     case EMoveFault::NoSiblings:
-        return "what it is to stand beside is in no group";
+        return localizable("what it is to stand beside is in no group");
     case EMoveFault::Foreign:
-        return "its group isn't its parent, or doesn't list it";
+        return localizable("its group isn't its parent, or doesn't list it");
     case EMoveFault::TargetForeign:
-        return "the group of what it is to stand beside isn't the parent of that, or doesn't list "
-               "it";
+        return localizable(
+            "the group of what it is to stand beside isn't the parent of that, or doesn't list "
+            "it");
     case EMoveFault::Within:
-        return "what it is to go to stands within it";
+        return localizable("what it is to go to stands within it");
     }
     return "";
 }
@@ -91,14 +93,15 @@ Status PathEnd::status(ObjectPath const & path) const {
     case EPathFault::None:
         break;
     case EPathFault::NoRoot:
-        return Status::notFound(c_operation, subject, "there is no such root");
+        return Status::notFound(c_operation, subject, localized("there is no such root"));
     case EPathFault::NotAGroup:
-        return Status::notFound(c_operation, subject,
-                                "what stands on the way isn't a group and has no children");
+        return Status::notFound(
+            c_operation, subject,
+            localized("what stands on the way isn't a group and has no children"));
     case EPathFault::NoChild:
-        return Status::notFound(c_operation, subject, "there is no such child");
+        return Status::notFound(c_operation, subject, localized("there is no such child"));
     case EPathFault::EmptyPlace:
-        return Status::notFound(c_operation, subject, "what stood there wasn't saved");
+        return Status::notFound(c_operation, subject, localized("what stood there wasn't saved"));
     }
     return Status::success();
 }
@@ -148,7 +151,7 @@ Status moveEntity(TreePlace const & moved, EMove where, TreePlace const & target
         std::string const subject =
             moved.entity ? Text::toUtf8(ManagedEntityUtils::objectPath(*moved.entity).toString())
                          : std::string();
-        return Status::invalidArgument("move the entity", subject, textOf(fault));
+        return Status::invalidArgument("move the entity", subject, localized(textOf(fault)));
     }
     // Hooks may let go of any of them.
     StrongRef<ManagedGroupEntity> const from = moved.group;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/DataModel/EntityChange.h"
 #include "Platform/Scene/Camera.h"
 #include "Server/CommonData/NamedViews/CopyCameraInternal.h"
@@ -63,7 +64,8 @@ void NamedView::initializeMemberSet(unsigned, MemberSet * set) {
 
 Status NamedView::setName(NamedView & view, std::wstring const & name) {
     if (view.isFixed())
-        return Status::invalidArgument("rename the view", {}, "a built-in view keeps its name");
+        return Status::invalidArgument("rename the view", {},
+                                       localized("a built-in view keeps its name"));
     view.name(name);
     return Status();
 }

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <utility>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/Text.h"
 #include "Platform/DataModel/EntityChange.h"
@@ -33,7 +34,8 @@ UnitSystemChoice::~UnitSystemChoice() = default;
 void UnitSystemChoice::initializeMemberSet(unsigned, MemberSet * set) {
     Managed::addMember(set, "name", m_name);
     Managed::addMember(set, "unitString", m_unitString)
-        ->readOnly("it is the text of the unit, which is changed by the commands of unit systems");
+        ->readOnly(localizable(
+            "it is the text of the unit, which is changed by the commands of unit systems"));
 }
 
 bool UnitSystemChoice::onMatches(ESimpleUnitType) const { return false; }
@@ -163,7 +165,7 @@ UnitSystemChoiceByUnit::make(StrongRef<UnitSystem> const & system, std::wstring 
 
 void UnitSystemChoiceByUnit::initializeMemberSet(unsigned, MemberSet * set) {
     Managed::addMember(set, "eSimpleUnitType", m_eSimpleUnitType)
-        ->readOnly("it is the kind of the unit that the choice was made with");
+        ->readOnly(localizable("it is the kind of the unit that the choice was made with"));
 }
 
 // The kind is stored without a bracket: it belongs to the making of the choice.

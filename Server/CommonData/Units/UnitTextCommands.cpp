@@ -1,8 +1,11 @@
 // The text commands of the subject area "Units".
 
+#include <typeinfo>
+
 #include <boost/format.hpp>
 #include <boost/lexical_cast.hpp>
 
+#include "Platform/Base/LocalizedText.h"
 #include "Platform/Base/TextCommand.h"
 #include "Server/CommonData/AddIn/LoadOrder.h"
 #include "Server/CommonData/Expressions/ValueFormatter.h"
@@ -26,15 +29,16 @@ std::vector<SimpleUnit const *> allUnits() {
 class TextCommandSubjectAreaUnits : public TextCommandSubjectArea {
 public:
     TextCommandSubjectAreaUnits()
-        : TextCommandSubjectArea(c_subject, L"Commands that operate on the Unit subsystem", false) {
-    }
+        : TextCommandSubjectArea(
+              c_subject, localizable(L"Commands that operate on the Unit subsystem"), false) {}
 };
 
 class TextCmdUnitsList : public TextCommand {
 public:
     TextCmdUnitsList()
-        : TextCommand(c_subject, L"List", L"[/Verbose] Lists all the simple units in Vantor", "",
-                      false, true) {}
+        : TextCommand(c_subject, L"List",
+                      localizable(L"[/Verbose] Lists all the simple units in Vantor"), "", false,
+                      true) {}
 
 private:
     TextCommandResult onRun(TextCommandParameters const & parameters) override {
@@ -59,35 +63,48 @@ private:
     }
 };
 
+// What the cast throws, with a text that says what was expected.
+class NotAMagnitude : public boost::bad_lexical_cast, public TextCommandFailure {
+public:
+    explicit NotAMagnitude(std::wstring const & typed)
+        : boost::bad_lexical_cast(typeid(std::wstring), typeid(int)),
+          TextCommandFailure(localized(L"The magnitude is a power of ten, a whole number such as 3 "
+                                       L"or -6, which \"%1%\" isn't",
+                                       Text::clipped(Text::printable(typed)))) {}
+};
+
 class TextCmdUnitsMakeForMagnitude : public TextCommand {
 public:
     TextCmdUnitsMakeForMagnitude()
-        : TextCommand(c_subject, L"MakeForMagnitude",
-                      L"[MagnitudePower] Makes simple units for the specified magnitude", "", false,
-                      true) {}
+        : TextCommand(
+              c_subject, L"MakeForMagnitude",
+              localizable(L"[MagnitudePower] Makes simple units for the specified magnitude"), "",
+              false, true) {}
 
 private:
     TextCommandResult onRun(TextCommandParameters const & parameters) override {
-        if (parameters.parameters() == 0) return {1, L"Need to specify the magnitude to use"};
-        int const power = boost::lexical_cast<int>(parameters.parameter(0));
+        if (parameters.parameters() == 0)
+            return {1, localized(L"Need to specify the magnitude to use")};
+        int power = 0;
+        if (!boost::conversion::try_lexical_convert(parameters.parameter(0), power))
+            throw NotAMagnitude(parameters.parameter(0));
         double const magnitude = Expressions::valueFormatter::get()->integerPower(10.0, power);
         std::vector<SimpleUnit const *> const before = allUnits();
         for (SimpleUnit const * const unit : before)
             if (unit->supportsMagnitude())
                 SimpleUnitRegistry::get().findOrClone(unit->identifier(), magnitude);
-        return {0, (boost::wformat(L"There were %1% simple units and there now are %2%",
-                                   std::locale::classic()) %
-                    before.size() % allUnits().size())
-                       .str()};
+        return {0, localized(L"There were %1% simple units and there now are %2%", before.size(),
+                             allUnits().size())};
     }
 };
 
 class TextCmdUnitsShowComplexUnits : public TextCommand {
 public:
     TextCmdUnitsShowComplexUnits()
-        : TextCommand(c_subject, L"ShowComplexUnits",
-                      L"Makes and displays complex units for all the simple units in Vantor", "",
-                      false, true) {}
+        : TextCommand(
+              c_subject, L"ShowComplexUnits",
+              localizable(L"Makes and displays complex units for all the simple units in Vantor"),
+              "", false, true) {}
 
 private:
     TextCommandResult onRun(TextCommandParameters const &) override {
@@ -126,10 +143,11 @@ private:
 class TextCmdUnitsDisplayInternalUnit : public TextCommand {
 public:
     TextCmdUnitsDisplayInternalUnit()
-        : TextCommand(c_subject, L"DisplayInternalUnit",
-                      L"[/UnitOnly] [/ValueOnly] Displays the internal unit as a value for all the "
-                      L"units",
-                      "", false, true) {}
+        : TextCommand(
+              c_subject, L"DisplayInternalUnit",
+              localizable(L"[/UnitOnly] [/ValueOnly] Displays the internal unit as a value for "
+                          L"all the units"),
+              "", false, true) {}
 
 private:
     TextCommandResult onRun(TextCommandParameters const & parameters) override {

@@ -220,7 +220,9 @@ TEST(UnitTextCommandsTests, BadMagnitudeGoesUpAsAnException) {
         TextCommandResult const result =
             run(L"Units.MakeForMagnitude \"" + std::wstring(text) + L"\"");
         EXPECT_EQ(result.status, 1) << testing::PrintToString(text);
-        EXPECT_FALSE(result.text.empty());
+        EXPECT_EQ(result.text, L"The magnitude is a power of ten, a whole number such as 3 or -6, "
+                               L"which \"" +
+                                   std::wstring(text) + L"\" isn't");
     }
     EXPECT_EQ(allUnits().size(), before);
 }
