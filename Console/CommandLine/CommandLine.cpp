@@ -286,6 +286,10 @@ private:
         m_document->add_flag(
             "--verbose", m_verbose,
             messageUtf8(L"The tree with what the system itself says of each entity"));
+        m_outputOption = add(*m_document, EValueOption::Output, m_output, "FILE",
+                             messageUtf8(L"The file that the command writes"));
+        m_document->add_flag("--views", m_views,
+                             messageUtf8(L"The model with the named views as cameras"));
         m_document->footer([] { return documentHelp(); });
     }
 
@@ -344,6 +348,8 @@ private:
         options.words = texts(*m_calls);
         options.isNew = m_new;
         options.verbose = m_verbose;
+        options.views = m_views;
+        if (m_outputOption->count() > 0) options.output = wide(m_output);
         options.json = m_json;
         return options;
     }
@@ -365,6 +371,7 @@ private:
     CLI::Option * m_words = nullptr;
     CLI::Option * m_calls = nullptr;
     CLI::Option * m_edges = nullptr;
+    CLI::Option * m_outputOption = nullptr;
     CLI::Option * m_overrides = nullptr;
     CLI::Option * m_materialOption = nullptr;
     CLI::Option * m_optionsWords = nullptr;
@@ -376,6 +383,7 @@ private:
     std::vector<std::string> m_converted; // what the options want to write to, and nobody reads
     std::string m_language;
     std::string m_optionsDirectory;
+    std::string m_output;
     std::string m_unit;
     std::string m_display;
     std::string m_precision;
@@ -393,6 +401,7 @@ private:
     bool m_noTokens = false;
     bool m_new = false;
     bool m_verbose = false;
+    bool m_views = false;
 };
 
 bool areUtf8(std::vector<std::string> const & arguments, std::ostream & err) {

@@ -79,7 +79,7 @@ Words optionsWords(Words const & positionals) {
 // The values of an option by its long name.
 Words valuesOf(std::string const & option) {
     if (option == "language") return {"de", "en", "fr", "ja"};
-    if (option == "options" || option == "document") return {c_files};
+    if (option == "options" || option == "document" || option == "output") return {c_files};
     if (option == "unit" || option == "display") return unitNames();
     if (option == "kind") return kinds();
     if (option == "set") return settingNames("=");

@@ -44,6 +44,7 @@ struct DocumentCommand {
     wchar_t const * flag = nullptr;      // one that it knows; null if it knows none
     wchar_t const * otherFlag = nullptr; // another
     bool needsDocument = true;
+    bool writesFile = false; // the last parameter is a file, which a call may name by --output
     EDocumentCall call = EDocumentCall::Changes;
     wchar_t const * callUsage = L"";   // what stands after the alias in a call of the console
     wchar_t const * callMeaning = L""; // what it does there

@@ -19,6 +19,7 @@ constexpr ValueOptionName c_names[] = {
     {EValueOption::Language, "--language", nullptr},
     {EValueOption::Material, "--material", nullptr},
     {EValueOption::Options, "--options", nullptr},
+    {EValueOption::Output, "--output", "-o"},
     {EValueOption::Override, "--override", nullptr},
     {EValueOption::Precision, "--precision", nullptr},
     {EValueOption::Set, "--set", nullptr},

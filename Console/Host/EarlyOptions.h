@@ -19,6 +19,7 @@ enum class EValueOption {
     Language,
     Material,
     Options,
+    Output,
     Override,
     Precision,
     Set,

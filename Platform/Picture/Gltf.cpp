@@ -34,9 +34,9 @@ TgMatrix3d rootOf(GltfOptions const & options) {
     TgMatrix3d root;
     unsigned row = 0;
     for (TgVector3d const & axis : {-frame.right, frame.back, frame.up}) {
-        root.entry(row, 0, axis.x * c_metresPerCm);
-        root.entry(row, 1, axis.y * c_metresPerCm);
-        root.entry(row, 2, axis.z * c_metresPerCm);
+        root.entry(row, 0, axis.x * c_metresPerCm + 0.0); // no -0
+        root.entry(row, 1, axis.y * c_metresPerCm + 0.0);
+        root.entry(row, 2, axis.z * c_metresPerCm + 0.0);
         ++row;
     }
     return root;
@@ -131,7 +131,7 @@ void appendNumber(std::string & bytes, std::uint64_t number) {
 constexpr std::uint64_t roundedUp(std::uint64_t length) { return (length + 3) / 4 * 4; }
 
 Status isTooLarge(std::uint64_t most) {
-    return Status(StatusUnsupported, "make the glTF file", {},
+    return Status(StatusUnsupported, "make the model", {},
                   "it would have more than " + std::to_string(most) + " bytes");
 }
 

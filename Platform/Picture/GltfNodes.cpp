@@ -145,6 +145,7 @@ std::uint32_t GltfNodes::addGroup(GroupNode const & group, std::uint32_t parent)
     if (!split) return node;
     m_nodes[node].split = static_cast<std::uint32_t>(m_splits.size());
     m_splits.push_back(*split);
+    if (split->inner == TgMatrix3d()) return node;
     std::uint32_t const within = add(node);
     m_nodes[within].split = m_nodes[node].split;
     return within;
@@ -201,9 +202,9 @@ void GltfNodes::addCamera(std::uint32_t camera, ViewFrame const & frame) {
     TgMatrix3d place = TgMatrix3d::translation(frame.eye.asVector());
     unsigned column = 0;
     for (TgVector3d const & axis : {frame.right, frame.up, frame.back}) {
-        place.entry(0, column, axis.x * c_scale);
-        place.entry(1, column, axis.y * c_scale);
-        place.entry(2, column, axis.z * c_scale);
+        place.entry(0, column, axis.x * c_scale + 0.0); // no -0
+        place.entry(1, column, axis.y * c_scale + 0.0);
+        place.entry(2, column, axis.z * c_scale + 0.0);
         ++column;
     }
     m_cameras.push_back({add(0), camera, place});

@@ -83,6 +83,8 @@ TEST(TextCommandTests, WithoutACommandAllAreListed) {
         "  Document.Tree     [Path] [/Verbose] [/Json] Lists the entities, or those at a path and "
         "below "
         "it\n"
+        "  Document.Export   <File> [/Views] Writes what the document shows as a glTF model, to a "
+        "file .gltf or .glb; with /Views its named views too\n"
         "  Document.Undo     Takes the last change back\n"
         "  Document.Redo     Makes the change again that was taken back last\n"
         "  Document.History  Lists the changes, with a mark where the document stands\n"

@@ -246,7 +246,7 @@ TEST_F(DocumentSessionTests, TheExamplesOfHelpFollowOneAnother) {
         lines += line.substr(2, line.find("  ", 2) - 2) + '\n';
         ++count;
     }
-    EXPECT_EQ(count, 37u);
+    EXPECT_EQ(count, 38u);
     Outcome const outcome = session(lines);
     EXPECT_EQ(outcome.status, 0) << lines;
     EXPECT_EQ(outcome.err, "");
