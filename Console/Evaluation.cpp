@@ -67,8 +67,9 @@ void tell(std::string const & text, std::ostream & out, std::ostream & err) {
 // Whether there is nothing to evaluate, which is told.
 bool tellFailure(Request const & request, std::ostream & out, std::ostream & err) {
     if (!request.refusal && request.expression) return false;
-    tell(request.refusal ? refusalLines(*request.refusal) : failureLines(request.expression), out,
-         err);
+    tell(request.refusal ? refusalLines(*request.refusal)
+                         : failureLines(request.expression, explainFailure(request)),
+         out, err);
     return true;
 }
 
@@ -189,7 +190,7 @@ bool readUnitContext(std::wstring const & text, std::string const & what, UnitCo
         return true;
     }
     err << what << ": " << messageUtf8(L"%1% isn't a unit", inQuotes(text)) << '\n';
-    err << Text::toUtf8(unitQuestion(text)) << std::flush;
+    err << Text::toUtf8(hintLine(Expressions::explainUnit(text))) << std::flush;
     return false;
 }
 

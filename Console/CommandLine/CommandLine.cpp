@@ -286,11 +286,29 @@ private:
         m_document->add_flag(
             "--verbose", m_verbose,
             messageUtf8(L"The tree with what the system itself says of each entity"));
-        m_outputOption = add(*m_document, EValueOption::Output, m_output, "FILE",
-                             messageUtf8(L"The file that the command writes"));
-        m_document->add_flag("--views", m_views,
-                             messageUtf8(L"The model with the named views as cameras"));
+        addCallOption(EValueOption::Output, "FILE",
+                      messageUtf8(L"The file that picture or export writes"));
+        addCallOption(EValueOption::View, "VIEW",
+                      messageUtf8(L"The named view that picture draws, instead of HOME"));
+        addCallOption(EValueOption::From, "X,Y,Z",
+                      messageUtf8(L"The direction from which picture draws, instead of a view"));
+        addCallOption(EValueOption::Size, "WxH",
+                      messageUtf8(L"The size of the picture in pixels, instead of 1024x768"));
+        addCallFlag("--no-background",
+                    messageUtf8(L"The picture without the background of the document"));
+        addCallFlag("--views", messageUtf8(L"The model with the named views as cameras"));
         m_document->footer([] { return documentHelp(); });
+    }
+
+    // Options that belong to some of the commands on a document.
+    void addCallOption(EValueOption option, char const * typeName,
+                       std::string const & description) {
+        CLI::Option * const added = add(*m_document, option, m_converted, typeName, description);
+        added->expected(1)->take_last()->allow_extra_args(false);
+        m_callOptions.push_back(added);
+    }
+    void addCallFlag(char const * name, std::string const & description) {
+        m_callOptions.push_back(m_document->add_flag(name, description));
     }
 
     void addOptions() {
@@ -346,15 +364,18 @@ private:
         DocumentOptions options;
         options.file = wide(m_file);
         options.words = texts(*m_calls);
+        for (CLI::Option const * const option : m_callOptions)
+            if (option->count() > 0)
+                options.callOptions.emplace_back(
+                    Text::fromUtf8("--" + option->get_lnames().front()), texts(*option).back());
         options.isNew = m_new;
         options.verbose = m_verbose;
-        options.views = m_views;
-        if (m_outputOption->count() > 0) options.output = wide(m_output);
         options.json = m_json;
         return options;
     }
 
     CLI::App m_app;
+    std::vector<CLI::Option const *> m_callOptions;
     CLI::App * m_eval = nullptr;
     CLI::App * m_units = nullptr;
     CLI::App * m_command = nullptr;
@@ -371,7 +392,6 @@ private:
     CLI::Option * m_words = nullptr;
     CLI::Option * m_calls = nullptr;
     CLI::Option * m_edges = nullptr;
-    CLI::Option * m_outputOption = nullptr;
     CLI::Option * m_overrides = nullptr;
     CLI::Option * m_materialOption = nullptr;
     CLI::Option * m_optionsWords = nullptr;
@@ -383,7 +403,6 @@ private:
     std::vector<std::string> m_converted; // what the options want to write to, and nobody reads
     std::string m_language;
     std::string m_optionsDirectory;
-    std::string m_output;
     std::string m_unit;
     std::string m_display;
     std::string m_precision;
@@ -401,7 +420,6 @@ private:
     bool m_noTokens = false;
     bool m_new = false;
     bool m_verbose = false;
-    bool m_views = false;
 };
 
 bool areUtf8(std::vector<std::string> const & arguments, std::ostream & err) {

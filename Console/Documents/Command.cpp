@@ -5,7 +5,6 @@
 #include <iterator>
 #include <ostream>
 #include <string>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -129,49 +128,9 @@ bool takesVerbose(DocumentCommand const & command) {
     return command.otherFlag && std::wstring_view(command.otherFlag) == L"Verbose";
 }
 
-bool takesViews(DocumentCommand const & command) {
-    return command.flag && std::wstring_view(command.flag) == L"Views";
-}
-
-bool writesFile(DocumentCommand const & command) { return command.writesFile; }
-
 int badUsage(std::wstring const & why, std::ostream & err) {
     told(why, err);
     return ExitBadUsage;
-}
-
-// An option of the call, if it is given, needs a command that it goes with.
-int checkOption(bool isGiven, wchar_t const * option, bool (*takes)(DocumentCommand const &),
-                std::vector<Call> const & calls, std::ostream & err) {
-    if (!isGiven || std::any_of(calls.begin(), calls.end(),
-                                [&](Call const & call) { return takes(*call.command); }))
-        return ExitGood;
-    return badUsage(message(L"%1% goes with the command %2%", option, oneOf(aliases(takes))), err);
-}
-
-// The file that --output names is a parameter of the command that writes one, if there is only one.
-int placeOutput(DocumentOptions const & options, std::vector<Call> & calls, std::ostream & err) {
-    if (int const status =
-            checkOption(options.output.has_value(), L"--output", &writesFile, calls, err);
-        status != ExitGood)
-        return status;
-    auto const isWriting = [](Call const & call) { return writesFile(*call.command); };
-    if (options.output && std::count_if(calls.begin(), calls.end(), isWriting) > 1)
-        return badUsage(message(L"several commands write a file; name each after its command"),
-                        err);
-    for (Call & call : calls) {
-        if (!isWriting(call)) continue;
-        if (options.output) call.parameters.push_back(*options.output);
-        if (call.parameters.size() != call.command->least || options.file.empty()) continue;
-        // Also of a document that isn't made yet.
-        std::wstring const & file = call.parameters.back();
-        if (file.find(L'\0') == file.npos && options.file.find(L'\0') == options.file.npos &&
-            isSameFile(pathOf(file), pathOf(options.file)))
-            return badUsage(message(call.command->refusal,
-                                    message(L"%1% is the document itself", inQuotes(file))),
-                            err);
-    }
-    return ExitGood;
 }
 
 int unknown(std::wstring const & word, std::ostream & err) {
@@ -187,6 +146,62 @@ int unknown(std::wstring const & word, std::ostream & err) {
     return badUsage(message(L"there is no command %1% on documents; did you mean %2%?",
                             inQuotes(word), *nearest.front()),
                     err);
+}
+
+DocumentCallOption const * findOption(DocumentCommand const & command, std::wstring const & name) {
+    for (DocumentCallOption const & option : command.callOptions)
+        if (name == option.option) return &option;
+    return nullptr;
+}
+
+// Gives the options of the call to the command that has them.
+int placeOptions(DocumentOptions const & options, std::vector<Call> & calls, std::ostream & err) {
+    for (auto const & [name, value] : options.callOptions) {
+        Call * found = nullptr;
+        DocumentCallOption const * option = nullptr;
+        for (Call & call : calls) {
+            DocumentCallOption const * const own = findOption(*call.command, name);
+            if (!own) continue;
+            if (found)
+                return badUsage(message(L"%1% is for one command, and there are several", name),
+                                err);
+            found = &call;
+            option = own;
+        }
+        if (!found) {
+            std::wstring names;
+            for (DocumentCommand const & command : documentCommands())
+                if (findOption(command, name))
+                    names += (names.empty() ? L"" : L", ") + Text::widen(command.alias);
+            return badUsage(message(L"%1% goes with the command %2%", name, oneOf(names)), err);
+        }
+        if (option->isFlag)
+            found->flags.emplace_back(option->word);
+        else if (!option->word)
+            found->parameters.insert(found->parameters.begin(), value);
+        else
+            found->parameters.insert(found->parameters.end(), {option->word, value});
+    }
+    return ExitGood;
+}
+
+// What a command writes doesn't take the name of a document that isn't made yet.  Commands
+// themselves know the file of one that is open.
+int checkOutputs(DocumentOptions const & options, std::vector<Call> const & calls,
+                 std::ostream & err) {
+    if (!calls.front().is(EDocumentCall::Begins)) return ExitGood;
+    for (Call const & call : calls) {
+        if (!findOption(*call.command, L"--output") || call.parameters.empty()) continue;
+        std::wstring const & file = call.parameters.front();
+        bool const arePaths = !file.empty() && !options.file.empty() &&
+                              file.find(L'\0') == file.npos &&
+                              options.file.find(L'\0') == options.file.npos;
+        if (arePaths && isSameFile(pathOf(file), pathOf(options.file)))
+            return badUsage(message(call.command->refusal,
+                                    message(L"%1% is the document itself", inQuotes(file))),
+                            err);
+    }
+    return ExitGood;
 }
 
 // Finds the commands, and looks whether they go together; nothing is done yet.
@@ -217,13 +232,21 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
         if (call.is(EDocumentCall::Alone) && !isAlone)
             return badUsage(message(L"%1% stands alone, and looks at the file", name), err);
     }
-    for (auto const & [isGiven, option, takes] :
-         {std::tuple(options.json, L"--json", &takesJson),
-          std::tuple(options.verbose, L"--verbose", &takesVerbose),
-          std::tuple(options.views, L"--views", &takesViews)})
-        if (int const status = checkOption(isGiven, option, takes, calls, err); status != ExitGood)
-            return status;
-    return placeOutput(options, calls, err);
+    bool const showsJson = std::any_of(calls.begin(), calls.end(),
+                                       [](Call const & call) { return takesJson(*call.command); });
+    if (options.json && !showsJson) {
+        return badUsage(
+            message(L"%1% goes with the command %2%", L"--json", oneOf(aliases(&takesJson))), err);
+    }
+    bool const isVerbose = std::any_of(
+        calls.begin(), calls.end(), [](Call const & call) { return takesVerbose(*call.command); });
+    if (options.verbose && !isVerbose) {
+        return badUsage(
+            message(L"%1% goes with the command %2%", L"--verbose", oneOf(aliases(&takesVerbose))),
+            err);
+    }
+    if (int const status = placeOptions(options, calls, err); status != ExitGood) return status;
+    return checkOutputs(options, calls, err);
 }
 
 // Whether there is something under the name, even if it leads nowhere.
@@ -270,7 +293,6 @@ int run(Call const & call, DocumentOptions const & options, std::ostream & out,
     std::vector<std::wstring> flags = call.flags;
     if (json && takesJson(row)) flags.emplace_back(row.flag);
     if (options.verbose && takesVerbose(row)) flags.emplace_back(row.otherFlag);
-    if (options.views && takesViews(row)) flags.emplace_back(row.flag);
     TextCommand * const command = TextCommandService::get().find(row.area, row.name);
     TextCommandResult const result = command->run(TextCommandParameters(call.parameters, flags));
     out.flush();

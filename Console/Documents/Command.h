@@ -4,8 +4,8 @@
 #define VN_CONSOLE_DOCUMENTS_COMMAND_H
 
 #include <iosfwd>
-#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Vn::Console {
@@ -17,11 +17,11 @@ struct DocumentOptions {
     // The commands with their parameters.  Each ends with a comma, by itself or after a word, or
     // with the word "then".
     std::vector<std::wstring> words;
-    bool isNew = false;                 // the file is made by this call
-    bool json = false;                  // the tree is written as JSON, and nothing else is
-    bool verbose = false;               // the tree has what the system itself says of each entity
-    bool views = false;                 // a model has the named views
-    std::optional<std::wstring> output; // the file of the command that writes one
+    bool isNew = false;   // the file is made by this call
+    bool json = false;    // the tree is written as JSON, and nothing else is
+    bool verbose = false; // the tree has what the system itself says of each entity
+    // Options that belong to some of the commands, by their long names, with their values.
+    std::vector<std::pair<std::wstring, std::wstring>> callOptions;
 };
 
 // The commands that a call may hold, a line for each.

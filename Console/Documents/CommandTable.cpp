@@ -21,6 +21,14 @@ constexpr wchar_t c_views[] = L"Views";
 // For commands that take any number of words.
 constexpr unsigned c_any = std::numeric_limits<unsigned>::max();
 
+constexpr DocumentCallOption c_pictureOptions[] = {{L"--output", nullptr},
+                                                   {L"--view", L"view"},
+                                                   {L"--from", L"from"},
+                                                   {L"--size", L"size"},
+                                                   {L"--no-background", L"NoBackground", true}};
+constexpr DocumentCallOption c_exportOptions[] = {{L"--output", nullptr},
+                                                  {L"--views", L"Views", true}};
+
 constexpr DocumentCommand c_commands[] = {
     {.area = c_document,
      .name = L"New",
@@ -444,6 +452,22 @@ constexpr DocumentCommand c_commands[] = {
                   {L"tree /Verbose", tr(L"what the system itself says of each")}},
      .write = &showTree},
     {.area = c_document,
+     .name = L"Picture",
+     .alias = "picture",
+     .usage = L"<File> [view <View> | from <Direction>] [size <Width>x<Height>] [/NoBackground]",
+     .meaning = tr(L"Draws the document to a PNG file, as a view shows it or from a direction"),
+     .refusal = tr(L"cannot draw the picture: %1%"),
+     .least = 1,
+     .most = c_any,
+     .flag = L"NoBackground",
+     .call = EDocumentCall::Looks,
+     .callUsage = L"[--view VIEW | --from X,Y,Z] [--size WxH] [--no-background] -o FILE",
+     .callMeaning = tr(L"a picture of it as a PNG file"),
+     .callOptions = c_pictureOptions,
+     .examples = {{L"picture a.png view TOP", tr(L"draws the document as a view shows it")},
+                  {L"picture b.png from (1, 1, 1) size 640x480", tr(L"draws it from a direction")}},
+     .run = &drawPicture},
+    {.area = c_document,
      .name = L"Export",
      .alias = "export",
      .usage = L"<File> [/Views]",
@@ -453,10 +477,10 @@ constexpr DocumentCommand c_commands[] = {
      .least = 1,
      .most = 1,
      .flag = L"Views",
-     .writesFile = true,
      .call = EDocumentCall::Looks,
-     .callUsage = L"-o MODEL [--views]",
+     .callUsage = L"[--views] -o FILE",
      .callMeaning = tr(L"what the document shows as a glTF model, .gltf or .glb"),
+     .callOptions = c_exportOptions,
      .examples = {{L"export a.glb", tr(L"what the document shows, for programs that show models")}},
      .run = &exportModel},
     {.area = c_document,

@@ -1,6 +1,5 @@
 // The command that writes what a document shows as a model.
 
-#include <cmath>
 #include <memory>
 #include <string>
 
@@ -74,21 +73,22 @@ private:
     }
 };
 
-// Those that have a camera, in the shape of what it shows.
+// Those that have a camera.  One that can't be fitted has no size, and is left out by the format.
 std::vector<Picture::GltfView> viewsOf(DocumentSession const & session,
                                        Vrx::Graphics::GroupNode const * top) {
     std::vector<Picture::GltfView> found;
-    StrongRef<NameView::NamedViews> const views = Console::viewsOf(session.design());
+    Segment const & design = session.design();
+    StrongRef<NameView::NamedViews> const views = Console::viewsOf(design);
     if (!views) return found;
     auto const bounds = Picture::ShownParts(top).bounds();
     for (unsigned i = 0; i < views->children(); ++i) {
         endIfInterrupted();
         StrongRef<NameView::NamedView> const view = views->namedView(i);
         if (!view || !view->camera()) continue;
-        double const aspect = view->camera()->extentsWidth() / view->camera()->extentsHeight();
-        bool const isShape = std::isfinite(aspect) && aspect > 0;
-        if (auto const shown = shownView(session.design(), *view, bounds, isShape ? aspect : 1))
-            found.push_back({view->name(), *shown});
+        Aim const aim = shownAim(design, *view);
+        Picture::View shown = shownView(design, aim);
+        static_cast<void>(fitIfNeeded(aim, bounds, 1, shown));
+        found.push_back({view->name(), shown});
     }
     return found;
 }

@@ -1,47 +1,49 @@
 #include "Console/Documents/ShownViews.h"
 
 #include "Console/Documents/Equipment.h"
-#include "Server/CommonData/AddIn/CommonDataAssetSettings.h"
 #include "Server/CommonData/NamedViews/NamedViews.h"
 
 namespace Vn::Console {
 
-using CommonData::CommonDataAssetSettings;
-using NameView::NamedViews;
+namespace {
 
-Picture::View viewOf(Segment const & design, Scene::Camera const & camera) {
-    StrongRef<CommonDataAssetSettings> const settings = settingsOf(design);
-    Picture::View view;
-    view.position = camera.position();
-    view.target = camera.target();
-    view.up = camera.up();
-    view.width = camera.extentsWidth();
-    view.height = camera.extentsHeight();
-    view.perspective = Picture::isPerspective(
-        settings ? settings->currHomeProjection() : unsigned{Picture::ProjectionPerspective},
-        settings && settings->perspWithOrthoFaces(), view.target - view.position);
-    return view;
-}
+using Settings = StrongRef<CommonData::CommonDataAssetSettings>;
 
-bool isFitted(Segment const & design, NameView::NamedView const & view) {
-    if (!view.isFixed()) return false;
-    std::wstring const & name = view.name();
-    if (name != NamedViews::c_home)
-        return name == NamedViews::c_top || name == NamedViews::c_front ||
-               name == NamedViews::c_right;
-    StrongRef<CommonDataAssetSettings> const settings = settingsOf(design);
+bool isHomeFitted(Segment const & design) {
+    Settings const settings = settingsOf(design);
     return !settings || settings->fitHome();
 }
 
-std::optional<Picture::View> shownView(Segment const & design, NameView::NamedView const & view,
-                                       std::optional<Vrx::Devices::BoundingBox> const & bounds,
-                                       double aspect) {
-    if (!view.camera()) return std::nullopt;
-    Picture::View shown = viewOf(design, *view.camera());
-    Picture::View fitted;
-    if (bounds && isFitted(design, view) && Picture::fit(shown, *bounds, aspect, fitted))
-        shown = fitted;
-    return shown;
+} // namespace
+
+Aim shownAim(Segment const & design, NameView::NamedView const & view) {
+    bool const isHome = view.name() == NameView::NamedViews::c_home;
+    return {valuesOf(*view.camera()), isHome ? isHomeFitted(design) : view.isFixed()};
+}
+
+Aim homeAim(Segment const & design) { return {homeOf(design), isHomeFitted(design)}; }
+
+Picture::View shownView(Segment const & design, Aim const & aim) {
+    Settings const settings = settingsOf(design);
+    CameraValues const & camera = aim.camera;
+    Picture::View view;
+    view.position = camera.position;
+    view.target = camera.target;
+    view.up = camera.up;
+    // The extents that built-in views are made with tell no angle.
+    view.width = aim.isFitted ? 0 : camera.width;
+    view.height = aim.isFitted ? 0 : camera.height;
+    unsigned const projection =
+        settings ? settings->currHomeProjection() : unsigned{Picture::ProjectionPerspective};
+    view.perspective = Picture::isPerspective(
+        projection, settings && settings->perspWithOrthoFaces(), camera.target - camera.position);
+    return view;
+}
+
+Status fitIfNeeded(Aim const & aim, std::optional<Vrx::Devices::BoundingBox> const & bounds,
+                   double aspect, Picture::View & view) {
+    if (!aim.isFitted) return Status::success();
+    return fit(view, bounds.value_or(Vrx::Devices::BoundingBox{}), aspect, view);
 }
 
 } // namespace Vn::Console

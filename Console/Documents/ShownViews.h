@@ -1,32 +1,41 @@
-// The named views of a document as pictures and models show them.
+// The views of a document as pictures and models show them.
 
 #ifndef VN_CONSOLE_DOCUMENTS_SHOWNVIEWS_H
 #define VN_CONSOLE_DOCUMENTS_SHOWNVIEWS_H
 
 #include <optional>
 
+#include "Console/Documents/Cameras.h"
+#include "Platform/Base/Status.h"
 #include "Platform/DataModel/Segment.h"
 #include "Platform/Graphics/BoundingBox.h"
 #include "Platform/Picture/View.h"
-#include "Platform/Scene/Camera.h"
 #include "Server/CommonData/NamedViews/NamedView.h"
 
 namespace Vn::Console {
 
-// What a camera shows, with the projection of the home camera in the settings of the document, or
-// that of settings which are new if it has none.
-Picture::View viewOf(Segment const & design, Scene::Camera const & camera);
+// A camera, and whether it tells no more than a direction.
+struct Aim {
+    CameraValues camera;
+    bool isFitted = true;
+};
 
-// Whether a view holds a direction alone, and is to show all there is: TOP, FRONT and RIGHT of the
-// system, and HOME if the settings say so.
-bool isFitted(Segment const & design, NameView::NamedView const & view);
+// That of a view, which has a camera.  The built-in ones stand where they were made, whatever the
+// document has become since, and are fitted; HOME unless the settings keep it as it is.  The user's
+// own views are kept as they are.
+Aim shownAim(Segment const & design, NameView::NamedView const & view);
+// That of the home camera in the settings.
+Aim homeAim(Segment const & design);
 
-// The two together: fitted, if it is to be, into a picture of a shape, the width by the height.
-// `bounds` are those of what is shown, if anything is; nothing for a view without a camera.  A view
-// that can't be fitted is as its camera has it.
-std::optional<Picture::View> shownView(Segment const & design, NameView::NamedView const & view,
-                                       std::optional<Vrx::Devices::BoundingBox> const & bounds,
-                                       double aspect);
+// What such a camera shows, with the projection that the settings have for the home camera.  One
+// that is to be fitted has no size yet.
+Picture::View shownView(Segment const & design, Aim const & aim);
+
+// Fits a view if it is to be, into the shape of a picture, the width by the height: around what is
+// shown, or the origin if that is nothing.  The status is that of Picture::fit.
+[[nodiscard]] Status fitIfNeeded(Aim const & aim,
+                                 std::optional<Vrx::Devices::BoundingBox> const & bounds,
+                                 double aspect, Picture::View & view);
 
 } // namespace Vn::Console
 

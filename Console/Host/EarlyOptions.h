@@ -14,6 +14,7 @@ enum class EValueOption {
     Density,
     Display,
     Document,
+    From,
     Id,
     Kind,
     Language,
@@ -23,8 +24,10 @@ enum class EValueOption {
     Override,
     Precision,
     Set,
+    Size,
     System,
-    Unit
+    Unit,
+    View
 };
 
 // How such an option is written.

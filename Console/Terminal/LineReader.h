@@ -22,6 +22,10 @@ public:
     virtual std::optional<std::string> read(std::wstring const & prompt) = 0;
 };
 
+// Takes the byte order mark of UTF-8 away from the first line of an input.  Returns an empty text,
+// or what is wrong with an input whose mark tells another encoding.
+std::wstring takeByteOrderMark(std::string & firstLine);
+
 // Lines from a file or a pipe.
 class StreamLineReader final : public LineReader {
 public:
@@ -30,8 +34,13 @@ public:
 
     std::optional<std::string> read(std::wstring const & prompt) override;
 
+    // Why there are no lines, if the stream is in an encoding that isn't read; else empty.
+    std::wstring const & refusal() const { return m_refusal; }
+
 private:
     std::istream & m_rIn;
+    std::wstring m_refusal;
+    bool m_bFirst = true; // nothing was read yet
 };
 
 // What can stand where a word has been begun.

@@ -289,13 +289,13 @@ TEST_F(ExportCallTests, WhatCantBeWrittenIsRefused) {
     for (auto const & [commands, status, error] :
          {Row{"export", 1, "cannot export: more is needed: Document.Export <File> [/Views]\n"},
           Row{"export -o a.png", 1, "cannot export: \"a.png\" doesn't end with .gltf or .glb\n"},
-          Row{"export -o a.vnd", 2, "vnconsole: cannot export: \"a.vnd\" is the document itself\n"},
+          Row{"export -o a.vnd", 1, "cannot export: \"a.vnd\" doesn't end with .gltf or .glb\n"},
           Row{"export a.glb -o b.glb", 1,
-              "cannot export: \"b.glb\" is too much: Document.Export <File> [/Views]\n"},
-          Row{"tree -o a.glb", 2, "vnconsole: --output goes with the command export\n"},
+              "cannot export: \"a.glb\" is too much: Document.Export <File> [/Views]\n"},
+          Row{"tree -o a.glb", 2, "vnconsole: --output goes with the command picture or export\n"},
           Row{"--views", 2, "vnconsole: --views goes with the command export\n"},
           Row{"export , export -o a.glb", 2,
-              "vnconsole: several commands write a file; name each after its command\n"}}) {
+              "vnconsole: --output is for one command, and there are several\n"}}) {
         Outcome const outcome = document(commands);
         EXPECT_EQ(outcome.status, status) << commands;
         EXPECT_EQ(outcome.out, "") << commands;

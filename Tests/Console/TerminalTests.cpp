@@ -73,6 +73,16 @@ TEST_F(InteractiveTests, TabCompletesTheOnlyWord) {
     EXPECT_TRUE(session.waitFor("4.00\r\n")) << session.screen();
 }
 
+TEST_F(InteractiveTests, TabKnowsTheLanguagesAndTheFlagsOfCommands) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("language d\t\r");
+    EXPECT_TRUE(session.waitFor("Sprache: de; es gibt en, de, fr, ja")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("tree /V\t");
+    EXPECT_TRUE(session.waitFor("erbose")) << session.screen();
+}
+
 TEST_F(InteractiveTests, TabAddsWhatAllWordsShare) {
     TerminalSession session({}, environment());
     ASSERT_TRUE(session.waitForPrompt());

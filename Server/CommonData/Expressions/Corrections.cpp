@@ -24,8 +24,9 @@ constexpr std::size_t c_mostUnknown = 2;
 class Search {
 public:
     Search(std::wstring const & text, Units::UnitContext const & context,
-           ParseResult const & result)
-        : m_text(text), m_context(context), m_result(result), m_pieces(takenApart(text)) {}
+           ParseResult const & result, CorrectionDemands const & demands)
+        : m_text(text), m_context(context), m_result(result), m_demands(demands),
+          m_pieces(takenApart(text)) {}
 
     Corrections run() {
         RevisionNotes notes;
@@ -76,11 +77,19 @@ private:
         Expression const expression(text, m_context);
         m_bOtherUnits = expression.result().result() == EResult::unitMismatch;
         std::optional<double> const value = expression.value();
-        if (!value) return false;
-        if (isDoubtful(m_text, text)) return false;
-        m_found.texts.push_back(text);
+        if (!value || isDoubtful(m_text, text)) return false;
         m_values.push_back(*value);
+        if (isWanted(expression)) m_found.texts.push_back(text);
         return true;
+    }
+
+    bool isWanted(Expression const & correction) const {
+        Units::ComplexUnit const * const shown = m_demands.display.expectedUnits();
+        std::optional<Units::ComplexUnit> const units = correction.units();
+        if (shown && !(units && shown->isDimensionallyEquivalent(&*units))) return false;
+        std::wstring_view const text = correction.text();
+        return !m_demands.isUnit ||
+               (text.starts_with(c_one) && Units::UnitContext::parse(text.substr(c_one.size())));
     }
 
     // What the word at fault means, if replacing it alone would do.
@@ -164,6 +173,7 @@ private:
     std::wstring const & m_text;
     Units::UnitContext const & m_context;
     ParseResult const & m_result;
+    CorrectionDemands const & m_demands;
     Pieces const m_pieces;
     Corrections m_found;
     std::vector<double> m_values; // of the texts that were found
@@ -173,7 +183,7 @@ private:
 } // namespace
 
 Corrections findCorrections(std::wstring const & text, Units::UnitContext const & context,
-                            ParseResult const & result) {
+                            ParseResult const & result, CorrectionDemands const & demands) {
     if (text.size() > c_longestText) {
         Corrections found;
         if (result.failure() == EParseFailure::unknownName) {
@@ -184,7 +194,10 @@ Corrections findCorrections(std::wstring const & text, Units::UnitContext const 
         }
         return found;
     }
-    return Search(text, context, result).run();
+    Corrections found = Search(text, context, result, demands).run();
+    if (demands.isUnit)
+        for (std::wstring & each : found.texts) each.erase(0, c_one.size());
+    return found;
 }
 
 } // namespace Vn::Expressions

@@ -4,6 +4,7 @@
 #define VN_SERVER_COMMONDATA_EXPRESSIONS_CORRECTIONSINTERNAL_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Server/CommonData/Expressions/ParseResult.h"
@@ -25,10 +26,21 @@ struct Corrections {
     std::wstring scaled;
 };
 
+// What a unit is read after: it is one of it.
+inline constexpr std::wstring_view c_one = L"1 ";
+
+// What is asked of a correction beside that it has a value.
+struct CorrectionDemands {
+    // It can be shown in what this expects.
+    Units::UnitContext const & display;
+    // It is c_one and a unit, of which the unit is given.
+    bool isUnit = false;
+};
+
 // Finds the corrections of `text`, which parsing in `context` refused with `result`.  A long text
 // has none.
 Corrections findCorrections(std::wstring const & text, Units::UnitContext const & context,
-                            ParseResult const & result);
+                            ParseResult const & result, CorrectionDemands const & demands);
 
 } // namespace Vn::Expressions
 

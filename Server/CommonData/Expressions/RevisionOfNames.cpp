@@ -101,9 +101,12 @@ private:
             return;
         }
         Respelling respelling;
-        if (isUnitWord(word) || !findRespelling(word, respelling) ||
-            respelling.kind != ERespelling::Constant)
-            return;
+        if (isUnitWord(word) || !findRespelling(word, respelling)) return;
+        bool const isBareFunction = respelling.kind == ERespelling::Function &&
+                                    i + 1 < m_pieces.size() &&
+                                    m_pieces[i + 1].kind == EPiece::Number;
+        if (isBareFunction) m_pieces[i].text = respelling.wanted.front();
+        if (respelling.kind != ERespelling::Constant) return;
         bool const isAfterNumber = i > 0 && m_pieces[i - 1].kind == EPiece::Number;
         if (isAfterNumber && word == L"e") return; // an exponent that isn't complete
         name(i, respelling.wanted.front());
