@@ -30,6 +30,7 @@ constexpr Operation c_operations[] = {
     {"make a document", tr(L"cannot make a document")},
     {"make the directory", tr(L"cannot make the directory")},
     {"make the file", tr(L"cannot make the file")},
+    {"make the model", tr(L"cannot make the model")},
     {"move the entity", tr(L"cannot move the entity")},
     {"open the directory", tr(L"cannot open the directory")},
     {"open the document", tr(L"cannot open the document")},

@@ -11,6 +11,7 @@ packages=(
   libpng-dev libosmesa6-dev libgl-dev            # pictures
   libcli11-dev nlohmann-json3-dev libedit-dev    # the console
   libgtest-dev libgmock-dev libbenchmark-dev     # tests and benchmarks
+  libtinygltf-dev assimp-utils                   # tests that read models back
   locales                                        # tests in other locales
   dpkg-dev file                                  # the Debian packages
   doxygen                                        # the reference of the public headers

@@ -291,7 +291,8 @@ private:
         m_document->add_flag(
             "--verbose", m_verbose,
             messageUtf8(L"The tree with what the system itself says of each entity"));
-        addCallOption(EValueOption::Output, "FILE", messageUtf8(L"The file that picture makes"));
+        addCallOption(EValueOption::Output, "FILE",
+                      messageUtf8(L"The file that picture or export writes"));
         addCallOption(EValueOption::View, "VIEW",
                       messageUtf8(L"The named view that picture draws, instead of HOME"));
         addCallOption(EValueOption::From, "X,Y,Z",
@@ -300,6 +301,7 @@ private:
                       messageUtf8(L"The size of the picture in pixels, instead of 1024x768"));
         addCallFlag("--no-background",
                     messageUtf8(L"The picture without the background of the document"));
+        addCallFlag("--views", messageUtf8(L"The model with the named views as cameras"));
         m_document->footer([] { return documentHelp(); });
     }
 
@@ -307,7 +309,7 @@ private:
     void addCallOption(EValueOption option, char const * typeName,
                        std::string const & description) {
         CLI::Option * const added = add(*m_document, option, m_converted, typeName, description);
-        added->expected(1)->take_last();
+        added->expected(1)->take_last()->allow_extra_args(false);
         m_callOptions.push_back(added);
     }
     void addCallFlag(char const * name, std::string const & description) {

@@ -11,6 +11,7 @@
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/CommandTable.h"
 #include "Console/Documents/Interruption.h"
+#include "Console/Documents/OutputFile.h"
 #include "Console/Documents/Session.h"
 #include "Console/Messages.h"
 #include "Console/Terminal/Table.h"
@@ -184,6 +185,25 @@ int placeOptions(DocumentOptions const & options, std::vector<Call> & calls, std
     return ExitGood;
 }
 
+// What a command writes doesn't take the name of a document that isn't made yet.  Commands
+// themselves know the file of one that is open.
+int checkOutputs(DocumentOptions const & options, std::vector<Call> const & calls,
+                 std::ostream & err) {
+    if (!calls.front().is(EDocumentCall::Begins)) return ExitGood;
+    for (Call const & call : calls) {
+        if (!findOption(*call.command, L"--output") || call.parameters.empty()) continue;
+        std::wstring const & file = call.parameters.front();
+        bool const arePaths = !file.empty() && !options.file.empty() &&
+                              file.find(L'\0') == file.npos &&
+                              options.file.find(L'\0') == options.file.npos;
+        if (arePaths && isSameFile(pathOf(file), pathOf(options.file)))
+            return badUsage(message(call.command->refusal,
+                                    message(L"%1% is the document itself", inQuotes(file))),
+                            err);
+    }
+    return ExitGood;
+}
+
 // Finds the commands, and looks whether they go together; nothing is done yet.
 int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ostream & err) {
     for (Call & call : calls) {
@@ -225,7 +245,8 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
             message(L"%1% goes with the command %2%", L"--verbose", oneOf(aliases(&takesVerbose))),
             err);
     }
-    return placeOptions(options, calls, err);
+    if (int const status = placeOptions(options, calls, err); status != ExitGood) return status;
+    return checkOutputs(options, calls, err);
 }
 
 // Whether there is something under the name, even if it leads nowhere.

@@ -26,6 +26,8 @@ constexpr DocumentCallOption c_pictureOptions[] = {{L"--output", nullptr},
                                                    {L"--from", L"from"},
                                                    {L"--size", L"size"},
                                                    {L"--no-background", L"NoBackground", true}};
+constexpr DocumentCallOption c_exportOptions[] = {{L"--output", nullptr},
+                                                  {L"--views", L"Views", true}};
 
 constexpr DocumentCommand c_commands[] = {
     {.area = c_document,
@@ -465,6 +467,22 @@ constexpr DocumentCommand c_commands[] = {
      .examples = {{L"picture a.png view TOP", tr(L"draws the document as a view shows it")},
                   {L"picture b.png from (1, 1, 1) size 640x480", tr(L"draws it from a direction")}},
      .run = &drawPicture},
+    {.area = c_document,
+     .name = L"Export",
+     .alias = "export",
+     .usage = L"<File> [/Views]",
+     .meaning = tr(L"Writes what the document shows as a glTF model, to a file .gltf or .glb; with "
+                   L"/Views its named views too"),
+     .refusal = tr(L"cannot export: %1%"),
+     .least = 1,
+     .most = 1,
+     .flag = L"Views",
+     .call = EDocumentCall::Looks,
+     .callUsage = L"[--views] -o FILE",
+     .callMeaning = tr(L"what the document shows as a glTF model, .gltf or .glb"),
+     .callOptions = c_exportOptions,
+     .examples = {{L"export a.glb", tr(L"what the document shows, for programs that show models")}},
+     .run = &exportModel},
     {.area = c_document,
      .name = L"Undo",
      .alias = "undo",

@@ -27,6 +27,9 @@ TextCommandResult showHistory(DocumentSession & session, TextCommandParameters c
 TextCommandResult checkDocument(DocumentSession & session,
                                 TextCommandParameters const & parameters);
 
+// What is made of the document for other programs.
+TextCommandResult exportModel(DocumentSession & session, TextCommandParameters const & parameters);
+
 // The members of an entity.
 TextCommandResult showMembers(DocumentSession const & session,
                               TextCommandParameters const & parameters, std::ostream & out);

@@ -12,6 +12,7 @@
 #include "Console/Documents/Operations.h"
 #include "Console/Documents/OutputFile.h"
 #include "Console/Documents/Session.h"
+#include "Console/Documents/ShownViews.h"
 #include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/InterfaceId.h"
@@ -100,27 +101,16 @@ std::wstring readWishes(Parameters const & parameters, Wishes & wishes) {
     return {};
 }
 
-// A camera, and whether it tells no more than a direction.
-struct Aim {
-    CameraValues camera;
-    bool isFitted = true;
-};
-
-// A view of the document.  The built-in ones stand where they were made, whatever the document has
-// become since, and are fitted; HOME unless the settings keep it as it is.  The user's own views
-// are kept as they are.
+// A view of the document, also HOME where that is missing.
 std::wstring aimOf(Segment const & design, std::wstring const & name, Aim & aim) {
-    StrongRef<CommonData::CommonDataAssetSettings> const settings = settingsOf(design);
-    bool const isHome = name == NamedViews::c_home;
     StrongRef<NamedViews> views;
     StrongRef<NamedView> view;
     std::wstring why = findViews(design, views);
     if (why.empty()) why = findView(*views, name, view);
     if (why.empty() && !view->camera())
         why = message(L"the view %1% has no camera", inQuotes(name));
-    if (!why.empty() && !isHome) return why;
-    aim.camera = why.empty() ? valuesOf(*view->camera()) : homeOf(design);
-    aim.isFitted = isHome ? !settings || settings->fitHome() : view->isFixed();
+    if (!why.empty() && name != NamedViews::c_home) return why;
+    aim = why.empty() ? shownAim(design, *view) : homeAim(design);
     return {};
 }
 
@@ -133,26 +123,6 @@ Aim aimFrom(Segment const & design, TgVector3d const & from) {
     aim.camera.position = TgPoint3d(from.x / most, from.y / most, from.z / most);
     aim.camera.up = settings ? settings->sceneUp() : TgVector3d(0, 0, 1);
     return aim;
-}
-
-Picture::View viewOf(Segment const & design, Aim const & aim) {
-    StrongRef<CommonData::CommonDataAssetSettings> const settings = settingsOf(design);
-    CameraValues const & camera = aim.camera;
-    Picture::View view;
-    view.position = camera.position;
-    view.target = camera.target;
-    view.up = camera.up;
-    // The extents that built-in views are made with tell no angle.
-    view.width = aim.isFitted ? 0 : camera.width;
-    view.height = aim.isFitted ? 0 : camera.height;
-    TgVector3d const direction(camera.target.x - camera.position.x,
-                               camera.target.y - camera.position.y,
-                               camera.target.z - camera.position.z);
-    unsigned const projection =
-        settings ? settings->currHomeProjection() : unsigned{Picture::ProjectionPerspective};
-    view.perspective =
-        Picture::isPerspective(projection, settings && settings->perspWithOrthoFaces(), direction);
-    return view;
 }
 
 } // namespace
@@ -178,15 +148,12 @@ Result drawPicture(DocumentSession & session, Parameters const & parameters) {
     if (!why.empty()) return cannot(refusal, why);
 
     Picture::ShownParts const parts(adapter->scene());
-    Picture::View view = viewOf(session.design(), aim);
+    Picture::View view = shownView(session.design(), aim);
     PictureOptions const & options = wishes.picture;
     if (Status const status = checkSize(options); !status) return refused(status);
-    if (aim.isFitted) {
-        Vrx::Devices::BoundingBox const origin{};
-        Status const status = fit(view, parts.bounds().value_or(origin),
-                                  static_cast<double>(options.width) / options.height, view);
-        if (!status) return refused(status);
-    }
+    double const aspect = static_cast<double>(options.width) / options.height;
+    if (Status const status = fitIfNeeded(aim, parts.bounds(), aspect, view); !status)
+        return refused(status);
     Picture::Picture picture;
     std::string bytes;
     Status status = draw(parts, view, options, picture);

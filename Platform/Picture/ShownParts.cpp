@@ -1,4 +1,4 @@
-#include "Platform/Picture/ShownParts.h"
+#include "Platform/Picture/ShownPartsInternal.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,20 +21,6 @@ namespace {
 constexpr float c_grey = 0.5F;
 
 float channel(float value) { return std::isnan(value) ? c_grey : std::clamp(value, 0.0F, 1.0F); }
-
-// What has no effect at all is grey.
-Color shownColor(std::optional<Vrx::Graphics::EffectParams> const & effect) {
-    if (!effect) return {c_grey, c_grey, c_grey, 1};
-    Color const & color = effect->color;
-    float const opacity = std::isnan(color.opacity) ? 1.0F : channel(color.opacity);
-    return {channel(color.red), channel(color.green), channel(color.blue), opacity};
-}
-
-SimpleMesh * finest(LODGeometryNode const & node) {
-    for (unsigned level = 0; level < LODGeometryNode::c_levels; ++level)
-        if (SimpleMesh * const mesh = node.mesh(level)) return mesh;
-    return nullptr;
-}
 
 bool isFinite(TgMatrix3d const & matrix) {
     for (unsigned row = 0; row < 4; ++row)
@@ -61,19 +47,40 @@ void grow(std::optional<BoundingBox> & bounds, BoundingBox const & box) {
 
 } // namespace
 
+Color shownColor(std::optional<Vrx::Graphics::EffectParams> const & effect) {
+    if (!effect) return {c_grey, c_grey, c_grey, 1};
+    Color const & color = effect->color;
+    float const opacity = std::isnan(color.opacity) ? 1.0F : channel(color.opacity);
+    return {channel(color.red), channel(color.green), channel(color.blue), opacity};
+}
+
+bool isShown(ARenderNode const & node) {
+    auto const * const group = node.asGroup();
+    return node.visible() && !(group && group->world() == Vrx::Scene::WorldScreen);
+}
+
+SimpleMesh * shownMesh(ARenderNode const & node) {
+    LODGeometryNode const * const geometry = node.asGeometry();
+    for (unsigned level = 0; geometry && level < LODGeometryNode::c_levels; ++level)
+        if (SimpleMesh * const mesh = geometry->mesh(level))
+            return mesh->vertexBuffer() && mesh->triangles() > 0 ? mesh : nullptr;
+    return nullptr;
+}
+
+bool isBackground(NodeWalk const & walk) {
+    return walk.depth() == 1 && walk.node()->asGeometry() && !Scene::INodeSource::of(walk.node());
+}
+
 ShownParts::ShownParts(Vrx::Graphics::GroupNode const * top) {
     // Of each mesh, however often it is shown; none if it can't be.
     std::unordered_map<SimpleMesh const *, std::optional<BoundingBox>> boxes;
     for (NodeWalk walk(top); walk;) {
         ARenderNode const & node = *walk.node();
-        auto const * const group = node.asGroup();
-        if (!node.visible() || (group && group->world() == Vrx::Scene::WorldScreen)) {
+        if (!isShown(node)) {
             walk.skip();
             continue;
         }
-        LODGeometryNode const * const geometry = node.asGeometry();
-        SimpleMesh * const mesh = geometry ? finest(*geometry) : nullptr;
-        if (mesh && mesh->vertexBuffer() && mesh->triangles() > 0) {
+        if (SimpleMesh * const mesh = shownMesh(node)) {
             auto const [known, isNew] = boxes.try_emplace(mesh);
             if (isNew && !hasOddPositions(*mesh)) known->second = mesh->bounds();
             std::optional<BoundingBox> const & own = known->second;
@@ -82,11 +89,11 @@ ShownParts::ShownParts(Vrx::Graphics::GroupNode const * top) {
             if (!box || !box->isValid()) {
                 ++m_leftOut;
             } else {
-                bool const isBackground = walk.depth() == 1 && !Scene::INodeSource::of(&node);
-                (isBackground ? m_background : m_model)
+                bool const isBehind = isBackground(walk);
+                (isBehind ? m_background : m_model)
                     .push_back(
                         {StrongRef<SimpleMesh>(mesh), walk.transform(), shownColor(walk.effect())});
-                grow(isBackground ? m_backgroundBounds : m_bounds, *box);
+                grow(isBehind ? m_backgroundBounds : m_bounds, *box);
             }
         }
         walk.next();

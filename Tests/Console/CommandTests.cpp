@@ -86,6 +86,8 @@ TEST(TextCommandTests, WithoutACommandAllAreListed) {
         "it\n"
         "  Document.Picture  <File> [view <View> | from <Direction>] [size <Width>x<Height>] "
         "[/NoBackground] Draws the document to a PNG file, as a view shows it or from a direction\n"
+        "  Document.Export   <File> [/Views] Writes what the document shows as a glTF model, to a "
+        "file .gltf or .glb; with /Views its named views too\n"
         "  Document.Undo     Takes the last change back\n"
         "  Document.Redo     Makes the change again that was taken back last\n"
         "  Document.History  Lists the changes, with a mark where the document stands\n"

@@ -250,7 +250,7 @@ TEST_F(DocumentSessionTests, TheExamplesOfHelpFollowOneAnother) {
 #endif
         lines += example + '\n';
     }
-    EXPECT_EQ(count, 39u);
+    EXPECT_EQ(count, 40u);
     Outcome const outcome = session(lines);
     EXPECT_EQ(outcome.status, 0) << lines;
     EXPECT_EQ(outcome.err, "");

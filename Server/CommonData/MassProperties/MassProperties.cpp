@@ -94,6 +94,19 @@ MassPropertiesValueMetaType * MassProperties::s_metaType() {
     return MassPropertiesValueMetaType::get();
 }
 
+MassProperties const * MassProperties::of(Entity const * entity) {
+    for (MemberSet const * set = entity ? entity->metaType()->memberSet(c_latestVersion) : nullptr;
+         set; set = set->base()) {
+        for (unsigned i = 0; i < set->members(); ++i) {
+            Member const & member = set->member(i);
+            if (member.type() == s_metaType() && !member.functions() && !member.inHelper())
+                return reinterpret_cast<MassProperties const *>(
+                    reinterpret_cast<char const *>(entity) + member.offset());
+        }
+    }
+    return nullptr;
+}
+
 void MassProperties::initializeMemberSetIfNeeded() {
     MassPropertiesValueMetaType * const type = s_metaType();
     MemberSet * const set = type->memberSet(c_latestVersion);

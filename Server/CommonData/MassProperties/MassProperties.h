@@ -52,6 +52,10 @@ public:
     void installOwner(Entity * owner) noexcept { m_pOwner = owner; }
     Entity * owningEntity() const noexcept { return m_pOwner; }
 
+    // The first record that an entity embeds as a member, for hosts that don't know its class; null
+    // if there is none, and for null.  It stays a part of the entity.
+    static MassProperties const * of(Entity const * entity);
+
     // The kind of the value, for member sets.
     static MassPropertiesValueMetaType * s_metaType();
 

@@ -103,6 +103,12 @@ TEST_F(MassPropertiesTests, FreshRecordOverridesNothing) {
     EXPECT_EQ(record.owningEntity(), nullptr);
 }
 
+TEST_F(MassPropertiesTests, TheRecordOfAnEntityIsFoundWithoutItsClass) {
+    EXPECT_EQ(MassProperties::of(m_box.get()), &m_box->m_record);
+    EXPECT_EQ(MassProperties::of(system().get()), nullptr);
+    EXPECT_EQ(MassProperties::of(nullptr), nullptr);
+}
+
 TEST_F(MassPropertiesTests, OverridesAreStoredAndCleared) {
     MassProperties record;
     record.overrideVolume(1);
