@@ -12,15 +12,14 @@
 
 namespace Vn::Console {
 
-namespace {
-
-// Of a command of the console in the language; of another as that has it.
 std::wstring descriptionOf(TextCommand const & command) {
     DocumentCommand const * const own =
         findDocumentCommand(command.subjectArea() + L'.' + command.name());
     if (!own) return command.description();
     return own->usage + std::wstring(*own->usage ? L" " : L"") + message(own->meaning);
 }
+
+namespace {
 
 int listCommands(std::ostream & out) {
     TextCommandService & service = TextCommandService::get();
