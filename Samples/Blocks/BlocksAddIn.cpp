@@ -1,8 +1,11 @@
 // The add-in as the application sees it.
 
+#include <memory>
+
 #include "Platform/AddInMgr/Export.h"
 #include "Platform/AddInMgr/IAddIn.h"
 #include "Platform/Base/InterfaceId.h"
+#include "Samples/Blocks/TextCommands.h"
 
 namespace Vn::Blocks {
 
@@ -18,6 +21,14 @@ public:
         if (id == getInterfaceId()) return const_cast<BlocksAddIn *>(this);
         return IAddIn::queryInterface(id);
     }
+
+private:
+    // The meta types are there as soon as the module is loaded; the commands come once the user's
+    // language is known.
+    void onLoaded() override { m_pCommands = std::make_unique<BlocksTextCommands>(); }
+    void onUnloading(AddIn const *) override { m_pCommands.reset(); }
+
+    std::unique_ptr<BlocksTextCommands> m_pCommands;
 };
 
 BlocksAddIn s_addIn;

@@ -31,16 +31,16 @@ void Measures::add(Measures const & other) {
 }
 
 void Measures::apply(MassProperties const & record) {
-    auto const take = [](std::optional<double> & quantity, bool isOverridden, double value) {
-        if (isOverridden) quantity = value;
-        return isOverridden;
-    };
     double value = 0;
-    take(volume, record.isVolumeOverridden(&value), value);
-    take(area, record.isAreaOverridden(&value), value);
-    bool const hasDensity = take(density, record.isDensityOverridden(&value), value);
-    bool const hasMass = take(mass, record.isMassOverridden(&value), value);
-    if (!hasMass && density) mass = volume ? std::optional(*density * *volume) : std::nullopt;
+    if (record.isVolumeOverridden(&value)) volume = value;
+    if (record.isAreaOverridden(&value)) area = value;
+    bool const hasDensity = record.isDensityOverridden(&value);
+    if (hasDensity) density = value;
+    bool const hasMass = record.isMassOverridden(&value);
+    if (hasMass)
+        mass = value;
+    else if (density)
+        mass = volume ? std::optional(*density * *volume) : std::nullopt;
     if (hasDensity || (density && !hasMass)) return;
     bool const isKnown = mass && volume && *volume > 0;
     density = isKnown ? std::optional(*mass / *volume) : std::nullopt;

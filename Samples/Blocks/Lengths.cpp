@@ -25,10 +25,14 @@ using Units::UnitContext;
 
 namespace {
 
-// Whether a text means a length in documents of any units: read in two of them, it is the same.
+// Whether a text means a length in documents of any units: read in two of them, it is the same but
+// for the rounding of their arithmetic.
 bool meansEverywhere(std::wstring const & text, double value) {
-    for (wchar_t const * const unit : {L"cm", L"in"})
-        if (Expression(text, UnitContext(unit)).value() != value) return false;
+    constexpr double c_rounding = 1e-12;
+    for (wchar_t const * const unit : {L"cm", L"in"}) {
+        std::optional<double> const read = Expression(text, UnitContext(unit)).value();
+        if (!read || std::abs(*read - value) > c_rounding * std::abs(value)) return false;
+    }
     return true;
 }
 

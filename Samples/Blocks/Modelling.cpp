@@ -133,9 +133,9 @@ Status setSize(Part & part, std::string const & name, std::wstring const & text,
     auto const found =
         std::find_if(names.begin(), names.end(), [&](char const * known) { return name == known; });
     if (found == names.end())
-        return Status::notFound(
-            "find the size", name,
-            Text::toUtf8(message(L"it has no \"%1%\"", {Text::fromUtf8(name)})));
+        return Status::notFound("find the size", name,
+                                Text::toUtf8(message(L"a part of this kind has no size \"%1%\"",
+                                                     {Text::fromUtf8(name)})));
     Length length;
     status = readLength(text, ELength::Size, lengthContext(*part.asset()), length, fault);
     if (!status) return status;
@@ -202,8 +202,10 @@ Status moveItem(Item & item, Assembly * assembly) {
     if (!status) return status;
     if (Managed::isWithin(*group, item))
         return invalid("move the item", tr(L"an assembly can't stand within itself"));
-    status = Managed::moveEntity(StrongRef<Entity>(&item), Managed::EMove::Into,
-                                 StrongRef<Entity>(group), tr(L"Move"));
+    // An assembly by itself is a root too, so its group has to be told.
+    status =
+        Managed::moveEntity({StrongRef<Entity>(&item), item.managedParent()}, Managed::EMove::Into,
+                            {StrongRef<Entity>(group), nullptr}, tr(L"Move"));
     if (status) transaction.commit();
     return status;
 }

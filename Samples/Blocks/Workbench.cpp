@@ -82,15 +82,6 @@ ARenderNode * Origin::renderNode() const {
     return m_rNode.get();
 }
 
-// What an undo took away comes back with a redo.
-void Origin::onPostCreation(DataChange::ETransact transact) {
-    CommonBaseEntity::onPostCreation(transact);
-    GroupNode * const scene = sceneOf(*this);
-    if (!scene) return;
-    NodeChange change(scene, false);
-    change.addChild(renderNode());
-}
-
 void Origin::onPreDelete() {
     CommonBaseEntity::onPreDelete();
     hide(*this, *this);
@@ -144,7 +135,10 @@ void LooseParts::onPostChange(DataChange::ETransact transact, DataChange::EChang
     for (StrongRef<Entity> const & element : now) showLoose(*this, *element);
 }
 
-Workbench::Workbench(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
+Workbench::Workbench(Segment * segment, StrongRef<LooseParts> const & loose)
+    : Persisted(segment), m_rLooseParts(loose) {
+    initializeMemberSetIfNeeded();
+}
 Workbench::Workbench(Segment * segment, unsigned long long id) : Persisted(segment, id) {
     initializeMemberSetIfNeeded();
 }
@@ -152,6 +146,7 @@ Workbench::Workbench(Segment * segment, unsigned long long id) : Persisted(segme
 void Workbench::initializeMemberSet(unsigned, MemberSet * set) {
     Managed::addMember(set, "rCommonData", m_rCommonData);
     Managed::addMember(set, "rOwnedCommonData", m_rOwnedCommonData);
+    Managed::addMember(set, "rLooseParts", m_rLooseParts);
 }
 
 StrongRef<Workbench> Workbench::find(Asset const & asset) {
@@ -165,11 +160,33 @@ StrongRef<Workbench> Workbench::make(Asset & asset) {
     Segment * const design = asset.segment(SegmentType::DesignSegment);
     if (design->rootEntity(c_rootId) || design->rootEntity(LooseParts::c_rootId)) return nullptr;
     StrongRef<LooseParts> const loose = LooseParts::make(design);
-    StrongRef<Workbench> const bench = create(design);
+    StrongRef<Workbench> const bench = create(design, loose);
     design->addRoot(bench, c_rootId);
     StrongRef<Origin> const origin = Origin::make(design);
     bench->commonData(query<CommonData::ICommonData>(origin.get()));
+    bench->showAll();
     return bench;
+}
+
+// An undo takes the workbench away with all that it has, and a redo brings it back so.
+void Workbench::onPostCreation(DataChange::ETransact transact) {
+    CommonBaseGroupEntity::onPostCreation(transact);
+    if (DataChange::test(transact, DataChange::TransactReplay)) showAll();
+}
+
+void Workbench::showAll() {
+    GroupNode * const scene = sceneOf(*this);
+    if (!scene) return;
+    NodeChange change(scene, false);
+    StrongRef<LooseParts> const loose = m_rLooseParts.lock();
+    for (unsigned i = 0; loose && i < loose->rootElements(); ++i)
+        if (auto const * const source = query<Scene::INodeSource>(loose->rootElement(i).get()))
+            change.addChild(source->renderNode());
+    if (auto const * const origin = query<Origin>(commonData()))
+        change.addChild(origin->renderNode());
+    for (StrongRef<ManagedEntity> const & child : childrenVector())
+        if (auto const * const assembly = query<Assembly>(child.get()))
+            change.addChild(assembly->renderNode());
 }
 
 void Workbench::onPreDeletion(DataChange::ETransact transact) {
@@ -199,8 +216,7 @@ void Workbench::onPostChange(DataChange::ETransact transact, DataChange::EChange
 // The roots and the collection follow the list.  A replay restores them by itself.
 void Workbench::followList(ChildrenChange const & change) {
     Segment & design = *segment();
-    StrongRef<Entity> const root = design.rootEntity(LooseParts::c_rootId);
-    auto * const loose = query<LooseParts>(root.get());
+    StrongRef<LooseParts> const loose = m_rLooseParts.lock();
     for (StrongRef<ManagedEntity> const & child : change.gone) {
         if (auto * const assembly = query<Assembly>(child.get()))
             design.addRoot(nullptr, assembly->rootKey());

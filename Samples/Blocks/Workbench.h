@@ -42,7 +42,6 @@ public:
 protected:
     explicit Origin(Segment * segment);
     Origin(Segment * segment, unsigned long long id);
-    void onPostCreation(DataChange::ETransact transact) override;
     void onPreDelete() override;
 
 private:
@@ -102,8 +101,9 @@ public:
     static StrongRef<Workbench> make(Asset & asset);
 
 protected:
-    explicit Workbench(Segment * segment);
+    Workbench(Segment * segment, StrongRef<LooseParts> const & loose);
     Workbench(Segment * segment, unsigned long long id);
+    void onPostCreation(DataChange::ETransact transact) override;
     void onPreDeletion(DataChange::ETransact transact) override;
     void onPreChange(DataChange::ETransact transact, DataChange::EChangeType type,
                      DataChange * details) override;
@@ -116,7 +116,9 @@ private:
     void initializeMemberSet(unsigned version, MemberSet * set);
     void followList(ChildrenChange const & change);
     void show(ChildrenChange const & change);
+    void showAll();
 
+    PassiveRef<LooseParts> m_rLooseParts;
     Children m_childrenBefore; // while a replay changes them
 };
 
