@@ -9,6 +9,7 @@
 #include "Console/Messages.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
+#include "Platform/DataModel/ActiveAsset.h"
 #include "Platform/DataModel/DocumentFile.h"
 #include "Platform/DataModel/Segment.h"
 
@@ -59,9 +60,7 @@ Status DocumentSession::makeNew() {
     makePreferredUnitSystem(design);
     asset->history().clear();
     asset->history().markClean();
-    m_rAsset = std::move(asset);
-    m_name.clear();
-    marked();
+    take(std::move(asset), {});
     return Status::success();
 }
 
@@ -69,30 +68,22 @@ Status DocumentSession::open(std::filesystem::path const & file) {
     StrongRef<Asset> asset;
     Status status = loadDocument(file, asset);
     if (!status) return status;
-    m_rAsset = std::move(asset);
-    m_name = shown(file);
-    marked();
+    take(std::move(asset), shown(file));
     return status;
 }
 
 Status DocumentSession::save() {
     m_kept.clear();
-    Status status = DocumentFile::save(*m_rAsset);
-    if (status) marked();
-    return status;
+    return DocumentFile::save(*m_rAsset);
 }
 
 Status DocumentSession::saveAs(std::filesystem::path const & file) {
     Status status = DocumentFile::saveAsKeeping(*m_rAsset, file, m_kept);
-    if (!status) return status;
-    m_name = shown(file);
-    marked();
+    if (status) m_name = shown(file);
     return status;
 }
 
 bool DocumentSession::change(std::wstring_view name, std::function<void()> const & work) {
-    std::size_t const before = history().undoSteps();
-    std::size_t const bytes = history().bytes();
     // To take a change back needs memory, which may just have run out.
     constexpr std::size_t c_reserve = std::size_t{16} << 20;
     std::unique_ptr<char[]> reserve(new (std::nothrow) char[c_reserve]);
@@ -107,20 +98,14 @@ bool DocumentSession::change(std::wstring_view name, std::function<void()> const
         reserve.reset();
         throw;
     }
-    reserve.reset();
-    if (history().undoSteps() == before && history().bytes() == bytes) return isStep;
-    // A new step takes the place of those that could have been redone, and the oldest steps go when
-    // there are too many.
-    bool const dropped = m_savedStep && *m_savedStep > before;
-    if (dropped || history().undoSteps() != before + 1) m_savedStep.reset();
     return isStep;
 }
 
 std::wstring DocumentSession::unsavedChanges() const {
     std::size_t const steps = history().undoSteps();
-    if (!m_savedStep || *m_savedStep >= steps)
-        return message(L"%1% has changes that aren't saved", name());
-    std::size_t const count = steps - *m_savedStep;
+    std::optional<std::size_t> const saved = savedStep();
+    if (!saved || *saved >= steps) return message(L"%1% has changes that aren't saved", name());
+    std::size_t const count = steps - *saved;
     std::wstring const last = message(L"\"%1%\"", history().undoNames().front());
     if (count == 1) return message(L"%1% has a change that isn't saved, %2%", name(), last);
     return message(L"%1% has %2% changes that aren't saved, the last %3%", name(), count, last);
@@ -143,6 +128,10 @@ std::wstring DocumentSession::name() const {
     return m_name.empty() ? message(L"the new document") : m_name;
 }
 
-void DocumentSession::marked() { m_savedStep = history().undoSteps(); }
+void DocumentSession::take(StrongRef<Asset> asset, std::wstring name) {
+    m_rAsset = std::move(asset);
+    m_name = std::move(name);
+    ActiveAsset::set(m_rAsset.get());
+}
 
 } // namespace Vn::Console

@@ -20,7 +20,8 @@
 
 namespace Vn::Console {
 
-// At most one document is open at a time.  To open another, look for unsaved changes first.
+// At most one document is open at a time, and is the active one of the process.  To open another,
+// look for unsaved changes first.
 class DocumentSession {
 public:
     // The key of the root under which groups stand.
@@ -62,16 +63,15 @@ public:
     std::wstring unsavedChanges() const;
     // How many steps lie after the state that was opened or saved last; none if neither undo nor
     // redo lead there.
-    std::optional<std::size_t> savedStep() const noexcept { return m_savedStep; }
+    std::optional<std::size_t> savedStep() const noexcept { return history().cleanSteps(); }
     // What the document is called: its file as it was named here, or that it has none.
     std::wstring name() const;
 
 private:
-    void marked();
+    void take(StrongRef<Asset> asset, std::wstring name);
 
     StrongRef<Asset> m_rAsset;
     std::wstring m_name; // empty for a document without a file
-    std::optional<std::size_t> m_savedStep;
     std::vector<std::filesystem::path> m_kept;
 };
 

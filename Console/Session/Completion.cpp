@@ -15,6 +15,7 @@
 #include "Console/SettingsTexts.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
+#include "Platform/Base/TextCommandService.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Expressions/Vocabulary.h"
 #include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
@@ -209,8 +210,11 @@ Completion completeSessionLine(std::wstring_view line) {
         return completeFileName(*file);
     if (takesDocumentSetting(front)) return choose(documentSettingNames(), word);
     if (front == L"help") return choose(topics(), word);
-
     Candidates all;
+    for (std::wstring const & text : TextCommandService::get().completions(front))
+        all.push_back({text, L" "});
+    if (!all.empty()) return choose(all, word);
+
     if (front.empty()) all = commands();
     if (front.empty() && word.find(L'.') != word.npos && !choose(all, word).candidates.empty())
         return choose(all, word);

@@ -11,6 +11,7 @@
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
+#include "Platform/Base/TextCommandService.h"
 #include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 
@@ -71,6 +72,16 @@ std::wstring functionText(EToken token) {
            L')';
 }
 
+// A text command by its name, or all of a subject area.
+void addTextCommands(std::wstring_view topic, Table & table) {
+    TextCommandService const & service = TextCommandService::get();
+    std::wstring_view const area = topic.substr(0, topic.find(L'.'));
+    std::wstring_view const name = area.size() < topic.size() ? topic.substr(area.size() + 1) : L"";
+    for (TextCommand const * const command : service.commands(area))
+        if (!command->hidden() && (name.empty() || Text::foldedEqual(command->name(), name)))
+            table.add({command->subjectArea() + L'.' + command->name(), descriptionOf(*command)});
+}
+
 } // namespace
 
 std::span<Session::Topic const> Session::topics() {
@@ -103,6 +114,7 @@ Session::Result Session::help(std::wstring const & topic) {
                 {std::wstring(command.name) + L' ' + command.arguments, message(command.meaning)});
     if (DocumentCommand const * const command = findDocumentCommand(topic))
         named.add({Text::widen(command->alias) + L' ' + command->usage, message(command->meaning)});
+    if (named.toUtf8("  ").empty()) addTextCommands(topic, named);
     if (std::string const text = named.toUtf8("  "); !text.empty()) {
         m_rOut << text;
         return Result::Good;

@@ -13,15 +13,14 @@
 
 namespace Vn::Console {
 
-namespace {
-
-// Of a command of the console in the language; of another as that has it.
 std::wstring descriptionOf(TextCommand const & command) {
     DocumentCommand const * const own =
         findDocumentCommand(command.subjectArea() + L'.' + command.name());
     if (!own) return localized(command.description().c_str());
     return own->usage + std::wstring(*own->usage ? L" " : L"") + message(own->meaning);
 }
+
+namespace {
 
 std::wstring descriptionOf(TextCommandSubjectArea const & area) {
     return localized(message(area.description().c_str()).c_str());

@@ -87,4 +87,6 @@ TextCommandResult TextCommand::run(TextCommandParameters const & parameters) {
     return onRun(parameters);
 }
 
+std::vector<std::wstring> TextCommand::onComplete(TextCommandParameters const &) { return {}; }
+
 } // namespace Vn

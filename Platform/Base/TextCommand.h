@@ -96,9 +96,17 @@ public:
     // Runs the command.  A command that isn't enabled answers status 1.  What the command throws
     // goes to the caller; the service makes a result of it.
     TextCommandResult run(TextCommandParameters const & parameters);
+    // What a parameter may be that a person begins to type after others, for the completion of
+    // lines; empty if nothing is known.  What the command throws goes to the caller.
+    std::vector<std::wstring> completions(TextCommandParameters const & before) {
+        return onComplete(before);
+    }
 
 private:
+    // The order of the virtual operations is binding.
     virtual TextCommandResult onRun(TextCommandParameters const & parameters) = 0;
+    // Nothing unless overridden.
+    virtual std::vector<std::wstring> onComplete(TextCommandParameters const & before);
 
     std::wstring const m_subjectArea;
     std::wstring const m_name;

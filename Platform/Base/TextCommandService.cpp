@@ -144,16 +144,31 @@ TextCommand * TextCommandService::find(std::wstring_view subject, std::wstring_v
     return found.empty() ? nullptr : found.front();
 }
 
+TextCommand * TextCommandService::findTyped(std::wstring_view typed) const {
+    std::size_t const stop = typed.find(L'.');
+    return stop == typed.npos ? find({}, typed)
+                              : find(typed.substr(0, stop), typed.substr(stop + 1));
+}
+
+std::vector<std::wstring> TextCommandService::completions(std::wstring_view front) const {
+    std::optional<Line> parts = takeApart(front);
+    TextCommand * const command = parts ? findTyped(parts->command) : nullptr;
+    if (!command) return {};
+    try {
+        return command->completions(
+            TextCommandParameters(std::move(parts->parameters), std::move(parts->flags)));
+    } catch (std::exception const &) { // of a line that nobody has asked to run
+        return {};
+    }
+}
+
 TextCommandResult TextCommandService::run(std::wstring_view line) {
     std::optional<Line> parts = takeApart(line);
     if (!parts)
         return {1, localized(L"A quote is not closed: it ends with a double quote that a blank or "
                              L"the end of the line follows")};
-    std::wstring_view const typed = parts->command;
-    std::size_t const stop = typed.find(L'.');
-    TextCommand * const command =
-        stop == typed.npos ? find({}, typed) : find(typed.substr(0, stop), typed.substr(stop + 1));
-    if (!command) return {1, unknownCommand(typed)};
+    TextCommand * const command = findTyped(parts->command);
+    if (!command) return {1, unknownCommand(parts->command)};
     try {
         return command->run(
             TextCommandParameters(std::move(parts->parameters), std::move(parts->flags)));

@@ -47,6 +47,9 @@ public:
     // Runs one line.  Whatever is wrong with it gives status 1 and a text that says what would have
     // been right; so does a std::exception out of the command, with its text.
     TextCommandResult run(std::wstring_view line);
+    // What the word may be that a person begins to type after `front`, the line up to there, as the
+    // command in it tells; empty if there is no command or if it can't tell.
+    std::vector<std::wstring> completions(std::wstring_view front) const;
 
     TextCommandService(TextCommandService const &) = delete;
     TextCommandService & operator=(TextCommandService const &) = delete;
@@ -62,6 +65,7 @@ private:
     void add(TextCommand * command);
     void remove(TextCommand * command) noexcept;
 
+    TextCommand * findTyped(std::wstring_view typed) const;
     std::wstring unknownCommand(std::wstring_view typed) const;
 
     mutable std::mutex m_mutex;

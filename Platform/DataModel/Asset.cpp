@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "Platform/DataModel/ActiveAsset.h"
 #include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/EntityTableInternal.h"
 #include "Platform/DataModel/Limits.h"
@@ -31,8 +32,12 @@ StrongRefCreator<Asset> Asset::make(AssetType const * type) {
 namespace {
 
 constinit std::atomic<std::size_t> s_openAssets{0};
+constinit Asset * s_pActive = nullptr;
 
 }
+
+Asset * ActiveAsset::get() noexcept { return s_pActive; }
+void ActiveAsset::set(Asset * asset) noexcept { s_pActive = asset; }
 
 Asset::Counted::Counted() noexcept { ++s_openAssets; }
 Asset::Counted::~Counted() { --s_openAssets; }
@@ -45,6 +50,7 @@ Asset::Asset(AssetType const * type)
 }
 
 Asset::~Asset() {
+    if (ActiveAsset::get() == this) ActiveAsset::set(nullptr);
     try {
         if (m_pAdapter) m_pAdapter->preDelete();
     } catch (...) { // the document ends all the same

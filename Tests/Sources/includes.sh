@@ -5,7 +5,7 @@ here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 cd "$1"
 
 rooms=()
-for room in Console Platform Server; do
+for room in Console Platform Samples Server; do
   if [ -d "$room" ]; then rooms+=("$room"); fi
 done
 awk -f "$here/includes.awk" "$here/allowed-includes.txt" \

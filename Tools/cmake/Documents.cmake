@@ -2,6 +2,7 @@
 #
 #   share/doc/vncommondata10/README.md, CHANGELOG.md, CONTRIBUTING.md, copyright
 #   share/doc/vncommondata10/Docs/          the guides, so that their links lead where they do in the sources
+#   share/doc/vncommondata10/Samples/       the sources of the samples, which build from a copy
 #   share/doc/vncommondata10/licenses/
 #
 # The zip for Windows has them in doc/ and licenses/.
@@ -17,6 +18,7 @@ install(FILES README.md CHANGELOG.md CONTRIBUTING.md Docs/copyright
         DESTINATION "${VN_INSTALL_DOCUMENTS}" COMPONENT runtime)
 install(DIRECTORY Docs/ DESTINATION "${VN_INSTALL_DOCUMENTS}/Docs" COMPONENT runtime
         FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY Samples DESTINATION "${VN_INSTALL_DOCUMENTS}" COMPONENT development)
 
 # vn_install_licenses(package...): the terms of packages of this system whose code is shipped, as they state them,
 # with the licences that they only refer to.

@@ -288,7 +288,8 @@ private:
     MigrationHelper * m_pMigrationHelper = nullptr;
 };
 
-// The base of XMetaType, of which there is one static object.
+// The base of XMetaType, of which there is one static object.  A class X with operations that only
+// its derived classes have, and so without objects of its own, is abstract to documents too.
 template <class X>
 class PersistedMetaType : public EntityMetaType {
 public:
@@ -296,7 +297,8 @@ public:
     explicit PersistedMetaType(std::string addInIdentifier = CommonDataAddInIdentifier())
         : EntityMetaType(std::move(addInIdentifier), X::s_metaTypeId(),
                          std::string(X::c_class.name()) + "MetaType", X::c_class.m_version,
-                         X::PersistedBase::s_metaTypeId(), TypeConcrete) {}
+                         X::PersistedBase::s_metaTypeId(),
+                         std::is_abstract_v<X> ? TypeAbstract : TypeConcrete) {}
 
 private:
     void onMigratingMemberSet(Entity * entity, unsigned version, MemberSet * set) override {
@@ -304,7 +306,10 @@ private:
         PersistedAccess::initializeMemberSet(static_cast<X &>(*entity), version, set);
     }
     StrongRef<Entity> onCreateEntity(Segment * segment, unsigned long long id) override {
-        return StrongRef<Entity>(PersistedAccess::construct<X>(segment, id));
+        if constexpr (std::is_abstract_v<X>)
+            return nullptr;
+        else
+            return StrongRef<Entity>(PersistedAccess::construct<X>(segment, id));
     }
     std::size_t onInstanceSize() const override { return sizeof(X); }
 };
