@@ -39,7 +39,9 @@ public:
     Status() noexcept;
     // A failure of kind `code`.  `operation` names what was being done ("open the document"),
     // `subject` the file or name it was done to, and `cause` what stood in the way; each may be
-    // empty. With StatusOk the texts are dropped.
+    // empty.  The causes of the libraries are in the user's language, as
+    // Platform/Base/LocalizedText.h has them when the status is made; the other texts are English.
+    // With StatusOk the texts are dropped.
     Status(EStatus code, std::string_view operation, std::string_view subject = {},
            std::string_view cause = {});
     Status(Status const & other) noexcept;
