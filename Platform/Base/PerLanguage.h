@@ -6,8 +6,7 @@
 #include <memory>
 #include <type_traits>
 
-#include "Platform/Base/ScopedLock.h"
-#include "Platform/Base/SpinLock.h"
+#include "Platform/Base/CreationLock.h"
 #include "Platform/Base/StringTable.h"
 
 namespace Vn {
@@ -32,12 +31,12 @@ public:
 
     // The object for the present language, made by `create` if there is none yet.  `create` returns
     // a T * that isn't null and becomes this holder's; it must be complete, and mustn't ask for the
-    // same object.  If it throws, the exception goes to the caller and the next call tries anew.
+    // same object.  If it throws, the exception goes to the caller and the next call tries anew. If
+    // the language changes meanwhile, what was made is deleted and made anew.
     template <class Creator>
     requires std::convertible_to<std::invoke_result_t<Creator &>, T *> T & get(Creator && create) {
-        unsigned const edition = StringTable::edition();
         Made const * const made = m_pLast.load(std::memory_order_acquire);
-        return made && made->edition == edition ? *made->object : find(edition, create);
+        return made && made->edition == StringTable::edition() ? *made->object : find(create);
     }
 
     // Deletes all objects.  Nobody may use them any more, or ask meanwhile.
@@ -59,23 +58,26 @@ private:
     };
 
     template <class Creator>
-    T & find(unsigned edition, Creator & create) {
-        ScopedLockBase const scope(1, 2);
-        if (!scope.isLocking()) return findAlone(edition, create);
-        SpinLockGuard const guard(m_lock);
-        return findAlone(edition, create);
-    }
-
-    template <class Creator>
-    T & findAlone(unsigned edition, Creator & create) {
-        Made const * made = m_pAll;
-        while (made && made->edition != edition) made = made->before;
-        if (!made) {
+    T & find(Creator & create) {
+        CreationLock const lock(m_lock);
+        Made const * made = found();
+        while (!made) {
+            unsigned const edition = StringTable::edition();
             std::unique_ptr<T> object(create());
-            made = m_pAll = new Made{std::move(object), edition, m_pAll};
+            if (StringTable::edition() == edition)
+                made = m_pAll = new Made{std::move(object), edition, m_pAll};
+            else
+                made = found();
         }
         m_pLast.store(made, std::memory_order_release);
         return *made->object;
+    }
+
+    // The present language's, or null.
+    Made const * found() const noexcept {
+        Made const * made = m_pAll;
+        while (made && made->edition != StringTable::edition()) made = made->before;
+        return made;
     }
 
     std::atomic<Made const *> m_pLast{nullptr}; // the one that was asked for last

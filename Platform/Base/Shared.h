@@ -5,8 +5,7 @@
 #include <concepts>
 #include <type_traits>
 
-#include "Platform/Base/ScopedLock.h"
-#include "Platform/Base/SpinLock.h"
+#include "Platform/Base/CreationLock.h"
 
 namespace Vn {
 
@@ -41,14 +40,7 @@ public:
 private:
     template <class Creator>
     T & make(Creator & create) {
-        ScopedLockBase const scope(1, 2);
-        if (!scope.isLocking()) return makeAlone(create);
-        SpinLockGuard const guard(m_lock);
-        return makeAlone(create);
-    }
-
-    template <class Creator>
-    T & makeAlone(Creator & create) {
+        CreationLock const lock(m_lock);
         T * object = m_pObject.load(std::memory_order_relaxed);
         if (!object) {
             object = create();

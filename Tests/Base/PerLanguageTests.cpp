@@ -3,6 +3,7 @@
 #include "Platform/Base/PerLanguage.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -60,6 +61,32 @@ TEST_F(PerLanguageTests, FailureLeavesWhatWasThere) {
     EXPECT_EQ(name(), "de");
     StringTable::language("");
     EXPECT_EQ(&m_names.get(fail), &english);
+}
+
+TEST_F(PerLanguageTests, AChangeOfLanguageMeanwhileIsNoticed) {
+    int made = 0;
+    auto const create = [&made] {
+        auto text = std::make_unique<std::string>(StringTable::language());
+        if (++made == 1) StringTable::language("de");
+        return text.release();
+    };
+    EXPECT_EQ(m_names.get(create), "de");
+    EXPECT_EQ(made, 2);
+    // What was made of two languages is under neither of them.
+    StringTable::language("");
+    EXPECT_EQ(name(), "");
+    EXPECT_EQ(m_made, 1);
+    // The language that is chosen meanwhile may have its own already.
+    StringTable::language("fr");
+    auto const change = [] {
+        auto text = std::make_unique<std::string>("fr and de");
+        StringTable::language("de");
+        return text.release();
+    };
+    EXPECT_EQ(m_names.get(change), "de");
+    EXPECT_EQ(made, 2);
+    StringTable::language("fr");
+    EXPECT_EQ(name(), "fr");
 }
 
 TEST_F(PerLanguageTests, ThreadsShareOne) {

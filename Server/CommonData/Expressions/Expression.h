@@ -30,8 +30,6 @@ public:
     Expression() = default;
     // Parses `text`.  result() tells how that went.
     explicit Expression(std::wstring text, Units::UnitContext const & context = {});
-    explicit Expression(wchar_t const * text, Units::UnitContext const & context = {})
-        : Expression(std::wstring(text), context) {}
     // The same for UTF-8.  If that is broken there is no tree: the result fails at the broken
     // piece, brokenByte() tells its place, and text() has U+FFFD for it.
     explicit Expression(std::string_view utf8, Units::UnitContext const & context = {});

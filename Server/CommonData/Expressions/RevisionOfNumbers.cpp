@@ -27,6 +27,7 @@ public:
             if (m_pieces[i].kind != EPiece::Number || m_pieces[i].raised) continue;
             powerOfTen(i);
             mixedNumber(i);
+            reciprocal(i);
             if (!degrees(i) && !feet(i)) inches(i);
             percent(i);
             times(i);
@@ -148,6 +149,29 @@ private:
                         {EPiece::Sign, L"(", m_pieces[i].blankBefore});
         m_pieces[i + 1].blankBefore = false;
         m_pieces[i + 3].blankBefore = true;
+    }
+
+    // "50 1/s": so many per second.
+    void reciprocal(std::size_t i) {
+        bool const isOne = isNumber(i + 1) && at(i + 1)->text == L"1" && isSign(i + 2, L"/");
+        if (!isOne || !at(i + 3) || at(i + 3)->kind != EPiece::Word) return;
+        if (Tokens::get()->getFunctionToken(at(i + 3)->text) == e_NONE) {
+            erase(i + 1, i + 2);
+            m_pieces[i + 1].blankBefore = true;
+            return;
+        }
+        // After "/" the word "min" is a function.
+        bool const isLast = !at(i + 4) || isSign(i + 4, L")") || isSign(i + 4, L"+");
+        if (!isLast) return;
+        auto const place = m_pieces.begin() + static_cast<std::ptrdiff_t>(i);
+        Piece word = m_pieces[i + 3];
+        word.blankBefore = true;
+        m_pieces.erase(place + 1, place + 4);
+        m_pieces.insert(place + 1, {{EPiece::Sign, L"/", true},
+                                    {EPiece::Sign, L"(", true},
+                                    {EPiece::Number, L"1"},
+                                    word,
+                                    {EPiece::Sign, L")"}});
     }
 
     // Minutes with decimals as minutes and seconds: "30.5" as `30' 30"`.  Empty if the digits are

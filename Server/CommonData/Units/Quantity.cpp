@@ -13,6 +13,7 @@
 #include "Platform/Base/Numeric.h"
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Limits.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
 #include "Server/CommonData/Units/UnitContext.h"
@@ -290,21 +291,54 @@ std::size_t Quantity::hash() const {
 
 // --- Text --------------------------------------------------------------------------------------
 
+namespace {
+
+// Whether all units of a product are words that can be typed, as the settings show them.
+bool areWords(ComplexUnit const & unit, UnitDisplaySettings const & settings) {
+    auto const isWord = [&](SimpleUnit const * each) {
+        return !Expressions::Tokens::get()->invalidNameCharsInStr(
+            settings.shouldDisplayAbbreviation() ? each->abbreviation(settings)
+                                                 : each->name(settings),
+            true);
+    };
+    return std::all_of(unit.numerator().begin(), unit.numerator().end(), isWord) &&
+           std::all_of(unit.denominator().begin(), unit.denominator().end(), isWord);
+}
+
+// The factory settings, but for names in full where an abbreviation can't be typed; none if a name
+// can't either.
+std::optional<UnitDisplaySettings> settingsToType(ComplexUnit const & unit) {
+    UnitDisplaySettings settings = UnitDisplaySettings::standard();
+    if (areWords(unit, settings)) return settings;
+    settings.displayAbbreviated(false);
+    if (areWords(unit, settings)) return settings;
+    return std::nullopt;
+}
+
+} // namespace
+
 std::string Quantity::unitText() const {
     if (isUnitless()) return {};
-    return Text::toUtf8(unit().reconstructString(0.0, UnitOnly, UnitDisplaySettings::standard()));
+    if (auto const settings = settingsToType(unit()))
+        return Text::toUtf8(unit().reconstructString(0.0, UnitOnly, *settings));
+    ComplexUnit base;
+    unit().produceBaseRepresentation(base);
+    return Text::toUtf8(base.reconstructString(0.0, UnitOnly, UnitDisplaySettings::standard()));
 }
 
-std::string Quantity::toString() const {
-    std::string const unit = unitText();
-    std::string const text = number(unit.empty() ? internal() : m_value, std::nullopt);
-    return unit.empty() ? text : text + ' ' + unit;
+double Quantity::valueOfText() const {
+    return isUnitless() || !settingsToType(unit()) ? internal() : m_value;
 }
+
+std::string Quantity::withUnit(std::string number) const {
+    std::string const unit = unitText();
+    return unit.empty() ? number : number + ' ' + unit;
+}
+
+std::string Quantity::toString() const { return withUnit(number(valueOfText(), std::nullopt)); }
 
 std::string Quantity::toString(int decimals) const {
-    std::string const unit = unitText();
-    std::string const text = number(unit.empty() ? internal() : m_value, decimals);
-    return unit.empty() ? text : text + ' ' + unit;
+    return withUnit(number(valueOfText(), decimals));
 }
 
 std::wstring Quantity::formatted(EUnitDisplayMode mode) const {

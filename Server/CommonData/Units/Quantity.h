@@ -127,11 +127,16 @@ public:
 
     // The quantity in UTF-8, in the same words whatever the user's preferences are: "2.54 cm".  The
     // number has the fewest digits that read back, or so many decimals (0 to 100; others count as
-    // the nearest of these).  A finite one can be read by `parse`.
+    // the nearest of these).  `parse` reads it if internal() is finite: as the language computes in
+    // internal units, it has no value for 1E307 km, nor for 1 m^155.
     std::string toString() const;
     std::string toString(int decimals) const;
-    // The unit alone, as toString writes it; empty for what is unitless.
+    // The unit alone, as toString writes it: the abbreviations, the full names if an abbreviation
+    // isn't a word of the language ("fl_oz"), or internal units if a name isn't one either
+    // ("circular_mil").  Empty for what is unitless.
     std::string unitText() const;
+    // The number that toString writes in front of it.
+    double valueOfText() const;
     // For the user, by the preferences or other settings.
     std::wstring formatted(EUnitDisplayMode mode = ValueAndUnit) const;
     std::wstring formatted(EUnitDisplayMode mode, UnitDisplaySettings const & settings) const;
@@ -143,6 +148,7 @@ private:
 
     static SharedUnit shared(SimpleUnit const * unit);
     static SharedUnit shared(ComplexUnit const & unit);
+    std::string withUnit(std::string number) const;
     bool hasOffset() const;
     void dropOffset();
     bool hasUnitOf(Quantity const & other) const;
@@ -174,8 +180,7 @@ template <>
 struct std::formatter<Vn::Units::Quantity> : std::formatter<double> {
     template <class Context>
     auto format(Vn::Units::Quantity const & quantity, Context & context) const {
-        double const number = quantity.isUnitless() ? quantity.internal() : quantity.value();
-        auto out = std::formatter<double>::format(number, context);
+        auto out = std::formatter<double>::format(quantity.valueOfText(), context);
         std::string unit = quantity.unitText();
         if (!unit.empty()) unit.insert(0, 1, ' ');
         return std::copy(unit.begin(), unit.end(), out);

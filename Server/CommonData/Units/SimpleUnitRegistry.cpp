@@ -1,10 +1,12 @@
 #include "Server/CommonData/Units/SimpleUnitRegistryInternal.h"
 
+#include <algorithm>
 #include <boost/algorithm/string/predicate.hpp>
 #include <cmath>
 #include <locale>
 #include <optional>
 
+#include "Platform/Base/CreationLock.h"
 #include "Platform/Base/ScopedLock.h"
 #include "Platform/Base/Shared.h"
 #include "Server/CommonData/Units/ComplexUnit.h"
@@ -42,9 +44,7 @@ void SimpleUnitRegistry::addUnit(SimpleUnit const * unit) { m_pending.push_back(
 
 void SimpleUnitRegistry::ensureRegistered() {
     if (m_registered.load(std::memory_order_acquire)) return;
-    ScopedLockBase const locks(1, 2);
-    std::optional<SpinLockGuard> guard;
-    if (locks.isLocking()) guard.emplace(m_registration);
+    CreationLock const lock(m_registration);
     if (m_registered.load(std::memory_order_relaxed)) return;
     for (SimpleUnit const * const unit : m_pending) registerUnit(unit);
     m_registered.store(true, std::memory_order_release);
@@ -108,6 +108,11 @@ SimpleUnit const * SimpleUnitRegistry::findCaseInsensitive(std::wstring_view tex
     RegistryLock const lock(m_mutex, false);
     if (text.size() > m_longestSpelling) return nullptr;
     std::locale const locale;
+    // Found once, and not for each letter.
+    auto const & letters = std::use_facet<std::ctype<wchar_t>>(locale);
+    auto const isSameLetter = [&letters](wchar_t a, wchar_t b) {
+        return a == b || letters.toupper(a) == letters.toupper(b);
+    };
     SimpleUnit const * name = nullptr;
     SimpleUnit const * other = nullptr;
     bool ambiguous = false;
@@ -117,7 +122,7 @@ SimpleUnit const * SimpleUnitRegistry::findCaseInsensitive(std::wstring_view tex
         found = unit;
     };
     for (auto const & [spelled, units] : m_spellings) {
-        if (spelled.size() != text.size() || !boost::algorithm::iequals(spelled, text, locale))
+        if (spelled.size() != text.size() || !boost::algorithm::equals(spelled, text, isSameLetter))
             continue;
         // Two names that differ in case alone are two matches, even of one unit.
         if (units.byName && name) ambiguous = true;

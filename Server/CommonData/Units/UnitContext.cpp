@@ -1,5 +1,6 @@
 #include "Server/CommonData/Units/UnitContext.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "Platform/Base/Text.h"
@@ -24,6 +25,12 @@ void apply(StrongRef<UnitSystem> const & system, What const & what, ComplexUnit 
         units = made;
 }
 
+// Whether a text is digits alone: "2/2" is one number too.
+bool areDigits(std::wstring_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](wchar_t c) { return Text::isDigit(static_cast<char32_t>(c)); });
+}
+
 // Whether a text consists of names, "*" and "/" between them, brackets, and numbers as powers.
 bool looksLikeUnits(std::wstring_view text) {
     using namespace Expressions;
@@ -34,14 +41,16 @@ bool looksLikeUnits(std::wstring_view text) {
         stream.discardBefore(token);
         switch (token->kind) {
         case TK_NUMBER:
-            if (before != TK_POWER) return false;
+            if (before != TK_POWER || !areDigits(Text::trimmed(token->text))) return false;
+            break;
+        case TK_POWER:
+            if (before != TK_NAME && before != TK_RIGHT_PAREN) return false;
             break;
         case TK_MULTIPLY:
             if (before == TK_START) return false;
             break;
         case TK_NAME:
         case TK_DIVIDE:
-        case TK_POWER:
         case TK_LEFT_PAREN:
         case TK_RIGHT_PAREN:
         case TK_END:

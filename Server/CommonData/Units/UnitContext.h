@@ -35,7 +35,6 @@ public:
     // Expects what the text, such as "m / (s s)", parses to; nothing if it doesn't parse.  An empty
     // text expects a unitless result.
     explicit UnitContext(std::wstring const & text);
-    explicit UnitContext(wchar_t const * text) : UnitContext(std::wstring(text)) {}
     // The same for UTF-8; broken UTF-8 doesn't parse.
     explicit UnitContext(std::string_view utf8);
     // Expects nothing by itself; what a text leaves open is asked of `system`, which may be empty.

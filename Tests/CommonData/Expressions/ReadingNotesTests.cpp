@@ -37,6 +37,8 @@ Row const c_rows[] = {
      L"\"1.500\" is 1,500, with a point for decimals; for thousands write 1500", true},
     {L"1,5 m + 12.345 mm", L"?", EReading::decimalPoint, 8, 14,
      L"\"12.345\" is 12,345, with a point for decimals; for thousands write 12345", true},
+    {L"sin(30 Grad)", L"?", EReading::rareUnit, 7, 11,
+     L"\"Grad\" was read as grad; did you mean deg?"},
     {L"1-1/2 in", L"cm", EReading::subtraction, 0, 8,
      L"\"1-1/2 in\" is a subtraction; for a number with a fraction write 1 1/2 in"},
     {L"1-1/2", L"?", EReading::subtraction, 0, 5,

@@ -206,6 +206,8 @@ TEST(UnitContextTests, ATextIsAUnitOrIsNone) {
         {L"W / (m K)", L"W / m K"},
         {L"kilometer", L"km"},
         {L"\u00B0", L"deg"},
+        {L"m^2 s", L"m m s"},
+        {L"m^2/ s", L"m m / s"},
     };
     for (Row const & row : rows) {
         std::optional<ComplexUnit> const unit = UnitContext::parse(row.text);
@@ -215,10 +217,11 @@ TEST(UnitContextTests, ATextIsAUnitOrIsNone) {
     }
     EXPECT_TRUE(UnitContext::parse("")->isEmpty());
     for (wchar_t const * const text :
-         {L"2 cm",   L"cm * 2", L"m + 3 m", L"m - m",    L"5",   L"PI",     L"m PI",
-          L"m * PI", L"cos(0)", L"cm^0.5",  L"cm^",      L"m /", L"m / (s", L")",
-          L"()",     L"* m",    L"CM",      L"nonsense", L"%",   L"m = m",  L"m;",
-          L"m 3",    L"1 / s",  L"\"",      L"'"})
+         {L"2 cm",   L"cm * 2", L"m + 3 m", L"m - m",    L"5",    L"PI",     L"m PI",
+          L"m * PI", L"cos(0)", L"cm^0.5",  L"cm^",      L"m /",  L"m / (s", L")",
+          L"()",     L"* m",    L"CM",      L"nonsense", L"%",    L"m = m",  L"m;",
+          L"m 3",    L"1 / s",  L"\"",      L"'",        L"^2",   L"m^2/2",  L"m^4/2 s",
+          L"m^2^2",  L"^",      L"m * ^2",  L"m^-2",     L"m^(2)"})
         EXPECT_FALSE(UnitContext::parse(text)) << testing::PrintToString(text);
     EXPECT_FALSE(UnitContext::parse("\xC2"));
     EXPECT_FALSE(UnitContext::parse(std::wstring(10'000'000, L'm')));
