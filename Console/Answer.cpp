@@ -88,9 +88,9 @@ std::string tokensOf(std::wstring const & text) {
     return answer + ']';
 }
 
-std::string notesOn(Expression const & expression) {
+std::string notesOn(Expression const & expression, UnitDisplaySettings const & settings) {
     std::string all = "[";
-    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression)) {
+    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression, settings)) {
         Members members;
         members.add("reading", Expressions::readingName(note.reading));
         members.add("start", note.start);
@@ -115,13 +115,13 @@ void addHints(FailureExplanation const & failure, Members & members) {
 
 // Why there is no value.  What else is found out about a text that people may mean otherwise has
 // its members here too.
-void addExplanation(Expression const & expression, bool hasValue,
-                    FailureExplanation const & failure, Members & members) {
+void addExplanation(Expression const & expression, UnitDisplaySettings const & settings,
+                    bool hasValue, FailureExplanation const & failure, Members & members) {
     members.add("reason", Expressions::failureName(failure.reason));
     addPlace(failure, members);
     members.add("explanation", failure.explanation);
     addHints(failure, members);
-    members.raw("notes", hasValue ? notesOn(expression) : "[]");
+    members.raw("notes", hasValue ? notesOn(expression, settings) : "[]");
 }
 
 } // namespace
@@ -158,7 +158,7 @@ std::string answerMembers(Expression const & expression, UnitDisplaySettings con
     members.add("internalUnits", e.internalUnits);
     members.add("rebuiltReadsBack", e.readsBack);
     members.add("textToStore", expression ? textToStore(e, expression) : std::wstring());
-    addExplanation(expression, e.value.has_value(), failure, members);
+    addExplanation(expression, settings, e.value.has_value(), failure, members);
     return members.take();
 }
 

@@ -185,12 +185,13 @@ Request readRequest(std::wstring const & text, UnitContext const & context,
     return Reader(text, context, last).read();
 }
 
-FailureExplanation explainFailure(Request const & request) {
+FailureExplanation explainFailure(Request const & request,
+                                  Units::UnitDisplaySettings const & settings) {
     std::wstring_view const conversion = request.conversion;
-    if (conversion.empty()) return explainFailure(request.expression);
+    TextAround around{{}, request.conversion, {}, &settings};
+    if (conversion.empty()) return explainFailure(request.expression, around);
     Place const place = findPlaces(conversion).front();
     std::wstring const target(trimmed(conversion.substr(place.end)));
-    TextAround around{{}, request.conversion, {}};
     if (target != L"?") {
         std::optional<UnitContext> unit = unitContext(target);
         if (!unit) {

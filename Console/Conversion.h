@@ -37,8 +37,11 @@ struct Request {
     std::wstring conversion; // what stands after an expression that failed: " to in"
 };
 
-// Why the expression of a request has no value, with the whole line in the corrections.
-Expressions::FailureExplanation explainFailure(Request const & request);
+// Why the expression of a request has no value, with the whole line in the corrections, for whom
+// values are shown by `settings`.
+Expressions::FailureExplanation
+explainFailure(Request const & request,
+               Units::UnitDisplaySettings const & settings = Units::UnitDisplaySettings::get());
 
 // Reads a text.  Bare numbers in it are read as `context` has it.
 Request readRequest(std::wstring const & text, Units::UnitContext const & context,

@@ -187,7 +187,7 @@ std::string answerTo(LineHandler const & line, bool withTokens) {
         throw LineError(Text::toUtf8(why));
     return answerMembers(expression, settings, display, withTokens,
                          expression.value() ? Expressions::FailureExplanation()
-                                            : explainFailure(expression));
+                                            : explainFailure(expression, {{}, {}, {}, &settings}));
 }
 
 // Without an id the line tells what is answered.

@@ -136,7 +136,7 @@ private:
             m_rOut << ','
                    << answerMembers(expression, m_rSettings, display, m_rOptions.withTokens,
                                     expression.value() ? Expressions::FailureExplanation()
-                                                       : explainFailure(request));
+                                                       : explainFailure(request, m_rSettings));
             if (request.wantsEquivalents)
                 m_rOut << ",\"equivalents\":" << jsonOf(equivalentsOf(expression, m_rSettings));
         }

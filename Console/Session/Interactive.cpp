@@ -55,6 +55,7 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
             OS::NotedInterruptions const during;
             result = session.execute(*line);
             interrupted = OS::wasInterrupted();
+            if (interrupted && reader) reader->forget();
         }
         // Elsewhere it ends the command, and the lines after it aren't read.
         if (interrupted && !isTyped) {

@@ -20,6 +20,9 @@ public:
     // The next line in UTF-8, without its end; none when there are no more.  The prompt is shown
     // only where a person types.
     virtual std::optional<std::string> read(std::wstring const & prompt) = 0;
+
+    // Drops what was typed ahead, as far as the reader has it.
+    virtual void forget() {}
 };
 
 // Takes the byte order mark of UTF-8 away from the first line of an input.  Returns an empty text,

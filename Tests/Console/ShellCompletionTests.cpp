@@ -181,7 +181,7 @@ TEST(ShellCompletionTests, ZshAsksTheProgram) {
         return runShell("zsh -f -c 'compadd() { print -r -- \"$@\" }; _files() { print files }; "
                         "compset() { print -r -- \"$@\" }; words=(\"$VNCONSOLE\" " +
                         words + "); CURRENT=" + std::to_string(begun) +
-                        "; PREFIX=${words[CURRENT]}; source \"" VN_SHELL_COMPLETION
+                        "; PREFIX=${words[CURRENT]#\\\"}; source \"" VN_SHELL_COMPLETION
                         "/_vnconsole\"'")
             .out;
     };
@@ -189,6 +189,9 @@ TEST(ShellCompletionTests, ZshAsksTheProgram) {
     EXPECT_EQ(inZsh("eval --set len", 4), "-S  -- lengthDisplay=\n--\n");
     EXPECT_EQ(inZsh("eval --document=x", 3), "-P *=\nfiles\n");
     EXPECT_EQ(inZsh("batch \"\"", 3), "files\n");
+    // Within a quote that isn't closed, which stands in front of the prefix.
+    EXPECT_EQ(inZsh("eval --unit \\\"nautical", 4), "-S  --\n-- nauticalMile\n");
+    EXPECT_EQ(inZsh("\\\"eval\\\" --unit nautical", 4), "-S  --\n-- nauticalMile\n");
 }
 #endif
 

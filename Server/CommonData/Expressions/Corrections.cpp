@@ -29,28 +29,25 @@ public:
           m_pieces(takenApart(text)) {}
 
     Corrections run() {
-        RevisionNotes notes;
+        RevisionNotes notes = freshNotes();
         std::wstring const first = revised(m_pieces, notes);
         m_found.missing = notes.missing;
         m_found.nearest = notes.nearest;
         m_found.scaled = notes.scaled;
         if (!notes.missing.empty()) return std::move(m_found);
         if (notes.unknown.empty() && notes.unknownFunctions.empty()) {
-            bool const isAmerican = Units::UnitDisplaySettings::get().isDecimalPointFullStop();
-            bool const hasCommas = notes.hasCommas;
+            bool const hasGroups = notes.hasGroups;
             bool const hasAlternatives = notes.hasAlternatives;
-            if (!hasCommas || isAmerican) {
-                consider(first);
-                for (std::size_t i = 1; hasAlternatives && i < c_mostTexts; ++i) {
-                    notes = {};
-                    notes.alternative = i;
-                    consider(revised(m_pieces, notes));
-                }
-            }
-            for (std::size_t i = 0; hasCommas && i < c_mostTexts; ++i) {
-                notes = {};
+            consider(first);
+            for (std::size_t i = 1; hasAlternatives && i < c_mostTexts; ++i) {
+                notes = freshNotes();
                 notes.alternative = i;
-                notes.decimalCommas = true;
+                consider(revised(m_pieces, notes));
+            }
+            for (std::size_t i = 0; hasGroups && i < c_mostTexts; ++i) {
+                notes = freshNotes();
+                notes.alternative = i;
+                notes.areDecimals = true;
                 consider(revised(m_pieces, notes));
             }
             if (m_found.texts.size() > c_mostTexts) m_found.texts.resize(c_mostTexts);
@@ -63,6 +60,12 @@ public:
     }
 
 private:
+    RevisionNotes freshNotes() const {
+        RevisionNotes notes;
+        if (!m_demands.settings.isDecimalPointFullStop()) notes.decimalMark = L',';
+        return notes;
+    }
+
     std::wstring_view piece() const {
         std::size_t const start = Text::indexAt16(m_text, m_result.failureStart());
         std::size_t const end = Text::indexAt16(m_text, m_result.failureEnd());
@@ -98,7 +101,7 @@ private:
         std::size_t const start = Text::indexAt16(m_text, m_result.failureStart());
         Pieces const word = takenApart(piece());
         for (std::size_t i = 0; i < c_mostTexts; ++i) {
-            RevisionNotes notes;
+            RevisionNotes notes = freshNotes();
             notes.alternative = i;
             std::wstring const meant = revised(word, notes);
             if (meant.empty() || !notes.scaled.empty() || (i > 0 && !notes.hasAlternatives)) return;
@@ -126,7 +129,7 @@ private:
         if (words.size() > c_mostUnknown ||
             (!notes.unknown.empty() && !notes.unknownFunctions.empty()))
             return;
-        RevisionNotes best;
+        RevisionNotes best = freshNotes();
         std::vector<std::wstring> nearest;
         for (std::wstring const & word : words) {
             nearest = Vocabulary::get().nearest(word, placeOf(word, place));
@@ -139,7 +142,7 @@ private:
             return;
         }
         for (std::wstring const & candidate : nearest) {
-            RevisionNotes again;
+            RevisionNotes again = freshNotes();
             again.guesses[words.front()] = candidate;
             m_bOtherUnits = false;
             if (consider(replaced(words.front(), candidate, again)) || !m_bOtherUnits)

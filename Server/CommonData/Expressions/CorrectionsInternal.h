@@ -9,6 +9,7 @@
 
 #include "Server/CommonData/Expressions/ParseResult.h"
 #include "Server/CommonData/Units/UnitContext.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
 
 namespace Vn::Expressions {
 
@@ -33,6 +34,8 @@ inline constexpr std::wstring_view c_one = L"1 ";
 struct CorrectionDemands {
     // It can be shown in what this expects.
     Units::UnitContext const & display;
+    // Which mark of decimals the person is used to.
+    Units::UnitDisplaySettings const & settings;
     // It is c_one and a unit, of which the unit is given.
     bool isUnit = false;
 };

@@ -310,6 +310,11 @@ FailureExplanation explained(Explainer const & explainer, ParseResult const & re
     return failure;
 }
 
+CorrectionDemands demandsOf(TextAround const & around, bool isUnit) {
+    return {around.display, around.settings ? *around.settings : Units::UnitDisplaySettings::get(),
+            isUnit};
+}
+
 void shift(FailureExplanation & failure, std::size_t by) {
     failure.position += by;
     failure.start += by;
@@ -330,8 +335,8 @@ FailureExplanation explainFailure(std::wstring const & text, Units::UnitContext 
         if (!failure.hint.empty()) return failure;
     }
     if (canBeCorrected(result.result()))
-        correct(text, result, findCorrections(text, context, result, {around.display}), around,
-                failure);
+        correct(text, result, findCorrections(text, context, result, demandsOf(around, false)),
+                around, failure);
     if (failure.hint.empty() && isSyntax(result.result()) && explainer.isAfterFraction())
         failure.hint = failureText(EFailureText::HintLongDivisor);
     return failure;
@@ -351,7 +356,7 @@ FailureExplanation explainUnit(std::wstring const & unit, TextAround const & aro
     shift(failure, Text::length16(around.before));
     if (isSyntax(result.result()))
         correct(one.text(), result,
-                findCorrections(one.text(), one.context(), result, {around.display, true}), around,
+                findCorrections(one.text(), one.context(), result, demandsOf(around, true)), around,
                 failure);
     return failure;
 }

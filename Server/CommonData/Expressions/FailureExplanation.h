@@ -16,6 +16,7 @@
 #include "Server/CommonData/Export.h"
 #include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/ParseFailure.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
 
 namespace Vn::Expressions {
 
@@ -58,6 +59,9 @@ struct TextAround {
     std::wstring after{};
     // A correction whose value can't be shown in what this expects is none.
     Units::UnitContext display{};
+    // By whose mark of decimals "1,500" or "1.500" in a text that is corrected may be fifteen
+    // hundred; null for the settings that all values are shown by.
+    Units::UnitDisplaySettings const * settings = nullptr;
 };
 
 // Explains `result`, which parsing `text` in `context` gave.  If there is a tree, the failure is
