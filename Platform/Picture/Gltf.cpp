@@ -138,62 +138,76 @@ Status isTooLarge(std::uint64_t most) {
 constexpr std::uint64_t c_binaryHeader = 12;
 constexpr std::uint64_t c_chunkHeader = 8;
 
-// The file as a whole: the object with the end of its text still to come.
-class Writer {
-public:
-    Writer(std::string text, GltfMeshes const & meshes)
-        : m_text(std::move(text)), m_rMeshes(meshes) {}
+// For names of lists, the views of the buffer, and what stands around it.
+constexpr std::uint64_t c_slack = 1000;
 
-    bool write(bool binary, std::uint64_t mostBytes, std::string & bytes) {
-        std::uint64_t const buffer = m_rMeshes.bufferLength();
-        if (buffer > 0) m_text += ",\"buffers\":[{\"byteLength\":" + std::to_string(buffer);
-        return binary ? writeBinary(mostBytes, bytes) : writeText(mostBytes, bytes);
+// The parts of the object, and the file that is put together of them at once.
+struct Parts {
+    std::string head; // up to the lists
+    JsonList nodes;
+    JsonList cameras;
+    GltfMeshes meshes;
+
+    // What the lists, the meshes apart from the buffer, and the end take at most.
+    std::uint64_t textLength() const {
+        return head.size() + nodes.length() + cameras.length() + meshes.textLength() + c_slack;
     }
 
-private:
-    bool writeText(std::uint64_t mostBytes, std::string & bytes) {
-        constexpr char c_uri[] = ",\"uri\":\"data:application/octet-stream;base64,";
-        constexpr char c_end[] = "\"}]";
-        std::uint64_t const buffer = m_rMeshes.bufferLength();
-        std::uint64_t length = m_text.size() + 2;
-        if (buffer > 0) length += sizeof c_uri + sizeof c_end - 2 + (buffer + 2) / 3 * 4;
-        if (length > mostBytes) return false;
-        m_text.reserve(length);
-        if (buffer > 0) {
-            m_text += c_uri;
-            appendBase64(m_text, m_rMeshes.vertices(), m_rMeshes.indices());
-            m_text += c_end;
-        }
-        m_text += "}\n";
-        bytes = std::move(m_text);
-        return true;
+    // Up to the buffer, which isn't closed if there is one.
+    void appendTo(std::string & object) const {
+        object += head;
+        nodes.appendTo(object, "nodes");
+        meshes.appendTo(object);
+        cameras.appendTo(object, "cameras");
+        if (std::size_t const buffer = meshes.bufferLength())
+            object += ",\"buffers\":[{\"byteLength\":" + std::to_string(buffer);
     }
-
-    bool writeBinary(std::uint64_t mostBytes, std::string & bytes) {
-        std::uint64_t const buffer = m_rMeshes.bufferLength();
-        m_text += buffer > 0 ? "}]}" : "}";
-        m_text.resize(roundedUp(m_text.size()), ' ');
-        std::uint64_t length = c_binaryHeader + c_chunkHeader + m_text.size();
-        if (buffer > 0) length += c_chunkHeader + buffer; // which is a multiple of four
-        if (length > mostBytes) return false;
-        bytes.reserve(length);
-        bytes = "glTF";
-        appendNumber(bytes, 2);
-        appendNumber(bytes, length);
-        appendNumber(bytes, m_text.size());
-        bytes += "JSON";
-        bytes += m_text;
-        if (buffer == 0) return true;
-        appendNumber(bytes, buffer);
-        bytes.append("BIN\0", 4);
-        bytes += m_rMeshes.vertices();
-        bytes += m_rMeshes.indices();
-        return true;
-    }
-
-    std::string m_text;
-    GltfMeshes const & m_rMeshes;
 };
+
+constexpr char c_uri[] = ",\"uri\":\"data:application/octet-stream;base64,";
+
+void writeText(Parts const & parts, std::string & bytes) {
+    parts.appendTo(bytes);
+    if (parts.meshes.bufferLength() > 0) {
+        bytes += c_uri;
+        appendBase64(bytes, parts.meshes.vertices(), parts.meshes.indices());
+        bytes += "\"}]";
+    }
+    bytes += "}\n";
+}
+
+void writeBinary(Parts const & parts, std::string & bytes) {
+    std::uint64_t const buffer = parts.meshes.bufferLength(); // a multiple of four
+    bytes.assign(c_binaryHeader + c_chunkHeader, '\0');
+    parts.appendTo(bytes);
+    bytes += buffer > 0 ? "}]}" : "}";
+    bytes.resize(roundedUp(bytes.size()), ' ');
+    std::uint64_t const text = bytes.size() - c_binaryHeader - c_chunkHeader;
+    std::string header = "glTF";
+    appendNumber(header, 2);
+    appendNumber(header, bytes.size() + (buffer > 0 ? c_chunkHeader + buffer : 0));
+    appendNumber(header, text);
+    header += "JSON";
+    bytes.replace(0, header.size(), header);
+    if (buffer == 0) return;
+    appendNumber(bytes, buffer);
+    bytes.append("BIN\0", 4);
+    bytes += parts.meshes.vertices();
+    bytes += parts.meshes.indices();
+}
+
+// False if the file would be larger than that.
+bool write(Parts const & parts, bool binary, std::uint64_t mostBytes, std::string & bytes) {
+    std::uint64_t const buffer = parts.meshes.bufferLength();
+    std::uint64_t const length = parts.textLength() + (binary ? buffer : (buffer + 2) / 3 * 4);
+    if (length > mostBytes + c_slack) return false;
+    bytes.reserve(length);
+    if (binary)
+        writeBinary(parts, bytes);
+    else
+        writeText(parts, bytes);
+    return bytes.size() <= mostBytes;
+}
 
 std::string headOf(GltfOptions const & options) {
     Json asset;
@@ -209,34 +223,26 @@ std::string headOf(GltfOptions const & options) {
 Status makeGltf(Vrx::Graphics::GroupNode const * top, GltfOptions const & options,
                 GltfModel & model) {
     std::uint64_t const most = std::min(options.mostBytes, GltfOptions::c_mostBytes);
-    GltfMeshes meshes;
+    Parts parts;
     GltfNodes nodes;
-    if (top && !nodes.addGraph(*top, meshes, most)) return isTooLarge(most);
+    if (top && !nodes.addGraph(*top, parts.meshes, most)) return isTooLarge(most);
     GltfModel made;
-    JsonList cameras;
     std::vector<GltfView> views; // of the cameras
     for (GltfView const & view : options.views) {
         ViewFrame frame;
         if (std::optional<Json> const camera = cameraOf(view, nodes.bounds(), frame)) {
-            nodes.addCamera(cameras.add(*camera), frame);
+            nodes.addCamera(parts.cameras.add(*camera), frame);
             views.push_back(view);
         } else
             ++made.badViews;
     }
-    std::string text = headOf(options);
-    {
-        JsonList list;
-        if (!nodes.write(rootOf(options), views, options.facts, most, list))
-            return isTooLarge(most);
-        list.appendTo(text, "nodes");
-    }
-    meshes.appendTo(text);
-    cameras.appendTo(text, "cameras");
-    made.parts = nodes.parts();
-    made.meshes = meshes.size();
-    made.leftOut = nodes.leftOut();
-    if (!Writer(std::move(text), meshes).write(options.binary, most, made.bytes))
+    parts.head = headOf(options);
+    if (!nodes.write(rootOf(options), views, options.facts, most, parts.nodes) ||
+        !write(parts, options.binary, most, made.bytes))
         return isTooLarge(most);
+    made.parts = nodes.parts();
+    made.meshes = parts.meshes.size();
+    made.leftOut = nodes.leftOut();
     model = std::move(made);
     return Status::success();
 }

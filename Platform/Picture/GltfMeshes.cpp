@@ -5,6 +5,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <utility>
 
 namespace Vn::Picture {
 
@@ -189,11 +190,11 @@ std::uint32_t GltfMeshes::numbersOf(SimpleMesh const & mesh) {
     if (!isNew || !pack(mesh)) return known->second;
     std::hash<std::string_view> const hash;
     std::size_t const key = hash(m_packed.vertexBytes) * 31 + hash(m_packed.indexBytes);
-    auto const [first, last] = m_byHash.equal_range(key);
-    for (auto i = first; i != last; ++i)
-        if (isPacked(m_numbers[i->second])) return known->second = i->second;
+    std::uint32_t & last = m_byHash.try_emplace(key, c_none).first->second;
+    for (std::uint32_t i = last; i != c_none; i = m_numbers[i].sameHash)
+        if (isPacked(m_numbers[i])) return known->second = i;
     known->second = addPacked();
-    m_byHash.emplace(key, known->second);
+    m_numbers.back().sameHash = std::exchange(last, known->second);
     return known->second;
 }
 
@@ -214,18 +215,27 @@ std::uint32_t GltfMeshes::materialOf(Color const & color) {
 
 std::uint32_t GltfMeshes::meshOf(std::uint32_t numbers, Color const & color) {
     std::uint32_t const material = materialOf(color);
+    Numbers & all = m_numbers[numbers];
+    if (all.material == c_none) {
+        all.material = material;
+        all.mesh = addMesh(all, material);
+    }
+    if (all.material == material) return all.mesh;
     auto const [known, isNew] = m_meshOf.try_emplace({numbers, material});
-    if (!isNew) return known->second;
-    Numbers const & all = m_numbers[numbers];
+    if (isNew) known->second = addMesh(all, material);
+    return known->second;
+}
+
+std::uint32_t GltfMeshes::addMesh(Numbers const & numbers, std::uint32_t material) {
     Json primitive;
-    primitive["attributes"]["POSITION"] = all.positions;
-    if (all.hasNormals) primitive["attributes"]["NORMAL"] = all.normals;
-    primitive["indices"] = all.indices;
+    primitive["attributes"]["POSITION"] = numbers.positions;
+    if (numbers.hasNormals) primitive["attributes"]["NORMAL"] = numbers.normals;
+    primitive["indices"] = numbers.indices;
     primitive["material"] = material;
     primitive["mode"] = static_cast<int>(c_triangles);
     Json mesh;
     mesh["primitives"].push_back(std::move(primitive));
-    return known->second = m_meshes.add(mesh);
+    return m_meshes.add(mesh);
 }
 
 void GltfMeshes::appendTo(std::string & object) const {

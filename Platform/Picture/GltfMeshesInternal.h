@@ -61,6 +61,9 @@ private:
         std::uint32_t normals = 0;
         std::uint32_t indices = 0;
         Vrx::Devices::BoundingBox box;
+        std::uint32_t material = c_none; // of the first mesh with them
+        std::uint32_t mesh = 0;
+        std::uint32_t sameHash = c_none; // other numbers with the same hash
     };
     // The numbers of a mesh before it is known whether they are new.
     struct Packed {
@@ -77,11 +80,13 @@ private:
     bool isPacked(Numbers const & numbers) const;
     std::uint32_t addPacked();
     std::uint32_t materialOf(Color const & color);
+    std::uint32_t addMesh(Numbers const & numbers, std::uint32_t material);
 
     std::unordered_map<Vrx::Devices::SimpleMesh const *, std::uint32_t> m_known;
-    std::unordered_multimap<std::size_t, std::uint32_t> m_byHash;
+    std::unordered_map<std::size_t, std::uint32_t> m_byHash; // the last of those with a hash
     std::vector<Numbers> m_numbers;
-    std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> m_meshOf; // and the material
+    // Further meshes by numbers and material.
+    std::map<std::pair<std::uint32_t, std::uint32_t>, std::uint32_t> m_meshOf;
     std::map<std::array<float, 4>, std::uint32_t> m_materialOf;
     JsonList m_meshes;
     JsonList m_materials;
