@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Collects the messages of the console from its sources, and brings them into its catalogues:
+# Collects the messages of the console and of the sample from their sources, and brings them into their
+# catalogues:
 #
-#     Tools/translations.sh          renews Translations/Console/VnConsole.pot and the .po files there
+#     Tools/translations.sh          renews the .pot and .po files in Translations/Console and
+#                                    Samples/Blocks/Translations
 #     Tools/translations.sh --check  only tells what would change, with status 1 if anything would
 #
 # A new message has no translation then, and one that isn't used any more is gone.  The texts of the
@@ -10,18 +12,16 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 export LC_ALL=C.UTF-8
 
-catalogues=Translations/Console
-template=$catalogues/VnConsole.pot
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-# What Console/Messages.h and the operations that build on it take.
+# What Console/Messages.h and Samples/Blocks/Texts.h take, and the operations that build on them.
 keywords=(--keyword --keyword=tr:1 --keyword=message:1 --keyword=messageUtf8:1
-  --keyword=messageIn:1c,2 --keyword=cannot:1)
+  --keyword=messageIn:1c,2 --keyword=cannot:1 --keyword=marked:1)
 
-collect() {
-  cat <<'HEADER'
-# The messages of the console.
+collect() { # collect TITLE DIRECTORY: the messages of the sources there
+  cat <<HEADER
+# $1
 msgid ""
 msgstr ""
 "Project-Id-Version: VnCommonData 10\n"
@@ -31,10 +31,14 @@ msgstr ""
 
 HEADER
   # xgettext doesn't join wide literals, nor read UTF-8 in them: they are made narrow.
-  find Console \( -name '*.cpp' -o -name '*.h' \) ! -path Console/Messages.h | sort >"$work/sources"
+  find "$2" \( -name '*.cpp' -o -name '*.h' -o -name Materials.xml \) \
+    ! -path Console/Messages.h ! -path Samples/Blocks/Texts.h | sort >"$work/sources"
   while read -r source; do
     mkdir -p "$work/$(dirname "$source")"
-    sed -E 's/\bL(R?")/\1/g' "$source" >"$work/$source"
+    case $source in
+      *.xml) sed -nE 's/.* name=("[^"]*").*/tr(\1);/p' "$source" ;; # the names of materials
+      *) sed -E 's/\bL(R?")/\1/g' "$source" ;;
+    esac >"$work/$source"
   done <"$work/sources"
   xgettext --language=C++ --from-code=UTF-8 --directory="$work" --files-from="$work/sources" \
     --omit-header --no-wrap --add-location=file --add-comments=Translators: "${keywords[@]}" \
@@ -42,12 +46,6 @@ HEADER
     sed '/^#, .*format/d'
 }
 
-merge() { # merge OLD: the catalogue with the messages of today
-  msgmerge --quiet --no-fuzzy-matching --no-wrap --add-location=file "$1" "$work/VnConsole.pot" |
-    msgattrib --no-obsolete --no-wrap
-}
-
-collect >"$work/VnConsole.pot"
 status=0
 renew() { # renew NEW OLD
   if cmp -s "$1" "$2"; then return; fi
@@ -59,10 +57,19 @@ renew() { # renew NEW OLD
   fi
 }
 
+renew_catalogues() { # renew_catalogues TEMPLATE TITLE SOURCES
+  local catalogue new
+  collect "$2" "$3" >"$work/new.pot"
+  renew "$work/new.pot" "$1"
+  for catalogue in "${1%/*}"/*.po; do
+    new=$work/${catalogue##*/}
+    msgmerge --quiet --no-fuzzy-matching --no-wrap --add-location=file "$catalogue" "$work/new.pot" |
+      msgattrib --no-obsolete --no-wrap >"$new"
+    renew "$new" "$catalogue"
+  done
+}
+
 if [ "${1:-}" = --check ]; then check=1; fi
-renew "$work/VnConsole.pot" "$template"
-for catalogue in "$catalogues"/*.po; do
-  merge "$catalogue" >"$work/${catalogue##*/}"
-  renew "$work/${catalogue##*/}" "$catalogue"
-done
+renew_catalogues Translations/Console/VnConsole.pot "The messages of the console." Console
+renew_catalogues Samples/Blocks/Translations/VnBlocks.pot "The messages of the sample." Samples/Blocks
 exit $status
