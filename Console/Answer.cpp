@@ -88,9 +88,9 @@ std::string tokensOf(std::wstring const & text) {
     return answer + ']';
 }
 
-std::string notesOn(Expression const & expression) {
+std::string notesOn(Expression const & expression, UnitDisplaySettings const & settings) {
     std::string all = "[";
-    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression)) {
+    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression, settings)) {
         Members members;
         members.add("reading", Expressions::readingName(note.reading));
         members.add("start", note.start);
@@ -102,18 +102,26 @@ std::string notesOn(Expression const & expression) {
     return all + ']';
 }
 
-// Why there is no value.  What else is found out about a text that people may mean otherwise has
-// its members here too.
-void addExplanation(Expression const & expression, bool hasValue, Members & members) {
-    FailureExplanation const failure = hasValue ? FailureExplanation() : explainFailure(expression);
-    members.add("reason", Expressions::failureName(failure.reason));
+void addPlace(FailureExplanation const & failure, Members & members) {
     members.add("start", failure.start);
     members.add("end", failure.end);
-    members.add("explanation", failure.explanation);
+}
+
+void addHints(FailureExplanation const & failure, Members & members) {
     members.add("suggestions", failure.suggestions);
     members.add("hint", failure.hint);
     members.add("corrections", failure.corrections);
-    members.raw("notes", hasValue ? notesOn(expression) : "[]");
+}
+
+// Why there is no value.  What else is found out about a text that people may mean otherwise has
+// its members here too.
+void addExplanation(Expression const & expression, UnitDisplaySettings const & settings,
+                    bool hasValue, FailureExplanation const & failure, Members & members) {
+    members.add("reason", Expressions::failureName(failure.reason));
+    addPlace(failure, members);
+    members.add("explanation", failure.explanation);
+    addHints(failure, members);
+    members.raw("notes", hasValue ? notesOn(expression, settings) : "[]");
 }
 
 } // namespace
@@ -128,7 +136,8 @@ std::string jsonNumber(double value) {
 }
 
 std::string answerMembers(Expression const & expression, UnitDisplaySettings const & settings,
-                          UnitContext const & display, bool withTokens) {
+                          UnitContext const & display, bool withTokens,
+                          FailureExplanation const & failure) {
     Evaluation const e = expression ? evaluate(expression, settings, display) : Evaluation();
     std::optional<Units::ComplexUnit> const units = expression.units();
     Members members;
@@ -149,7 +158,14 @@ std::string answerMembers(Expression const & expression, UnitDisplaySettings con
     members.add("internalUnits", e.internalUnits);
     members.add("rebuiltReadsBack", e.readsBack);
     members.add("textToStore", expression ? textToStore(e, expression) : std::wstring());
-    addExplanation(expression, e.value.has_value(), members);
+    addExplanation(expression, settings, e.value.has_value(), failure, members);
+    return members.take();
+}
+
+std::string refusalMembers(FailureExplanation const & failure) {
+    Members members;
+    addPlace(failure, members);
+    addHints(failure, members);
     return members.take();
 }
 

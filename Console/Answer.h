@@ -17,8 +17,8 @@
 //   start, end          the piece of the text that is at fault
 //   explanation         the reason in words, also for a tree without a value
 //   suggestions, hint   known names like one that isn't known, and what to type instead
-//   corrections         texts that may be meant by one without a tree, the likeliest first; each
-//                       parses
+//   corrections         lines that may be meant by one without a value, the likeliest first; each
+//                       is good
 //   notes               readings that people rarely mean, of a text with a value: objects with the
 //                       name of the reading, the start and end of the piece, and the text of the
 //                       note
@@ -32,7 +32,7 @@
 #include <string>
 #include <string_view>
 
-#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
 
 namespace Vn::Console {
 
@@ -42,11 +42,16 @@ std::string jsonText(std::wstring_view text);
 // A number in 17 digits at most, from which the same one is read.
 std::string jsonNumber(double value);
 
-// The members, with commas between them and no braces around them.  Memory may run out in it, which
-// leaves nothing behind.
+// The members, with commas between them and no braces around them.  `failure` is the explanation of
+// an expression without a value.  Memory may run out in it, which leaves nothing behind.
 std::string answerMembers(Expressions::Expression const & expression,
                           Units::UnitDisplaySettings const & settings,
-                          Units::UnitContext const & display, bool withTokens);
+                          Units::UnitContext const & display, bool withTokens,
+                          Expressions::FailureExplanation const & failure);
+
+// The members that tell of the place of a fault, and what to type instead: start, end, suggestions,
+// hint and corrections.
+std::string refusalMembers(Expressions::FailureExplanation const & failure);
 
 } // namespace Vn::Console
 

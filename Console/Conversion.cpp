@@ -1,5 +1,6 @@
 #include "Console/Conversion.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "Console/Evaluation.h"
@@ -13,7 +14,11 @@
 namespace Vn::Console {
 
 using Expressions::EResult;
+using Expressions::explainFailure;
+using Expressions::explainUnit;
 using Expressions::Expression;
+using Expressions::FailureExplanation;
+using Expressions::TextAround;
 using Units::UnitContext;
 
 namespace {
@@ -61,7 +66,7 @@ std::vector<Place> findPlaces(std::wstring_view text) {
 class Reader {
 public:
     Reader(std::wstring text, UnitContext const & context, LastValue const & last)
-        : m_text(std::move(text)), m_rContext(context), m_rLast(last) {}
+        : m_typed(std::move(text)), m_text(m_typed), m_rContext(context), m_rLast(last) {}
 
     Request read() {
         Expression whole(m_text, m_rContext);
@@ -109,9 +114,12 @@ private:
 
     Request convert(Expression expression, std::vector<Place> const & places,
                     Place const & place) const {
-        if (!expression) return found(std::move(expression));
         std::wstring const target(trimmed(std::wstring_view(m_text).substr(place.end)));
         Request request = found(std::move(expression));
+        if (!request.expression) {
+            request.conversion = m_text.substr(frontOf(place).size());
+            return request;
+        }
         if (target == L"?") {
             request.wantsEquivalents = true;
             return request;
@@ -126,24 +134,46 @@ private:
         if (place.begin != places.back().begin)
             return refused(message(L"a value is converted once, and to one unit"),
                            places.back().begin);
-        Request answer =
-            refused(message(L"%1% isn't a unit", inQuotes(target)), m_text.find(target, place.end));
-        answer.refusal->question = unitQuestion(target);
-        return answer;
+        std::size_t const index = m_text.find(target, place.end);
+        std::wstring const why = message(L"%1% isn't a unit", inQuotes(target));
+        if (!m_typed.ends_with(std::wstring_view(m_text).substr(index))) return refused(why, index);
+        std::wstring const before = m_typed.substr(0, indexTyped(index));
+        return refused(why, explainUnit(target, {before, {}, shownIn(request)}));
     }
 
     Request noLastValue(std::size_t index) const {
         return refused(message(L"there is no last value yet"), index);
     }
 
+    // What can show the value of an expression.
+    static UnitContext shownIn(Request const & request) {
+        std::optional<Units::ComplexUnit> const units = request.expression.units();
+        return units ? UnitContext(&*units) : UnitContext();
+    }
+
     Request refused(std::wstring const & why, std::size_t index) const {
+        FailureExplanation explanation;
+        explanation.position = Text::length16(m_typed.substr(0, indexTyped(index)));
+        explanation.start = explanation.end = explanation.position;
+        return refused(why, std::move(explanation));
+    }
+
+    Request refused(std::wstring const & why, FailureExplanation explanation) const {
         Request request;
-        request.refusal =
-            Refusal{why, {}, m_text, Text::length16(std::wstring_view(m_text).substr(0, index))};
+        request.refusal = Refusal{why, m_typed, std::move(explanation)};
         return request;
     }
 
-    std::wstring m_text;
+    // Where the rest of the text from `index` stands in the line as it was typed; the first "ans"
+    // if that is in the rest.
+    std::size_t indexTyped(std::size_t index) const {
+        std::wstring_view const rest = std::wstring_view(m_text).substr(index);
+        if (m_typed.ends_with(rest)) return m_typed.size() - rest.size();
+        return std::min(m_typed.find(LastValue::c_word), m_typed.size());
+    }
+
+    std::wstring const m_typed;
+    std::wstring m_text; // with the last value in it
     UnitContext const & m_rContext;
     LastValue const & m_rLast;
 };
@@ -155,10 +185,39 @@ Request readRequest(std::wstring const & text, UnitContext const & context,
     return Reader(text, context, last).read();
 }
 
+FailureExplanation explainFailure(Request const & request,
+                                  Units::UnitDisplaySettings const & settings) {
+    std::wstring_view const conversion = request.conversion;
+    TextAround around{{}, request.conversion, {}, &settings};
+    if (conversion.empty()) return explainFailure(request.expression, around);
+    Place const place = findPlaces(conversion).front();
+    std::wstring const target(trimmed(conversion.substr(place.end)));
+    if (target != L"?") {
+        std::optional<UnitContext> unit = unitContext(target);
+        if (!unit) {
+            // The unit may have to be corrected too.
+            std::vector<std::wstring> const units = explainUnit(target).corrections;
+            if (!units.empty()) unit = unitContext(units.front());
+            if (unit)
+                around.after.replace(around.after.rfind(target), target.size(), units.front());
+        }
+        if (!unit) {
+            // No correction of the expression makes the line good.
+            FailureExplanation failure = explainFailure(request.expression);
+            failure.hint.clear();
+            failure.corrections.clear();
+            return failure;
+        }
+        around.display = *unit;
+    }
+    return explainFailure(request.expression, around);
+}
+
 std::string refusalLines(Refusal const & refusal) {
-    Excerpt const excerpt = excerptAt(refusal.text, refusal.position);
+    FailureExplanation const & failure = refusal.explanation;
+    Excerpt const excerpt = excerptAt(refusal.text, failure.start, failure.start, failure.end);
     return Text::toUtf8(refusal.message + L"\n  " + excerpt.text + L"\n  " + excerpt.marks + L'\n' +
-                        refusal.question);
+                        hintLine(failure));
 }
 
 } // namespace Vn::Console

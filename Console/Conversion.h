@@ -15,7 +15,7 @@
 #include <string>
 
 #include "Console/LastValue.h"
-#include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
 #include "Server/CommonData/Units/UnitContext.h"
 
 namespace Vn::Console {
@@ -23,9 +23,9 @@ namespace Vn::Console {
 // Why a text that is meant as a conversion, or names the last value, can't be read.
 struct Refusal {
     std::wstring message;
-    std::wstring question;    // "did you mean mm?"; empty without suggestions
-    std::wstring text;        // what was read
-    std::size_t position = 0; // of the place in it, in 16-bit characters
+    std::wstring text; // the line
+    // The place in it, and what to type instead.
+    Expressions::FailureExplanation explanation;
 };
 
 // What a text asks for.
@@ -34,7 +34,14 @@ struct Request {
     std::optional<Units::UnitContext> target; // the unit to show it in
     bool wantsEquivalents = false;            // the value in all units of its dimension
     std::optional<Refusal> refusal;
+    std::wstring conversion; // what stands after an expression that failed: " to in"
 };
+
+// Why the expression of a request has no value, with the whole line in the corrections, for whom
+// values are shown by `settings`.
+Expressions::FailureExplanation
+explainFailure(Request const & request,
+               Units::UnitDisplaySettings const & settings = Units::UnitDisplaySettings::get());
 
 // Reads a text.  Bare numbers in it are read as `context` has it.
 Request readRequest(std::wstring const & text, Units::UnitContext const & context,

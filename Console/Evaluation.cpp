@@ -65,10 +65,12 @@ void tell(std::string const & text, std::ostream & out, std::ostream & err) {
 }
 
 // Whether there is nothing to evaluate, which is told.
-bool tellFailure(Request const & request, std::ostream & out, std::ostream & err) {
+bool tellFailure(Request const & request, UnitDisplaySettings const & settings, std::ostream & out,
+                 std::ostream & err) {
     if (!request.refusal && request.expression) return false;
-    tell(request.refusal ? refusalLines(*request.refusal) : failureLines(request.expression), out,
-         err);
+    tell(request.refusal ? refusalLines(*request.refusal)
+                         : failureLines(request.expression, explainFailure(request, settings)),
+         out, err);
     return true;
 }
 
@@ -89,9 +91,10 @@ void showEquivalents(Expression const & expression, UnitDisplaySettings const & 
 }
 
 // What was read otherwise than it may be meant.
-void tellNotes(Expression const & expression, std::ostream & out, std::ostream & err) {
+void tellNotes(Expression const & expression, UnitDisplaySettings const & settings,
+               std::ostream & out, std::ostream & err) {
     std::wstring lines;
-    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression))
+    for (Expressions::ReadingNote const & note : Expressions::readingNotes(expression, settings))
         lines += message(L"note: %1%", note.text) + L'\n';
     if (!lines.empty()) tell(Text::toUtf8(lines), out, err);
 }
@@ -132,7 +135,7 @@ std::wstring textToStore(Evaluation const & evaluation, Expression const & expre
 bool showEvaluation(Request const & request, UnitDisplaySettings const & settings,
                     UnitContext const & display, std::ostream & out, std::ostream & err) {
     Expression const & expression = request.expression;
-    if (tellFailure(request, out, err)) return false;
+    if (tellFailure(request, settings, out, err)) return false;
     UnitContext const & shown = request.target ? *request.target : display;
     Evaluation const e = evaluate(expression, settings, shown);
     if (request.wantsEquivalents && e.value) {
@@ -149,7 +152,7 @@ bool showEvaluation(Request const & request, UnitDisplaySettings const & setting
         table.add({L"", message(L"(the rebuilt text would not read back to the same value)")});
     }
     out << table.toUtf8();
-    tellNotes(expression, out, err);
+    tellNotes(expression, settings, out, err);
     if (e.error.empty()) return true;
     tell("vnconsole: " + Text::toUtf8(e.error) + '\n', out, err);
     return false;
@@ -158,7 +161,7 @@ bool showEvaluation(Request const & request, UnitDisplaySettings const & setting
 bool showBriefly(Request const & request, UnitDisplaySettings const & settings,
                  UnitContext const & display, std::ostream & out, std::ostream & err) {
     Expression const & expression = request.expression;
-    if (tellFailure(request, out, err)) return false;
+    if (tellFailure(request, settings, out, err)) return false;
     UnitContext const & shown = request.target ? *request.target : display;
     Evaluation const e = evaluate(expression, settings, shown);
     if (!e.error.empty() && !(request.wantsEquivalents && e.value)) {
@@ -178,7 +181,7 @@ bool showBriefly(Request const & request, UnitDisplaySettings const & settings,
                            printable(textToStore(e, expression)))
             << '\n';
     }
-    tellNotes(expression, out, err);
+    tellNotes(expression, settings, out, err);
     return true;
 }
 
@@ -189,7 +192,7 @@ bool readUnitContext(std::wstring const & text, std::string const & what, UnitCo
         return true;
     }
     err << what << ": " << messageUtf8(L"%1% isn't a unit", inQuotes(text)) << '\n';
-    err << Text::toUtf8(unitQuestion(text)) << std::flush;
+    err << Text::toUtf8(hintLine(Expressions::explainUnit(text))) << std::flush;
     return false;
 }
 

@@ -17,18 +17,21 @@ std::wstring line(std::wstring const & text) {
 
 std::wstring questionLine(FailureExplanation const & failure) { return line(failure.question); }
 
-std::wstring unitQuestion(std::wstring const & unit) {
-    // A unit is read as the unit of a number.
-    return questionLine(explainFailure(Expressions::Expression(L"1 " + unit)));
+std::wstring hintLine(FailureExplanation const & failure) {
+    return failure.hint.empty() ? questionLine(failure) : line(failure.hint);
 }
 
 std::string failureLines(Expressions::Expression const & expression) {
-    FailureExplanation const failure = explainFailure(expression);
+    return failureLines(expression, explainFailure(expression));
+}
+
+std::string failureLines(Expressions::Expression const & expression,
+                         FailureExplanation const & failure) {
     Excerpt const excerpt =
         excerptAt(expression.text(), failure.position, failure.start, failure.end);
     std::wstring text = failure.message + L'\n' + line(excerpt.text);
     if (failure.hasPlace) text += line(excerpt.marks);
-    return Text::toUtf8(text + (failure.hint.empty() ? questionLine(failure) : line(failure.hint)));
+    return Text::toUtf8(text + hintLine(failure));
 }
 
 } // namespace Vn::Console

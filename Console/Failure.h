@@ -12,12 +12,14 @@ namespace Vn::Console {
 // "  did you mean mm or Mm?" with its line end; empty without suggestions.
 std::wstring questionLine(Expressions::FailureExplanation const & failure);
 
-// The same for a text that isn't a unit.
-std::wstring unitQuestion(std::wstring const & unit);
+// The hint, else the question, with its line end; empty if there is neither.
+std::wstring hintLine(Expressions::FailureExplanation const & failure);
 
 // The lines that tell of the failure of an expression without a tree: the message, the text with a
 // mark under the place, and what to type instead.
 std::string failureLines(Expressions::Expression const & expression);
+std::string failureLines(Expressions::Expression const & expression,
+                         Expressions::FailureExplanation const & failure);
 
 } // namespace Vn::Console
 

@@ -323,6 +323,13 @@ std::vector<OptionsJob> const & optionsJobs() {
     return s_jobs;
 }
 
+std::vector<std::string> preferenceNames() {
+    std::vector<std::string> names;
+    for (OptionBase const * const option : Group::get()->options())
+        names.emplace_back(Group::fieldName(*option));
+    return names;
+}
+
 int runOptions(std::vector<std::wstring> const & words, bool json, std::ostream & out,
                std::ostream & err, std::function<void(OptionBase const &)> const & changed) {
     return OptionsCommand(json, out, err, changed).run(words);

@@ -23,6 +23,9 @@ struct OptionsJob {
 };
 std::vector<OptionsJob> const & optionsJobs();
 
+// The names of the preferences in their order, as the fields of the display settings are called.
+std::vector<std::string> preferenceNames();
+
 // Does what `words` say: the name of a job and its arguments; none lists the preferences.  A value
 // may be several words.  With `json` the answer is one object a line.  `changed` is told of each
 // preference that was set or reset, before the record of the settings is looked at again; it may be

@@ -37,8 +37,22 @@ constexpr std::pair<std::string_view, wchar_t const *> c_meanings[] = {
     {"useScientificNotationBelowThreshold", tr(L"smaller values get an exponent")},
 };
 
+bool isDigits(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// Whether a full stop may part thousands for who writes the decimal mark as a comma: "10.000".
+bool looksGrouped(std::string_view text) {
+    if (text.starts_with('-')) text.remove_prefix(1);
+    std::size_t const stop = text.find('.');
+    return stop != text.npos && stop > 0 && stop <= 3 && text.front() != '0' &&
+           text.size() == stop + 4 && isDigits(text.substr(0, stop)) &&
+           isDigits(text.substr(stop + 1));
+}
+
 // NaN for what can't be read.
-double readValue(Field const & field, std::wstring const & text) {
+double readValue(Field const & field, std::wstring const & text,
+                 Units::UnitDisplaySettings const & settings) {
     if (field.kind == ESettingsField::Flag) {
         for (wchar_t const * const yes : {L"true", L"on", L"yes", L"1"})
             if (Text::foldedEqual(text, std::wstring_view(yes))) return 1.0;
@@ -46,7 +60,8 @@ double readValue(Field const & field, std::wstring const & text) {
             if (Text::foldedEqual(text, std::wstring_view(no))) return 0.0;
         return std::nan("");
     }
-    std::string const utf8 = Text::toUtf8(text);
+    std::string utf8 = Text::toUtf8(text);
+    if (!settings.isDecimalPointFullStop()) std::replace(utf8.begin(), utf8.end(), ',', '.');
     double value = 0.0;
     auto const [end, error] = std::from_chars(utf8.data(), utf8.data() + utf8.size(), value);
     return error == std::errc() && end == utf8.data() + utf8.size() ? value : std::nan("");
@@ -85,11 +100,31 @@ std::wstring noSuchSetting(std::wstring const & name, wchar_t const * otherwise)
 
 std::wstring readSetting(Field const & field, std::wstring const & text,
                          Units::UnitDisplaySettings & settings) {
-    double const value = readValue(field, text);
+    if (field.kind != ESettingsField::Flag && !settings.isDecimalPointFullStop() &&
+        looksGrouped(Text::toUtf8(text))) {
+        std::wstring decimal = text;
+        std::replace(decimal.begin(), decimal.end(), L'.', L',');
+        std::wstring whole = text;
+        std::erase(whole, L'.');
+        return message(L"%1% can mean %2% or %3%: write one of these", inQuotes(text), decimal,
+                       whole);
+    }
+    double const value = readValue(field, text, settings);
     if (!std::isnan(value)) return setSetting(field, settings, value);
     return message(field.kind == ESettingsField::Flag ? tr(L"%1% is true or false, not %2%")
                                                       : tr(L"%1% is a number, not %2%"),
                    Text::widen(field.name), inQuotes(text));
+}
+
+std::vector<std::wstring> settingWords(Field const & field) {
+    constexpr double c_mostChoices = 10.0; // more are numbers
+    if (field.kind == ESettingsField::Flag) return {L"true", L"false"};
+    std::vector<std::wstring> words;
+    if (field.kind != ESettingsField::Whole || field.high - field.low >= c_mostChoices)
+        return words;
+    for (double value = field.low; value <= field.high; ++value)
+        words.push_back(shortestNumber(value));
+    return words;
 }
 
 std::wstring settingValue(Field const & field, Units::UnitDisplaySettings const & settings) {

@@ -4,6 +4,7 @@
 #define VN_CONSOLE_SETTINGSTEXTS_H
 
 #include <string>
+#include <vector>
 
 #include "Server/CommonData/Units/UnitDisplaySettingsFields.h"
 
@@ -24,9 +25,14 @@ Units::UnitDisplaySettingsField const * findSetting(std::wstring const & name);
 std::wstring noSuchSetting(std::wstring const & name, wchar_t const * otherwise);
 
 // Sets a field to a value as it is typed: a number, or a word such as "true", "off" or "yes".
-// Returns an empty text, or what is wrong with it.
+// Where the decimal mark of `settings` is the comma, a number has that or a full stop, unless the
+// full stop can part thousands: "10.000" is refused.  Returns an empty text, or what is wrong with
+// it.
 std::wstring readSetting(Units::UnitDisplaySettingsField const & field, std::wstring const & text,
                          Units::UnitDisplaySettings & settings);
+
+// The values that a flag or a choice takes, as they are typed; none for other numbers.
+std::vector<std::wstring> settingWords(Units::UnitDisplaySettingsField const & field);
 
 // The value of a field as it is typed.
 std::wstring settingValue(Units::UnitDisplaySettingsField const & field,

@@ -14,6 +14,7 @@
 #include "Console/Evaluation.h"
 #include "Console/Messages.h"
 #include "Console/SettingsTexts.h"
+#include "Console/Terminal/LineReader.h"
 #include "Console/Texts.h"
 #include "Console/UnitTexts.h"
 #include "Platform/Base/Text.h"
@@ -184,7 +185,9 @@ std::string answerTo(LineHandler const & line, bool withTokens) {
     Expression const expression(text, context);
     if (std::wstring const why = whyNotShown(expression, settings, display); !why.empty())
         throw LineError(Text::toUtf8(why));
-    return answerMembers(expression, settings, display, withTokens);
+    return answerMembers(expression, settings, display, withTokens,
+                         expression.value() ? Expressions::FailureExplanation()
+                                            : explainFailure(expression, {{}, {}, {}, &settings}));
 }
 
 // Without an id the line tells what is answered.
@@ -258,6 +261,13 @@ BatchOutcome runBatch(std::istream & in, std::ostream & out, BatchOptions const 
         if (options.progress && outcome.lines % c_linesBetweenReports == 0)
             options.progress(outcome.lines);
         bool const isRead = read == ERead::Line;
+        if (isRead && outcome.lines == 1) {
+            if (std::wstring const why = takeByteOrderMark(line); !why.empty()) {
+                out << errorAnswer("null", 1, Text::toUtf8(why)).text << '\n';
+                ++outcome.badLines;
+                break;
+            }
+        }
         if (isRead && line.find_first_not_of(" \t\r") == std::string::npos) continue;
         BatchAnswer const answer = isRead ? answerBatchLine(line, outcome.lines, options.withTokens)
                                           : outOfMemory("null", outcome.lines);

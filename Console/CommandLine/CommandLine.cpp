@@ -286,7 +286,27 @@ private:
         m_document->add_flag(
             "--verbose", m_verbose,
             messageUtf8(L"The tree with what the system itself says of each entity"));
+        addCallOption(EValueOption::Output, "FILE", messageUtf8(L"The file that picture makes"));
+        addCallOption(EValueOption::View, "VIEW",
+                      messageUtf8(L"The named view that picture draws, instead of HOME"));
+        addCallOption(EValueOption::From, "X,Y,Z",
+                      messageUtf8(L"The direction from which picture draws, instead of a view"));
+        addCallOption(EValueOption::Size, "WxH",
+                      messageUtf8(L"The size of the picture in pixels, instead of 1024x768"));
+        addCallFlag("--no-background",
+                    messageUtf8(L"The picture without the background of the document"));
         m_document->footer([] { return documentHelp(); });
+    }
+
+    // Options that belong to some of the commands on a document.
+    void addCallOption(EValueOption option, char const * typeName,
+                       std::string const & description) {
+        CLI::Option * const added = add(*m_document, option, m_converted, typeName, description);
+        added->expected(1)->take_last();
+        m_callOptions.push_back(added);
+    }
+    void addCallFlag(char const * name, std::string const & description) {
+        m_callOptions.push_back(m_document->add_flag(name, description));
     }
 
     void addOptions() {
@@ -342,6 +362,10 @@ private:
         DocumentOptions options;
         options.file = wide(m_file);
         options.words = texts(*m_calls);
+        for (CLI::Option const * const option : m_callOptions)
+            if (option->count() > 0)
+                options.callOptions.emplace_back(
+                    Text::fromUtf8("--" + option->get_lnames().front()), texts(*option).back());
         options.isNew = m_new;
         options.verbose = m_verbose;
         options.json = m_json;
@@ -349,6 +373,7 @@ private:
     }
 
     CLI::App m_app;
+    std::vector<CLI::Option const *> m_callOptions;
     CLI::App * m_eval = nullptr;
     CLI::App * m_units = nullptr;
     CLI::App * m_command = nullptr;

@@ -13,6 +13,7 @@
 #include "Console/Evaluation.h"
 #include "Console/Messages.h"
 #include "Console/SettingsTexts.h"
+#include "Console/Terminal/LineReader.h"
 #include "Console/Terminal/NumberedErrors.h"
 #include "Console/Terminal/Terminal.h"
 #include "Console/Texts.h"
@@ -128,10 +129,14 @@ private:
         if (!error.empty()) {
             m_rOut << ",\"error\":" << jsonText(error);
             if (line > 0) m_rOut << ",\"line\":" << line;
+            if (request.refusal) m_rOut << ',' << refusalMembers(request.refusal->explanation);
         } else {
             if (expression.text() != text)
                 m_rOut << ",\"expression\":" << jsonText(expression.text());
-            m_rOut << ',' << answerMembers(expression, m_rSettings, display, m_rOptions.withTokens);
+            m_rOut << ','
+                   << answerMembers(expression, m_rSettings, display, m_rOptions.withTokens,
+                                    expression.value() ? Expressions::FailureExplanation()
+                                                       : explainFailure(request, m_rSettings));
             if (request.wantsEquivalents)
                 m_rOut << ",\"equivalents\":" << jsonOf(equivalentsOf(expression, m_rSettings));
         }
@@ -159,11 +164,14 @@ bool answerLines(Evaluator & evaluator, std::istream & in, std::ostream & out,
         err << messageUtf8(L"Type expressions, each on a line; the end of the input ends.") << '\n'
             << std::flush;
     bool good = true;
-    std::string line;
-    for (std::size_t number = 1; out && std::getline(in, line); ++number) {
+    StreamLineReader reader(in);
+    for (std::size_t number = 1; out; ++number) {
+        std::optional<std::string> const line = reader.read({});
         err.begin(isTyped ? 0 : number);
+        if (!reader.refusal().empty()) good = evaluator.refuse(reader.refusal(), number);
+        if (!line) break;
         std::wstring text;
-        if (!Text::fromUtf8(line, text)) {
+        if (!Text::fromUtf8(*line, text)) {
             good &= evaluator.refuse(message(L"the line isn't UTF-8"), number);
         } else if (std::wstring_view const trim = trimmed(text); !trim.empty()) {
             good &= evaluator.answer(std::wstring(trim), number);

@@ -7,8 +7,10 @@
 
 #include "Console/CommandLine/ExitStatus.h"
 #include "Console/Documents/CommandTable.h"
+#include "Console/Host/Language.h"
 #include "Console/Options.h"
 #include "Console/Session/TextCommands.h"
+#include "Console/SettingsTexts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/UnitTest.h"
 #include "Server/CommonData/Expressions/Vocabulary.h"
@@ -40,10 +42,23 @@ Words kinds() {
     return words;
 }
 
-Words settingNames(char const * after) {
+// The values of a field, each after `front`; none for a name that no field has.
+Words valuesOfSetting(std::string const & name, std::string const & front) {
+    Words words;
+    if (Units::UnitDisplaySettingsField const * const field = findSetting(Text::fromUtf8(name)))
+        for (std::wstring const & word : settingWords(*field))
+            words.push_back(front + Text::toUtf8(word));
+    return words;
+}
+
+// Of "FIELD=VALUE", of which `begun` stands there.
+Words settings(std::string const & begun) {
+    std::size_t const equals = begun.find('=');
+    if (equals != begun.npos)
+        return valuesOfSetting(begun.substr(0, equals), begun.substr(0, equals + 1));
     Words words;
     for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields())
-        words.push_back(std::string(field.name) + after);
+        words.push_back(std::string(field.name) + '=');
     return words;
 }
 
@@ -67,22 +82,29 @@ Words groupsOfChecks() {
 }
 
 Words optionsWords(Words const & positionals) {
-    if (!positionals.empty())
-        return positionals.size() == 1 && positionals[0] != "list" && positionals[0] != "path"
-                   ? settingNames("")
-                   : Words();
+    if (positionals.size() == 2 && positionals[0] == "set")
+        return valuesOfSetting(positionals[1], {});
+    if (positionals.size() == 1 && positionals[0] != "list" && positionals[0] != "path")
+        return preferenceNames();
+    if (!positionals.empty()) return {};
     Words words;
     for (OptionsJob const & job : optionsJobs()) words.push_back(Text::toUtf8(job.name));
     return words;
 }
 
-// The values of an option by its long name.
-Words valuesOf(std::string const & option) {
-    if (option == "language") return {"de", "en", "fr", "ja"};
-    if (option == "options" || option == "document") return {c_files};
+Words languageTags() {
+    Words words;
+    for (std::wstring const & tag : languages()) words.push_back(Text::toUtf8(tag));
+    return words;
+}
+
+// The values of an option by its long name, of which `begun` stands there.
+Words valuesOf(std::string const & option, std::string const & begun) {
+    if (option == "language") return languageTags();
+    if (option == "options" || option == "document" || option == "output") return {c_files};
     if (option == "unit" || option == "display") return unitNames();
     if (option == "kind") return kinds();
-    if (option == "set") return settingNames("=");
+    if (option == "set") return settings(begun);
     if (option == "override") return {"volume=", "area=", "mass=", "density="};
     return {};
 }
@@ -114,7 +136,7 @@ public:
 
     Words take() const {
         std::string const & begun = m_words.back();
-        if (m_pOpen) return beginning(begun, {}, valuesOf(nameOf(*m_pOpen)));
+        if (m_pOpen) return beginning(begun, {}, valuesOf(nameOf(*m_pOpen), begun));
         if (!m_bTextsOnly && begun.starts_with('-')) return optionsOrValues(begun);
         if (!m_pSubcommand && !m_bTextsOnly) return beginning(begun, {}, subcommands());
         if (!m_pSubcommand) return {};
@@ -182,7 +204,8 @@ private:
         if (equals != begun.npos) {
             CLI::Option const * const option = find(begun);
             if (!option || !takesValue(*option)) return {};
-            return beginning(begun, begun.substr(0, equals + 1), valuesOf(nameOf(*option)));
+            return beginning(begun, begun.substr(0, equals + 1),
+                             valuesOf(nameOf(*option), begun.substr(equals + 1)));
         }
         Words words;
         for (CLI::Option const * const option : options())

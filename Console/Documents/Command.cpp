@@ -147,6 +147,43 @@ int unknown(std::wstring const & word, std::ostream & err) {
                     err);
 }
 
+DocumentCallOption const * findOption(DocumentCommand const & command, std::wstring const & name) {
+    for (DocumentCallOption const & option : command.callOptions)
+        if (name == option.option) return &option;
+    return nullptr;
+}
+
+// Gives the options of the call to the command that has them.
+int placeOptions(DocumentOptions const & options, std::vector<Call> & calls, std::ostream & err) {
+    for (auto const & [name, value] : options.callOptions) {
+        Call * found = nullptr;
+        DocumentCallOption const * option = nullptr;
+        for (Call & call : calls) {
+            DocumentCallOption const * const own = findOption(*call.command, name);
+            if (!own) continue;
+            if (found)
+                return badUsage(message(L"%1% is for one command, and there are several", name),
+                                err);
+            found = &call;
+            option = own;
+        }
+        if (!found) {
+            std::wstring names;
+            for (DocumentCommand const & command : documentCommands())
+                if (findOption(command, name))
+                    names += (names.empty() ? L"" : L", ") + Text::widen(command.alias);
+            return badUsage(message(L"%1% goes with the command %2%", name, oneOf(names)), err);
+        }
+        if (option->isFlag)
+            found->flags.emplace_back(option->word);
+        else if (!option->word)
+            found->parameters.insert(found->parameters.begin(), value);
+        else
+            found->parameters.insert(found->parameters.end(), {option->word, value});
+    }
+    return ExitGood;
+}
+
 // Finds the commands, and looks whether they go together; nothing is done yet.
 int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ostream & err) {
     for (Call & call : calls) {
@@ -188,7 +225,7 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
             message(L"%1% goes with the command %2%", L"--verbose", oneOf(aliases(&takesVerbose))),
             err);
     }
-    return ExitGood;
+    return placeOptions(options, calls, err);
 }
 
 // Whether there is something under the name, even if it leads nowhere.

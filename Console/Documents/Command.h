@@ -5,6 +5,7 @@
 
 #include <iosfwd>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Vn::Console {
@@ -19,6 +20,8 @@ struct DocumentOptions {
     bool isNew = false;   // the file is made by this call
     bool json = false;    // the tree is written as JSON, and nothing else is
     bool verbose = false; // the tree has what the system itself says of each entity
+    // Options that belong to some of the commands, by their long names, with their values.
+    std::vector<std::pair<std::wstring, std::wstring>> callOptions;
 };
 
 // The commands that a call may hold, a line for each.

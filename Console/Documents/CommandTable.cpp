@@ -21,6 +21,12 @@ constexpr wchar_t c_views[] = L"Views";
 // For commands that take any number of words.
 constexpr unsigned c_any = std::numeric_limits<unsigned>::max();
 
+constexpr DocumentCallOption c_pictureOptions[] = {{L"--output", nullptr},
+                                                   {L"--view", L"view"},
+                                                   {L"--from", L"from"},
+                                                   {L"--size", L"size"},
+                                                   {L"--no-background", L"NoBackground", true}};
+
 constexpr DocumentCommand c_commands[] = {
     {.area = c_document,
      .name = L"New",
@@ -443,6 +449,22 @@ constexpr DocumentCommand c_commands[] = {
      .examples = {{L"tree", tr(L"all entities with their paths and ids")},
                   {L"tree /Verbose", tr(L"what the system itself says of each")}},
      .write = &showTree},
+    {.area = c_document,
+     .name = L"Picture",
+     .alias = "picture",
+     .usage = L"<File> [view <View> | from <Direction>] [size <Width>x<Height>] [/NoBackground]",
+     .meaning = tr(L"Draws the document to a PNG file, as a view shows it or from a direction"),
+     .refusal = tr(L"cannot draw the picture: %1%"),
+     .least = 1,
+     .most = c_any,
+     .flag = L"NoBackground",
+     .call = EDocumentCall::Looks,
+     .callUsage = L"[--view VIEW | --from X,Y,Z] [--size WxH] [--no-background] -o FILE",
+     .callMeaning = tr(L"a picture of it as a PNG file"),
+     .callOptions = c_pictureOptions,
+     .examples = {{L"picture a.png view TOP", tr(L"draws the document as a view shows it")},
+                  {L"picture b.png from (1, 1, 1) size 640x480", tr(L"draws it from a direction")}},
+     .run = &drawPicture},
     {.area = c_document,
      .name = L"Undo",
      .alias = "undo",

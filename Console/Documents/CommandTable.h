@@ -31,6 +31,13 @@ struct DocumentExample {
     wchar_t const * meaning = nullptr;
 };
 
+// An option of a call, and what it stands for among the words of the command.
+struct DocumentCallOption {
+    wchar_t const * option; // "--view"
+    wchar_t const * word; // "view", in front of its value, or a flag; null for the first parameter
+    bool isFlag = false;
+};
+
 // How a command is called, and what it does.  The texts but for usages are messages.
 struct DocumentCommand {
     wchar_t const * area = nullptr;
@@ -47,6 +54,8 @@ struct DocumentCommand {
     EDocumentCall call = EDocumentCall::Changes;
     wchar_t const * callUsage = L"";   // what stands after the alias in a call of the console
     wchar_t const * callMeaning = L""; // what it does there
+    // The options of such a call that belong to this command, each as the console has it.
+    std::span<DocumentCallOption const> callOptions = {};
     DocumentExample examples[2] = {};
     // What it does; or in its place `write`, for a text that may be long: writes it, unless it
     // answers why it can't.

@@ -82,6 +82,9 @@ TextCommandResult synchronizeViews(DocumentSession & session,
                                    TextCommandParameters const & parameters);
 TextCommandResult restoreViews(DocumentSession & session, TextCommandParameters const & parameters);
 
+// What is made of the document.
+TextCommandResult drawPicture(DocumentSession & session, TextCommandParameters const & parameters);
+
 // A refusal: a message such as "cannot save: %1%", with the reason in its place.
 TextCommandResult cannot(wchar_t const * refusal, std::wstring_view reason);
 

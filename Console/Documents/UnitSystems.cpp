@@ -142,9 +142,8 @@ std::wstring readKeptUnit(std::wstring const & text, ComplexUnit & units) {
                 return message(L"%1%; write %2%", why,
                                unitText(read, Units::UnitDisplaySettings::standard()));
         }
-        std::wstring const question = std::wstring(
-            trimmed(questionLine(explainFailure(Expressions::Expression(L"1 " + text)))));
-        return question.empty() ? why : message(L"%1%; %2%", why, question);
+        std::wstring const hint(trimmed(hintLine(Expressions::explainUnit(text))));
+        return hint.empty() ? why : message(L"%1%; %2%", why, hint);
     }
     if (!UnitSystemChoice::isStorable(&read)) {
         std::wstring const back = UnitSystemChoice::reconstructString(&read);

@@ -8,6 +8,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "Console/Documents/Cameras.h"
 #include "Console/Documents/Coordinates.h"
 #include "Console/Documents/Equipment.h"
 #include "Console/Documents/Operations.h"
@@ -59,34 +60,11 @@ bool isWord(std::wstring const & text, wchar_t const * word) {
     return Text::foldedEqual(std::wstring_view(text), std::wstring_view(word));
 }
 
-// Finds the views of the document.  The answer is empty, or says why there are none.
-std::wstring findViews(DocumentSession const & session, Views & views) {
-    if (std::wstring why = whyNoViews(session.design()); !why.empty()) return why;
-    views = viewsOf(session.design());
-    return views ? L""
-                 : message(L"the document has no views yet; Views.Restore makes the built-in ones");
-}
-
-std::vector<std::wstring> namesOf(NamedViews const & views) {
-    std::vector<std::wstring> names;
-    for (unsigned i = 0; i < views.children(); ++i)
-        if (View const view = views.namedView(i)) names.push_back(view->name());
-    return names;
-}
-
-// Finds a view by its name, the first of several.  As above.
-std::wstring findView(NamedViews const & views, std::wstring const & name, View & view) {
-    view = views.find(name);
-    return view
-               ? L""
-               : message(L"there is no view %1%", inQuotes(name)) + orInstead(name, namesOf(views));
-}
-
-// Both of them.
+// Finds the views and one of them.  The answer is empty, or says why there are none.
 std::wstring findView(DocumentSession const & session, std::wstring const & name, Views & views,
                       View & view) {
-    std::wstring why = findViews(session, views);
-    return why.empty() ? findView(*views, name, view) : why;
+    std::wstring why = findViews(session.design(), views);
+    return why.empty() ? Console::findView(*views, name, view) : why;
 }
 
 // What was done, and why the name came out in another way than wished, if it did.
@@ -120,27 +98,6 @@ std::wstring runAsStep(DocumentSession & session, std::unique_ptr<Request> reque
 }
 
 // --- Cameras -----------------------------------------------------------------------------------
-
-// What a view keeps of a camera.
-struct CameraValues {
-    TgPoint3d position;
-    TgPoint3d target;
-    TgVector3d up;
-    double width = 0;
-    double height = 0;
-
-    bool operator==(CameraValues const &) const = default;
-};
-
-CameraValues valuesOf(Camera const & camera) {
-    return {camera.position(), camera.target(), camera.up(), camera.extentsWidth(),
-            camera.extentsHeight()};
-}
-
-CameraValues valuesOf(CommonDataAssetSettings const & settings) {
-    return {settings.currentHomePosition(), settings.currentHomeTarget(), settings.currentHomeUp(),
-            settings.currHomeExtentsWidth(), settings.currHomeExtentsHeight()};
-}
 
 // A camera that ends with the change, unless a view takes it.
 StrongRef<Camera> makeCamera(Segment & design, CameraValues const & values) {

@@ -14,16 +14,20 @@ constexpr ValueOptionName c_names[] = {
     {EValueOption::Density, "--density", nullptr},
     {EValueOption::Display, "--display", "-d"},
     {EValueOption::Document, "--document", nullptr},
+    {EValueOption::From, "--from", nullptr},
     {EValueOption::Id, "--id", nullptr},
     {EValueOption::Kind, "--kind", nullptr},
     {EValueOption::Language, "--language", nullptr},
     {EValueOption::Material, "--material", nullptr},
     {EValueOption::Options, "--options", nullptr},
+    {EValueOption::Output, "--output", "-o"},
     {EValueOption::Override, "--override", nullptr},
     {EValueOption::Precision, "--precision", nullptr},
     {EValueOption::Set, "--set", nullptr},
+    {EValueOption::Size, "--size", nullptr},
     {EValueOption::System, "--system", nullptr},
     {EValueOption::Unit, "--unit", "-u"},
+    {EValueOption::View, "--view", nullptr},
 };
 
 // The option that an argument begins with, up to a "=" or the end.

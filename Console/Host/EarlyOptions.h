@@ -14,16 +14,20 @@ enum class EValueOption {
     Density,
     Display,
     Document,
+    From,
     Id,
     Kind,
     Language,
     Material,
     Options,
+    Output,
     Override,
     Precision,
     Set,
+    Size,
     System,
-    Unit
+    Unit,
+    View
 };
 
 // How such an option is written.

@@ -6,11 +6,13 @@
 #include "Console/Documents/CommandTable.h"
 #include "Console/Documents/DocumentSettings.h"
 #include "Console/Documents/Operations.h"
+#include "Console/Host/Language.h"
 #include "Console/LastValue.h"
 #include "Console/Options.h"
 #include "Console/Session/FileNames.h"
 #include "Console/Session/Session.h"
 #include "Console/Session/TextCommands.h"
+#include "Console/SettingsTexts.h"
 #include "Console/Texts.h"
 #include "Platform/Base/Text.h"
 #include "Platform/Base/TextCommandService.h"
@@ -66,6 +68,27 @@ Completion choose(Candidates const & all, std::wstring_view begun) {
     return completion;
 }
 
+Candidates preferences() {
+    Candidates all;
+    for (std::string const & name : preferenceNames()) all.push_back({Text::widen(name), L" "});
+    return all;
+}
+
+// The values of the setting whose name ends `front`.
+Candidates valuesOfSetting(std::wstring_view front) {
+    Candidates all;
+    if (Units::UnitDisplaySettingsField const * const field =
+            findSetting(std::wstring(lastWord(front))))
+        for (std::wstring const & word : settingWords(*field)) all.push_back({word, L""});
+    return all;
+}
+
+Candidates languageTags() {
+    Candidates all;
+    for (std::wstring const & tag : languages()) all.push_back({tag, L""});
+    return all;
+}
+
 Candidates settings() {
     Candidates all;
     for (Units::UnitDisplaySettingsField const & field : Units::unitDisplaySettingsFields())
@@ -84,7 +107,39 @@ Candidates documentSettingNames() {
 // document.
 bool takesDocumentSetting(std::wstring_view front) {
     DocumentCommand const * const command = findDocumentCommand(front);
-    return command && (command->run == &setSetting || command->run == &resetSettings);
+    auto const runs = [&](decltype(DocumentCommand::run) what) { return command->run == what; };
+    return command && (runs(&setSetting) || runs(&resetSettings));
+}
+
+// How many words a line has; 0 if one of them is quoted and hasn't ended.
+std::size_t closedWords(std::wstring_view line) {
+    std::size_t words = 0;
+    for (std::size_t i = 0; i < line.size(); ++words) {
+        bool const isQuoted = line[i] == L'"';
+        bool isOpen = isQuoted;
+        for (++i; i < line.size() && (isOpen || !isSpace(line[i])); ++i)
+            if (isQuoted && line[i] == L'"' && line[i - 1] != L'\\') isOpen = false;
+        if (isOpen) return 0;
+        while (i < line.size() && isSpace(line[i])) ++i;
+    }
+    return words;
+}
+
+bool takesFile(DocumentCommand const & command) {
+    return std::wstring_view(command.usage).substr(1, 4) == L"File";
+}
+
+// The flags that the command in front of a word takes.
+Candidates flagsOf(std::wstring_view front) {
+    Candidates all;
+    std::wstring_view const first = front.substr(0, front.find_first_of(L" \t"));
+    if (first == L"options") all.push_back({L"--json", L""});
+    DocumentCommand const * const command = findDocumentCommand(first);
+    // What begins with a "/" may be a file too.
+    if (!command || closedWords(front) < (takesFile(*command) ? 2u : 1u)) return all;
+    for (wchar_t const * const flag : {command->flag, command->otherFlag})
+        if (flag) all.push_back({std::wstring(L"/") + flag, L""});
+    return all;
 }
 
 // What stands of the file that a command on documents takes first; none if the line begins with
@@ -94,7 +149,7 @@ std::optional<std::wstring_view> begunFile(std::wstring_view line) {
     while (end < line.size() && !isSpace(line[end])) ++end;
     if (end == line.size()) return std::nullopt;
     DocumentCommand const * const command = findDocumentCommand(line.substr(0, end));
-    if (!command || std::wstring_view(command->usage).substr(1, 4) != L"File") return std::nullopt;
+    if (!command || !takesFile(*command)) return std::nullopt;
     while (end < line.size() && isSpace(line[end])) ++end;
     return line.substr(end);
 }
@@ -138,10 +193,19 @@ Completion completeSessionLine(std::wstring_view line) {
     while (!line.empty() && isSpace(line.front())) line.remove_prefix(1);
     std::wstring_view const word = lastWord(line);
     std::wstring_view const front = trimmed(line.substr(0, line.size() - word.size()));
+    if (word.starts_with(L'/') || word.starts_with(L'-')) {
+        Completion const flags = choose(flagsOf(front), word);
+        if (!flags.candidates.empty()) return flags;
+    }
     if (front == L"set") return choose(settings(), word);
     if (front == L"options") return choose(optionsJobNames(), word);
     if (front == L"options get" || front == L"options set" || front == L"options reset")
-        return choose(settings(), word);
+        return choose(preferences(), word);
+    if (front.starts_with(L"set ") || front.starts_with(L"options set ")) {
+        Completion const values = choose(valuesOfSetting(front), word);
+        if (!values.candidates.empty()) return values;
+    }
+    if (front == L"language") return choose(languageTags(), word);
     if (std::optional<std::wstring_view> const file = begunFile(line))
         return completeFileName(*file);
     if (takesDocumentSetting(front)) return choose(documentSettingNames(), word);

@@ -10,7 +10,8 @@
 namespace Vn::Console {
 
 // The words that can stand where the line ends: at its beginning a command of the session or a text
-// command; after "set" a setting, after "help" a topic, after "open" a file; and anywhere what an
+// command; after "set" a setting and its values, after "language" a tag, after "help" a topic,
+// after "open" a file; after a "/" or "--" the flags of the command; and anywhere what an
 // expression can hold. The case must be as typed, unless nothing begins so.
 Completion completeSessionLine(std::wstring_view line);
 

@@ -1,6 +1,7 @@
 #include "Console/Session/FileNames.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -80,13 +81,29 @@ std::vector<Name> namesIn(std::wstring const & directory, std::wstring const & b
     return names;
 }
 
+// The user's directory; empty if the system names none.
+std::wstring homeDirectory() {
+    char const * const home = std::getenv("HOME");
+    std::wstring text;
+    if (!home || *home != '/' || !Text::fromUtf8(home, text)) return {};
+    while (text.ends_with(L'/')) text.pop_back();
+    return text;
+}
+
+// With the user's directory in place of a "~", which commands on documents don't know.
+std::wstring withoutTilde(std::wstring const & path) {
+    if (path != L"~" && !path.starts_with(L"~/")) return path;
+    std::wstring const home = homeDirectory();
+    return home.empty() ? path : home + (path == L"~" ? L"/" : path.substr(1));
+}
+
 } // namespace
 
 Completion completeFileName(std::wstring_view typed) {
     bool const isQuoted = typed.starts_with(L'"');
     // After a blank another parameter begins.
     if (!isQuoted && hasBlank(typed)) return {};
-    std::wstring const path = isQuoted ? unquoted(typed) : std::wstring(typed);
+    std::wstring const path = withoutTilde(isQuoted ? unquoted(typed) : std::wstring(typed));
     // What ends with its quote is complete.
     if (isQuoted && path.ends_with(L'"') && !typed.ends_with(L"\\\"")) return {};
     std::size_t const slash = path.rfind(L'/');

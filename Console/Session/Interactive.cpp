@@ -30,11 +30,10 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
     NumberedErrors err(plainErr);
     std::unique_ptr<LineReader> reader = makeEditor();
     bool const isTyped = reader != nullptr;
+    StreamLineReader piped(in);
     if (isTyped)
         out << messageUtf8(L"Type an expression, such as 1 in + 1 cm; help tells more, quit ends.")
             << '\n';
-    else
-        reader = std::make_unique<StreamLineReader>(in);
     Session session(out, err, standard);
     bool good = true;
     int status = ExitBadInput; // unless all was good
@@ -45,7 +44,7 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
     if (isTyped) noted.emplace();
     while (out.flush()) {
         OS::forgetInterruption(); // what comes from now on is meant for the next line
-        std::optional<std::string> const line = reader->read(session.prompt());
+        std::optional<std::string> const line = (reader ? *reader : piped).read(session.prompt());
         // The prompt is left standing by the end of the input.
         if (!line && isTyped) out << '\n' << std::flush;
         // Who types sees the line.
@@ -56,6 +55,7 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
             OS::NotedInterruptions const during;
             result = session.execute(*line);
             interrupted = OS::wasInterrupted();
+            if (interrupted && reader) reader->forget();
         }
         // Elsewhere it ends the command, and the lines after it aren't read.
         if (interrupted && !isTyped) {
@@ -68,6 +68,11 @@ int runInteractive(DocumentSession const & document, bool standard, std::istream
             result = Session::Result::Quit;
         }
         good &= result != Session::Result::Bad;
+        if (!piped.refusal().empty()) {
+            err.begin(1);
+            err << Text::toUtf8(piped.refusal()) << '\n' << std::flush;
+            good = false;
+        }
         if (result != Session::Result::Quit) {
             warned = false;
             continue;

@@ -4,8 +4,10 @@
 #include <csignal>
 #include <poll.h>
 #include <string>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
+#include <utility>
 
 #include "Platform/Base/Text.h"
 
@@ -90,6 +92,51 @@ std::size_t lengthOf(char first) {
                          : 0;
 }
 
+constexpr wchar_t c_escape = 27;
+constexpr wchar_t c_bell = 7;
+
+// What a terminal sends by itself comes at once, be it over a slow line.
+constexpr int c_pause = 100; // milliseconds
+
+// A key that was read, and belongs to the next sequence; 0 for none.
+wchar_t s_ahead = 0;
+
+bool isInputWaiting(int milliseconds) {
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    return ::poll(&input, 1, milliseconds) > 0;
+}
+
+// Reads the next key of a sequence; false if there is none.
+bool goesOn(TerminalEvents const & events, wchar_t & key) {
+    return isInputWaiting(c_pause) && readKey(events, key) == 1;
+}
+
+// Reads digits and signs, and the letter that ends them.
+void readParameters(TerminalEvents const & events, std::wstring & keys) {
+    for (wchar_t key = 0; goesOn(events, key);) {
+        if (key < 0x20 || key > 0x7E) {
+            s_ahead = key;
+            return;
+        }
+        keys += key;
+        if (key >= 0x40) return;
+    }
+}
+
+void readControlSequence(TerminalEvents const & events, std::wstring & keys) {
+    readParameters(events, keys);
+    // The function keys of some consoles have another bracket.
+    if (wchar_t key = 0; keys.ends_with(L"[[") && goesOn(events, key)) keys += key;
+}
+
+// Reads to its end what a terminal tells when it is asked.
+void readControlString(TerminalEvents const & events, std::wstring & keys) {
+    for (wchar_t key = 0; goesOn(events, key);) {
+        keys += key;
+        if (key == c_bell || keys.ends_with(L"\x1B\\")) return;
+    }
+}
+
 } // namespace
 
 int readKey(TerminalEvents const & events, wchar_t & key) {
@@ -115,10 +162,34 @@ int readKey(TerminalEvents const & events, wchar_t & key) {
     }
 }
 
-std::size_t terminalColumns() {
+int readSequence(TerminalEvents const & events, std::wstring & keys) {
+    keys.clear();
+    wchar_t key = 0;
+    if (s_ahead != 0)
+        key = std::exchange(s_ahead, L'\0');
+    else if (int const result = readKey(events, key); result != 1)
+        return result;
+    keys = key;
+    if (key != c_escape) return 1;
+    // Who presses the escape key takes time for the next.
+    if (int const result = readKey(events, key); result != 1) return result;
+    keys += key;
+    if (key == c_escape && goesOn(events, key)) keys += key;
+    if (key == L'[')
+        readControlSequence(events, keys);
+    else if (key == L'O')
+        readParameters(events, keys);
+    else if (std::wstring_view(L"]P^_").find(key) != std::wstring_view::npos)
+        readControlString(events, keys);
+    return 1;
+}
+
+bool isKeyWaiting() { return s_ahead != 0 || isInputWaiting(0); }
+
+TerminalSize terminalSize() {
     winsize size{};
-    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return 80;
-    return size.ws_col;
+    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0) size = {};
+    return {size.ws_row == 0 ? 24u : size.ws_row, size.ws_col == 0 ? 80u : size.ws_col};
 }
 
 } // namespace Vn::Console

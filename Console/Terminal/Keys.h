@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string>
 
 namespace Vn::Console {
 
@@ -19,8 +20,21 @@ struct TerminalEvents {
 // an error or an interruption by another signal.  One thread reads at a time.
 int readKey(TerminalEvents const & events, wchar_t & key);
 
-// The columns of the terminal that the standard output is; 80 if it doesn't tell.
-std::size_t terminalColumns();
+// The same for all characters that one key sends, or the terminal by itself: an escape character
+// with the sequence after it.  A sequence that doesn't go on soon ends there.
+int readSequence(TerminalEvents const & events, std::wstring & keys);
+
+// Whether a key was pressed that isn't read yet.
+bool isKeyWaiting();
+
+struct TerminalSize {
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+    bool operator==(TerminalSize const &) const = default;
+};
+
+// The size of the terminal that the standard output is; 24 rows and 80 columns if it doesn't tell.
+TerminalSize terminalSize();
 
 } // namespace Vn::Console
 

@@ -20,7 +20,14 @@ public:
     // The next line in UTF-8, without its end; none when there are no more.  The prompt is shown
     // only where a person types.
     virtual std::optional<std::string> read(std::wstring const & prompt) = 0;
+
+    // Drops what was typed ahead, as far as the reader has it.
+    virtual void forget() {}
 };
+
+// Takes the byte order mark of UTF-8 away from the first line of an input.  Returns an empty text,
+// or what is wrong with an input whose mark tells another encoding.
+std::wstring takeByteOrderMark(std::string & firstLine);
 
 // Lines from a file or a pipe.
 class StreamLineReader final : public LineReader {
@@ -30,8 +37,13 @@ public:
 
     std::optional<std::string> read(std::wstring const & prompt) override;
 
+    // Why there are no lines, if the stream is in an encoding that isn't read; else empty.
+    std::wstring const & refusal() const { return m_refusal; }
+
 private:
     std::istream & m_rIn;
+    std::wstring m_refusal;
+    bool m_bFirst = true; // nothing was read yet
 };
 
 // What can stand where a word has been begun.

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
+#include <random>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -77,7 +79,8 @@ Status failure(char const * operation, path const & file) {
 }
 #endif
 
-// Who may do what with a file, as POSIX has it; without a file, its user alone.
+// Who may do what with a file, as POSIX has it; without a file, its user alone.  Of the mode of a
+// new file the system takes away what the user doesn't give.
 struct Permissions {
     bool isOfFile = false;
     unsigned mode = 0600;
@@ -165,7 +168,9 @@ Status OpenFile::create(Permissions const &) {
 Status OpenFile::writeAll(std::string_view content) {
     while (!content.empty()) {
         DWORD put = 0;
-        if (!WriteFile(m_handle, content.data(), static_cast<DWORD>(content.size()), &put, nullptr))
+        constexpr std::size_t c_most = std::size_t{1} << 30; // a call takes less than 4 GiB
+        auto const size = static_cast<DWORD>(std::min(content.size(), c_most));
+        if (!WriteFile(m_handle, content.data(), size, &put, nullptr))
             return failure(c_write, m_rFile);
         content.remove_prefix(put);
     }
@@ -208,7 +213,7 @@ Status OpenFile::read(char * bytes, std::size_t size, std::size_t & count) {
 
 Status OpenFile::create(Permissions const & permissions) {
     constexpr int c_flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    m_handle = open(m_rFile.c_str(), c_flags, 0600);
+    m_handle = open(m_rFile.c_str(), c_flags, permissions.isOfFile ? 0600 : permissions.mode);
     if (m_handle < 0) return failure(c_write, m_rFile);
     if (!permissions.isOfFile) return Status::success();
     // As far as the file system has them.  The superuser leaves another user's file to that one;
@@ -293,6 +298,18 @@ Status renameInto(path const & from, path const & to) {
     return status;
 }
 
+// Makes a file beside another with that content, and gives it the name of the other.
+Status replaceBy(path const & neighbour, path const & file, std::string_view content,
+                 Permissions const & permissions) {
+    if (Status status = writeNewFile(neighbour, content, permissions); !status) return status;
+    if (Status status = renameInto(neighbour, file); !status) {
+        std::error_code ignored;
+        std::filesystem::remove(neighbour, ignored);
+        return status;
+    }
+    return syncDirectoryOf(file);
+}
+
 } // namespace
 
 void fileCallObserver(FileCallObserver observer) noexcept {
@@ -334,12 +351,27 @@ Status replaceSmallFile(path const & file, std::string_view content) {
     // A process that was killed while it saved has left one; nobody else writes one now.
     std::error_code ignored;
     std::filesystem::remove(neighbour, ignored);
-    if (Status status = writeNewFile(neighbour, content, permissions); !status) return status;
-    if (Status status = renameInto(neighbour, file); !status) {
-        std::filesystem::remove(neighbour, ignored);
-        return status;
-    }
-    return syncDirectoryOf(file);
+    return replaceBy(neighbour, file, content, permissions);
+}
+
+Status replaceFile(path const & file, std::string_view content) {
+    path target;
+    if (Status status = followLinks(file, target); !status) return status;
+    std::error_code ignored;
+    std::filesystem::file_status const before = std::filesystem::status(target, ignored);
+    if (std::filesystem::exists(before) && !std::filesystem::is_regular_file(before))
+        return Status::invalidArgument(c_write, pathText(target), "it isn't a file");
+    Permissions permissions;
+    permissions.mode = 0666;
+    if (Status status = permissionsOf(target, permissions); !status) return status;
+    char digits[8];
+    char const * const end =
+        std::to_chars(digits, digits + sizeof digits, std::random_device()(), 16).ptr;
+    path neighbour = target;
+    neighbour += '.';
+    neighbour += std::string_view(digits, static_cast<std::size_t>(end - digits));
+    neighbour += ".saving";
+    return replaceBy(neighbour, target, content, permissions);
 }
 
 Status makeSmallFile(path const & file, std::string_view content) {

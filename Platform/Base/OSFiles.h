@@ -12,8 +12,8 @@
 #include "Platform/Base/Export.h"
 #include "Platform/Base/Status.h"
 
-// Small files that several processes read and change, such as preferences: each is read whole and
-// replaced whole, and a lock is held from the one to the other.
+// Files that are read whole and replaced whole: small ones that several processes read and change,
+// such as preferences, where a lock is held from the one to the other; and what a user has written.
 namespace Vn::OS {
 
 // Reads a file.  One with more than `limit` bytes isn't read: StatusUnsupported.  What isn't a
@@ -28,6 +28,14 @@ namespace Vn::OS {
 // StatusAccessDenied.  The caller holds a lock that keeps others from replacing the file.
 [[nodiscard]] VN_BASE_API Status replaceSmallFile(std::filesystem::path const & file,
                                                   std::string_view content);
+
+// The same for a file that a user asked for, of any size, and without a lock: of several that do it
+// at a time, one is the last.  A link is followed, and what it leads to is replaced.  A new file
+// has the permissions that the system gives to new files.  What is there and isn't a regular file,
+// such as a directory or a device, is left alone: StatusInvalidArgument.  The neighbour has digits
+// of its own in its name, and is taken away after a failure.
+[[nodiscard]] VN_BASE_API Status replaceFile(std::filesystem::path const & file,
+                                             std::string_view content);
 
 // Makes a file with that content, which has reached the disk.  What has the name stays, and the
 // answer is StatusAlreadyExists.

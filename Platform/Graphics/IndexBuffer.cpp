@@ -19,9 +19,4 @@ IndexBuffer::IndexBuffer(std::span<std::uint32_t const> indices, bool narrow)
 
 IndexBuffer::~IndexBuffer() = default;
 
-std::uint32_t IndexBuffer::index(std::size_t place) const noexcept {
-    if (place >= indices()) return 0;
-    return m_bNarrow ? m_narrow[place] : m_wide[place];
-}
-
 } // namespace Vrx::Devices

@@ -22,7 +22,10 @@ public:
 
     // How many there are, and each of them; 0 for a bad place.
     std::size_t indices() const noexcept { return m_narrow.size() + m_wide.size(); }
-    std::uint32_t index(std::size_t place) const noexcept;
+    std::uint32_t index(std::size_t place) const noexcept {
+        if (place >= indices()) return 0;
+        return m_bNarrow ? m_narrow[place] : m_wide[place];
+    }
     // How many bytes an index takes: 2 or 4.
     std::size_t bytesPerIndex() const noexcept { return m_bNarrow ? 2 : 4; }
 

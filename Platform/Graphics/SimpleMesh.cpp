@@ -1,5 +1,6 @@
 #include "Platform/Graphics/SimpleMesh.h"
 
+#include <span>
 #include <utility>
 
 namespace Vrx::Devices {
@@ -15,12 +16,15 @@ SimpleMesh::~SimpleMesh() = default;
 
 std::optional<BoundingBox> SimpleMesh::bounds() const noexcept {
     if (m_box || !m_rVertices || !m_rIndices) return m_box;
+    std::span<float const> const numbers = m_rVertices->numbers();
+    std::size_t const step = m_rVertices->format().numbers();
+    std::size_t const vertices = m_rVertices->vertices();
     std::optional<BoundingBox> bounds;
     for (std::size_t i = 0; i < m_rIndices->indices(); ++i) {
         std::uint32_t const vertex = m_rIndices->index(i);
-        if (vertex >= m_rVertices->vertices()) continue;
-        auto const [x, y, z] = m_rVertices->position(vertex);
-        TgPoint3d const point(x, y, z);
+        if (vertex >= vertices) continue;
+        float const * const position = numbers.data() + vertex * step;
+        TgPoint3d const point(position[0], position[1], position[2]);
         if (!BoundingBox::isFinite(point)) continue;
         if (bounds)
             bounds->add(BoundingBox::of(point));

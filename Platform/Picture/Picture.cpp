@@ -374,6 +374,8 @@ Shared & shared() {
     return *s_shared;
 }
 
+} // namespace
+
 Status checkSize(PictureOptions const & options) {
     if (options.width == 0 || options.height == 0)
         return Status::invalidArgument(c_operation, {}, "it has no pixels");
@@ -387,8 +389,6 @@ Status checkSize(PictureOptions const & options) {
                                            std::to_string(PictureOptions::c_maxPixels) + " pixels");
     return Status::success();
 }
-
-} // namespace
 
 Status draw(ShownParts const & parts, View const & view, PictureOptions const & options,
             Picture & picture) {

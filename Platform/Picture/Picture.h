@@ -35,11 +35,15 @@ struct Picture {
     std::vector<std::uint8_t> pixels; // as many bytes as three times the product of these
 };
 
+// Whether a picture may be as large, before anything is done for it: an invalid argument for a size
+// of 0 and for one above the limits.
+[[nodiscard]] VN_PICTURE_API Status checkSize(PictureOptions const & options);
+
 // Draws what is shown: flat faces in the light of a lamp at the camera, four samples to a pixel.
 // Colors of parts are sRGB; what isn't opaque is drawn after the rest, the farthest first.
 //
-// Refused as an invalid argument: a size of 0 or above the limits, before memory is taken, and a
-// view that makeFrame refuses.  Unsupported where the library that draws isn't installed, and on
+// Refused as an invalid argument: what checkSize refuses, before memory is taken, and a view that
+// makeFrame refuses.  Unsupported where the library that draws isn't installed, and on
 // Windows.  `picture` is changed only by success.  One thread draws at a time; others wait.  The
 // OpenGL context of the thread is another after it.  Throws std::bad_alloc if there is no memory.
 [[nodiscard]] VN_PICTURE_API Status draw(ShownParts const & parts, View const & view,

@@ -19,6 +19,21 @@ namespace Vn::OS {
 
 namespace {
 
+// The call that finds the disk full.
+EFileCall s_failing = EFileCall::Open;
+
+// Has one kind of call fail as long as it lives.
+class FullDisk {
+public:
+    explicit FullDisk(EFileCall call) {
+        s_failing = call;
+        fileCallObserver([](EFileCall each, std::filesystem::path const &) {
+            return each == s_failing ? ENOSPC : 0;
+        });
+    }
+    ~FullDisk() { fileCallObserver(nullptr); }
+};
+
 namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 using Testing::contentOf;
@@ -71,6 +86,37 @@ TEST(OSFilesTests, AFileIsReplacedAndNothingIsLeftBesideIt) {
     EXPECT_EQ(std::distance(fs::directory_iterator(directory.path()), fs::directory_iterator()), 1);
 }
 
+TEST(OSFilesTests, WhatAUserAskedForIsReplacedAndNothingIsLeftBesideIt) {
+    TemporaryDirectory const directory;
+    fs::path const file = directory.path() / "ä 日本.glb";
+    ASSERT_TRUE(replaceFile(file, "one").ok());
+    EXPECT_EQ(contentOf(file), "one");
+    ASSERT_TRUE(replaceFile(file, std::string(100000, 'y')).ok());
+    EXPECT_EQ(contentOf(file), std::string(100000, 'y'));
+    EXPECT_EQ(replaceFile(directory.path(), "two").code(), StatusInvalidArgument);
+    EXPECT_EQ(replaceFile(directory.path() / "missing" / "file", "two").code(), StatusNotFound);
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory.path()), fs::directory_iterator()), 1);
+}
+
+TEST(OSFilesTests, AFullDiskLeavesWhatAUserHad) {
+    TemporaryDirectory const directory;
+    fs::path const file = directory.path() / "file";
+    Testing::write(file, "old");
+    for (EFileCall const call :
+         {EFileCall::Create, EFileCall::Write, EFileCall::Flush, EFileCall::Rename}) {
+        FullDisk const full(call);
+        EXPECT_EQ(replaceFile(file, "new").code(), StatusNoSpace);
+        EXPECT_EQ(contentOf(file), "old");
+    }
+    {
+        // Then the new name may not have reached the disk; either file is whole.
+        FullDisk const full(EFileCall::SyncDirectory);
+        EXPECT_EQ(replaceFile(file, "new").code(), StatusNoSpace);
+    }
+    EXPECT_EQ(contentOf(file), "new");
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory.path()), fs::directory_iterator()), 1);
+}
+
 TEST(OSFilesTests, ANewFileTakesNoName) {
     TemporaryDirectory const directory;
     fs::path const file = directory.path() / "file";
@@ -109,6 +155,30 @@ unsigned modeOf(fs::path const & path) {
     struct stat status {};
     EXPECT_EQ(lstat(path.c_str(), &status), 0);
     return status.st_mode & 07777;
+}
+
+TEST(OSFilesTests, WhatAUserAskedForIsAsOtherFilesOfTheUser) {
+    TemporaryDirectory const directory;
+    fs::path const file = directory.path() / "file";
+    fs::path const link = directory.path() / "link";
+    fs::create_symlink("file", link);
+    mode_t const before = umask(022);
+    EXPECT_TRUE(replaceFile(link, "one").ok());
+    EXPECT_EQ(modeOf(file), 0644U);
+    EXPECT_TRUE(fs::is_symlink(link));
+    EXPECT_EQ(chmod(file.c_str(), 0640), 0);
+    EXPECT_TRUE(replaceFile(link, "two").ok());
+    EXPECT_EQ(modeOf(file), 0640U);
+    EXPECT_EQ(contentOf(file), "two");
+    EXPECT_EQ(chmod(file.c_str(), 0440), 0);
+    EXPECT_EQ(replaceFile(link, "three").code(), StatusAccessDenied);
+    umask(before);
+    // A device isn't replaced, whoever asks.
+    fs::path const device = directory.path() / "device";
+    fs::create_symlink("/dev/full", device);
+    EXPECT_EQ(replaceFile(device, "one").code(), StatusInvalidArgument);
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+    EXPECT_EQ(contentOf(file), "two");
 }
 
 TEST(OSFilesTests, WhatIsMadeIsTheUsersAlone) {

@@ -131,6 +131,18 @@ TEST(BatchTests, AnErrorWithoutAnIdTellsTheLine) {
     EXPECT_EQ(lines[2], R"({"id":7,"error":"there is no \"text\""})");
 }
 
+TEST(BatchTests, AByteOrderMarkIsPassedOverAndAnotherEncodingRefused) {
+    using namespace std::string_literals;
+    Outcome const marked = runConsole({"batch"}, "\xEF\xBB\xBF{\"text\":\"2 cm\"}\r\n");
+    EXPECT_EQ(marked.status, 0) << marked.out;
+    EXPECT_EQ(linesOf(marked.out).size(), 1u);
+    Outcome const other = runConsole({"batch"}, "\xFF\xFE{\0}\0\n\0{\0}\0\n\0"s);
+    EXPECT_EQ(other.status, 1);
+    EXPECT_EQ(
+        other.out,
+        "{\"id\":null,\"error\":\"the input is in UTF-16; only UTF-8 is read\",\"line\":1}\n");
+}
+
 TEST(BatchTests, IdIsGivenBackAsTheSameValue) {
     struct Row {
         char const * written;

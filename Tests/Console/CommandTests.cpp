@@ -83,6 +83,8 @@ TEST(TextCommandTests, WithoutACommandAllAreListed) {
         "  Document.Tree     [Path] [/Verbose] [/Json] Lists the entities, or those at a path and "
         "below "
         "it\n"
+        "  Document.Picture  <File> [view <View> | from <Direction>] [size <Width>x<Height>] "
+        "[/NoBackground] Draws the document to a PNG file, as a view shows it or from a direction\n"
         "  Document.Undo     Takes the last change back\n"
         "  Document.Redo     Makes the change again that was taken back last\n"
         "  Document.History  Lists the changes, with a mark where the document stands\n"

@@ -1,6 +1,8 @@
 // Conversions around expressions, and the last value.
 
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -114,12 +116,89 @@ TEST_F(ConversionTests, WhatIsMissingOrTooMuchIsTold) {
         }
         ASSERT_TRUE(request.refusal) << Text::toUtf8(row.text);
         EXPECT_EQ(Text::toUtf8(request.refusal->message), row.answer);
-        EXPECT_EQ(request.refusal->position, row.position) << Text::toUtf8(row.text);
+        EXPECT_EQ(request.refusal->explanation.position, row.position) << Text::toUtf8(row.text);
     }
     EXPECT_EQ(refusalLines(*read(L"5 ft to metr").refusal), "\"metr\" isn't a unit\n"
                                                             "  5 ft to metr\n"
                                                             "          ^\n"
                                                             "  did you mean meter?\n");
+}
+
+// The lines that are told instead of a text, joined by " or ".
+std::string corrections(Request const & request) {
+    Expressions::FailureExplanation const failure =
+        request.refusal ? request.refusal->explanation : explainFailure(request);
+    std::string all;
+    for (std::wstring const & each : failure.corrections)
+        all += (all.empty() ? "" : " or ") + Text::toUtf8(each);
+    bool const isTold =
+        all.empty() || failure.hint.find(failure.corrections[0]) != std::wstring::npos;
+    EXPECT_TRUE(isTold || failure.hint.empty()) << Text::toUtf8(failure.hint);
+    return all;
+}
+
+TEST_F(ConversionTests, TheCorrectionOfALineIsAWholeLine) {
+    struct Row {
+        wchar_t const * text;
+        char const * wanted;
+    };
+    Row const rows[] = {
+        {L"5 Nm to J", "5 N m to J"},
+        {L"5 Nm -> J", "5 N m -> J"},
+        {L"5 Nm\u2192J", "5 N m\u2192J"},
+        {L"5 Nm as ?", "5 N m as ?"},
+        {L"7/2.2 in to cm", "(7/(2.2) * 1 in) to cm"},
+        {L"1,000,000 mm to m", "1000000 mm to m"},
+        // The unit.
+        {L"60 mph to km/h", "60 mph to km/hr"},
+        {L"60 mph  ->km/h", "60 mph  ->km/hr"},
+        {L"5 ft to metr", "5 ft to meter"},
+        {L"3 gal to cm\u00B3", "3 gal to cm^3"},
+        {L"30 hr to degrees", ""}, // no such value
+        {L"5 m to \u00C5", ""},    // so much of another unit
+        // Both of them.
+        {L"100 km/h to mi/h", "100 km/hr to mi/hr"},
+        {L"5 Nm to kWh", "5 N m to kW hr"},
+        // What the line can't be shown in.
+        {L"5 Nm to m", ""},
+        {L"5 Nm to foo", ""},
+        {L"5 Nm to", ""},
+    };
+    for (Row const & row : rows) {
+        std::string const found = corrections(read(row.text));
+        EXPECT_EQ(found, row.wanted) << Text::toUtf8(row.text);
+        if (found.empty()) continue;
+        Request const again = read(Text::fromUtf8(found));
+        EXPECT_TRUE(again.target || again.wantsEquivalents) << found;
+        EXPECT_NE(answer(again), "") << found;
+    }
+    // What is left without a correction of the line has that of the word.
+    EXPECT_EQ(explainFailure(read(L"5 Nm to foo")).suggestions, std::vector<std::wstring>{L"N m"});
+}
+
+TEST_F(ConversionTests, ARefusedUnitHasItsPlaceInTheLineAsTyped) {
+    using nlohmann::json;
+    Outcome const outcome =
+        runConsole({"eval", "--standard", "--json", "--no-tokens", "--", "60 mph to km/h", "2 ft",
+                    "ans + 1 in to metr", "ans to ans"});
+    EXPECT_EQ(outcome.status, 1);
+    std::istringstream lines(outcome.out);
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(json::parse(line), (json{{"text", "60 mph to km/h"},
+                                       {"error", "\"km/h\" isn't a unit"},
+                                       {"start", 13},
+                                       {"end", 14},
+                                       {"suggestions", {"hr"}},
+                                       {"hint", "write 60 mph to km/hr"},
+                                       {"corrections", {"60 mph to km/hr"}}}));
+    std::getline(lines, line);
+    std::getline(lines, line);
+    EXPECT_EQ(json::parse(line)["start"], 14);
+    EXPECT_EQ(json::parse(line)["end"], 18);
+    EXPECT_EQ(json::parse(line)["corrections"], json{"ans + 1 in to meter"});
+    std::getline(lines, line);
+    EXPECT_EQ(json::parse(line)["start"], 0);
 }
 
 // The failure is that of the expression.

@@ -427,14 +427,14 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
          "system, activate, deactivate, "
          "complete, unchoose, removesystem, settings, setting, resetsetting, resetaxes, "
          "views, newview, updateview, renameview, moveview, deleteview, synchronize, "
-         "restoreview, tree, undo, redo, history, check\n"},
+         "restoreview, tree, picture, undo, redo, history, check\n"},
         {"Units.List",
          "vnconsole: there is no command \"Units.List\" on documents; the commands are "
          "new, make, add, remove, move, delete, show, set, makesystem, systems, chooseid, choose, "
          "changeunit, system, activate, deactivate, "
          "complete, unchoose, removesystem, settings, setting, resetsetting, resetaxes, "
          "views, newview, updateview, renameview, moveview, deleteview, synchronize, "
-         "restoreview, tree, undo, redo, history, check\n"},
+         "restoreview, tree, picture, undo, redo, history, check\n"},
         {"make, saveas b.vnd", "vnconsole: saveas belongs to a session; here the file is opened "
                                "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},

@@ -243,10 +243,14 @@ TEST_F(DocumentSessionTests, TheExamplesOfHelpFollowOneAnother) {
     std::size_t count = 0;
     for (std::string line; std::getline(text, line);) {
         if (line.substr(0, 2) != "  ") continue;
-        lines += line.substr(2, line.find("  ", 2) - 2) + '\n';
         ++count;
+        std::string const example = line.substr(2, line.find("  ", 2) - 2);
+#ifdef _WIN32 // where nothing is drawn
+        if (example.starts_with("picture ")) continue;
+#endif
+        lines += example + '\n';
     }
-    EXPECT_EQ(count, 37u);
+    EXPECT_EQ(count, 39u);
     Outcome const outcome = session(lines);
     EXPECT_EQ(outcome.status, 0) << lines;
     EXPECT_EQ(outcome.err, "");

@@ -305,6 +305,28 @@ TEST(EvalTests, SettingsHoldForTheCall) {
               true);
 }
 
+// Where the decimal mark is the comma, a full stop is one too, unless it may part thousands.
+TEST(EvalTests, ANumberOfASettingHasTheDecimalMarkOfTheUser) {
+    auto const eval = [](std::string const & mark, std::string const & threshold) {
+        return runConsole({"eval", "--standard", "--set", "decimalPointIsFullStop=" + mark, "--set",
+                           "useScientificNotationAboveThreshold=" + threshold, "12"});
+    };
+    EXPECT_NE(eval("false", "11,5").out.find("1.200E+01"), std::string::npos);
+    EXPECT_NE(eval("false", "11.5").out.find("1.200E+01"), std::string::npos);
+    EXPECT_NE(eval("false", "1,1E1").out.find("1.200E+01"), std::string::npos);
+    EXPECT_NE(eval("false", "0.125").out.find("1.200E+01"), std::string::npos);
+    EXPECT_NE(eval("false", "12,125").out.find("12,00"), std::string::npos);
+    EXPECT_NE(eval("true", "11.5").out.find("1.200E+01"), std::string::npos);
+    std::string const name = "vnconsole: --set: useScientificNotationAboveThreshold";
+    EXPECT_EQ(eval("true", "11,5").err, name + " is a number, not \"11,5\"\n");
+    EXPECT_EQ(eval("false", "1.000,5").err, name + " is a number, not \"1.000,5\"\n");
+    EXPECT_EQ(eval("false", "1,000.5").err, name + " is a number, not \"1,000.5\"\n");
+    EXPECT_EQ(eval("false", "10.000").err, "vnconsole: --set: \"10.000\" can mean 10,000 or "
+                                           "10000: write one of these\n");
+    EXPECT_EQ(eval("false", "-1.000").err, "vnconsole: --set: \"-1.000\" can mean -1,000 or "
+                                           "-1000: write one of these\n");
+}
+
 TEST(EvalTests, ASettingThatIsNoneIsTold) {
     struct Refused {
         char const * setting;
@@ -356,6 +378,44 @@ TEST(EvalTests, WithoutATextTheLinesOfTheInputAreRead) {
               "function isn't defined for its argument\n"
               "line 5: the line isn't UTF-8\n");
     EXPECT_EQ(runConsole({"eval"}, "").status, 0);
+}
+
+TEST(EvalTests, AByteOrderMarkIsPassedOverInFrontOfAllLines) {
+    std::string const mark = "\xEF\xBB\xBF";
+    Outcome const outcome =
+        runConsole({"eval", "--json", "--no-tokens"}, mark + "2 cm\r\n3 cm\r\n");
+    EXPECT_EQ(outcome.status, 0) << outcome.out;
+    EXPECT_TRUE(outcome.out.starts_with("{\"text\":\"2 cm\",")) << outcome.out;
+    EXPECT_NE(outcome.out.find("\n{\"text\":\"3 cm\","), std::string::npos) << outcome.out;
+    EXPECT_EQ(runConsole({"eval"}, mark).status, 0);
+    // Elsewhere it is a character that no expression has.
+    EXPECT_EQ(runConsole({"eval"}, "2 cm\n" + mark + "3 cm\n").status, 1);
+    EXPECT_EQ(runConsole({"eval"}, mark + mark + "3 cm\n").status, 1);
+}
+
+TEST(EvalTests, LinesInAnotherEncodingAreRefusedOnce) {
+    using namespace std::string_literals;
+    for (std::string const & input : {"\xFF\xFE"
+                                      "2\0\n\0"
+                                      "3\0\n\0"s,
+                                      "\xFE\xFF\0"
+                                      "2\0\n\0"
+                                      "3"s}) {
+        Outcome const outcome = runConsole({"eval"}, input);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, "line 1: the input is in UTF-16; only UTF-8 is read\n");
+        EXPECT_EQ(runConsole({"eval", "--json"}, input).out,
+                  "{\"error\":\"the input is in UTF-16; only UTF-8 is read\",\"line\":1}\n");
+    }
+    EXPECT_EQ(runConsole({"eval"}, "\xFF\xFE\0\0"
+                                   "2\0\0\0"s)
+                  .err,
+              "line 1: the input is in UTF-32; only UTF-8 is read\n");
+    EXPECT_EQ(runConsole({"eval"}, "\0\0\xFE\xFF\0\0\0"
+                                   "2"s)
+                  .err,
+              "line 1: the input is in UTF-32; only UTF-8 is read\n");
 }
 
 TEST(EvalTests, LinesOfAnyLengthAndNumberAreRead) {
@@ -410,7 +470,8 @@ TEST(EvalTests, LinesAreAnsweredInJson) {
               R"j((Length)","line":2})j"
               "\n"
               R"({"text":"5 to","error":"a unit, or \"?\" for all of them, is missing after )"
-              R"(\"to\"","line":4})"
+              R"(\"to\"","line":4,"start":4,"end":4,"suggestions":[],"hint":"",)"
+              R"("corrections":[]})"
               "\n"
               R"({"error":"the line isn't UTF-8","line":5})"
               "\n");

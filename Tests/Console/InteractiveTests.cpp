@@ -147,6 +147,31 @@ TEST(PipedSessionTests, WrongSettingsAreTold) {
               "line 6: degreeDisplay is a number, not \"1 x\"\n");
 }
 
+TEST(PipedSessionTests, ANumberOfASettingHasTheDecimalMarkOfTheUser) {
+    Outcome const outcome = runConsole({}, "set useScientificNotationAboveThreshold 11,5\n"
+                                           "set decimalPointIsFullStop off\n"
+                                           "set useScientificNotationAboveThreshold 11,5\n12\n"
+                                           "set useScientificNotationAboveThreshold 99.999\n");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "decimalPointIsFullStop false\n"
+                           "useScientificNotationAboveThreshold 11.5\n"
+                           "1.200E+01\n"
+                           "  internal 12, units none, rebuilt 12\n");
+    EXPECT_EQ(outcome.err, "line 1: useScientificNotationAboveThreshold is a number, not \"11,5\"\n"
+                           "line 5: \"99.999\" can mean 99,999 or 99999: write one of these\n");
+}
+
+TEST(PipedSessionTests, AByteOrderMarkIsPassedOverAndAnotherEncodingRefused) {
+    EXPECT_EQ(runConsole({}, "\xEF\xBB\xBFhelp units\r\n").err, "");
+    Outcome const other = runConsole({}, std::string("\xFF\xFE"
+                                                     "2\0\r\0\n\0"
+                                                     "3\0",
+                                                     10));
+    EXPECT_EQ(other.status, 1);
+    EXPECT_EQ(other.out, "");
+    EXPECT_EQ(other.err, "line 1: the input is in UTF-16; only UTF-8 is read\n");
+}
+
 TEST(PipedSessionTests, TextCommandsAreRun) {
     Outcome const outcome = runConsole({}, "expressions.tokenize \"1' 9\"\"\nUnits.Lisst\n.5 cm\n");
     EXPECT_EQ(outcome.status, 1);
@@ -265,6 +290,18 @@ TEST(CompletionTests, WordsAreCompletedWhereTheyCanStand) {
         {L"2 kilom", 5, {L"kilometer", L"kilomho"}},
         {L"options re", 2, {L"reset"}},
         {L"options set generalP", 8, {L"generalPrecision"}},
+        {L"options set specifiedB", 0, {}}, // no preference
+        {L"options set compressUnits ", 0, {L"true", L"false"}},
+        {L"options get compressUnits ", 0, {}},
+        {L"options list --", 2, {L"--json"}},
+        {L"set degreeDisplay ", 0, {L"0", L"1"}},
+        {L"set COMPRESSUNITS T", 1, {L"true"}},
+        {L"language e", 1, {L"en"}},
+        {L"tree /", 1, {L"/Json", L"/Verbose"}},
+        {L"Document.Tree \"a b\" /v", 2, {L"/Verbose"}},
+        {L"tree \"a /Verb", 0, {}}, // within quotes
+        {L"saveas a.vnd /", 1, {L"/Force"}},
+        {L"2 in /Verb", 0, {}},
         {L"opti", 4, {L"options"}},
         {L"2kilomet", 7, {L"kilometer"}},
         {L"2 KILOME", 6, {L"kilometer", L"kiloMetersPerSecond"}},
@@ -339,7 +376,8 @@ TEST_F(FileNameTests, AreOfferedWhereACommandTakesAFile) {
     EXPECT_EQ(offered(L"open ").size(), 6u); // the hidden one isn't
     EXPECT_EQ(offered(L"open nothing"), Texts{});
     EXPECT_EQ(offered(L"open nowhere/x"), Texts{});
-    EXPECT_EQ(offered(L"open beam.vnd /f"), Texts{}); // another parameter
+    EXPECT_EQ(offered(L"open beam.vnd b"), Texts{}); // another parameter
+    EXPECT_EQ(offered(L"open beam.vnd /f"), Texts{L"open beam.vnd /Force"});
 }
 
 // A line with the candidate means the file.
@@ -353,6 +391,10 @@ TEST_F(FileNameTests, StandInQuotesWhereTheyHaveTo) {
     EXPECT_EQ(offered(L"open \"quote\\\""), Texts{L"open \"quote\\\"d.vnd\""});
     std::wstring const here = Text::fromUtf8(Testing::utf8(m_directory.path()));
     EXPECT_EQ(offered(L"open " + here + L"/be"), Texts{L"open \"" + here + L"/beam.vnd\""});
+    ::setenv("HOME", Testing::utf8(m_directory.path()).c_str(), 1);
+    EXPECT_EQ(offered(L"open ~").size(), 6u); // what is in the directory
+    EXPECT_EQ(offered(L"open ~/be"), Texts{L"open \"" + here + L"/beam.vnd\""});
+    EXPECT_EQ(offered(L"open \"~/two"), Texts{L"open \"" + here + L"/two words.vnd\""});
     ASSERT_EQ(runConsole({"document", "--new", "real one.vnd"}).status, 0);
     std::string const line = Text::toUtf8(offered(L"open rea").at(0));
     EXPECT_EQ(runConsole({}, line + "\nquit\n").status, 0) << line;

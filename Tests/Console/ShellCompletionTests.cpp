@@ -57,6 +57,11 @@ TEST(ShellCompletionTests, WordsAreOfferedWhereTheyCanStand) {
         {{"eval", "--kind", "Leng"}, {"Length"}},
         {{"eval", "--set", "len"}, {"lengthDisplay="}},
         {{"eval", "--set=len"}, {"--set=lengthDisplay="}},
+        {{"eval", "--set", "lengthDisplay="},
+         {"lengthDisplay=0", "lengthDisplay=1", "lengthDisplay=2"}},
+        {{"eval", "--set=compressUnits=t"}, {"--set=compressUnits=true"}},
+        {{"eval", "--set", "generalPrecision="}, {}}, // a number
+        {{"eval", "--set", "nothing="}, {}},
         {{"eval", "--document", "a"}, files},
         {{"eval", "--document=a"}, files},
         {{"eval", "--precision", "1"}, {}},
@@ -73,6 +78,9 @@ TEST(ShellCompletionTests, WordsAreOfferedWhereTheyCanStand) {
         {{"options", "re"}, {"reset"}},
         {{"options", "set", "generalP"}, {"generalPrecision"}},
         {{"options", "set", "generalPrecision", ""}, {}},
+        {{"options", "set", "compressUnits", ""}, {"false", "true"}},
+        {{"options", "get", "compressUnits", ""}, {}},
+        {{"options", "set", "specifiedB"}, {}}, // no preference
         {{"options", "path", ""}, {}},
         {{"--", "ev"}, {}},
         {{"shell-c"}, {}},
@@ -115,13 +123,27 @@ TEST(ShellCompletionTests, AnyWordsAreTaken) {
         offered(words);
 }
 
+TEST(ShellCompletionTests, PreferencesAreOfferedAndAllOfThem) {
+    Words names;
+    for (std::string const & line : linesOf(runConsole({"options", "list"}).out)) {
+        std::istringstream words(line.substr(2));
+        words >> names.emplace_back();
+    }
+    std::sort(names.begin(), names.end());
+    EXPECT_EQ(names.size(), 15u);
+    EXPECT_EQ(offered({"options", "set", ""}), names);
+    EXPECT_EQ(offered({"options", "reset", ""}), names);
+}
+
 #ifndef _WIN32 // which has none of these shells
 // What bash offers for words as it parts them.
 std::string inBash(std::string const & words, int begun) {
+    // By lines of its input, so that words have quotes of any kind.
     Outcome const outcome =
-        runShell("bash -c 'source \"" VN_SHELL_COMPLETION "/vnconsole.bash\"; COMP_WORDS=(" +
-                 words + "); COMP_CWORD=" + std::to_string(begun) +
-                 "; _vnconsole \"$VNCONSOLE\"; echo \"${COMPREPLY[*]}\"'");
+        runShell("bash -s \"$VNCONSOLE\"", "source \"" VN_SHELL_COMPLETION "/vnconsole.bash\"\n"
+                                           "COMP_WORDS=(" +
+                                               words + ")\nCOMP_CWORD=" + std::to_string(begun) +
+                                               "\n_vnconsole \"$1\"\necho \"${COMPREPLY[*]}\"\n");
     EXPECT_EQ(outcome.err, "");
     return outcome.out;
 }
@@ -134,6 +156,23 @@ TEST(ShellCompletionTests, BashAsksTheProgram) {
     EXPECT_EQ(inBash("vnconsole eval --set len", 3), "lengthDisplay=\n");
     EXPECT_EQ(inBash("vnconsole batch \"\"", 2), "\n"); // files, which bash knows
     EXPECT_EQ(inBash("vnconsole nothing x", 2), "\n");
+    // After each "=" of several.
+    EXPECT_EQ(inBash("vnconsole eval --set = len", 4), "lengthDisplay=\n");
+    EXPECT_EQ(inBash("vnconsole eval --set = lengthDisplay =", 5), "0 1 2\n");
+    EXPECT_EQ(inBash("vnconsole eval --set lengthDisplay = 2", 5), "2\n");
+    EXPECT_EQ(inBash("vnconsole eval --set generalPrecision =", 4), "\n"); // nothing to add
+}
+
+// The words stand here as bash has them, with their quotes.
+TEST(ShellCompletionTests, BashCompletesWithinQuotes) {
+    EXPECT_EQ(inBash(R"(vnconsole eval --unit '"nautical')", 3), "nauticalMile\n");
+    EXPECT_EQ(inBash(R"(vnconsole eval --unit "'nautical")", 3), "nauticalMile\n");
+    EXPECT_EQ(inBash(R"(vnconsole eval --unit = '"nautical')", 4), "nauticalMile\n");
+    EXPECT_EQ(inBash(R"(vnconsole eval '"--unit=nautical')", 2), "--unit=nauticalMile\n");
+    EXPECT_EQ(inBash(R"(vnconsole "'ba")", 1), "batch\n");
+    EXPECT_EQ(inBash(R"(vnconsole 'e"val"' --unit 'n\autical')", 3), "nauticalMile\n");
+    EXPECT_EQ(inBash(R"(vnconsole '"document"' '"a b.vnd"' und)", 3), "undo\n");
+    EXPECT_EQ(inBash(R"(vnconsole batch '"a b')", 2), "\n"); // files, which bash knows
 }
 
 TEST(ShellCompletionTests, ZshAsksTheProgram) {
@@ -142,7 +181,7 @@ TEST(ShellCompletionTests, ZshAsksTheProgram) {
         return runShell("zsh -f -c 'compadd() { print -r -- \"$@\" }; _files() { print files }; "
                         "compset() { print -r -- \"$@\" }; words=(\"$VNCONSOLE\" " +
                         words + "); CURRENT=" + std::to_string(begun) +
-                        "; PREFIX=${words[CURRENT]}; source \"" VN_SHELL_COMPLETION
+                        "; PREFIX=${words[CURRENT]#\\\"}; source \"" VN_SHELL_COMPLETION
                         "/_vnconsole\"'")
             .out;
     };
@@ -150,6 +189,9 @@ TEST(ShellCompletionTests, ZshAsksTheProgram) {
     EXPECT_EQ(inZsh("eval --set len", 4), "-S  -- lengthDisplay=\n--\n");
     EXPECT_EQ(inZsh("eval --document=x", 3), "-P *=\nfiles\n");
     EXPECT_EQ(inZsh("batch \"\"", 3), "files\n");
+    // Within a quote that isn't closed, which stands in front of the prefix.
+    EXPECT_EQ(inZsh("eval --unit \\\"nautical", 4), "-S  --\n-- nauticalMile\n");
+    EXPECT_EQ(inZsh("\\\"eval\\\" --unit nautical", 4), "-S  --\n-- nauticalMile\n");
 }
 #endif
 

@@ -73,6 +73,16 @@ TEST_F(InteractiveTests, TabCompletesTheOnlyWord) {
     EXPECT_TRUE(session.waitFor("4.00\r\n")) << session.screen();
 }
 
+TEST_F(InteractiveTests, TabKnowsTheLanguagesAndTheFlagsOfCommands) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("language d\t\r");
+    EXPECT_TRUE(session.waitFor("Sprache: de; es gibt en, de, fr, ja")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("tree /V\t");
+    EXPECT_TRUE(session.waitFor("erbose")) << session.screen();
+}
+
 TEST_F(InteractiveTests, TabAddsWhatAllWordsShare) {
     TerminalSession session({}, environment());
     ASSERT_TRUE(session.waitForPrompt());
@@ -206,11 +216,158 @@ TEST_F(InteractiveTests, KeysWithoutAMeaningTypeNothing) {
     ASSERT_TRUE(session.waitForPrompt());
     for (char const * const key :
          {"\x1B[2~", "\x1B[15~", "\x1B[24~", "\x1BOP", "\x1BOS", "\x1B[1;2A", "\x1B[1;5B",
-          "\x1B[1;6D", "\x1B[5;5~", "\x1B[Z", "\x1B[24;8~", "\x1B[1;5H"}) {
-        session.type(std::string("2") + key + " in\r");
+          "\x1B[1;6D", "\x1B[5;5~", "\x1B[Z", "\x1B[24;8~", "\x1B[1;5H",
+          // those that hardly a terminal sends too
+          "\x1Bx", "\x1BX", "\x1B\xC3\xA4", "\x1B[", "\x1B[[A", "\x1B[99;99;99u", "\x1B[?1;2c",
+          "\x1B[<0;10;20M", "\x1B[27;5;9~", "\x1B[1 q", "\x1B\x1B[A", "\x1BO5P", "\x1BOj",
+          "\x1B]11;rgb:0000/0000/0000\x1B\\", "\x1B]0;title\x07", "\x1BP1$r0m\x1B\\",
+          "\x1B[200~\x1B[201~", "\x1B[201~"}) {
+        session.type(std::string("2") + key);
+        // Who types doesn't go on at once.
+        if (std::string_view(key) == "\x1B[") ::usleep(200000);
+        session.type(" in\r");
         EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << key + 1 << session.screen();
         ASSERT_TRUE(session.waitForPrompt());
     }
+}
+
+// The terminal was asked to tell them from what is typed.
+TEST_F(InteractiveTests, PastedTextIsText) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    ASSERT_TRUE(session.waitForRaw("\x1B[?2004h"));
+    // A tab completes nothing, and no key does what it does else.
+    session.type("\x1B[200~2 kilomet\ter\x01\x15\x1B[201~");
+    EXPECT_TRUE(session.waitForRow("> 2 kilomet er", 14)) << session.screen();
+    session.type("\x03\x1B[200~3 in\r\n\x1B[201~");
+    EXPECT_TRUE(session.waitForRow("> 3 in", 6)) << session.screen(); // which waits for Return
+    session.type(" + 1 in\r");
+    EXPECT_TRUE(session.waitFor("4.00 in\r\n")) << session.screen();
+    EXPECT_TRUE(session.waitForRaw("\x1B[?2004l"));
+    session.type("quit\r");
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
+TEST_F(InteractiveTests, LinesThatArePastedAreRunButTheLast) {
+    TerminalSession session({}, environment());
+    for (char const * const end : {"\r", "\n", "\r\n"}) {
+        ASSERT_TRUE(session.waitForPrompt());
+        std::string pasted = "\x1B[200~";
+        for (char const * const line : {"2 in", "3 in", "\t"}) (pasted += line) += end;
+        session.type(pasted += "5 \u2033\x1B[201~");
+        EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+        EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+        EXPECT_TRUE(session.waitForRow("> 5 \u2033", 5)) << session.screen();
+        session.type("\x03"
+                     "6 in\r");
+        EXPECT_TRUE(session.waitFor("6.00 in\r\n")) << session.screen();
+    }
+}
+
+TEST_F(InteractiveTests, TheEscapeKeyByItselfTakesNoOther) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("2 in\x1B");
+    ::usleep(200000);
+    session.type("\r");
+    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("bogus\x1B\x03"
+                 "3 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+}
+
+// No shell is there that could go on with it, so the system lets it run; the line is drawn anew.
+TEST_F(InteractiveTests, ControlZLeavesTheTerminalAndComesBack) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("1 in + ");
+    ASSERT_TRUE(session.waitFor("1 in + ")) << session.screen();
+    session.type("\x1A");
+    ASSERT_TRUE(session.waitForRaw("\x1B[?2004l\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitFor("> 1 in + ")) << session.screen();
+    session.type("2 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, ATerminalThatMovesNoCursorIsSentNoSequences) {
+    std::map<std::string, std::string> chosen = environment();
+    chosen["TERM"] = "dumb";
+    TerminalSession session({}, chosen);
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("2 in\r");
+    EXPECT_TRUE(session.waitFor("2.00 in\r\n")) << session.screen();
+    ASSERT_TRUE(session.waitFor("> "));
+    session.type("bogus\x03"
+                 "3 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+    EXPECT_FALSE(session.wrote("\x1B"));
+    session.type("\x04");
+    EXPECT_EQ(session.waitForEnd(), 0);
+}
+
+// As when the terminal forgets to tell.
+TEST_F(InteractiveTests, ControlCEndsAPaste) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("\x1B[200~2 in\r3 in\x03"
+                 "4 in\r");
+    EXPECT_TRUE(session.waitFor("4.00 in\r\n")) << session.screen();
+    EXPECT_EQ(session.screen().find("2.00 in"), std::string::npos) << session.screen();
+}
+
+TEST_F(InteractiveTests, TheCursorStandsAfterWhatWasTyped) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("\u6F22\u5B57 e\u0301");
+    EXPECT_TRUE(session.waitForRow("> \u6F22\u5B57 e\u0301", 8)) << session.screen();
+    session.type("\x1B[D"); // over the character with its mark
+    EXPECT_TRUE(session.waitForRow("> \u6F22\u5B57 e\u0301", 7)) << session.screen();
+    session.type("\x1B[D\x1B[D");
+    EXPECT_TRUE(session.waitForRow("> \u6F22\u5B57 e\u0301", 4)) << session.screen();
+    session.type("\x1B[C\x1B[C\x1B[C\x7F"); // which goes with its mark
+    EXPECT_TRUE(session.waitForRow("> \u6F22\u5B57", 7)) << session.screen();
+    session.type("\U0001F600\U0001F1E9\x02\x02\x1B[3~");
+    EXPECT_TRUE(session.waitForRow("> \u6F22\u5B57 \U0001F1E9", 7)) << session.screen();
+    session.type("\x01\x04"); // to the beginning, and what stands there goes
+    EXPECT_TRUE(session.waitForRow("> \u5B57 \U0001F1E9", 2)) << session.screen();
+}
+
+TEST_F(InteractiveTests, ALineMayBeLongerThanTheWindow) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.resize(5, 20);
+    std::string line = "1";
+    for (int i = 0; i < 500; ++i) line += "+1";
+    session.type(line);
+    // 1003 columns in rows of 20.
+    EXPECT_TRUE(session.waitForRow("1+1", 3, 5, 20));
+    session.type("\r");
+    EXPECT_TRUE(session.waitFor("501.00\r\n")) << session.screen();
+}
+
+// As the shell has it: the line is there again.
+TEST_F(InteractiveTests, ControlLClearsTheScreen) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("2 in\x0C");
+    ASSERT_TRUE(session.waitForRaw("\x1B[2J> 2 in"));
+    session.type(" + 1 in\r");
+    EXPECT_TRUE(session.waitFor("3.00 in\r\n")) << session.screen();
+}
+
+TEST_F(InteractiveTests, ControlRLooksForALine) {
+    TerminalSession session({}, environment());
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("21 in\r");
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("5 in\r");
+    ASSERT_TRUE(session.waitForPrompt());
+    session.type("\x12"
+                 "21");
+    ASSERT_TRUE(session.waitFor("bck:21")) << session.screen();
+    session.type("\r");
+    EXPECT_TRUE(session.waitFor("21.00 in\r\n")) << session.screen();
 }
 
 TEST_F(InteractiveTests, ALineIsDrawnAnewInAWindowOfAnotherSize) {

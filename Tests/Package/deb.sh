@@ -10,9 +10,10 @@ fresh "$work"
 
 architecture=$(dpkg --print-architecture)
 runtime=$work/vncommondata10_${VN_VERSION}_$architecture.deb
+pictures=$work/vncommondata10-pictures_${VN_VERSION}_$architecture.deb
 development=$work/vncommondata10-dev_${VN_VERSION}_$architecture.deb
 field() { dpkg-deb --field "$1" "$2"; }
-for package in "$runtime" "$development"; do
+for package in "$runtime" "$pictures" "$development"; do
   [ -f "$package" ] || fail "there is no $package"
   same "the version" "$(field "$package" Version)" "$VN_VERSION"
 done
@@ -20,6 +21,12 @@ done
 # The packages of the system that the programs need are named.
 depends=$(field "$runtime" Depends)
 for package in libc6 libstdc++6; do
+  grep -qF "$package" <<<"$depends" || fail "$package isn't among $depends"
+done
+# What draws is large, and comes apart.
+if grep -q osmesa <<<"$depends"; then fail "what draws is among $depends"; fi
+depends=$(field "$pictures" Depends)
+for package in "vncommondata10 (= $VN_VERSION)" libosmesa6; do
   grep -qF "$package" <<<"$depends" || fail "$package isn't among $depends"
 done
 depends=$(field "$development" Depends)

@@ -11,6 +11,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "Tests/Support/TerminalScreen.h"
+
 namespace Vn::Console::Tests {
 
 namespace {
@@ -91,6 +93,16 @@ bool TerminalSession::waitForRaw(std::string const & text) {
     while (m_output.find(text) == m_output.npos)
         if (!readSome()) return false;
     return true;
+}
+
+bool TerminalSession::waitForRow(std::string const & text, std::size_t column, std::size_t rows,
+                                 std::size_t columns) {
+    for (;;) {
+        TerminalScreen screen(rows, columns);
+        screen.write(m_output);
+        if (screen.row(screen.cursorRow()) == text && screen.cursorColumn() == column) return true;
+        if (!readSome()) return false;
+    }
 }
 
 bool TerminalSession::waitForLines(bool taken) {

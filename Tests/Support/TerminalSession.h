@@ -35,6 +35,14 @@ public:
     // cursor.
     bool waitForRaw(std::string const & text);
 
+    // Whether it wrote a text until now, sequences included.
+    bool wrote(std::string const & text) const { return m_output.find(text) != m_output.npos; }
+
+    // Waits until the cursor stands in the given column of a row with the given text, both of which
+    // a terminal of that size shows after all that the console wrote.
+    bool waitForRow(std::string const & text, std::size_t column, std::size_t rows = 40,
+                    std::size_t columns = 120);
+
     // Waits for the prompt, and until the console takes single keys: what is typed before, the
     // terminal keeps back for a whole line, and Ctrl-C and Ctrl-D have another meaning.
     bool waitForPrompt(std::string const & prompt = "> ");

@@ -2,9 +2,13 @@
 
 #include <cmath>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
+#include "Tests/Translations/PoFile.h"
 #include "Tests/Translations/TranslationsTesting.h"
 
 namespace Vn::Translations {
@@ -172,6 +176,73 @@ TEST_P(LanguageTests, EnglishWordThatWasTranslatedIsNoFunction) {
             EXPECT_EQ(Tokens::get()->getConstantToken(constant), e_NONE);
             EXPECT_FALSE(Expression(constant)) << shown(constant);
         }
+    });
+}
+
+// The corrections of a text that is refused; the first is what is told.
+std::vector<std::wstring> correctionsOf(std::wstring const & text) {
+    return explainFailure(Expression(text)).corrections;
+}
+
+void expectCorrection(std::wstring const & typed, std::wstring const & wanted) {
+    std::vector<std::wstring> const corrections = correctionsOf(typed);
+    EXPECT_EQ(shown(corrections.empty() ? L"" : corrections.front()), shown(wanted))
+        << shown(typed);
+}
+
+TEST_P(LanguageTests, EnglishWordIsAnsweredWithThatOfTheLanguage) {
+    inLanguage([] {
+        Tokens const & tokens = *Tokens::get();
+        for (FunctionRow const & row : c_functions) {
+            std::wstring const & name = tokens.getString(row.function);
+            if (name == row.english) continue;
+            expectCorrection(std::wstring(row.english) + row.arguments, name + row.arguments);
+            // Also where more has to be corrected.
+            expectCorrection(L"2 Nm * " + std::wstring(row.english) + row.arguments,
+                             L"2 N m * " + name + row.arguments);
+        }
+        expectCorrection(L"SQRT(16)", tokens.getString(e_SQRT) + L"(16)");
+        expectCorrection(L"sqrt 16", tokens.getString(e_SQRT) + L"(16)");
+        expectCorrection(L"\u221A16", tokens.getString(e_SQRT) + L"(16)");
+        expectCorrection(L"arcsine(1)", tokens.getString(e_ASIN) + L"(1)");
+        for (EToken const constant : {e_GRAVITY_CONSTANT, e_SPEED_OF_LIGHT_CONSTANT})
+            expectCorrection(std::wstring(Tokens::defaultString(constant)) + L" * 2 hours",
+                             tokens.getString(constant) + L" * 2 hour");
+        expectCorrection(L"g0 * 2 s", tokens.getString(e_GRAVITY_CONSTANT) + L" * 2 s");
+    });
+}
+
+TEST_P(LanguageTests, EnglishPrefixIsAnsweredWithThatOfTheLanguage) {
+    inLanguage([] {
+        Tokens const & tokens = *Tokens::get();
+        for (EToken const prefix : Tokens::fullMagnitudes()) {
+            std::wstring const wanted = L"5 " + tokens.getString(prefix) + L"meter";
+            std::wstring const english = L"5 " + std::wstring(Tokens::defaultString(prefix));
+            if (wanted != english + L"meter") expectCorrection(english + L"meter", wanted);
+            expectCorrection(english + L"meters", wanted);
+            expectCorrection(english + L"metres", wanted);
+        }
+    });
+}
+
+TEST_P(LanguageTests, WordOfAnyLanguageIsAnsweredWithThatOfTheLanguage) {
+    inLanguage([] {
+        Tokens const & tokens = *Tokens::get();
+        std::size_t words = 0;
+        for (char const * const other : c_languages) {
+            for (PoEntry const & entry : readPoFile(std::string(other) + ".po")) {
+                std::wstring const word = Text::fromUtf8(entry.text);
+                for (FunctionRow const & row : c_functions) {
+                    if (entry.id != Text::toUtf8(row.english) || !isKeyOfFunction(entry.context) ||
+                        tokens.getFunctionToken(word) != e_NONE)
+                        continue;
+                    ++words;
+                    expectCorrection(word + row.arguments,
+                                     tokens.getString(row.function) + row.arguments);
+                }
+            }
+        }
+        EXPECT_GE(words, 12u);
     });
 }
 

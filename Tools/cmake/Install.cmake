@@ -17,6 +17,9 @@ include(CMakePackageConfigHelpers)
 
 set(VN_LIBRARIES VnCommonData10 VnAddInMgr10 VnScene10 Vrx VnDataModel10 tg218A VnTypes10
     VnBase10)
+if(TARGET VnPicture10)
+  list(APPEND VN_LIBRARIES VnPicture10)
+endif()
 set_target_properties(${VN_LIBRARIES} PROPERTIES INSTALL_RPATH "$ORIGIN")
 file(RELATIVE_PATH VN_BIN_TO_LIB
      "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")

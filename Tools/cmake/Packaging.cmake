@@ -1,4 +1,5 @@
-# cpack makes two Debian packages: vncommondata10 to run, vncommondata10-dev to build with.
+# cpack makes three Debian packages: vncommondata10 to run, vncommondata10-pictures with what it takes to draw,
+# vncommondata10-dev to build with.
 
 set(CPACK_VERBATIM_VARIABLES ON)
 set(CPACK_GENERATOR DEB)
@@ -8,7 +9,7 @@ set(CPACK_PACKAGE_VENDOR "VnCommonData10")
 set(CPACK_PACKAGE_CONTACT "VnCommonData10 developers <developers@vncommondata10.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_STRIP_FILES ON)
-set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_COMPONENTS_ALL runtime pictures development)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/MoveDataToShare.cmake")
 
@@ -32,6 +33,16 @@ if(DPKG_SHLIBDEPS)
 else()
   message(STATUS "dpkg-shlibdeps wasn't found: packages won't name the system libraries they need")
 endif()
+
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS "vncommondata10-pictures (= ${PROJECT_VERSION})")
+
+# The library that draws is large, and is loaded by the first picture: who draws none does without it.
+set(CPACK_DEBIAN_PICTURES_PACKAGE_NAME vncommondata10-pictures)
+set(CPACK_DEBIAN_PICTURES_PACKAGE_DEPENDS "vncommondata10 (= ${PROJECT_VERSION}), libosmesa6")
+set(CPACK_COMPONENT_PICTURES_DESCRIPTION
+    "Has vnconsole draw pictures of documents: brings the library that draws them by software.")
+install(FILES Docs/copyright DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/vncommondata10-pictures"
+        COMPONENT pictures EXCLUDE_FROM_ALL)
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME vncommondata10-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)

@@ -24,32 +24,30 @@ constexpr std::size_t c_mostUnknown = 2;
 class Search {
 public:
     Search(std::wstring const & text, Units::UnitContext const & context,
-           ParseResult const & result)
-        : m_text(text), m_context(context), m_result(result), m_pieces(takenApart(text)) {}
+           ParseResult const & result, CorrectionDemands const & demands)
+        : m_text(text), m_context(context), m_result(result), m_demands(demands),
+          m_pieces(takenApart(text)) {}
 
     Corrections run() {
-        RevisionNotes notes;
+        RevisionNotes notes = freshNotes();
         std::wstring const first = revised(m_pieces, notes);
         m_found.missing = notes.missing;
         m_found.nearest = notes.nearest;
         m_found.scaled = notes.scaled;
         if (!notes.missing.empty()) return std::move(m_found);
         if (notes.unknown.empty() && notes.unknownFunctions.empty()) {
-            bool const isAmerican = Units::UnitDisplaySettings::get().isDecimalPointFullStop();
-            bool const hasCommas = notes.hasCommas;
+            bool const hasGroups = notes.hasGroups;
             bool const hasAlternatives = notes.hasAlternatives;
-            if (!hasCommas || isAmerican) {
-                consider(first);
-                for (std::size_t i = 1; hasAlternatives && i < c_mostTexts; ++i) {
-                    notes = {};
-                    notes.alternative = i;
-                    consider(revised(m_pieces, notes));
-                }
-            }
-            for (std::size_t i = 0; hasCommas && i < c_mostTexts; ++i) {
-                notes = {};
+            consider(first);
+            for (std::size_t i = 1; hasAlternatives && i < c_mostTexts; ++i) {
+                notes = freshNotes();
                 notes.alternative = i;
-                notes.decimalCommas = true;
+                consider(revised(m_pieces, notes));
+            }
+            for (std::size_t i = 0; hasGroups && i < c_mostTexts; ++i) {
+                notes = freshNotes();
+                notes.alternative = i;
+                notes.areDecimals = true;
                 consider(revised(m_pieces, notes));
             }
             if (m_found.texts.size() > c_mostTexts) m_found.texts.resize(c_mostTexts);
@@ -62,6 +60,12 @@ public:
     }
 
 private:
+    RevisionNotes freshNotes() const {
+        RevisionNotes notes;
+        if (!m_demands.settings.isDecimalPointFullStop()) notes.decimalMark = L',';
+        return notes;
+    }
+
     std::wstring_view piece() const {
         std::size_t const start = Text::indexAt16(m_text, m_result.failureStart());
         std::size_t const end = Text::indexAt16(m_text, m_result.failureEnd());
@@ -76,11 +80,19 @@ private:
         Expression const expression(text, m_context);
         m_bOtherUnits = expression.result().result() == EResult::unitMismatch;
         std::optional<double> const value = expression.value();
-        if (!value) return false;
-        if (isDoubtful(m_text, text)) return false;
-        m_found.texts.push_back(text);
+        if (!value || isDoubtful(m_text, text)) return false;
         m_values.push_back(*value);
+        if (isWanted(expression)) m_found.texts.push_back(text);
         return true;
+    }
+
+    bool isWanted(Expression const & correction) const {
+        Units::ComplexUnit const * const shown = m_demands.display.expectedUnits();
+        std::optional<Units::ComplexUnit> const units = correction.units();
+        if (shown && !(units && shown->isDimensionallyEquivalent(&*units))) return false;
+        std::wstring_view const text = correction.text();
+        return !m_demands.isUnit ||
+               (text.starts_with(c_one) && Units::UnitContext::parse(text.substr(c_one.size())));
     }
 
     // What the word at fault means, if replacing it alone would do.
@@ -89,7 +101,7 @@ private:
         std::size_t const start = Text::indexAt16(m_text, m_result.failureStart());
         Pieces const word = takenApart(piece());
         for (std::size_t i = 0; i < c_mostTexts; ++i) {
-            RevisionNotes notes;
+            RevisionNotes notes = freshNotes();
             notes.alternative = i;
             std::wstring const meant = revised(word, notes);
             if (meant.empty() || !notes.scaled.empty() || (i > 0 && !notes.hasAlternatives)) return;
@@ -117,7 +129,7 @@ private:
         if (words.size() > c_mostUnknown ||
             (!notes.unknown.empty() && !notes.unknownFunctions.empty()))
             return;
-        RevisionNotes best;
+        RevisionNotes best = freshNotes();
         std::vector<std::wstring> nearest;
         for (std::wstring const & word : words) {
             nearest = Vocabulary::get().nearest(word, placeOf(word, place));
@@ -130,7 +142,7 @@ private:
             return;
         }
         for (std::wstring const & candidate : nearest) {
-            RevisionNotes again;
+            RevisionNotes again = freshNotes();
             again.guesses[words.front()] = candidate;
             m_bOtherUnits = false;
             if (consider(replaced(words.front(), candidate, again)) || !m_bOtherUnits)
@@ -164,6 +176,7 @@ private:
     std::wstring const & m_text;
     Units::UnitContext const & m_context;
     ParseResult const & m_result;
+    CorrectionDemands const & m_demands;
     Pieces const m_pieces;
     Corrections m_found;
     std::vector<double> m_values; // of the texts that were found
@@ -173,7 +186,7 @@ private:
 } // namespace
 
 Corrections findCorrections(std::wstring const & text, Units::UnitContext const & context,
-                            ParseResult const & result) {
+                            ParseResult const & result, CorrectionDemands const & demands) {
     if (text.size() > c_longestText) {
         Corrections found;
         if (result.failure() == EParseFailure::unknownName) {
@@ -184,7 +197,10 @@ Corrections findCorrections(std::wstring const & text, Units::UnitContext const 
         }
         return found;
     }
-    return Search(text, context, result).run();
+    Corrections found = Search(text, context, result, demands).run();
+    if (demands.isUnit)
+        for (std::wstring & each : found.texts) each.erase(0, c_one.size());
+    return found;
 }
 
 } // namespace Vn::Expressions

@@ -4,10 +4,12 @@
 #define VN_SERVER_COMMONDATA_EXPRESSIONS_CORRECTIONSINTERNAL_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Server/CommonData/Expressions/ParseResult.h"
 #include "Server/CommonData/Units/UnitContext.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
 
 namespace Vn::Expressions {
 
@@ -25,10 +27,23 @@ struct Corrections {
     std::wstring scaled;
 };
 
+// What a unit is read after: it is one of it.
+inline constexpr std::wstring_view c_one = L"1 ";
+
+// What is asked of a correction beside that it has a value.
+struct CorrectionDemands {
+    // It can be shown in what this expects.
+    Units::UnitContext const & display;
+    // Which mark of decimals the person is used to.
+    Units::UnitDisplaySettings const & settings;
+    // It is c_one and a unit, of which the unit is given.
+    bool isUnit = false;
+};
+
 // Finds the corrections of `text`, which parsing in `context` refused with `result`.  A long text
 // has none.
 Corrections findCorrections(std::wstring const & text, Units::UnitContext const & context,
-                            ParseResult const & result);
+                            ParseResult const & result, CorrectionDemands const & demands);
 
 } // namespace Vn::Expressions
 

@@ -274,24 +274,21 @@ std::wstring hintOf(Corrections const & found) {
     return found.guessed ? std::wstring() : writeInstead(found.texts);
 }
 
-void correct(std::wstring const & text, Units::UnitContext const & context,
-             ParseResult const & result, FailureExplanation & failure) {
-    Corrections found = findCorrections(text, context, result);
+void correct(std::wstring const & text, ParseResult const & result, Corrections found,
+             TextAround const & around, FailureExplanation & failure) {
+    for (std::wstring & each : found.texts) each = around.before + each + around.after;
     failure.hint = Text::printable(hintOf(found));
     // What was refused is no suggestion, whatever it would mean elsewhere.
-    std::size_t const start = Text::indexAt16(text, failure.start);
-    std::size_t const end = Text::indexAt16(text, failure.end);
+    std::size_t const start = Text::indexAt16(text, result.failureStart());
+    std::size_t const end = Text::indexAt16(text, result.failureEnd());
     std::erase(found.words, text.substr(start, std::max(start, end) - start));
     failure.suggestions = std::move(found.words);
     failure.question = questionOf(failure.suggestions);
     failure.corrections = std::move(found.texts);
 }
 
-} // namespace
-
-FailureExplanation explainFailure(std::wstring const & text, Units::UnitContext const & context,
-                                  ParseResult const & result) {
-    Explainer const explainer(text, result);
+// What there is to tell without corrections, with places in the text itself.
+FailureExplanation explained(Explainer const & explainer, ParseResult const & result) {
     FailureExplanation failure;
     failure.reason = result.failure();
     if (failure.reason != EParseFailure::none) {
@@ -310,20 +307,58 @@ FailureExplanation explainFailure(std::wstring const & text, Units::UnitContext 
     failure.message = failure.explanation.empty() ? failure.outcome
                                                   : filled(failureText(EFailureText::Message),
                                                            {failure.outcome, failure.explanation});
+    return failure;
+}
+
+CorrectionDemands demandsOf(TextAround const & around, bool isUnit) {
+    return {around.display, around.settings ? *around.settings : Units::UnitDisplaySettings::get(),
+            isUnit};
+}
+
+void shift(FailureExplanation & failure, std::size_t by) {
+    failure.position += by;
+    failure.start += by;
+    failure.end += by;
+}
+
+} // namespace
+
+FailureExplanation explainFailure(std::wstring const & text, Units::UnitContext const & context,
+                                  ParseResult const & result, TextAround const & around) {
+    Explainer const explainer(text, result);
+    FailureExplanation failure = explained(explainer, result);
+    shift(failure, Text::length16(around.before));
     if (isSyntax(result.result())) {
         std::wstring correction;
-        failure.hint = fractionHint(text, context, correction);
+        failure.hint = fractionHint(text, context, around, correction);
         if (!correction.empty()) failure.corrections.push_back(correction);
         if (!failure.hint.empty()) return failure;
     }
-    if (canBeCorrected(result.result())) correct(text, context, result, failure);
+    if (canBeCorrected(result.result()))
+        correct(text, result, findCorrections(text, context, result, demandsOf(around, false)),
+                around, failure);
     if (failure.hint.empty() && isSyntax(result.result()) && explainer.isAfterFraction())
         failure.hint = failureText(EFailureText::HintLongDivisor);
     return failure;
 }
 
-FailureExplanation explainFailure(Expression const & expression) {
-    return explainFailure(expression.text(), expression.context(), expression.result());
+FailureExplanation explainFailure(Expression const & expression, TextAround const & around) {
+    return explainFailure(expression.text(), expression.context(), expression.result(), around);
+}
+
+FailureExplanation explainUnit(std::wstring const & unit, TextAround const & around) {
+    // A unit is read as the unit of a number.
+    Expression const one(std::wstring(c_one) + unit);
+    ParseResult const & result = one.result();
+    FailureExplanation failure = explained(Explainer(one.text(), result), result);
+    for (std::size_t * const place : {&failure.position, &failure.start, &failure.end})
+        *place -= std::min(*place, c_one.size());
+    shift(failure, Text::length16(around.before));
+    if (isSyntax(result.result()))
+        correct(one.text(), result,
+                findCorrections(one.text(), one.context(), result, demandsOf(around, true)), around,
+                failure);
+    return failure;
 }
 
 char const * failureName(EParseFailure reason) {

@@ -5,6 +5,7 @@
 
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Expressions/FailureExplanation.h"
 #include "Server/CommonData/Expressions/FailureTextsInternal.h"
 #include "Server/CommonData/Expressions/Tokenizer.h"
 #include "Server/CommonData/Expressions/Tokens.h"
@@ -138,14 +139,14 @@ private:
 } // namespace
 
 std::wstring fractionHint(std::wstring const & text, Units::UnitContext const & context,
-                          std::wstring & correction) {
+                          TextAround const & around, std::wstring & correction) {
     Rewriter rewriter(text);
     rewriter.run();
     if (rewriter.piece().empty()) return {};
     if (!Expression(rewriter.result(), context)) return {};
-    correction = rewriter.result();
-    bool const isShort = rewriter.result().size() <= c_longestHint;
-    std::wstring const typed = Text::printable(isShort ? rewriter.result() : rewriter.piece());
+    correction = around.before + rewriter.result() + around.after;
+    bool const isShort = correction.size() <= c_longestHint;
+    std::wstring const typed = Text::printable(isShort ? correction : rewriter.piece());
     if (rewriter.fraction().empty())
         return Text::filled(failureText(EFailureText::HintDivisors), {typed});
     return Text::filled(failureText(EFailureText::HintFraction),

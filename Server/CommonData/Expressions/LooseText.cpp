@@ -173,9 +173,8 @@ private:
         wchar_t const next = characterAt(end);
         bool const hasDecimals = isSeparator(next) && next != separator && isPlainDigit(end + 1);
         if (next == separator && isSeparator(separator) && isPlainDigit(end + 1)) return false;
-        // "1.500" is a decimal number, and "1,500" may be one.
+        // "1.500" and "1,500" may be decimal numbers.
         bool const isDecimal = isSeparator(separator) && groups == 1 && !hasDecimals;
-        if (isDecimal && separator == L'.') return false;
         if (isDecimal && endOfExponent(end) != end) return false;
         if (isQuote && (next == L'"' || (next == L'\'' && groups == 1))) return false;
         if (isSpace(separator) && next == L'/') return false; // "1 128/2"

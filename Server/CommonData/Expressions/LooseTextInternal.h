@@ -25,7 +25,7 @@ struct Piece {
     EPiece kind;
     std::wstring text;
     bool blankBefore = false;
-    std::wstring decimal{}; // the same number if its comma is that of decimals, as typed
+    std::wstring decimal{}; // the number as typed if its separator may be that of decimals
     bool raised = false;    // written as a superscript
     bool dot = false;       // "*" that was written as a dot in the middle
     bool quantity = false;  // a number with its units

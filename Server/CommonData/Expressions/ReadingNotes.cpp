@@ -46,8 +46,9 @@ bool areDigits(std::wstring_view text) {
 
 class Reader {
 public:
-    explicit Reader(Expression const & expression)
-        : m_expression(expression), m_text(expression.text()) {
+    Reader(Expression const & expression, Units::UnitDisplaySettings const & settings)
+        : m_expression(expression), m_text(expression.text()),
+          m_bHasPoints(settings.isDecimalPointFullStop()) {
         TokenizerRegistry::get()->tokenize(m_text, m_list);
         for (Token const * token = m_list.first(); token; token = token->next)
             if (token->kind != TK_START && token->kind != TK_END) m_tokens.push_back(token);
@@ -117,7 +118,7 @@ private:
         std::wstring const text(Text::trimmed(m_tokens[i]->text));
         if (m_tokens[i]->value >= std::numeric_limits<double>::max())
             add(EReading::largestNumber, i, i, EReadingText::LargestNumber);
-        decimalComma(i, text);
+        decimals(i, text);
         if (isFractionToken(i) && i > 0) {
             if (is(i - 1, TK_MINUS) && i > 1) subtraction(i, text);
             if (is(i - 1, TK_DIVIDE) || is(i - 1, TK_MODULO) || is(i - 1, TK_POWER))
@@ -126,16 +127,21 @@ private:
         temperature(i);
     }
 
-    void decimalComma(std::size_t i, std::wstring const & text) {
-        std::size_t const comma = text.find(L',');
+    // What separates thousands for the user is always that of decimals: "1,500", or "1.500".
+    void decimals(std::size_t i, std::wstring const & text) {
+        std::size_t const separator = text.find(m_bHasPoints ? L',' : L'.');
         constexpr std::size_t c_group = 3;
-        if (comma == text.npos || comma == 0 || comma > c_group || text.front() == L'0') return;
-        std::wstring const whole = text.substr(0, comma);
-        std::wstring const decimals = text.substr(comma + 1);
-        if (!areDigits(whole) || !areDigits(decimals) || decimals.size() != c_group) return;
-        if (!Units::UnitDisplaySettings::get().isDecimalPointFullStop()) return;
-        add(EReading::decimalComma, i, i, EReadingText::DecimalComma, whole + L'.' + decimals,
-            whole + decimals);
+        if (separator == text.npos || separator == 0 || separator > c_group || text.front() == L'0')
+            return;
+        std::wstring const whole = text.substr(0, separator);
+        std::wstring const rest = text.substr(separator + 1);
+        if (!areDigits(whole) || !areDigits(rest) || rest.size() != c_group) return;
+        if (m_bHasPoints)
+            add(EReading::decimalComma, i, i, EReadingText::DecimalComma, whole + L'.' + rest,
+                whole + rest);
+        else
+            add(EReading::decimalPoint, i, i, EReadingText::DecimalPoint, whole + L',' + rest,
+                whole + rest);
     }
 
     // "1-1/2" and "1-1/2 in".
@@ -312,6 +318,7 @@ private:
 
     Expression const & m_expression;
     std::wstring const & m_text;
+    bool const m_bHasPoints; // in front of decimals, as the user writes them
     TokenList m_list;
     std::vector<Token const *> m_tokens;
     std::vector<ReadingNote> m_notes;
@@ -319,9 +326,10 @@ private:
 
 } // namespace
 
-std::vector<ReadingNote> readingNotes(Expression const & expression) {
+std::vector<ReadingNote> readingNotes(Expression const & expression,
+                                      Units::UnitDisplaySettings const & settings) {
     if (!expression || expression.text().size() > c_longestText) return {};
-    return Reader(expression).run();
+    return Reader(expression, settings).run();
 }
 
 char const * readingName(EReading reading) {
@@ -338,6 +346,7 @@ char const * readingName(EReading reading) {
         VN_READING(rareUnit)
         VN_READING(largestNumber)
         VN_READING(piInDegrees)
+        VN_READING(decimalPoint)
 #undef VN_READING
     }
     return "";

@@ -15,6 +15,7 @@
 
 #include "Server/CommonData/Export.h"
 #include "Server/CommonData/Expressions/Expression.h"
+#include "Server/CommonData/Units/UnitDisplaySettings.h"
 
 namespace Vn::Expressions {
 
@@ -37,7 +38,9 @@ enum class EReading : unsigned char {
     // "1e400" is the largest number there is.
     largestNumber = 7,
     // "cos(PI)" is the cosine of 3.14 degrees.
-    piInDegrees = 8
+    piInDegrees = 8,
+    // "1.500" is one and a half.  Told only to those whose decimals stand after a comma.
+    decimalPoint = 9
 };
 
 // A note on one reading.
@@ -53,8 +56,11 @@ struct ReadingNote {
 };
 
 // The notes on an expression: the first of each reading, in the order of the text.  None without a
-// tree, and none on a text of more than 1,000 characters.
-VN_COMMONDATA_API std::vector<ReadingNote> readingNotes(Expression const & expression);
+// tree, and none on a text of more than 1,000 characters.  `settings` tell which mark of decimals
+// the user is used to.
+VN_COMMONDATA_API std::vector<ReadingNote>
+readingNotes(Expression const & expression,
+             Units::UnitDisplaySettings const & settings = Units::UnitDisplaySettings::get());
 
 // The name of a reading, as the enumeration has it; empty for a number that isn't one.
 VN_COMMONDATA_API char const * readingName(EReading reading);

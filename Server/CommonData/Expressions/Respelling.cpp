@@ -4,6 +4,7 @@
 
 #include "Platform/Base/Shared.h"
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Functions.h"
 #include "Server/CommonData/Expressions/RespellingInternal.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Units/SimpleUnit.h"
@@ -79,11 +80,22 @@ public:
     }
 
     // The prefix of the language that `typed` stands for; empty for none.
-    static std::wstring prefixOf(std::wstring_view typed) {
+    std::wstring prefixOf(std::wstring_view typed) const {
         Tokens const & tokens = *Tokens::get();
         if (typed == L"u" || typed == L"\u00B5" || typed == L"\u03BC")
             return tokens.getString(e_MICRO);
-        return tokens.getMagnitudeToken(typed) != e_NONE ? std::wstring(typed) : std::wstring();
+        if (tokens.getMagnitudeToken(typed) != e_NONE) return std::wstring(typed);
+        auto const found = m_prefixes.find(typed);
+        return found == m_prefixes.end() ? std::wstring() : tokens.getString(found->second);
+    }
+
+    // The function or constant whose English name `typed` is, exactly or else in any case; e_NONE
+    // if none is.
+    EToken findName(std::wstring_view typed) const {
+        if (auto const found = m_names.find(typed); found != m_names.end()) return found->second;
+        if (typed.size() < c_shortestInAnyCase) return e_NONE;
+        auto const found = m_foldedNames.find(folded(typed));
+        return found == m_foldedNames.end() ? e_NONE : found->second;
     }
 
 private:
@@ -94,13 +106,44 @@ private:
         for (Row const & row : c_rows)
             if (std::wstring_view(row.typed).size() >= c_shortestInAnyCase)
                 m_folded.emplace(folded(row.typed), &row);
+        for (EToken const token : c_functionTokens) addName(token);
+        for (int token = e_PI_CONSTANT; token <= e_SPEED_OF_LIGHT_CONSTANT; ++token)
+            addName(static_cast<EToken>(token));
+        for (EToken const token : Tokens::fullMagnitudes())
+            m_prefixes.emplace(Tokens::defaultString(token), token);
     }
 
-    std::unordered_map<std::wstring_view, Row const *, Text::Hash, std::equal_to<>> m_exact;
-    std::unordered_map<std::wstring, Row const *, Text::Hash, std::equal_to<>> m_folded;
+    void addName(EToken token) {
+        std::wstring_view const name = Tokens::defaultString(token);
+        m_names.emplace(name, token);
+        m_foldedNames.emplace(folded(name), token);
+    }
+
+    template <class Key, class Value>
+    using Map = std::unordered_map<Key, Value, Text::Hash, std::equal_to<>>;
+
+    Map<std::wstring_view, Row const *> m_exact;
+    Map<std::wstring, Row const *> m_folded;
+    // The words in English, which are those of the rows whatever the user's language is.
+    Map<std::wstring_view, EToken> m_names;
+    Map<std::wstring, EToken> m_foldedNames;
+    Map<std::wstring_view, EToken> m_prefixes;
 };
 
+void takeName(EToken token, Respelling & respelling) {
+    bool const isFunction = functionOfToken(token).has_value();
+    respelling.kind = isFunction ? ERespelling::Function : ERespelling::Constant;
+    respelling.factor.clear();
+    respelling.wanted = {Tokens::get()->getString(token)};
+}
+
 void take(Row const & row, std::wstring const & prefix, Respelling & respelling) {
+    if (EToken const name = Table::get().findName(row.wanted);
+        name != e_NONE &&
+        (row.kind == ERespelling::Function || row.kind == ERespelling::Constant)) {
+        takeName(name, respelling);
+        return;
+    }
     respelling.kind = row.kind;
     respelling.factor = row.factor;
     respelling.wanted.clear();
@@ -118,17 +161,14 @@ void takeUnit(std::wstring text, Respelling & respelling) {
     respelling.wanted = {std::move(text)};
 }
 
-// "uF" and the like, where the unit itself is spelled as in the language.
-bool findMicro(std::wstring_view typed, Respelling & respelling) {
-    wchar_t const first = typed.front();
-    if (typed.size() < 2 || (first != L'u' && first != L'\u00B5' && first != L'\u03BC'))
-        return false;
+// "ugram" and the like, and "centimeter" where the language has another word for "centi".
+bool findPrefixed(std::wstring_view typed, Respelling & respelling) {
     std::wstring_view prefix;
-    Units::SimpleUnit const * const unit = Units::findUnit(typed.substr(1), &prefix);
-    if (!unit || !prefix.empty() || !unit->supportsMagnitude() || unit->magnitude() != 1.0)
-        return false;
-    takeUnit(Tokens::get()->getString(e_MICRO) + unit->name(Units::UnitDisplaySettings::standard()),
-             respelling);
+    Units::SimpleUnit const * const unit = Units::findUnit(typed, &prefix);
+    if (!unit || !unit->supportsMagnitude() || unit->magnitude() != 1.0) return false;
+    std::wstring const spelled = Table::get().prefixOf(prefix);
+    if (spelled.empty() || spelled == prefix) return false;
+    takeUnit(spelled + unit->name(Units::UnitDisplaySettings::standard()), respelling);
     return true;
 }
 
@@ -142,9 +182,9 @@ bool findPlural(std::wstring_view typed, Respelling & respelling) {
         return true;
     }
     // Only the first letters of names are ever typed in another case.
-    std::wstring const small = folded(singular);
-    if (!isUnitWord(small)) return false;
-    takeUnit(small, respelling);
+    std::wstring small = folded(singular);
+    if (!isUnitWord(small)) return findPrefixed(small, respelling);
+    takeUnit(std::move(small), respelling);
     return true;
 }
 
@@ -178,9 +218,15 @@ bool findRespelling(std::wstring_view typed, Respelling & respelling) {
         take(*row, prefix, respelling);
         return true;
     }
-    if (findMicro(typed, respelling)) return true;
+    if (findPrefixed(typed, respelling)) return true;
     if (Row const * const row = table.findInAnyCase(typed)) {
         take(*row, {}, respelling);
+        return true;
+    }
+    // A name of the language itself needs no other spelling.
+    EToken const name = table.findName(typed);
+    if (name != e_NONE && Tokens::get()->getString(name) != Tokens::defaultString(name)) {
+        takeName(name, respelling);
         return true;
     }
     return findPlural(typed, respelling);

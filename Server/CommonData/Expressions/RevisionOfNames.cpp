@@ -101,9 +101,12 @@ private:
             return;
         }
         Respelling respelling;
-        if (isUnitWord(word) || !findRespelling(word, respelling) ||
-            respelling.kind != ERespelling::Constant)
-            return;
+        if (isUnitWord(word) || !findRespelling(word, respelling)) return;
+        bool const isBareFunction = respelling.kind == ERespelling::Function &&
+                                    i + 1 < m_pieces.size() &&
+                                    m_pieces[i + 1].kind == EPiece::Number;
+        if (isBareFunction) m_pieces[i].text = respelling.wanted.front();
+        if (respelling.kind != ERespelling::Constant) return;
         bool const isAfterNumber = i > 0 && m_pieces[i - 1].kind == EPiece::Number;
         if (isAfterNumber && word == L"e") return; // an exponent that isn't complete
         name(i, respelling.wanted.front());
@@ -132,6 +135,10 @@ private:
         return false;
     }
 
+    static bool isCommaGroup(Piece const & piece) {
+        return piece.decimal.find(L',') != std::wstring::npos;
+    }
+
     // "max(2, 3)" and "max(2,3)", where a comma belongs to a number.
     void commas(std::size_t i) {
         EToken const token = Tokens::get()->getFunctionToken(m_pieces[i].text);
@@ -147,7 +154,7 @@ private:
             if (m_pieces[k].isSign(L";")) return;
             if (m_pieces[k].isSign(L",")) signs.push_back(k);
             if (m_pieces[k].kind == EPiece::Number &&
-                (m_pieces[k].text.find(L',') != std::wstring::npos || !m_pieces[k].decimal.empty()))
+                (m_pieces[k].text.find(L',') != std::wstring::npos || isCommaGroup(m_pieces[k])))
                 numbers.push_back(k);
         }
         if (signs.size() == 1) {
@@ -155,8 +162,8 @@ private:
             m_pieces[signs[0]].blankBefore = false;
         } else if (signs.empty() && numbers.size() == 1) {
             std::size_t const k = numbers[0];
-            bool const isGroup = !m_pieces[k].decimal.empty();
-            std::wstring const text = isGroup ? m_pieces[k].decimal : m_pieces[k].text;
+            std::wstring const text =
+                isCommaGroup(m_pieces[k]) ? m_pieces[k].decimal : m_pieces[k].text;
             std::size_t const comma = text.find(L',');
             if (comma == 0) return;
             m_pieces[k].text = text.substr(0, comma);

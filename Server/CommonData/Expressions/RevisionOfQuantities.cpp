@@ -277,8 +277,9 @@ bool reviseQuantities(Pieces & pieces, RevisionNotes & notes) {
 std::wstring revised(Pieces pieces, RevisionNotes & notes) {
     for (Piece & piece : pieces) {
         if (piece.decimal.empty()) continue;
-        notes.hasCommas = true;
-        if (notes.decimalCommas) piece.text = piece.decimal;
+        bool const isGroup = piece.decimal.find(notes.decimalMark) == piece.decimal.npos;
+        notes.hasGroups |= isGroup;
+        if (!isGroup || notes.areDecimals) piece.text = piece.decimal;
     }
     reviseNumbers(pieces);
     reviseNames(pieces, notes);

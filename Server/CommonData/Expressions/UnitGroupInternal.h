@@ -16,8 +16,10 @@ namespace Vn::Expressions {
 struct RevisionNotes {
     // Which of several readings of a word is taken, from 0; the last if it has fewer.
     std::size_t alternative = 0;
-    // Whether "1,500" is one and a half, rather than fifteen hundred.
-    bool decimalCommas = false;
+    // What stands in front of decimals, and whether it does in "1,500" too if it is the other one,
+    // so that this is one and a half rather than fifteen hundred.
+    wchar_t decimalMark = L'.';
+    bool areDecimals = false;
     // What to take for words that nothing is known of.
     std::map<std::wstring, std::wstring, std::less<>> guesses;
 
@@ -31,8 +33,8 @@ struct RevisionNotes {
     std::vector<std::wstring> unknownFunctions;
     // Whether some word had more readings than the one that was taken.
     bool hasAlternatives = false;
-    // Whether a number was read by decimalCommas.
-    bool hasCommas = false;
+    // Whether areDecimals makes a difference.
+    bool hasGroups = false;
 };
 
 // Units that were read from pieces.

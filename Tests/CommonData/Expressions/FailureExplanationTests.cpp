@@ -456,6 +456,65 @@ TEST(FailureExplanationTests, SignsInOddOrderAreLookedAtOnce) {
     }
 }
 
+// --- Lines, units and settings -----------------------------------------------------------------
+
+using Texts = std::vector<std::wstring>;
+
+TEST(FailureExplanationTests, ATextMayBePartOfALine) {
+    TextAround const around{L"x = ", L" to J", Units::UnitContext(L"J")};
+    FailureExplanation const failure = explainFailure(Expression(L"5 Nm"), around);
+    EXPECT_EQ(failure.position, 6U);
+    EXPECT_EQ(failure.start, 6U);
+    EXPECT_EQ(failure.end, 8U);
+    EXPECT_EQ(failure.suggestions, Texts{L"N m"});
+    EXPECT_EQ(failure.hint, L"write x = 5 N m to J");
+    EXPECT_EQ(failure.corrections, Texts{L"x = 5 N m to J"});
+    // The fraction of a line too.
+    EXPECT_EQ(explainFailure(Expression(L"7/2.2"), {{}, L" -> ?"}).corrections,
+              Texts{L"7/(2.2) -> ?"});
+    EXPECT_EQ(
+        explainFailure(Expression(L"5 Nm"), {{}, L" to m", Units::UnitContext(L"m")}).corrections,
+        Texts{});
+}
+
+TEST(FailureExplanationTests, AUnitIsExplainedAsWhatStandsAfterANumber) {
+    FailureExplanation const failure =
+        explainUnit(L"km/h", {L"60 mph to ", {}, Units::UnitContext(L"m/s")});
+    EXPECT_EQ(failure.reason, Reason::unknownName);
+    EXPECT_EQ(failure.start, 13U);
+    EXPECT_EQ(failure.end, 14U);
+    EXPECT_EQ(failure.suggestions, Texts{L"hr"});
+    EXPECT_EQ(failure.hint, L"write 60 mph to km/hr");
+    struct UnitRow {
+        wchar_t const * unit;
+        Texts wanted;
+    };
+    for (UnitRow const & row : {UnitRow{L"kWh", {L"kW hr"}},
+                                {L"N\u00B7m", {L"N m"}},
+                                {L"m\u00B2", {L"m^2"}},
+                                {L"metr", {L"meter"}},
+                                {L"\u00C5", {}},
+                                {L"kgf", {}},
+                                {L"3 in", {}},
+                                {L"cm * 2", {}},
+                                {L"", {}}})
+        EXPECT_EQ(explainUnit(row.unit).corrections, row.wanted) << shown(row.unit);
+    EXPECT_EQ(explainUnit(L"km/h", {{}, {}, Units::UnitContext(L"m")}).corrections, Texts{});
+}
+
+TEST(FailureExplanationTests, AGroupMayBeThousandsIfItsMarkIsNotThatOfDecimals) {
+    auto const corrections = [](wchar_t const * text, bool isPoint) {
+        Units::UnitDisplaySettings const settings =
+            standardBut([=](auto & changed) { changed.decimalPointIsFullStop(isPoint); });
+        return explainFailure(Expression(text), {{}, {}, {}, &settings}).corrections;
+    };
+    EXPECT_EQ(corrections(L"1,500 Nm", true), (Texts{L"1500 N m", L"1,500 N m"}));
+    EXPECT_EQ(corrections(L"1.500 Nm", true), Texts{L"1.500 N m"});
+    EXPECT_EQ(corrections(L"1,500 Nm", false), Texts{L"1,500 N m"});
+    EXPECT_EQ(corrections(L"1.500 Nm", false), (Texts{L"1500 N m", L"1.500 N m"}));
+    EXPECT_EQ(corrections(L"1.500,5 Nm", false), Texts{L"1500,5 N m"});
+}
+
 } // namespace
 
 } // namespace Vn::Expressions

@@ -7,6 +7,10 @@
 #include <set>
 
 #include "Server/CommonData/Expressions/FailureExplanation.h"
+#include "Server/CommonData/Expressions/Tokens.h"
+#include "Server/CommonData/Expressions/Vocabulary.h"
+#include "Server/CommonData/Units/SimpleUnit.h"
+#include "Server/CommonData/Units/UnitLookup.h"
 #include "Tests/CommonData/Expressions/ExpressionsTesting.h"
 #include "Tests/Support/FreshProcess.h"
 
@@ -121,6 +125,29 @@ void expectTheSameFromTheLast() {
 }
 
 TEST(HintsTests, AHintIsTheSameAgain) { Units::expectInFreshProcess(expectTheSameFromTheLast); }
+
+// Trying a correction keeps its units, as reading it would.  There is an end to them: each unit of
+// the catalogue once for each prefix that it takes.
+void expectUnitsToHaveAnEnd() {
+    std::size_t most = 0;
+    for (Units::SimpleUnit const * const unit : Units::listUnits())
+        if (unit->magnitude() == 1.0)
+            most += unit->supportsMagnitude() ? 1 + Tokens::fullMagnitudes().size() : 1;
+    for (Row const & row : readRows()) explainFailure(Expression(row.typed));
+    EXPECT_LE(Units::listUnits().size(), most);
+    // A word that isn't known, after each that is.
+    for (Vocabulary::Word const & word : Vocabulary::get().words())
+        explainFailure(Expression(L"1 hours " + word.text));
+    EXPECT_EQ(Units::listUnits().size(), most);
+    for (Row const & row : readRows()) explainFailure(Expression(row.typed));
+    for (wchar_t const * const text : {L"5 kkm hours", L"5 mmicrom hours", L"5 EEm hours"})
+        explainFailure(Expression(text));
+    EXPECT_EQ(Units::listUnits().size(), most);
+}
+
+TEST(HintsTests, TheUnitsThatAreTriedHaveAnEnd) {
+    Units::expectInFreshProcess(expectUnitsToHaveAnEnd);
+}
 
 } // namespace
 

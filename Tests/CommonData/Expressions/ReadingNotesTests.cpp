@@ -21,13 +21,22 @@ struct Row {
     std::size_t start;
     std::size_t end;
     wchar_t const * note;
+    bool hasCommas = false; // in front of decimals, by the settings
 };
+
+Units::UnitDisplaySettings settingsOf(bool hasCommas) {
+    return standardBut([=](auto & settings) { settings.decimalPointIsFullStop(!hasCommas); });
+}
 
 Row const c_rows[] = {
     {L"1,500 mm", L"?", EReading::decimalComma, 0, 5,
      L"\"1,500\" is 1.500, with a comma for decimals; for thousands write 1500"},
     {L"2 + 12,345", L"?", EReading::decimalComma, 4, 10,
      L"\"12,345\" is 12.345, with a comma for decimals; for thousands write 12345"},
+    {L"1.500 mm", L"?", EReading::decimalPoint, 0, 5,
+     L"\"1.500\" is 1,500, with a point for decimals; for thousands write 1500", true},
+    {L"1,5 m + 12.345 mm", L"?", EReading::decimalPoint, 8, 14,
+     L"\"12.345\" is 12,345, with a point for decimals; for thousands write 12345", true},
     {L"1-1/2 in", L"cm", EReading::subtraction, 0, 8,
      L"\"1-1/2 in\" is a subtraction; for a number with a fraction write 1 1/2 in"},
     {L"1-1/2", L"?", EReading::subtraction, 0, 5,
@@ -85,7 +94,7 @@ TEST(ReadingNotesTests, EachReadingHasItsPlaceAndItsNote) {
     for (Row const & row : c_rows) {
         Expression const expression(row.text, contextOf(row.context));
         ASSERT_TRUE(expression) << shown(row.text);
-        std::vector<ReadingNote> const notes = readingNotes(expression);
+        std::vector<ReadingNote> const notes = readingNotes(expression, settingsOf(row.hasCommas));
         ASSERT_EQ(notes.size(), 1U) << shown(row.text);
         EXPECT_STREQ(readingName(notes[0].reading), readingName(row.reading)) << shown(row.text);
         EXPECT_EQ(notes[0].start, row.start) << shown(row.text);
@@ -120,6 +129,8 @@ TEST(ReadingNotesTests, WhatIsMeantAsItIsReadHasNoNote) {
         for (ReadingNote const & note : readingNotes(expression))
             ADD_FAILURE() << shown(text) << ' ' << shown(note.text);
     }
+    for (wchar_t const * const text : {L"1,500 mm", L"1.5", L"0.500", L"1500.250", L"1.5000"})
+        EXPECT_TRUE(readingNotes(Expression(text), settingsOf(true)).empty()) << shown(text);
     // Where bare numbers are radians.
     EXPECT_TRUE(readingNotes(Expression(L"cos(PI) * 1 rad", contextOf(L"rad"))).empty());
 }
