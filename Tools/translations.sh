@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Collects the messages of the console and of the libraries from their sources, and brings them into
-# their catalogues:
+# Collects the messages of the console, of the libraries and of the sample from their sources, and
+# brings them into their catalogues:
 #
-#     Tools/translations.sh          renews the .pot and .po files of Translations/Console and
-#                                    Translations/Libraries
+#     Tools/translations.sh          renews the .pot and .po files of Translations/Console,
+#                                    Translations/Libraries and Samples/Blocks/Translations
 #     Tools/translations.sh --check  only tells what would change, with status 1 if anything would
 #
 # A new message has no translation then, and one that isn't used any more is gone.  The words of the
@@ -34,7 +34,10 @@ HEADER
   # xgettext doesn't join wide literals, nor read UTF-8 in them: they are made narrow.
   while read -r source; do
     mkdir -p "$work/$(dirname "$source")"
-    sed -E 's/\bL(R?")/\1/g' "$source" >"$work/$source"
+    case $source in
+      *.xml) sed -nE 's/.* name=("[^"]*").*/tr(\1);/p' "$source" ;; # the names of materials
+      *) sed -E 's/\bL(R?")/\1/g' "$source" ;;
+    esac >"$work/$source"
   done <"$work/sources"
   xgettext --language=C++ --from-code=UTF-8 --directory="$work" --files-from="$work/sources" \
     --omit-header --no-wrap --add-location=file --add-comments=Translators: --keyword \
@@ -72,4 +75,10 @@ find Platform Server \( -name '*.cpp' -o -name '*.h' \) ! -path Platform/Base/Lo
   sort >"$work/sources"
 collect "What the libraries tell." localized:1 localizedIn:1c,2 localizable:1 >"$work/template"
 renewAll Translations/Libraries VnLibraries.pot
+
+# What Samples/Blocks/Texts.h takes, and the names of materials.
+find Samples/Blocks \( -name '*.cpp' -o -name '*.h' -o -name Materials.xml \) \
+  ! -path Samples/Blocks/Texts.h | sort >"$work/sources"
+collect "The messages of the sample." tr:1 message:1 marked:1 >"$work/template"
+renewAll Samples/Blocks/Translations VnBlocks.pot
 exit $status

@@ -19,8 +19,8 @@ namespace Vn::Console {
 // words all commands are listed.
 int runTextCommand(std::vector<std::wstring> const & words, std::ostream & out, std::ostream & err);
 
-// What a command does and is given: in the language if it is one of the console, else as the command
-// has it.
+// What a command does and is given: in the language if it is one of the console, else as the
+// command has it.
 std::wstring descriptionOf(TextCommand const & command);
 
 // Whether a line that begins with `word` is meant as a text command: it has the name of one, or

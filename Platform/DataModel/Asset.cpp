@@ -34,7 +34,7 @@ namespace {
 constinit std::atomic<std::size_t> s_openAssets{0};
 constinit Asset * s_pActive = nullptr;
 
-}
+} // namespace
 
 Asset * ActiveAsset::get() noexcept { return s_pActive; }
 void ActiveAsset::set(Asset * asset) noexcept { s_pActive = asset; }

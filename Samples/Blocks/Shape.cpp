@@ -263,6 +263,16 @@ double Shape::area() const {
     }
 }
 
+StrongRef<SimpleMesh> axesMesh(double length, double thickness) {
+    MeshMaker mesh;
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        Sizes bar{thickness, thickness, thickness};
+        bar[axis] = length;
+        makeBlock(bar, mesh);
+    }
+    return mesh.make();
+}
+
 SharedMesh meshOf(Shape const & shape) { return shape.isValid() ? s_meshes.find(shape) : nullptr; }
 
 std::size_t sharedMeshes() { return s_meshes.size(); }

@@ -51,6 +51,9 @@ using SharedMesh = std::shared_ptr<StrongRef<Vrx::Devices::SimpleMesh> const>;
 // nothing is kept of it.  Null if the shape isn't valid.  Any thread may ask.
 SharedMesh meshOf(Shape const & shape);
 
+// The mesh of three bars from the origin along the axes, in cm.
+StrongRef<Vrx::Devices::SimpleMesh> axesMesh(double length, double thickness);
+
 // How many meshes are shared at present.
 std::size_t sharedMeshes();
 

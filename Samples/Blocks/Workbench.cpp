@@ -5,8 +5,6 @@
 
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/Segment.h"
-#include "Platform/Graphics/VertexBufferBuilder.h"
-#include "Platform/Scene/Buffers.h"
 #include "Platform/Scene/NodeChange.h"
 #include "Platform/Scene/SceneAssetAdapter.h"
 #include "Samples/Blocks/Assembly.h"
@@ -15,7 +13,6 @@ namespace Vn::Blocks {
 
 using Managed::ManagedEntity;
 using Scene::NodeChange;
-using Vrx::Devices::SimpleMesh;
 using Vrx::Graphics::ARenderNode;
 using Vrx::Graphics::GroupNode;
 
@@ -63,21 +60,10 @@ StrongRefCreator<Origin> Origin::make(Segment * segment) { return create(segment
 
 ARenderNode * Origin::renderNode() const {
     if (m_rNode || !isAlive()) return m_rNode.get();
-    constexpr int c_indices[] = {0, 1, 0, 2, 0, 3};
-    Vrx::Devices::VertexBufferBuilder builder(4, Scene::makeVertexFormat(false, 0));
-    builder.AddPosition(0, 0, 0);
-    builder.AddPosition(1, 0, 0);
-    builder.AddPosition(0, 1, 0);
-    builder.AddPosition(0, 0, 1);
-    StrongRef<SimpleMesh> const mesh(new SimpleMesh(
-        Vrx::Devices::PrimitiveLines,
-        builder.ToVertexBuffer(nullptr, Vrx::Devices::UsageStatic, Vrx::Devices::AccessReadWrite,
-                               Vrx::Devices::StateComplete),
-        Scene::BuildIndexBuffer(c_indices, 6, true), nullptr));
     NodeChange change;
     m_rNode =
         StrongRef<ARenderNode>(change.createLODGeometryNode(const_cast<Origin *>(this), true));
-    change.geometry(mesh.get(), Vrx::Graphics::LevelAll);
+    change.geometry(axesMesh(1, 0.04).get(), Vrx::Graphics::LevelAll);
     change.colorEffect(Color(0.3F, 0.3F, 0.3F), false, 0);
     return m_rNode.get();
 }

@@ -26,7 +26,7 @@ namespace Vn::Blocks {
 
 class Assembly;
 
-// Shows where places are counted from: three lines of 1 cm along the axes.
+// Shows where places are counted from: three bars of 1 cm along the axes.
 class Origin : public Managed::Persisted<Origin, CommonData::CommonBaseEntity, Scene::INodeSource> {
 public:
     static constexpr Managed::PersistedClass c_class{"Vn::Blocks::Origin",
@@ -35,7 +35,7 @@ public:
     // Without a parent: its client owns it.  Null without a segment.
     static StrongRefCreator<Origin> make(Segment * segment);
 
-    // The lines; there is no group.
+    // The bars; there is no group.
     Vrx::Graphics::ARenderNode * renderNode() const override;
     Vrx::Graphics::GroupNode * groupNode() const override { return nullptr; }
 

@@ -50,6 +50,24 @@ private:
         if (parameters.hasFlag(L"told")) throw Told();
         throw std::runtime_error("bad lexical cast");
     }
+    std::vector<std::wstring> onComplete(TextCommandParameters const &) override {
+        throw std::runtime_error("nothing comes to mind");
+    }
+};
+
+// Completes what it was given before, and its flags.
+class Completes : public TextCommand {
+public:
+    Completes() : TextCommand(L"Testing", L"Completes", L"Completes", "comp") {}
+
+private:
+    TextCommandResult onRun(TextCommandParameters const &) override { return {}; }
+    std::vector<std::wstring> onComplete(TextCommandParameters const & before) override {
+        std::vector<std::wstring> words = before.flags();
+        for (unsigned i = 0; i < before.parameters(); ++i) words.push_back(before.parameter(i));
+        words.push_back(L"more");
+        return words;
+    }
 };
 
 class TextCommandServiceTests : public testing::Test {
@@ -226,6 +244,18 @@ TEST_F(TextCommandServiceTests, AnswersSayWhatWouldHaveBeenRight) {
 TEST_F(TextCommandServiceTests, AreaWithoutCommandsIsSaidToHaveNone) {
     TextCommandSubjectArea const empty(L"Vacant", L"");
     EXPECT_EQ(run(L"Vacant.Any").text, L"The subject area \"Vacant\" has no commands.");
+}
+
+TEST_F(TextCommandServiceTests, ACommandTellsWhatMayFollowInItsLine) {
+    Completes const completes;
+    using Words = std::vector<std::wstring>;
+    EXPECT_EQ(service().completions(L"Testing.Completes"), (Words{L"more"}));
+    EXPECT_EQ(service().completions(L"testing.completes \"a b\" c /Flag"),
+              (Words{L"Flag", L"a b", L"c", L"more"}));
+    EXPECT_EQ(service().completions(L"comp x"), (Words{L"x", L"more"}));
+    for (wchar_t const * const front :
+         {L"", L"Testing.Echo", L"Testing.Throw", L"Testing.Unknown", L"comp \"open"})
+        EXPECT_EQ(service().completions(front), Words());
 }
 
 TEST_F(TextCommandServiceTests, LongLinesGetShortAnswers) {

@@ -1,5 +1,6 @@
 // Sessions from a pipe.
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -199,6 +200,11 @@ TEST(PipedSessionTests, HelpKnowsEveryTopicAndCommand) {
         EXPECT_EQ(outcome.status, 0) << topic;
         EXPECT_NE(outcome.out, "") << topic;
     }
+    // Text commands are told of as they are listed, alone and by their area.
+    Outcome const one = runConsole({}, "help units.list\n");
+    EXPECT_EQ(one.out.find("  Units.List  "), 0U) << one.out;
+    EXPECT_EQ(std::count(one.out.begin(), one.out.end(), '\n'), 1);
+    EXPECT_NE(runConsole({}, "help Units\n").out.find("Units.ShowComplexUnits"), std::string::npos);
     Outcome const unknown = runConsole({}, "help me\n");
     EXPECT_EQ(unknown.status, 1);
     EXPECT_EQ(unknown.err, "line 1: there is no help on \"me\"\n");

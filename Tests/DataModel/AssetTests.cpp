@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "Platform/DataModel/ActiveAsset.h"
 #include "Platform/DataModel/AssetAdapter.h"
 #include "Platform/DataModel/EntityTableInternal.h"
 #include "Platform/DataModel/GeometryMetaTypes.h"
@@ -27,6 +28,18 @@ TEST(AssetTests, ANewDocumentHasADesignSegmentAndNothingToSave) {
     EXPECT_FALSE(asset->isDirty());
     EXPECT_TRUE(asset->file().empty());
     EXPECT_EQ(asset->adapter(), nullptr);
+}
+
+TEST(AssetTests, ADocumentIsActiveUntilAnotherIsOrItIsClosed) {
+    EXPECT_EQ(ActiveAsset::get(), nullptr);
+    StrongRef<Asset> one = Asset::make(nullptr);
+    StrongRef<Asset> other = Asset::make(nullptr);
+    ActiveAsset::set(one.get());
+    ActiveAsset::set(other.get());
+    one.reset();
+    EXPECT_EQ(ActiveAsset::get(), other.get());
+    other.reset();
+    EXPECT_EQ(ActiveAsset::get(), nullptr);
 }
 
 TEST(AssetTests, ThereIsOneSegmentOfEachKind) {

@@ -14,8 +14,8 @@ for place in "$VN_WORK" "$VN_BUILD" "$VN_SOURCES"; do
 done
 
 # What isn't for users isn't there.
-found=$(find "$installed" -name '*Internal.h' -o -name LoadOrder.h -o -name '*.cpp' \
-  -o -path '*/DataModel/File/*' -o -path '*/DataModel/Log/*')
+found=$(find "$installed" -path '*/vncommondata10/Samples' -prune -o \( -name '*Internal.h' \
+  -o -name LoadOrder.h -o -name '*.cpp' -o -path '*/DataModel/File/*' -o -path '*/DataModel/Log/*' \) -print)
 [ -z "$found" ] || fail "internal: $found"
 
 # The add-in manager finds what it reads below the root directory.

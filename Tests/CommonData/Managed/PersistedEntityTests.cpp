@@ -30,6 +30,63 @@ using CommonData::CommonBaseEntity;
 using CommonData::CommonBaseGroupEntity;
 using CommonData::CommonBaseRootCollection;
 
+// A class that is only there to be derived from.
+class Furniture : public Persisted<Furniture, ManagedEntity> {
+public:
+    static constexpr PersistedClass c_class{"Vn::Managed::Testing::Furniture",
+                                            "3F7A1D60-0001-4000-8000-000000000001", 0};
+    static EntityMetaType * s_metaType();
+    virtual unsigned legs() const = 0;
+
+protected:
+    explicit Furniture(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
+    Furniture(Segment * segment, unsigned long long id) : Persisted(segment, id) {
+        initializeMemberSetIfNeeded();
+    }
+    double m_price = 3;
+
+private:
+    friend class Managed::PersistedAccess;
+    void initializeMemberSet(unsigned, MemberSet * set) { addMember(set, "price", m_price); }
+};
+
+class Stool : public Persisted<Stool, Furniture> {
+public:
+    static constexpr PersistedClass c_class{"Vn::Managed::Testing::Stool",
+                                            "3F7A1D60-0002-4000-8000-000000000002", 0};
+    static EntityMetaType * s_metaType();
+    static StrongRefCreator<Stool> make(Segment * segment) { return create(segment); }
+    unsigned legs() const override { return 3; }
+
+private:
+    friend class Managed::PersistedAccess;
+    explicit Stool(Segment * segment) : Persisted(segment) { initializeMemberSetIfNeeded(); }
+    Stool(Segment * segment, unsigned long long id) : Persisted(segment, id) {
+        initializeMemberSetIfNeeded();
+    }
+    void initializeMemberSet(unsigned, MemberSet *) {}
+};
+
+class FurnitureMetaType final : public PersistedMetaType<Furniture> {
+} s_furniture;
+class StoolMetaType final : public PersistedMetaType<Stool> {
+} s_stool;
+
+EntityMetaType * Furniture::s_metaType() { return &s_furniture; }
+EntityMetaType * Stool::s_metaType() { return &s_stool; }
+
+TEST(PersistedEntity, AClassWithoutObjectsOfItsOwnIsAbstractToDocumentsToo) {
+    EXPECT_EQ(Furniture::s_metaType()->type(), EntityMetaType::TypeAbstract);
+    EXPECT_EQ(Stool::s_metaType()->type(), EntityMetaType::TypeConcrete);
+    StrongRef<Asset> const asset = Asset::make(nullptr);
+    Segment * const design = asset->segment(SegmentType::DesignSegment);
+    StrongRef<Stool> const stool = Stool::make(design);
+    EXPECT_FALSE(Furniture::s_metaType()->createEntity(design, 77));
+    EXPECT_NE(query<Furniture>(stool.get()), nullptr);
+    EXPECT_TRUE(stool->metaType()->isA(Furniture::s_metaType()));
+    EXPECT_EQ(Furniture::s_metaType()->memberSet(c_latestVersion)->member(0).name(), "price");
+}
+
 // --- The table of classes -----------------------------------------------------------------------
 
 struct MemberRow {

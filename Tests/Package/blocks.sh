@@ -1,0 +1,48 @@
+#!/usr/bin/env bash
+# The sample of an add-in, as an engineer uses it: its sources are taken from what is installed, built against
+# that, and used by the console in a session, and by a second one that opens what the first has saved.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+work=$VN_WORK/blocks
+fresh "$work"
+cp -R "$installed" "$work/prefix"
+cp -R "$work/prefix/share/doc/vncommondata10/Samples" "$work/Samples"
+
+"$VN_CMAKE" -S "$work/Samples/Blocks" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
+  -DCMAKE_INSTALL_PREFIX="$work/prefix" -DCMAKE_CXX_COMPILER="$VN_CXX" -DCMAKE_BUILD_TYPE=Release \
+  >"$work/log" 2>&1 || { cat "$work/log"; fail "it can't be configured"; }
+"$VN_CMAKE" --build "$work/build" --target install >>"$work/log" 2>&1 ||
+  { cat "$work/log"; fail "it can't be built"; }
+
+console=$work/prefix/bin/vnconsole
+"$console" add-ins | grep -q '^Blocks .* loaded' || fail "it isn't loaded: $("$console" add-ins)"
+
+# session LINE...: what the console answers, each line by its number if it is refused
+session() { printf '%s\n' "$@" | "$console" --standard; }
+
+session "Document.New" \
+  "Blocks.New block 2 3 '4 in'" "Blocks.New block 2 3 \"4 in\"" \
+  "Blocks.New cylinder \"1 in\" \"1 ft\" 10 0 0" "Blocks.Material 2 oak" \
+  "Blocks.Assemble Table 1 2" "Blocks.Duplicate 1 2" "Blocks.Mass" \
+  "Document.Undo" "Document.Redo" "Blocks.List" "Document.SaveAs $work/a.vnd" \
+  >"$work/out" 2>"$work/err" || true
+grep -q "^line 2: " "$work/err" || fail "a bad expression is taken: $(cat "$work/err")"
+same "the lines that are refused" "$(grep -c '^line' "$work/err")" 1
+grep -q '^Material: (Various)$' "$work/out" || fail "the mass isn't told: $(cat "$work/out")"
+
+# The last nine items that were told of are the list.
+items() { grep -E '^ *[0-9/]+  (Assembly|Block|Cylinder)' | tail -9; }
+listed=$(items <"$work/out")
+same "the assemblies" "$(grep -c 'Assembly "Table"' <<<"$listed")" 3
+same "what is opened" "$(session "Document.Open $work/a.vnd" "Blocks.List" | items)" "$listed"
+for language in de:Masse fr:Masse ja:質量; do
+  printf '%s\n' "Document.Open $work/a.vnd" "Blocks.Mass" |
+    "$console" --language "${language%:*}" | grep -q "^${language#*:}" || fail "no ${language%:*}"
+done
+
+# Without the module the document is refused by the name of what is missing, and stays as it is.
+before=$(sha256sum <"$work/a.vnd")
+rm "$work/prefix/Server/Blocks/Configuration/VnBlocks10.xml"
+if "$console" document "$work/a.vnd" tree >"$work/out" 2>&1; then fail "it opens without the module"; fi
+grep -q 'LoosePartsMetaType' "$work/out" || fail "it doesn't say what is missing: $(cat "$work/out")"
+same "the document" "$(sha256sum <"$work/a.vnd")" "$before"
