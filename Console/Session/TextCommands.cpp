@@ -22,7 +22,7 @@ std::wstring descriptionOf(TextCommand const & command) {
 
 namespace {
 
-std::wstring descriptionOf(TextCommandSubjectArea const & area) {
+std::wstring meaningOf(TextCommandSubjectArea const & area) {
     return localized(message(area.description().c_str()).c_str());
 }
 
@@ -33,7 +33,7 @@ int listCommands(std::ostream & out) {
         if (area->hidden()) continue;
         if (!first) out << '\n';
         first = false;
-        out << Text::toUtf8(message(L"%1%: %2%", area->name(), descriptionOf(*area))) << '\n';
+        out << Text::toUtf8(message(L"%1%: %2%", area->name(), meaningOf(*area))) << '\n';
         Table table;
         for (TextCommand const * const command : service.commands(area->name()))
             if (!command->hidden())
