@@ -105,7 +105,7 @@ void Item::onPreDelete() {
         NodeChange change(group, false);
         change.removeChild(m_rNode.get());
     }
-    m_rNode.reset();
+    forgetNode();
 }
 
 // The client goes with its common data.
@@ -139,21 +139,25 @@ void Item::makeNode() {
 // The nodes of all that stands below too.  Each group gets a child before that gets its own.
 void Item::makeNodes() {
     NodeChange all; // made at once, and dropped at once if memory runs out
-    makeNode();
-    std::vector<Item *> open{this};
-    while (!open.empty()) {
-        Item & item = *open.back();
-        open.pop_back();
-        NodeChange group(item.m_rNode.get(), false);
-        for (StrongRef<Managed::ManagedEntity> const & child : item.childrenVector()) {
-            auto * const below = query<Item>(child.get());
-            if (below && !below->m_rNode) {
-                below->makeNode();
-                open.push_back(below);
+    std::vector<Item *> items{this};
+    try {
+        makeNode();
+        for (std::size_t i = 0; i < items.size(); ++i) {
+            Item const & item = *items[i];
+            NodeChange group(item.m_rNode.get(), false);
+            for (StrongRef<Managed::ManagedEntity> const & child : item.childrenVector()) {
+                auto * const below = query<Item>(child.get());
+                if (below && !below->m_rNode) {
+                    items.push_back(below);
+                    below->makeNode();
+                }
+                if (auto const * const source = query<INodeSource>(child.get()))
+                    group.addChild(source->renderNode());
             }
-            if (auto const * const source = query<INodeSource>(child.get()))
-                group.addChild(source->renderNode());
         }
+    } catch (...) {
+        for (Item * const item : items) item->forgetNode();
+        throw;
     }
 }
 

@@ -111,6 +111,9 @@ protected:
     // The node was made, or something has changed: it is to show the item as it is.
     virtual void show(Scene::NodeChange & node);
 
+    // Lets go of the node, which is made anew when it is asked for.
+    virtual void forgetNode() noexcept { m_rNode.reset(); }
+
     // The measures before any override, of which the density makes the mass unless it is unknown.
     // `below` are those of the items below.
     virtual Measures calculated(Measures const & below) const = 0;

@@ -57,10 +57,12 @@ std::wstring whyNot(double value, ELength kind) {
 } // namespace
 
 std::wstring Fault::excerpt() const {
-    std::wstring const shown = Text::printable(text);
-    std::wstring_view const front(shown.data(), Text::indexAt16(text, position));
-    return shown + L'\n' + std::wstring(static_cast<std::size_t>(Text::displayWidth(front)), L' ') +
-           L'^';
+    constexpr std::size_t c_before = 60; // characters that are shown in front of the place
+    std::size_t const place = Text::indexAt16(text, position);
+    std::size_t const begin = place > c_before ? place - c_before : 0;
+    std::wstring const shown = Text::printable(text.substr(begin, 2 * c_before));
+    int const columns = Text::displayWidth(std::wstring_view(shown).substr(0, place - begin));
+    return shown + L'\n' + std::wstring(static_cast<std::size_t>(columns), L' ') + L'^';
 }
 
 StrongRef<Units::UnitSystem> unitSystemOf(Asset const & asset) {
@@ -101,8 +103,8 @@ Status readLength(std::wstring const & typed, ELength kind, UnitContext const & 
         length = {*value, textToKeep(expression, *value)};
         return Status::success();
     }
-    Status const status =
-        Status::invalidArgument("read a length", Text::toUtf8(typed), Text::toUtf8(found.reason));
+    Status const status = Status::invalidArgument(
+        "read a length", Text::toUtf8(Text::clipped(typed)), Text::toUtf8(found.reason));
     if (fault) *fault = std::move(found);
     return status;
 }

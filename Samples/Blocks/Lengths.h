@@ -35,7 +35,7 @@ struct Fault {
     std::size_t position = 0; // where the piece begins, in 16-bit characters from 0
     std::wstring reason;      // for the user, in the user's language
 
-    // The text, and below it a caret at the place, as two lines.
+    // The text, or a piece of a long one, and below it a caret at the place: two lines.
     std::wstring excerpt() const;
 };
 

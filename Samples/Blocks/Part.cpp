@@ -71,8 +71,8 @@ Status Part::setMaterial(Part & part, std::string const & key) {
     return Status::success();
 }
 
-void Part::onPreDelete() {
-    Item::onPreDelete();
+void Part::forgetNode() noexcept {
+    Item::forgetNode();
     m_rGeometry.reset();
     m_pMesh.reset();
 }

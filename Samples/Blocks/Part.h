@@ -51,7 +51,7 @@ protected:
     Part(PassiveRef<Entity> const & group, StrongRef<Input> input, Plan const & plan);
     Part(Segment * segment, unsigned long long id);
 
-    void onPreDelete() override;
+    void forgetNode() noexcept override;
     void show(Scene::NodeChange & node) override;
     Measures calculated(Measures const & below) const override;
 

@@ -64,7 +64,7 @@ std::wstring describe(Item const & item, Units::UnitContext const & units) {
     if (!part) {
         auto const & assembly = static_cast<Assembly const &>(item);
         return message(L"Assembly \"%1%\" at %2%",
-                       {Text::printable(assembly.name()), shownPlace(item, units)});
+                       {Text::printable(Text::clipped(assembly.name())), shownPlace(item, units)});
     }
     std::wstring sizes;
     for (std::size_t i = 0; i < sizeNames(part->kind()).size(); ++i)
@@ -300,8 +300,8 @@ Result summaries(Asset & asset, Parameters const &) {
         if (!assembly) return;
         Assembly::Summaries const & told = assembly->summaries();
         text += message(L"%1%  \"%2%\" was told %3% times before and %4% times after a change",
-                        {path, Text::printable(assembly->name()), std::to_wstring(told.before),
-                         std::to_wstring(told.after)}) +
+                        {path, Text::printable(Text::clipped(assembly->name())),
+                         std::to_wstring(told.before), std::to_wstring(told.after)}) +
                 L'\n';
     });
     return good(text.empty() ? tr(L"there are no assemblies in the document") : text);

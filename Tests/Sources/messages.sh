@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# The catalogues of the console hold the messages that its sources have today.  The test is left out where
+# The catalogues of the console and of the sample hold the messages that their sources have today, and those of
+# the sample a translation of each.  The test is left out where
 # xgettext isn't installed.
 set -euo pipefail
 for tool in xgettext msgmerge msgattrib; do
@@ -12,3 +13,10 @@ if ! bash "$1/Tools/translations.sh" --check; then
   echo "Tools/translations.sh brings the messages into the catalogues"
   exit 1
 fi
+for catalogue in "$1"/Samples/Blocks/Translations/*.po; do
+  missing=$(msgattrib --untranslated --no-wrap "$catalogue")
+  if [ -n "$missing" ]; then
+    echo "$catalogue lacks translations: $missing"
+    exit 1
+  fi
+done

@@ -67,6 +67,18 @@ TEST(Lengths, WhatIsntALengthIsRefusedWithThePlaceAndTheReason) {
     }
 }
 
+TEST(Lengths, OfALongTextThePieceAtThePlaceIsShown) {
+    std::wstring text(1'000'000, L'1');
+    for (std::size_t i = 1; i < text.size(); i += 2) text[i] = L'+';
+    text += L"* \x1b";
+    Length length;
+    Fault fault;
+    EXPECT_FALSE(readLength(text, ELength::Size, Units::UnitContext(L"cm"), length, &fault));
+    std::wstring const excerpt = fault.excerpt();
+    EXPECT_LT(excerpt.size(), 200U);
+    EXPECT_EQ(excerpt.find(L'\x1b'), excerpt.npos);
+}
+
 TEST(Lengths, CoordinatesMayBeZeroAndNegative) {
     EXPECT_EQ(read(L"0", L"cm").value, 0);
     EXPECT_EQ(read(L"-3", L"cm").value, -3);
