@@ -71,14 +71,18 @@ collect "The messages of the console." tr:1 message:1 messageUtf8:1 messageIn:1c
 renewAll Translations/Console VnConsole.pot
 
 # What Platform/Base/LocalizedText.h takes.
-find Platform Server \( -name '*.cpp' -o -name '*.h' \) ! -path Platform/Base/LocalizedText.h |
-  sort >"$work/sources"
-collect "What the libraries tell." localized:1 localizedIn:1c,2 localizable:1 >"$work/template"
-renewAll Translations/Libraries VnLibraries.pot
+if [ -d Translations/Libraries ]; then
+  find Platform Server \( -name '*.cpp' -o -name '*.h' \) ! -path Platform/Base/LocalizedText.h |
+    sort >"$work/sources"
+  collect "What the libraries tell." localized:1 localizedIn:1c,2 localizable:1 >"$work/template"
+  renewAll Translations/Libraries VnLibraries.pot
+fi
 
 # What Samples/Blocks/Texts.h takes, and the names of materials.
-find Samples/Blocks \( -name '*.cpp' -o -name '*.h' -o -name Materials.xml \) \
-  ! -path Samples/Blocks/Texts.h | sort >"$work/sources"
-collect "The messages of the sample." tr:1 message:1 marked:1 >"$work/template"
-renewAll Samples/Blocks/Translations VnBlocks.pot
+if [ -d Samples/Blocks/Translations ]; then
+  find Samples/Blocks \( -name '*.cpp' -o -name '*.h' -o -name Materials.xml \) \
+    ! -path Samples/Blocks/Texts.h | sort >"$work/sources"
+  collect "The messages of the sample." tr:1 message:1 marked:1 >"$work/template"
+  renewAll Samples/Blocks/Translations VnBlocks.pot
+fi
 exit $status
