@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# The catalogues of the console and of the sample hold the messages that their sources have today, and those of
-# the sample a translation of each.  The test is left out where
-# xgettext isn't installed.
+# The catalogues of the console, the libraries and the sample hold the messages that their sources have today, and
+# those of the sample a translation of each.  The test is left out where xgettext isn't installed.
 set -euo pipefail
+shopt -s nullglob
 for tool in xgettext msgmerge msgattrib; do
   if ! command -v "$tool" >/dev/null; then
     echo "$tool isn't installed"
