@@ -8,6 +8,7 @@
 #include "Console/UnitTexts.h"
 #include "Platform/Base/InterfaceId.h"
 #include "Platform/Base/Text.h"
+#include "Platform/DataModel/IRenameTarget.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 #include "Server/CommonData/NamedViews/NamedView.h"
@@ -83,6 +84,13 @@ std::wstring gistOf(Entity const & entity) {
         text = gistOf(*system);
     else if (auto const * const group = query<Managed::ManagedGroupEntity>(&entity))
         text = gistOf(*group);
+    // Entities of other add-ins that have a name.
+    auto * const named = query<DataModel::IRenameTarget>(const_cast<Entity *>(&entity));
+    std::wstring const name = named ? named->renameText() : L"";
+    if (text.empty())
+        text = name;
+    else if (!name.empty() && name != text)
+        text = message(L"%1%, %2%", inQuotes(name), text);
     return printable(clipped(text));
 }
 

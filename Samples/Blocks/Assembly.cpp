@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "Platform/Base/InterfaceId.h"
+#include "Platform/DataModel/EntityChange.h"
 #include "Samples/Blocks/Children.h"
 
 namespace Vn::Blocks {
@@ -29,6 +30,13 @@ StrongRef<Assembly> Assembly::make(PassiveRef<Entity> const & group, std::wstrin
 
 void Assembly::initializeMemberSet(unsigned, MemberSet * set) {
     Managed::addMember(set, "name", m_name);
+}
+
+void Assembly::name(std::wstring name) {
+    if (name == m_name) return;
+    EntityChange const change(this, DataChange::TransactDirect, DataChange::ChangeValue,
+                              DataChange::TimingPreAndPost, nullptr, true);
+    m_name = std::move(name);
 }
 
 std::string Assembly::rootKey() const { return "Blocks.Assembly." + std::to_string(id()); }

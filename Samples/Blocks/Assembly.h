@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Platform/DataModel/IRenameTarget.h"
 #include "Samples/Blocks/Item.h"
 #include "Server/CommonData/Components/IComponent.h"
 
@@ -15,7 +16,8 @@ namespace Vn::Blocks {
 //
 // It is the component of the parts in it, and is told before and after each change of one of them,
 // once per bracket.  It isn't told of what comes, goes or is moved, which is no change of a part.
-class Assembly : public Managed::Persisted<Assembly, Item, CommonData::IComponent> {
+class Assembly
+    : public Managed::Persisted<Assembly, Item, CommonData::IComponent, DataModel::IRenameTarget> {
 public:
     static constexpr Managed::PersistedClass c_class{"Vn::Blocks::Assembly",
                                                      "6A3C1B70-4C55-4B0E-8F4B-52B6E9D10007", 0};
@@ -24,8 +26,10 @@ public:
     // its origin.  Null if the group is null or its document is closed.
     static StrongRef<Assembly> make(PassiveRef<Entity> const & group, std::wstring name);
 
-    // The name for people; several may have one.
+    // The name for people; several may have one.  Renaming is a change, and a step of the history
+    // within a transaction.
     std::wstring const & name() const noexcept { return m_name; }
+    void name(std::wstring name);
 
     // The key of the root that the assembly is while it stands by itself.
     std::string rootKey() const;
@@ -58,6 +62,9 @@ private:
     friend class Managed::PersistedAccess;
 
     void initializeMemberSet(unsigned version, MemberSet * set);
+    bool onCanRename() const override { return true; }
+    std::wstring onRenameText() override { return m_name; }
+    void onRename(std::wstring const & name) override { this->name(name); }
 
     std::wstring m_name;
     // Not persisted.
