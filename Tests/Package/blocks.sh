@@ -1,17 +1,22 @@
 #!/usr/bin/env bash
-# The sample of an add-in, as an engineer uses it: its sources are taken from what is installed, built against
-# that, and used by the console in a session, and by a second one that opens what the first has saved.
+# The sample of an add-in, as an engineer uses it: its sources are taken from what is installed and built against
+# that by the commands of the guide, and used by the console in the session that stands there, in another, and in one
+# that opens what that has saved.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 work=$VN_WORK/blocks
 fresh "$work"
 cp -R "$installed" "$work/prefix"
-cp -R "$work/prefix/share/doc/vncommondata10/Samples" "$work/Samples"
 
-"$VN_CMAKE" -S "$work/Samples/Blocks" -B "$work/build" -DCMAKE_PREFIX_PATH="$work/prefix" \
-  -DCMAKE_INSTALL_PREFIX="$work/prefix" -DCMAKE_CXX_COMPILER="$VN_CXX" -DCMAKE_BUILD_TYPE=Release \
-  >"$work/log" 2>&1 || { cat "$work/log"; fail "it can't be configured"; }
-"$VN_CMAKE" --build "$work/build" --target install >>"$work/log" 2>&1 ||
+# A block that names a file is that file.
+awk -v work="$work" '
+  /^```[a-z]+ [A-Za-z.-]+$/ { file = work "/" $2; next }
+  /^```$/ { file = "" }
+  file != "" { print > file }' "$VN_SOURCES/Docs/blocks.md"
+
+mkdir "$work/tools"
+ln -s "$VN_CMAKE" "$work/tools/cmake"
+(cd "$work" && PATH=$work/tools:$PATH PREFIX=$work/prefix CXX=$VN_CXX bash -e build.sh) >"$work/log" 2>&1 ||
   { cat "$work/log"; fail "it can't be built"; }
 
 console=$work/prefix/bin/vnconsole
@@ -19,6 +24,12 @@ console=$work/prefix/bin/vnconsole
 
 # session LINE...: what the console answers, each line by its number if it is refused
 session() { printf '%s\n' "$@" | "$console" --standard; }
+
+same "what the session of the guide says" "$(cd "$work" && "$console" --standard <session.txt 2>&1)" \
+  "$(cat "$work/answers.txt")"
+for file in home.png corner.png rack.glb; do
+  [ -s "$work/$file" ] || fail "there is no $file"
+done
 
 session "Document.New" \
   "Blocks.New block 2 3 '4 in'" "Blocks.New block 2 3 \"4 in\"" \
