@@ -41,7 +41,8 @@ bool readMaterial(XMLNode const & node, std::vector<Material> & materials) {
 
 Table readTable() {
     Table table;
-    std::wstring const file = PathInfo::rootDirectory(true) + L"Server/Blocks/Materials.xml";
+    std::wstring file = PathInfo::rootDirectory(true);
+    file += L"Server/Blocks/Materials.xml";
     std::string const subject = Text::toUtf8(file);
     std::ifstream in(PathInfo::fromText(file), std::ios::binary);
     std::string const bytes{std::istreambuf_iterator<char>(in), {}};

@@ -93,21 +93,21 @@ TEST(Assembly, IsToldOfAChangeOfAPartOncePerBracketAndNotOfAMove) {
     auto const told = [](StrongRef<Assembly> const & assembly) {
         return std::pair(assembly->summaries().before, assembly->summaries().after);
     };
-    EXPECT_EQ(told(inner), std::pair(0UL, 0UL));
+    EXPECT_EQ(told(inner), std::pair(std::size_t{0}, std::size_t{0}));
     ASSERT_TRUE(setSize(*block, "width", L"2", nullptr));
-    EXPECT_EQ(told(inner), std::pair(1UL, 1UL));
+    EXPECT_EQ(told(inner), std::pair(std::size_t{1}, std::size_t{1}));
     {
         EntityChange const change(block.get(), DataChange::TransactDirect, DataChange::ChangeValue,
                                   DataChange::TimingPreAndPost, nullptr, true);
         ASSERT_TRUE(setSize(*block, "width", L"3", nullptr));
         ASSERT_TRUE(setMaterial(*block, "oak"));
     }
-    EXPECT_EQ(told(inner), std::pair(2UL, 2UL));
+    EXPECT_EQ(told(inner), std::pair(std::size_t{2}, std::size_t{2}));
     ASSERT_TRUE(moveItem(*block, outer.get()));
     ASSERT_TRUE(moveItem(*block, nullptr));
     ASSERT_TRUE(moveItem(*block, inner.get()));
-    EXPECT_EQ(told(inner), std::pair(2UL, 2UL));
-    EXPECT_EQ(told(outer), std::pair(0UL, 0UL));
+    EXPECT_EQ(told(inner), std::pair(std::size_t{2}, std::size_t{2}));
+    EXPECT_EQ(told(outer), std::pair(std::size_t{0}, std::size_t{0}));
 }
 
 } // namespace
