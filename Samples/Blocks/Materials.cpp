@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <iterator>
+#include <utility>
 
 #include "Platform/Base/PathInfo.h"
 #include "Platform/Base/Text.h"
@@ -65,6 +66,9 @@ Table const & table() {
 }
 
 } // namespace
+
+Material::Material(std::string key, std::wstring name, double density, Color const & color)
+    : PhysicalMaterial(std::move(name), density), m_key(std::move(key)), m_color(color) {}
 
 std::vector<Material> const & materials() { return table().materials; }
 

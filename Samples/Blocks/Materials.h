@@ -19,8 +19,7 @@ class Material : public PhysicalMaterial {
 public:
     // The key in documents and commands; the name in the user's language; the density in kg/cm^3,
     // above 0; the colour in which parts show.
-    Material(std::string key, std::wstring name, double density, Color const & color)
-        : PhysicalMaterial(std::move(name), density), m_key(std::move(key)), m_color(color) {}
+    Material(std::string key, std::wstring name, double density, Color const & color);
 
     // What the constructor was given.
     std::string const & key() const noexcept { return m_key; }
