@@ -67,8 +67,8 @@ Table const & table() {
 
 } // namespace
 
-Material::Material(std::string key, std::wstring name, double density, Color const & color)
-    : PhysicalMaterial(std::move(name), density), m_key(std::move(key)), m_color(color) {}
+Material::Material(std::string key, std::wstring const & name, double density, Color const & color)
+    : PhysicalMaterial(name, density), m_key(std::move(key)), m_color(color) {}
 
 std::vector<Material> const & materials() { return table().materials; }
 

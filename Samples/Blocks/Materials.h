@@ -19,7 +19,7 @@ class Material : public PhysicalMaterial {
 public:
     // The key in documents and commands; the name in the user's language; the density in kg/cm^3,
     // above 0; the colour in which parts show.
-    Material(std::string key, std::wstring name, double density, Color const & color);
+    Material(std::string key, std::wstring const & name, double density, Color const & color);
 
     // What the constructor was given.
     std::string const & key() const noexcept { return m_key; }
