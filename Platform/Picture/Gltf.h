@@ -74,7 +74,7 @@ protected:
 // A view that is in the file as a camera.
 struct GltfView {
     std::wstring name; // as of NodeFacts
-    View view;
+    View view;         // in the space of the document
 };
 
 // What a file is to be like.
@@ -97,7 +97,7 @@ struct GltfOptions {
 
 // A file, and what isn't in it.
 struct GltfModel {
-    std::string bytes;
+    std::string bytes;        // the whole file
     std::size_t parts = 0;    // places in which a mesh is shown
     std::size_t meshes = 0;   // different ones, by their numbers
     std::size_t leftOut = 0;  // visible meshes that can't be in the file, by their places

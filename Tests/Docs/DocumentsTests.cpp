@@ -156,7 +156,7 @@ TEST_F(DocumentsTests, EveryBlockIsOfAKindThatIsTested) {
     // Statements and queries with their rows, which the tests of the document file run.
     constexpr std::array<std::string_view, 2> c_databaseKinds{"sql", "text"};
     // Files, which the tests of the installed package build and run.
-    constexpr std::array<std::string_view, 2> c_packageGuides{"Docs/embedding.md",
+    constexpr std::array<std::string_view, 3> c_packageGuides{"Docs/blocks.md", "Docs/embedding.md",
                                                               "Docs/hosting.md"};
     std::set<std::string> programs;
     for (Document const & document : m_documents) {

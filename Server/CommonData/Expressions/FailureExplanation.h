@@ -55,8 +55,8 @@ struct FailureExplanation {
 
 // What stands around a text in the line that was typed: "-> in" after "5 cm".
 struct TextAround {
-    std::wstring before{};
-    std::wstring after{};
+    std::wstring before{}; // what the line begins with; empty for nothing
+    std::wstring after{};  // what it ends with
     // A correction whose value can't be shown in what this expects is none.
     Units::UnitContext display{};
     // By whose mark of decimals "1,500" or "1.500" in a text that is corrected may be fifteen
