@@ -27,12 +27,16 @@ namespace {
 // One command: as it was typed, and as it is understood.
 struct Call {
     std::vector<std::wstring> words;
-    DocumentCommand const * command = nullptr;
+    DocumentCommand const * command = nullptr; // null for a text command of another add-in
     std::vector<std::wstring> parameters = {};
     std::vector<std::wstring> flags = {};
     std::vector<std::size_t> quoted = {}; // which of the words stood in quotes
 
-    bool is(EDocumentCall kind) const { return command->call == kind; }
+    TextCommand * other = nullptr; // which is this then
+
+    bool is(EDocumentCall kind) const {
+        return kind == (command ? command->call : EDocumentCall::Changes);
+    }
     bool changes() const { return is(EDocumentCall::Changes) || is(EDocumentCall::Begins); }
 };
 
@@ -128,6 +132,18 @@ bool takesVerbose(DocumentCommand const & command) {
     return command.otherFlag && std::wstring_view(command.otherFlag) == L"Verbose";
 }
 
+bool anyCall(std::vector<Call> const & calls, bool (*takes)(DocumentCommand const &)) {
+    return std::any_of(calls.begin(), calls.end(),
+                       [&](Call const & call) { return call.command && takes(*call.command); });
+}
+
+// A text command by its whole name, such as "Blocks.List"; null if there is none.
+TextCommand * findOther(std::wstring_view word) {
+    std::size_t const stop = word.find(L'.');
+    if (stop == word.npos || stop == 0) return nullptr;
+    return TextCommandService::get().find(word.substr(0, stop), word.substr(stop + 1));
+}
+
 int badUsage(std::wstring const & why, std::ostream & err) {
     told(why, err);
     return ExitBadUsage;
@@ -160,7 +176,8 @@ int placeOptions(DocumentOptions const & options, std::vector<Call> & calls, std
         Call * found = nullptr;
         DocumentCallOption const * option = nullptr;
         for (Call & call : calls) {
-            DocumentCallOption const * const own = findOption(*call.command, name);
+            DocumentCallOption const * const own =
+                call.command ? findOption(*call.command, name) : nullptr;
             if (!own) continue;
             if (found)
                 return badUsage(message(L"%1% is for one command, and there are several", name),
@@ -191,7 +208,8 @@ int checkOutputs(DocumentOptions const & options, std::vector<Call> const & call
                  std::ostream & err) {
     if (!calls.front().is(EDocumentCall::Begins)) return ExitGood;
     for (Call const & call : calls) {
-        if (!findOption(*call.command, L"--output") || call.parameters.empty()) continue;
+        if (!call.command || !findOption(*call.command, L"--output") || call.parameters.empty())
+            continue;
         std::wstring const & file = call.parameters.front();
         bool const arePaths = !file.empty() && !options.file.empty() &&
                               file.find(L'\0') == file.npos &&
@@ -208,7 +226,8 @@ int checkOutputs(DocumentOptions const & options, std::vector<Call> const & call
 int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ostream & err) {
     for (Call & call : calls) {
         call.command = findDocumentCommand(call.words.front());
-        if (!call.command) return unknown(call.words.front(), err);
+        if (!call.command) call.other = findOther(call.words.front());
+        if (!call.command && !call.other) return unknown(call.words.front(), err);
         if (call.is(EDocumentCall::None)) {
             return badUsage(
                 message(L"%1% belongs to a session; here the file is opened first and saved "
@@ -225,6 +244,7 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
             else
                 call.parameters.push_back(word);
         }
+        if (call.other) continue;
         std::wstring const name = Text::widen(call.command->alias);
         if (call.is(EDocumentCall::Begins) && &call != &calls.front())
             return badUsage(message(L"%1% stands in front of all other commands", name), err);
@@ -232,15 +252,11 @@ int prepare(DocumentOptions const & options, std::vector<Call> & calls, std::ost
         if (call.is(EDocumentCall::Alone) && !isAlone)
             return badUsage(message(L"%1% stands alone, and looks at the file", name), err);
     }
-    bool const showsJson = std::any_of(calls.begin(), calls.end(),
-                                       [](Call const & call) { return takesJson(*call.command); });
-    if (options.json && !showsJson) {
+    if (options.json && !anyCall(calls, &takesJson)) {
         return badUsage(
             message(L"%1% goes with the command %2%", L"--json", oneOf(aliases(&takesJson))), err);
     }
-    bool const isVerbose = std::any_of(
-        calls.begin(), calls.end(), [](Call const & call) { return takesVerbose(*call.command); });
-    if (options.verbose && !isVerbose) {
+    if (options.verbose && !anyCall(calls, &takesVerbose)) {
         return badUsage(
             message(L"%1% goes with the command %2%", L"--verbose", oneOf(aliases(&takesVerbose))),
             err);
@@ -285,9 +301,24 @@ int begin(std::filesystem::path const & file, Call const & first, DocumentSessio
     return ExitGood;
 }
 
+// A command of another add-in, which changes what it likes.
+int runOther(Call const & call, DocumentOptions const & options, std::ostream & out,
+             std::ostream & err) {
+    TextCommandResult const result =
+        TextCommandService::run(*call.other, TextCommandParameters(call.parameters, call.flags));
+    if (result.status != 0) {
+        out.flush();
+        err << Text::toUtf8(result.text) << '\n';
+    } else if (!result.text.empty() && !options.json) {
+        out << Text::toUtf8(result.text) << '\n';
+    }
+    return result.status == 0 ? int{ExitGood} : int{ExitBadInput};
+}
+
 // A long answer was written already.
 int run(Call const & call, DocumentOptions const & options, std::ostream & out,
         std::ostream & err) {
+    if (call.other) return runOther(call, options, out, err);
     DocumentCommand const & row = *call.command;
     bool const json = options.json;
     std::vector<std::wstring> flags = call.flags;

@@ -169,9 +169,14 @@ TextCommandResult TextCommandService::run(std::wstring_view line) {
                              L"the end of the line follows")};
     TextCommand * const command = findTyped(parts->command);
     if (!command) return {1, unknownCommand(parts->command)};
+    return run(*command,
+               TextCommandParameters(std::move(parts->parameters), std::move(parts->flags)));
+}
+
+TextCommandResult TextCommandService::run(TextCommand & command,
+                                          TextCommandParameters const & parameters) {
     try {
-        return command->run(
-            TextCommandParameters(std::move(parts->parameters), std::move(parts->flags)));
+        return command.run(parameters);
     } catch (TextCommandFailure const & failure) {
         return {1, failure.text()};
     } catch (std::bad_alloc const &) {
@@ -180,8 +185,8 @@ TextCommandResult TextCommandService::run(std::wstring_view line) {
         // What it says was written for whoever wrote the command.
         std::string text = exception.what();
         if (text.empty()) text = OS::className(typeid(exception));
-        return {1, localized(L"%1%.%2% failed unexpectedly: %3%", command->subjectArea(),
-                             command->name(), text)};
+        return {1, localized(L"%1%.%2% failed unexpectedly: %3%", command.subjectArea(),
+                             command.name(), text)};
     }
 }
 

@@ -47,6 +47,8 @@ public:
     // Runs one line.  Whatever is wrong with it gives status 1 and a text that says what would have
     // been right; so does a std::exception out of the command, with its text.
     TextCommandResult run(std::wstring_view line);
+    // Runs a command in the same way.
+    static TextCommandResult run(TextCommand & command, TextCommandParameters const & parameters);
     // What the word may be that a person begins to type after `front`, the line up to there, as the
     // command in it tells; empty if there is no command or if it can't tell.
     std::vector<std::wstring> completions(std::wstring_view front) const;

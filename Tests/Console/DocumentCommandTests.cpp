@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -413,6 +414,14 @@ TEST_F(DocumentCommandTests, WithoutIdsEntitiesArentAddedAndTheDocumentIsSaved) 
     EXPECT_EQ(document("check").status, 0);
 }
 
+TEST_F(DocumentCommandTests, CommandsOfOtherAddInsAreCalledByTheirWholeNames) {
+    makeSample();
+    EXPECT_THAT(answer("Expressions.Parse \"2 in\" cm"), testing::HasSubstr("5.08"));
+    Outcome const outcome = run("make, Units.MakeForMagnitude x");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_THAT(outcome.err, testing::HasSubstr("which \"x\" isn't\nnothing was saved\n"));
+}
+
 TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
     struct Row {
         char const * commands;
@@ -428,13 +437,14 @@ TEST_F(DocumentCommandTests, WhatIsntUnderstoodIsToldBeforeAnythingIsDone) {
          "complete, unchoose, removesystem, settings, setting, resetsetting, resetaxes, "
          "views, newview, updateview, renameview, moveview, deleteview, synchronize, "
          "restoreview, tree, picture, export, undo, redo, history, check\n"},
-        {"Units.List",
-         "vnconsole: there is no command \"Units.List\" on documents; the commands are "
-         "new, make, add, remove, move, delete, show, set, makesystem, systems, chooseid, choose, "
-         "changeunit, system, activate, deactivate, "
-         "complete, unchoose, removesystem, settings, setting, resetsetting, resetaxes, "
-         "views, newview, updateview, renameview, moveview, deleteview, synchronize, "
-         "restoreview, tree, picture, export, undo, redo, history, check\n"},
+        {"Units.Lost",
+         "vnconsole: there is no command \"Units.Lost\" on documents; the commands are "
+         "new, make, add, remove, move, delete, show, set, makesystem, systems, "
+         "chooseid, choose, changeunit, system, activate, deactivate, "
+         "complete, unchoose, removesystem, settings, setting, resetsetting, "
+         "resetaxes, views, newview, updateview, renameview, moveview, deleteview, "
+         "synchronize, restoreview, tree, picture, export, undo, redo, history, "
+         "check\n"},
         {"make, saveas b.vnd", "vnconsole: saveas belongs to a session; here the file is opened "
                                "first and saved after the last command\n"},
         {"make, new", "vnconsole: new stands in front of all other commands\n"},

@@ -31,6 +31,13 @@ for file in home.png corner.png rack.glb; do
   [ -s "$work/$file" ] || fail "there is no $file"
 done
 
+cp "$work/rack.vnd" "$work/called.vnd"
+"$console" --standard document "$work/called.vnd" Blocks.Set 2 height '"4 in"', picture -o "$work/a.png" \
+  >"$work/out" || fail "a call doesn't take its commands"
+grep -q '^saved ' "$work/out" || fail "a call doesn't save what they change: $(cat "$work/out")"
+"$console" --standard document "$work/called.vnd" Blocks.List >"$work/out"
+grep -q '^2  Cylinder, 1.25 in x 4.00 in' "$work/out" || fail "nothing was changed: $(cat "$work/out")"
+
 session "Document.New" \
   "Blocks.New block 2 3 '4 in'" "Blocks.New block 2 3 \"4 in\"" \
   "Blocks.New cylinder \"1 in\" \"1 ft\" 10 0 0" "Blocks.Material 2 oak" \
