@@ -57,7 +57,7 @@ TEST(LargeDocument, AssembliesMayStandInEachOtherToAnyDepth) {
         opened.reset();
 
         std::vector<StrongRef<Item>> copies;
-        EXPECT_FALSE(duplicate(*top, 1, copies)); // one item too many
+        EXPECT_FALSE(duplicate(*top, c_mostCopies, copies)); // too many in all
         ASSERT_TRUE(deleteItem(*top));
         EXPECT_EQ(nodesOf(*document.asset), nodesBefore - 1);
         ASSERT_TRUE(document.history().undo());
