@@ -9,3 +9,8 @@ extern "C" __attribute__((visibility("default"))) char const * __lsan_default_su
 extern "C" __attribute__((visibility("default"))) char const * __tsan_default_suppressions() {
     return "race:libOSMesa\ncalled_from_lib:libOSMesa.so\nrace:libLLVM\ndeadlock:libLLVM\n";
 }
+
+// They would tell on the standard error what they have passed over.
+extern "C" __attribute__((visibility("default"))) char const * __lsan_default_options() {
+    return "print_suppressions=0";
+}
