@@ -7,10 +7,6 @@
 
 #include <benchmark/benchmark.h>
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include "Platform/DataModel/Asset.h"
 #include "Platform/DataModel/Segment.h"
 #include "Samples/Blocks/Modelling.h"
@@ -22,15 +18,6 @@ namespace {
 
 using namespace Vn;
 using namespace Vn::Blocks;
-
-// Memory once taken is kept, so that what the system does for new pages doesn't count.
-[[maybe_unused]] bool const s_bKeepsMemory = [] {
-#ifdef __GLIBC__
-    mallopt(M_MMAP_MAX, 0);
-    mallopt(M_TRIM_THRESHOLD, -1);
-#endif
-    return true;
-}();
 
 StrongRef<Asset> makeDocument(bool isShown) {
     StrongRef<Asset> asset = Asset::make(nullptr);

@@ -6,10 +6,6 @@
 
 #include <benchmark/benchmark.h>
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include "Platform/Scene/NodeChange.h"
 
 namespace {
@@ -17,16 +13,6 @@ namespace {
 using Vn::StrongRef;
 using Vn::Scene::NodeChange;
 using Vrx::Graphics::GroupNode;
-
-// Memory once taken is kept: what the system does for each new page would else hide the rest, and
-// only in the largest graphs.
-[[maybe_unused]] bool const s_bKeepsMemory = [] {
-#ifdef __GLIBC__
-    mallopt(M_MMAP_MAX, 0);
-    mallopt(M_TRIM_THRESHOLD, -1);
-#endif
-    return true;
-}();
 
 // As large as a group, so that only the way it is kept differs.
 class Element : public Vn::RefCounted {

@@ -9,10 +9,6 @@
 
 #include <benchmark/benchmark.h>
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 #include "Platform/Graphics/IndexBuffer.h"
 #include "Platform/Graphics/LODGeometryNode.h"
 #include "Platform/Graphics/RenderNode.h"
@@ -28,16 +24,6 @@ using Vrx::Graphics::LODGeometryNode;
 
 constexpr std::size_t c_few = 1'000;
 constexpr std::size_t c_many = 100'000;
-
-// Memory once taken is kept: what the system does for each new page would else hide the rest, and
-// only in the largest models.
-[[maybe_unused]] bool const s_bKeepsMemory = [] {
-#ifdef __GLIBC__
-    mallopt(M_MMAP_MAX, 0);
-    mallopt(M_TRIM_THRESHOLD, -1);
-#endif
-    return true;
-}();
 
 // A box of 24 vertices with normals.
 StrongRef<Vrx::Devices::SimpleMesh> box(float height) {

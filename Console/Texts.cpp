@@ -44,6 +44,10 @@ int told(std::wstring const & why, std::ostream & err) {
 
 int told(Status const & why, std::ostream & err) { return told(printable(statusText(why)), err); }
 
+bool isWord(std::wstring_view text, std::wstring_view word) {
+    return Text::foldedEqual(text, word);
+}
+
 bool containsFolded(std::wstring_view text, std::wstring_view part) {
     for (std::size_t i = 0; i + part.size() <= text.size(); ++i)
         if (Text::foldedEqual(text.substr(i, part.size()), part)) return true;

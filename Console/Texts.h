@@ -33,6 +33,8 @@ std::wstring orInstead(std::wstring const & name, std::vector<std::wstring> cons
 int told(std::wstring const & why, std::ostream & err);
 int told(Status const & why, std::ostream & err);
 
+// Whether `text` is `word`, where the case of ASCII letters doesn't count.
+bool isWord(std::wstring_view text, std::wstring_view word);
 // Whether `text` contains `part`, where the case of ASCII letters doesn't count.
 bool containsFolded(std::wstring_view text, std::wstring_view part);
 

@@ -301,17 +301,22 @@ int begin(std::filesystem::path const & file, Call const & first, DocumentSessio
     return ExitGood;
 }
 
+// What a command answers; of a good one if it `isWanted`.
+void answer(TextCommandResult const & result, bool isWanted, std::ostream & out,
+            std::ostream & err) {
+    out.flush();
+    if (result.status != 0)
+        err << Text::toUtf8(result.text) << '\n';
+    else if (!result.text.empty() && isWanted)
+        out << Text::toUtf8(result.text) << '\n';
+}
+
 // A command of another add-in, which changes what it likes.
 int runOther(Call const & call, DocumentOptions const & options, std::ostream & out,
              std::ostream & err) {
     TextCommandResult const result =
         TextCommandService::run(*call.other, TextCommandParameters(call.parameters, call.flags));
-    if (result.status != 0) {
-        out.flush();
-        err << Text::toUtf8(result.text) << '\n';
-    } else if (!result.text.empty() && !options.json) {
-        out << Text::toUtf8(result.text) << '\n';
-    }
+    answer(result, !options.json, out, err);
     return result.status == 0 ? int{ExitGood} : int{ExitBadInput};
 }
 
@@ -326,11 +331,7 @@ int run(Call const & call, DocumentOptions const & options, std::ostream & out,
     if (options.verbose && takesVerbose(row)) flags.emplace_back(row.otherFlag);
     TextCommand * const command = TextCommandService::get().find(row.area, row.name);
     TextCommandResult const result = command->run(TextCommandParameters(call.parameters, flags));
-    out.flush();
-    if (result.status != 0)
-        err << Text::toUtf8(result.text) << '\n';
-    else if (!result.text.empty() && (!json || takesJson(row)))
-        out << Text::toUtf8(result.text) << '\n';
+    answer(result, !json || takesJson(row), out, err);
     return result.status;
 }
 

@@ -11,7 +11,6 @@
 #include "Platform/DataModel/IRenameTarget.h"
 #include "Platform/DataModel/MetaType.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
-#include "Server/CommonData/NamedViews/NamedView.h"
 #include "Server/CommonData/Units/UnitDisplaySettings.h"
 
 namespace Vn::Console {
@@ -76,15 +75,13 @@ std::wstring kindOf(Entity const & entity) {
 
 std::wstring gistOf(Entity const & entity) {
     std::wstring text;
-    if (auto const * const view = query<NameView::NamedView>(&entity))
-        text = view->name();
-    else if (auto const * const choice = query<Units::UnitSystemChoice>(&entity))
+    if (auto const * const choice = query<Units::UnitSystemChoice>(&entity))
         text = gistOf(*choice);
     else if (auto const * const system = query<Units::UnitSystem>(&entity))
         text = gistOf(*system);
     else if (auto const * const group = query<Managed::ManagedGroupEntity>(&entity))
         text = gistOf(*group);
-    // Entities of other add-ins that have a name.
+    // What has a name: a view, or an entity of another add-in.
     auto * const named = query<DataModel::IRenameTarget>(const_cast<Entity *>(&entity));
     std::wstring const name = named ? named->renameText() : L"";
     if (text.empty())

@@ -32,9 +32,6 @@ using Picture::PictureOptions;
 using Parameters = TextCommandParameters;
 using Result = TextCommandResult;
 
-bool isWord(std::wstring const & text, wchar_t const * word) {
-    return Text::foldedEqual(std::wstring_view(text), std::wstring_view(word));
-}
 bool isPictureWord(std::wstring const & text) {
     return isWord(text, L"view") || isWord(text, L"from") || isWord(text, L"size");
 }

@@ -56,10 +56,6 @@ std::vector<BuiltIn> builtIns() {
         {NamedViews::c_home, &NamedViews::makeHomeNamedView, &NamedViews::synchonizeHomeNamedView}};
 }
 
-bool isWord(std::wstring const & text, wchar_t const * word) {
-    return Text::foldedEqual(std::wstring_view(text), std::wstring_view(word));
-}
-
 // Finds the views and one of them.  The answer is empty, or says why there are none.
 std::wstring findView(DocumentSession const & session, std::wstring const & name, Views & views,
                       View & view) {

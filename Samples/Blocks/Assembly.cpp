@@ -68,12 +68,7 @@ void Assembly::onPostChange(DataChange::ETransact transact, DataChange::EChangeT
     ChildrenChange const change =
         isReplay ? ChildrenChange::replayed(*this, before) : ChildrenChange::direct(*this, details);
     NodeChange group(groupNode(), false);
-    for (StrongRef<Managed::ManagedEntity> const & child : change.gone)
-        if (auto const * const source = query<INodeSource>(child.get()))
-            group.removeChild(source->renderNode());
-    for (StrongRef<Managed::ManagedEntity> const & child : change.came)
-        if (auto const * const source = query<INodeSource>(child.get()))
-            group.addChild(source->renderNode());
+    change.follow<INodeSource>(group);
 }
 
 } // namespace Vn::Blocks

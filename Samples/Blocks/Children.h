@@ -5,7 +5,9 @@
 
 #include <vector>
 
+#include "Platform/Base/InterfaceId.h"
 #include "Platform/DataModel/DataChange.h"
+#include "Platform/Scene/NodeChange.h"
 #include "Server/CommonData/Managed/ManagedGroupEntity.h"
 
 namespace Vn::Blocks {
@@ -28,6 +30,17 @@ struct ChildrenChange {
     // Of a replay, which tells no details: by the list as it was before.
     static ChildrenChange replayed(Managed::ManagedGroupEntity const & group,
                                    Children const & before);
+
+    // Has the nodes of those children that are a `Source` follow, in the group that shows them.
+    template <class Source>
+    void follow(Scene::NodeChange & group) const {
+        for (StrongRef<Managed::ManagedEntity> const & child : gone)
+            if (auto const * const source = query<Source>(child.get()))
+                group.removeChild(source->renderNode());
+        for (StrongRef<Managed::ManagedEntity> const & child : came)
+            if (auto const * const source = query<Source>(child.get()))
+                group.addChild(source->renderNode());
+    }
 };
 
 } // namespace Vn::Blocks

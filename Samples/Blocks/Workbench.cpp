@@ -224,12 +224,7 @@ void Workbench::show(ChildrenChange const & change) {
     GroupNode * const scene = sceneOf(*this);
     if (!scene) return;
     NodeChange group(scene, false);
-    for (StrongRef<ManagedEntity> const & child : change.gone)
-        if (auto const * const assembly = query<Assembly>(child.get()))
-            group.removeChild(assembly->renderNode());
-    for (StrongRef<ManagedEntity> const & child : change.came)
-        if (auto const * const assembly = query<Assembly>(child.get()))
-            group.addChild(assembly->renderNode());
+    change.follow<Assembly>(group);
 }
 
 } // namespace Vn::Blocks

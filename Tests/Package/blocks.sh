@@ -8,11 +8,7 @@ work=$VN_WORK/blocks
 fresh "$work"
 cp -R "$installed" "$work/prefix"
 
-# A block that names a file is that file.
-awk -v work="$work" '
-  /^```[a-z]+ [A-Za-z.-]+$/ { file = work "/" $2; next }
-  /^```$/ { file = "" }
-  file != "" { print > file }' "$VN_SOURCES/Docs/blocks.md"
+files_of Docs/blocks.md "$work"
 
 mkdir "$work/tools"
 ln -s "$VN_CMAKE" "$work/tools/cmake"

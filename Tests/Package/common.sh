@@ -57,6 +57,14 @@ try_console() {
   if "$console" eval '1 +' 2>/dev/null; then fail "an unfinished text is good"; fi
 }
 
+# files_of GUIDE WORK: the blocks of a guide that name a file, as these files.
+files_of() {
+  awk -v work="$2" '
+    /^```[a-z]+ [A-Za-z.-]+$/ { file = work "/" $2; next }
+    /^```$/ { file = "" }
+    file != "" { print > file }' "$VN_SOURCES/$1"
+}
+
 # try_find_package PREFIX WORK: the consumer, built by find_package.
 try_find_package() {
   fresh "$2"

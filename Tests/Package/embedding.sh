@@ -7,11 +7,7 @@ needs pkg-config
 work=$VN_WORK/embedding
 fresh "$work"
 
-# A block that names a file is that file.
-awk -v work="$work" '
-  /^```[a-z]+ [A-Za-z.-]+$/ { file = work "/" $2; next }
-  /^```$/ { file = "" }
-  file != "" { print > file }' "$VN_SOURCES/Docs/embedding.md"
+files_of Docs/embedding.md "$work"
 
 mkdir "$work/tools"
 ln -s "$VN_CMAKE" "$work/tools/cmake"
