@@ -2,7 +2,10 @@
 // save, and the open document goes on.
 
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -20,6 +23,11 @@ StrongRef<Asset> load(std::filesystem::path const & file) {
     Status const status = DocumentFile::load(file, nullptr, asset);
     EXPECT_TRUE(status) << status.toString();
     return asset;
+}
+
+std::string contentOf(std::filesystem::path const & file) {
+    std::ifstream in(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 // A document with a file, and changes of every sort that aren't saved.
@@ -159,6 +167,24 @@ TEST(DocumentFileFaultTests, AFullDiskLeavesTheOldOrTheNewDocument) {
         }
         EXPECT_TRUE(wasFull);
     }
+}
+
+// The changes are more than the engine keeps in memory, so the file has some before the disk is
+// full.
+TEST(DocumentFileFaultTests, AFullDiskInTheMiddleOfALargeSaveLeavesTheFileAsItWas) {
+    FaultyFileSystem faulty;
+    Scene scene;
+    std::string const before = contentOf(scene.file.path());
+    StrongRef<Entity> const root = design(*scene.asset)->rootEntity("root");
+    auto & everything = dynamic_cast<Everything &>(*root);
+    everything.change([&] { everything.m_wide = std::wstring(8'000'000, L'x'); });
+    faulty.room(1'000'000);
+    Status const status = saveAgain(scene);
+    EXPECT_EQ(status.code(), StatusNoSpace) << status.toString();
+    EXPECT_TRUE(contentOf(scene.file.path()) == before);
+    EXPECT_FALSE(std::filesystem::exists(scene.file.text() + "-journal"));
+    faulty.heal();
+    EXPECT_TRUE(saveAgain(scene));
 }
 
 TEST(DocumentFileFaultTests, TheFirstSaveLeavesAFileOrNone) {

@@ -145,6 +145,14 @@ long long Database::number(std::string const & sql) const {
     return statement.step() ? statement.integer(0) : 0;
 }
 
+void Database::restore() const noexcept {
+    if (!m_pDatabase) return;
+    if (!sqlite3_get_autocommit(m_pDatabase))
+        sqlite3_exec(m_pDatabase, "ROLLBACK", nullptr, nullptr, nullptr);
+    // After a failed write the engine leaves the journal to whoever reads next.
+    sqlite3_exec(m_pDatabase, "PRAGMA schema_version", nullptr, nullptr, nullptr);
+}
+
 std::error_code Database::systemError() const noexcept {
     return {m_pDatabase ? sqlite3_system_errno(m_pDatabase) : 0, std::system_category()};
 }

@@ -69,6 +69,10 @@ public:
 
     // Runs statements without results.
     void run(std::string const & sql) const;
+    // Takes back what the open transaction wrote, so that the file is as it was and no journal is
+    // left beside it.  Where that fails too, the journal stays, and whoever opens the file next
+    // does it.
+    void restore() const noexcept;
     // The first value of the first row as a number.
     long long number(std::string const & sql) const;
 

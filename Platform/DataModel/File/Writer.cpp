@@ -338,6 +338,7 @@ void DocumentFile::Writer::saveChanges() {
             }
         } catch (...) {
             end();
+            database.restore();
             throw;
         }
     }
