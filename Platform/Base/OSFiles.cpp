@@ -372,7 +372,10 @@ Status replaceFile(path const & file, std::string_view content) {
     neighbour += '.';
     neighbour += std::string_view(digits, static_cast<std::size_t>(end - digits));
     neighbour += ".saving";
-    return replaceBy(neighbour, target, content, permissions);
+    Status const status = replaceBy(neighbour, target, content, permissions);
+    if (status) return status;
+    // The file that was asked for, not its neighbour, of which the user knows nothing.
+    return Status(status.code(), status.operation(), pathText(target), status.cause());
 }
 
 Status makeSmallFile(path const & file, std::string_view content) {

@@ -105,7 +105,9 @@ TEST(OSFilesTests, AFullDiskLeavesWhatAUserHad) {
     for (EFileCall const call :
          {EFileCall::Create, EFileCall::Write, EFileCall::Flush, EFileCall::Rename}) {
         FullDisk const full(call);
-        EXPECT_EQ(replaceFile(file, "new").code(), StatusNoSpace);
+        Status const status = replaceFile(file, "new");
+        EXPECT_EQ(status.code(), StatusNoSpace);
+        EXPECT_EQ(status.subject(), file.string());
         EXPECT_EQ(contentOf(file), "old");
     }
     {
