@@ -210,15 +210,16 @@ Status moveItem(Item & item, Assembly * assembly) {
     return status;
 }
 
-Status deleteItem(Item & item) {
-    Status status = checkAlive(item);
+Status deleteItem(StrongRef<Item> item) {
+    if (!item) return invalid("delete the item", tr(L"it stands nowhere in the document"));
+    Status status = checkAlive(*item);
     if (!status) return status;
-    StrongRef<Item> const kept(&item);
-    StrongRef<ManagedGroupEntity> const group = item.managedParent();
+    StrongRef<ManagedGroupEntity> const group = item->managedParent();
     if (!group) return invalid("delete the item", tr(L"it stands nowhere in the document"));
-    StrongRef<Asset> const asset(item.asset());
+    StrongRef<Asset> const asset(item->asset());
     Transaction transaction(*asset, tr(L"Delete"));
-    group->removeChild(kept);
+    group->removeChild(item);
+    item.reset();
     transaction.commit();
     return status;
 }

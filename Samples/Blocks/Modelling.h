@@ -50,8 +50,9 @@ Status assemble(Asset & asset, std::wstring const & name,
 // Moves an item to the end of an assembly, or out of all of them for null.  It keeps its place,
 // which is then counted from where it comes to stand.  Refused within itself.
 Status moveItem(Item & item, Assembly * assembly);
-// Takes an item out of the document, with all that stands in it.
-Status deleteItem(Item & item);
+// Takes an item out of the document, with all that stands in it.  The reference is let go within
+// the step: if it is the last one, the item goes in that step, and an undo leaves nothing to save.
+Status deleteItem(StrongRef<Item> item);
 // Makes copies of an item, with all that stands in it, after its siblings.
 Status duplicate(Item & item, std::size_t count, std::vector<StrongRef<Item>> & copies);
 

@@ -195,10 +195,10 @@ Result move(Asset & asset, Parameters const & parameters) {
 }
 
 Result remove(Asset & asset, Parameters const & parameters) {
-    return withItem(asset, parameters.parameter(0), [&](Item & item) {
-        Status const status = deleteItem(item);
-        return status ? good({}) : refused(status);
-    });
+    StrongRef<Item> item;
+    Status status = findItem(asset, parameters.parameter(0), item);
+    if (status) status = deleteItem(std::move(item));
+    return status ? good({}) : refused(status);
 }
 
 Result copy(Asset & asset, Parameters const & parameters) {

@@ -58,7 +58,7 @@ TEST(LargeDocument, AssembliesMayStandInEachOtherToAnyDepth) {
 
         std::vector<StrongRef<Item>> copies;
         EXPECT_FALSE(duplicate(*top, c_mostCopies, copies)); // too many in all
-        ASSERT_TRUE(deleteItem(*top));
+        ASSERT_TRUE(deleteItem(top));
         EXPECT_EQ(nodesOf(*document.asset), nodesBefore - 1);
         ASSERT_TRUE(document.history().undo());
         EXPECT_EQ(nodesOf(*document.asset), nodes);

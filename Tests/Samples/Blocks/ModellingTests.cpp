@@ -61,7 +61,7 @@ TEST(Modelling, WhatIsUndoneIsTakenOutOfTheGraph) {
     graphs.push_back(document.graph());
     ASSERT_TRUE(moveItem(*block, nullptr));
     graphs.push_back(document.graph());
-    ASSERT_TRUE(deleteItem(*assembly));
+    ASSERT_TRUE(deleteItem(assembly));
     graphs.push_back(document.graph());
     block.reset();
     ball.reset();

@@ -177,7 +177,7 @@ TEST(Pictures, AnotherDocumentWithTheSameContentGivesTheSamePixels) {
 TEST(Pictures, WhatIsUndoneIsNotInThePicture) {
     Rack const rack;
     Picture const before = drawn(rack, c_cases[0]);
-    ASSERT_TRUE(deleteItem(*rack.wedge));
+    ASSERT_TRUE(deleteItem(rack.wedge));
     EXPECT_NE(drawn(rack, c_cases[0]).pixels, before.pixels);
     ASSERT_TRUE(rack.document.asset->history().undo());
     EXPECT_EQ(drawn(rack, c_cases[0]).pixels, before.pixels);

@@ -44,7 +44,7 @@ public:
                 static_cast<void>(moveItem(*item, nullptr));
                 break;
             case 2:
-                static_cast<void>(deleteItem(*item));
+                static_cast<void>(deleteItem(StrongRef<Item>(item)));
                 break;
             default:
                 leave();
@@ -101,7 +101,7 @@ public:
         case 9:
         case 10:
         case 11:
-            if (StrongRef<Item> const item = some()) static_cast<void>(deleteItem(*item));
+            if (StrongRef<Item> const item = some()) static_cast<void>(deleteItem(item));
             break;
         case 12:
         case 13:

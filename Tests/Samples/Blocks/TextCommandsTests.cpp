@@ -34,6 +34,20 @@ protected:
     BlocksTextCommands const commands;
 };
 
+TEST_F(TextCommandsTest, ADeletionThatIsUndoneLeavesNothingToSave) {
+    good(L"Blocks.New block 2 1 1");
+    good(L"Blocks.Assemble Rack 1");
+    Vn::Testing::TemporaryFile const file;
+    ASSERT_TRUE(DocumentFile::saveAs(*document.asset, file.path()));
+    for (wchar_t const * const path : {L"1/1", L"1"}) {
+        document.history().clear(); // as if it were opened: no step names the items
+        good(std::wstring(L"Blocks.Delete ") + path);
+        EXPECT_TRUE(document.asset->isDirty());
+        ASSERT_TRUE(document.history().undo());
+        EXPECT_FALSE(document.asset->isDirty());
+    }
+}
+
 TEST_F(TextCommandsTest, PartsAreMadeChangedAndListed) {
     EXPECT_EQ(good(L"Blocks.New block 2 1 \"1 ft\""),
               "1  Block, 2.00 in x 1.00 in x 12.00 in, Steel, at (0.00 in; 0.00 in; 0.00 in)");
