@@ -34,7 +34,10 @@ public:
     bool run() {
         bool good = true;
         for (std::size_t i = 0; i < m_pieces.size(); ++i)
-            if (m_pieces[i].kind == EPiece::Word && !isBareFunction(i)) good &= units(i);
+            if (m_pieces[i].kind == EPiece::Word && !isBareFunction(i)) {
+                good &= units(i);
+                if (m_bTooLong) return false;
+            }
         if (!good) return false;
         if (!m_notes.unknownFunctions.empty()) return false;
         for (std::size_t i = m_pieces.size(); i-- > 0;)
@@ -93,6 +96,7 @@ private:
     // Units and the number in front of them become one piece.
     bool units(std::size_t i) {
         UnitGroup const group = readUnits(m_pieces, i, m_notes);
+        m_bTooLong = group.tooLong;
         if (!group.good) return false;
         bool const hasNumber =
             i > 0 && m_pieces[i - 1].kind == EPiece::Number && !m_pieces[i - 1].raised;
@@ -298,6 +302,7 @@ private:
 
     Pieces & m_pieces;
     RevisionNotes & m_notes;
+    bool m_bTooLong = false; // the units that were read last
 };
 
 } // namespace

@@ -14,6 +14,7 @@ namespace Vn::Expressions {
 namespace {
 
 constexpr int c_greatestExponent = 99;
+constexpr std::size_t c_mostTerms = 16;
 
 // A word of the group, with its power.
 struct Term {
@@ -69,7 +70,10 @@ public:
     UnitGroup run() {
         UnitGroup group;
         group.end = m_begin;
-        if (!readTerms()) return group;
+        if (!readTerms()) {
+            group.tooLong = m_terms.size() > c_mostTerms;
+            return group;
+        }
         group.end = m_at;
         group.good = resolve(group);
         if (!group.good) return group;
@@ -212,6 +216,7 @@ private:
         if (!isWordOfUnits(0) || !readTerm(L' ', false)) return false;
         bool below = false;
         for (;;) {
+            if (m_terms.size() > c_mostTerms) return false;
             if (isWordOfUnits(0) && !Text::foldedEqual(piece()->text, L"per")) {
                 if (!readTerm(L' ', below)) return false;
             } else if (isSign(0, L"*") && isWordOfUnits(1)) {
