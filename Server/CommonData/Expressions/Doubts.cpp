@@ -59,6 +59,8 @@ public:
         return place < m_shape.size() ? m_shape[place] : L'\0';
     }
     std::wstring_view textAt(std::size_t place) const { return m_texts[place]; }
+    // Whether no blank stands in front of a piece.
+    bool isTight(std::size_t place) const { return !m_blanks[place]; }
     // Whether a number follows a piece without a blank.
     bool isDigitAfter(std::size_t place) const {
         return place + 1 < m_shape.size() && m_texts[place + 1].size() > 0 &&
@@ -173,6 +175,38 @@ bool isOddSum(Shape const & typed, Shape const & correction) {
     return false;
 }
 
+// An hour has no powers: "2h3" is a time of day, or a slip.
+bool hasPowerOfTime(Shape const & typed, Shape const & correction) {
+    if (typed.has(L"w^")) return false;
+    for (std::size_t i = 0; i + 1 < correction.size(); ++i)
+        if (correction[i] == L'w' && correction[i + 1] == L'^' &&
+            (correction.textAt(i) == L"hr" || correction.textAt(i) == L"min"))
+            return true;
+    return false;
+}
+
+// "a" is an ampere only straight after a number: "a foot", "10 psi a".
+bool hasArticle(Shape const & typed) {
+    for (std::size_t i = 0; i < typed.size(); ++i)
+        if (typed[i] == L'w' && typed.textAt(i) == L"a" &&
+            (i == 0 || (typed[i - 1] != L'n' && typed[i - 1] != L'e')))
+            return true;
+    return false;
+}
+
+// "1.5x10-3" is a power of ten whose sign sank.
+bool hasSunkenPower(Shape const & typed) {
+    for (std::size_t i = 1; i + 2 < typed.size(); ++i) {
+        std::wstring_view const before = typed.textAt(i - 1);
+        bool const isTimes = before == L"x" || before == L"X" || before == L"*" ||
+                             before == L"\u00D7" || before == L"\u00B7";
+        if (isTimes && typed.textAt(i) == L"10" && (typed[i + 1] == L'-' || typed[i + 1] == L'+') &&
+            typed.isDigitAfter(i + 1) && typed.isTight(i + 1))
+            return true;
+    }
+    return false;
+}
+
 // What else people read in more than one way.
 bool isOddNotation(Shape const & typed, Shape const & correction) {
     if (typed.has(L"/n%") && !correction.has(L"(n/n)")) return true;    // "10/2%"
@@ -207,7 +241,8 @@ bool isDoubtful(std::wstring_view typedText, std::wstring_view correctionText) {
     Shape const correction(correctionText);
     return hasOddPower(correction) || mayConvert(typed) || hasOddFeet(typed, correction) ||
            reachesTooFar(typed, correction) || hasOddAngle(correction) ||
-           isOddSum(typed, correction) || isOddNotation(typed, correction);
+           isOddSum(typed, correction) || isOddNotation(typed, correction) ||
+           hasPowerOfTime(typed, correction) || hasArticle(typed) || hasSunkenPower(typed);
 }
 
 } // namespace Vn::Expressions

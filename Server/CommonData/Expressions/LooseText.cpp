@@ -3,6 +3,7 @@
 
 #include "Platform/Base/Text.h"
 #include "Server/CommonData/Expressions/LooseTextInternal.h"
+#include "Server/CommonData/Expressions/RespellingInternal.h"
 
 namespace Vn::Expressions {
 
@@ -243,6 +244,53 @@ private:
         if (peek() == L'.' && !isDigit(peek(1)) && peek(1) != L'.') ++m_at;
     }
 
+    // "mmH2O", which is a word.
+    static bool isWater(std::wstring_view text) {
+        constexpr std::wstring_view c_water = L"H2O";
+        return Text::foldedEqual(text.substr(text.size() - std::min(text.size(), c_water.size())),
+                                 c_water);
+    }
+
+    // Whether digits within a word are the power of a unit that another follows: "m2K".
+    static bool isSplitLater(std::wstring_view text, std::size_t digits, std::size_t rest) {
+        return rest == digits + 1 && isUnitWord(text.substr(0, digits)) &&
+               text.find_first_of(L"0123456789", rest) == text.npos && !isFeet(text, digits);
+    }
+
+    static bool isFeet(std::wstring_view text, std::size_t digits) {
+        return Text::foldedEqual(text.substr(0, digits), L"ft");
+    }
+
+    // "m.p.h." is one word, while "N.m" is two: a dot after the last letter, or a letter that is no
+    // unit, tells.
+    bool abbreviation() {
+        constexpr std::size_t c_most = 5;
+        if (peek(1) != L'.') return false;
+        std::wstring letters;
+        std::size_t at = m_at;
+        bool hasLastDot = false;
+        bool areUnits = true;
+        bool areSmall = true;
+        while (at < m_text.size() && !m_text[at].raised && isLetter(m_text[at].c)) {
+            if (letters.size() == c_most) return false;
+            letters += m_text[at].c;
+            areUnits &= isUnitWord(letters.substr(letters.size() - 1));
+            areSmall &= letters.back() >= L'a' && letters.back() <= L'z';
+            hasLastDot = characterAt(++at) == L'.';
+            if (!hasLastDot) break;
+            ++at;
+        }
+        if (letters.size() < 2 || (!hasLastDot && at < m_text.size() && isLetter(m_text[at].c)))
+            return false;
+        bool const isOne =
+            letters.size() == 2 ? !areUnits && hasLastDot : hasLastDot || !areUnits || areSmall;
+        if (!isOne) return false;
+        m_at = at;
+        add(EPiece::Word, std::move(letters));
+        m_bBlank = hasLastDot && characterAt(at) != L'-' && characterAt(at) != L'\0';
+        return true;
+    }
+
     void word() {
         std::size_t end = m_at + 1;
         if (isMoney(m_text[m_at].c)) {
@@ -254,6 +302,7 @@ private:
                (isLetter(m_text[end].c) || (isDigit(m_text[end].c) && m_text[m_at].c != L'\u00B0')))
             ++end;
         if (end < m_text.size() && m_text[end].c == L'$' && textOf(m_at, end) == L"US") ++end;
+        if (abbreviation()) return;
         std::wstring const text = textOf(m_at, end);
         // "x4" after "3".
         bool const isTimes = (text.front() == L'x' || text.front() == L'X') && text.size() > 1 &&
@@ -268,11 +317,17 @@ private:
         std::size_t const digits = text.find_first_of(L"0123456789");
         if (digits != text.npos) {
             std::size_t const rest = text.find_first_not_of(L"0123456789", digits);
-            bool const isFollowed = rest != text.npos || characterAt(end) == L'\'' ||
+            // Two digits are no power of a unit, and neither are others than these: "2h30", "2h5",
+            // "5ft6".
+            std::wstring_view const run = std::wstring_view(text).substr(digits, rest - digits);
+            bool const isPower =
+                run == L"2" || run == L"3" || run == L"4" || (run == L"6" && !isFeet(text, digits));
+            bool const isFollowed = (rest != text.npos && !isSplitLater(text, digits, rest)) ||
+                                    !isPower || characterAt(end) == L'\'' ||
                                     characterAt(end) == L'"' ||
                                     (isSeparator(characterAt(end)) && isPlainDigit(end + 1));
             bool const isAfterNumber =
-                !m_pieces.empty() && m_pieces.back().kind == EPiece::Number && text != L"mmH2O";
+                !m_pieces.empty() && m_pieces.back().kind == EPiece::Number && !isWater(text);
             if (isFollowed && isAfterNumber) end = m_at + digits;
         }
         std::wstring piece = textOf(m_at, end);
@@ -336,7 +391,7 @@ private:
         // The dot of an abbreviation.
         bool const isAfterWord = !m_pieces.empty() && m_pieces.back().kind == EPiece::Word;
         if (meant.c == L'.' && isAfterWord && !m_bBlank) {
-            m_bBlank = true; // what follows is another word: "N.m"
+            m_bBlank = peek(1) != L'-'; // what follows is another word: "N.m", but not "ft.-lb."
             ++m_at;
             return;
         }

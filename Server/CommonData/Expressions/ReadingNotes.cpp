@@ -102,13 +102,18 @@ private:
                            filled(readingText(text), {typed, second, third})});
     }
 
-    // The whole text with a piece written anew, if that has another value.
+    // The whole text with a piece written anew, if that has another value or other units.
     std::optional<std::wstring> otherwise(std::size_t from, std::size_t to,
                                           std::wstring const & written) const {
         std::wstring text = m_text;
         text.replace(from, to - from, written);
-        std::optional<double> const value = Expression(text, m_expression.context()).value();
-        if (!value || value == m_expression.value()) return {};
+        Expression const other(text, m_expression.context());
+        std::optional<double> const value = other.value();
+        if (!value) return {};
+        std::optional<Units::ComplexUnit> const units = other.units();
+        std::optional<Units::ComplexUnit> const present = m_expression.units();
+        bool const areSame = units && present && units->isDimensionallyEquivalent(&*present);
+        if (areSame && value == m_expression.value()) return {};
         constexpr std::size_t c_longestShown = 160;
         return Text::printable(text.size() <= c_longestShown ? text : written);
     }
@@ -125,6 +130,21 @@ private:
                 fractionOfOperator(i, text);
         }
         temperature(i);
+        part(i);
+    }
+
+    // "1/3 in", where another divisor makes a fraction of an inch.
+    void part(std::size_t i) {
+        bool const isFirst = i == 0 || isSum(i - 1) || is(i - 1, TK_LEFT_PAREN);
+        bool const isQuotient = isFirst && is(i + 1, TK_DIVIDE) && is(i + 2, TK_NUMBER) &&
+                                areTight(i) && areTight(i + 1) && unitAt(i + 3) && isAlone(i + 3);
+        if (!isQuotient || !areDigits(m_tokens[i]->text) || !areDigits(m_tokens[i + 2]->text) ||
+            m_tokens[i]->value >= m_tokens[i + 2]->value)
+            return;
+        std::wstring const written =
+            L'(' + std::wstring(piece(i, i + 2)) + L") * 1 " + std::wstring(m_tokens[i + 3]->text);
+        if (auto const instead = otherwise(begin(i), end(i + 3), written))
+            add(EReading::unitOfDivisor, i, i + 3, EReadingText::UnitOfDivisor, *instead);
     }
 
     // What separates thousands for the user is always that of decimals: "1,500", or "1.500".
@@ -219,7 +239,11 @@ private:
         bool const isIn = unit.identifier() == Units::UnitInch::staticIdentifier() && i > 0 &&
                           is(i - 1, TK_NAME) && is(i + 1, TK_NAME);
         Respelling respelling;
-        if (isOddWord(word) && findRespelling(word, respelling) && !respelling.wanted.empty()) {
+        // "W/mK".
+        std::wstring const below =
+            i > 0 && is(i - 1, TK_DIVIDE) && areTight(i - 1) ? L'/' + word : std::wstring();
+        std::wstring const & typed = isOddWord(below) ? below : word;
+        if (isOddWord(typed) && findRespelling(typed, respelling) && !respelling.wanted.empty()) {
             std::wstring const factor =
                 respelling.factor.empty() ? std::wstring() : respelling.factor + L' ';
             add(EReading::rareUnit, i, i, EReadingText::RareUnitInstead, read,
@@ -347,6 +371,7 @@ char const * readingName(EReading reading) {
         VN_READING(largestNumber)
         VN_READING(piInDegrees)
         VN_READING(decimalPoint)
+        VN_READING(unitOfDivisor)
 #undef VN_READING
     }
     return "";

@@ -40,7 +40,9 @@ enum class EReading : unsigned char {
     // "cos(PI)" is the cosine of 3.14 degrees.
     piInDegrees = 8,
     // "1.500" is one and a half.  Told only to those whose decimals stand after a comma.
-    decimalPoint = 9
+    decimalPoint = 9,
+    // "1/3 in" is a third per inch.
+    unitOfDivisor = 10
 };
 
 // A note on one reading.

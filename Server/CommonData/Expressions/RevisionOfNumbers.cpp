@@ -22,6 +22,7 @@ public:
 
     void run() {
         dropSigns();
+        dropAnd();
         for (std::size_t i = 0; i < m_pieces.size(); ++i) {
             moneyInFront(i);
             if (m_pieces[i].kind != EPiece::Number || m_pieces[i].raised) continue;
@@ -77,6 +78,21 @@ private:
             kept.push_back(std::move(piece));
         }
         m_pieces = std::move(kept);
+    }
+
+    // "5 ft and 6 in", "5 ft, 6 in": what joins the two quantities goes.
+    void dropAnd() {
+        if (std::any_of(m_pieces.begin(), m_pieces.end(),
+                        [](Piece const & piece) { return piece.isSign(L"("); }))
+            return; // a comma may separate arguments
+        for (std::size_t i = 1; i + 2 < m_pieces.size(); ++i) {
+            bool const joins = isWord(i, {L"and"}) || isSign(i, L",");
+            if (joins && at(i - 1)->kind == EPiece::Word && isNumber(i + 1) &&
+                at(i + 2)->kind == EPiece::Word) {
+                erase(i, i + 1);
+                m_pieces[i].blankBefore = true;
+            }
+        }
     }
 
     // "$20".
@@ -198,12 +214,16 @@ private:
 
     // "45d 30.5'", "45d 30' 15"".
     bool degrees(std::size_t i) {
+        bool const isMinutes =
+            isSign(i + 3, L"'") || isWord(i + 3, {L"min", L"minute", L"minutes", L"arcmin"});
         if (!isInteger(i) || !isWord(i + 1, {L"\u00B0", L"deg", L"degree", L"degrees"}) ||
-            !isNumber(i + 2) || !isSign(i + 3, L"'"))
+            !isNumber(i + 2) || !isMinutes)
             return false;
         std::wstring const & minutes = at(i + 2)->text;
         std::wstring text = m_pieces[i].text + L"\u00B0 ";
-        bool const hasSeconds = isNumber(i + 4) && isSign(i + 5, L"\"");
+        bool const hasSeconds =
+            isNumber(i + 4) && (isSign(i + 5, L"\"") ||
+                                isWord(i + 5, {L"s", L"sec", L"second", L"seconds", L"arcsec"}));
         if (areDigits(minutes)) {
             text += minutes + L'\'';
             if (hasSeconds) text += L' ' + at(i + 4)->text + L'"';

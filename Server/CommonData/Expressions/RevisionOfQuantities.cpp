@@ -34,11 +34,15 @@ public:
     bool run() {
         bool good = true;
         for (std::size_t i = 0; i < m_pieces.size(); ++i)
-            if (m_pieces[i].kind == EPiece::Word && !isBareFunction(i)) good &= units(i);
+            if (m_pieces[i].kind == EPiece::Word && !isBareFunction(i)) {
+                good &= units(i);
+                if (m_bTooLong) return false;
+            }
         if (!good) return false;
         if (!m_notes.unknownFunctions.empty()) return false;
         for (std::size_t i = m_pieces.size(); i-- > 0;)
             if (!power(i)) return false;
+        for (std::size_t i = 0; i + 1 < m_pieces.size(); ++i) smallerUnit(i);
         for (std::size_t i = 0; i < m_pieces.size(); ++i) sum(i);
         for (std::size_t i = 0; i < m_pieces.size(); ++i)
             if (m_pieces[i].sum) wrap(i);
@@ -92,6 +96,7 @@ private:
     // Units and the number in front of them become one piece.
     bool units(std::size_t i) {
         UnitGroup const group = readUnits(m_pieces, i, m_notes);
+        m_bTooLong = group.tooLong;
         if (!group.good) return false;
         bool const hasNumber =
             i > 0 && m_pieces[i - 1].kind == EPiece::Number && !m_pieces[i - 1].raised;
@@ -173,6 +178,37 @@ private:
         insert(base, {EPiece::Sign, L"(", m_pieces[base].blankBefore});
         m_pieces[base + 1].blankBefore = false;
         return true;
+    }
+
+    // "5 ft 6", "2h30": a number that ends a quantity counts the unit that is next below.
+    void smallerUnit(std::size_t i) {
+        struct Step {
+            wchar_t const * unit;
+            wchar_t const * next;
+            double count;
+        };
+        static constexpr Step c_steps[] = {
+            {L"1 ft", L"in", 12}, {L"1 hr", L"min", 60}, {L"1 min", L"s", 60}};
+        bool const isLast = !at(i + 2) || isSign(i + 2, L")");
+        bool const isFirst = i == 0 || isSign(i - 1, L"(");
+        if (!isFirst || !isLast || !m_pieces[i].quantity ||
+            m_pieces[i + 1].kind != EPiece::Number || m_pieces[i + 1].raised)
+            return;
+        std::size_t const letters = m_pieces[i].text.find_first_not_of(L"0123456789 ");
+        if (letters == std::wstring::npos || letters == 0)
+            return; // only whole numbers are followed
+        std::optional<Worth> const unit = worthOf(L"1 " + m_pieces[i].text.substr(letters));
+        std::optional<Worth> const count = worthOf(m_pieces[i + 1].text);
+        for (Step const & step : c_steps) {
+            std::optional<Worth> const one = worthOf(step.unit);
+            if (!unit || !count || !one || unit->value != one->value ||
+                count->value >= step.count || !unit->units.isDimensionallyEquivalent(&one->units))
+                continue;
+            m_pieces[i + 1].kind = EPiece::Whole;
+            m_pieces[i + 1].quantity = true;
+            m_pieces[i + 1].text += L' ' + std::wstring(step.next);
+            return;
+        }
     }
 
     // "5 ft 6 in": a smaller quantity of the same kind right after another.
@@ -266,6 +302,7 @@ private:
 
     Pieces & m_pieces;
     RevisionNotes & m_notes;
+    bool m_bTooLong = false; // the units that were read last
 };
 
 } // namespace

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <utility>
 
 #include "Platform/Base/Text.h"
+#include "Server/CommonData/Expressions/Expression.h"
 #include "Server/CommonData/Expressions/RespellingInternal.h"
 #include "Server/CommonData/Expressions/Tokens.h"
 #include "Server/CommonData/Expressions/UnitGroupInternal.h"
@@ -12,6 +14,7 @@ namespace Vn::Expressions {
 namespace {
 
 constexpr int c_greatestExponent = 99;
+constexpr std::size_t c_mostTerms = 16;
 
 // A word of the group, with its power.
 struct Term {
@@ -67,7 +70,10 @@ public:
     UnitGroup run() {
         UnitGroup group;
         group.end = m_begin;
-        if (!readTerms()) return group;
+        if (!readTerms()) {
+            group.tooLong = m_terms.size() > c_mostTerms;
+            return group;
+        }
         group.end = m_at;
         group.good = resolve(group);
         if (!group.good) return group;
@@ -132,6 +138,18 @@ private:
         return negative ? -value : value;
     }
 
+    // "m2K": a unit, a power and another unit.
+    bool readTwo(std::wstring_view word, wchar_t joint, bool below) {
+        std::size_t const digit = word.find_first_of(L"23");
+        if (digit == 0 || digit == word.npos) return false;
+        std::wstring_view const first = word.substr(0, digit);
+        std::wstring_view const second = word.substr(digit + 1);
+        if (!isUnitWord(first) || !isUnitWord(second)) return false;
+        m_terms.push_back({std::wstring(first), word[digit] - L'0', below, joint, true});
+        m_terms.push_back({std::wstring(second), 1, below, L' ', true});
+        return true;
+    }
+
     bool readTerm(wchar_t joint, bool below) {
         Term term;
         term.joint = joint;
@@ -147,6 +165,7 @@ private:
         ++m_at;
         Respelling respelling;
         if (!isUnitWord(term.word) && !findRespelling(term.word, respelling)) {
+            if (power == 1 && readTwo(term.word, joint, below)) return true;
             // "mm2".
             std::size_t digits = term.word.size();
             while (digits > 0 && Text::isDigit(static_cast<char32_t>(term.word[digits - 1])))
@@ -197,6 +216,7 @@ private:
         if (!isWordOfUnits(0) || !readTerm(L' ', false)) return false;
         bool below = false;
         for (;;) {
+            if (m_terms.size() > c_mostTerms) return false;
             if (isWordOfUnits(0) && !Text::foldedEqual(piece()->text, L"per")) {
                 if (!readTerm(L' ', below)) return false;
             } else if (isSign(0, L"*") && isWordOfUnits(1)) {
@@ -227,7 +247,25 @@ private:
         return piece() && piece()->kind == EPiece::Word && Text::foldedEqual(piece()->text, L"per");
     }
 
-    // "ft-lb", where a row knows it.
+    // Whether two words are units that nobody would subtract.
+    static bool areOfTwoKinds(std::wstring const & first, std::wstring const & second) {
+        auto const isUnit = [](std::wstring const & word, std::wstring & unit) {
+            Respelling respelling;
+            unit = word;
+            if (isUnitWord(word)) return true;
+            if (!findRespelling(word, respelling) || respelling.wanted.empty()) return false;
+            unit = respelling.wanted.front();
+            return respelling.kind == ERespelling::Unit || respelling.kind == ERespelling::Metric;
+        };
+        std::wstring a;
+        std::wstring b;
+        if (!isUnit(first, a) || !isUnit(second, b)) return false;
+        std::optional<Units::ComplexUnit> const x = Expression(L"1 " + a).units();
+        std::optional<Units::ComplexUnit> const y = Expression(L"1 " + b).units();
+        return x && y && !x->isDimensionallyEquivalent(&*y);
+    }
+
+    // "ft-lb", where a row knows it, or where a difference would make no sense: "acre-ft".
     bool isHyphen() const {
         if (!isSign(0, L"-") || piece()->blankBefore || !isWordOfUnits(1) ||
             piece(1)->blankBefore || m_terms.back().exponent != 1)
@@ -237,6 +275,8 @@ private:
         std::wstring const & second = piece(1)->text;
         Respelling respelling;
         if (findRespelling(first + L'-' + second, respelling)) return true;
+        bool const isAlone = !piece(2) || (!piece(2)->raised && !isSign(2, L"^"));
+        if (isAlone && areOfTwoKinds(first, second)) return true;
         return first.size() >= c_shortestName && second.size() >= c_shortestName;
     }
 
@@ -305,6 +345,10 @@ private:
                 continue;
             }
             m_bChanged |= term.joint == L'-';
+            // "Nm^3" isn't "Nm" with a power.
+            if (term.exponent > 1 && findRespelling(keyOf(i), respelling) &&
+                respelling.kind == ERespelling::Missing)
+                return take(respelling, term, keyOf(i));
             bool const isOdd = isOddWord(term.word) && findRespelling(term.word, respelling) &&
                                !respelling.wanted.empty();
             if (isUnitWord(term.word) && !isOdd) {

@@ -45,6 +45,7 @@ struct UnitGroup {
     std::wstring divisor; // a quantity to divide by; empty for none
     bool changed = false; // else the pieces are good as they stand
     bool good = false;    // whether all words are units
+    bool tooLong = false; // more words than a person writes
 };
 
 // Reads the units that begin at `begin`; its end is `begin` if none do.

@@ -90,6 +90,14 @@ Row const c_rows[] = {
      L"\"PI\" was read in degrees; for radians write cos(PI rad)"},
     {L"2 * sin((2*PI)/3)", L"?", EReading::piInDegrees, 11, 13,
      L"\"PI\" was read in degrees; for radians write 2 * sin((2*PI rad)/3)"},
+    {L"1/3 in", L"?", EReading::unitOfDivisor, 0, 6,
+     L"\"1/3 in\" divides by the quantity; for a part of the unit write (1/3) * 1 in"},
+    {L"2 * (5/6 in)", L"?", EReading::unitOfDivisor, 5, 11,
+     L"\"5/6 in\" divides by the quantity; for a part of the unit write 2 * ((5/6) * 1 in)"},
+    {L"1/60 s", L"?", EReading::unitOfDivisor, 0, 6,
+     L"\"1/60 s\" divides by the quantity; for a part of the unit write (1/60) * 1 s"},
+    {L"5 W/mK", L"?", EReading::rareUnit, 4, 6,
+     L"\"mK\" was read as millikelvin; did you mean m K?"},
 };
 
 TEST(ReadingNotesTests, EachReadingHasItsPlaceAndItsNote) {
@@ -114,18 +122,22 @@ TEST(ReadingNotesTests, EveryReadingIsInTheTable) {
 }
 
 TEST(ReadingNotesTests, WhatIsMeantAsItIsReadHasNoNote) {
-    for (wchar_t const * const text :
-         {L"2 cm",       L"1,5 mm",          L"0,500",    L"1500,250",
-          L"1,5000",     L"1.500",           L"1 1/2 in", L"1 - 1/2",
-          L"3 - 1/2",    L"12 / 3 / 1",      L"12 / 3",   L"12/(3/2)",
-          L"1/2/3",      L"2*(3^2)",         L"(2*3)^2",  L"2*3^1",
-          L"1*3^2",      L"-10^3",           L"1/2^3",    L"1 + 3^2",
-          L"5 cm^2",     L"2 * 5 cm^2",      L"5 m/s^2",  L"20 J / ((10 V)^2)",
-          L"(2 cm)^2",   L"sqrt(16)^2",      L"20 C",     L"20 C + 5 K",
-          L"10 W/C * 2", L"2 * 10 W/C",      L"45 deg",   L"2 in",
-          L"2 ft in",    L"5 min",           L"5 kg",     L"1E308",
-          L"1e-400",     L"cos(PI rad)",     L"2 * PI",   L"asin(PI / 4)",
-          L"cos(60)",    L"cos(60 deg) * PI"}) {
+    for (wchar_t const * const text : {L"2 cm",         L"1,5 mm",       L"0,500",
+                                       L"1500,250",     L"1,5000",       L"1.500",
+                                       L"1 1/2 in",     L"1 - 1/2",      L"3 - 1/2",
+                                       L"12 / 3 / 1",   L"12 / 3",       L"12/(3/2)",
+                                       L"1/2/3",        L"2*(3^2)",      L"(2*3)^2",
+                                       L"2*3^1",        L"1*3^2",        L"-10^3",
+                                       L"1/2^3",        L"1 + 3^2",      L"5 cm^2",
+                                       L"2 * 5 cm^2",   L"5 m/s^2",      L"20 J / ((10 V)^2)",
+                                       L"(2 cm)^2",     L"sqrt(16)^2",   L"20 C",
+                                       L"20 C + 5 K",   L"10 W/C * 2",   L"2 * 10 W/C",
+                                       L"45 deg",       L"2 in",         L"2 ft in",
+                                       L"5 min",        L"5 kg",         L"1E308",
+                                       L"1e-400",       L"cos(PI rad)",  L"2 * PI",
+                                       L"asin(PI / 4)", L"cos(60)",      L"cos(60 deg) * PI",
+                                       L"1 / 3 in",     L"3/4 in",       L"3000/60 s",
+                                       L"5 mK",         L"(1/3) * 1 in", L"5 W / mK"}) {
         Expression const expression(text);
         ASSERT_TRUE(expression) << shown(text);
         for (ReadingNote const & note : readingNotes(expression))
