@@ -50,7 +50,7 @@ std::vector<ItemBelow> itemsFrom(Item & top) {
     std::vector<ItemBelow> items;
     std::unordered_set<Item const *> met{&top};
     // What is still to come, the next one last.
-    std::vector<ItemBelow> open{{&top, 0, 0}};
+    std::vector<ItemBelow> open{{&top, 0, 0, 0}};
     while (!open.empty()) {
         std::size_t const place = items.size();
         items.push_back(open.back());
@@ -58,7 +58,8 @@ std::vector<ItemBelow> itemsFrom(Item & top) {
         ItemBelow const here = items.back();
         for (unsigned i = here.item->children(); i-- > 0;) {
             auto * const child = query<Item>(here.item->child(i).get());
-            if (child && met.insert(child).second) open.push_back({child, place, here.depth + 1});
+            if (child && met.insert(child).second)
+                open.push_back({child, place, here.depth + 1, i + std::size_t{1}});
         }
     }
     return items;

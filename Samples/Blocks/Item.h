@@ -43,6 +43,7 @@ struct ItemBelow {
     Item * item;
     std::size_t parent; // where its group stands in the list; the first item is its own
     std::size_t depth;  // 0 for the first
+    std::size_t number; // its place among the children of its group, from 1; 0 for the first
 };
 
 // An item and all items below it, each before those below it and once, however it is listed.  The

@@ -36,7 +36,7 @@ bool readMaterial(XMLNode const & node, std::vector<Material> & materials) {
         !readChannel(node, "red", color.red) || !readChannel(node, "green", color.green) ||
         !readChannel(node, "blue", color.blue))
         return false;
-    materials.emplace_back(std::move(key), tr(name.c_str()), density, color);
+    materials.emplace_back(std::move(key), name, density, color);
     return true;
 }
 
@@ -79,5 +79,7 @@ Material const * findMaterial(std::string_view key) {
         if (material.key() == key) return &material;
     return nullptr;
 }
+
+std::wstring shownMaterial(PhysicalMaterial const & material) { return tr(material.name().c_str()); }
 
 } // namespace Vn::Blocks

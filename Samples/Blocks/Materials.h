@@ -17,8 +17,8 @@ namespace Vn::Blocks {
 // A line of the table.
 class Material : public PhysicalMaterial {
 public:
-    // The key in documents and commands; the name in the user's language; the density in kg/cm^3,
-    // above 0; the colour in which parts show.
+    // The key in documents and commands; the name in English, which shownMaterial() translates; the
+    // density in kg/cm^3, above 0; the colour in which parts show.
     Material(std::string key, std::wstring const & name, double density, Color const & color);
 
     // What the constructor was given.
@@ -41,6 +41,9 @@ Status const & materialsStatus();
 
 // The material with a key; null if there is none.
 Material const * findMaterial(std::string_view key);
+
+// The name of a material in the language that the user has now.
+std::wstring shownMaterial(PhysicalMaterial const & material);
 
 } // namespace Vn::Blocks
 

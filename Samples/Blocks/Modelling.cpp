@@ -267,10 +267,11 @@ std::wstring pathOf(Item const & item) {
     for (Managed::AncestorWalk walk(at); walk && query<Item>(&*walk);) {
         StrongRef<ManagedGroupEntity> const group = query<Item>(&*walk)->managedParent();
         if (!group) return {};
-        std::vector<StrongRef<Item>> const items = itemsIn(*group);
-        auto const found = std::find(items.begin(), items.end(), walk.at());
-        if (found == items.end()) return {};
-        places.push_back(static_cast<std::size_t>(found - items.begin()) + 1);
+        // From the end, where what was made last stands.
+        std::vector<StrongRef<Managed::ManagedEntity>> const & children = group->childrenVector();
+        auto const found = std::find(children.rbegin(), children.rend(), walk.at());
+        if (found == children.rend()) return {};
+        places.push_back(static_cast<std::size_t>(children.rend() - found));
         at = StrongRef<Entity>(group);
         walk.goTo(at);
     }
@@ -283,18 +284,23 @@ std::wstring pathOf(Item const & item) {
 
 Status findItem(Asset const & asset, std::wstring const & path, StrongRef<Item> & item) {
     StrongRef<Item> found;
-    std::vector<StrongRef<Item>> items = itemsOf(asset);
+    StrongRef<ManagedGroupEntity> group(Workbench::find(asset));
     for (std::size_t begin = 0; begin <= path.size();) {
         std::size_t const end = std::min(path.find(L'/', begin), path.size());
         int place = 0;
-        if (!Utility::wholeNumberLexicalCast(std::wstring_view(path).substr(begin, end - begin),
-                                             place) ||
-            place < 1 || static_cast<std::size_t>(place) > items.size())
+        if (group &&
+            Utility::wholeNumberLexicalCast(std::wstring_view(path).substr(begin, end - begin),
+                                            place) &&
+            place >= 1 && static_cast<unsigned>(place) <= group->children())
+            found = StrongRef<Item>(
+                query<Item>(group->child(static_cast<unsigned>(place) - 1).get()));
+        else
+            found.reset();
+        if (!found)
             return Status::notFound(
                 "find the item", Text::toUtf8(path),
                 Text::toUtf8(message(L"there is no item %1%; Blocks.List shows all", {path})));
-        found = items[static_cast<std::size_t>(place) - 1];
-        items = itemsIn(*found);
+        group = found;
         begin = end + 1;
     }
     item = std::move(found);

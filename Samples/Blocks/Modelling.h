@@ -59,8 +59,8 @@ Status duplicate(Item & item, std::size_t count, std::vector<StrongRef<Item>> & 
 // The items by themselves, and those in an assembly, in order.
 std::vector<StrongRef<Item>> itemsOf(Asset const & asset);
 std::vector<StrongRef<Item>> itemsOf(Assembly const & assembly);
-// The path of an item: its places in these lists from the top, counted from 1, such as "2/1"; empty
-// if it doesn't stand in the document.
+// The path of an item: its places among the children of its groups from the top, counted from 1,
+// such as "2/1"; empty if it doesn't stand in the document.
 std::wstring pathOf(Item const & item);
 // Finds an item by its path.
 Status findItem(Asset const & asset, std::wstring const & path, StrongRef<Item> & item);

@@ -13,6 +13,7 @@
 #include "Platform/DataModel/ActiveAsset.h"
 #include "Samples/Blocks/Modelling.h"
 #include "Samples/Blocks/Texts.h"
+#include "Samples/Blocks/Workbench.h"
 #include "Server/CommonData/MassProperties/MassProperties.h"
 
 namespace Vn::Blocks {
@@ -72,7 +73,7 @@ std::wstring describe(Item const & item, Units::UnitContext const & units) {
     Material const * const material = part->material();
     return message(L"%1%, %2%, %3%, at %4%",
                    {shownName(part->kind()), sizes,
-                    material ? material->name() : Text::fromUtf8(part->materialKey()),
+                    material ? shownMaterial(*material) : Text::fromUtf8(part->materialKey()),
                     shownPlace(item, units)});
 }
 
@@ -221,21 +222,20 @@ Result copy(Asset & asset, Parameters const & parameters) {
 template <class Visit>
 std::size_t forEachItem(Asset const & asset, Visit && visit) {
     std::size_t deeper = 0;
-    std::size_t number = 0;
-    for (StrongRef<Item> const & top : itemsOf(asset)) {
-        ++number;
-        std::vector<std::wstring> way;   // the paths down to the last item that was shown
-        std::vector<std::size_t> counts; // how many of each group were shown
+    StrongRef<Workbench> const bench = Workbench::find(asset);
+    for (unsigned i = 0; bench && i < bench->children(); ++i) {
+        auto * const top = query<Item>(bench->child(i).get());
+        if (!top) continue;
+        std::vector<std::wstring> way{std::to_wstring(i + 1)}; // the paths down to the item
         for (ItemBelow const & below : itemsFrom(*top)) {
             if (below.depth > c_deepestShown) {
                 ++deeper;
                 continue;
             }
-            way.resize(below.depth);
-            counts.resize(below.depth + 1);
-            std::size_t const place = below.depth == 0 ? number : ++counts[below.depth];
-            way.push_back((way.empty() ? L"" : way.back() + L'/') + std::to_wstring(place));
-            counts.push_back(0);
+            if (below.depth > 0) {
+                way.resize(below.depth);
+                way.push_back(way.back() + L'/' + std::to_wstring(below.number));
+            }
             visit(*below.item, below.depth, way.back());
         }
     }
@@ -276,7 +276,7 @@ Result mass(Asset & asset, Parameters const & parameters) {
         return value ? show(*value, system, nullptr, true) : tr(L"not known");
     };
     bool const isEmpty = measures.parts == 0;
-    std::wstring const material = measures.material ? measures.material->name()
+    std::wstring const material = measures.material ? shownMaterial(*measures.material)
                                   : isEmpty         ? tr(L"none, for there are no parts")
                                                     : tr(L"(Various)");
     std::wstring const density = isEmpty && !measures.density

@@ -314,10 +314,12 @@ TEST_F(ExportCallTests, WhatCantBeWrittenIsRefused) {
 TEST_F(ExportCallTests, ADiskThatIsFullOrADeviceIsTold) {
     ASSERT_EQ(document("export -o a.glb").status, 0);
     std::string const before = readFile("a.glb");
+#ifndef __SANITIZE_THREAD__ // whose own start writes a file
     Outcome const limited =
         runShell("ulimit -f 0; \"$VNCONSOLE\" document a.vnd export --views -o a.glb");
     EXPECT_EQ(limited.status, 1);
     EXPECT_NE(limited.err.find("cannot export: "), std::string::npos) << limited.err;
+#endif
     std::filesystem::create_symlink("/dev/full", "full.glb");
     Outcome const device = document("export -o full.glb");
     EXPECT_EQ(device.status, 1);

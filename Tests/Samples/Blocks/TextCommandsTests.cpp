@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "Platform/Base/StringTable.h"
 #include "Platform/Base/TextCommandService.h"
 #include "Platform/DataModel/ActiveAsset.h"
 #include "Tests/Samples/Blocks/BlocksTesting.h"
@@ -97,6 +98,35 @@ TEST_F(TextCommandsTest, ARefusalHasTheReasonAndACaret) {
     EXPECT_EQ(document.history().undoSteps(), 3U);
     ActiveAsset::set(nullptr);
     EXPECT_EQ(bad(L"Blocks.List"), "no document is open");
+}
+
+TEST_F(TextCommandsTest, MaterialsAreNamedInTheLanguageOfTheMoment) {
+    good(L"Blocks.New sphere 2");
+    EXPECT_THAT(good(L"Blocks.List"), HasSubstr("Steel"));
+    StringTable::catalogueDirectory(VN_BLOCKS_ROOT "/share/locale");
+    StringTable::language("de");
+    std::string const german = good(L"Blocks.List");
+    std::string const mass = good(L"Blocks.Mass");
+    StringTable::language("");
+    EXPECT_THAT(german, HasSubstr("Stahl"));
+    EXPECT_THAT(mass, HasSubstr("Stahl"));
+}
+
+TEST_F(TextCommandsTest, WhatIsNoItemIsNotListedAndKeepsItsPlace) {
+    good(L"Blocks.New sphere 1");
+    {
+        Transaction transaction(*document.asset, L"Add a stranger");
+        StrongRef<CommonData::CommonBaseGroupEntity> const stranger =
+            CommonData::CommonBaseGroupEntity::make(
+                PassiveRef<Entity>(Workbench::find(*document.asset)));
+        ASSERT_TRUE(stranger);
+        transaction.commit();
+    }
+    EXPECT_THAT(good(L"Blocks.New sphere 3"), HasSubstr("3  Sphere, 3.00 in"));
+    EXPECT_THAT(good(L"Blocks.Set 3 diameter 4"), HasSubstr("3  Sphere, 4.00 in"));
+    EXPECT_THAT(bad(L"Blocks.Delete 2"), HasSubstr("no item 2"));
+    EXPECT_EQ(good(L"Blocks.List"), "1  Sphere, 1.00 in, Steel, at (0.00 in; 0.00 in; 0.00 in)\n"
+                                    "3  Sphere, 4.00 in, Steel, at (0.00 in; 0.00 in; 0.00 in)\n");
 }
 
 TEST_F(TextCommandsTest, AMassIsTold) {
