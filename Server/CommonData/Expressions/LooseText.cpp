@@ -285,6 +285,10 @@ private:
         bool const isOne =
             letters.size() == 2 ? !areUnits && hasLastDot : hasLastDot || !areUnits || areSmall;
         if (!isOne) return false;
+        // The halves of a day keep their dots, which tell them from attometers and picometers.
+        bool const isTimeOfDay =
+            Text::foldedEqual(letters, L"am") || Text::foldedEqual(letters, L"pm");
+        if (isTimeOfDay) letters.insert(1, L".").append(L".");
         m_at = at;
         add(EPiece::Word, std::move(letters));
         m_bBlank = hasLastDot && characterAt(at) != L'-' && characterAt(at) != L'\0';
