@@ -148,8 +148,12 @@ private:
     // "1-1/2 in" and "2 1/3".
     void mixedNumber(std::size_t i) {
         if (!isInteger(i)) return;
-        bool const isTight = isSign(i + 1, L"-") && isNumber(i + 2) && !at(i + 1)->blankBefore &&
-                             !at(i + 2)->blankBefore && isFractionText(at(i + 2)->text) &&
+        // After an operator the number may be its operand alone: 2*6-1/2".
+        bool const isOperand =
+            i > 0 && (isSign(i - 1, L"*") || isSign(i - 1, L"/") || isSign(i - 1, L"^"));
+        bool const isTight = !isOperand && isSign(i + 1, L"-") && isNumber(i + 2) &&
+                             !at(i + 1)->blankBefore && !at(i + 2)->blankBefore &&
+                             isFractionText(at(i + 2)->text) &&
                              at(i + 2)->text.find(L' ') == std::wstring::npos;
         if (isTight && (isSign(i + 3, L"\"") || (at(i + 3) && at(i + 3)->kind == EPiece::Word))) {
             m_pieces[i].text += L' ' + at(i + 2)->text;
