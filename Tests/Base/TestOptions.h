@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +12,7 @@
 #include "Platform/Base/Option.h"
 #include "Platform/Base/OptionGroup.h"
 #include "Platform/Base/PathInfo.h"
+#include "Tests/Support/FileContent.h"
 
 namespace Vn::Testing {
 
@@ -66,11 +66,6 @@ public:
     Option<int> number;
     Option<double> real;
 };
-
-inline std::string contentOf(std::filesystem::path const & file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 inline void write(std::filesystem::path const & file, std::string const & content) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << content;

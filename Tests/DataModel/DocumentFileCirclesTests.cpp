@@ -1,14 +1,12 @@
 // Entities that own each other in a circle: no save writes what a load would refuse.
 
-#include <fstream>
-#include <iterator>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
+#include "Tests/Support/FileContent.h"
 #include "Tests/Support/SmallStack.h"
 
 namespace Vn::Testing {
@@ -85,11 +83,6 @@ private:
 EntityMetaType * Rack::s_metaType() {
     static RackMetaType s_type;
     return &s_type;
-}
-
-std::string contentOf(std::filesystem::path const & file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 std::string circleOf(Entity const & entity) {

@@ -1,7 +1,6 @@
 // Files that were damaged, or made to do harm: each ends in a status with a reason.
 
 #include <fstream>
-#include <iterator>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -9,6 +8,7 @@
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
+#include "Tests/Support/FileContent.h"
 
 namespace Vn::Testing {
 
@@ -41,11 +41,6 @@ void saveSample(std::filesystem::path const & file) {
     asset->history().clear();
     Status const status = DocumentFile::saveAs(*asset, file);
     ASSERT_TRUE(status) << status.toString();
-}
-
-std::string contentOf(std::filesystem::path const & file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 void write(std::filesystem::path const & file, std::string const & content) {

@@ -2,9 +2,7 @@
 // save, and the open document goes on.
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -13,6 +11,7 @@
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
 #include "Tests/DataModel/FaultyFileSystem.h"
+#include "Tests/Support/FileContent.h"
 
 namespace Vn::Testing {
 
@@ -23,11 +22,6 @@ StrongRef<Asset> load(std::filesystem::path const & file) {
     Status const status = DocumentFile::load(file, nullptr, asset);
     EXPECT_TRUE(status) << status.toString();
     return asset;
-}
-
-std::string contentOf(std::filesystem::path const & file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 // A document with a file, and changes of every sort that aren't saved.

@@ -1,7 +1,5 @@
 // Numbers at the ends of their ranges, and files at the end of theirs.
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -16,6 +14,7 @@
 #include "Platform/DataModel/DocumentFile.h"
 #include "Tests/DataModel/DocumentSql.h"
 #include "Tests/DataModel/DocumentTestEntities.h"
+#include "Tests/Support/FileContent.h"
 
 namespace Vn::Testing {
 
@@ -23,11 +22,6 @@ namespace {
 
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-
-std::string contentOf(std::filesystem::path const & file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 class DocumentFileRangeTests : public ::testing::Test {
 protected:

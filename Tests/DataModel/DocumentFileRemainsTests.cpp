@@ -4,7 +4,6 @@
 #include <deque>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -16,6 +15,7 @@
 #include "Tests/DataModel/DocumentTestEntities.h"
 #include "Tests/DataModel/FaultyFileSystem.h"
 #include "Tests/Support/ChildProcess.h"
+#include "Tests/Support/FileContent.h"
 #include "Tests/Support/TemporaryDirectory.h"
 
 namespace Vn::Testing {
@@ -32,11 +32,6 @@ using ::testing::IsEmpty;
         Status const outcome = (expression);                                                       \
         EXPECT_TRUE(outcome) << outcome.toString();                                                \
     } while (false)
-
-std::string contentOf(fs::path const & file) {
-    std::ifstream in(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 void write(fs::path const & file, std::string const & bytes) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;

@@ -3,24 +3,19 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
 #include "Platform/DataModel/DocumentFile.h"
+#include "Tests/Support/FileContent.h"
 
 namespace Vn::Testing {
 
 namespace {
 
 constexpr char c_name[] = "faulty";
-
-std::string contentOf(std::string const & path) {
-    std::ifstream in(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // What tells a file from others whatever its name; 0 if there is none.
 std::uint64_t nodeOf(std::string const & path) {
